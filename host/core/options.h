@@ -1,0 +1,42 @@
+// The command line. One table (options.cpp) gives the names, the arguments and the --help text.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct ShotRequest {
+    uint32_t frame;    // game frame, counted from 1
+    std::string file;  // PNG
+};
+
+enum class RendererChoice { Unset, Software, Accelerator };
+enum class BoardChoice { Auto, Gpu, Cpu, None };
+
+struct Options {
+    std::string data;           // folder that holds game/ and FrontEnd/
+    std::string disc;           // folder of music tracks
+    std::string log;            // file for the game's and the host's log lines
+    int windowWidth = 0;        // 0: the default, full screen
+    int windowHeight = 0;
+    bool fullscreen = false;
+    BoardChoice board = BoardChoice::Auto;
+    int boardScale = 1;
+    int level = 0;              // 1..8; 0: chosen by hand
+    RendererChoice renderer = RendererChoice::Unset;
+    bool headless = false;
+    std::string script;
+    std::string record;
+    std::string replay;
+    uint32_t frames = 0;        // 0: no limit
+    std::string trace;
+    std::vector<ShotRequest> shots;
+    bool benchmark = false;
+    bool verbose = false;
+};
+
+// What the command line asks for besides playing.
+enum class OptionsResult { Run, Done, Wrong };
+
+// Done: --help or --version was printed. Wrong: one line on standard error says which option and why.
+OptionsResult ParseOptions(int argumentCount, char** arguments, Options& options);

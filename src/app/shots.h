@@ -1,0 +1,6 @@
+// The player's shots.
+#pragma once
+
+void ClearShots();
+void FireShot();
+void UpdateShots();

@@ -1,0 +1,17 @@
+// Float to integer, defined for every input: NaN and out-of-range values give INT32_MIN, as x86 does.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+inline int32_t TruncToInt(double value) {
+    if (!(value > -2147483649.0 && value < 2147483648.0)) return std::numeric_limits<int32_t>::min();
+    return static_cast<int32_t>(value);
+}
+
+// To the nearest, ties to even: adding 1.5 x 2^52 leaves the rounded integer in the low bits of the sum.
+inline int32_t RoundToInt(double value) {
+    if (!(value >= -2147483648.5 && value < 2147483647.5)) return std::numeric_limits<int32_t>::min();
+    const double rounded = (value + 6755399441055744.0) - 6755399441055744.0;
+    return static_cast<int32_t>(rounded);
+}

@@ -1,0 +1,37 @@
+// Rotations, transforms, plane-side tests and the passes over WorldGeometry that need only vectors.
+#pragma once
+
+#include "records/matrices.h"
+#include "records/vec3.h"
+
+#include <cstdint>
+
+struct IntVec3 {
+    int32_t x, y, z;
+};
+
+extern Vec3 RotatedVector;        // result of RotateVector and RotateVectorT
+extern IntVec3 RotatedIntVector;  // result of RotateIntVector and RotateIntVectorT
+extern IntVec3 SideTestPoint;     // read by NodeSideOfPoint; written by its users
+
+// Degrees; Rz(az) Rx(ax) Ry(ay), for column vectors.
+void RotationFromAngles(float ax, float ay, float az, Matrix3& out);
+void ViewRotationFromAngles(float ax, float ay, float az, Matrix3& out);  // row 1 multiplied by ScreenAspect
+
+void RotateVector(float x, float y, float z, const Matrix3& m);
+void RotateVectorT(float x, float y, float z, const Matrix3& m);  // by the transpose
+void RotateIntVector(int32_t x, int32_t y, int32_t z, const Matrix3& m);
+void RotateIntVectorT(int32_t x, int32_t y, int32_t z, const Matrix3& m);
+
+// +1: signed distance >= 0, otherwise -1.
+int32_t NodeSideOfCamera(int32_t node);
+int32_t NodeSideOfPoint(int32_t node);  // of SideTestPoint
+int32_t PolySideOfCamera(int32_t poly);
+int32_t PolySideOfPoint(int32_t poly, int32_t x, int32_t y, int32_t z);
+
+void ComputePolyPlane(int32_t poly);  // from the first three corners; a degenerate triangle stores zeros
+void GenerateVertexNormals();         // of every used point; FatalError(1, "Generate Vert Normals - Mem Error")
+
+void TransformIdentity(Transform& t);
+void TransformConcat(const Transform& a, const Transform& b, Transform& out);  // b first; out is neither
+void RotateDVector(double v[3], const double r[9]);                            // v := v R

@@ -1,0 +1,16 @@
+// 16-ms ticks, the frame limiter and the frame counter. 1 tick = 16 ms of GetTickCount(). Nothing here can fail.
+#pragma once
+
+#include <cstdint>
+
+constexpr uint32_t TICK_SHIFT = 4;           // milliseconds >> TICK_SHIFT = ticks
+constexpr uint32_t TICK_MAX_PER_FRAME = 12;  // longer frames are reported as this
+
+extern uint16_t MinFrameTicks;  // 1, 2 or 4; LoadLevel copies it from the level record
+extern uint32_t MeasuredTicks;  // of the frame under way; StartGame sets it to 0
+extern uint32_t FrameTicks;     // length of the last frame, 1..12; 0 before the first FrameStep
+extern uint16_t FrameCount;     // 1 after a level load, wraps 65535 -> 0; GameFrame adds 1
+
+void TimerReset();    // the next frame is measured from now
+void FrameLimiter();  // busy wait until MinFrameTicks have passed since the last call
+void FrameStep();     // FrameTicks = measured ticks, at least 1; measured ticks = 0

@@ -1,0 +1,71 @@
+// The world's global tables: geometry, light bytes, level light values. Data only.
+#pragma once
+
+#include "records/world_records.h"
+
+#include <cstdint>
+
+// Room beyond the world file's counts for the sky, the character and per-frame scratch.
+constexpr uint32_t SPARE_PLANES = 3000;
+constexpr uint32_t SPARE_POLYGONS = 3000;
+constexpr uint32_t SPARE_POINTS = 9000;
+constexpr uint32_t SPARE_POLY_VERTICES = 9000;
+
+struct GeometryCounts {
+    uint32_t planes, polygons, points, polyVertices;
+};
+
+// All arrays lie in the pool and live until the pool is freed at the end of the game.
+// N, L, P, F, V, K below are the counts of the world file.
+struct WorldGeometryTables {
+    BspNode* nodes;                  // N; node 0 is the root
+    BspLeaf* leaves;                 // L
+    PlaneRecord* planes;             // P + 3000
+    PolyRecord* polygons;            // F + 3000
+    PolyFrame* polyFrames;           // F + 3000, only the first F are computed
+    WorldPoint* points;              // V + 9000
+    PolyVertex* polyVertices;        // K + 9000
+    PolyVertex* alternateVertices;   // K + 9000; with the accelerator, u and v in texel units
+    ViewPoint* viewPoints;           // V + 9000
+    uint8_t* outcodes;               // V + 9000
+    int8_t* pointLight;              // V + 9000, current bytes, valid while the stamp equals FrameCount
+    int8_t* pointLightBase;          // V + 9000
+    uint16_t* pointLightStamps;      // V + 9000
+    uint16_t* characterStamps;       // V + 9000, character points turned into view space
+    uint16_t* cornerLightStamps;     // 8 x max(F + 3000, CORNER_LIGHT_POLYGONS)
+    int32_t* renderList;             // 2 L
+
+    uint32_t nodeCount, leafCount;
+    GeometryCounts file;    // what the world file brought
+    GeometryCounts used;    // next free index of each table
+    GeometryCounts fixed;   // the static marks: everything loaded for the level; clipping scratch starts here (planes: unused)
+};
+extern WorldGeometryTables WorldGeometry;
+
+constexpr uint32_t CORNER_LIGHT_POLYGONS = 20000;
+extern int8_t CornerLight[CORNER_LIGHT_POLYGONS * 8];      // current, entry = polygon x 8 + corner
+extern int8_t CornerLightBase[CORNER_LIGHT_POLYGONS * 8];
+
+constexpr uint32_t INTENSITY_CACHE_SIZE = 65536;           // point indices are 16 bits wide
+extern float IntensityCache[INTENSITY_CACHE_SIZE];         // a point's intensity in the frame of its stamp
+extern uint16_t IntensityCacheStamps[INTENSITY_CACHE_SIZE];
+
+// Level light values, set by LoadLightMap and changed by the development keys.
+extern float LightLevel;
+extern float LightContrast;
+extern float FadeDistance;     // world units; where the software distance fade and the fog end
+extern float FarDistance;      // world units; far limit of the view
+extern float FogNearDistance;  // world units; accelerator only
+extern int32_t LightMode;      // 0..3; bit 2 inverts the lighting
+extern int16_t PlainBrightening;
+extern int16_t BrightColour[3];  // red, green, blue, 0..63
+extern int16_t DarkColour[3];
+
+extern float LightScale;  // derived by ApplyLightLevel
+extern float LightBias;
+
+// Where the sky lies in WorldGeometry.
+struct SkyObjectRange {
+    int32_t firstPolygon, firstPoint, polygonCount, pointCount;
+};
+extern SkyObjectRange SkyObject;
