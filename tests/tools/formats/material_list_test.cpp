@@ -1,0 +1,56 @@
+#include "formats/binary.h"
+#include "formats/error.h"
+#include "formats/material_list.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace {
+
+std::filesystem::path ListFile(const std::string& text) {
+    const auto path = std::filesystem::path(testing::TempDir()) / "textures.list";
+    WriteWholeFile(path, {text.begin(), text.end()});
+    return path;
+}
+
+std::string RefusalOf(const std::string& text) {
+    try {
+        ReadMaterialList(ListFile(text));
+    } catch (const ContentError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+
+}  // namespace
+
+TEST(MaterialList, WhatIsWrittenReadsBackInSlotOrder) {
+    const auto path = std::filesystem::path(testing::TempDir()) / "written.list";
+    WriteMaterialList(path,
+                      {{60, "clip", 8, 8, MATERIAL_CLIP}, {2, "brick/wall", 128, 64, 0}, {10, "lava", 64, 64, 12}});
+    const std::vector<Material> read = ReadMaterialList(path);
+    ASSERT_EQ(read.size(), 3U);
+    EXPECT_EQ(read[0].name, "brick/wall");
+    EXPECT_EQ(read[0].height, 64);
+    EXPECT_EQ(read[1].flags, MATERIAL_LIQUID | MATERIAL_CUTOUT);
+    EXPECT_EQ(read[2].slot, 60);
+}
+
+TEST(MaterialList, CommentsAndBlankLinesAreSkipped) {
+    EXPECT_EQ(ReadMaterialList(ListFile("# all\n\n 1 a 8 8 # one\r\n")).size(), 1U);
+}
+
+TEST(MaterialList, BadLinesAreRefusedWithFileAndLine) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"1 a 8 8\n2 b 8", "textures.list:2: the line is too short"},
+        {"x a 8 8", "textures.list:1: the slot \"x\" is not a number"},
+        {"500 a 8 8", "slot 500 of a does not exist"},
+        {"1 a 8 256", "a is 8 x 256 texels"},
+        {"1 a 8 24", "a is 8 x 24 texels"},
+        {"1 a 8 8 water", "unknown flag \"water\""},
+        {"1 a 8 8\n2 a 8 8", "textures.list:2: the material a is listed twice"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_NE(RefusalOf(text).find(expected), std::string::npos) << text;
+}

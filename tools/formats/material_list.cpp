@@ -1,0 +1,127 @@
+#include "formats/material_list.h"
+
+#include "formats/binary.h"
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <set>
+#include <sstream>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+constexpr int SLOT_END = 500;
+constexpr int TEXELS_MIN = 8;
+constexpr int TEXELS_MAX = 128;
+constexpr std::array<std::pair<const char*, unsigned>, 4> FLAG_NAMES{
+    {{"clip", MATERIAL_CLIP}, {"sky", MATERIAL_SKY}, {"liquid", MATERIAL_LIQUID}, {"cutout", MATERIAL_CUTOUT}}};
+
+struct Place {
+    std::string file;
+    int line;
+};
+
+int ParseNumber(const std::string& word, const char* what, const Place& place) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (error != std::errc() || end != word.data() + word.size()) {
+        Refuse(place.file, place.line, fmt::format("the {} \"{}\" is not a number", what, word),
+               "write: slot name width height [flags]");
+    }
+    return value;
+}
+
+unsigned ParseFlag(const std::string& word, const Place& place) {
+    for (const auto& [name, flag] : FLAG_NAMES) {
+        if (word == name) return flag;
+    }
+    Refuse(place.file, place.line, fmt::format("unknown flag \"{}\"", word), "flags are clip, sky, liquid and cutout");
+}
+
+void CheckMaterial(const Material& material, const Place& place) {
+    const auto isSize = [](int n) { return n >= TEXELS_MIN && n <= TEXELS_MAX && (n & (n - 1)) == 0; };
+    if (material.slot < 0 || material.slot >= SLOT_END) {
+        Refuse(place.file, place.line, fmt::format("slot {} of {} does not exist", material.slot, material.name),
+               fmt::format("slots are 0..{}", SLOT_END - 1));
+    }
+    if (!isSize(material.width) || !isSize(material.height)) {
+        Refuse(place.file, place.line,
+               fmt::format("{} is {} x {} texels", material.name, material.width, material.height),
+               fmt::format("sizes are powers of two from {} to {}", TEXELS_MIN, TEXELS_MAX));
+    }
+    const bool isWord = !material.name.empty() && material.name.find_first_of(" \t\r\n#\"") == std::string::npos;
+    if (!isWord) {
+        Refuse(place.file, place.line, fmt::format("\"{}\" cannot be a material name", material.name),
+               "use letters, digits and / _ - + . only");
+    }
+}
+
+Material ParseMaterial(const std::vector<std::string>& words, const Place& place) {
+    if (words.size() < 4) {
+        Refuse(place.file, place.line, "the line is too short", "write: slot name width height [flags]");
+    }
+    Material material;
+    material.slot = ParseNumber(words[0], "slot", place);
+    material.name = words[1];
+    material.width = ParseNumber(words[2], "width", place);
+    material.height = ParseNumber(words[3], "height", place);
+    for (size_t i = 4; i < words.size(); ++i)
+        material.flags |= ParseFlag(words[i], place);
+    CheckMaterial(material, place);
+    return material;
+}
+
+std::vector<std::string> WordsOf(const std::string& line) {
+    std::istringstream stream(line.substr(0, line.find('#')));
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    return words;
+}
+
+void RefuseTwice(const Material& material, const Place& place) {
+    Refuse(place.file, place.line, fmt::format("the material {} is listed twice", material.name),
+           "give each material its own name");
+}
+
+}  // namespace
+
+std::vector<Material> ReadMaterialList(const std::filesystem::path& path) {
+    const std::vector<uint8_t> content = ReadWholeFile(path);
+    std::istringstream stream(std::string(content.begin(), content.end()));
+    std::vector<Material> materials;
+    std::set<std::string> names;
+    Place place{path.string(), 0};
+    for (std::string line; std::getline(stream, line);) {
+        ++place.line;
+        const std::vector<std::string> words = WordsOf(line);
+        if (words.empty()) continue;
+        materials.push_back(ParseMaterial(words, place));
+        if (!names.insert(materials.back().name).second) RefuseTwice(materials.back(), place);
+    }
+    return materials;
+}
+
+void WriteMaterialList(const std::filesystem::path& path, const std::vector<Material>& materials) {
+    std::vector<Material> sorted = materials;
+    std::sort(sorted.begin(), sorted.end(),
+              [](const Material& a, const Material& b) { return std::tie(a.slot, a.name) < std::tie(b.slot, b.name); });
+    const Place place{path.string(), 0};
+    std::set<std::string> names;
+    std::string text = "# slot name width height flags\n";
+    for (const Material& material : sorted) {
+        CheckMaterial(material, place);
+        if (!names.insert(material.name).second) RefuseTwice(material, place);
+        text += fmt::format("{} {} {} {}", material.slot, material.name, material.width, material.height);
+        for (const auto& [name, flag] : FLAG_NAMES) {
+            if (material.flags & flag) text += fmt::format(" {}", name);
+        }
+        text += '\n';
+    }
+    WriteWholeFile(path, {text.begin(), text.end()});
+}

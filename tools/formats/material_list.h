@@ -1,0 +1,31 @@
+// The materials that a map may use and the texture slot each name stands for. texc writes the list, mapc reads it.
+//
+// Text, one material a line, '#' starts a comment:
+//     slot name width height [flag...]
+//     17 brick/wall 128 64
+//     60 clip 8 8 clip
+// slot: 0..499; brushes of a world may use 0..92 only. name: any text without blanks, as the map writes it, used once.
+// width, height: texels, a power of two, 8..128. Several names may share a slot.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+constexpr unsigned MATERIAL_CLIP = 1;  // "clip": never drawn (every texel transparent), but collides
+constexpr unsigned MATERIAL_SKY =
+    2;  // "sky": the face is left out, so that the sky shows; still keeps the world closed
+constexpr unsigned MATERIAL_LIQUID = 4;  // "liquid": the animated slots, walked on like a floor
+constexpr unsigned MATERIAL_CUTOUT = 8;  // "cutout": has transparent texels, so what lies behind it stays visible
+
+struct Material {
+    int slot = 0;
+    std::string name;
+    int width = 0;
+    int height = 0;
+    unsigned flags = 0;  // MATERIAL_*
+};
+
+std::vector<Material> ReadMaterialList(const std::filesystem::path& path);  // in file order
+// Ordered by slot, then name. A list that could not be read back is refused.
+void WriteMaterialList(const std::filesystem::path& path, const std::vector<Material>& materials);
