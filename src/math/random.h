@@ -1,9 +1,11 @@
-// The game's random numbers: the same sequence on every platform, seeded at program start.
+// The game's random numbers: the same sequence on every platform. Nothing outside the game draws from it.
 #pragma once
 
 #include <cstdint>
 
 constexpr int32_t RAND_LIMIT = 32767;
-extern uint32_t RandState;  // part of the trace digest
+constexpr uint32_t RAND_SEED = 1;
+
+extern uint32_t RandState;  // RAND_SEED at program start, never reset; part of the trace digest
 
 int32_t Rand();  // 0..RAND_LIMIT

@@ -1,15 +1,20 @@
-// Whole files into the pool, and readers of big-endian integers from the current read stream.
+// Whole files into the pool, and readers of big-endian integers from the current read stream. Paths are the game's
+// own ("game\data\...", any case of letters), below the data folder. Nothing here prints or ends the program.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
 
-extern std::FILE* ReadStream;  // the loader that opens a file sets it and closes it
+extern std::FILE* ReadStream;  // the loader that opens a file sets it, closes it and sets it to null
 
-std::FILE* OpenGameFile(const char* path, const char* mode);  // backslashes and any case of letters; null: none
-int32_t FileSize(const char* path);                           // -1: no such file, not a file, or too large
+std::FILE* OpenGameFile(const char* path, const char* mode);  // null: no such file, or a folder
+int32_t FileSize(const char* path);                           // bytes; -1: cannot be opened, or 2 GiB and more
 void* LoadMalloc(const char* path);                           // a pool block, or null and the pool unchanged
-uint16_t ReadWord();                                          // at the end of the file each byte counts as -1
+
+// From ReadStream. Past the end, and without a stream, every byte counts as -1 and is added in: a whole word gives
+// 0xFEFF, a whole long 0xFEFEFEFF.
+uint16_t ReadWord();
 uint32_t ReadLong();
-bool ReadBlock(void* destination, uint32_t bytes);            // false: fewer arrived; nothing is cleared
-uint32_t BytesLeft();                                         // in ReadStream, from here to its end
+
+bool ReadBlock(void* destination, uint32_t bytes);  // false: fewer arrived; the rest keeps its contents
+uint32_t BytesLeft();                               // from here to the end of ReadStream

@@ -1,19 +1,28 @@
-// The memory pool: first fit, 32-byte granules, a 32-byte header in front of every block. Handed out almost
-// never back; the whole pool is thrown away at the end of a game.
+// The memory pool of one game: first fit, 32-byte granules, a 32-byte header in front of every block. Loaders take
+// from it and hardly ever give back; the whole pool is thrown away at the end of the game, and every pointer into it
+// with it.
 #pragma once
 
 #include <cstdint>
 
-constexpr uint32_t POOL_BYTES = 0x800020;       // requested from malloc
+constexpr uint32_t POOL_BYTES = 0x800020;       // requested from malloc: 8 MiB and a granule
 constexpr uint32_t POOL_FILL_BYTES = 0x800000;  // of them filled with 0x55
 constexpr uint32_t POOL_GRANULE = 32;
 constexpr uint32_t POOL_MAX_REQUEST = 0x7FFFFFC0;
 
-extern uint32_t PoolLargestFree;  // refreshed by PoolFreeTotal
+extern uint32_t PoolLargestFree;  // data bytes; refreshed by PoolFreeTotal
 
+// One free block over start..end, cut to the granule. The range must hold at least three granules and stay alive.
 void PoolInit(uint8_t* start, uint8_t* end);
-void* PoolMalloc(uint32_t bytes);      // 32-byte aligned, not cleared; null: no block is large enough
+
+// 32-byte aligned, not cleared. Null when no free block holds the request, rounded up to the granule, and one header
+// more, or when `bytes` is above POOL_MAX_REQUEST. 0 bytes give a distinct pointer and cost a header.
+void* PoolMalloc(uint32_t bytes);
 void* PoolMallocHigh(uint32_t bytes);  // the same from the high end
-uint32_t PoolFree(void* data);         // the block's data size; 0: null or not a pool block
-uint32_t PoolFreeTotal();              // data bytes of all free blocks; 0 without a pool
-void PoolForget();                     // the pool's memory is gone
+
+// The block's data size; 0 and nothing done for null and for what is not the start of a block's data. A block may be
+// released once only.
+uint32_t PoolFree(void* data);
+
+uint32_t PoolFreeTotal();  // data bytes of all free blocks; 0 without a pool
+void PoolForget();         // its memory is being released: from now on there is no pool

@@ -12,4 +12,5 @@ inline bool GlideActive() {
     return GlideWindowOpen != 0;
 }
 
-void CloseGlide();  // nothing when it was not set up
+// Nothing when the accelerator was not set up, which is always: no board exists yet.
+void CloseGlide();
