@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+constexpr uint32_t TEXTURE_PALETTE_OFFSET = 2;
 constexpr uint32_t TEXTURE_RECORDS_OFFSET = 770;  // 2 + 3 x 256
 constexpr uint32_t TEXTURE_PAGE_SIZE = 65536;     // 256 rows of 256 texels
 constexpr uint32_t TEXTURE_PAGE_PITCH = 256;

@@ -11,6 +11,9 @@ constexpr uint32_t SPARE_POLYGONS = 3000;
 constexpr uint32_t SPARE_POINTS = 9000;
 constexpr uint32_t SPARE_POLY_VERTICES = 9000;
 
+// Of that room, what clipping one polygon takes above the static marks, in each table. Loaders leave it free.
+constexpr uint32_t CLIP_SCRATCH_ENTRIES = 100;
+
 struct GeometryCounts {
     uint32_t planes, polygons, points, polyVertices;
 };

@@ -1,0 +1,76 @@
+#include "render/render_tables.h"
+#include "render/textures.h"
+#include "world/world_tables.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr int FADE_STEPS = 64;             // from a colour to the dark or the bright end
+constexpr int WORST_MATCH = 10000;         // a target further from every colour gets colour 0
+constexpr double FULL_BRIGHTNESS = 189.0;  // of white: 3 x 63
+
+struct Colour {
+    double channel[3];  // red, green, blue, 0..63
+};
+
+Colour PaletteColour(int index) {
+    const uint8_t* rgb = TextureImage + TEXTURE_PALETTE_OFFSET + index * 3;
+    return {{static_cast<double>(rgb[0]), static_cast<double>(rgb[1]), static_cast<double>(rgb[2])}};
+}
+
+double Square(double value) {
+    return value * value;
+}
+
+uint8_t NearestColour(const Colour& target) {
+    int best = WORST_MATCH;
+    int bestIndex = 0;
+    for (int i = 0; i < 256; i++) {
+        const Colour colour = PaletteColour(i);
+        const double distance = Square(0.8 * (colour.channel[0] - target.channel[0])) +
+                                Square(1.2 * (colour.channel[1] - target.channel[1])) +
+                                Square(1.1 * (colour.channel[2] - target.channel[2]));
+        if (distance == 0) return static_cast<uint8_t>(i);
+        // Kept as an integer on purpose: a later colour has to beat the truncated distance.
+        if (distance < best) {
+            best = static_cast<int>(distance);
+            bestIndex = i;
+        }
+    }
+    return static_cast<uint8_t>(bestIndex);
+}
+
+uint8_t FadeTowards(Colour colour, const int16_t target[3], double weight, double fraction) {
+    for (int i = 0; i < 3; i++) {
+        double& channel = colour.channel[i];
+        channel = std::clamp(channel + (target[i] - channel) * weight * fraction, 0.0, 63.0);
+    }
+    return NearestColour(colour);
+}
+
+uint8_t FadeDark(double fraction, int index) {
+    return FadeTowards(PaletteColour(index), DarkColour, 1.0, fraction);
+}
+
+// Unless the level asks for plain brightening, bright colours move further than dark ones.
+uint8_t FadeBright(double fraction, int index) {
+    const Colour colour = PaletteColour(index);
+    const double brightness = (colour.channel[0] + colour.channel[1] + colour.channel[2]) / FULL_BRIGHTNESS;
+    return FadeTowards(colour, BrightColour, PlainBrightening == 0 ? brightness : 1.0, fraction);
+}
+
+}  // namespace
+
+void BuildFadePalette() {
+    std::printf("Generating fade palette...\n");
+    std::fill_n(TextureImage + TEXTURE_PALETTE_OFFSET, 3, uint8_t{0});
+    for (int step = 0; step < FADE_STEPS; step++) {
+        const double fraction = step / static_cast<double>(FADE_STEPS);
+        for (int i = 0; i < 256; i++) {
+            ShadeTable[step * 256 + i] = FadeDark(1 - fraction, i);
+            ShadeTable[(FADE_STEPS + step) * 256 + i] = FadeBright(fraction, i);
+        }
+    }
+}

@@ -1,0 +1,105 @@
+#include "render/raster.h"
+
+#include "math/convert.h"
+#include "render/raster_spans.h"
+#include "render/render_tables.h"
+#include "render/textures.h"
+#include "world/world_tables.h"
+
+#include <algorithm>
+#include <cstring>
+
+EdgeRow EdgeTable[EDGE_TABLE_ROWS];
+int32_t FirstRow, EndRow;
+float ReciprocalTable[RECIPROCAL_COUNT];
+
+namespace {
+
+constexpr int MAX_CORNERS = 255;
+
+// Four floats stepped together; the arithmetic of each is that of a plain float.
+typedef float Float4 __attribute__((vector_size(16)));
+
+struct EdgePoint {
+    int32_t x, y;      // 16.16 pixels
+    int32_t row;       // first row at or below y
+    Float4 overDepth;  // u, v, light and 1, each divided by depth
+};
+
+EdgePoint MakeEdgePoint(const PolyVertex& corner) {
+    const ViewPoint& view = WorldGeometry.viewPoints[corner.point];
+    const float inverse = view.inverseDepth;
+    return {view.screen.fixed.x, view.screen.fixed.y, CeilFixed(view.screen.fixed.y),
+            Float4{corner.u * inverse, corner.v * inverse, corner.intensity * inverse, inverse}};
+}
+
+// Writes one edge into the rows it covers. Rows above the frame are stepped over so that the others do not change.
+void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*side) {
+    const int32_t endRow = std::min(bottom.row, EndRow);
+    if (top.row >= endRow) return;
+    const float preStep = static_cast<float>(int64_t{top.row} * 65536 - top.y) / 65536;
+    const float perRow = 65536 / static_cast<float>(int64_t{bottom.y} - top.y);
+    const float slope = static_cast<float>(int64_t{bottom.x} - top.x) * perRow;
+    const uint32_t xStep = static_cast<uint32_t>(RoundToInt(slope));
+    uint32_t x = static_cast<uint32_t>(RoundToInt(static_cast<float>(top.x) + slope * preStep));
+    const Float4 step = (bottom.overDepth - top.overDepth) * perRow;
+    Float4 value = top.overDepth + step * preStep;
+    int32_t row = top.row;
+    for (; row < FirstRow; row++, x += xStep)
+        value += step;
+    for (; row < endRow; row++, x += xStep) {
+        EdgeHalf& half = EdgeTable[row].*side;
+        half.x = static_cast<int32_t>(x);
+        std::memcpy(&half.u, &value, sizeof(value));
+        value += step;
+    }
+}
+
+void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
+    const TextureRecord* texture = PolygonTexture(*polygon);
+    if (texture == nullptr || FrameBuffer == nullptr || !BuildEdgeTable(polygon)) return;
+    const uint32_t mask = (texture->height - 1u) * TEXTURE_PAGE_PITCH + (texture->width - 1u);
+    FillRowsPortable({TextureImage + texture->texelOffset, mask}, texelZero);
+}
+
+}  // namespace
+
+void BuildReciprocalTable() {
+    ReciprocalTable[0] = 1.0f;
+    for (int i = 1; i < RECIPROCAL_COUNT; i++)
+        ReciprocalTable[i] = static_cast<float>(1.0 / i);
+}
+
+bool BuildEdgeTable(const PolyRecord* polygon) {
+    const int count = polygon->cornerCount;
+    const PolyVertex* corners = WorldGeometry.polyVertices + polygon->firstVertex;
+    EdgePoint points[MAX_CORNERS];
+    int32_t first = EDGE_TABLE_ROWS;
+    int32_t end = -EDGE_TABLE_ROWS;
+    for (int i = 0; i < count; i++) {
+        points[i] = MakeEdgePoint(corners[i]);
+        first = std::min(first, points[i].row);
+        end = std::max(end, points[i].row);
+    }
+    FirstRow = std::max(first, 0);
+    EndRow = std::min({end, ScreenHeight, EDGE_TABLE_ROWS});
+    if (FirstRow >= EndRow) return false;
+
+    for (int i = 0; i < count; i++) {
+        const EdgePoint& from = points[i];
+        const EdgePoint& to = points[i + 1 < count ? i + 1 : 0];
+        if (to.y < from.y)
+            WalkEdge(to, from, &EdgeRow::right);
+        else
+            WalkEdge(from, to, &EdgeRow::left);
+    }
+    return true;
+}
+
+void RasterPolygon(const PolyRecord* polygon) {
+    RasterTextured(polygon, TexelZero::Drawn);
+}
+
+void RasterPolygonTransparent(const PolyRecord* polygon) {
+    RasterTextured(polygon, TexelZero::Skipped);
+}

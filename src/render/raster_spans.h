@@ -1,0 +1,39 @@
+// Inside of the software rasteriser: the edge table and the routines that fill its rows. The fill routines differ in
+// speed only; each gives the same bytes.
+#pragma once
+
+#include "records/texture_records.h"
+
+#include <cstddef>
+#include <cstdint>
+
+struct EdgeHalf {
+    int32_t x;                        // 16.16 pixels
+    float u, v, light, inverseDepth;  // the first three divided by depth
+};
+struct EdgeRow {
+    EdgeHalf left, right;
+};
+static_assert(sizeof(EdgeRow) == 40 && offsetof(EdgeRow, right) == 20);
+
+constexpr int32_t EDGE_TABLE_ROWS = 1024;
+extern EdgeRow EdgeTable[EDGE_TABLE_ROWS];  // by screen row; filled for FirstRow..EndRow - 1
+extern int32_t FirstRow, EndRow;            // rows of the polygon being drawn, inside the frame
+
+constexpr int32_t RECIPROCAL_COUNT = 1024;
+extern float ReciprocalTable[RECIPROCAL_COUNT];  // entry 0 is 1, entry i is 1 / i
+
+constexpr int32_t SPAN_BLOCK = 16;  // pixels between two exact texture positions; longer spans than this are in blocks
+
+struct SpanTexture {
+    const uint8_t* texels;  // first texel; rows are TEXTURE_PAGE_PITCH apart
+    uint32_t mask;          // of row x 256 + column
+};
+
+enum class TexelZero { Drawn, Skipped };
+
+inline int32_t CeilFixed(int32_t fixed) {
+    return static_cast<int32_t>((int64_t{fixed} + 0xFFFF) >> 16);
+}
+
+void FillRowsPortable(const SpanTexture& texture, TexelZero texelZero);
