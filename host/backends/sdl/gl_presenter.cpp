@@ -1,0 +1,149 @@
+#include "backends/sdl/presenter.h"
+
+#define GL_GLEXT_PROTOTYPES
+#include <GL/glcorearb.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int SMOOTH_FROM_WIDTH = 640;
+constexpr int VSYNC_FROM_HZ = 59;
+
+const char* const VERTEX_PROGRAM = R"(#version 330 core
+out vec2 place;
+void main() {
+    vec2 corner = vec2(gl_VertexID & 1, gl_VertexID >> 1);
+    place = vec2(corner.x, 1.0 - corner.y);
+    gl_Position = vec4(corner * 2.0 - 1.0, 0.0, 1.0);
+}
+)";
+
+// A pixel is even over its whole area but for one screen pixel at its border, where it blends into its neighbour: the
+// same as enlarging by a whole number and shrinking the rest. `enlargement` 1 is plain linear filtering.
+const char* const FRAGMENT_PROGRAM = R"(#version 330 core
+in vec2 place;
+out vec4 colour;
+uniform sampler2D picture;
+uniform vec2 enlargement;
+void main() {
+    vec2 size = vec2(textureSize(picture, 0));
+    vec2 position = place * size;
+    vec2 fromCentre = fract(position) - 0.5;
+    vec2 even = 0.5 - 0.5 / enlargement;
+    vec2 blend = (fromCentre - clamp(fromCentre, -even, even)) * enlargement;
+    colour = vec4(texture(picture, (floor(position) + 0.5 + blend) / size).rgb, 1.0);
+}
+)";
+
+void AttachShader(GLuint program, GLenum kind, const char* text) {
+    const GLuint shader = glCreateShader(kind);
+    glShaderSource(shader, 1, &text, nullptr);
+    glCompileShader(shader);
+    glAttachShader(program, shader);
+    glDeleteShader(shader);
+}
+
+GLuint LinkProgram() {
+    const GLuint program = glCreateProgram();
+    AttachShader(program, GL_VERTEX_SHADER, VERTEX_PROGRAM);
+    AttachShader(program, GL_FRAGMENT_SHADER, FRAGMENT_PROGRAM);
+    glLinkProgram(program);
+    GLint linked = 0;
+    glGetProgramiv(program, GL_LINK_STATUS, &linked);
+    return linked ? program : 0;
+}
+
+// The frame limiter counts whole ticks of 16 ms and forgets remainders, so a swap that waits for a display slower
+// than that would slow the game down.
+void ChooseVerticalSync(SDL_Window* window) {
+    SDL_DisplayMode mode{};
+    const int display = std::max(SDL_GetWindowDisplayIndex(window), 0);
+    const bool fastEnough = SDL_GetCurrentDisplayMode(display, &mode) == 0 && mode.refresh_rate >= VSYNC_FROM_HZ;
+    SDL_GL_SetSwapInterval(fastEnough ? 1 : 0);
+}
+
+void DisableTests() {
+    glDisable(GL_BLEND);
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_SCISSOR_TEST);
+    glDisable(GL_DITHER);
+}
+
+class GlPresenter : public Presenter {
+public:
+    GlPresenter(SDL_Window* shownIn, SDL_GLContext drawnWith) : window(shownIn), context(drawnWith) {}
+
+    ~GlPresenter() override { SDL_GL_DeleteContext(context); }
+
+    bool Prepare() {
+        program = LinkProgram();
+        if (program == 0) return false;
+        enlargementPlace = glGetUniformLocation(program, "enlargement");
+        glGenVertexArrays(1, &vertexArray);
+        glGenTextures(1, &texture);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+        ChooseVerticalSync(window);
+        return glGetError() == GL_NO_ERROR;
+    }
+
+    void Show(const Picture& picture) override {
+        width = picture.width;
+        height = picture.height;
+        glActiveTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
+                     picture.pixels);
+        ShowAgain();
+    }
+
+    void ShowAgain() override {
+        if (width == 0) return;
+        int windowWidth = 0, windowHeight = 0;
+        SDL_GL_GetDrawableSize(window, &windowWidth, &windowHeight);
+        const SDL_Rect area = FitPicture(width, height, windowWidth, windowHeight);
+        DisableTests();
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+        glClearColor(0, 0, 0, 1);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glViewport(area.x, windowHeight - area.y - area.h, area.w, area.h);
+        glUseProgram(program);
+        glUniform2f(enlargementPlace, Enlargement(area.w, width), Enlargement(area.h, height));
+        glActiveTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glBindSampler(0, 0);
+        glBindVertexArray(vertexArray);
+        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+        SDL_GL_SwapWindow(window);
+    }
+
+private:
+    float Enlargement(int shown, int pixels) const {
+        if (width >= SMOOTH_FROM_WIDTH) return 1;
+        return std::max(static_cast<float>(shown) / static_cast<float>(pixels), 1.0F);
+    }
+
+    SDL_Window* window;
+    SDL_GLContext context;
+    GLuint program = 0, vertexArray = 0, texture = 0;
+    GLint enlargementPlace = -1;
+    int width = 0, height = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Presenter> MakeGlPresenter(SDL_Window* window) {
+    const SDL_GLContext context = SDL_GL_CreateContext(window);
+    if (!context) return nullptr;
+    auto presenter = std::make_unique<GlPresenter>(window, context);
+    if (presenter->Prepare()) return presenter;
+    SDL_SetError("the display programs of OpenGL did not compile");
+    return nullptr;
+}

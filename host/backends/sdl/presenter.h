@@ -1,0 +1,21 @@
+// Pictures onto the window: as large as fits with its sides in proportion, in the middle, black around it. A picture
+// less than 640 wide is shown with sharp pixels, a larger one smoothly.
+#pragma once
+
+#include "core/machine.h"
+
+#include <SDL.h>
+
+#include <memory>
+
+class Presenter {
+public:
+    virtual ~Presenter() = default;
+    virtual void Show(const Picture& picture) = 0;
+    virtual void ShowAgain() = 0;  // the latest picture at the window's size of now; nothing before the first Show
+};
+
+std::unique_ptr<Presenter> MakeGlPresenter(SDL_Window* window);       // null: no OpenGL 3.3 context; see SDL_GetError
+std::unique_ptr<Presenter> MakeSurfacePresenter(SDL_Window* window);  // never on a window that has a context
+
+SDL_Rect FitPicture(int pictureWidth, int pictureHeight, int windowWidth, int windowHeight);

@@ -1,0 +1,118 @@
+#include "backends/sdl/sdl_machine.h"
+
+#include "backends/sdl/pads.h"
+#include "backends/sdl/window.h"
+
+#include <SDL.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto CLOCK_NAP = 200us;   // of a loop that reads the clock until it moves
+constexpr auto KEYBOARD_NAP = 1ms;  // of a loop that polls the keyboard until a key is down
+constexpr int WAIT_SLICE_MS = 50;
+
+Options startOptions;
+uint32_t lastClock = 0, lastKeyboardPoll = 0, lastTurn = 0;
+
+// SDL's drivers that show nothing are taken only when SDL_VIDEODRIVER asks for them; SDL itself also falls back to
+// them, and a game would run unseen.
+bool ShowsNothing(const char* driver) {
+    return std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0;
+}
+
+bool DriverUsable() {
+    const char* driver = SDL_GetCurrentVideoDriver();
+    return driver && (!ShowsNothing(driver) || SDL_getenv("SDL_VIDEODRIVER"));
+}
+
+void Stop() {
+    StopPads();
+    CloseGameWindow();
+    SDL_Quit();
+}
+
+bool Start(const Options& options) {
+    startOptions = options;
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");  // Ctrl-C in the terminal ends the program as ever
+    SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0 || !DriverUsable()) {
+        SDL_Quit();
+        return false;
+    }
+    StartPads();
+    return true;
+}
+
+uint32_t Milliseconds() {
+    uint32_t now = SDL_GetTicks();
+    if (now == lastClock) {
+        std::this_thread::sleep_for(CLOCK_NAP);
+        now = SDL_GetTicks();
+    }
+    lastClock = now;
+    return now;
+}
+
+void Pump() {
+    PumpWindowEvents();
+    const uint32_t now = SDL_GetTicks();
+    TurnWithPads(now - lastTurn);
+    lastTurn = now;
+}
+
+void BeforeKeyboardPoll() {
+    if (SDL_GetTicks() == lastKeyboardPoll) std::this_thread::sleep_for(KEYBOARD_NAP);
+    lastKeyboardPoll = SDL_GetTicks();
+    Pump();
+}
+
+void Wait() {
+    SDL_WaitEventTimeout(nullptr, WAIT_SLICE_MS);
+    Pump();
+}
+
+bool CreateGameWindow(const char* title) {
+    return OpenGameWindow(title, startOptions);
+}
+
+void DesktopSize(int* width, int* height) {
+    SDL_DisplayMode mode{};
+    if (SDL_GetDesktopDisplayMode(0, &mode) != 0) mode.w = 640, mode.h = 480;
+    *width = mode.w;
+    *height = mode.h;
+}
+
+int MessageBox(const char* text, const char* caption) {
+    // Where nothing is shown SDL looks for a dialog program, and may wait for it without end.
+    if (ShowsNothing(SDL_GetCurrentVideoDriver())) {
+        std::fprintf(stderr, "%s: %s\n", caption, text);
+    } else {
+        ShowMessageBox(text, caption);
+    }
+    return 1;
+}
+
+}  // namespace
+
+const Machine SdlMachine = {
+    .name = "sdl",
+    .start = Start,
+    .stop = Stop,
+    .milliseconds = Milliseconds,
+    .beforeKeyboardPoll = BeforeKeyboardPoll,
+    .pump = Pump,
+    .wait = Wait,
+    .createWindow = CreateGameWindow,
+    .desktopSize = DesktopSize,
+    .present = ShowPicture,
+    .setMouseCaptured = CapturePointer,
+    .messageBox = MessageBox,
+    .hasWindow = GameWindowOpen,
+};

@@ -1,0 +1,153 @@
+#include "backends/sdl/window.h"
+
+#include "backends/sdl/keys.h"
+#include "backends/sdl/pads.h"
+#include "backends/sdl/presenter.h"
+#include "core/devices.h"
+
+#include <cstdio>
+#include <iterator>
+
+namespace {
+
+constexpr int SMALLEST_WIDTH = 320, SMALLEST_HEIGHT = 240;
+constexpr int WHEEL_NOTCH = 120;
+
+SDL_Window* window = nullptr;
+std::unique_ptr<Presenter> presenter;
+
+// Until focus is lost for the first time the window counts as focused: the event that says so comes some time after
+// the window is shown, and never on displays without a window manager's help.
+bool focused = true;
+bool pointerWanted = false;
+bool pointerHeld = false;
+
+void UpdatePointer() {
+    const bool hold = window && focused && pointerWanted;
+    if (hold == pointerHeld) return;
+    pointerHeld = hold;
+    SDL_SetRelativeMouseMode(hold ? SDL_TRUE : SDL_FALSE);
+    SDL_FlushEvent(SDL_MOUSEMOTION);  // the way of the pointer before the switch is no motion of the mouse
+}
+
+void ChangeFocus(bool gained) {
+    if (focused == gained) return;
+    focused = gained;
+    UpdatePointer();
+    DeviceFocus(gained);
+}
+
+void HandleWindowEvent(const SDL_WindowEvent& event) {
+    switch (event.event) {
+    case SDL_WINDOWEVENT_FOCUS_GAINED: ChangeFocus(true); break;
+    case SDL_WINDOWEVENT_FOCUS_LOST: ChangeFocus(false); break;
+    case SDL_WINDOWEVENT_EXPOSED:
+    case SDL_WINDOWEVENT_SIZE_CHANGED:
+        if (presenter) presenter->ShowAgain();
+        break;
+    default: break;
+    }
+}
+
+void HandleKey(const SDL_KeyboardEvent& event) {
+    const uint8_t code = ScanCodeOf(event.keysym.scancode);
+    if (code != 0 && event.repeat == 0) DeviceKey(KeySource::Keyboard, code, event.state == SDL_PRESSED);
+}
+
+void HandleMouseButton(const SDL_MouseButtonEvent& event) {
+    constexpr uint8_t BUTTONS[] = {SDL_BUTTON_LEFT, SDL_BUTTON_RIGHT, SDL_BUTTON_MIDDLE};
+    for (size_t button = 0; button < std::size(BUTTONS); button++)
+        if (event.button == BUTTONS[button])
+            DeviceMouseButton(KeySource::Keyboard, static_cast<int>(button), event.state == SDL_PRESSED);
+}
+
+void HandleEvent(const SDL_Event& event) {
+    switch (event.type) {
+    case SDL_QUIT: DeviceCloseRequest(); break;
+    case SDL_WINDOWEVENT: HandleWindowEvent(event.window); break;
+    case SDL_KEYDOWN:
+    case SDL_KEYUP: HandleKey(event.key); break;
+    case SDL_MOUSEMOTION:
+        if (pointerHeld) DeviceMouseMotion(event.motion.xrel, event.motion.yrel, 0);
+        break;
+    case SDL_MOUSEWHEEL: DeviceMouseMotion(0, 0, event.wheel.y * WHEEL_NOTCH); break;
+    case SDL_MOUSEBUTTONDOWN:
+    case SDL_MOUSEBUTTONUP: HandleMouseButton(event.button); break;
+    default: HandlePadEvent(event); break;
+    }
+}
+
+SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t flags) {
+    const bool windowed = options.windowWidth > 0 && !options.fullscreen;
+    // Full screen, too, opens at its final size: without a window manager nothing enlarges it later.
+    SDL_Rect area{0, 0, options.windowWidth, options.windowHeight};
+    if (!windowed && SDL_GetDisplayBounds(0, &area) != 0) area = {0, 0, SMALLEST_WIDTH, SMALLEST_HEIGHT};
+    flags |= SDL_WINDOW_ALLOW_HIGHDPI;
+    flags |= static_cast<uint32_t>(windowed ? SDL_WINDOW_RESIZABLE : SDL_WINDOW_FULLSCREEN_DESKTOP);
+    SDL_Window* created =
+        SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, area.w, area.h, flags);
+    if (created) SDL_SetWindowMinimumSize(created, SMALLEST_WIDTH, SMALLEST_HEIGHT);
+    return created;
+}
+
+void AskForContext() {
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 3);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 3);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
+    SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+}
+
+}  // namespace
+
+bool OpenGameWindow(const char* title, const Options& options) {
+    AskForContext();
+    window = CreateWindow(title, options, SDL_WINDOW_OPENGL);
+    if (window) presenter = MakeGlPresenter(window);
+    if (!presenter) {
+        if (options.verbose) std::fprintf(stderr, "no OpenGL 3.3 (%s): drawing without it\n", SDL_GetError());
+        if (window) SDL_DestroyWindow(window);
+        window = CreateWindow(title, options, 0);
+        if (!window) {
+            std::fprintf(stderr, "cannot open a window: %s\n", SDL_GetError());
+            return false;
+        }
+        presenter = MakeSurfacePresenter(window);
+    }
+    SDL_StopTextInput();
+    UpdatePointer();
+    return true;
+}
+
+void CloseGameWindow() {
+    CapturePointer(false);
+    presenter.reset();
+    if (window) SDL_DestroyWindow(window);
+    window = nullptr;
+}
+
+bool GameWindowOpen() {
+    return window != nullptr;
+}
+
+void ShowPicture(const Picture& picture) {
+    if (presenter) presenter->Show(picture);
+}
+
+void CapturePointer(bool captured) {
+    pointerWanted = captured;
+    UpdatePointer();
+}
+
+void PumpWindowEvents() {
+    for (SDL_Event event; SDL_PollEvent(&event);)
+        HandleEvent(event);
+}
+
+void ShowMessageBox(const char* text, const char* caption) {
+    const bool wanted = pointerWanted;
+    CapturePointer(false);
+    if (SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_ERROR, caption, text, window) != 0)
+        std::fprintf(stderr, "%s: %s\n", caption, text);
+    CapturePointer(wanted);
+    if (presenter) presenter->ShowAgain();
+}

@@ -1,0 +1,12 @@
+// The program's one window: its events, the pointer it holds, and the pictures it shows.
+#pragma once
+
+#include "core/machine.h"
+
+bool OpenGameWindow(const char* title, const Options& options);  // false: a line on standard error says why
+void CloseGameWindow();
+bool GameWindowOpen();
+void ShowPicture(const Picture& picture);
+void CapturePointer(bool captured);                          // hold and hide it while the window has the focus
+void PumpWindowEvents();                                     // everything pending, into core/devices.h
+void ShowMessageBox(const char* text, const char* caption);  // returns when it was closed
