@@ -1,4 +1,5 @@
-// Keyboard and mouse, polled through DirectInput, never buffered.
+// Keyboard and mouse, polled through DirectInput, never buffered: PollKeyboard and PollMouse at the head of each
+// front-end pass and each game frame, then SummariseMouse and BuildControls in the frame.
 #pragma once
 
 #include "host/dinput.h"
@@ -7,8 +8,8 @@
 #include <cstdint>
 
 struct InputDevices {
-    HWND window;                    // 0 after StopInput
-    IDirectInputA* input;           // null when not created
+    HWND window;           // null after StopInput
+    IDirectInputA* input;  // null when not created, as the devices
     IDirectInputDeviceA* keyboard;
     IDirectInputDeviceA* mouse;
 };
@@ -25,8 +26,9 @@ struct MouseInputState {
     int16_t yMotion;
     int16_t buttons;  // left | right
 };
-extern DIMOUSESTATE MouseState;
-extern MouseInputState MouseInput;
+extern DIMOUSESTATE MouseState;     // the latest poll
+extern MouseInputState MouseInput;  // rebuilt by SummariseMouse; StartGame clears it, or the camera's first update
+                                    // would use the motion of the previous level's last frame again
 
 constexpr uint16_t CTL_UP = 0x0001;
 constexpr uint16_t CTL_DOWN = 0x0002;
@@ -41,11 +43,14 @@ constexpr uint16_t CTL_ESC = 0x0200;
 constexpr uint16_t CTL_ENTER = 0x0400;  // keypad Enter
 extern uint16_t Controls;               // rebuilt by BuildControls in every game frame
 
-bool StartInput(HINSTANCE instance, HWND window, InputDevices& devices);  // false: everything released again
+bool StartInput(HINSTANCE instance, HWND window, InputDevices& devices);  // false: everything is released again
 void StopInput(InputDevices& devices);                                    // safe when nothing was created
+
+// Need started devices. A poll that fails (another application has the keyboard) keeps the state of the one before.
 void PollKeyboard(InputDevices& devices);
 void PollMouse(InputDevices& devices);
+
 bool KeyDown(uint8_t code);
-bool KeyHit(uint8_t code);
+bool KeyHit(uint8_t code);  // went down since the previous poll
 void BuildControls();
 void SummariseMouse();  // MouseInput from MouseState

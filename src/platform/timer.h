@@ -11,6 +11,10 @@ extern uint32_t MeasuredTicks;  // of the frame under way; StartGame sets it to 
 extern uint32_t FrameTicks;     // length of the last frame, 1..12; 0 before the first FrameStep
 extern uint16_t FrameCount;     // 1 after a level load, wraps 65535 -> 0; GameFrame adds 1
 
-void TimerReset();    // the next frame is measured from now
-void FrameLimiter();  // busy wait until MinFrameTicks have passed since the last call
-void FrameStep();     // FrameTicks = measured ticks, at least 1; measured ticks = 0
+void TimerReset();  // the next frame is measured from now
+
+// Busy wait until MinFrameTicks have passed since the end of the previous wait; the time the frame itself took counts.
+// What is left of a tick is lost. A MinFrameTicks of 0 never reads the clock.
+void FrameLimiter();
+
+void FrameStep();  // FrameTicks = measured ticks, at least 1; measured ticks = 0
