@@ -6,20 +6,22 @@
 
 #include <cstdint>
 
+constexpr const char* APP_TITLE = "Tarnwick";  // window class, window title, caption of every message box
+
 constexpr uint8_t MODE_FRONTEND = 0;  // the attract pictures are cycling
 constexpr uint8_t MODE_START = 1;     // a game is to be started
 constexpr uint8_t MODE_PLAYING = 2;
-constexpr uint8_t MODE_LEAVE = 3;     // leave the level for the front end; also the initial value
-constexpr uint8_t MODE_QUIT = 4;      // end the program
+constexpr uint8_t MODE_LEAVE = 3;  // leave the level for the front end; also the initial value
+constexpr uint8_t MODE_QUIT = 4;   // end the program
 
 extern HINSTANCE AppInstance;
 extern HWND MainWindow;
-extern int32_t AppActive;      // 0 while another application is active
+extern int32_t AppActive;  // 0 while another application is active; set by WM_ACTIVATEAPP
 extern uint8_t GameMode;
-extern uint8_t UseGlide;       // renderer choice: 1 accelerator, 0 software
-extern int32_t CurrentLevel;   // chosen level 0..7; -1 while none is chosen
+extern uint8_t UseGlide;      // renderer choice: 1 accelerator, 0 software
+extern int32_t CurrentLevel;  // chosen level 0..7; -1 while none is chosen
 
 constexpr int LEVEL_COUNT = 8;
 extern const LevelInfo LevelTable[LEVEL_COUNT];
-extern int32_t LoadedLevel;    // index of the record the other modules read
-extern uint16_t SkyFlag;       // of the loaded level
+extern int32_t LoadedLevel;  // index of the record the other modules read; set by StartGame and LoadLevel
+extern uint16_t SkyFlag;     // of the loaded level

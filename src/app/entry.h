@@ -3,5 +3,8 @@
 
 #include "app/app_tables.h"
 
+// Always 0. Sets up window and input (a failure shows a box and ends), then alternates front end and game until
+// GameMode is MODE_QUIT, or until neither of the two could open a display.
 int WinMain(HINSTANCE instance, HINSTANCE previousInstance, char* commandLine, int showCommand);
+
 LRESULT MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -1,7 +1,9 @@
-// What the player sees before a level starts: attract pictures, level choice, renderer choice.
+// What the player sees before a level starts: attract pictures, level choice, renderer choice, on a 640 x 480 display
+// of 16 bits a pixel that is open only meanwhile.
 #pragma once
 
 #include <cstdint>
 
-uint8_t RunFrontEnd();  // GameMode: MODE_START, MODE_QUIT, MODE_FRONTEND after WM_QUIT, or its value on entry when
-                        // the display could not be opened
+// The GameMode it leaves: MODE_START with CurrentLevel and UseGlide chosen; MODE_QUIT; MODE_FRONTEND after WM_QUIT; or
+// the value on entry after "Unable to initialize DirectDraw".
+uint8_t RunFrontEnd();

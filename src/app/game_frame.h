@@ -1,6 +1,5 @@
-// The per-frame driver, the development keys and the animated-texture cycle.
+// One frame of the game: every module once, in a fixed order.
 #pragma once
 
-void GameFrame();
-void DebugKeys();
-void TextureCycle();
+// Keyboard and mouse have been polled. True: the host asks for the end of the program.
+bool GameFrame();

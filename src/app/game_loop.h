@@ -3,5 +3,8 @@
 
 #include <cstdint>
 
-uint8_t RunGame();  // the final GameMode
-bool StartGame();
+// Plays CurrentLevel (level 0 for an index outside the table). The final GameMode: MODE_LEAVE, MODE_QUIT, or
+// MODE_PLAYING after "Unable to initialize game." or WM_QUIT.
+uint8_t RunGame();
+
+bool StartGame();  // false: no display could be opened; a failure of a loader is a FatalError

@@ -4,4 +4,4 @@
 #include <cstdint>
 
 void LoadLevel(int32_t index);  // 0..7; every failure of a loader is a FatalError
-void ResetToLevelStart();
+void ResetToLevelStart();       // the loaded level's start, fractions included; LoadLevel truncates them

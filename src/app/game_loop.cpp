@@ -1,0 +1,77 @@
+#include "app/game_loop.h"
+
+#include "app/app_tables.h"
+#include "app/error_box.h"
+#include "app/game_frame.h"
+#include "app/load_level.h"
+#include "app/pump.h"
+#include "camera/camera.h"
+#include "memory/system.h"
+#include "platform/cd_audio.h"
+#include "platform/display.h"
+#include "platform/input.h"
+#include "platform/timer.h"
+#include "render/raster.h"
+#include "render/screen.h"
+
+#include <cfenv>
+
+namespace {
+
+constexpr int32_t SOFTWARE_SCREEN_RES = 0;  // 320 x 240
+constexpr int32_t FIRST_LEVEL_TRACK = 2;    // even levels; odd levels play the next one
+
+// Rounds to nearest, masks every exception, keeps denormals: whatever a library has left behind.
+void SetFpuSinglePrecision() {
+    std::fesetenv(FE_DFL_ENV);
+}
+
+void GameStep() {
+    PollKeyboard(Input);
+    PollMouse(Input);
+    const bool hostEnds = GameFrame();
+    if (KeyDown(DIK_ESCAPE)) GameMode = MODE_LEAVE;
+    if (KeyDown(DIK_LWIN) || KeyDown(DIK_RWIN) || KeyDown(DIK_APPS) || hostEnds) GameMode = MODE_QUIT;
+}
+
+void BlackenBothBuffers() {
+    for (int buffer = 0; buffer < 2; buffer++) {
+        ClearSurface(Display.offscreen);
+        PresentDisplay();
+    }
+}
+
+}  // namespace
+
+uint8_t RunGame() {
+    GameMode = MODE_PLAYING;
+    if (CurrentLevel < 0 || CurrentLevel >= LEVEL_COUNT) CurrentLevel = 0;
+    OpenCdAudio();
+    CdTrack = (CurrentLevel & 1) + FIRST_LEVEL_TRACK;
+    PlayCdTrack(MainWindow);
+    if (StartGame()) {
+        RunMessagePump(MODE_PLAYING, GameStep);
+        if (DisplayState != DISPLAY_NONE) BlackenBothBuffers();
+    } else {
+        ErrorBox("Unable to initialize game.", MB_OK);
+    }
+    StopCd(MainWindow);
+    CloseCdAudio();
+    SystemShutdown();
+    return GameMode;
+}
+
+bool StartGame() {
+    SetFpuSinglePrecision();
+    BuildReciprocalTable();
+    SystemInit();
+    LoadedLevel = 0;  // InitGraphics reads its fog colour
+    if (!InitGraphics(SOFTWARE_SCREEN_RES)) return false;
+    LoadLevel(CurrentLevel);
+    SwapScreen();
+    MouseInput = {};  // the last frame of the game before would move the camera once more
+    UpdateCamera();
+    MeasuredTicks = 0;
+    FrameTicks = 0;
+    return true;
+}

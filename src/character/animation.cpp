@@ -1,0 +1,4 @@
+#include "character/animation.h"
+
+// Comes with the character's files.
+void LoadAnimations(AnimFileEntry*) {}

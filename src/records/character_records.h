@@ -1,0 +1,53 @@
+// The records of characters: mesh, animations and the states an actor can be in.
+#pragma once
+
+#include "records/vec3.h"
+
+#include <cstdint>
+
+struct BoneRecord;
+
+// Where a character lies in WorldGeometry. Lives for the whole program, refilled by every level load.
+struct MeshRecord {
+    uint32_t boneCount;
+    BoneRecord* bones;  // in the pool
+    uint16_t pointCount;
+    uint16_t firstPoint;  // its points are consecutive
+    uint16_t faceCount;
+    uint16_t firstPolygon;  // its triangles are consecutive
+};
+
+// One loaded animation file.
+struct AnimRecord {
+    uint8_t* image;  // the file in the pool; track offsets count from here
+    uint32_t imageBytes;
+    uint32_t trackCount;
+    uint32_t hiddenBlock;  // weight block that is not applied while this animation plays
+    uint32_t length;       // animation time units, 5 a tick
+};
+
+struct AnimFileEntry {
+    const char* path;  // null ends a table of entries
+    AnimRecord* record;
+};
+
+struct StateTransition {
+    int16_t unused;
+    int16_t nextState;  // -1: stay and hold the last pose
+    int16_t blendDuration;
+    int16_t startTime;  // -1: 10
+};
+
+constexpr uint16_t STATE_CAN_STEP = 0x1;  // flag: walks up low ledges
+
+// One state of an actor: what plays, how it drives and collides. Handlers rewrite impulses at run time.
+struct StateRecord {
+    uint16_t flags;
+    const StateTransition* transition;
+    Vec3 drive;             // velocity added per tick, in the actor's frame
+    Vec3 impulse;           // velocity given once on entering the state, in the actor's frame
+    float slideFactor;      // share of the velocity kept after a contact
+    void (*handler)();      // called once a frame, or null
+    int16_t animations[3];  // of layers 0..2, index into the actor's AnimFileEntry table; -1: none
+    int16_t playModes[3];   // 0 once, 1 loop
+};
