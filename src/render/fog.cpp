@@ -16,3 +16,6 @@ void SetupFog() {
     FrameBuffer = static_cast<uint8_t*>(PoolMalloc(OFFSCREEN_FRAME_BYTES));
     if (FrameBuffer == nullptr) FatalError(1, "No memory for the off-screen frame");
 }
+
+// Comes with the accelerator.
+void ReloadFogTable() {}

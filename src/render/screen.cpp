@@ -73,3 +73,6 @@ void ClearFrame() {
     for (int32_t i = 0; i < rows; i++, row += stride)
         std::memset(row, BACKGROUND_COLOUR, static_cast<size_t>(filled));
 }
+
+// Comes with the accelerator.
+void SetFogSwitchStates(bool) {}

@@ -14,3 +14,6 @@ void SubmitPolygon(const PolyRecord* polygon, uint32_t drawFlags) {
     else
         RasterPolygon(polygon);
 }
+
+// Comes with the accelerator: the software rasteriser keeps no current texture.
+void ResetCurrentTexture() {}

@@ -108,6 +108,15 @@ void ResetFakeMachine() {
     ActorCount = 0;
 }
 
+#define FAKE(name)                                                                                                     \
+    void name() {                                                                                                      \
+        Record(#name);                                                                                                 \
+    }
+#define FAKE_LOADER(name)                                                                                              \
+    void name(const char* path) {                                                                                      \
+        Record(std::string(#name " ") + path);                                                                         \
+    }
+
 // --- host ---
 
 ATOM RegisterClassA(const WNDCLASSA* windowClass) {
@@ -222,18 +231,10 @@ bool KeyDown(uint8_t code) {
 bool KeyHit(uint8_t code) {
     return Fake.hit.count(code) != 0;
 }
-void BuildControls() {
-    Record("BuildControls");
-}
-void SummariseMouse() {
-    Record("SummariseMouse");
-}
-void FrameLimiter() {
-    Record("FrameLimiter");
-}
-void FrameStep() {
-    Record("FrameStep");
-}
+FAKE(BuildControls)
+FAKE(SummariseMouse)
+FAKE(FrameLimiter)
+FAKE(FrameStep)
 HRESULT FlipDisplay(IDirectDrawSurface*) {
     Record("FlipDisplay");
     return DD_OK;
@@ -241,16 +242,12 @@ HRESULT FlipDisplay(IDirectDrawSurface*) {
 void ClearSurface(IDirectDrawSurface*) {
     Record("ClearSurface");
 }
-void PresentDisplay() {
-    Record("PresentDisplay");
-}
+FAKE(PresentDisplay)
 HRESULT LockSurface() {
     Record("LockSurface");
     return Fake.surfaceLocks ? DD_OK : DDERR_SURFACELOST;
 }
-void UnlockSurface() {
-    Record("UnlockSurface");
-}
+FAKE(UnlockSurface)
 bool OpenCdAudio() {
     Record("OpenCdAudio");
     return true;
@@ -261,9 +258,7 @@ void PlayCdTrack(HWND) {
 void StopCd(HWND) {
     Record("StopCd");
 }
-void CloseCdAudio() {
-    Record("CloseCdAudio");
-}
+FAKE(CloseCdAudio)
 
 // --- the game's own layers ---
 
@@ -280,86 +275,42 @@ bool SystemInit() {
     Record("SystemInit");
     return true;
 }
-void SystemShutdown() {
-    Record("SystemShutdown");
-}
+FAKE(SystemShutdown)
 bool InitGraphics(int32_t softwareScreenRes) {
     Record("InitGraphics" + Numbers({softwareScreenRes}));
     return Fake.graphicsOpen;
 }
-void BuildReciprocalTable() {
-    Record("BuildReciprocalTable");
-}
-void SetupScreen() {
-    Record("SetupScreen");
-}
-void SwapScreen() {
-    Record("SwapScreen");
-}
-void ClearFrame() {
-    Record("ClearFrame");
-}
+FAKE(BuildReciprocalTable)
+FAKE(SetupScreen)
+FAKE(SwapScreen)
+FAKE(ClearFrame)
 void SetFogSwitchStates(bool on) {
     Record("SetFogSwitchStates" + Numbers({on}));
 }
-void SetupFog() {
-    Record("SetupFog");
-}
-void ReloadFogTable() {
-    Record("ReloadFogTable");
-}
+FAKE(SetupFog)
+FAKE(ReloadFogTable)
 int LoadTextureFile(int32_t level) {
     Record("LoadTextureFile" + Numbers({level}));
     return 0;
 }
-void SetTexturePalette() {
-    Record("SetTexturePalette");
-}
-void L_CreateGlideUVs() {
-    Record("L_CreateGlideUVs");
-}
-void ResetCurrentTexture() {
-    Record("ResetCurrentTexture");
-}
-void UpdateCamera() {
-    Record("UpdateCamera");
-}
-void GenerateVertexNormals() {
-    Record("GenerateVertexNormals");
-}
-void LoadBspWorld(const char* path) {
-    Record(std::string("LoadBspWorld ") + path);
-}
-void LoadStaticObject(const char* path) {
-    Record(std::string("LoadStaticObject ") + path);
-}
-void SetStaticMarks() {
-    Record("SetStaticMarks");
-}
-void ResetViewCache() {
-    Record("ResetViewCache");
-}
+FAKE(SetTexturePalette)
+FAKE(L_CreateGlideUVs)
+FAKE(ResetCurrentTexture)
+FAKE(UpdateCamera)
+FAKE(GenerateVertexNormals)
+FAKE_LOADER(LoadBspWorld)
+FAKE_LOADER(LoadStaticObject)
+FAKE(SetStaticMarks)
+FAKE(ResetViewCache)
 void FillStamps(uint16_t value) {
     Record("FillStamps" + Numbers({value}));
 }
-void LoadLightMap(const char* path) {
-    Record(std::string("LoadLightMap ") + path);
-}
-void ApplyLightLevel() {
-    Record("ApplyLightLevel");
-}
-void LoadLightSlots(const char* path) {
-    Record(std::string("LoadLightSlots ") + path);
-}
-void UpdateLights() {
-    Record("UpdateLights");
-}
-void DrawSky() {
-    Record("DrawSky");
-}
-void RenderWorld() {
-    Record("RenderWorld");
-}
+FAKE_LOADER(LoadLightMap)
+FAKE(ApplyLightLevel)
+FAKE_LOADER(LoadLightSlots)
+FAKE(UpdateLights)
+FAKE(DrawSky)
+FAKE(RenderWorld)
 void LoadMesh(const char* mesh, MeshRecord&, const char* coordinates) {
     Record(std::string("LoadMesh ") + mesh + " " + coordinates);
 }
@@ -377,9 +328,7 @@ void AddActor(Actor& actor, MeshRecord*, StateRecord*, int32_t x, int32_t y, int
 void UpdateActorBase(Actor&) {
     Record("UpdateActorBase");
 }
-void UpdatePlayer() {
-    Record("UpdatePlayer");
-}
+FAKE(UpdatePlayer)
 
 // --- the parts of app/ that have tests of their own ---
 
@@ -393,12 +342,6 @@ uint8_t RunFrontEnd() {
     GameMode = mode;
     return mode;
 }
-void ClearShots() {
-    Record("ClearShots");
-}
-void FireShot() {
-    Record("FireShot");
-}
-void UpdateShots() {
-    Record("UpdateShots");
-}
+FAKE(ClearShots)
+FAKE(FireShot)
+FAKE(UpdateShots)
