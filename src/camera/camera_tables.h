@@ -16,8 +16,8 @@ struct ViewTransform {
     Vec3 translation;
 };
 
-extern int32_t CameraMode;       // CAMERA_FOLLOW or CAMERA_FREE; also written by DebugKeys and LoadLevel
-extern Vec3 CameraPos;           // also written by LoadLevel
-extern Vec3 CameraAngles;        // degrees: pitch, yaw, roll; also written by LoadLevel
+extern int32_t CameraMode;  // CAMERA_FOLLOW or CAMERA_FREE; also written by DebugKeys and LoadLevel
+extern Vec3 CameraPos;      // also written by LoadLevel
+extern Vec3 CameraAngles;   // degrees: pitch, yaw, roll; also written by LoadLevel
 extern ViewTransform ViewMatrix;
-extern Matrix3 CameraRotation;   // unscaled; its transpose takes camera-space vectors to world space
+extern Matrix3 CameraRotation;  // unscaled; its transpose takes camera-space vectors to world space

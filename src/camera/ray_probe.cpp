@@ -1,0 +1,106 @@
+#include "camera/camera.h"
+#include "math/convert.h"
+#include "math/vectors.h"
+#include "world/world_tables.h"
+
+#include <cmath>
+
+// In double precision throughout: a float would lose the sign of a small component of the direction, and with it the
+// wall.
+namespace {
+
+constexpr double EDGE_TOLERANCE = 0.1;
+
+struct Vector {
+    double x, y, z;
+};
+
+Vector operator-(const Vector& a, const Vector& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+double Dot(const Vector& a, const Vector& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+Vector Cross(const Vector& a, const Vector& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+Vector ToDouble(const Vec3& v) {
+    return {v.x, v.y, v.z};
+}
+
+int SignBits(const Vector& v) {
+    return (v.x < 0.0 ? 1 : 0) | (v.y < 0.0 ? 2 : 0) | (v.z < 0.0 ? 4 : 0);
+}
+
+struct Probe {
+    Vector start, direction;
+    int directionSigns;
+    int hits;
+    double nearestSquared;  // of the best hit
+};
+
+Vector CornerPosition(const PolyRecord& polygon, int corner) {
+    return ToDouble(WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position);
+}
+
+bool PolygonHolds(const PolyRecord& polygon, const Vector& normal, const Vector& point) {
+    for (int i = 0; i < polygon.cornerCount; i++) {
+        const Vector corner = CornerPosition(polygon, i);
+        const Vector edge = CornerPosition(polygon, (i + 1) % polygon.cornerCount) - corner;
+        const Vector inward = Cross(normal, edge);
+        const double length = std::sqrt(Dot(inward, inward));
+        if (!(length > 0.0)) continue;  // an edge of no length bounds nothing
+        const Vector unit = {inward.x / length, inward.y / length, inward.z / length};
+        if (Dot(unit, point - corner) + EDGE_TOLERANCE < 0.0) return false;
+    }
+    return true;
+}
+
+void TestPolygon(Probe& probe, int32_t index) {
+    if (PolySideOfPoint(index, SideTestPoint.x, SideTestPoint.y, SideTestPoint.z) > 0) return;
+    const PolyRecord& polygon = WorldGeometry.polygons[index];
+    const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
+    const Vector normal = {plane.nx, plane.ny, plane.nz};
+    const double approach = Dot(normal, probe.direction);
+    if (approach == 0.0) return;
+    const double t = -(Dot(normal, probe.start) + plane.d) / approach;
+    const Vector hit = {probe.start.x + t * probe.direction.x, probe.start.y + t * probe.direction.y,
+                        probe.start.z + t * probe.direction.z};
+    const Vector way = hit - probe.start;
+    if (SignBits(way) != probe.directionSigns) return;
+    const double distanceSquared = Dot(way, way);
+    if (probe.hits > 0 && !(distanceSquared < probe.nearestSquared)) return;
+    if (!PolygonHolds(polygon, normal, hit)) return;
+    probe.nearestSquared = distanceSquared;
+    probe.hits++;
+}
+
+// Front to back from the start; ends with the first subtree that is hit.
+void WalkTree(Probe& probe, int32_t child) {
+    if (child < 0) {
+        const BspLeaf& leaf = WorldGeometry.leaves[~child];
+        for (int32_t i = 0; i < leaf.polygonCount; i++)
+            TestPolygon(probe, leaf.firstPolygon + i);
+        return;
+    }
+    const BspNode& node = WorldGeometry.nodes[child];
+    const bool behind = NodeSideOfPoint(child) < 0;
+    WalkTree(probe, behind ? node.backChild : node.frontChild);
+    if (probe.hits == 0) WalkTree(probe, behind ? node.frontChild : node.backChild);
+}
+
+}  // namespace
+
+float CameraRayDistance(const Vec3& start, const Vec3& end) {
+    Probe probe = {};
+    probe.start = ToDouble(start);
+    probe.direction = ToDouble(end) - probe.start;
+    probe.directionSigns = SignBits(probe.direction);
+    SideTestPoint = {TruncToInt(start.x), TruncToInt(start.y), TruncToInt(start.z)};
+    WalkTree(probe, 0);
+    const double squared = probe.hits > 0 ? probe.nearestSquared : Dot(probe.direction, probe.direction);
+    return static_cast<float>(std::sqrt(squared));
+}
