@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 constexpr auto CLOCK_NAP = 200us;   // of a loop that reads the clock until it moves
 constexpr auto KEYBOARD_NAP = 1ms;  // of a loop that polls the keyboard until a key is down
-constexpr int WAIT_SLICE_MS = 50;
+constexpr int WAIT_SLICE_MS = 20;
 
 Options startOptions;
 uint32_t lastClock = 0, lastKeyboardPoll = 0, lastTurn = 0;
