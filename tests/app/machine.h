@@ -18,12 +18,14 @@ struct FakeMachine {
     bool classRegisters = true;
     bool windowOpens = true;
     bool inputStarts = true;
-    bool graphicsOpen = true;
+    bool displayOpens = true;  // of the front end
+    bool graphicsOpen = true;  // of the game
     bool surfaceLocks = true;
     int cursorCount = 0;
-    std::deque<UINT> messages;            // waiting in the queue
-    std::deque<uint8_t> frontEndModes;    // what the front end leaves behind, pass after pass; then MODE_QUIT
-    std::set<int> held, hit;              // keys
+    std::deque<UINT> messages;        // waiting in the queue
+    std::deque<std::set<int>> polls;  // keys held at the keyboard polls to come; then they stay as they are
+    std::set<int> held, hit;          // keys; a poll computes `hit`
+    DWORD clock = 0;
     uint32_t framesUntilHostEnds = 1000;  // HostEndOfFrame calls
     DWORD exceptionInStep = 0;            // HostGuard reports this instead of running the step
 

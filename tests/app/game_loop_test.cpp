@@ -218,14 +218,30 @@ TEST(MainWndProc, SwallowsSystemKeysAndShowsTheDesktopOnAltTab) {
 
 // --- the outer loop ---
 
+constexpr const char* TITLE = "ShowBitmap FrontEnd\\Title.Bmp";
+
 int RunProgram() {
     return WinMain(nullptr, nullptr, nullptr, SW_SHOW);
 }
 
+// The polls that lead through the front end into a game and end it with `key`.
+void PlayAGame(int key) {
+    for (const std::set<int>& keys : {std::set<int>{}, {DIK_SPACE}, {DIK_F1}, {DIK_F11}, {key}})
+        Fake.polls.push_back(keys);
+}
+
+void QuitFromTheFrontEnd() {
+    for (const std::set<int>& keys : {std::set<int>{}, {DIK_ESCAPE}})
+        Fake.polls.push_back(keys);
+}
+
 TEST(WinMain, OpensItsWindowOverTheWholeScreen) {
+    QuitFromTheFrontEnd();
     EXPECT_EQ(RunProgram(), 0);
-    EXPECT_EQ(Fake.calls, (Calls{"RegisterClassA 512 Tarnwick", "CreateWindowExA 8 2156396544 0 0 1024 768",
-                                 "ShowWindow 5", "UpdateWindow", "StartInput", "RunFrontEnd", "StopInput"}));
+    EXPECT_EQ(Fake.Among({"RegisterClassA", "CreateWindowExA", "ShowWindow", "UpdateWindow", "StartInput",
+                          "OpenDisplay", "StopInput"}),
+              (Calls{"RegisterClassA 512 Tarnwick", "CreateWindowExA 8 2156396544 0 0 1024 768", "ShowWindow 5",
+                     "UpdateWindow", "StartInput", "OpenDisplay 640 480 16", "StopInput"}));
 }
 
 TEST(WinMain, AFailedSetUpShowsItsBoxAndEndsWithoutStoppingInput) {
@@ -240,45 +256,48 @@ TEST(WinMain, AFailedSetUpShowsItsBoxAndEndsWithoutStoppingInput) {
         Fake.*row.answer = false;
         EXPECT_EQ(RunProgram(), 0);
         EXPECT_EQ(Fake.boxes, Calls{row.text});
-        EXPECT_EQ(Fake.Count("RunFrontEnd") + Fake.Count("StopInput"), 0);
+        EXPECT_EQ(Fake.Count(TITLE) + Fake.Count("StopInput"), 0);
     }
 }
 
 TEST(WinMain, EscapeReturnsToTheFrontEndAndAWindowsKeyEndsTheProgram) {
-    Fake.frontEndModes = {MODE_START, MODE_START, MODE_START};
-    Fake.onCall = [](const std::string& call) {
-        if (call == "OpenCdAudio") Fake.held = {Fake.Count("OpenCdAudio") == 1 ? DIK_ESCAPE : DIK_RWIN};
-    };
+    PlayAGame(DIK_ESCAPE);
+    PlayAGame(DIK_RWIN);
     RunProgram();
-    EXPECT_EQ(Fake.Among({"RunFrontEnd", "OpenCdAudio", "StopInput"}),
-              (Calls{"RunFrontEnd", "OpenCdAudio", "RunFrontEnd", "OpenCdAudio", "StopInput"}));
+    EXPECT_EQ(Fake.Among({"OpenDisplay", "OpenCdAudio", "StopInput"}),
+              (Calls{"OpenDisplay 640 480 16", "OpenCdAudio", "OpenDisplay 640 480 16", "OpenCdAudio", "StopInput"}));
 }
 
-TEST(WinMain, RunsTheGameForEveryModeButQuit) {
-    for (const uint8_t mode : {MODE_FRONTEND, MODE_START, MODE_LEAVE}) {
-        Fake = {};
-        Fake.frontEndModes = {mode, MODE_QUIT};
-        Fake.held = {DIK_ESCAPE};
-        RunProgram();
-        EXPECT_EQ(Fake.Among({"RunFrontEnd", "OpenCdAudio"}), (Calls{"RunFrontEnd", "OpenCdAudio", "RunFrontEnd"}))
-            << int{mode};
-    }
+TEST(WinMain, AQuitMessageInTheFrontEndLeadsToAGame) {
+    Fake.messages = {WM_QUIT};
+    Fake.polls = {{}, {DIK_LWIN}};
+    RunProgram();
+    EXPECT_EQ(Fake.Count("OpenCdAudio"), 1);
+}
+
+TEST(WinMain, TheGameRunsWithoutTheFrontEndsDisplay) {
+    Fake.displayOpens = false;
+    Fake.held = {DIK_LWIN};
+    RunProgram();
+    EXPECT_EQ(Fake.boxes, Calls{"Unable to initialize DirectDraw"});
+    EXPECT_EQ(Fake.Count("FrameStep"), 1);
 }
 
 TEST(WinMain, EndsWhenNeitherFrontEndNorGameFindsADisplay) {
+    Fake.displayOpens = false;
     Fake.graphicsOpen = false;
-    Fake.frontEndModes = {MODE_LEAVE, MODE_LEAVE, MODE_LEAVE};
     EXPECT_EQ(RunProgram(), 0);
-    EXPECT_EQ(Fake.Among({"RunFrontEnd", "OpenCdAudio", "StopInput"}),
-              (Calls{"RunFrontEnd", "OpenCdAudio", "StopInput"}));
+    EXPECT_EQ(Fake.boxes, (Calls{"Unable to initialize DirectDraw", "Unable to initialize game."}));
+    EXPECT_EQ(Fake.Count("StopInput"), 1);
 }
 
 TEST(WinMain, AFailedGameAloneReturnsToTheFrontEnd) {
     Fake.graphicsOpen = false;
-    Fake.frontEndModes = {MODE_START, MODE_START, MODE_QUIT};
+    Fake.polls = {{}, {DIK_SPACE}, {DIK_F1}, {DIK_F11}};
+    QuitFromTheFrontEnd();
     RunProgram();
-    EXPECT_EQ(Fake.Count("RunFrontEnd"), 3);
-    EXPECT_EQ(Fake.boxes.size(), 2u);
+    EXPECT_EQ(Fake.Count(TITLE), 2);
+    EXPECT_EQ(Fake.boxes.size(), 1u);
 }
 
 }  // namespace

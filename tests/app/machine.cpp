@@ -1,7 +1,6 @@
 #include "machine.h"
 
 #include "app/app_tables.h"
-#include "app/front_end.h"
 #include "app/shots.h"
 #include "camera/camera.h"
 #include "character/actor.h"
@@ -15,6 +14,7 @@
 #include "memory/system.h"
 #include "platform/cd_audio.h"
 #include "platform/display.h"
+#include "platform/image.h"
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
@@ -32,6 +32,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 FakeMachine Fake;
 
@@ -47,6 +48,8 @@ int FakeMachine::Count(const std::string& name) const {
 }
 
 namespace {
+
+constexpr int POLL_LIMIT = 1000;
 
 void Record(const std::string& call) {
     Fake.calls.push_back(call);
@@ -185,6 +188,9 @@ BOOL WaitMessage() {
 void PostQuitMessage(int code) {
     Record("PostQuitMessage" + Numbers({code}));
 }
+DWORD GetTickCount() {
+    return Fake.clock;
+}
 DWORD HostGuard(void (*step)()) {
     if (Fake.exceptionInStep != 0) return Fake.exceptionInStep;
     step();
@@ -221,6 +227,15 @@ void StopInput(InputDevices&) {
 }
 void PollKeyboard(InputDevices&) {
     Record("PollKeyboard");
+    if (Fake.Count("PollKeyboard") > POLL_LIMIT) throw std::runtime_error("the program polls for ever");
+    const std::set<int> before = Fake.held;
+    if (!Fake.polls.empty()) {
+        Fake.held = Fake.polls.front();
+        Fake.polls.pop_front();
+    }
+    Fake.hit.clear();
+    for (const int key : Fake.held)
+        if (before.count(key) == 0) Fake.hit.insert(key);
 }
 void PollMouse(InputDevices&) {
     Record("PollMouse");
@@ -235,6 +250,15 @@ FAKE(BuildControls)
 FAKE(SummariseMouse)
 FAKE(FrameLimiter)
 FAKE(FrameStep)
+bool OpenDisplay(HWND, DisplayContext&, uint32_t width, uint32_t height, uint32_t bits) {
+    Record("OpenDisplay" + Numbers({width, height, bits}));
+    return Fake.displayOpens;
+}
+FAKE(CloseDisplay)
+int ShowBitmap(const char* path) {
+    Record(std::string("ShowBitmap ") + path);
+    return 1;
+}
 HRESULT FlipDisplay(IDirectDrawSurface*) {
     Record("FlipDisplay");
     return DD_OK;
@@ -330,18 +354,8 @@ void UpdateActorBase(Actor&) {
 }
 FAKE(UpdatePlayer)
 
-// --- the parts of app/ that have tests of their own ---
+// --- tested on their own ---
 
-uint8_t RunFrontEnd() {
-    Record("RunFrontEnd");
-    uint8_t mode = MODE_QUIT;
-    if (!Fake.frontEndModes.empty()) {
-        mode = Fake.frontEndModes.front();
-        Fake.frontEndModes.pop_front();
-    }
-    GameMode = mode;
-    return mode;
-}
 FAKE(ClearShots)
 FAKE(FireShot)
 FAKE(UpdateShots)
