@@ -1,0 +1,198 @@
+#include "formats/binary.h"
+#include "formats/error.h"
+#include "texc/level_textures.h"
+#include "texc/page_packing.h"
+#include "texc/palette.h"
+
+#include <gtest/gtest.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace {
+
+const std::filesystem::path FOLDER = std::filesystem::path(testing::TempDir()) / "level_textures";
+
+Image Speckled(int width, int height, uint8_t red) {
+    Image image(width, height);
+    for (size_t i = 0; i < image.pixels.size(); ++i) {
+        image.pixels[i] = {red, static_cast<uint8_t>(i * 37 % 251), static_cast<uint8_t>(i / 9 % 256), 255};
+    }
+    return image;
+}
+
+void Picture(const std::string& name, const Image& image) {
+    WritePng(FOLDER / (name + ".png"), image);
+}
+
+LevelTextures Level(std::vector<std::string> materials, const std::string& animated = "") {
+    return {"textures.toml", {0, 0, 0, 255}, {40, 80, 120, 255}, animated, std::move(materials)};
+}
+
+const Material& Find(const std::vector<Material>& list, const std::string& name) {
+    return *std::find_if(list.begin(), list.end(), [&](const Material& m) { return m.name == name; });
+}
+
+std::string MessageOf(const LevelTextures& level) {
+    try {
+        CompileTextures(level, FOLDER);
+    } catch (const ContentError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+bool Overlap(const TextureSlot& a, const TextureSlot& b) {
+    return a.page == b.page && a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height &&
+           b.y < a.y + a.height;
+}
+
+// Mean squared distance of what is shown from what was painted, lit at a level of 64, in 6-bit steps.
+double ErrorAtLevel(const Image& image, const Palette& palette, int level) {
+    double sum = 0;
+    for (const Rgba& p : image.pixels) {
+        double best = 1e9;
+        for (const auto& entry : palette) {
+            double d = 0;
+            const int wanted[3] = {p.r * level / 64, p.g * level / 64, p.b * level / 64};
+            for (size_t c = 0; c < 3; ++c)
+                d += (entry[c] - wanted[c] / 4.05) * (entry[c] - wanted[c] / 4.05);
+            best = std::min(best, d);
+        }
+        sum += best;
+    }
+    return sum / static_cast<double>(image.pixels.size());
+}
+
+}  // namespace
+
+TEST(CompileTextures, NamesLeadToTheirPicturesAndAnimatedSlotsStayFree) {
+    std::vector<std::string> names;
+    for (int i = 0; i < 12; ++i) {
+        names.push_back(fmt::format("m{}", i));
+        Picture(names.back(), Image(16, 8 << i % 3, {static_cast<uint8_t>(20 * i + 10), 80, 0, 255}));
+    }
+    const CompiledTextures compiled = CompileTextures(Level(names), FOLDER);
+    EXPECT_EQ(compiled.textures.slots.size(), 95U);
+    for (int i = 0; i < 12; ++i) {
+        const Material& material = Find(compiled.list, names[static_cast<size_t>(i)]);
+        EXPECT_TRUE(material.slot < 10 || material.slot > 14);
+        const TextureSlot& slot = compiled.textures.slots[static_cast<size_t>(material.slot)];
+        EXPECT_EQ(slot.height, 8 << i % 3);
+        EXPECT_EQ(material.height, slot.height);
+        const auto& colour = compiled.textures.palette[compiled.textures.Texel(slot, 3, 3)];
+        EXPECT_NEAR(colour[0] * 255 / 63, 20 * i + 10, 6) << i;
+    }
+}
+
+TEST(CompileTextures, AnimatedSlotsShowTheFourPicturesInTurn) {
+    Image strip(8, 32);
+    for (int y = 0; y < 32; ++y) {
+        for (int x = 0; x < 8; ++x)
+            strip.At(x, y) = {static_cast<uint8_t>(60 * (y / 8) + 30), 0, 0, 255};
+    }
+    Picture("flow", strip);
+    const CompiledTextures compiled = CompileTextures(Level({}, "flow"), FOLDER);
+    const auto& slots = compiled.textures.slots;
+    EXPECT_EQ(slots[10], slots[14]);
+    for (size_t i = 0; i < 4; ++i) {
+        const auto& colour = compiled.textures.palette[compiled.textures.Texel(slots[11 + i], 2, 2)];
+        EXPECT_NEAR(colour[0] * 255 / 63, 60 * static_cast<int>(i) + 30, 6);
+    }
+    EXPECT_EQ(Find(compiled.list, "flow").slot, 10);
+    EXPECT_EQ(Find(compiled.list, "flow").flags, MATERIAL_LIQUID);
+}
+
+TEST(CompileTextures, HolesAreIndexZeroAndBlackIsNot) {
+    Image image(8, 8, {0, 0, 0, 255});
+    image.At(5, 5) = {0, 0, 0, 0};
+    Picture("pierced", image);
+    Picture("solid", Image(8, 8, {0, 0, 0, 255}));
+    const CompiledTextures compiled = CompileTextures(Level({"pierced", "solid"}), FOLDER);
+    const auto& textures = compiled.textures;
+    const TextureSlot& pierced = textures.slots[0];
+    for (int i = 0; i < 64; ++i) {
+        EXPECT_EQ(textures.Texel(pierced, i % 8, i / 8) == 0, i == 45) << i;
+        EXPECT_NE(textures.Texel(textures.slots[1], i % 8, i / 8), 0) << i;
+        EXPECT_EQ(textures.Texel(textures.slots[SLOT_CLIP], i % 8, i / 8), 0);
+        EXPECT_NE(textures.Texel(textures.slots[93], i % 8, i / 8), 0) << "a character without a skin is still seen";
+    }
+    EXPECT_EQ(Find(compiled.list, "pierced").flags, MATERIAL_CUTOUT);
+    EXPECT_EQ(Find(compiled.list, "solid").flags, 0U);
+    EXPECT_EQ(Find(compiled.list, "clip").slot, SLOT_CLIP);
+    EXPECT_EQ(Find(compiled.list, "sky").flags, MATERIAL_SKY);
+}
+
+TEST(CompileTextures, EveryRunGivesTheSameBytes) {
+    Picture("a", Speckled(128, 128, 20));
+    Picture("b", Speckled(64, 32, 200));
+    const auto bytes = [] { return EncodeTextureFile(CompileTextures(Level({"a", "b"}), FOLDER).textures); };
+    EXPECT_EQ(bytes(), bytes());
+}
+
+TEST(CompileTextures, FaultsNameTheFileAndTheRemedy) {
+    Picture("odd", Image(24, 16));
+    Picture("tall", Image(16, 32));
+    EXPECT_NE(MessageOf(Level({"odd"})).find("odd.png: is 24 x 16"), std::string::npos);
+    EXPECT_NE(MessageOf(Level({"nowhere"})).find("nowhere.png"), std::string::npos);
+    EXPECT_NE(MessageOf(Level({}, "odd")).find("below each other"), std::string::npos);
+    std::vector<std::string> many;
+    for (int i = 0; i < 88; ++i) {
+        many.push_back(fmt::format("many{}", i));
+        Picture(many.back(), Image(8, 8));
+    }
+    EXPECT_NE(MessageOf(Level(many)).find("'many87' finds no free slot"), std::string::npos);
+    many.pop_back();
+    EXPECT_EQ(MessageOf(Level(many)), "no error") << "87 is what fits";
+}
+
+TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
+    for (const char* const text :
+         {"dark = '#000000'\nmaterials = ['a', 'b', 'a']\n", "dark = '#000000'\nmaterials = ['sky']\n",
+          "dark = '#000000'\nanimated = 'a'\nmaterials = ['a']\n", "materials = ['a']\n"}) {
+        WriteWholeFile(FOLDER / "textures.toml", {text, text + std::string(text).size()});
+        EXPECT_THROW(ReadLevelTextures(FOLDER / "textures.toml"), ContentError) << text;
+    }
+}
+
+TEST(ChoosePalette, KeepsTheFixedEntries) {
+    const Image image = Speckled(64, 64, 90);
+    const Palette palette = ChoosePalette({{{&image, 1}}, {0, 0, 0, 255}, {255, 130, 0, 255}});
+    EXPECT_EQ(palette[0], (std::array<uint8_t, 3>{0, 0, 0}));
+    EXPECT_EQ(palette[254], (std::array<uint8_t, 3>{63, 32, 0}));
+    EXPECT_EQ(palette[255], (std::array<uint8_t, 3>{63, 63, 63}));
+    for (const auto& colour : palette)
+        EXPECT_LE(*std::max_element(colour.begin(), colour.end()), 63);
+}
+
+TEST(ChoosePalette, ServesDimlyLitTexelsToo) {
+    Image image(64, 64);
+    for (int i = 0; i < 64 * 64; ++i)
+        image.pixels[static_cast<size_t>(i)] = {255, static_cast<uint8_t>(i % 64 * 4), static_cast<uint8_t>(i / 64 * 4),
+                                                255};
+    const Palette palette = ChoosePalette({{{&image, 1}}, {0, 0, 0, 255}, {0, 0, 0, 255}});
+    EXPECT_LT(ErrorAtLevel(image, palette, 64), 12);
+    EXPECT_LT(ErrorAtLevel(image, palette, 26), 6) << "without shaded copies the only dark colour near would be black";
+}
+
+TEST(PackPages, NoTwoOverlapAndNoneLeavesItsPage) {
+    std::vector<TextureSize> sizes;
+    for (unsigned i = 0; i < 90; ++i)
+        sizes.push_back({8 << i * 7 % 5, 8 << i * 11 % 5});
+    const std::vector<TextureSlot> slots = PackPages(sizes, "level");
+    for (size_t i = 0; i < slots.size(); ++i) {
+        EXPECT_EQ(slots[i].width, sizes[i].width);
+        EXPECT_EQ(slots[i].height, sizes[i].height);
+        EXPECT_LE(slots[i].x + slots[i].width, 256);
+        EXPECT_LE(slots[i].y + slots[i].height, 256);
+        for (size_t j = 0; j < i; ++j)
+            EXPECT_FALSE(Overlap(slots[i], slots[j])) << i << " and " << j;
+    }
+}
+
+TEST(PackPages, FullPagesAreUsedToTheLastTexelAndNoMoreThanTwelve) {
+    const std::vector<TextureSize> full(48, {128, 128});
+    EXPECT_EQ(PackPages(full, "level").back().page, 11);
+    EXPECT_THROW(PackPages(std::vector<TextureSize>(49, {128, 128}), "level"), ContentError);
+}

@@ -1,0 +1,201 @@
+#include "formats/binary.h"
+#include "formats/error.h"
+#include "texc/material.h"
+
+#include <gtest/gtest.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace {
+
+std::filesystem::path Recipe(const std::string& name, const std::string& text) {
+    const std::filesystem::path path = std::filesystem::path(testing::TempDir()) / "recipes" / (name + ".toml");
+    WriteWholeFile(path, {text.begin(), text.end()});
+    return path;
+}
+
+Image Paint(const std::string& text) {
+    return PaintMaterial(Recipe("test", text)).picture;
+}
+
+std::string MessageOf(const std::string& text) {
+    try {
+        Paint(text);
+    } catch (const ContentError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+uint32_t Digest(const Image& image) {
+    uint32_t hash = 2166136261U;
+    for (const Rgba& p : image.pixels) {
+        for (const uint8_t byte : {p.r, p.g, p.b, p.a})
+            hash = (hash ^ byte) * 16777619U;
+    }
+    return hash;
+}
+
+// Share of pixels that differ by more than rounding when `moved` is `image` pushed right and down by dx, dy.
+double DifferenceAfterMove(const Image& image, const Image& moved, int dx, int dy) {
+    int different = 0;
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            const Rgba& a = image.At(x, y);
+            const Rgba& b = moved.At((x + dx) % image.width, (y + dy) % image.height);
+            if (std::max({std::abs(a.r - b.r), std::abs(a.g - b.g), std::abs(a.b - b.b)}) > 2) ++different;
+        }
+    }
+    return static_cast<double>(different) / static_cast<double>(image.pixels.size());
+}
+
+// One layer of everything that draws by numbers.
+const char* const EVERYTHING = R"(
+size = [64, 32]
+seed = 3
+[[layer]]
+pattern = "stones"
+cells = [5, 4]
+bevel = 3
+rounded = true
+colour = ["#804020", "#a0a020"]
+vary = 0.3
+raise = 3
+[[layer]]
+pattern = "noise"
+cells = [4, 4]
+per_cell = true
+ridged = true
+wobble = 3
+mode = "shade"
+colour = ["#404040", "#c0c0c0"]
+[[layer]]
+pattern = "bricks"
+area = [4, 4, 40, 20]
+columns = 3
+rows = 3
+jitter = 0.5
+radius = 2
+opacity = 0.5
+colour = ["#000080", "#8080ff"]
+[[layer]]
+pattern = "scatter"
+cells = [4, 4]
+stretch = 0.4
+colour = "#00ff00"
+[[layer]]
+pattern = "polygon"
+mirror = "eight"
+points = [[32, 16], [40, 16], [36, 20]]
+mode = "glow"
+colour = "#ff0000"
+[[layer]]
+pattern = "stripes"
+count = [2, 3]
+share = 0.1
+mode = "hole"
+[[layer]]
+pattern = "edges"
+colour = "#ffffff"
+  [[layer.mask]]
+  pattern = "gradient"
+  to = [64, 0]
+)";
+
+}  // namespace
+
+// Pictures decide palettes and texels of every level, so all compilers must agree on them to the last bit.
+TEST(PaintMaterial, GivesTheSamePixelsEverywhere) {
+    EXPECT_EQ(Digest(Paint(EVERYTHING)), 3956667941U) << "renew this number when a pattern is changed on purpose";
+}
+
+TEST(PaintMaterial, PatternsMeetThemselvesAtTheBorders) {
+    const char* const rows[] = {
+        "pattern = 'noise'\ncells = [3, 5]",
+        "pattern = 'stones'\ncells = [4, 3]\njitter = 1.0",
+        "pattern = 'bricks'\ncolumns = 3\nrows = 4\njitter = 0.8\nrow_jitter = 0.6\nscattered = true",
+        "pattern = 'bricks'\ncolumns = 2\nrows = 4\nupright = true",
+        "pattern = 'scatter'\ncells = [5, 5]\nradius = [2, 6]\nstretch = 0.3",
+        "pattern = 'discs'\nat = [[0, 0], [60, 30]]\nradius = 9",
+        "pattern = 'stripes'\ncount = [2, 1]",
+        "pattern = 'box'\nrepeat = [16, 16]\nrect = [2, 2, 14, 14]",
+    };
+    for (const char* const row : rows) {
+        const std::string head =
+            "size = [64, 64]\nrelief = 0\nhollows = 0\n[[layer]]\ncolour = ['#000000', '#ffffff']\n";
+        const Image image = Paint(head + row);
+        const Image moved = Paint(head + "origin = [24, 40]\n" + row);
+        EXPECT_LT(DifferenceAfterMove(image, moved, 24, 40), 0.01) << row;
+        EXPECT_GT(DifferenceAfterMove(image, moved, 0, 0), 0.05) << row << ": the pattern did not move at all";
+    }
+}
+
+TEST(PaintMaterial, LightComesFromTheUpperLeft) {
+    const Image image =
+        Paint("size = [32, 32]\n[[layer]]\npattern = 'fill'\ncolour = '#808080'\n[[layer]]\npattern = 'box'\n"
+              "rect = [8, 8, 24, 24]\nbevel = 3\nmode = 'relief'\nraise = 3\n");
+    EXPECT_GT(image.At(9, 16).r, image.At(16, 16).r + 20) << "left slope";
+    EXPECT_GT(image.At(16, 9).r, image.At(16, 16).r + 20) << "upper slope";
+    EXPECT_LT(image.At(22, 16).r + 20, image.At(16, 16).r) << "right slope";
+    EXPECT_LT(image.At(16, 22).r + 20, image.At(16, 16).r) << "lower slope";
+}
+
+TEST(PaintMaterial, HolesAreFullyTransparentAndNothingElseIs) {
+    const Image image =
+        Paint("size = [16, 16]\n[[layer]]\npattern = 'fill'\ncolour = '#808080'\n[[layer]]\npattern = 'box'\n"
+              "rect = [4, 4, 12, 12]\nmode = 'hole'\n");
+    const auto holes = std::count_if(image.pixels.begin(), image.pixels.end(), [](const Rgba& p) { return p.a == 0; });
+    EXPECT_EQ(holes, 64);
+    EXPECT_EQ(image.At(0, 0).a, 255);
+}
+
+TEST(PaintMaterial, MovingMaterialsHaveFourDifferentPicturesInAClosedCircle) {
+    const Image strip = Paint("size = [32, 32]\nmoving = true\n[[layer]]\npattern = 'noise'\nboil = 2\n"
+                              "colour = ['#000000', '#ffffff']\n");
+    ASSERT_EQ(strip.height, 4 * 32);
+    const auto difference = [&](int a, int b) {
+        int64_t sum = 0;
+        for (int i = 0; i < 32 * 32; ++i)
+            sum += std::abs(strip.At(i % 32, a * 32 + i / 32).r - strip.At(i % 32, b * 32 + i / 32).r);
+        return sum;
+    };
+    for (int i = 0; i < 3; ++i)
+        EXPECT_GT(difference(i, i + 1), 0);
+    EXPECT_LT(difference(3, 0), 2 * difference(2, 3)) << "the last picture leads back to the first";
+}
+
+TEST(PaintMaterial, ABaseIsPaintedFirstAndCountsAsASource) {
+    Recipe("base", "size = [16, 16]\n[[layer]]\npattern = 'fill'\ncolour = '#ff0000'\n");
+    const PaintedMaterial material = PaintMaterial(
+        Recipe("variant", "base = 'base'\n[[layer]]\npattern = 'box'\nrect = [0, 0, 8, 16]\ncolour = '#00ff00'\n"));
+    EXPECT_EQ(material.picture.At(2, 2), (Rgba{0, 255, 0, 255}));
+    EXPECT_EQ(material.picture.At(12, 2), (Rgba{255, 0, 0, 255}));
+    ASSERT_EQ(material.sources.size(), 2U);
+    EXPECT_EQ(material.sources[0].filename(), "base.toml");
+}
+
+TEST(PaintMaterial, RecipeFaultsNameTheLineAndTheRemedy) {
+    const struct {
+        const char* text;
+        const char* expected;
+    } rows[] = {
+        {"size = [100, 64]\n", "8, 16, 32, 64 or 128"},
+        {"size = [256, 64]\n", "8, 16, 32, 64 or 128"},
+        {"size = [64, 64]\n", "has no layers"},
+        {"[[layer]]\npattern = 'brick'\n", "bricks"},
+        {"[[layer]]\npattern = 'fill'\n", "test.toml:1: the layer has no colour"},
+        {"[[layer]]\npattern = 'fill'\ncolour = '#000000'\ngap = 3\n", "test.toml:4: 'gap'"},
+        {"[[layer]]\npattern = 'fill'\ncolour = '#000000'\n[[layer.mask]]\npattern = 'noise'\nopacity = 1\n",
+         "test.toml:6"},
+        {"[[layer]]\npattern = 'noise'\ncells = [0, 4]\ncolour = '#000000'\n", "'cells'"},
+        {"[[layer]]\npattern = 'polygon'\npoints = [[1, 2], [3]]\ncolour = '#000000'\n", "'points'"},
+        {"[[layer]]\npattern = 'picture'\nfile = 'no_such.png'\n", "no_such.png"},
+        {"base = 'test'\n", "circle"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_NE(MessageOf(row.text).find(row.expected), std::string::npos)
+            << row.text << "gave: " << MessageOf(row.text);
+    }
+}

@@ -1,0 +1,207 @@
+#include "formats/settings.h"
+
+#include "formats/binary.h"
+#include "formats/error.h"
+
+#include <fmt/format.h>
+#include <toml++/toml.h>
+
+#include <algorithm>
+
+struct Settings::Document {
+    toml::table root;
+};
+
+namespace {
+
+const toml::table& Table(const void* table) {
+    return *static_cast<const toml::table*>(table);
+}
+
+const toml::node& Node(const void* node) {
+    return *static_cast<const toml::node*>(node);
+}
+
+int LineOf(const toml::node& node) {
+    return static_cast<int>(node.source().begin.line);
+}
+
+}  // namespace
+
+Settings Settings::Load(const std::filesystem::path& path) {
+    const std::vector<uint8_t> content = ReadWholeFile(path);
+    return Parse({reinterpret_cast<const char*>(content.data()), content.size()}, path.string());
+}
+
+Settings Settings::Parse(std::string_view text, const std::string& fileName) {
+    try {
+        auto document = std::make_shared<Document>();
+        document->root = toml::parse(text, fileName);
+        Settings settings;
+        settings.table_ = &document->root;
+        settings.document_ = std::move(document);
+        settings.file_ = fileName;
+        return settings;
+    } catch (const toml::parse_error& error) {
+        Refuse(fileName, static_cast<int>(error.source().begin.line), std::string(error.description()),
+               "correct the TOML text");
+    }
+}
+
+const void* Settings::Find(const std::string& key) const {
+    read_.insert(key);
+    return Table(table_).get(key);
+}
+
+bool Settings::Has(const std::string& key) const {
+    return Table(table_).contains(key);
+}
+
+void Settings::Need(const std::string& key) const {
+    if (!Has(key)) RefuseTable(fmt::format("'{}' is missing", key), "add it");
+}
+
+int Settings::Int(const std::string& key, int fallback, int least, int most) const {
+    const void* found = Find(key);
+    if (!found) return fallback;
+    const auto value = Node(found).value_exact<int64_t>();
+    if (!value || *value < least || *value > most) {
+        RefuseKey(key, "is not a fitting whole number", fmt::format("give a number from {} to {}", least, most));
+    }
+    return static_cast<int>(*value);
+}
+
+int Settings::NeedInt(const std::string& key, int least, int most) const {
+    Need(key);
+    return Int(key, least, least, most);
+}
+
+float Settings::Number(const std::string& key, float fallback, float least, float most) const {
+    const void* found = Find(key);
+    if (!found) return fallback;
+    const auto value = Node(found).value<double>();
+    if (!value || !(*value >= static_cast<double>(least) && *value <= static_cast<double>(most))) {
+        RefuseKey(key, "is not a fitting number", fmt::format("give a number from {} to {}", least, most));
+    }
+    return static_cast<float>(*value);
+}
+
+bool Settings::Flag(const std::string& key, bool fallback) const {
+    const void* found = Find(key);
+    if (!found) return fallback;
+    const auto value = Node(found).value_exact<bool>();
+    if (!value) RefuseKey(key, "is neither true nor false", "write true or false");
+    return *value;
+}
+
+std::string Settings::Text(const std::string& key, const std::string& fallback) const {
+    const void* found = Find(key);
+    if (!found) return fallback;
+    const auto value = Node(found).value_exact<std::string>();
+    if (!value) RefuseKey(key, "is not a text", "write it in quotes");
+    return *value;
+}
+
+std::string Settings::NeedText(const std::string& key) const {
+    Need(key);
+    return Text(key, "");
+}
+
+size_t Settings::Choice(const std::string& key, const std::string& fallback,
+                        const std::vector<std::string>& choices) const {
+    const std::string text = Text(key, fallback);
+    const auto found = std::find(choices.begin(), choices.end(), text);
+    if (found == choices.end()) {
+        RefuseKey(key, fmt::format("'{}' is not known", text), fmt::format("use one of {}", fmt::join(choices, ", ")));
+    }
+    return static_cast<size_t>(found - choices.begin());
+}
+
+std::vector<std::string> Settings::Texts(const std::string& key) const {
+    const void* found = Find(key);
+    std::vector<std::string> texts;
+    if (!found) return texts;
+    const toml::array* list = Node(found).as_array();
+    if (!list) return {Text(key, "")};
+    for (const toml::node& item : *list) {
+        const auto text = item.value_exact<std::string>();
+        if (!text) RefuseKey(key, "holds something that is not a text", "write every entry in quotes");
+        texts.push_back(*text);
+    }
+    return texts;
+}
+
+std::vector<float> Settings::Numbers(const std::string& key) const {
+    const void* found = Find(key);
+    std::vector<float> numbers;
+    const auto add = [&](const toml::node& item) {
+        const auto value = item.value<double>();
+        if (!value || !(*value > -1e6 && *value < 1e6)) {
+            RefuseKey(key, "holds something that is not a fitting number", "write plain numbers");
+        }
+        numbers.push_back(static_cast<float>(*value));
+    };
+    if (!found) return numbers;
+    const toml::array* list = Node(found).as_array();
+    if (!list) {
+        add(Node(found));
+        return numbers;
+    }
+    for (const toml::node& item : *list) {
+        if (const toml::array* inner = item.as_array()) {
+            for (const toml::node& number : *inner)
+                add(number);
+        } else {
+            add(item);
+        }
+    }
+    return numbers;
+}
+
+std::vector<float> Settings::Numbers(const std::string& key, size_t count, const std::vector<float>& fallback) const {
+    if (!Has(key)) return fallback;
+    std::vector<float> numbers = Numbers(key);
+    if (numbers.size() != count) {
+        RefuseKey(key, fmt::format("has {} numbers", numbers.size()), fmt::format("give {}", count));
+    }
+    return numbers;
+}
+
+std::vector<Settings> Settings::Tables(const std::string& key) const {
+    std::vector<Settings> tables;
+    const auto add = [&](const toml::node& item) {
+        if (!item.is_table()) RefuseKey(key, "is not a table", fmt::format("write it as [[{}]]", key));
+        Settings settings;
+        settings.document_ = document_;
+        settings.table_ = item.as_table();
+        settings.file_ = file_;
+        tables.push_back(std::move(settings));
+    };
+    const void* found = Find(key);
+    if (!found) return tables;
+    if (const toml::array* list = Node(found).as_array()) {
+        for (const toml::node& item : *list)
+            add(item);
+    } else {
+        add(Node(found));
+    }
+    return tables;
+}
+
+void Settings::Finish() const {
+    for (const auto& [key, node] : Table(table_)) {
+        if (!read_.contains(std::string(key.str()))) {
+            Refuse(file_, LineOf(node), fmt::format("'{}' is not known here", key.str()),
+                   "check the spelling or remove it");
+        }
+    }
+}
+
+void Settings::RefuseKey(const std::string& key, const std::string& problem, const std::string& remedy) const {
+    const toml::node* node = Table(table_).get(key);
+    Refuse(file_, LineOf(node ? *node : Table(table_)), fmt::format("'{}' {}", key, problem), remedy);
+}
+
+void Settings::RefuseTable(const std::string& problem, const std::string& remedy) const {
+    Refuse(file_, LineOf(Table(table_)), problem, remedy);
+}

@@ -1,0 +1,137 @@
+#include "texc/level_textures.h"
+
+#include "formats/colour_text.h"
+#include "formats/error.h"
+#include "texc/material.h"
+#include "texc/page_packing.h"
+#include "texc/palette.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+constexpr Rgba SKIN_COLOUR{176, 160, 144, 255};  // of a level without a skin
+
+Image LoadPicture(const std::filesystem::path& folder, const std::string& name, int pictures) {
+    const std::filesystem::path path = folder / (name + ".png");
+    Image image = ReadPng(path);
+    if (!IsTextureSide(image.width) || image.height % pictures != 0 || !IsTextureSide(image.height / pictures)) {
+        Refuse(path.string(), 0, fmt::format("is {} x {} texels", image.width, image.height),
+               pictures == 1 ? "make each side 8, 16, 32, 64 or 128"
+                             : fmt::format("make it {} such pictures below each other", pictures));
+    }
+    return image;
+}
+
+Image CutPicture(const Image& strip, int index) {
+    Image picture(strip.width, strip.height / ANIMATION_PICTURES);
+    const auto first = strip.pixels.begin() + static_cast<std::ptrdiff_t>(strip.Index(0, index * picture.height));
+    std::copy_n(first, picture.pixels.size(), picture.pixels.begin());
+    return picture;
+}
+
+unsigned CutoutFlag(const Image& image) {
+    const auto isHole = [](const Rgba& pixel) { return pixel.a == 0; };
+    return std::any_of(image.pixels.begin(), image.pixels.end(), isHole) ? MATERIAL_CUTOUT : 0U;
+}
+
+// Slots by number, and their pictures; several slots may show the same one.
+struct Slots {
+    std::vector<Image> images;
+    std::vector<size_t> imageOfSlot = std::vector<size_t>(SLOT_COUNT, 0);
+    std::vector<Material> list;
+
+    size_t AddImage(Image image) {
+        images.push_back(std::move(image));
+        return images.size() - 1;
+    }
+    void Name(int slot, const std::string& name, unsigned flags) {
+        const Image& image = images[imageOfSlot[static_cast<size_t>(slot)]];
+        list.push_back({slot, name, image.width, image.height, flags});
+    }
+};
+
+void AddAnimated(Slots& slots, const LevelTextures& level, const std::filesystem::path& folder) {
+    const Image strip = LoadPicture(folder, level.animated, ANIMATION_PICTURES);
+    // The first slot's own picture is only shown until the first turn: it takes the last one, which comes before.
+    for (int i = 0; i < ANIMATION_PICTURES; ++i) {
+        slots.imageOfSlot[static_cast<size_t>(SLOT_FIRST_ANIMATED + 1 + i)] = slots.AddImage(CutPicture(strip, i));
+    }
+    slots.imageOfSlot[SLOT_FIRST_ANIMATED] = slots.imageOfSlot[SLOT_LAST_ANIMATED];
+    slots.Name(SLOT_FIRST_ANIMATED, level.animated, MATERIAL_LIQUID | CutoutFlag(strip));
+}
+
+Slots FillSlots(const LevelTextures& level, const std::filesystem::path& folder) {
+    Slots slots;
+    const size_t nothing = slots.AddImage(Image(TEXTURE_MIN_SIDE, TEXTURE_MIN_SIDE, {0, 0, 0, 0}));
+    std::fill(slots.imageOfSlot.begin(), slots.imageOfSlot.end(), nothing);
+    if (!level.animated.empty()) AddAnimated(slots, level, folder);
+    int slot = 0;
+    for (const std::string& name : level.materials) {
+        if (slot == SLOT_FIRST_ANIMATED) slot = SLOT_LAST_ANIMATED + 1;
+        if (slot > SLOT_LAST_WORLD) {
+            Refuse(level.file, 0, fmt::format("'{}' finds no free slot", name), "use fewer materials");
+        }
+        Image image = LoadPicture(folder, name, 1);
+        const unsigned flags = CutoutFlag(image);
+        slots.imageOfSlot[static_cast<size_t>(slot)] = slots.AddImage(std::move(image));
+        slots.Name(slot++, name, flags);
+    }
+    slots.Name(SLOT_CLIP, "clip", MATERIAL_CLIP);
+    slots.Name(SLOT_CLIP, "sky", MATERIAL_SKY);
+    const size_t skin = slots.AddImage(Image(TEXTURE_MIN_SIDE, TEXTURE_MIN_SIDE, SKIN_COLOUR));
+    for (size_t i = SLOT_FIRST_SKIN; i < SLOT_COUNT; ++i)
+        slots.imageOfSlot[i] = skin;
+    return slots;
+}
+
+void CopyTexels(const std::vector<uint8_t>& texels, const TextureSlot& slot, std::vector<std::vector<uint8_t>>& pages) {
+    if (pages.size() <= slot.page) pages.resize(slot.page + 1U, std::vector<uint8_t>(TEXTURE_PAGE_SIZE, 0));
+    for (size_t y = 0; y < slot.height; ++y) {
+        std::copy_n(texels.begin() + static_cast<std::ptrdiff_t>(y * slot.width), slot.width,
+                    pages[slot.page].begin() + static_cast<std::ptrdiff_t>((slot.y + y) * TEXTURE_PAGE_SIDE + slot.x));
+    }
+}
+
+}  // namespace
+
+LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
+    const Settings text = Settings::Load(path);
+    LevelTextures level;
+    level.file = path.string();
+    level.dark = ReadColour(text, "dark");
+    level.ground = ReadColour(text, "ground", level.dark);
+    level.animated = text.Text("animated", "");
+    level.materials = text.Texts("materials");
+    std::set<std::string> seen{"clip", "sky", level.animated};
+    for (const std::string& name : level.materials) {
+        if (!seen.insert(name).second) {
+            text.RefuseKey("materials", fmt::format("'{}' stands there twice or is reserved", name), "remove it");
+        }
+    }
+    text.Finish();
+    return level;
+}
+
+CompiledTextures CompileTextures(const LevelTextures& level, const std::filesystem::path& pictures) {
+    const Slots slots = FillSlots(level, pictures);
+    PaletteWishes wishes{{}, level.dark, level.ground};
+    std::vector<TextureSize> sizes;
+    for (const Image& image : slots.images) {
+        wishes.pictures.push_back({&image, 1});
+        sizes.push_back({image.width, image.height});
+    }
+    const std::vector<TextureSlot> places = PackPages(sizes, level.file);
+    CompiledTextures compiled;
+    compiled.textures.palette = ChoosePalette(wishes);
+    for (size_t i = 0; i < slots.images.size(); ++i) {
+        CopyTexels(ToPalette(slots.images[i], compiled.textures.palette), places[i], compiled.textures.pages);
+    }
+    for (const size_t image : slots.imageOfSlot)
+        compiled.textures.slots.push_back(places[image]);
+    compiled.list = slots.list;
+    return compiled;
+}

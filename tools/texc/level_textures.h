@@ -1,0 +1,40 @@
+// One level's textures: from a list of material names to texture.bin and to the list of names that mapc reads.
+#pragma once
+
+#include "formats/image.h"
+#include "formats/material_list.h"
+#include "formats/texture_file.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Slots of the game: 0..92 the world, of which 10..14 take turns to animate, from 93 the character's skin.
+constexpr int SLOT_FIRST_ANIMATED = 10;
+constexpr int SLOT_LAST_ANIMATED = 14;
+constexpr int SLOT_LAST_WORLD = 91;
+constexpr int SLOT_CLIP = 92;  // never visible; named "clip" and "sky" in maps
+constexpr int SLOT_FIRST_SKIN = 93;
+constexpr int SLOT_COUNT = 95;
+
+struct LevelTextures {
+    std::string file;
+    Rgba dark, ground;
+    std::string animated;  // moving material, or empty
+    std::vector<std::string> materials;
+};
+
+struct NamedPicture {
+    std::string name;
+    Image image;
+};
+
+struct CompiledTextures {
+    TextureFile textures;
+    std::vector<Material> list;
+};
+
+LevelTextures ReadLevelTextures(const std::filesystem::path& path);
+// `pictures` holds <name>.png for each material of the list.
+CompiledTextures CompileTextures(const LevelTextures& level, const std::filesystem::path& pictures);

@@ -1,0 +1,18 @@
+// A material recipe: a TOML file with the size of a picture and the layers that paint it, bottom first.
+// docs/authoring.md is its manual.
+#pragma once
+
+#include "formats/image.h"
+
+#include <filesystem>
+#include <vector>
+
+constexpr int ANIMATION_PICTURES = 4;  // of a moving material, shown in turn
+
+struct PaintedMaterial {
+    Image picture;  // alpha 0 or 255; the pictures of a moving material stand below each other
+    std::vector<std::filesystem::path> sources;  // every file that was read
+};
+
+// ContentError names the file and the line.
+PaintedMaterial PaintMaterial(const std::filesystem::path& recipe);

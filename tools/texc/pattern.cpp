@@ -1,0 +1,34 @@
+#include "texc/pattern.h"
+
+#include "texc/pattern_kinds.h"
+
+#include <functional>
+
+namespace {
+
+template <typename Kind>
+std::unique_ptr<Pattern> Make(const Settings& settings) {
+    return std::make_unique<Kind>(settings);
+}
+
+struct Entry {
+    const char* name;
+    std::unique_ptr<Pattern> (*make)(const Settings&);
+};
+
+constexpr Entry PATTERNS[] = {
+    {"fill", Make<FillPattern>},         {"noise", Make<NoisePattern>},     {"gradient", Make<GradientPattern>},
+    {"bricks", Make<BricksPattern>},     {"stones", Make<StonesPattern>},   {"scatter", Make<ScatterPattern>},
+    {"box", Make<BoxPattern>},           {"band", Make<BandPattern>},       {"discs", Make<DiscsPattern>},
+    {"polygon", Make<PolygonPattern>},   {"stripes", Make<StripesPattern>}, {"edges", Make<EdgesPattern>},
+    {"crevices", Make<CrevicesPattern>}, {"picture", Make<PicturePattern>},
+};
+
+}  // namespace
+
+std::unique_ptr<Pattern> MakePattern(const Settings& settings) {
+    std::vector<std::string> names;
+    for (const Entry& entry : PATTERNS)
+        names.emplace_back(entry.name);
+    return PATTERNS[settings.Choice("pattern", "", names)].make(settings);
+}
