@@ -9,8 +9,12 @@
 enum class KeySource { Keyboard, Pad, Script };
 
 void DeviceKey(KeySource source, uint8_t scanCode, bool down);
-void DeviceMouseMotion(int x, int y, int wheel);      // summed until the game reads the mouse
-void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle
-void DeviceFocus(bool gained);                        // posts WM_ACTIVATEAPP; losing it lets go of all keys
-void DeviceCloseRequest();                            // the window's close button: pulses the left Windows key until the program ends
-bool DeviceMouseWanted();                             // the game has the mouse acquired
+void DeviceMouseMotion(int x, int y, int wheel);                  // summed until the game reads the mouse
+void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle; others are ignored
+// The window has the focus from its creation on, until the first loss. A change posts WM_ACTIVATEAPP; a loss lets go
+// of all keys and of the mouse.
+void DeviceFocus(bool gained);
+// The window's close button: presses the left Windows key again and again until the program ends. Where the game
+// takes no messages it does not look at that key, so there the process ends at once, with status 0.
+void DeviceCloseRequest();
+bool DeviceMouseWanted();  // the game has the mouse acquired

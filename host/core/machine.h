@@ -17,17 +17,23 @@ struct Machine {
     bool (*start)(const Options& options);  // false: not available here, the next one is tried
     void (*stop)();
 
-    uint32_t (*milliseconds)();             // the clock behind GetTickCount; may sleep briefly when polled in a loop
-    void (*beforeKeyboardPoll)();           // pump devices into core/input; called by the keyboard's GetDeviceState
-    void (*pump)();                         // devices into core/input and core/messages; called by PeekMessageA
-    void (*wait)();                         // sleep until a device has something to say; called by WaitMessage
+    // The clock: any start value, wraps. Called once for each GetTickCount, each keyboard poll and each turn of
+    // WaitMessage, so a deterministic machine may count these calls; a real one may sleep briefly when it is called
+    // again within the same millisecond.
+    uint32_t (*milliseconds)();
+    void (*beforeKeyboardPoll)();  // pump the devices into core/devices.h; called by the keyboard's GetDeviceState
+    void (*pump)();                // the same, called by PeekMessageA
+    void (*wait)();                // sleep until a device has something to say, 20 ms at most; called by WaitMessage
 
     bool (*createWindow)(const char* title);
     void (*desktopSize)(int* width, int* height);
-    void (*present)(const Picture& picture);          // show it now
-    void (*setMouseCaptured)(bool captured);          // relative mouse mode, pointer hidden
+    void (*present)(const Picture& picture);  // show it now; null: nobody looks
+    void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
     int (*messageBox)(const char* text, const char* caption);
-    bool (*hasWindow)();                              // a message box can be seen
+    bool (*hasWindow)();  // a message box can be seen
 };
 
-extern const Machine* CurrentMachine;  // never null after HostMain has started
+extern const Machine* CurrentMachine;  // the headless one until HostMain has chosen; never null
+
+// The first machine that starts, or only the headless one when the options ask for it, becomes CurrentMachine.
+void StartMachine(const Options& options);

@@ -11,27 +11,21 @@ struct ShotRequest {
 };
 
 enum class RendererChoice { Unset, Software, Accelerator };
-enum class BoardChoice { Auto, Gpu, Cpu, None };
 
+// Paths are as given: relative to the folder the program was called from.
 struct Options {
-    std::string data;           // folder that holds game/ and FrontEnd/
-    std::string disc;           // folder of music tracks
-    std::string log;            // file for the game's and the host's log lines
-    int windowWidth = 0;        // 0: the default, full screen
+    std::string data;     // folder that holds game/ and FrontEnd/
+    std::string log;      // file for the game's standard output and the host's log lines
+    int windowWidth = 0;  // 0: full screen
     int windowHeight = 0;
-    bool fullscreen = false;
-    BoardChoice board = BoardChoice::Auto;
-    int boardScale = 1;
-    int level = 0;              // 1..8; 0: chosen by hand
+    bool fullscreen = false;  // whatever the window's size
+    int level = 0;            // 1..8; 0: chosen by hand
     RendererChoice renderer = RendererChoice::Unset;
     bool headless = false;
     std::string script;
-    std::string record;
-    std::string replay;
-    uint32_t frames = 0;        // 0: no limit
+    uint32_t frames = 0;  // 0: no limit
     std::string trace;
     std::vector<ShotRequest> shots;
-    bool benchmark = false;
     bool verbose = false;
 };
 

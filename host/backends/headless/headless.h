@@ -1,0 +1,7 @@
+// The machine without a window: a clock that moves by 1 at each call of `milliseconds` and never else, no devices.
+// Input comes from a script only, so two runs with the same options give the same bytes.
+#pragma once
+
+#include "core/machine.h"
+
+extern const Machine HeadlessMachine;

@@ -1,0 +1,34 @@
+#include "core/clock.h"
+
+#include "core/machine.h"
+#include "host/win32.h"
+
+namespace {
+
+uint32_t now = 0;
+uint32_t offset = 0;  // of our clock against the machine's
+
+}  // namespace
+
+uint32_t ReadClock() {
+    now = CurrentMachine->milliseconds() + offset;
+    return now;
+}
+
+uint32_t ClockNow() {
+    return now;
+}
+
+void SetClock(uint32_t milliseconds) {
+    offset += milliseconds - now;
+    now = milliseconds;
+}
+
+void ResetClock() {
+    ReadClock();
+    SetClock(0);
+}
+
+DWORD GetTickCount() {
+    return ReadClock();
+}

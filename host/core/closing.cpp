@@ -1,0 +1,37 @@
+#include "core/closing.h"
+
+#include "core/input_state.h"
+#include "core/run.h"
+
+namespace {
+
+// More polls than the game ever makes between two messages, but for its choice screens.
+constexpr uint32_t POLLS_WITHOUT_PUMP = 8;
+
+bool requested = false;
+bool pressed = false;
+
+}  // namespace
+
+void RequestClose() {
+    requested = true;
+}
+
+bool CloseRequested() {
+    return requested;
+}
+
+void CloseAtPoll() {
+    if (!requested) return;
+    if (PollsSincePeek() > POLLS_WITHOUT_PUMP) EndRun(0);
+    pressed = !pressed;
+    if (pressed) PulseKey(DIK_LWIN);
+}
+
+void CloseAtWait() {
+    if (requested) EndRun(0);
+}
+
+void ResetClosing() {
+    requested = pressed = false;
+}

@@ -1,0 +1,73 @@
+#include "host/files.h"
+
+#include "core/data_folder.h"
+#include "core/machine.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string dataFolder = ".";
+
+bool EqualWithoutCase(std::string_view a, std::string_view b) {
+    const auto same = [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
+}
+
+// The entry of `folder` that `name` means: itself, else the first in alphabetical order that differs in case only,
+// else itself again.
+std::string MatchName(const std::string& folder, const std::string& name) {
+    std::error_code error;
+    if (fs::symlink_status(fs::path(folder) / name, error).type() != fs::file_type::not_found) return name;
+    std::string best;
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        const std::string found = entry->path().filename().string();
+        if (EqualWithoutCase(found, name) && (best.empty() || found < best)) best = found;
+    }
+    return best.empty() ? name : best;
+}
+
+}  // namespace
+
+void SetDataFolder(const std::string& folder) {
+    dataFolder = folder;
+}
+
+const char* HostDataFolder() {
+    return dataFolder.c_str();
+}
+
+std::string HostResolvePath(const char* gamePath) {
+    std::string slashed = gamePath;
+    std::replace(slashed.begin(), slashed.end(), '\\', '/');
+    std::string path = slashed.starts_with('/') ? "" : dataFolder;
+    for (size_t start = 0; start < slashed.size();) {
+        const size_t end = std::min(slashed.find('/', start), slashed.size());
+        if (end > start) path += "/" + MatchName(path.empty() ? "/" : path, slashed.substr(start, end - start));
+        start = end + 1;
+    }
+    return path;
+}
+
+std::FILE* HostOpenFile(const char* gamePath, const char* mode) {
+    const std::string path = HostResolvePath(gamePath);
+    std::error_code error;
+    const fs::file_type type = fs::status(path, error).type();
+    if (type != fs::file_type::regular && type != fs::file_type::not_found) return nullptr;
+    return std::fopen(path.c_str(), mode);
+}
+
+void HostReportFatal(const char* message, const char* gamePath) {
+    std::string text = message;
+    if (!text.empty() && text.back() == '\n') text.pop_back();
+    if (gamePath) text += std::string("\n") + gamePath + " (looked for in " + dataFolder + ")";
+    std::fprintf(stderr, "tarnwick: %s\n", text.c_str());
+    if (CurrentMachine->hasWindow()) CurrentMachine->messageBox(text.c_str(), "Tarnwick");
+}

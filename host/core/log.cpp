@@ -1,0 +1,36 @@
+#include "core/log.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+std::FILE* logStream = nullptr;
+
+}  // namespace
+
+bool StartLog(const Options& options) {
+    if (options.verbose) {
+        logStream = stderr;
+        return true;
+    }
+    if (options.log.empty()) return true;
+    if (!std::freopen(options.log.c_str(), "w", stdout)) {
+        std::fprintf(stderr, "tarnwick: cannot write the log %s: %s\n", options.log.c_str(), std::strerror(errno));
+        return false;
+    }
+    logStream = stdout;
+    return true;
+}
+
+void HostLog(const char* format, ...) {
+    if (!logStream) return;
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::fputs("host: ", logStream);
+    std::vfprintf(logStream, format, arguments);
+    std::fputc('\n', logStream);
+    va_end(arguments);
+}

@@ -1,0 +1,10 @@
+// The host's log lines, and where the game's standard output goes.
+#pragma once
+
+#include "core/options.h"
+
+// --log without --verbose: standard output goes to the file from now on. False: it cannot be written; one line on
+// standard error has said so.
+bool StartLog(const Options& options);
+// One line: to the log file when there is one, with --verbose to standard error, else nowhere.
+[[gnu::format(printf, 1, 2)]] void HostLog(const char* format, ...);

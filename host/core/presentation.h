@@ -1,0 +1,22 @@
+// The picture being shown, and its way to the machine.
+#pragma once
+
+#include "core/machine.h"
+#include "host/win32.h"
+
+#include <cstdint>
+
+// The front buffer as it lies in memory: 8 bits with a palette of 256 entries, or 16 bits (5-6-5).
+struct FrontBuffer {
+    const uint8_t* pixels;
+    uint32_t pitch;  // bytes
+    uint32_t width, height, bits;
+    const PALETTEENTRY* palette;  // 8 bits only
+};
+
+// Shows it. The memory must stay as it is until the next call or FreezeFront.
+void ShowFront(const FrontBuffer& front);
+void FreezeFront();             // the memory is about to go: the picture stays on the screen
+const Picture* FrontPicture();  // valid until the next ShowFront; null before the first
+uint32_t PresentCount();        // calls of ShowFront so far
+void ResetPresentation();

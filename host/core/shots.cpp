@@ -1,0 +1,25 @@
+#include "core/shots.h"
+
+#include "core/png.h"
+#include "core/presentation.h"
+
+#include <cstdio>
+
+namespace {
+
+bool failed = false;
+
+}  // namespace
+
+bool WriteShot(const std::string& file) {
+    const Picture* picture = FrontPicture();
+    std::string error = "no picture has been shown yet";
+    if (picture && WritePng(file, *picture, error)) return true;
+    std::fprintf(stderr, "tarnwick: cannot write the picture %s: %s\n", file.c_str(), error.c_str());
+    failed = true;
+    return false;
+}
+
+bool ShotsFailed() {
+    return failed;
+}

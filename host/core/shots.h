@@ -1,0 +1,8 @@
+// Pictures written as the program shows them.
+#pragma once
+
+#include <string>
+
+// The picture last presented. False: there is none, or the file cannot be written; one line on standard error says so.
+bool WriteShot(const std::string& file);
+bool ShotsFailed();  // any since the program started

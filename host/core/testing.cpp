@@ -1,0 +1,79 @@
+#include "core/testing.h"
+
+#include "core/clock.h"
+#include "core/data_folder.h"
+#include "core/display.h"
+#include "core/input_state.h"
+#include "core/machine.h"
+#include "core/messages.h"
+#include "core/presentation.h"
+#include "core/run.h"
+#include "host/win32.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+TestMachineState TestMachine;
+
+namespace {
+
+uint32_t milliseconds = 0;
+
+void Call(const std::function<void()>& hook) {
+    if (hook) hook();
+}
+
+void Wait() {
+    if (!TestMachine.onWait) {
+        std::fprintf(stderr, "WaitMessage: no message can come; set TestMachine.onWait\n");
+        std::abort();
+    }
+    TestMachine.onWait();
+}
+
+int ShowBox(const char* text, const char*) {
+    TestMachine.messageBoxes.emplace_back(text);
+    return IDOK;
+}
+
+void DesktopSize(int* width, int* height) {
+    *width = 1024;
+    *height = 768;
+}
+
+const Machine TEST_MACHINE = {
+    .name = "test",
+    .start = [](const Options&) { return true; },
+    .stop = [] {},
+    .milliseconds = [] { return milliseconds += TestMachine.clockStep; },
+    .beforeKeyboardPoll = [] { Call(TestMachine.onPoll); },
+    .pump = [] { Call(TestMachine.onPump); },
+    .wait = Wait,
+    .createWindow = [](const char*) { return TestMachine.windowOpens; },
+    .desktopSize = DesktopSize,
+    .present = nullptr,
+    .setMouseCaptured = [](bool captured) { TestMachine.mouseCaptured = captured; },
+    .messageBox = ShowBox,
+    .hasWindow = [] { return true; },
+};
+
+}  // namespace
+
+void UseTestMachine() {
+    TestMachine = {};
+    CurrentMachine = &TEST_MACHINE;
+    ResetRun();
+    ResetMessages();
+    ResetInputState();
+    ResetDisplay();
+    ResetPresentation();
+    SetDataFolder(".");
+}
+
+void SetTestClock(uint32_t now) {
+    SetClock(now);
+}
+
+void SetTestDataFolder(const std::string& folder) {
+    SetDataFolder(folder);
+}

@@ -1,0 +1,27 @@
+// The host for unit tests of any module: the headless machine without a command line. Input is given with the calls of
+// core/devices.h, pictures are read with core/presentation.h, display modes and lost surfaces with core/display.h.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+// Installs the machine and resets everything: the clock at 0, no window, no message, nothing down, the focus held, the
+// desktop's mode, no picture, data folder ".".
+void UseTestMachine();
+
+// What the test machine does, and what was done to it. UseTestMachine resets it.
+struct TestMachineState {
+    uint32_t clockStep = 1;        // milliseconds that each GetTickCount and each keyboard poll adds
+    bool windowOpens = true;       // CreateWindowExA succeeds
+    std::function<void()> onWait;  // each turn of WaitMessage; unset: a wait that nothing can end aborts the test
+    std::function<void()> onPump;  // each PeekMessageA
+    std::function<void()> onPoll;  // each keyboard poll, before the keys are read
+    std::vector<std::string> messageBoxes;  // texts shown
+    bool mouseCaptured = false;
+};
+extern TestMachineState TestMachine;
+
+void SetTestClock(uint32_t milliseconds);  // the next reading gives this much plus clockStep
+void SetTestDataFolder(const std::string& folder);
