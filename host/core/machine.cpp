@@ -1,19 +1,13 @@
 #include "core/machine.h"
 
 #include "backends/headless/headless.h"
-#include "core/log.h"
-
-#if __has_include("backends/sdl/sdl_machine.h")
 #include "backends/sdl/sdl_machine.h"
-#define TARNWICK_SDL
-#endif
+#include "core/log.h"
 
 namespace {
 
 const Machine* const Machines[] = {
-#ifdef TARNWICK_SDL
     &SdlMachine,
-#endif
     &HeadlessMachine,
 };
 
