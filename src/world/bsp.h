@@ -1,9 +1,29 @@
-// The world file and its bounding radii.
+// The world file (.bgm) and what is derived from it at load: collision frames, bounding radii, frame stamps.
+//
+// File: "Gbsp", version 10, the counts N L P F V K of nodes, leaves, planes, polygons, points and polygon vertices,
+// all big-endian 32-bit; then the six tables in that order, packed little-endian records (records/world_records.h).
+// Bytes after the last table are allowed.
 #pragma once
 
-void LoadBspWorld(const char* path);  // FatalError(0, ...): "No .BSP file found", "Not a valid BSP file", "Old BSP Version"
-void ComputePolyFrames();
-void GenerateNodeRadii();             // needs ScreenAspect
-void SetStaticMarks();                // WorldGeometry.fixed = WorldGeometry.used
-void ResetViewCache();                // both ViewPoint stamps of every point in use
-void FillStamps(unsigned short value);  // every 16-bit and ViewPoint stamp, over its full capacity
+#include <cstdint>
+
+constexpr uint32_t BSP_MAGIC = 0x47627370;  // "Gbsp"
+constexpr uint32_t BSP_VERSION = 10;
+constexpr uint32_t BSP_MAX_NODES = 32768;
+constexpr uint32_t BSP_MAX_LEAVES = 16384;  // RenderList entries from here on mean the character in a leaf
+constexpr int BSP_MAX_DEPTH = 1024;         // nodes from the root to a leaf
+constexpr int BSP_MIN_CORNERS = 3;
+constexpr int BSP_MAX_CORNERS = 12;
+
+// Fills WorldGeometry with the file's contents: file and used counts are set, spare polygon records, light bytes and
+// stamps are 0, FrameCount is 1. Must be the first pool user of a level.
+// FatalError(0, path): "No .BSP file found"; "Old BSP Version"; "Not a valid BSP file": wrong magic, too short, a
+// count or index out of range, a cyclic, shared or too deep node, a corner count outside 3..12, a number that is
+// not finite; "Not enough memory for the BSP file": the pool is too small for the tables.
+void LoadBspWorld(const char* path);
+
+void ComputePolyFrames();         // of the file's polygons; called by LoadBspWorld
+void GenerateNodeRadii();         // of every node and leaf below the root; needs ScreenAspect
+void SetStaticMarks();            // WorldGeometry.fixed = WorldGeometry.used
+void ResetViewCache();            // both ViewPoint stamps of every point in use = 0
+void FillStamps(uint16_t value);  // every stamp compared with FrameCount, over its full capacity

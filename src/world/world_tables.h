@@ -21,36 +21,43 @@ struct GeometryCounts {
 // All arrays lie in the pool and live until the pool is freed at the end of the game.
 // N, L, P, F, V, K below are the counts of the world file.
 struct WorldGeometryTables {
-    BspNode* nodes;                  // N; node 0 is the root
-    BspLeaf* leaves;                 // L
-    PlaneRecord* planes;             // P + 3000
-    PolyRecord* polygons;            // F + 3000
-    PolyFrame* polyFrames;           // F + 3000, only the first F are computed
-    WorldPoint* points;              // V + 9000
-    PolyVertex* polyVertices;        // K + 9000
-    PolyVertex* alternateVertices;   // K + 9000; with the accelerator, u and v in texel units
-    ViewPoint* viewPoints;           // V + 9000
-    uint8_t* outcodes;               // V + 9000
-    int8_t* pointLight;              // V + 9000, current bytes, valid while the stamp equals FrameCount
-    int8_t* pointLightBase;          // V + 9000
-    uint16_t* pointLightStamps;      // V + 9000
-    uint16_t* characterStamps;       // V + 9000, character points turned into view space
-    uint16_t* cornerLightStamps;     // 8 x max(F + 3000, CORNER_LIGHT_POLYGONS)
-    int32_t* renderList;             // 2 L
+    BspNode* nodes;                 // N; node 0 is the root
+    BspLeaf* leaves;                // L
+    PlaneRecord* planes;            // P + 3000
+    PolyRecord* polygons;           // F + 3000
+    PolyFrame* polyFrames;          // F + 3000, only the first F are computed
+    WorldPoint* points;             // V + 9000
+    PolyVertex* polyVertices;       // K + 9000
+    PolyVertex* alternateVertices;  // K + 9000; with the accelerator, u and v in texel units
+    ViewPoint* viewPoints;          // V + 9000
+    uint8_t* outcodes;              // V + 9000
+    int8_t* pointLight;             // V + 9000, current bytes, valid while the stamp equals FrameCount
+    int8_t* pointLightBase;         // V + 9000
+    uint16_t* pointLightStamps;     // V + 9000
+    uint16_t* characterStamps;      // V + 9000, character points turned into view space
+    uint16_t* cornerLightStamps;    // CornerLightStampCount()
+    int32_t* renderList;            // 2 L
 
     uint32_t nodeCount, leafCount;
-    GeometryCounts file;    // what the world file brought
-    GeometryCounts used;    // next free index of each table
-    GeometryCounts fixed;   // the static marks: everything loaded for the level; clipping scratch starts here (planes: unused)
+    GeometryCounts file;  // what the world file brought
+    GeometryCounts used;  // next free index of each table
+    GeometryCounts
+        fixed;  // the static marks: everything loaded for the level; clipping scratch starts here (planes: unused)
 };
 extern WorldGeometryTables WorldGeometry;
 
+// Eight entries a polygon; at least as many as a light slot's 16-bit corner numbers can name.
+inline uint32_t CornerLightStampCount() {
+    const uint32_t polygons = WorldGeometry.file.polygons + SPARE_POLYGONS;
+    return 8 * (polygons > 8192 ? polygons : 8192);
+}
+
 constexpr uint32_t CORNER_LIGHT_POLYGONS = 20000;
-extern int8_t CornerLight[CORNER_LIGHT_POLYGONS * 8];      // current, entry = polygon x 8 + corner
+extern int8_t CornerLight[CORNER_LIGHT_POLYGONS * 8];  // current, entry = polygon x 8 + corner
 extern int8_t CornerLightBase[CORNER_LIGHT_POLYGONS * 8];
 
-constexpr uint32_t INTENSITY_CACHE_SIZE = 65536;           // point indices are 16 bits wide
-extern float IntensityCache[INTENSITY_CACHE_SIZE];         // a point's intensity in the frame of its stamp
+constexpr uint32_t INTENSITY_CACHE_SIZE = 65536;    // point indices are 16 bits wide
+extern float IntensityCache[INTENSITY_CACHE_SIZE];  // a point's intensity in the frame of its stamp
 extern uint16_t IntensityCacheStamps[INTENSITY_CACHE_SIZE];
 
 // Level light values, set by LoadLightMap and changed by the development keys.

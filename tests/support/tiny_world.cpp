@@ -46,6 +46,12 @@ Corners BoxSide(const Vec3& a, const Vec3& b, const Vec3& towardsViewer, bool on
     return corners;
 }
 
+template <class Record>
+void AppendRecords(std::vector<uint8_t>& bytes, const Record* records, uint32_t count) {
+    const auto* first = reinterpret_cast<const uint8_t*>(records);
+    bytes.insert(bytes.end(), first, first + count * sizeof(Record));
+}
+
 std::vector<Corners> BoxSides(const Vec3& lowest, const Vec3& highest, bool fromOutside) {
     std::vector<Corners> sides;
     for (const Vec3& axis :
@@ -55,6 +61,23 @@ std::vector<Corners> BoxSides(const Vec3& lowest, const Vec3& highest, bool from
 }
 
 }  // namespace
+
+std::vector<uint8_t> WorldFileBytes() {
+    const WorldGeometryTables& world = WorldGeometry;
+    std::vector<uint8_t> bytes = {'G', 'b', 's', 'p'};
+    for (const uint32_t value : {10u, world.nodeCount, world.leafCount, world.file.planes, world.file.polygons,
+                                 world.file.points, world.file.polyVertices}) {
+        for (int shift = 24; shift >= 0; shift -= 8)
+            bytes.push_back(static_cast<uint8_t>(value >> shift));
+    }
+    AppendRecords(bytes, world.nodes, world.nodeCount);
+    AppendRecords(bytes, world.leaves, world.leafCount);
+    AppendRecords(bytes, world.planes, world.file.planes);
+    AppendRecords(bytes, world.polygons, world.file.polygons);
+    AppendRecords(bytes, world.points, world.file.points);
+    AppendRecords(bytes, world.polyVertices, world.file.polyVertices);
+    return bytes;
+}
 
 Corners FacingSquare(const Vec3& centre, const Vec3& towardsViewer, float halfSize) {
     const Vec3 reference = towardsViewer.y != 0.0f ? Vec3{1, 0, 0} : Vec3{0, 1, 0};

@@ -6,6 +6,9 @@
 
 #include <vector>
 
+// A world file that holds what WorldGeometry's file tables hold now, whether valid or not.
+std::vector<uint8_t> WorldFileBytes();
+
 using Corners = std::vector<Vec3>;  // counter-clockwise as seen from the visible side
 
 // A square of 2 x halfSize, visible from the side that `towardsViewer` (along one axis) points to.

@@ -1,8 +1,16 @@
-// The level, drawn back to front from the camera.
+// The level, drawn back to front from the camera: the BSP tree is walked from the eye's far side to its near side,
+// subtrees outside the view volume are skipped, and what remains becomes a list that is drawn in order.
 #pragma once
 
 #include <cstdint>
 
-extern int32_t RenderListCount;  // entries of WorldGeometry.renderList in this frame
+// Entries of WorldGeometry.renderList, rebuilt every frame, at most two a leaf:
+//   e < 0                       leaf ~e, wholly inside the side planes: its polygons are never clipped
+//   0 <= e < CHARACTER_ENTRY    leaf e, crossing a side plane
+//   e >= CHARACTER_ENTRY        the character's polygons in leaf e - CHARACTER_ENTRY
+constexpr int32_t CHARACTER_ENTRY = 16384;
+extern int32_t RenderListCount;
 
+// Needs the camera of the frame, FarDistance, the projection scales and the node radii. With FogSwitch 0 every leaf
+// is drawn as outlines, each in the palette colour of its number, and nothing is culled.
 void RenderWorld();

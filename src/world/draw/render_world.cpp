@@ -1,0 +1,283 @@
+#include "world/draw/render_world.h"
+
+#include "camera/camera_tables.h"
+#include "character/character_tables.h"
+#include "math/convert.h"
+#include "math/vectors.h"
+#include "platform/timer.h"
+#include "render/lines.h"
+#include "render/pipeline.h"
+#include "render/render_tables.h"
+#include "world/world_tables.h"
+
+#include <cmath>
+
+int32_t RenderListCount;
+
+namespace {
+
+constexpr float NO_FACING_POLYGON = 100000.0f;  // farther than any plane of a level
+
+enum BoxResult { BOX_INVISIBLE, BOX_INSIDE, BOX_CROSSING };  // relative to the side planes
+
+struct Box {
+    Vec3 centre;
+    float radius;        // of the sphere test, root 2 larger than the bounding sphere
+    float radiusAspect;  // the same in the vertical direction of the view
+    Vec3 halfExtents;
+};
+
+// A point q is outside when normal . q > offset.
+struct ViewPlane {
+    Vec3 normal;
+    float offset;
+};
+
+constexpr int FAR_PLANE = 0;  // the others are the side planes
+constexpr int VIEW_PLANE_COUNT = 5;
+ViewPlane viewPlanes[VIEW_PLANE_COUNT];
+
+Vec3 Sum(Vec3 a, Vec3 b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+Vec3 Difference(Vec3 a, Vec3 b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+float Dot(Vec3 a, Vec3 b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+ViewPlane PlaneThrough(Vec3 p, Vec3 q, Vec3 s) {
+    const Vec3 a = Difference(q, p);
+    const Vec3 b = Difference(s, p);
+    const Vec3 normal = {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+    return {normal, Dot(normal, p)};
+}
+
+Vec3 ViewToWorld(float x, float y, float z) {
+    RotateVectorT(x, y, z, CameraRotation);
+    return Sum(RotatedVector, CameraPos);
+}
+
+void BuildViewPlanes() {
+    const float width = FarDistance;
+    const float height = FarDistance * (ProjectionScaleY / ProjectionScaleX);
+    const float depth = FarDistance + 1.0f;
+    const Vec3 topRight = ViewToWorld(width, height, depth);
+    const Vec3 bottomRight = ViewToWorld(width, -height, depth);
+    const Vec3 bottomLeft = ViewToWorld(-width, -height, depth);
+    const Vec3 topLeft = ViewToWorld(-width, height, depth);
+    viewPlanes[FAR_PLANE] = PlaneThrough(bottomLeft, bottomRight, topRight);
+    viewPlanes[1] = PlaneThrough(CameraPos, topRight, bottomRight);
+    viewPlanes[2] = PlaneThrough(CameraPos, bottomLeft, topLeft);
+    viewPlanes[3] = PlaneThrough(CameraPos, topLeft, topRight);
+    viewPlanes[4] = PlaneThrough(CameraPos, bottomRight, bottomLeft);
+}
+
+template <typename NodeOrLeaf>
+Box BoxOf(const NodeOrLeaf& record) {
+    return {record.centre, record.radiusRoot2, record.radiusAspect, record.halfExtents};
+}
+
+// The exact test, for boxes whose spheres cross a side plane. Of the eight corners only the one least far along a
+// plane's normal and the one farthest along it decide; rounding keeps their order.
+BoxResult TestBoxCorners(const Box& box) {
+    const Vec3 low = Difference(box.centre, box.halfExtents);
+    const Vec3 high = Sum(box.centre, box.halfExtents);
+    BoxResult result = BOX_INSIDE;
+    for (int k = 0; k < VIEW_PLANE_COUNT; ++k) {
+        const ViewPlane& plane = viewPlanes[k];
+        const bool x = plane.normal.x < 0.0f;
+        const bool y = plane.normal.y < 0.0f;
+        const bool z = plane.normal.z < 0.0f;
+        const Vec3 least = {x ? high.x : low.x, y ? high.y : low.y, z ? high.z : low.z};
+        if (Dot(plane.normal, least) > plane.offset) return BOX_INVISIBLE;
+        const Vec3 farthest = {x ? low.x : high.x, y ? low.y : high.y, z ? low.z : high.z};
+        if (k != FAR_PLANE && Dot(plane.normal, farthest) > plane.offset) result = BOX_CROSSING;
+    }
+    return result;
+}
+
+BoxResult TestBox(const Box& box) {
+    const Vec3 fromEye = Difference(box.centre, CameraPos);
+    RotateIntVector(TruncToInt(fromEye.x), TruncToInt(fromEye.y), TruncToInt(fromEye.z), ViewMatrix.rotation);
+    const float z = static_cast<float>(RotatedIntVector.z);
+    if (z <= -box.radius || z >= FarDistance + box.radius) return BOX_INVISIBLE;
+    const float x = std::fabs(static_cast<float>(RotatedIntVector.x));
+    if (z < x - box.radius) return BOX_INVISIBLE;
+    const float y = std::fabs(static_cast<float>(RotatedIntVector.y));
+    if (z < y - box.radiusAspect) return BOX_INVISIBLE;
+    if (z > x + box.radius && z > y + box.radiusAspect) return BOX_INSIDE;
+    return TestBoxCorners(box);
+}
+
+bool FacesCamera(uint32_t polygon) {
+    return PolySideOfCamera(static_cast<int32_t>(polygon)) < 0;
+}
+
+bool HoldsCharacter(int32_t leaf) {
+    return WorldGeometry.leaves[leaf].frameStamp == FrameCount;
+}
+
+// The guard matters only for worlds in which several nodes share a leaf.
+void Append(int32_t entry) {
+    if (RenderListCount < static_cast<int32_t>(2 * WorldGeometry.leafCount)) {
+        WorldGeometry.renderList[RenderListCount++] = entry;
+    }
+}
+
+// Whether the character in a leaf is nearer than the leaf's polygons: it is, unless it stands behind the polygon
+// plane nearest to it of those that face the camera.
+bool CharacterIsInFront(const BspLeaf& leaf) {
+    const Vec3 player = PlayerActor.position;
+    float nearest = NO_FACING_POLYGON + 1.0f;
+    float nearestDistance = 0.0f;
+    for (uint32_t p = leaf.firstPolygon; p < uint32_t{leaf.firstPolygon} + leaf.polygonCount; ++p) {
+        if (!FacesCamera(p)) continue;
+        const PlaneRecord& plane = WorldGeometry.planes[WorldGeometry.polygons[p].plane];
+        const float distance = Dot({plane.nx, plane.ny, plane.nz}, player) + plane.d;
+        if (std::fabs(distance) < nearest) {
+            nearest = std::fabs(distance);
+            nearestDistance = distance;
+        }
+    }
+    return nearest > NO_FACING_POLYGON || nearestDistance <= 0.0f;
+}
+
+void AppendLeaf(int32_t leaf, BoxResult visibility) {
+    const int32_t entry = visibility == BOX_INSIDE ? ~leaf : leaf;
+    if (!HoldsCharacter(leaf)) {
+        Append(entry);
+    } else if (CharacterIsInFront(WorldGeometry.leaves[leaf])) {
+        Append(entry);
+        Append(leaf + CHARACTER_ENTRY);
+    } else {
+        Append(leaf + CHARACTER_ENTRY);
+        Append(entry);
+    }
+}
+
+// Calls visit(subtree) for the two children of a node, the one on the camera's far side first.
+template <typename Visit>
+void VisitChildren(int32_t node, Visit visit) {
+    const BspNode& record = WorldGeometry.nodes[node];
+    const bool cameraInFront = NodeSideOfCamera(node) >= 0;
+    visit(cameraInFront ? record.backChild : record.frontChild);
+    visit(cameraInFront ? record.frontChild : record.backChild);
+}
+
+// The character is drawn even where its leaf is culled.
+void CollectCharacter(int32_t subtree) {
+    if (subtree >= 0) {
+        VisitChildren(subtree, CollectCharacter);
+    } else if (HoldsCharacter(~subtree)) {
+        Append(~subtree + CHARACTER_ENTRY);
+    }
+}
+
+void CollectInside(int32_t subtree) {
+    if (subtree >= 0) {
+        VisitChildren(subtree, CollectInside);
+    } else {
+        AppendLeaf(~subtree, BOX_INSIDE);
+    }
+}
+
+void CollectLeaves(int32_t subtree) {
+    const bool isNode = subtree >= 0;
+    const BoxResult visibility =
+        TestBox(isNode ? BoxOf(WorldGeometry.nodes[subtree]) : BoxOf(WorldGeometry.leaves[~subtree]));
+    if (visibility == BOX_INVISIBLE) {
+        CollectCharacter(subtree);
+    } else if (!isNode) {
+        AppendLeaf(~subtree, visibility);
+    } else if (visibility == BOX_INSIDE) {
+        CollectInside(subtree);
+    } else {
+        VisitChildren(subtree, CollectLeaves);
+    }
+}
+
+uint8_t OutcodeOf(const ViewPoint& view) {
+    int code = 0;
+    if (view.x > view.z) code |= OUT_RIGHT;
+    if (view.x < -view.z) code |= OUT_LEFT;
+    if (view.y > view.z) code |= OUT_TOP;
+    if (view.y < -view.z) code |= OUT_BOTTOM;
+    if (view.z > FarDistance) code |= OUT_DEPTH;
+    return static_cast<uint8_t>(code);
+}
+
+void TransformPoint(uint32_t point) {
+    ViewPoint& view = WorldGeometry.viewPoints[point];
+    if (view.transformStamp == FrameCount) return;
+    const Vec3 p = WorldGeometry.points[point].position;
+    const float* m = ViewMatrix.rotation.m;
+    view.transformStamp = FrameCount;
+    view.x = m[0] * p.x + m[1] * p.y + m[2] * p.z + ViewMatrix.translation.x;
+    view.y = m[3] * p.x + m[4] * p.y + m[5] * p.z + ViewMatrix.translation.y;
+    view.z = m[6] * p.x + m[7] * p.y + m[8] * p.z + ViewMatrix.translation.z;
+    WorldGeometry.outcodes[point] = OutcodeOf(view);
+}
+
+// Points are transformed as the first polygon that faces the camera needs them.
+void DrawFacingPolygon(uint32_t polygon, bool mayCross) {
+    const PolyRecord& record = WorldGeometry.polygons[polygon];
+    const PolyVertex* corner = WorldGeometry.polyVertices + record.firstVertex;
+    uint8_t outsideAll = 0xFF;
+    uint8_t outsideAny = 0;
+    for (const PolyVertex* end = corner + record.cornerCount; corner != end; ++corner) {
+        TransformPoint(corner->point);
+        outsideAll &= WorldGeometry.outcodes[corner->point];
+        outsideAny |= WorldGeometry.outcodes[corner->point];
+    }
+    if (outsideAll != 0) return;
+    if (mayCross && (outsideAny & OUT_SIDES) != 0) {
+        DrawPolygonClipped(static_cast<int32_t>(polygon), outsideAny);
+    } else {
+        DrawPolygon(static_cast<int32_t>(polygon));
+    }
+}
+
+void DrawLeaf(const BspLeaf& leaf, bool mayCross) {
+    for (uint32_t p = leaf.firstPolygon; p < uint32_t{leaf.firstPolygon} + leaf.polygonCount; ++p) {
+        if (FacesCamera(p)) DrawFacingPolygon(p, mayCross);
+    }
+}
+
+void DrawRenderList() {
+    for (int32_t i = 0; i < RenderListCount; ++i) {
+        const int32_t entry = WorldGeometry.renderList[i];
+        if (entry < 0) {
+            DrawLeaf(WorldGeometry.leaves[~entry], false);
+        } else if (entry < CHARACTER_ENTRY) {
+            DrawLeaf(WorldGeometry.leaves[entry], true);
+        }
+    }
+}
+
+void DrawOutlines(int32_t subtree) {
+    if (subtree >= 0) {
+        VisitChildren(subtree, DrawOutlines);
+        return;
+    }
+    const BspLeaf& leaf = WorldGeometry.leaves[~subtree];
+    LineColour = static_cast<uint32_t>(~subtree);
+    for (int32_t p = leaf.firstPolygon; p < leaf.firstPolygon + leaf.polygonCount; ++p)
+        DrawPolygonOutline(p);
+}
+
+}  // namespace
+
+void RenderWorld() {
+    BuildViewPlanes();
+    RenderListCount = 0;
+    if (FogSwitch == 0) {
+        DrawOutlines(0);
+        return;
+    }
+    CollectLeaves(0);
+    DrawRenderList();
+}

@@ -1,0 +1,141 @@
+#include "world/light_map.h"
+
+#include "app/app_tables.h"
+#include "memory/fatal.h"
+#include "memory/files.h"
+#include "platform/timer.h"
+#include "render/device/device.h"
+#include "render/render_tables.h"
+#include "world/world_tables.h"
+
+namespace {
+
+constexpr uint32_t VALUES_BYTES = 28;  // of the file, behind the light bytes
+constexpr int32_t INVERTED_LIGHT = 0x2;
+constexpr float NEUTRAL_LEVEL = 64.0f;
+constexpr float BRIGHTEST_LEVEL = 127.0f;
+constexpr float NEAREST_FADE = 1.0f;
+
+// What the accelerator uses instead of the file's values.
+constexpr float GLIDE_FIRST_LEVEL_CONTRAST = 0.8f;
+constexpr float GLIDE_CONTRAST = 0.3f;
+constexpr float GLIDE_FOG_NEAR = 2000.0f;
+constexpr float GLIDE_FADE_DISTANCE = 9196.0f;
+constexpr float GLIDE_FAR_DISTANCE = 5796.0f;
+
+void CloseReadStream() {
+    std::fclose(ReadStream);
+    ReadStream = nullptr;
+}
+
+int16_t ReadSignedWord() {
+    return static_cast<int16_t>(ReadWord());
+}
+
+float ReadDistance() {
+    return static_cast<float>(static_cast<int32_t>(ReadLong()));
+}
+
+void ReadColour(int16_t colour[3]) {
+    for (int i = 0; i < 3; ++i)
+        colour[i] = ReadSignedWord();
+}
+
+// False, and nothing is changed: the counts do not fit the tables or the file.
+bool ReadLightBytes() {
+    for (int i = 0; i < 3; ++i)
+        ReadLong();
+    const uint32_t points = ReadLong();
+    const uint32_t polygons = ReadLong();
+    if (points > WorldGeometry.file.points + SPARE_POINTS || polygons > CORNER_LIGHT_POLYGONS) return false;
+    if (BytesLeft() < points + 8 * polygons + VALUES_BYTES) return false;
+    return ReadBlock(WorldGeometry.pointLightBase, points) && ReadBlock(CornerLightBase, 8 * polygons);
+}
+
+void ReadLevelValues() {
+    LightLevel = static_cast<float>(ReadSignedWord()) / 100.0f;
+    LightContrast = static_cast<float>(ReadSignedWord()) / 100.0f;
+    FadeDistance = ReadDistance();
+    FarDistance = ReadDistance();
+    if (GlideActive()) {
+        LightContrast *= CurrentLevel == 0 ? GLIDE_FIRST_LEVEL_CONTRAST : GLIDE_CONTRAST;
+        FogNearDistance = GLIDE_FOG_NEAR;
+        FadeDistance = GLIDE_FADE_DISTANCE;
+        FarDistance = GLIDE_FAR_DISTANCE;
+    }
+    LightMode = ReadSignedWord();
+    std::printf("LightMode = %d \n", LightMode);
+    PlainBrightening = ReadSignedWord();
+    ReadColour(BrightColour);
+    ReadColour(DarkColour);
+}
+
+float DistanceFade(uint32_t point) {
+    if (GlideActive()) return 1.0f;
+    if (!(FadeDistance > 0.0f)) return 0.0f;
+    float z = WorldGeometry.viewPoints[point].z;
+    if (z > FadeDistance) {
+        z = FadeDistance;
+    } else if (z < NEAREST_FADE) {
+        z = NEAREST_FADE;
+    }
+    return 1.0f - z / FadeDistance;
+}
+
+float LightToIntensity(int8_t raw, float fade) {
+    const float level = (LightBias + static_cast<float>(raw) * LightScale) * fade;
+    if (!(level > 0.0f)) return IntensityTable[0];  // also when it is not a number
+    if (level > BRIGHTEST_LEVEL) return IntensityTable[127];
+    return IntensityTable[static_cast<int32_t>(level)];
+}
+
+// Polygons beyond the table have no light bytes of their own: 0.
+int8_t CornerLightByte(uint32_t entry) {
+    if (entry >= CORNER_LIGHT_POLYGONS * 8) return 0;
+    return WorldGeometry.cornerLightStamps[entry] == FrameCount ? CornerLight[entry] : CornerLightBase[entry];
+}
+
+float PointIntensity(uint32_t point) {
+    if (IntensityCacheStamps[point] != FrameCount) {
+        const bool raised = WorldGeometry.pointLightStamps[point] == FrameCount;
+        const int8_t raw = raised ? WorldGeometry.pointLight[point] : WorldGeometry.pointLightBase[point];
+        IntensityCacheStamps[point] = FrameCount;
+        IntensityCache[point] = LightToIntensity(raw, DistanceFade(point));
+    }
+    return IntensityCache[point];
+}
+
+}  // namespace
+
+void LoadLightMap(const char* path) {
+    ReadStream = OpenGameFile(path, "rb");
+    if (!ReadStream) return;
+    if (!ReadLightBytes()) {
+        CloseReadStream();
+        FatalError(0, "Not a valid light map file", path);
+    }
+    ReadLevelValues();
+    CloseReadStream();
+}
+
+void ApplyLightLevel() {
+    const bool inverted = (LightMode & INVERTED_LIGHT) != 0;
+    LightScale = inverted ? -LightContrast : LightContrast;
+    LightBias = (inverted ? 2.0f - LightLevel : LightLevel) * NEUTRAL_LEVEL;
+}
+
+void ShadePolygon(int32_t polygon) {
+    const PolyRecord& record = WorldGeometry.polygons[polygon];
+    PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
+    const int count = record.cornerCount;
+    if (record.shading == SHADE_CORNER_LIGHT) {
+        const uint32_t firstEntry = static_cast<uint32_t>(polygon) * 8;
+        for (int k = 0; k < count; ++k) {
+            const int8_t raw = CornerLightByte(firstEntry + static_cast<uint32_t>(k));
+            corners[k].intensity = LightToIntensity(raw, DistanceFade(corners[k].point));
+        }
+    } else if (record.shading == SHADE_POINT_LIGHT) {
+        for (int k = 0; k < count; ++k)
+            corners[k].intensity = PointIntensity(corners[k].point);
+    }
+}

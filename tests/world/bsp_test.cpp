@@ -1,0 +1,289 @@
+// The world file: what is loaded, what is refused, what is derived from it.
+#include "world/bsp.h"
+
+#include "memory/files.h"
+#include "platform/timer.h"
+#include "render/render_tables.h"
+#include "support/box_grid.h"
+#include "support/pool_fixture.h"
+#include "support/throwing_fatal.h"
+#include "world/bsp_check.h"
+#include "world/world_tables.h"
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+
+namespace {
+
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+
+// Two leaves on either side of x = 0: a wall with four corners at x = 10, a triangle on the floor at x < 0.
+void PublishTwoLeaves(TinyWorld& world) {
+    const int16_t wall = world.AddLeaf({{{10, 0, 0}, {10, 0, 8}, {10, 6, 8}, {10, 6, 0}}});
+    const int16_t floor = world.AddLeaf({{{0, 0, 0}, {0, 0, -8}, {-8, 0, 0}}});
+    world.AddNode({1, 0, 0, 0}, wall, floor);
+    world.Publish();
+}
+
+using Damage = std::function<void(WorldGeometryTables&)>;
+
+std::vector<uint8_t> TwoLeavesFile(const Damage& damage = [](WorldGeometryTables&) {}) {
+    TinyWorld world;
+    PublishTwoLeaves(world);
+    damage(WorldGeometry);
+    return WorldFileBytes();
+}
+
+class WorldFile : public PoolFixture {
+protected:
+    // The message of the refusal; empty when the file is loaded.
+    std::string Refusal(const std::vector<uint8_t>& bytes) {
+        FreshPool(POOL_BYTES);
+        try {
+            LoadBspWorld(FileOf(bytes));
+        } catch (const FatalThrown& fatal) {
+            EXPECT_EQ(fatal.code, 0);
+            EXPECT_FALSE(fatal.path.empty());
+            EXPECT_EQ(ReadStream, nullptr) << "the file is left open";
+            return fatal.text;
+        }
+        return "";
+    }
+};
+
+TEST_F(WorldFile, IsLoadedRecordForRecord) {
+    TinyWorld world;
+    PublishBoxGrid(world, 6, 100.0f, 1);
+    const GeometryCounts counts = WorldGeometry.file;
+    const std::vector<uint8_t> expected = WorldFileBytes();
+    for (uint32_t i = 0; i < WorldGeometry.leafCount; ++i)
+        WorldGeometry.leaves[i].frameStamp = 1;
+    std::vector<uint8_t> bytes = WorldFileBytes();  // a stamp in the file must not count as drawn
+    bytes.push_back(0xEE);                          // bytes after the last table are nobody's business
+    FrameCount = 77;
+    WorldGeometry = {};
+    LoadBspWorld(FileOf(bytes));
+
+    EXPECT_EQ(WorldFileBytes(), expected);
+    EXPECT_EQ(std::memcmp(&WorldGeometry.file, &counts, sizeof counts), 0);
+    EXPECT_EQ(std::memcmp(&WorldGeometry.used, &counts, sizeof counts), 0);
+    EXPECT_EQ(FrameCount, 1);
+}
+
+TEST_F(WorldFile, LeavesNoStampOrSpareRecordToThePoolsOldContent) {
+    LoadBspWorld(FileOf(TwoLeavesFile()));
+    const uint32_t lastPoint = WorldGeometry.file.points + SPARE_POINTS - 1;
+    const uint32_t lastPolygon = WorldGeometry.file.polygons + SPARE_POLYGONS - 1;
+    EXPECT_EQ(WorldGeometry.viewPoints[lastPoint].transformStamp, 0u);
+    EXPECT_EQ(WorldGeometry.viewPoints[lastPoint].projectionStamp, 0u);
+    EXPECT_EQ(WorldGeometry.pointLightStamps[lastPoint], 0);
+    EXPECT_EQ(WorldGeometry.characterStamps[lastPoint], 0);
+    EXPECT_EQ(WorldGeometry.pointLightBase[lastPoint], 0);
+    EXPECT_EQ(WorldGeometry.cornerLightStamps[8 * 8192 - 1], 0);  // the last that a light slot can name
+    EXPECT_EQ(WorldGeometry.polygons[lastPolygon].flags, 0);
+    EXPECT_EQ(WorldGeometry.polygons[lastPolygon].unused, 0);
+
+    FillStamps(0xFFFF);
+    EXPECT_EQ(WorldGeometry.leaves[1].frameStamp, 0xFFFF);
+    EXPECT_EQ(WorldGeometry.viewPoints[lastPoint].projectionStamp, 0xFFFFu);
+    EXPECT_EQ(WorldGeometry.cornerLightStamps[CornerLightStampCount() - 1], 0xFFFF);
+    EXPECT_EQ(IntensityCacheStamps[INTENSITY_CACHE_SIZE - 1], 0xFFFF);
+    ResetViewCache();
+    EXPECT_EQ(WorldGeometry.viewPoints[WorldGeometry.used.points - 1].projectionStamp, 0u);
+    EXPECT_EQ(WorldGeometry.viewPoints[lastPoint].projectionStamp, 0xFFFFu);
+}
+
+TEST_F(WorldFile, IsRefusedByItsFirstFault) {
+    const std::vector<uint8_t> good = TwoLeavesFile();
+    const auto with = [&](size_t offset, uint8_t value) {
+        std::vector<uint8_t> bytes = good;
+        bytes[offset] = value;
+        return bytes;
+    };
+    EXPECT_EQ(Refusal(good), "");
+    EXPECT_EQ(Refusal(with(3, 'q')), "Not a valid BSP file");
+    EXPECT_EQ(Refusal(with(7, 9)), "Old BSP Version");
+    EXPECT_EQ(Refusal(with(7, 11)), "Old BSP Version");
+    EXPECT_EQ(Refusal({}), "Not a valid BSP file");
+    try {
+        LoadBspWorld("no such folder\\no such world.bgm");
+        FAIL();
+    } catch (const FatalThrown& fatal) {
+        EXPECT_EQ(fatal.text, "No .BSP file found");
+        EXPECT_EQ(fatal.path, "no such folder\\no such world.bgm");
+    }
+}
+
+TEST_F(WorldFile, IsRefusedWhenItEndsEarly) {
+    const std::vector<uint8_t> good = TwoLeavesFile();
+    for (size_t length = 8; length < good.size(); ++length) {
+        const std::vector<uint8_t> cut(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length));
+        ASSERT_EQ(Refusal(cut), "Not a valid BSP file") << "cut to " << length << " bytes";
+    }
+}
+
+TEST_F(WorldFile, IsRefusedWithACountThatItsTablesDoNotHold) {
+    const std::vector<uint8_t> good = TwoLeavesFile();
+    for (size_t count = 8; count < 32; count += 4) {
+        for (const int high : {0x00, 0x01, 0x7F, 0xFF}) {
+            std::vector<uint8_t> bytes = good;
+            bytes[count] = static_cast<uint8_t>(high);
+            bytes[count + 3] = high == 0 ? 200 : bytes[count + 3];
+            ASSERT_EQ(Refusal(bytes), "Not a valid BSP file") << "count at " << count << ", byte " << high;
+        }
+    }
+}
+
+TEST_F(WorldFile, IsRefusedWithAnIndexOrNumberOutOfRange) {
+    struct Case {
+        const char* name;
+        Damage damage;
+    };
+    const Case cases[] = {
+        {"no node", [](WorldGeometryTables& w) { w.nodeCount = 0; }},
+        {"front child is no node", [](WorldGeometryTables& w) { w.nodes[0].frontChild = 1; }},
+        {"back child is no leaf", [](WorldGeometryTables& w) { w.nodes[0].backChild = ~2; }},
+        {"node plane", [](WorldGeometryTables& w) { w.nodes[0].plane = 3; }},
+        {"leaf's first polygon", [](WorldGeometryTables& w) { w.leaves[1].firstPolygon = 2; }},
+        {"leaf's polygon count", [](WorldGeometryTables& w) { w.leaves[0].polygonCount = 3; }},
+        {"two corners", [](WorldGeometryTables& w) { w.polygons[0].cornerCount = 2; }},
+        {"thirteen corners",
+         [](WorldGeometryTables& w) {
+             w.polygons[0].cornerCount = 13;
+             w.file.polyVertices = 20;
+         }},
+        {"polygon's first vertex", [](WorldGeometryTables& w) { w.polygons[1].firstVertex = 5; }},
+        {"polygon plane", [](WorldGeometryTables& w) { w.polygons[1].plane = 3; }},
+        {"vertex point", [](WorldGeometryTables& w) { w.polyVertices[2].point = w.file.points; }},
+        {"huge vertex point", [](WorldGeometryTables& w) { w.polyVertices[2].point = 0xFFFFFFFF; }},
+        {"u", [](WorldGeometryTables& w) { w.polyVertices[2].u = NOT_A_NUMBER; }},
+        {"intensity", [](WorldGeometryTables& w) { w.polyVertices[2].intensity = NOT_A_NUMBER; }},
+        {"position", [](WorldGeometryTables& w) { w.points[1].position.y = std::numeric_limits<float>::infinity(); }},
+        {"plane normal", [](WorldGeometryTables& w) { w.planes[0].ny = NOT_A_NUMBER; }},
+        {"plane distance", [](WorldGeometryTables& w) { w.planes[2].d = NOT_A_NUMBER; }},
+        {"root is its own child", [](WorldGeometryTables& w) { w.nodes[0].backChild = 0; }},
+    };
+    for (const Case& row : cases) {
+        EXPECT_EQ(Refusal(TwoLeavesFile(row.damage)), "Not a valid BSP file") << row.name;
+    }
+    for (const size_t offset : {6u, 10u, 14u, 30u, 34u, 38u}) {  // centre and half extents of the root
+        std::vector<uint8_t> bytes = TwoLeavesFile();
+        std::memcpy(&bytes[32 + offset], &NOT_A_NUMBER, 4);
+        EXPECT_EQ(Refusal(bytes), "Not a valid BSP file") << "box of the root, offset " << offset;
+        bytes = TwoLeavesFile();
+        std::memcpy(&bytes[32 + 42 + offset + 2], &NOT_A_NUMBER, 4);
+        EXPECT_EQ(Refusal(bytes), "Not a valid BSP file") << "box of a leaf, offset " << offset;
+    }
+}
+
+TEST_F(WorldFile, HoldsATreeOfLimitedDepth) {
+    const auto chain = [](int depth, const Damage& damage) {
+        TinyWorld world;
+        const int16_t leaf = world.AddLeaf({});
+        int16_t child = leaf;
+        for (int i = 0; i < depth; ++i)
+            child = world.AddNode({1, 0, 0, 0}, child, leaf);
+        world.Publish();
+        damage(WorldGeometry);
+        return WorldFileBytes();
+    };
+    const Damage none = [](WorldGeometryTables&) {};
+    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH, none)), "");
+    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH + 1, none)), "Not a valid BSP file");
+    EXPECT_EQ(Refusal(chain(3, [](auto& w) { w.nodes[0].frontChild = 2; })), "") << "node 1 is not reached";
+    EXPECT_EQ(Refusal(chain(3, [](auto& w) { w.nodes[0].backChild = 2; })), "Not a valid BSP file") << "two parents";
+    EXPECT_EQ(Refusal(chain(3, [](auto& w) { w.nodes[2].backChild = 1; })), "Not a valid BSP file") << "a cycle";
+}
+
+TEST_F(WorldFile, ThatExceedsThePoolSaysSo) {
+    FreshPool(1 << 20);
+    try {
+        LoadBspWorld(FileOf(TwoLeavesFile()));
+        FAIL();
+    } catch (const FatalThrown& fatal) {
+        EXPECT_EQ(fatal.text, "Not enough memory for the BSP file");
+    }
+}
+
+TEST(WorldCounts, LeaveRoomForTheSpareRecordsInEveryIndex) {
+    struct Case {
+        uint32_t nodes, leaves;
+        GeometryCounts file;
+        bool valid;
+    };
+    const Case cases[] = {
+        {32768, 16384, {62536, 29767, 56536, 56536}, true},
+        {0, 1, {}, false},
+        {32769, 1, {}, false},
+        {1, 0, {}, false},
+        {1, 16385, {}, false},
+        {1, 1, {62537, 0, 0, 0}, false},
+        {1, 1, {0, 29768, 0, 0}, false},
+        {1, 1, {0, 0, 56537, 0}, false},
+        {1, 1, {0, 0, 0, 56537}, false},
+    };
+    for (const Case& row : cases) {
+        WorldGeometry.nodeCount = row.nodes;
+        WorldGeometry.leafCount = row.leaves;
+        WorldGeometry.file = row.file;
+        EXPECT_EQ(BspCountsAreValid(), row.valid) << "row " << &row - cases;
+    }
+    WorldGeometry.nodeCount = 0xFFFFFFFF;
+    WorldGeometry.file.points = 0xFFFFFFFF;
+    EXPECT_GT(BspTableBytes(), uint64_t{0xFFFFFFFF} * 60) << "sizes are counted in 64 bits";
+}
+
+TEST(PolyFrames, AreTheRotationOfTheInvertedNormal) {
+    struct Case {
+        PlaneRecord plane;
+        PolyFrame expected;
+    };
+    const Case cases[] = {
+        {{0, -1, 0, 0}, {0, 0, 1, 1, 1}},   // floor: the plane points down into the ground
+        {{0, 1, 0, 0}, {0, 0, -1, 1, -1}},  // ceiling
+        {{-1, 0, 0, 0}, {-1, 1, 0, 0, 0}},  // wall seen from +x
+        {{0, 0, 0.5f, 0}, {-1, 0, 0, -1, 0}},
+        {{-0.6f, -0.8f, 0, 0}, {-0.6f, 1, 0.8f, 0, 0.8f}},
+        {{0.00005f, -1, 0, 0}, {-0.00005f, 0, 1, 1, 1}},  // nearly vertical: no yaw
+        {{0, 0, 0, 0}, {0, 0, 0, 1, 0}},                  // degenerate, but never not a number
+    };
+    for (const Case& row : cases) {
+        TinyWorld world;
+        PublishTwoLeaves(world);
+        WorldGeometry.planes[WorldGeometry.polygons[0].plane] = row.plane;
+        ComputePolyFrames();
+        const PolyFrame& frame = WorldGeometry.polyFrames[0];
+        EXPECT_NEAR(frame.pitchCos, row.expected.pitchCos, 1e-6) << "row " << &row - cases;
+        EXPECT_NEAR(frame.yawSin, row.expected.yawSin, 1e-6) << "row " << &row - cases;
+        EXPECT_NEAR(frame.pitchSin, row.expected.pitchSin, 1e-6) << "row " << &row - cases;
+        EXPECT_NEAR(frame.yawCos, row.expected.yawCos, 1e-6) << "row " << &row - cases;
+        EXPECT_FLOAT_EQ(frame.y, row.expected.y) << "row " << &row - cases;
+    }
+}
+
+TEST(NodeRadii, ReachTheFarthestCornerFromTheBoxCentreOfEachNodeItself) {
+    TinyWorld world;
+    const int16_t wall = world.AddLeaf({{{10, 0, 0}, {10, 0, 8}, {10, 6, 8}, {10, 6, 0}}});
+    const int16_t floor = world.AddLeaf({{{0, 0, 0}, {0, 0, -8}, {-8, 0, 0}}});
+    const int16_t lower = world.AddNode({1, 0, 0, 0}, world.AddLeaf({}), floor);
+    world.AddNode({1, 0, 0, 0}, wall, lower);
+    world.Publish();
+    WorldGeometry.nodes[0].centre = {0, 0, 0};
+    WorldGeometry.nodes[1].centre = {-8, 0, 3};
+    WorldGeometry.leaves[0].centre = {10, 3, 4};
+    WorldGeometry.leaves[2].radius = 99;
+    ScreenAspect = 1.5f;
+    GenerateNodeRadii();
+    ScreenAspect = 1.0f;
+
+    EXPECT_FLOAT_EQ(WorldGeometry.nodes[0].radius, std::sqrt(200.0f));  // grandchildren count
+    EXPECT_FLOAT_EQ(WorldGeometry.nodes[1].radius, std::sqrt(64.0f + 121.0f));
+    EXPECT_FLOAT_EQ(WorldGeometry.leaves[0].radius, 5.0f);
+    EXPECT_FLOAT_EQ(WorldGeometry.leaves[0].radiusRoot2, 5.0f * 1.414213562f);
+    EXPECT_FLOAT_EQ(WorldGeometry.leaves[0].radiusAspect, 7.5f * 1.414213562f);
+    EXPECT_EQ(WorldGeometry.leaves[2].radius, 0.0f);
+}
+
+}  // namespace
