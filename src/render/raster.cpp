@@ -13,6 +13,8 @@ EdgeRow EdgeTable[EDGE_TABLE_ROWS];
 int32_t FirstRow, EndRow;
 float ReciprocalTable[RECIPROCAL_COUNT];
 
+bool UseAvx2Spans = HasAvx2();
+
 namespace {
 
 constexpr int MAX_CORNERS = 255;
@@ -55,14 +57,30 @@ void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*
     }
 }
 
+void FillRows(const SpanTexture& texture, TexelZero texelZero) {
+#ifdef __x86_64__
+    if (UseAvx2Spans) return FillRowsAvx2(texture, texelZero);
+#endif
+    FillRowsPortable(texture, texelZero);
+}
+
 void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
     const TextureRecord* texture = PolygonTexture(*polygon);
     if (texture == nullptr || FrameBuffer == nullptr || !BuildEdgeTable(polygon)) return;
     const uint32_t mask = (texture->height - 1u) * TEXTURE_PAGE_PITCH + (texture->width - 1u);
-    FillRowsPortable({TextureImage + texture->texelOffset, mask}, texelZero);
+    FillRows({TextureImage + texture->texelOffset, mask}, texelZero);
 }
 
 }  // namespace
+
+bool HasAvx2() {
+#ifdef __x86_64__
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2");
+#else
+    return false;
+#endif
+}
 
 void BuildReciprocalTable() {
     ReciprocalTable[0] = 1.0f;

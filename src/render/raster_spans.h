@@ -37,3 +37,12 @@ inline int32_t CeilFixed(int32_t fixed) {
 }
 
 void FillRowsPortable(const SpanTexture& texture, TexelZero texelZero);
+
+// One row of the edge table, also where its span leaves the frame at the sides.
+void FillRow(int32_t y, const SpanTexture& texture, TexelZero texelZero);
+
+// For processors with AVX2 only.
+void FillRowsAvx2(const SpanTexture& texture, TexelZero texelZero);
+
+bool HasAvx2();            // of this processor
+extern bool UseAvx2Spans;  // HasAvx2() unless a test or benchmark changes it

@@ -121,7 +121,7 @@ void DrawLongSpan(Run& run, int32_t count, const EdgeRow& row, EdgeHalf position
 }
 
 template <TexelZero ZERO>
-void FillRow(int32_t y, const SpanTexture& texture) {
+void FillTexturedRow(int32_t y, const SpanTexture& texture) {
     const EdgeRow& row = EdgeTable[y];
     const int32_t begin = CeilFixed(row.left.x);
     const int32_t end = CeilFixed(row.right.x);
@@ -140,7 +140,7 @@ void FillRow(int32_t y, const SpanTexture& texture) {
 template <TexelZero ZERO>
 void FillRows(const SpanTexture& texture) {
     for (int32_t y = FirstRow; y < EndRow; y++)
-        FillRow<ZERO>(y, texture);
+        FillTexturedRow<ZERO>(y, texture);
 }
 
 }  // namespace
@@ -150,4 +150,11 @@ void FillRowsPortable(const SpanTexture& texture, TexelZero texelZero) {
         FillRows<TexelZero::Drawn>(texture);
     else
         FillRows<TexelZero::Skipped>(texture);
+}
+
+void FillRow(int32_t y, const SpanTexture& texture, TexelZero texelZero) {
+    if (texelZero == TexelZero::Drawn)
+        FillTexturedRow<TexelZero::Drawn>(y, texture);
+    else
+        FillTexturedRow<TexelZero::Skipped>(y, texture);
 }
