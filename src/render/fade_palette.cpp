@@ -15,23 +15,24 @@ struct Colour {
     double channel[3];  // red, green, blue, 0..63
 };
 
-Colour PaletteColour(int index) {
-    const uint8_t* rgb = TextureImage + TEXTURE_PALETTE_OFFSET + index * 3;
-    return {{static_cast<double>(rgb[0]), static_cast<double>(rgb[1]), static_cast<double>(rgb[2])}};
-}
+Colour Palette[256];  // of the texture file
 
-double Square(double value) {
-    return value * value;
+void ReadPalette() {
+    const uint8_t* rgb = TextureImage + TEXTURE_PALETTE_OFFSET;
+    for (Colour& colour : Palette) {
+        for (double& channel : colour.channel)
+            channel = *rgb++;
+    }
 }
 
 uint8_t NearestColour(const Colour& target) {
     int best = WORST_MATCH;
     int bestIndex = 0;
     for (int i = 0; i < 256; i++) {
-        const Colour colour = PaletteColour(i);
-        const double distance = Square(0.8 * (colour.channel[0] - target.channel[0])) +
-                                Square(1.2 * (colour.channel[1] - target.channel[1])) +
-                                Square(1.1 * (colour.channel[2] - target.channel[2]));
+        const double red = 0.8 * (Palette[i].channel[0] - target.channel[0]);
+        const double green = 1.2 * (Palette[i].channel[1] - target.channel[1]);
+        const double blue = 1.1 * (Palette[i].channel[2] - target.channel[2]);
+        const double distance = red * red + green * green + blue * blue;
         if (distance == 0) return static_cast<uint8_t>(i);
         // Kept as an integer on purpose: a later colour has to beat the truncated distance.
         if (distance < best) {
@@ -51,12 +52,12 @@ uint8_t FadeTowards(Colour colour, const int16_t target[3], double weight, doubl
 }
 
 uint8_t FadeDark(double fraction, int index) {
-    return FadeTowards(PaletteColour(index), DarkColour, 1.0, fraction);
+    return FadeTowards(Palette[index], DarkColour, 1.0, fraction);
 }
 
 // Unless the level asks for plain brightening, bright colours move further than dark ones.
 uint8_t FadeBright(double fraction, int index) {
-    const Colour colour = PaletteColour(index);
+    const Colour& colour = Palette[index];
     const double brightness = (colour.channel[0] + colour.channel[1] + colour.channel[2]) / FULL_BRIGHTNESS;
     return FadeTowards(colour, BrightColour, PlainBrightening == 0 ? brightness : 1.0, fraction);
 }
@@ -66,6 +67,7 @@ uint8_t FadeBright(double fraction, int index) {
 void BuildFadePalette() {
     std::printf("Generating fade palette...\n");
     std::fill_n(TextureImage + TEXTURE_PALETTE_OFFSET, 3, uint8_t{0});
+    ReadPalette();
     for (int step = 0; step < FADE_STEPS; step++) {
         const double fraction = step / static_cast<double>(FADE_STEPS);
         for (int i = 0; i < 256; i++) {

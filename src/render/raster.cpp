@@ -57,18 +57,18 @@ void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*
     }
 }
 
-void FillRows(const SpanTexture& texture, TexelZero texelZero) {
+void FillRows(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero) {
 #ifdef __x86_64__
-    if (UseAvx2Spans) return FillRowsAvx2(texture, texelZero);
+    if (UseAvx2Spans) return FillRowsAvx2(rows, texture, texelZero);
 #endif
-    FillRowsPortable(texture, texelZero);
+    FillRowsPortable(rows, texture, texelZero);
 }
 
 void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
     const TextureRecord* texture = PolygonTexture(*polygon);
     if (texture == nullptr || FrameBuffer == nullptr || !BuildEdgeTable(polygon)) return;
     const uint32_t mask = (texture->height - 1u) * TEXTURE_PAGE_PITCH + (texture->width - 1u);
-    FillRows({TextureImage + texture->texelOffset, mask}, texelZero);
+    FillRows({EdgeTable, FirstRow, EndRow}, {TextureImage + texture->texelOffset, mask}, texelZero);
 }
 
 }  // namespace

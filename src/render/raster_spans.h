@@ -25,6 +25,11 @@ extern float ReciprocalTable[RECIPROCAL_COUNT];  // entry 0 is 1, entry i is 1 /
 
 constexpr int32_t SPAN_BLOCK = 16;  // pixels between two exact texture positions; longer spans than this are in blocks
 
+struct EdgeRows {
+    const EdgeRow* table;  // by screen row
+    int32_t first, end;    // rows of the frame
+};
+
 struct SpanTexture {
     const uint8_t* texels;  // first texel; rows are TEXTURE_PAGE_PITCH apart
     uint32_t mask;          // of row x 256 + column
@@ -36,13 +41,8 @@ inline int32_t CeilFixed(int32_t fixed) {
     return static_cast<int32_t>((int64_t{fixed} + 0xFFFF) >> 16);
 }
 
-void FillRowsPortable(const SpanTexture& texture, TexelZero texelZero);
-
-// One row of the edge table, also where its span leaves the frame at the sides.
-void FillRow(int32_t y, const SpanTexture& texture, TexelZero texelZero);
-
-// For processors with AVX2 only.
-void FillRowsAvx2(const SpanTexture& texture, TexelZero texelZero);
+void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero);
+void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero);  // needs HasAvx2()
 
 bool HasAvx2();            // of this processor
 extern bool UseAvx2Spans;  // HasAvx2() unless a test or benchmark changes it

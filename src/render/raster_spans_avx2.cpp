@@ -20,10 +20,6 @@ struct Block {
     __m128i texels;
 };
 
-AVX2_CODE inline __m128 Broadcast(__m128 vector) {
-    return _mm_permute_ps(vector, 0);
-}
-
 AVX2_CODE inline __m128 Depth(__m128 overDepth) {
     const __m128 depths = _mm_div_ps(_mm_set1_ps(1.0f), overDepth);
     return _mm_permute_ps(depths, 0xFF);
@@ -45,14 +41,19 @@ AVX2_CODE inline Block ShadeBlock(Values value, Values step, const SpanTexture& 
     const __m256i column = _mm256_srli_epi16(AtPixels<0>(value, step), 8);
     const __m256i line = _mm256_and_si256(AtPixels<4>(value, step), highByte);
     const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(texture.mask));
-    alignas(32) uint16_t offsets[SPAN_BLOCK];
+    const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
     alignas(32) uint16_t shades[SPAN_BLOCK];
-    _mm256_store_si256(reinterpret_cast<__m256i*>(offsets), _mm256_and_si256(_mm256_or_si256(line, column), mask));
     _mm256_store_si256(reinterpret_cast<__m256i*>(shades), _mm256_and_si256(AtPixels<8>(value, step), highByte));
+    asm("" : "+m"(shades));
     alignas(16) uint8_t colours[SPAN_BLOCK];
     alignas(16) uint8_t texels[SPAN_BLOCK];
+    uint64_t words[4] = {static_cast<uint64_t>(_mm256_extract_epi64(offsets, 0)),
+                         static_cast<uint64_t>(_mm256_extract_epi64(offsets, 1)),
+                         static_cast<uint64_t>(_mm256_extract_epi64(offsets, 2)),
+                         static_cast<uint64_t>(_mm256_extract_epi64(offsets, 3))};
+#pragma GCC unroll 16
     for (int i = 0; i < SPAN_BLOCK; i++) {
-        const uint8_t texel = texture.texels[offsets[i]];
+        const uint8_t texel = texture.texels[words[i / 4] >> (i % 4 * 16) & 0xFFFF];
         colours[i] = ShadeTable[shades[i] | texel];
         if (ZERO == TexelZero::Skipped) texels[i] = texel;
     }
@@ -145,15 +146,15 @@ AVX2_CODE inline void DrawLongSpan(uint8_t* pixels, int32_t count, __m128 positi
 }
 
 template <TexelZero ZERO>
-AVX2_CODE void FillRows(const SpanTexture& texture) {
-    for (int32_t y = FirstRow; y < EndRow; y++) {
-        const EdgeRow& row = EdgeTable[y];
+AVX2_CODE void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
+    for (int32_t y = rows.first; y < rows.end; y++) {
+        const EdgeRow& row = rows.table[y];
         const int32_t begin = CeilFixed(row.left.x);
         const int32_t end = CeilFixed(row.right.x);
         const int32_t count = end - begin;
         if (count <= 0) continue;
         if (begin < 0 || end > ScreenWidth) {
-            FillRow(y, texture, ZERO);
+            FillRowsPortable({rows.table, y, y + 1}, texture, ZERO);
             continue;
         }
         const float perPixel = ReciprocalTable[count];
@@ -172,11 +173,11 @@ AVX2_CODE void FillRows(const SpanTexture& texture) {
 
 }  // namespace
 
-void FillRowsAvx2(const SpanTexture& texture, TexelZero texelZero) {
+void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero) {
     if (texelZero == TexelZero::Drawn)
-        FillRows<TexelZero::Drawn>(texture);
+        FillRows<TexelZero::Drawn>(rows, texture);
     else
-        FillRows<TexelZero::Skipped>(texture);
+        FillRows<TexelZero::Skipped>(rows, texture);
 }
 
 #endif

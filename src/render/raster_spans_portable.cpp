@@ -121,8 +121,7 @@ void DrawLongSpan(Run& run, int32_t count, const EdgeRow& row, EdgeHalf position
 }
 
 template <TexelZero ZERO>
-void FillTexturedRow(int32_t y, const SpanTexture& texture) {
-    const EdgeRow& row = EdgeTable[y];
+void FillRow(const EdgeRow& row, uint8_t* pixels, const SpanTexture& texture) {
     const int32_t begin = CeilFixed(row.left.x);
     const int32_t end = CeilFixed(row.right.x);
     const int32_t count = end - begin;
@@ -130,7 +129,7 @@ void FillTexturedRow(int32_t y, const SpanTexture& texture) {
     const float preStep = static_cast<float>(int64_t{begin} * 65536 - row.left.x) / 65536;
     const EdgeHalf start = SpanStart(row, preStep * ReciprocalTable[count]);
     const bool clips = begin < 0 || end > ScreenWidth;
-    Run run = {FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch, begin, {}, {}};
+    Run run = {pixels, begin, {}, {}};
     if (count < SPAN_BLOCK)
         DrawShortSpan<ZERO>(run, count, row, start, texture, clips);
     else
@@ -138,23 +137,16 @@ void FillTexturedRow(int32_t y, const SpanTexture& texture) {
 }
 
 template <TexelZero ZERO>
-void FillRows(const SpanTexture& texture) {
-    for (int32_t y = FirstRow; y < EndRow; y++)
-        FillTexturedRow<ZERO>(y, texture);
+void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
+    for (int32_t y = rows.first; y < rows.end; y++)
+        FillRow<ZERO>(rows.table[y], FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch, texture);
 }
 
 }  // namespace
 
-void FillRowsPortable(const SpanTexture& texture, TexelZero texelZero) {
+void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero) {
     if (texelZero == TexelZero::Drawn)
-        FillRows<TexelZero::Drawn>(texture);
+        FillRows<TexelZero::Drawn>(rows, texture);
     else
-        FillRows<TexelZero::Skipped>(texture);
-}
-
-void FillRow(int32_t y, const SpanTexture& texture, TexelZero texelZero) {
-    if (texelZero == TexelZero::Drawn)
-        FillTexturedRow<TexelZero::Drawn>(y, texture);
-    else
-        FillTexturedRow<TexelZero::Skipped>(y, texture);
+        FillRows<TexelZero::Skipped>(rows, texture);
 }

@@ -110,14 +110,14 @@ INSTANTIATE_TEST_SUITE_P(Spans, Raster, testing::Bool(),
                          [](const auto& tested) { return tested.param ? "Avx2" : "Portable"; });
 
 TEST_P(Raster, DrawsPolygonsOfEverySizeAsTheModelDoes) {
-    for (int i = 0; i < 600 && !HasFatalFailure(); i++) {
+    for (int i = 0; i < 250 && !HasFatalFailure(); i++) {
         const double radius = std::exp(Uniform(0, 6));
         ExpectLikeModel(Round(Uniform(-20, 220), Uniform(-20, 80), radius, 3 + i % 14), Texture(), i % 2 == 0);
     }
 }
 
 TEST_P(Raster, SurvivesAnyInputAsTheModelDoes) {
-    for (int i = 0; i < 600 && !HasFatalFailure(); i++) {
+    for (int i = 0; i < 250 && !HasFatalFailure(); i++) {
         std::vector<ScreenCorner> corners(random() % 17);
         const double spread = i % 3 == 0 ? 32767 : 400;
         for (ScreenCorner& corner : corners) {

@@ -1,0 +1,65 @@
+#include "rounds.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <utility>
+
+namespace {
+
+constexpr double SAMPLE_SECONDS = 0.004;
+
+// Of this thread, so that other programs cost only what they push out of the caches.
+double ThreadSeconds() {
+    timespec now;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+double Seconds(const std::function<void()>& work, int repeats) {
+    const double start = ThreadSeconds();
+    for (int i = 0; i < repeats; i++)
+        work();
+    return ThreadSeconds() - start;
+}
+
+double Quantile(std::vector<double> samples, double part) {
+    const auto at = samples.begin() + static_cast<ptrdiff_t>(part * static_cast<double>(samples.size() - 1));
+    std::nth_element(samples.begin(), at, samples.end());
+    return *at;
+}
+
+}  // namespace
+
+size_t Rounds::Add(std::string name, double units, std::function<void()> work) {
+    int repeats = 1;
+    while (Seconds(work, repeats) < SAMPLE_SECONDS / 2)
+        repeats *= 2;
+    works.push_back({std::move(name), units, std::move(work), repeats, {}});
+    return works.size() - 1;
+}
+
+void Rounds::Run(int rounds) {
+    for (int i = 0; i < rounds; i++) {
+        for (Work& work : works)
+            work.samples.push_back(Seconds(work.run, work.repeats) * 1e9 / (work.units * work.repeats));
+    }
+}
+
+double Rounds::Median(size_t work) const {
+    return Quantile(works[work].samples, 0.5);
+}
+
+double Rounds::Spread(size_t work) const {
+    return (Quantile(works[work].samples, 0.75) - Quantile(works[work].samples, 0.25)) / Median(work);
+}
+
+void Rounds::Print(size_t work) const {
+    std::printf("%-44s %8.3f ns  spread %4.1f %%\n", Name(work).c_str(), Median(work), 100 * Spread(work));
+}
+
+void Rounds::PrintAgainst(size_t work, size_t floor, double target) const {
+    const double ratio = Median(work) / Median(floor);
+    std::printf("%-44s %8.3f ns  spread %4.1f %%  %5.2f x %s (target %.2f%s)\n", Name(work).c_str(), Median(work),
+                100 * Spread(work), ratio, Name(floor).c_str(), target, ratio <= target ? "" : ", MISSED");
+}

@@ -1,0 +1,34 @@
+// Timing of several pieces of work against each other: in interleaved rounds, so that a change of the machine's
+// speed reaches all of them, and by medians.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+class Rounds {
+public:
+    // Work that treats `units` things (pixels, bytes, polygons) a call; returns its number.
+    size_t Add(std::string name, double units, std::function<void()> work);
+
+    void Run(int rounds);
+
+    double Median(size_t work) const;  // nanoseconds a unit
+    double Spread(size_t work) const;  // of the middle half of the rounds, as a part of the median
+    const std::string& Name(size_t work) const { return works[work].name; }
+
+    // One line: nanoseconds, spread, and how many times the floor's time it takes.
+    void Print(size_t work) const;
+    void PrintAgainst(size_t work, size_t floor, double target) const;
+
+private:
+    struct Work {
+        std::string name;
+        double units;
+        std::function<void()> run;
+        int repeats;
+        std::vector<double> samples;
+    };
+    std::vector<Work> works;
+};

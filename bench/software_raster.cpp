@@ -1,0 +1,221 @@
+// The software rasteriser against the least work a textured, shaded pixel can take.
+
+#include "render/raster.h"
+#include "render/raster_spans.h"
+#include "render/render_tables.h"
+#include "render/scene.h"
+#include "render/screen.h"
+#include "rounds.h"
+#include "world/world_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+
+namespace {
+
+constexpr int WIDTH = 320, HEIGHT = 240;
+constexpr uint32_t U_STEP = 190, V_STEP = 40, LIGHT_STEP = 24;
+constexpr uint32_t MASK = 63 * 256 + 63;
+
+// One texel load, one shade load and one store a pixel, at fixed steps.
+[[gnu::noinline]] void FloorSpan(uint8_t* pixels, int count, const uint8_t* texels, uint32_t u, uint32_t v,
+                                 uint32_t light) {
+    const uint8_t* const shade = ShadeTable;
+    for (; count > 0; count -= 8, pixels += 8) {
+#pragma GCC unroll 8
+        for (int i = 0; i < 8; i++) {
+            pixels[i] = shade[(light & 0xff00) | texels[((v & 0xff00) | ((u >> 8) & 0xff)) & MASK]];
+            u += U_STEP;
+            v += V_STEP;
+            light += LIGHT_STEP;
+        }
+    }
+}
+
+void FloorFrame(int span) {
+    const uint8_t* texels = TextureImage + TextureRecords()[0].texelOffset;
+    for (int y = 0; y < HEIGHT; y++) {
+        for (int x = 0; x < WIDTH; x += span) {
+            const uint32_t start = static_cast<uint32_t>(y * 77 + x);
+            FloorSpan(FrameBuffer + y * WIDTH + x, span, texels, start * 5, start * 3, start & 0x1fff);
+        }
+    }
+}
+
+void SetCorner(uint32_t index, double x, double y, float depth) {
+    ViewPoint& point = WorldGeometry.viewPoints[WorldGeometry.polyVertices[index].point];
+    point.screen.fixed.x = static_cast<int32_t>(std::lround(x * 65536));
+    point.screen.fixed.y = static_cast<int32_t>(std::lround(y * 65536));
+    point.inverseDepth = 1 / depth;
+}
+
+Corner TextureCorner(double x, double y) {
+    return {0,
+            0,
+            1,
+            static_cast<float>(x * U_STEP),
+            static_cast<float>(x * V_STEP + y * 77),
+            static_cast<float>(2000 + x * LIGHT_STEP)};
+}
+
+// A slanted strip as high as the frame: HEIGHT spans of `width` pixels.
+int32_t AddStrip(double width) {
+    const double slant = width > 300 ? 0 : 10.3;
+    const uint32_t first = WorldGeometry.used.polyVertices;
+    const int32_t polygon = AddPolygon(
+        {TextureCorner(0, 0), TextureCorner(0, HEIGHT), TextureCorner(width, HEIGHT), TextureCorner(width, 0)});
+    SetCorner(first, 0, 0, 100);
+    SetCorner(first + 1, slant, HEIGHT, 110);
+    SetCorner(first + 2, slant + width, HEIGHT, 130);
+    SetCorner(first + 3, width, 0, 105);
+    return polygon;
+}
+
+const SpanTexture& StripTexture() {
+    static const SpanTexture texture = {TextureImage + TextureRecords()[0].texelOffset, MASK};
+    return texture;
+}
+
+void FillActiveRows(const EdgeRows& rows, TexelZero texelZero) {
+    if (UseAvx2Spans)
+        FillRowsAvx2(rows, StripTexture(), texelZero);
+    else
+        FillRowsPortable(rows, StripTexture(), texelZero);
+}
+
+size_t AddSpans(Rounds& rounds, int width, TexelZero texelZero) {
+    const int32_t polygon = AddStrip(width);
+    BuildEdgeTable(&WorldGeometry.polygons[polygon]);
+    const std::vector<EdgeRow> rows(EdgeTable, EdgeTable + HEIGHT);
+    const std::string kind = texelZero == TexelZero::Drawn ? "opaque" : "transparent";
+    return rounds.Add("spans of " + std::to_string(width) + ", " + kind, width * HEIGHT, [rows, texelZero] {
+        FillActiveRows({rows.data(), 0, HEIGHT}, texelZero);
+    });
+}
+
+// Polygons as they reach the rasteriser in a busy view: three to seven corners, many small, some large.
+struct DrawnPolygon {
+    int32_t number;
+    std::vector<EdgeRow> rows;
+    int32_t firstRow;
+};
+
+std::vector<DrawnPolygon> MakePolygons() {
+    std::mt19937 random(3);
+    const auto uniform = [&](double low, double high) { return std::uniform_real_distribution(low, high)(random); };
+    std::vector<DrawnPolygon> polygons;
+    while (polygons.size() < 300) {
+        const double radiusX = std::exp(uniform(1.5, 4.4));
+        const double radiusY = std::exp(uniform(1.5, 4.2));
+        const double x = uniform(radiusX, WIDTH - radiusX);
+        const double y = uniform(radiusY, HEIGHT - radiusY);
+        const int corners = 3 + static_cast<int>(random() % 5);
+        const double turn = uniform(0, 6.28);
+        const uint32_t first = WorldGeometry.used.polyVertices;
+        std::vector<Corner> shape;
+        for (int i = 0; i < corners; i++) {
+            const double angle = turn - 6.2831853 * i / corners;
+            shape.push_back(TextureCorner(radiusX * std::cos(angle), radiusY * std::sin(angle)));
+        }
+        const int32_t number = AddPolygon(shape);
+        for (int i = 0; i < corners; i++) {
+            const double angle = turn - 6.2831853 * i / corners;
+            SetCorner(first + static_cast<uint32_t>(i), x + radiusX * std::cos(angle), y + radiusY * std::sin(angle),
+                      static_cast<float>(uniform(100, 140)));
+        }
+        if (!BuildEdgeTable(&WorldGeometry.polygons[number])) continue;
+        polygons.push_back({number, {EdgeTable + FirstRow, EdgeTable + EndRow}, FirstRow});
+    }
+    return polygons;
+}
+
+struct PolygonWork {
+    size_t polygons, spans;
+};
+
+PolygonWork AddPolygons(Rounds& rounds, const std::vector<DrawnPolygon>& polygons) {
+    double pixels = 0, spans = 0;
+    for (const DrawnPolygon& polygon : polygons) {
+        for (const EdgeRow& row : polygon.rows) {
+            pixels += std::max(0, CeilFixed(row.right.x) - CeilFixed(row.left.x));
+            spans++;
+        }
+    }
+    std::printf("%zu polygons, %.0f spans of %.1f pixels\n", polygons.size(), spans, pixels / spans);
+    PolygonWork work;
+    work.polygons = rounds.Add("polygons", pixels, [&polygons] {
+        for (const DrawnPolygon& polygon : polygons)
+            RasterPolygon(&WorldGeometry.polygons[polygon.number]);
+    });
+    work.spans = rounds.Add("their spans", pixels, [&polygons] {
+        for (const DrawnPolygon& polygon : polygons) {
+            const int32_t end = polygon.firstRow + static_cast<int32_t>(polygon.rows.size());
+            FillActiveRows({polygon.rows.data() - polygon.firstRow, polygon.firstRow, end}, TexelZero::Drawn);
+        }
+    });
+    return work;
+}
+
+void MakeScene() {
+    MakeFrame(WIDTH, HEIGHT, WIDTH);
+    MakeWorld(2000);
+    WorldGeometry.fixed.polyVertices = WorldGeometry.fixed.points = 20000;
+    LoadTextures(MakeTextureFile({{0, 0, 0, 64, 64}}, 1));
+    for (size_t i = 0; i < sizeof ShadeTable; i++)
+        ShadeTable[i] = static_cast<uint8_t>(i * 2654435761u >> 13);
+    BuildReciprocalTable();
+}
+
+struct SpanTarget {
+    int width;
+    double opaque;  // times the floor
+    bool byBlocks;  // against the floor in blocks of 16, else in whole rows
+};
+// 8 pixels: 2.4 ns where the floor takes 0.58.
+constexpr SpanTarget TARGETS[] = {
+    {8, 2.4 / 0.58, false}, {16, 2.1, true}, {40, 1.9, false}, {160, 1.8, false}, {320, 1.8, false}};
+constexpr double TRANSPARENT_TARGET = 1.4;
+constexpr double POLYGON_TARGET = 1.3;
+constexpr double CLEAR_TARGET = 1.5;
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    const int roundCount = argumentCount > 1 ? std::atoi(arguments[1]) : 15;
+    MakeScene();
+    for (const bool avx2 : {true, false}) {
+        if (avx2 && !HasAvx2()) continue;
+        UseAvx2Spans = avx2;
+        std::printf("\n%s, times a pixel\n", avx2 ? "AVX2" : "Portable");
+        MakeWorld(2000);
+        const std::vector<DrawnPolygon> polygons = MakePolygons();
+        Rounds rounds;
+        const size_t rowFloor = rounds.Add("floor, rows", WIDTH * HEIGHT, [] { FloorFrame(WIDTH); });
+        const size_t blockFloor = rounds.Add("floor, blocks of 16", WIDTH * HEIGHT, [] { FloorFrame(16); });
+        std::vector<size_t> opaque, transparent;
+        for (const SpanTarget& target : TARGETS) {
+            opaque.push_back(AddSpans(rounds, target.width, TexelZero::Drawn));
+            transparent.push_back(AddSpans(rounds, target.width, TexelZero::Skipped));
+        }
+        const PolygonWork work = AddPolygons(rounds, polygons);
+        const size_t set = rounds.Add("memset", WIDTH * HEIGHT / 2,
+                                      [] { std::memset(FrameBuffer + WIDTH * HEIGHT / 2, 0xFE, WIDTH * HEIGHT / 2); });
+        const size_t clear = rounds.Add("ClearFrame", WIDTH * HEIGHT / 2, ClearFrame);
+        rounds.Run(roundCount);
+
+        rounds.Print(rowFloor);
+        rounds.Print(blockFloor);
+        for (size_t i = 0; i < opaque.size(); i++) {
+            rounds.PrintAgainst(opaque[i], TARGETS[i].byBlocks ? blockFloor : rowFloor, TARGETS[i].opaque);
+            rounds.PrintAgainst(transparent[i], opaque[i], TRANSPARENT_TARGET);
+        }
+        rounds.Print(work.spans);
+        rounds.PrintAgainst(work.polygons, work.spans, POLYGON_TARGET);
+        rounds.Print(set);
+        rounds.PrintAgainst(clear, set, CLEAR_TARGET);
+    }
+}
