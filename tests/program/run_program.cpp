@@ -1,0 +1,39 @@
+#include "run_program.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <sys/wait.h>
+
+namespace fs = std::filesystem;
+
+ProgramRun::ProgramRun() {
+    std::string pattern = (fs::temp_directory_path() / "tarnwick-test-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    folder_ = pattern;
+    fs::create_directory(folder_ / "empty");
+}
+
+ProgramRun::~ProgramRun() {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+}
+
+ProgramResult ProgramRun::Run(const std::string& arguments) const {
+    const std::string command = "cd '" + folder_.string() + "' && timeout 100 '" BUILD_FOLDER "/tarnwick' --headless " +
+                                arguments + " >stdout.txt 2>stderr.txt";
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), Read("stdout.txt"), Read("stderr.txt")};
+}
+
+void ProgramRun::Write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_ / name, std::ios::binary) << text;
+}
+
+std::string ProgramRun::Read(const std::string& name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}

@@ -1,0 +1,26 @@
+// Runs the built game as its users do.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+struct ProgramResult {
+    int status;  // as a shell sees it
+    std::string output;
+    std::string errors;
+};
+
+// The game without a window, with a folder of its own as the current one.
+class ProgramRun {
+public:
+    ProgramRun();
+    ~ProgramRun();
+
+    ProgramResult Run(const std::string& arguments) const;  // shell words
+    std::filesystem::path Path(const std::string& name) const { return folder_ / name; }
+    void Write(const std::string& name, const std::string& text) const;
+    std::string Read(const std::string& name) const;
+
+private:
+    std::filesystem::path folder_;
+};
