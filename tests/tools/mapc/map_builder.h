@@ -1,0 +1,43 @@
+// Writes small maps for tests.
+#pragma once
+
+#include "formats/material_list.h"
+#include "mapc/compile.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+using Corner = std::array<int, 3>;
+
+std::vector<Material> TestMaterials();  // wall floor ceiling (64 x 64) tall (32 x 128) water grate clip sky
+
+class MapBuilder {
+public:
+    MapBuilder& Key(const std::string& name, const std::string& value);  // of worldspawn
+    MapBuilder& Box(const Corner& low, const Corner& high, const std::string& texture = "wall");
+    // Six walls of 16 around an empty box.
+    MapBuilder& Room(const Corner& low, const Corner& high, const std::string& texture = "wall");
+    // A box that is turned by an eighth about the vertical through its middle.
+    MapBuilder& TurnedBox(const Corner& low, const Corner& high, const std::string& texture = "wall");
+    MapBuilder& Brush(const std::string& faces);  // lines of faces
+    MapBuilder& BeginEntity(const std::string& className,
+                            const std::string& keys = "");  // brushes go there from now on
+    MapBuilder& Start(const std::string& origin, int angle = 90);
+    MapBuilder& Light(const std::string& origin, const std::string& keys = "");
+    std::string Text() const;
+
+    bool valve = false;  // write faces with axes
+
+private:
+    std::string Face(const Corner& at, const Corner& u, const Corner& v, const std::string& texture) const;
+
+    std::string keys_;
+    std::string worldBrushes_;
+    std::string entities_;
+    std::string open_;  // entity being written
+};
+
+CompiledLevel Compile(const MapBuilder& builder, int level = 0);
+std::string RefusalOf(const MapBuilder& builder, int level = 0);  // "accepted" when it compiles
+std::string RefusalOf(const std::string& mapText);

@@ -1,0 +1,167 @@
+#include "mapc/brush.h"
+
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+#include <map>
+
+namespace {
+
+constexpr int WORLD_SLOT_END = 93;  // the slots above belong to the character
+
+class BrushBuilder {
+public:
+    BrushBuilder(const MapFile& map, const std::vector<Material>& materials) : map_(map) {
+        for (const Material& material : materials)
+            materials_[material.name] = &material;
+    }
+
+    void Add(const MapEntity& entity) {
+        const std::string name = entity.ClassName();
+        const bool detail = name == "func_detail";
+        if (!detail && name != "worldspawn" && name != "func_group") {
+            Refuse(map_.name, entity.line, fmt::format("a {} cannot have brushes", name),
+                   "move them to the world, or make them a func_group or func_detail");
+        }
+        const bool cornerLight = NumberKey(map_, entity, "corner_light", 0) != 0;
+        for (const MapBrush& brush : entity.brushes)
+            Add(brush, detail, cornerLight);
+    }
+
+    Brushes Take() {
+        std::stable_sort(out_.list.begin(), out_.list.end(),
+                         [](const Brush& a, const Brush& b) { return a.kind < b.kind; });
+        return std::move(out_);
+    }
+
+private:
+    const Material& MaterialOf(const MapFace& face) const {
+        const auto found = materials_.find(face.texture);
+        if (found == materials_.end()) {
+            Refuse(map_.name, face.line,
+                   fmt::format("the texture \"{}\" is not in the list of materials", face.texture),
+                   "choose another one, or add it to the level's materials");
+        }
+        const Material& material = *found->second;
+        if (material.slot >= WORLD_SLOT_END && !(material.flags & MATERIAL_SKY)) {
+            Refuse(map_.name, face.line, fmt::format("the texture \"{}\" is in slot {}", face.texture, material.slot),
+                   fmt::format("worlds may use slots 0..{}", WORLD_SLOT_END - 1));
+        }
+        return material;
+    }
+
+    Plane PlaneOf(const MapFace& face) const {
+        const auto& [a, b, c] = face.points;
+        const Vec3 normal = Cross(c - a, b - a);  // the points run clockwise seen from outside
+        const double length = Length(normal);
+        for (const Vec3& p : face.points) {
+            if (Box{{}, {}}.Holds(p, MAP_EXTENT)) continue;
+            Refuse(map_.name, face.line, fmt::format("a point lies beyond {} units", MAP_EXTENT),
+                   "move the brush nearer to the origin");
+        }
+        if (length < 1e-6) {
+            Refuse(map_.name, face.line, "the three points of the face lie on a line", "make the brush again");
+        }
+        const Vec3 unit = normal * (1 / length);
+        return {unit, Dot(unit, a)};
+    }
+
+    static BrushKind KindOf(const MapBrush& brush, const std::vector<const Material*>& materials, bool detail) {
+        unsigned flags = 0;
+        for (size_t i = 0; i < brush.faces.size(); ++i)
+            flags |= materials[i]->flags;
+        if (flags & MATERIAL_CLIP) return BrushKind::Clip;
+        if (flags & MATERIAL_CUTOUT) return BrushKind::Cutout;
+        return detail ? BrushKind::Detail : BrushKind::Solid;
+    }
+
+    void Add(const MapBrush& source, bool detail, bool cornerLight) {
+        Brush brush;
+        brush.line = source.line;
+        std::vector<const Material*> materials;
+        std::vector<const MapFace*> faces;  // of the sides; a plane given twice counts once
+        for (const MapFace& face : source.faces) {
+            const Plane plane = PlaneOf(face);
+            materials.push_back(&MaterialOf(face));
+            const int id = out_.planes.Find(plane.normal, plane.dist);
+            const bool known = std::any_of(brush.sides.begin(), brush.sides.end(),
+                                           [&](const BrushSide& side) { return side.plane == id; });
+            if (known) continue;
+            brush.sides.push_back({id, -1, {}});
+            faces.push_back(&face);
+        }
+        brush.kind = KindOf(source, materials, detail);
+        CutWindings(brush);
+        for (size_t i = 0; i < brush.sides.size(); ++i) {
+            if (!brush.sides[i].winding.empty()) Paint(brush.sides[i], *faces[i], cornerLight);
+        }
+        std::erase_if(brush.sides, [](const BrushSide& side) { return side.winding.empty(); });
+        out_.list.push_back(std::move(brush));
+    }
+
+    void CutWindings(Brush& brush) const {
+        size_t valid = 0;
+        for (BrushSide& side : brush.sides) {
+            side.winding = BaseWinding(out_.planes[side.plane]);
+            for (const BrushSide& other : brush.sides) {
+                if (&other != &side && !side.winding.empty()) KeepBack(side.winding, out_.planes[other.plane], 1e-6);
+            }
+            CleanWinding(side.winding);
+            if (side.winding.empty()) continue;
+            ++valid;
+            for (const Vec3& p : side.winding)
+                brush.box.Add(p);
+        }
+        if (valid < 4) {
+            Refuse(map_.name, brush.line, "the brush has no volume", "delete it, or move its faces apart");
+        }
+        if (!Box{{}, {}}.Holds(brush.box.min, MAP_EXTENT) || !Box{{}, {}}.Holds(brush.box.max, MAP_EXTENT)) {
+            Refuse(map_.name, brush.line, "the brush is open: its faces do not close a volume", "make it again");
+        }
+    }
+
+    static void CleanWinding(Winding& winding) {
+        constexpr double SNAP = 1e-4;
+        for (Vec3& p : winding) {
+            for (int axis = 0; axis < 3; ++axis) {
+                const double whole = std::floor(p[axis] + 0.5);
+                if (std::abs(p[axis] - whole) < SNAP) p[axis] = whole;
+            }
+        }
+        RemoveStraightCorners(winding);
+        if (winding.size() < 3) winding.clear();
+    }
+
+    void Paint(BrushSide& side, const MapFace& face, bool cornerLight) {
+        const Material& material = MaterialOf(face);
+        if (material.flags & MATERIAL_SKY) return;
+        FaceTexture texture = TextureOf(face, out_.planes[side.plane].normal, material);
+        texture.cornerLight = cornerLight;
+        PlaceTexture(texture, side.winding);
+        side.texture = static_cast<int>(out_.textures.size());
+        out_.textures.push_back(texture);
+    }
+
+    const MapFile& map_;
+    std::map<std::string, const Material*> materials_;
+    Brushes out_;
+};
+
+}  // namespace
+
+bool Brush::Holds(const Vec3& p, const PlaneTable& planes, double tolerance) const {
+    if (!box.Holds(p, tolerance)) return false;
+    for (const BrushSide& side : sides) {
+        if (planes[side.plane].Distance(p) > tolerance) return false;
+    }
+    return true;
+}
+
+Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials) {
+    BrushBuilder builder(map, materials);
+    for (const MapEntity& entity : map.entities) {
+        if (!entity.brushes.empty()) builder.Add(entity);
+    }
+    return builder.Take();
+}

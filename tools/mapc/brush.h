@@ -1,0 +1,43 @@
+// Brushes as the compiler works on them: planes from the table, windings, the class of the brush.
+#pragma once
+
+#include "mapc/map_file.h"
+#include "mapc/plane_table.h"
+#include "mapc/texture_axes.h"
+#include "mapc/winding.h"
+
+#include <vector>
+
+// In order of rank: where faces of two brushes coincide, the brush of lower rank keeps its face, and of equal ranks the
+// earlier one in the map.
+enum class BrushKind {
+    Solid,   // hides what lies inside it and closes the world; liquid and sky are solid too
+    Detail,  // hides what lies inside it, but does not close the world (func_detail)
+    Cutout,  // seen through: collides, hides nothing
+    Clip,    // never drawn: collides, hides nothing
+};
+
+struct BrushSide {
+    int plane = 0;     // out of the brush
+    int texture = -1;  // into Brushes::textures; -1: the face is left out (sky)
+    Winding winding;
+};
+
+struct Brush {
+    BrushKind kind = BrushKind::Solid;
+    Box box;
+    std::vector<BrushSide> sides;
+    int line = 0;  // in the map
+
+    bool Holds(const Vec3& p, const PlaneTable& planes, double tolerance) const;
+};
+
+struct Brushes {
+    std::vector<Brush> list;  // by rank
+    std::vector<FaceTexture> textures;
+    PlaneTable planes;
+};
+
+// The brushes of worldspawn, func_group and func_detail. ContentError for a brush without volume or open, a texture
+// that is not in the list and an unknown entity with brushes.
+Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials);

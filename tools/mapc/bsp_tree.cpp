@@ -1,0 +1,216 @@
+#include "mapc/bsp_tree.h"
+
+#include <optional>
+
+namespace {
+
+constexpr size_t CANDIDATES_MAX = 40;   // planes tried at a node
+constexpr size_t ORDER_TEST_MAX = 400;  // more faces than this are never order-free
+constexpr double GRID = 1024;           // planes on this grid are tried where many faces spread beyond it
+constexpr size_t GRID_FACES_MIN = 100;
+constexpr double SPLIT_COST = 8;  // against one face of imbalance
+constexpr double SLOPE_COST = 4;  // of a plane that is not axial
+constexpr double HIDDEN_SPLIT_COST = 1;
+
+enum class TreeKind { Sealing, Drawing };
+
+PlaneSide SideOf(const Face& face, const Plane& plane) {
+    const Vec3 centre = face.box.Centre();
+    const Vec3 half = face.box.HalfExtents();
+    const double reach =
+        std::abs(plane.normal.x) * half.x + std::abs(plane.normal.y) * half.y + std::abs(plane.normal.z) * half.z;
+    const double distance = plane.Distance(centre);
+    if (distance > reach + SPLIT_EPSILON) return PlaneSide::Front;
+    if (distance < -reach - SPLIT_EPSILON) return PlaneSide::Back;
+    return ClassifyWinding(face.winding, plane);
+}
+
+// On also for a plane of another number that the face lies in within the tolerance.
+PlaneSide SideOf(const Face& face, int plane, const PlaneTable& planes) {
+    return (face.plane | 1) == (plane | 1) ? PlaneSide::On : SideOf(face, planes[plane]);
+}
+
+bool FacesFront(const Face& face, int plane, const PlaneTable& planes) {
+    return Dot(planes[face.plane].normal, planes[plane].normal) > 0;
+}
+
+class TreeBuilder {
+public:
+    TreeBuilder(PlaneTable& planes, TreeKind kind) : planes_(planes), kind_(kind) {}
+
+    Tree Build(std::vector<Face> faces) {
+        const int root = AddSubtree(std::move(faces), 1);
+        if (root < 0) SplitRoot();
+        return std::move(tree_);
+    }
+
+private:
+    int AddLeaf(std::vector<Face> faces) {
+        tree_.leaves.push_back(std::move(faces));
+        return ~static_cast<int>(tree_.leaves.size() - 1);
+    }
+
+    // A world needs a node: one leaf is divided by the plane of its first face, behind which nothing lies.
+    void SplitRoot() {
+        const std::vector<Face>& faces = tree_.leaves[0];
+        const int plane = faces.empty() ? planes_.Find({0, 0, 1}, 0) : faces[0].plane;
+        const bool before = faces.empty() || SideOf(faces[0], plane, planes_) != PlaneSide::Back;
+        tree_.nodes.push_back({plane, before ? ~0 : ~1, before ? ~1 : ~0});
+        AddLeaf({});
+        tree_.depth = 1;
+    }
+
+    int AddSubtree(std::vector<Face> faces, int depth) {
+        const std::optional<int> splitter = ChooseSplitter(faces);
+        if (!splitter) return AddLeaf(kind_ == TreeKind::Drawing ? std::move(faces) : std::vector<Face>());
+        tree_.depth = std::max(tree_.depth, depth);
+        const size_t node = tree_.nodes.size();
+        tree_.nodes.push_back({*splitter, 0, 0});
+        std::vector<Face> front;
+        std::vector<Face> back;
+        Divide(std::move(faces), *splitter, front, back);
+        const int frontChild = AddSubtree(std::move(front), depth + 1);
+        const int backChild = AddSubtree(std::move(back), depth + 1);
+        tree_.nodes[node].front = frontChild;
+        tree_.nodes[node].back = backChild;
+        return static_cast<int>(node);
+    }
+
+    void Divide(std::vector<Face> faces, int plane, std::vector<Face>& front, std::vector<Face>& back) const {
+        Winding frontPart;
+        Winding backPart;
+        for (Face& face : faces) {
+            switch (SideOf(face, plane, planes_)) {
+            case PlaneSide::On:
+                if (kind_ == TreeKind::Drawing) (FacesFront(face, plane, planes_) ? front : back).push_back(face);
+                break;
+            case PlaneSide::Front: front.push_back(std::move(face)); break;
+            case PlaneSide::Back: back.push_back(std::move(face)); break;
+            case PlaneSide::Both:
+                SplitWinding(face.winding, planes_[plane], frontPart, backPart);
+                front.emplace_back(frontPart, face.plane, face.texture, face.hidden);
+                back.emplace_back(backPart, face.plane, face.texture, face.hidden);
+                break;
+            }
+        }
+    }
+
+    bool IsDone(const std::vector<Face>& faces) const {
+        if (kind_ == TreeKind::Sealing || faces.size() > ORDER_TEST_MAX) return faces.empty();
+        for (size_t i = 0; i < faces.size(); ++i) {
+            for (size_t j = i + 1; j < faces.size(); ++j) {
+                if (!IsOrderFree(faces[i], faces[j], planes_)) return false;
+            }
+        }
+        return true;
+    }
+
+    std::optional<int> ChooseSplitter(const std::vector<Face>& faces) {
+        if (IsDone(faces)) return std::nullopt;
+        const std::vector<int> candidates = CandidatesOf(faces);
+        double bestCost = std::numeric_limits<double>::max();
+        std::optional<int> best;
+        const auto tryPlane = [&](int plane) {
+            const double cost = CostOf(faces, plane, bestCost);
+            if (cost < bestCost) {
+                bestCost = cost;
+                best = plane;
+            }
+        };
+        const size_t step = std::max<size_t>(1, (candidates.size() + CANDIDATES_MAX - 1) / CANDIDATES_MAX);
+        for (size_t i = 0; i < candidates.size(); i += step)
+            tryPlane(candidates[i]);
+        if (faces.size() >= GRID_FACES_MIN) {
+            for (const int plane : GridPlanes(faces))
+                tryPlane(plane);
+        }
+        for (size_t i = 0; !best && i < candidates.size(); ++i)
+            tryPlane(candidates[i]);
+        return best;
+    }
+
+    // The planes of the faces that have a say, each once, in order of first use.
+    std::vector<int> CandidatesOf(const std::vector<Face>& faces) {
+        stamps_.resize(static_cast<size_t>(planes_.Count()), 0);
+        ++stamp_;
+        std::vector<int> candidates;
+        for (const Face& face : faces) {
+            if (face.hidden) continue;
+            int& stamp = stamps_[static_cast<size_t>(face.plane | 1)];
+            if (stamp == stamp_) continue;
+            stamp = stamp_;
+            candidates.push_back(face.plane);
+        }
+        return candidates;
+    }
+
+    std::vector<int> GridPlanes(const std::vector<Face>& faces) {
+        Box box;
+        for (const Face& face : faces)
+            box.Add(face.box);
+        std::vector<int> found;
+        for (int axis = 0; axis < 3; ++axis) {
+            const double middle = std::floor(box.Centre()[axis] / GRID + 0.5) * GRID;
+            if (middle <= box.min[axis] + SPLIT_EPSILON || middle >= box.max[axis] - SPLIT_EPSILON) continue;
+            Vec3 normal;
+            normal[axis] = 1;
+            found.push_back(planes_.Find(normal, middle));
+        }
+        return found;
+    }
+
+    // Beyond the limit only as far as needed to know that it is. A plane that separates nothing costs everything.
+    double CostOf(const std::vector<Face>& faces, int plane, double limit) const {
+        double front = 0;
+        double back = 0;
+        double splits = 0;
+        double consumed = 0;
+        const double slope = IsAxial(planes_[plane]) ? 0 : SLOPE_COST;
+        for (const Face& face : faces) {
+            switch (SideOf(face, plane, planes_)) {
+            case PlaneSide::On:
+                if (kind_ == TreeKind::Sealing) {
+                    ++consumed;
+                } else {
+                    ++(FacesFront(face, plane, planes_) ? front : back);
+                }
+                break;
+            case PlaneSide::Front: ++front; break;
+            case PlaneSide::Back: ++back; break;
+            case PlaneSide::Both:
+                ++front;
+                ++back;
+                splits += face.hidden ? HIDDEN_SPLIT_COST : SPLIT_COST;
+                if (splits + slope > limit) return splits + slope;
+                break;
+            }
+        }
+        if (consumed == 0 && (front == 0 || back == 0)) return std::numeric_limits<double>::max();
+        return splits + slope + std::abs(front - back);
+    }
+
+    PlaneTable& planes_;
+    TreeKind kind_;
+    Tree tree_;
+    std::vector<int> stamps_;  // by plane: the node that last listed it
+    int stamp_ = 0;
+};
+
+}  // namespace
+
+Tree BuildSealingTree(std::vector<Face> faces, PlaneTable& planes) {
+    return TreeBuilder(planes, TreeKind::Sealing).Build(std::move(faces));
+}
+
+Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes) {
+    return TreeBuilder(planes, TreeKind::Drawing).Build(std::move(faces));
+}
+
+bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes) {
+    if (a.hidden || b.hidden || (a.plane | 1) == (b.plane | 1)) return true;
+    const PlaneSide bSide = SideOf(b, planes[a.plane]);
+    if (bSide == PlaneSide::Both) return false;
+    const PlaneSide aSide = SideOf(a, planes[b.plane]);
+    if (aSide == PlaneSide::Both) return false;
+    return aSide == bSide || aSide == PlaneSide::On || bSide == PlaneSide::On;
+}

@@ -1,0 +1,28 @@
+// Binary space partitions of faces, of two kinds.
+#pragma once
+
+#include "mapc/csg.h"
+
+// Children: >= 0 a node, < 0 the leaf ~child. The front child lies where the plane's distance is positive.
+struct TreeNode {
+    int plane = 0;
+    int front = 0;
+    int back = 0;
+};
+
+struct Tree {
+    std::vector<TreeNode> nodes;  // node 0 is the root; there is always one
+    std::vector<std::vector<Face>> leaves;
+    int depth = 0;
+};
+
+// Splits until no face is left over: every leaf is wholly solid or wholly empty. The leaves hold no faces.
+Tree BuildSealingTree(std::vector<Face> faces, PlaneTable& planes);
+
+// Splits until the faces of each leaf may be drawn in any order, from any eye: of each two, either both lie in front of
+// the other (a convex room) or both behind (a convex solid), so that no ray meets two of them from their front. A face
+// in a node's plane goes to the side it faces. Hidden faces take part without a say.
+Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes);
+
+// Whether two faces never overlap on the screen when both are seen from the front.
+bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes);

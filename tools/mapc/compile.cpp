@@ -1,0 +1,138 @@
+#include "mapc/compile.h"
+
+#include "formats/binary.h"
+#include "mapc/emit.h"
+#include "mapc/fan.h"
+#include "mapc/light.h"
+#include "mapc/merge.h"
+#include "mapc/sealing.h"
+#include "mapc/tessellate.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+std::string PlaceText(const Vec3& p) {
+    return fmt::format("({:.0f} {:.0f} {:.0f})", p.x, p.y, p.z);
+}
+
+[[noreturn]] void RefuseLeak(const MapFile& map, const std::vector<Vec3>& path) {
+    std::string text =
+        fmt::format("{}: the level leaks: the space around info_player_start is open to the outside", map.name);
+    text += ": close the hole along this path:";
+    for (const Vec3& p : path)
+        text += " " + PlaceText(p);
+    throw LeakError(text, path);
+}
+
+void CheckStart(const MapFile& map, const Brushes& brushes, const PlayerStart& start) {
+    for (const Brush& brush : brushes.list) {
+        if (brush.kind == BrushKind::Cutout || !brush.Holds(start.origin, brushes.planes, 0)) continue;
+        Refuse(map.name, start.line, fmt::format("info_player_start is inside the brush of line {}", brush.line),
+               "move it into the open");
+    }
+}
+
+// The faces that the player can get to see or touch.
+std::vector<Face> ReachableFaces(const MapFile& map, Brushes& brushes, const PlayerStart& start) {
+    Surface surface = CutBrushes(brushes);
+    const SealedSpace space(std::move(surface.sealing), brushes, start.origin);
+    if (!space.LeakPath().empty()) RefuseLeak(map, space.LeakPath());
+    std::erase_if(surface.visible, [&](const Face& face) { return !space.IsSeen(face); });
+    MergeFaces(surface.visible, brushes.planes);
+    return std::move(surface.visible);
+}
+
+Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
+    Mesh mesh = WeldMesh(tree);
+    FillTJunctions(mesh);
+    MakeFans(mesh, brushes.planes, [&](const MeshPolygon& polygon) {
+        const bool cornerLight = brushes.textures[static_cast<size_t>(polygon.texture)].cornerLight;
+        return cornerLight ? CORNERS_MAX_CORNER_LIGHT : CORNERS_MAX_POINT_LIGHT;
+    });
+    return mesh;
+}
+
+void CheckContacts(const MapFile& map, const Contacts& contacts, const Placement& placement) {
+    if (contacts.count <= CONTACTS_MAX) return;
+    const Vec3 place = placement.ToMap({contacts.place[0], contacts.place[1], contacts.place[2]});
+    Refuse(map.name, 0,
+           fmt::format("a player at {} touches {} polygons at once, at most {}", PlaceText(place), contacts.count,
+                       CONTACTS_MAX),
+           "simplify the brushes around that place");
+}
+
+std::string ReportOf(const CompiledLevel& level) {
+    std::string report;
+    for (const Count& count : level.counts) {
+        report += fmt::format("{:>9} of {:>8}  {}\n", count.value, count.limit, count.name);
+    }
+    report += fmt::format("{:>9} of {:>8}  polygons touched at one place\n", level.contacts.count, CONTACTS_MAX);
+    return report;
+}
+
+void WritePath(const std::filesystem::path& path, const std::vector<Vec3>& points) {
+    std::string text;
+    for (const Vec3& p : points)
+        text += fmt::format("{:.1f} {:.1f} {:.1f}\n", p.x, p.y, p.z);
+    WriteWholeFile(path, {text.begin(), text.end()});
+}
+
+struct OutputFile {
+    std::filesystem::path path;
+    std::vector<uint8_t> content;
+};
+
+void WriteAllOrNothing(const std::vector<OutputFile>& files) {
+    size_t written = 0;
+    try {
+        for (; written < files.size(); ++written)
+            WriteWholeFile(files[written].path, files[written].content);
+    } catch (...) {
+        std::error_code ignored;
+        for (size_t i = 0; i < written; ++i)
+            std::filesystem::remove(files[i].path, ignored);
+        throw;
+    }
+}
+
+}  // namespace
+
+CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level) {
+    CheckEntities(map);
+    const LevelSettings settings = ReadSettings(map);
+    const std::vector<PointLight> lights = ReadLights(map);
+    const PlayerStart start = FindPlayerStart(map);
+    Brushes brushes = BuildBrushes(map, materials);
+    CheckStart(map, brushes, start);
+    CompiledLevel compiled;
+    compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
+
+    Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes);
+    if (settings.subdivide > 0) TessellateFaces(tree, brushes.planes, settings.subdivide / settings.scale);
+    const Mesh mesh = MeshOf(tree, brushes);
+    CheckMesh(map.name, tree, mesh);
+    compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);
+    compiled.counts = CountWorld(compiled.world, tree.depth);
+    CheckCounts(map.name, compiled.counts);
+    compiled.contacts = MostContacts(compiled.world);
+    CheckContacts(map, compiled.contacts, compiled.placement);
+    compiled.light = LightWorld(compiled.world, settings, lights, compiled.placement);
+    return compiled;
+}
+
+std::string CompileToFiles(const CompileFiles& files) {
+    const std::string name = files.level > 0 ? LevelSlotOf(files.level).worldName : files.map.stem().string();
+    const std::filesystem::path pathFile = files.output / (name + ".pts");
+    try {
+        const CompiledLevel level = CompileMap(ReadMapFile(files.map), ReadMaterialList(files.materials), files.level);
+        WriteAllOrNothing({{files.output / (name + ".bgm"), EncodeWorld(level.world)},
+                           {files.output / "lights.lmp", EncodeLightMap(level.light)},
+                           {files.output / "lights.alt", EncodeLightSlots(level.slots)}});
+        std::filesystem::remove(pathFile);
+        return ReportOf(level);
+    } catch (const LeakError& leak) {
+        WritePath(pathFile, leak.path);
+        throw;
+    }
+}

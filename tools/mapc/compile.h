@@ -1,0 +1,41 @@
+// The compiler as a whole: from a map to the three files of a level.
+#pragma once
+
+#include "formats/error.h"
+#include "formats/light_files.h"
+#include "formats/material_list.h"
+#include "mapc/limits.h"
+#include "mapc/map_file.h"
+
+#include <filesystem>
+
+struct CompiledLevel {
+    WorldFile world;
+    LightMapFile light;
+    LightSlotFile slots;
+    Placement placement;
+    std::vector<Count> counts;
+    Contacts contacts;
+};
+
+// A level that is not sealed. The path leads from info_player_start to the outside, in map space.
+class LeakError : public ContentError {
+public:
+    LeakError(const std::string& text, std::vector<Vec3> leakPath) : ContentError(text), path(std::move(leakPath)) {}
+    std::vector<Vec3> path;
+};
+
+// level: 1..8, or 0 to leave the map where it is. ContentError (LeakError) when the map cannot become a level.
+CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level);
+
+struct CompileFiles {
+    std::filesystem::path map;
+    std::filesystem::path materials;
+    std::filesystem::path output;  // folder
+    int level = 0;
+};
+
+// Writes <output>/<name>.bgm, lights.lmp and lights.alt and returns a report for the user. name: the level's world
+// name, or the map's own without a level. On failure nothing is written but, for a leak, <output>/<name>.pts: the path
+// as map editors load it.
+std::string CompileToFiles(const CompileFiles& files);

@@ -1,0 +1,105 @@
+#include "mapc/csg.h"
+
+#include "mapc/box_grid.h"
+
+namespace {
+
+constexpr double AREA_MIN = 0.01;  // a smaller covered part is not cut out
+
+class Cutter {
+public:
+    explicit Cutter(const Brushes& brushes) : brushes_(brushes), grid_(BoxesOf(brushes)) {}
+
+    Surface Cut() {
+        Surface surface;
+        for (size_t i = 0; i < brushes_.list.size(); ++i) {
+            const Brush& brush = brushes_.list[i];
+            grid_.Find(brush.box, SPLIT_EPSILON, near_);
+            for (const BrushSide& side : brush.sides)
+                CutSide(static_cast<int>(i), side, surface);
+        }
+        return surface;
+    }
+
+private:
+    static std::vector<Box> BoxesOf(const Brushes& brushes) {
+        std::vector<Box> boxes;
+        for (const Brush& brush : brushes.list)
+            boxes.push_back(brush.box);
+        return boxes;
+    }
+
+    void CutSide(int owner, const BrushSide& side, Surface& surface) {
+        const BrushKind kind = brushes_.list[static_cast<size_t>(owner)].kind;
+        std::vector<Winding> pieces{side.winding};
+        CutBy(owner, side.plane, pieces, [](BrushKind other) { return other == BrushKind::Solid; });
+        if (kind == BrushKind::Solid) {
+            for (const Winding& piece : pieces)
+                surface.sealing.emplace_back(piece, side.plane, side.texture, false);
+        }
+        if (side.texture < 0) return;
+        CutBy(owner, side.plane, pieces, [kind](BrushKind other) {
+            return other == BrushKind::Detail || (other == kind && kind != BrushKind::Solid);
+        });
+        for (Winding& piece : pieces) {
+            surface.visible.emplace_back(std::move(piece), side.plane, side.texture, kind == BrushKind::Clip);
+        }
+    }
+
+    template <class Hides>
+    void CutBy(int owner, int plane, std::vector<Winding>& pieces, Hides hides) {
+        std::vector<Winding> next;
+        for (const int i : near_) {
+            const Brush& brush = brushes_.list[static_cast<size_t>(i)];
+            if (i == owner || !hides(brush.kind)) continue;
+            next.clear();
+            for (Winding& piece : pieces)
+                Subtract(std::move(piece), plane, brush, i < owner, next);
+            pieces.swap(next);
+        }
+    }
+
+    // Adds what the brush leaves of the winding. Where the two lie in one plane and face the same way, brushWins says
+    // who keeps the face; where they face each other, the brush hides it.
+    void Subtract(Winding winding, int plane, const Brush& brush, bool brushWins, std::vector<Winding>& remaining) {
+        if (!brush.box.Touches(WindingBox(winding), SPLIT_EPSILON)) {
+            remaining.push_back(std::move(winding));
+            return;
+        }
+        std::vector<Winding> outside;
+        Winding inside = winding;
+        Winding front;
+        Winding back;
+        for (const BrushSide& side : brush.sides) {
+            SplitWinding(inside, brushes_.planes[side.plane], front, back);
+            const bool coplanar = (side.plane | 1) == (plane | 1) || (front.empty() && back.empty());
+            if (coplanar) {
+                const bool sameWay = Dot(brushes_.planes[side.plane].normal, brushes_.planes[plane].normal) > 0;
+                if (!sameWay || brushWins) continue;
+                back.clear();
+            }
+            if (back.empty()) {
+                remaining.push_back(std::move(winding));
+                return;
+            }
+            if (!front.empty()) outside.push_back(std::move(front));
+            inside = std::move(back);
+        }
+        if (!outside.empty() && WindingArea(inside) < AREA_MIN) {
+            remaining.push_back(std::move(winding));
+            return;
+        }
+        for (Winding& piece : outside)
+            remaining.push_back(std::move(piece));
+    }
+
+    const Brushes& brushes_;
+    BoxGrid grid_;
+    std::vector<int> near_;  // brushes around the one being cut, ascending
+};
+
+}  // namespace
+
+Surface CutBrushes(const Brushes& brushes) {
+    return Cutter(brushes).Cut();
+}

@@ -1,0 +1,23 @@
+// From overlapping brushes to the surface of what they form together.
+#pragma once
+
+#include "mapc/brush.h"
+
+struct Face {
+    Winding winding;
+    int plane = 0;        // visible from its front
+    int texture = -1;     // into Brushes::textures; the same for all pieces of one brush side
+    bool hidden = false;  // never drawn (clip), so the drawing order does not concern it
+    Box box;
+
+    Face() = default;
+    Face(Winding corners, int planeId, int textureId, bool isHidden)
+        : winding(std::move(corners)), plane(planeId), texture(textureId), hidden(isHidden), box(WindingBox(winding)) {}
+};
+
+struct Surface {
+    std::vector<Face> sealing;  // the closed surface of the solid brushes alone, sky included
+    std::vector<Face> visible;  // what remains of all painted faces where nothing hides them
+};
+
+Surface CutBrushes(const Brushes& brushes);

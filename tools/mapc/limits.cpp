@@ -1,0 +1,83 @@
+#include "mapc/limits.h"
+
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr size_t NODES_MAX = 32767;
+constexpr size_t LEAVES_MAX = 16384;
+constexpr size_t PLANES_MAX = 62000;
+constexpr size_t POLYGONS_MAX = 20000;
+constexpr size_t POINTS_MAX = 25000;
+constexpr size_t CORNERS_MAX = 52000;
+constexpr size_t POLYGONS_AT_POINT_MAX = 127;
+constexpr size_t DEPTH_MAX = 1000;
+// What the engine's 8 MiB leave for the world beside 12 texture pages, the character, its clips and the frame.
+constexpr size_t MEMORY_MAX = 4300000;
+
+std::vector<size_t> PolygonsAtPoints(const WorldFile& world) {
+    std::vector<size_t> uses(world.points.size(), 0);
+    for (const WorldCorner& corner : world.corners)
+        ++uses[corner.point];
+    return uses;
+}
+
+size_t MostCorners(const WorldFile& world, uint8_t shading) {
+    size_t most = 0;
+    for (const WorldPolygon& polygon : world.polygons) {
+        if (polygon.shading == shading) most = std::max(most, size_t{polygon.cornerCount});
+    }
+    return most;
+}
+
+}  // namespace
+
+void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh) {
+    size_t polygons = 0;
+    size_t corners = 0;
+    for (const auto& leaf : mesh.leaves) {
+        polygons += leaf.size();
+        for (const MeshPolygon& polygon : leaf)
+            corners += polygon.corners.size();
+    }
+    CheckCounts(file, {{"nodes", tree.nodes.size(), NODES_MAX},
+                       {"leaves", tree.leaves.size(), LEAVES_MAX},
+                       {"polygons", polygons, POLYGONS_MAX},
+                       {"polygon corners", corners, CORNERS_MAX}});
+}
+
+std::vector<Count> CountWorld(const WorldFile& world, int treeDepth) {
+    const size_t memory = 42 * world.nodes.size() + 52 * world.leaves.size() + 16 * world.planes.size() +
+                          46 * world.polygons.size() + 63 * world.points.size() + 32 * world.corners.size();
+    const std::vector<size_t> uses = PolygonsAtPoints(world);
+    return {
+        {"nodes", world.nodes.size(), NODES_MAX},
+        {"leaves", world.leaves.size(), LEAVES_MAX},
+        {"planes", world.planes.size(), PLANES_MAX},
+        {"polygons", world.polygons.size(), POLYGONS_MAX},
+        {"points", world.points.size(), POINTS_MAX},
+        {"polygon corners", world.corners.size(), CORNERS_MAX},
+        {"polygons at one point", uses.empty() ? 0 : *std::max_element(uses.begin(), uses.end()),
+         POLYGONS_AT_POINT_MAX},
+        {"corners of a polygon", MostCorners(world, WORLD_POINT_LIGHT), CORNERS_MAX_POINT_LIGHT},
+        {"corners of a polygon with corner light", MostCorners(world, WORLD_CORNER_LIGHT), CORNERS_MAX_CORNER_LIGHT},
+        {"depth of the tree", static_cast<size_t>(treeDepth), DEPTH_MAX},
+        {"bytes of engine memory", memory, MEMORY_MAX}};
+}
+
+void CheckCounts(const std::string& file, const std::vector<Count>& counts) {
+    std::string exceeded;
+    for (const Count& count : counts) {
+        if (count.value <= count.limit) continue;
+        exceeded +=
+            fmt::format("{}{} {}, at most {}", exceeded.empty() ? "" : "; ", count.value, count.name, count.limit);
+    }
+    if (exceeded.empty()) return;
+    Refuse(file, 0, "the level is too large: " + exceeded,
+           "leave out or simplify brushes, or raise the key \"subdivide\" of worldspawn");
+}

@@ -1,0 +1,33 @@
+// What a world may hold at most, and the proof that no place in it touches too many polygons.
+#pragma once
+
+#include "formats/world_file.h"
+#include "mapc/bsp_tree.h"
+#include "mapc/mesh.h"
+#include "mapc/placement.h"
+
+#include <string>
+#include <vector>
+
+constexpr size_t CORNERS_MAX_POINT_LIGHT = 12;
+constexpr size_t CORNERS_MAX_CORNER_LIGHT = 8;
+constexpr int CONTACTS_MAX = 150;  // the engine stops at 200
+
+struct Count {
+    std::string name;
+    size_t value;
+    size_t limit;
+};
+
+// Counts that do not fit the file's numbers; ContentError that lists all that are exceeded.
+void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh);
+// All counts of a finished world.
+std::vector<Count> CountWorld(const WorldFile& world, int treeDepth);
+void CheckCounts(const std::string& file, const std::vector<Count>& counts);
+
+struct Contacts {
+    int count = 0;
+    WorldVector place{};  // sphere centre
+};
+// The most polygons that one query of a moving player can gather, tried all over the walkable polygons.
+Contacts MostContacts(const WorldFile& world);

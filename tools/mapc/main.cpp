@@ -1,0 +1,29 @@
+#include "formats/error.h"
+#include "mapc/compile.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cstdio>
+
+int main(int argc, char** argv) {
+    CLI::App app("Compiles a map into a level: world, light map and light slots.");
+    CompileFiles files;
+    app.add_option("map", files.map, "the .map file")->required();
+    app.add_option("--materials", files.materials, "the level's list of materials")->required();
+    app.add_option("--output", files.output, "the folder to write to")->required();
+    app.add_option("--level", files.level, "place the map as this level of the game")
+        ->check(CLI::Range(1, LEVEL_COUNT));
+    CLI11_PARSE(app, argc, argv);
+    const auto begin = std::chrono::steady_clock::now();
+    try {
+        const std::string report = CompileToFiles(files);
+        const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+        fmt::print("{}{:>9.2f} seconds\n", report, seconds.count());
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "mapc: {}\n", error.what());
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,235 @@
+#include "mapc/map_file.h"
+
+#include "formats/binary.h"
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <sstream>
+#include <string_view>
+
+namespace {
+
+struct Token {
+    std::string_view text;
+    bool quoted = false;
+    int line = 0;
+};
+
+class Scanner {
+public:
+    Scanner(std::string_view text, const std::string& file) : text_(text), file_(file) { Advance(); }
+
+    const Token& Next() const { return next_; }
+    bool AtEnd() const { return next_.text.empty() && !next_.quoted; }
+    bool Is(std::string_view word) const { return !next_.quoted && next_.text == word; }
+
+    Token Take() {
+        if (AtEnd()) Fail("the file ends too early", "close every { with a }; the file may have been cut short");
+        const Token token = next_;
+        Advance();
+        return token;
+    }
+
+    void Expect(std::string_view word) {
+        if (!Is(word)) Fail(fmt::format("\"{}\" instead of \"{}\"", next_.text, word), "save the map again");
+        Advance();
+    }
+
+    double TakeNumber() {
+        const Token token = Take();
+        double value = 0;
+        const std::string_view digits = token.text.substr(token.text.starts_with('+') ? 1 : 0);
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+        const bool whole = error == std::errc() && end == digits.data() + digits.size();
+        if (!whole || !(std::abs(value) < 1e9)) {
+            Refuse(file_, token.line, fmt::format("\"{}\" is not a number", token.text), "save the map again");
+        }
+        return value;
+    }
+
+    bool NextIsNumber() const {
+        return !next_.quoted && !next_.text.empty() &&
+               next_.text.find_first_not_of("+-.eE0123456789") == std::string_view::npos;
+    }
+
+    [[noreturn]] void Fail(const std::string& problem, const std::string& remedy) const {
+        Refuse(file_, next_.line, problem, remedy);
+    }
+
+private:
+    void SkipBlanks() {
+        while (at_ < text_.size()) {
+            const char c = text_[at_];
+            if (text_.substr(at_, 2) == "//") {
+                while (at_ < text_.size() && text_[at_] != '\n')
+                    ++at_;
+            } else if (c == '\n') {
+                ++line_;
+                ++at_;
+            } else if (c == ' ' || c == '\t' || c == '\r') {
+                ++at_;
+            } else {
+                return;
+            }
+        }
+    }
+
+    void Advance() {
+        SkipBlanks();
+        next_ = {{}, false, line_};
+        if (at_ == text_.size()) return;
+        if (text_[at_] == '"') {
+            const size_t close = text_.find_first_of("\"\n", at_ + 1);
+            if (close == std::string_view::npos || text_[close] == '\n') {
+                Fail("a quoted text has no end", "close the quotes on the same line");
+            }
+            next_ = {text_.substr(at_ + 1, close - at_ - 1), true, line_};
+            at_ = close + 1;
+            return;
+        }
+        const size_t end = std::min(text_.find_first_of(" \t\r\n", at_), text_.size());
+        next_.text = text_.substr(at_, end - at_);
+        at_ = end;
+    }
+
+    std::string_view text_;
+    const std::string& file_;
+    size_t at_ = 0;
+    int line_ = 1;
+    Token next_;
+};
+
+Vec3 TakePoint(Scanner& in) {
+    in.Expect("(");
+    Vec3 p;
+    for (int axis = 0; axis < 3; ++axis)
+        p[axis] = in.TakeNumber();
+    in.Expect(")");
+    return p;
+}
+
+void TakeAxis(Scanner& in, Vec3& direction, double& offset) {
+    in.Expect("[");
+    for (int axis = 0; axis < 3; ++axis)
+        direction[axis] = in.TakeNumber();
+    offset = in.TakeNumber();
+    in.Expect("]");
+}
+
+MapFace TakeFace(Scanner& in) {
+    MapFace face;
+    face.line = in.Next().line;
+    for (Vec3& p : face.points)
+        p = TakePoint(in);
+    if (in.Is("(")) in.Fail("a face in a form this compiler does not know", "save the map as Standard or Valve 220");
+    face.texture = in.Take().text;
+    face.hasAxes = in.Is("[");
+    if (face.hasAxes) {
+        TakeAxis(in, face.uAxis, face.uOffset);
+        TakeAxis(in, face.vAxis, face.vOffset);
+    } else {
+        face.uOffset = in.TakeNumber();
+        face.vOffset = in.TakeNumber();
+    }
+    face.rotation = in.TakeNumber();
+    face.uScale = in.TakeNumber();
+    face.vScale = in.TakeNumber();
+    while (in.NextIsNumber())
+        in.TakeNumber();
+    return face;
+}
+
+MapBrush TakeBrush(Scanner& in) {
+    MapBrush brush;
+    brush.line = in.Next().line;
+    in.Expect("{");
+    while (!in.Is("}")) {
+        if (!in.Is("(")) {
+            in.Fail(fmt::format("\"{}\" where a face should begin", in.Next().text),
+                    "only brushes of flat faces are supported; save the map as Standard or Valve 220");
+        }
+        brush.faces.push_back(TakeFace(in));
+    }
+    in.Expect("}");
+    return brush;
+}
+
+MapEntity TakeEntity(Scanner& in) {
+    MapEntity entity;
+    entity.line = in.Next().line;
+    in.Expect("{");
+    while (!in.Is("}")) {
+        if (in.Is("{")) {
+            entity.brushes.push_back(TakeBrush(in));
+            continue;
+        }
+        if (!in.Next().quoted) {
+            in.Fail(fmt::format("\"{}\" where a key, a brush or the end of the entity should be", in.Next().text),
+                    "write keys as \"name\" \"value\"");
+        }
+        const Token name = in.Take();
+        if (!in.Next().quoted) in.Fail("a key without a value", "write keys as \"name\" \"value\"");
+        entity.keys.push_back({std::string(name.text), std::string(in.Take().text), name.line});
+    }
+    in.Expect("}");
+    return entity;
+}
+
+}  // namespace
+
+const MapKey* MapEntity::Find(const std::string& name) const {
+    for (const MapKey& key : keys) {
+        if (key.name == name) return &key;
+    }
+    return nullptr;
+}
+
+std::string MapEntity::ClassName() const {
+    const MapKey* key = Find("classname");
+    return key ? key->value : std::string();
+}
+
+MapFile ParseMap(const std::string& text, const std::string& name) {
+    MapFile map{name, {}};
+    Scanner in(text, map.name);
+    while (!in.AtEnd())
+        map.entities.push_back(TakeEntity(in));
+    return map;
+}
+
+MapFile ReadMapFile(const std::filesystem::path& path) {
+    const std::vector<uint8_t> content = ReadWholeFile(path);
+    return ParseMap(std::string(content.begin(), content.end()), path.string());
+}
+
+double NumberKey(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing) {
+    const MapKey* key = entity.Find(name);
+    if (!key) return ifMissing;
+    double value = 0;
+    const char* end = key->value.data() + key->value.size();
+    const auto result = std::from_chars(key->value.data(), end, value);
+    if (result.ec != std::errc() || result.ptr != end || !(std::abs(value) < 1e9)) {
+        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, key->value), "give it one number");
+    }
+    return value;
+}
+
+std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const std::string& name) {
+    const MapKey* key = entity.Find(name);
+    if (!key) return std::nullopt;
+    std::istringstream words(key->value);
+    Vec3 vector;
+    size_t count = 0;
+    for (std::string word; words >> word; ++count) {
+        double value = 0;
+        const auto result = std::from_chars(word.data(), word.data() + word.size(), value);
+        if (count == 3 || result.ec != std::errc() || result.ptr != word.data() + word.size()) count = 99;
+        if (count < 3) vector[static_cast<int>(count)] = value;
+    }
+    if (count != 3 || !(LengthSquared(vector) < 1e18)) {
+        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, key->value), "give it three numbers");
+    }
+    return vector;
+}

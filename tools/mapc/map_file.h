@@ -1,0 +1,59 @@
+// Reads a .map file: entities with keys and brushes, a brush being the space behind all its planes. Both common ways
+// to write a face are understood, also mixed:
+//     ( x y z ) ( x y z ) ( x y z ) TEXTURE xOffset yOffset rotation xScale yScale
+//     ( x y z ) ( x y z ) ( x y z ) TEXTURE [ ux uy uz uOffset ] [ vx vy vz vOffset ] rotation xScale yScale
+// The three points run clockwise as seen from outside the brush. Numbers after the scales are skipped.
+#pragma once
+
+#include "mapc/geometry.h"
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct MapFace {
+    std::array<Vec3, 3> points;
+    std::string texture;
+    bool hasAxes = false;  // the second form
+    Vec3 uAxis, vAxis;     // only with hasAxes
+    double uOffset = 0;    // texels
+    double vOffset = 0;
+    double rotation = 0;  // degrees; of no effect with hasAxes
+    double uScale = 0;    // map units per texel
+    double vScale = 0;
+    int line = 0;
+};
+
+struct MapBrush {
+    std::vector<MapFace> faces;
+    int line = 0;
+};
+
+struct MapKey {
+    std::string name;
+    std::string value;
+    int line = 0;
+};
+
+struct MapEntity {
+    std::vector<MapKey> keys;
+    std::vector<MapBrush> brushes;
+    int line = 0;
+
+    const MapKey* Find(const std::string& name) const;
+    std::string ClassName() const;  // empty when there is none
+};
+
+struct MapFile {
+    std::string name;  // as messages call it
+    std::vector<MapEntity> entities;
+};
+
+MapFile ParseMap(const std::string& text, const std::string& name);  // ContentError with file and line
+MapFile ReadMapFile(const std::filesystem::path& path);
+
+// Values of keys; a missing key gives the default, a malformed one a ContentError that names the key's line.
+double NumberKey(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing);
+std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const std::string& name);

@@ -1,0 +1,24 @@
+// The drawn surface as polygons over shared vertices. Once the T-junctions are filled, every edge of a solid surface
+// has exactly one neighbour running the other way, so nothing shines through between two polygons.
+#pragma once
+
+#include "mapc/bsp_tree.h"
+
+constexpr double WELD_DISTANCE = 0.1;  // nearer corners are one vertex
+
+struct MeshPolygon {
+    std::vector<int> corners;  // into Mesh::vertices
+    int plane = 0;
+    int texture = 0;
+    bool hidden = false;
+};
+
+struct Mesh {
+    std::vector<Vec3> vertices;
+    std::vector<std::vector<MeshPolygon>> leaves;  // as in the tree
+};
+
+Mesh WeldMesh(const Tree& tree);
+// Gives every edge the vertices that lie on it, and drops polygons that have no area left by that: their two sides have
+// become each other's neighbours. Hidden polygons are left alone.
+void FillTJunctions(Mesh& mesh);

@@ -1,0 +1,116 @@
+#include "mapc/placement.h"
+
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <optional>
+
+namespace {
+
+constexpr std::array<LevelSlot, LEVEL_COUNT> LEVEL_SLOTS{{
+    {"assault", {3837, -1103, 12788}, -1216},
+    {"bigone", {3837, -1103, 12788}, -1216},
+    {"house", {223, 488, -211}, 376},
+    {"soulflum", {1068, -731, 1663}, -848},
+    {"dside", {-15, 507, 1599}, 392},
+    {"swamp", {3444, 408, 4976}, 296},
+    {"wild", {327, -317, -384}, -432},
+    {"assault", {800, 800, 0}, 688},
+}};
+
+// Where the brush's top is above or below the point, as far as a vertical line through the point meets it.
+std::optional<double> TopOf(const Brush& brush, const PlaneTable& planes, const Vec3& p) {
+    double bottom = -std::numeric_limits<double>::max();
+    double top = std::numeric_limits<double>::max();
+    for (const BrushSide& side : brush.sides) {
+        const Plane& plane = planes[side.plane];
+        const double distance = plane.Distance(p);
+        if (std::abs(plane.normal.z) < 1e-9) {
+            if (distance > 0) return std::nullopt;
+            continue;
+        }
+        const double height = p.z - distance / plane.normal.z;
+        if (plane.normal.z > 0) {
+            top = std::min(top, height);
+        } else {
+            bottom = std::max(bottom, height);
+        }
+    }
+    return bottom < top ? std::optional(top) : std::nullopt;
+}
+
+double FloorBelow(const MapFile& map, const Brushes& brushes, const PlayerStart& start) {
+    std::optional<double> floor;
+    for (const Brush& brush : brushes.list) {
+        const std::optional<double> top = TopOf(brush, brushes.planes, start.origin);
+        if (top && *top <= start.origin.z && (!floor || *top > *floor)) floor = top;
+    }
+    if (!floor) {
+        Refuse(map.name, start.line, "there is no floor below info_player_start", "put it above a floor");
+    }
+    return *floor;
+}
+
+}  // namespace
+
+const LevelSlot& LevelSlotOf(int level) {
+    return LEVEL_SLOTS[static_cast<size_t>(level - 1)];
+}
+
+Vec3 Placement::Turned(const Vec3& v) const {
+    Vec3 turned = v;
+    for (int i = 0; i < quarterTurns; ++i)
+        turned = {-turned.y, turned.x, turned.z};
+    return {turned.x, turned.z, turned.y};
+}
+
+Vec3 Placement::ToEngine(const Vec3& p) const {
+    return Turned(p) * scale + Vec3{offset[0], offset[1], offset[2]};
+}
+
+WorldVector Placement::ToFile(const Vec3& p) const {
+    const Vec3 engine = ToEngine(p);
+    return {static_cast<float>(engine.x), static_cast<float>(engine.y), static_cast<float>(engine.z)};
+}
+
+Vec3 Placement::ToMap(const Vec3& p) const {
+    const Vec3 turned = (p - Vec3{offset[0], offset[1], offset[2]}) * (1 / scale);
+    Vec3 map{turned.x, turned.z, turned.y};
+    for (int i = 0; i < quarterTurns; ++i)
+        map = {map.y, -map.x, map.z};
+    return map;
+}
+
+PlayerStart FindPlayerStart(const MapFile& map) {
+    const MapEntity* found = nullptr;
+    for (const MapEntity& entity : map.entities) {
+        if (entity.ClassName() != "info_player_start") continue;
+        if (found) Refuse(map.name, entity.line, "a second info_player_start", "keep one");
+        found = &entity;
+    }
+    if (!found) Refuse(map.name, 0, "there is no info_player_start", "place one where the player begins");
+    const std::optional<Vec3> origin = VectorKey(map, *found, "origin");
+    if (!origin) Refuse(map.name, found->line, "info_player_start has no origin", "place it in the map");
+    const double angle = NumberKey(map, *found, "angle", 0);
+    const double quarters = std::floor(angle / 90);
+    if (angle != quarters * 90) {
+        Refuse(map.name, found->line, fmt::format("info_player_start looks along {} degrees", angle),
+               "use 0, 90, 180 or 270");
+    }
+    return {*origin, static_cast<int>(quarters - std::floor(quarters / 4) * 4) * 90, found->line};
+}
+
+Placement PlaceMap(const MapFile& map, const Brushes& brushes, const PlayerStart& start, int level, double scale) {
+    Placement placement;
+    placement.scale = scale;
+    if (level == 0) return placement;
+    placement.quarterTurns = (90 - start.angle + 360) / 90 % 4;
+    const LevelSlot& slot = LevelSlotOf(level);
+    const Vec3 origin = placement.Turned(start.origin) * scale;
+    placement.offset[0] = slot.start[0] - origin.x;
+    placement.offset[1] = slot.floor - FloorBelow(map, brushes, start) * scale;
+    placement.offset[2] = slot.start[2] - origin.z;
+    return placement;
+}

@@ -1,0 +1,42 @@
+// From map space (x east, y north, z up) to the engine's (x right, y up, z forward): engine = (x, z, y) * scale +
+// offset, after a turn by quarters that makes the player face +z.
+#pragma once
+
+#include "formats/world_file.h"
+#include "mapc/brush.h"
+
+#include <string>
+
+constexpr int LEVEL_COUNT = 8;
+
+// What the game has built in for a level.
+struct LevelSlot {
+    const char* worldName;  // of the world file, without ".bgm"
+    int start[3];           // where the player appears, engine units
+    int floor;              // height of the floor that suits the start
+};
+const LevelSlot& LevelSlotOf(int level);  // 1..8
+
+struct Placement {
+    int quarterTurns = 0;  // about the vertical, counter-clockwise seen from above
+    double scale = 1;      // engine units per map unit
+    double offset[3] = {0, 0, 0};
+
+    Vec3 Turned(const Vec3& v) const;  // engine axes, neither scaled nor moved
+    Vec3 ToEngine(const Vec3& p) const;
+    WorldVector ToFile(const Vec3& p) const;
+    Vec3 ToMap(const Vec3& p) const;  // back from engine space
+};
+
+struct PlayerStart {
+    Vec3 origin;
+    int angle = 0;  // degrees, 0 east, 90 north; a multiple of 90
+    int line = 0;
+};
+
+// The map's info_player_start. ContentError when there is none, more than one, or none with a usable origin and angle.
+PlayerStart FindPlayerStart(const MapFile& map);
+
+// level 0: scaled only. 1..8: the start's east-north position comes to the level's start, the floor below the start to
+// the level's floor, and the start's direction to +z. ContentError when there is no floor below the start.
+Placement PlaceMap(const MapFile& map, const Brushes& brushes, const PlayerStart& start, int level, double scale);

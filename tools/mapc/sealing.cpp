@@ -1,0 +1,208 @@
+#include "mapc/sealing.h"
+
+#include "mapc/box_grid.h"
+
+#include <array>
+
+namespace {
+
+constexpr double MARGIN = 64;            // of empty space around the map
+constexpr double PORTAL_AREA_MIN = 0.1;  // what is smaller lets nothing through
+constexpr double SEEN_AREA_MIN = 0.05;
+constexpr double SOLID_TOLERANCE = 0.01;  // a point on the seam of two brushes is solid
+
+std::array<Plane, 6> SidesOf(const Box& box) {
+    std::array<Plane, 6> sides;  // facing inwards
+    for (int axis = 0; axis < 3; ++axis) {
+        Vec3 normal;
+        normal[axis] = 1;
+        sides[static_cast<size_t>(axis * 2)] = {normal, box.min[axis]};
+        sides[static_cast<size_t>(axis * 2 + 1)] = {-normal, -box.max[axis]};
+    }
+    return sides;
+}
+
+}  // namespace
+
+SealedSpace::SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start) : planes_(brushes.planes) {
+    Box bounds;
+    bounds.Add(start);
+    for (const Face& face : sealing)
+        bounds.Add(face.box);
+    bounds = bounds.Grown(MARGIN);
+    tree_ = BuildSealingTree(std::move(sealing), planes_);
+    leaves_.resize(tree_.leaves.size());
+    std::vector<Plane> hull;
+    for (const Plane& side : SidesOf(bounds))
+        hull.push_back(side.Flipped());
+    MakePortals(0, hull);
+    MakeOuterPortals(bounds);
+    MarkSolid(brushes);
+    Flood(start);
+}
+
+// hull: the planes around the subtree, facing out of it.
+void SealedSpace::MakePortals(int child, std::vector<Plane>& hull) {
+    if (child < 0) return;
+    const TreeNode node = tree_.nodes[static_cast<size_t>(child)];
+    const Plane& plane = planes_[node.plane];
+    Winding winding = BaseWinding(plane);
+    for (size_t i = 0; i < hull.size() && !winding.empty(); ++i)
+        KeepBack(winding, hull[i]);
+    if (!winding.empty()) {
+        std::vector<std::pair<int, Winding>> fronts;
+        std::vector<std::pair<int, Winding>> backs;
+        FilterDown(node.front, std::move(winding), fronts);
+        for (auto& [front, piece] : fronts) {
+            backs.clear();
+            FilterDown(node.back, std::move(piece), backs);
+            for (const auto& [back, portal] : backs)
+                Join(front, back, portal);
+        }
+    }
+    hull.push_back(plane.Flipped());
+    MakePortals(node.front, hull);
+    hull.back() = plane;
+    MakePortals(node.back, hull);
+    hull.pop_back();
+}
+
+void SealedSpace::MakeOuterPortals(const Box& bounds) {
+    const std::array<Plane, 6> sides = SidesOf(bounds);
+    for (const Plane& side : sides) {
+        Winding winding = BaseWinding(side);
+        for (const Plane& other : sides) {
+            if (&other != &side && !winding.empty()) KeepBack(winding, other.Flipped());
+        }
+        std::vector<std::pair<int, Winding>> pieces;
+        FilterDown(0, std::move(winding), pieces);
+        for (const auto& [leaf, piece] : pieces) {
+            LeafSpace& space = leaves_[static_cast<size_t>(leaf)];
+            space.outside = true;
+            space.centreSum = space.centreSum + WindingCentre(piece);
+            ++space.centreCount;
+        }
+    }
+}
+
+void SealedSpace::FilterDown(int child, Winding winding, std::vector<std::pair<int, Winding>>& pieces) const {
+    while (child >= 0) {
+        const TreeNode& node = tree_.nodes[static_cast<size_t>(child)];
+        Winding front;
+        Winding back;
+        SplitWinding(winding, planes_[node.plane], front, back);
+        if (!front.empty() && !back.empty()) {
+            FilterDown(node.back, std::move(back), pieces);
+            winding = std::move(front);
+            child = node.front;
+        } else {
+            child = back.empty() ? node.front : node.back;
+        }
+    }
+    pieces.emplace_back(~child, std::move(winding));
+}
+
+void SealedSpace::Join(int front, int back, const Winding& winding) {
+    const Vec3 centre = WindingCentre(winding);
+    const bool passable = WindingArea(winding) >= PORTAL_AREA_MIN;
+    const int portal = static_cast<int>(portals_.size());
+    if (passable) portals_.push_back({{front, back}, centre});
+    for (const int leaf : {front, back}) {
+        LeafSpace& space = leaves_[static_cast<size_t>(leaf)];
+        if (passable) space.portals.push_back(portal);
+        space.centreSum = space.centreSum + centre;
+        ++space.centreCount;
+    }
+}
+
+// A leaf is all solid or all empty, so a few points inside it tell; more than one, because one could lie just where
+// tolerances decide.
+void SealedSpace::MarkSolid(const Brushes& brushes) {
+    std::vector<Box> boxes;
+    for (const Brush& brush : brushes.list) {
+        if (brush.kind == BrushKind::Solid) boxes.push_back(brush.box);
+    }
+    const BoxGrid grid(boxes);  // solid brushes come first in the list
+    std::vector<int> near;
+    const auto isSolid = [&](const Vec3& p) {
+        grid.Find({p, p}, SOLID_TOLERANCE, near);
+        return std::any_of(near.begin(), near.end(), [&](int i) {
+            return brushes.list[static_cast<size_t>(i)].Holds(p, brushes.planes, SOLID_TOLERANCE);
+        });
+    };
+    for (LeafSpace& leaf : leaves_) {
+        if (leaf.centreCount == 0) {
+            leaf.solid = true;  // no volume
+            continue;
+        }
+        const Vec3 centre = leaf.centreSum * (1.0 / leaf.centreCount);
+        int votes = isSolid(centre) ? 1 : -1;
+        for (size_t i = 0; i < leaf.portals.size() && i < 4; ++i) {
+            votes += isSolid((centre + portals_[static_cast<size_t>(leaf.portals[i])].centre) * 0.5) ? 1 : -1;
+        }
+        leaf.solid = votes > 0;
+    }
+}
+
+int SealedSpace::LeafAt(const Vec3& p) const {
+    int child = 0;
+    while (child >= 0) {
+        const TreeNode& node = tree_.nodes[static_cast<size_t>(child)];
+        child = planes_[node.plane].Distance(p) >= 0 ? node.front : node.back;
+    }
+    return ~child;
+}
+
+// Breadth first, so that a leak is reported along a short way.
+void SealedSpace::Flood(const Vec3& start) {
+    std::vector<int> queue{LeafAt(start)};
+    leaves_[static_cast<size_t>(queue[0])].flooded = true;
+    for (size_t at = 0; at < queue.size(); ++at) {
+        const LeafSpace& leaf = leaves_[static_cast<size_t>(queue[at])];
+        if (leaf.outside) {
+            TracePath(queue[at], start);
+            return;
+        }
+        for (const int number : leaf.portals) {
+            const Portal& portal = portals_[static_cast<size_t>(number)];
+            const int next = portal.leaf[portal.leaf[0] == queue[at] ? 1 : 0];
+            LeafSpace& space = leaves_[static_cast<size_t>(next)];
+            if (space.solid || space.flooded) continue;
+            space.flooded = true;
+            space.cameFrom = number;
+            queue.push_back(next);
+        }
+    }
+}
+
+void SealedSpace::TracePath(int leaf, const Vec3& start) {
+    const LeafSpace& end = leaves_[static_cast<size_t>(leaf)];
+    leakPath_.push_back(end.centreSum * (1.0 / end.centreCount));
+    while (leaves_[static_cast<size_t>(leaf)].cameFrom >= 0) {
+        const Portal& portal = portals_[static_cast<size_t>(leaves_[static_cast<size_t>(leaf)].cameFrom)];
+        leakPath_.push_back(portal.centre);
+        leaf = portal.leaf[portal.leaf[0] == leaf ? 1 : 0];
+    }
+    leakPath_.push_back(start);
+    std::reverse(leakPath_.begin(), leakPath_.end());
+}
+
+bool SealedSpace::IsSeen(const Face& face) const {
+    return SeesFlood(0, face.winding, face.plane);
+}
+
+bool SealedSpace::SeesFlood(int child, const Winding& winding, int plane) const {
+    if (child < 0) {
+        return leaves_[static_cast<size_t>(~child)].flooded && WindingArea(winding) >= SEEN_AREA_MIN;
+    }
+    const TreeNode& node = tree_.nodes[static_cast<size_t>(child)];
+    Winding front;
+    Winding back;
+    if ((node.plane | 1) != (plane | 1)) SplitWinding(winding, planes_[node.plane], front, back);
+    if (front.empty() && back.empty()) {
+        const bool facesFront = Dot(planes_[plane].normal, planes_[node.plane].normal) > 0;
+        return SeesFlood(facesFront ? node.front : node.back, winding, plane);
+    }
+    return (!front.empty() && SeesFlood(node.front, front, plane)) ||
+           (!back.empty() && SeesFlood(node.back, back, plane));
+}

@@ -1,0 +1,46 @@
+// Where the player can get to. The space around the solid brushes is divided into leaves, portals join the empty ones,
+// and a flood from the player's start finds those that belong to the level. A level is sealed: a flood that gets out of
+// it is a leak.
+#pragma once
+
+#include "mapc/bsp_tree.h"
+
+class SealedSpace {
+public:
+    // sealing: Surface::sealing of the brushes. start must not lie in a solid brush.
+    SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start);
+
+    const std::vector<Vec3>& LeakPath() const { return leakPath_; }  // empty when the level is sealed
+    bool IsSeen(const Face& face) const;  // whether some of its front borders on the flooded space
+
+private:
+    struct Portal {
+        int leaf[2];  // in front of and behind its plane
+        Vec3 centre;
+    };
+    struct LeafSpace {
+        bool solid = false;
+        bool flooded = false;
+        bool outside = false;  // borders on the end of the map
+        std::vector<int> portals;
+        Vec3 centreSum;  // of all portals, solid or not
+        int centreCount = 0;
+        int cameFrom = -1;  // portal
+    };
+
+    void MakePortals(int child, std::vector<Plane>& hull);
+    void MakeOuterPortals(const Box& bounds);
+    void FilterDown(int child, Winding winding, std::vector<std::pair<int, Winding>>& pieces) const;
+    void Join(int front, int back, const Winding& winding);
+    void MarkSolid(const Brushes& brushes);
+    int LeafAt(const Vec3& p) const;
+    void Flood(const Vec3& start);
+    void TracePath(int leaf, const Vec3& start);
+    bool SeesFlood(int child, const Winding& winding, int plane) const;
+
+    PlaneTable& planes_;
+    Tree tree_;
+    std::vector<LeafSpace> leaves_;
+    std::vector<Portal> portals_;
+    std::vector<Vec3> leakPath_;
+};

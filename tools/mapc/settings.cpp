@@ -1,0 +1,96 @@
+#include "mapc/settings.h"
+
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+constexpr double LIGHT_DEFAULT = 100;
+constexpr double RADIUS_DEFAULT = 800;
+
+double InRange(const MapFile& map, const MapEntity& entity, const char* name, double ifMissing, double least,
+               double most) {
+    const double value = NumberKey(map, entity, name, ifMissing);
+    if (value < least || value > most) {
+        Refuse(map.name, entity.Find(name)->line, fmt::format("the key {} is {}", name, value),
+               fmt::format("use {} to {}", least, most));
+    }
+    return value;
+}
+
+void ReadColour(const MapFile& map, const MapEntity& entity, const char* name, std::array<int, 3>& colour) {
+    const std::optional<Vec3> vector = VectorKey(map, entity, name);
+    if (!vector) return;
+    for (int channel = 0; channel < 3; ++channel) {
+        const double value = (*vector)[channel];
+        if (value < 0 || value > 63) {
+            Refuse(map.name, entity.Find(name)->line, fmt::format("the colour {} has a channel of {}", name, value),
+                   "use 0 to 63");
+        }
+        colour[static_cast<size_t>(channel)] = static_cast<int>(value);
+    }
+}
+
+// Weights of the eye for red, green and blue; the engine's light has no colour.
+double BrightnessOf(const Vec3& colour) {
+    const double most = std::max({colour.x, colour.y, colour.z}) > 1 ? 255 : 1;
+    return (0.299 * colour.x + 0.587 * colour.y + 0.114 * colour.z) / most;
+}
+
+PointLight LightOf(const MapFile& map, const MapEntity& entity) {
+    const std::optional<Vec3> origin = VectorKey(map, entity, "origin");
+    if (!origin) Refuse(map.name, entity.line, "a light has no origin", "place it in the map");
+    PointLight light{*origin, InRange(map, entity, "light", LIGHT_DEFAULT, -127, 1000),
+                     InRange(map, entity, "radius", RADIUS_DEFAULT, 1, 100000)};
+    if (const std::optional<Vec3> colour = VectorKey(map, entity, "_color")) light.brightness *= BrightnessOf(*colour);
+    return light;
+}
+
+}  // namespace
+
+LevelSettings ReadSettings(const MapFile& map) {
+    LevelSettings settings;
+    if (map.entities.empty() || map.entities[0].ClassName() != "worldspawn") {
+        Refuse(map.name, 0, "the first entity is not worldspawn", "save the map again");
+    }
+    const MapEntity& world = map.entities[0];
+    const auto number = [&](const char* name, double ifMissing, double least, double most) {
+        return InRange(map, world, name, ifMissing, least, most);
+    };
+    settings.scale = number("scale", settings.scale, 0.01, 100);
+    settings.subdivide = number("subdivide", settings.subdivide, 0, 8192);
+    if (settings.subdivide > 0 && settings.subdivide < 128) {
+        Refuse(map.name, world.Find("subdivide")->line, fmt::format("the key subdivide is {}", settings.subdivide),
+               "use 0, or 128 and more: finer surfaces overflow the engine's contact list");
+    }
+    settings.lightLevel = number("light_level", settings.lightLevel, 0, 2);
+    settings.contrast = number("contrast", settings.contrast, 0, 10);
+    settings.ambient = number("ambient", settings.ambient, 0, 127);
+    settings.fadeDistance = static_cast<int>(number("fade_distance", settings.fadeDistance, 1, 1e6));
+    settings.farDistance = static_cast<int>(number("far_distance", settings.farDistance, 1, 1e6));
+    settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
+    settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
+    ReadColour(map, world, "bright_color", settings.brightColour);
+    ReadColour(map, world, "dark_color", settings.darkColour);
+    return settings;
+}
+
+std::vector<PointLight> ReadLights(const MapFile& map) {
+    std::vector<PointLight> lights;
+    for (const MapEntity& entity : map.entities) {
+        if (entity.ClassName() == "light") lights.push_back(LightOf(map, entity));
+    }
+    return lights;
+}
+
+void CheckEntities(const MapFile& map) {
+    for (const MapEntity& entity : map.entities) {
+        const std::string name = entity.ClassName();
+        const bool known = name == "worldspawn" || name == "func_group" || name == "func_detail" || name == "light" ||
+                           name.starts_with("info_");
+        if (known) continue;
+        Refuse(map.name, entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + name,
+               "use worldspawn, func_group, func_detail, light and info_*");
+    }
+}

@@ -1,0 +1,30 @@
+// What the map itself says about its level: the keys of worldspawn and the light entities.
+#pragma once
+
+#include "mapc/map_file.h"
+
+#include <array>
+
+struct LevelSettings {
+    double scale = 1;          // "scale": engine units per map unit
+    double subdivide = 256;    // "subdivide": grid on which large faces are cut so that they take up light; 0 = never
+    double lightLevel = 0.6;   // "light_level": brightness of a light byte of 0; 1 shows the textures unchanged
+    double contrast = 1;       // "contrast": weight of the light bytes
+    double ambient = 20;       // "ambient": light byte where no light reaches, 0..127
+    int fadeDistance = 10000;  // "fade_distance": software, everything has faded to the dark colour
+    int farDistance = 16000;   // "far_distance": software, nothing beyond is drawn
+    int lightMode = 0;         // "light_mode": 2 inverts the light
+    bool plainBrightening = false;                // "plain_brightening": all colours brighten by the same fraction
+    std::array<int, 3> brightColour{63, 63, 63};  // "bright_color": towards which light brightens, 0..63 each
+    std::array<int, 3> darkColour{0, 0, 0};       // "dark_color": towards which darkness and distance fade
+};
+
+struct PointLight {
+    Vec3 origin;            // map space
+    double brightness = 0;  // "light", times the brightness of "_color": light byte at the lamp
+    double radius = 0;      // "radius": map units to where it has faded to nothing
+};
+
+LevelSettings ReadSettings(const MapFile& map);          // ContentError for a key out of its range
+std::vector<PointLight> ReadLights(const MapFile& map);  // in map order
+void CheckEntities(const MapFile& map);                  // ContentError for a class that is not known

@@ -1,0 +1,101 @@
+#include "mapc/texture_axes.h"
+
+#include "mapc/angles.h"
+
+#include <array>
+
+namespace {
+
+struct FacingAxes {
+    Vec3 normal, u, v;
+};
+
+// Of equals the first wins, so a 45 degree slope is painted like a floor.
+constexpr std::array<FacingAxes, 6> FACINGS{{
+    {{0, 0, 1}, {1, 0, 0}, {0, -1, 0}},
+    {{0, 0, -1}, {1, 0, 0}, {0, -1, 0}},
+    {{1, 0, 0}, {0, 1, 0}, {0, 0, -1}},
+    {{-1, 0, 0}, {0, 1, 0}, {0, 0, -1}},
+    {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},
+    {{0, -1, 0}, {1, 0, 0}, {0, 0, -1}},
+}};
+
+const FacingAxes& FacingOf(const Vec3& normal) {
+    constexpr double CLEARLY = 1e-9;
+    const FacingAxes* best = &FACINGS[0];
+    for (const FacingAxes& facing : FACINGS) {
+        if (Dot(normal, facing.normal) > Dot(normal, best->normal) + CLEARLY) best = &facing;
+    }
+    return *best;
+}
+
+int MainAxis(const Vec3& v) {
+    return v.x != 0 ? 0 : v.y != 0 ? 1 : 2;
+}
+
+Vec3 Rotated(Vec3 v, int first, int second, const SineCosine& turn) {
+    const double a = v[first];
+    const double b = v[second];
+    v[first] = turn.cosine * a - turn.sine * b;
+    v[second] = turn.sine * a + turn.cosine * b;
+    return v;
+}
+
+// Least and greatest texel coordinate of the corners.
+std::array<double, 2> RangeOf(const Winding& winding, const Vec3& axis, double offset) {
+    std::array<double, 2> range{std::numeric_limits<double>::max(), -std::numeric_limits<double>::max()};
+    for (const Vec3& p : winding) {
+        range[0] = std::min(range[0], Dot(p, axis) + offset);
+        range[1] = std::max(range[1], Dot(p, axis) + offset);
+    }
+    return range;
+}
+
+// The shift in texels; sets fits when the range is exactly one repeat.
+double RepeatShift(const std::array<double, 2>& range, double size, bool& fits) {
+    constexpr double ALMOST = 0.01;  // texels
+    const double first = std::floor((range[0] + ALMOST) / size);
+    fits = std::abs(range[0] - first * size) < ALMOST && std::abs(range[1] - (first + 1) * size) < ALMOST;
+    if (range[1] <= (first + 1) * size + ALMOST) return first * size;
+    return std::floor((range[0] + range[1]) / 2 / size) * size;
+}
+
+void Inset(Vec3& axis, double& offset, double size) {
+    const double shrink = (size - 1) / size;
+    axis = axis * shrink;
+    offset = offset * shrink + 0.5;
+}
+
+}  // namespace
+
+FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& material) {
+    FaceTexture texture;
+    texture.material = &material;
+    texture.line = face.line;
+    Vec3 u = face.uAxis;
+    Vec3 v = face.vAxis;
+    if (!face.hasAxes) {
+        const FacingAxes& facing = FacingOf(normal);
+        const SineCosine turn = SineCosineOfDegrees(face.rotation);
+        u = Rotated(facing.u, MainAxis(facing.u), MainAxis(facing.v), turn);
+        v = Rotated(facing.v, MainAxis(facing.u), MainAxis(facing.v), turn);
+    }
+    texture.uAxis = u * (1 / (face.uScale != 0 ? face.uScale : UNITS_PER_TEXEL));
+    texture.vAxis = v * (1 / (face.vScale != 0 ? face.vScale : UNITS_PER_TEXEL));
+    texture.uOffset = face.uOffset;
+    texture.vOffset = face.vOffset;
+    return texture;
+}
+
+void PlaceTexture(FaceTexture& texture, const Winding& winding) {
+    const double width = texture.material->width;
+    const double height = texture.material->height;
+    bool fitsU = false;
+    bool fitsV = false;
+    texture.uOffset -= RepeatShift(RangeOf(winding, texture.uAxis, texture.uOffset), width, fitsU);
+    texture.vOffset -= RepeatShift(RangeOf(winding, texture.vAxis, texture.vOffset), height, fitsV);
+    if (fitsU && fitsV) {
+        Inset(texture.uAxis, texture.uOffset, width);
+        Inset(texture.vAxis, texture.vOffset, height);
+    }
+}

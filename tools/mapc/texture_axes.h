@@ -1,0 +1,26 @@
+// How a face of the map is painted: from a place to texel coordinates.
+#pragma once
+
+#include "formats/material_list.h"
+#include "mapc/map_file.h"
+#include "mapc/winding.h"
+
+constexpr double UNITS_PER_TEXEL = 2;  // where the map gives no scale
+
+struct FaceTexture {
+    const Material* material = nullptr;
+    bool cornerLight = false;  // a light byte per corner instead of per point
+    Vec3 uAxis, vAxis;         // texels per map unit
+    double uOffset = 0;        // texels
+    double vOffset = 0;
+    int line = 0;  // of the face in the map
+
+    double U(const Vec3& p) const { return (Dot(p, uAxis) + uOffset) * 256; }  // 1/256 texel, as the engine wants it
+    double V(const Vec3& p) const { return (Dot(p, vAxis) + vOffset) * 256; }
+};
+
+// The face's own axes, or those that its direction and rotation give.
+FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& material);
+// Moves the texture by whole repeats so that the coordinates of the face stay small, and keeps a picture that fits the
+// face exactly half a texel inside its border, where neither wrapping nor filtering reaches the opposite side.
+void PlaceTexture(FaceTexture& texture, const Winding& winding);
