@@ -6,7 +6,7 @@
 
 DisplayContext Display;
 uint8_t DisplayState = DISPLAY_NONE;
-DisplayMode DisplayModeTable[DISPLAY_MODE_LIMIT];
+DisplayModeEntry DisplayModeTable[DISPLAY_MODE_LIMIT];
 uint16_t DisplayModeCount;
 uint8_t* SurfaceMemory;
 int32_t SurfacePitch;
@@ -15,22 +15,23 @@ namespace {
 
 constexpr UINT PALETTE_SIZE = 256;
 
-bool operator==(const DisplayMode& a, const DisplayMode& b) {
+bool operator==(const DisplayModeEntry& a, const DisplayModeEntry& b) {
     return a.width == b.width && a.height == b.height && a.bits == b.bits;
 }
 
 // Modes that differ only in refresh rate come one after the other and are stored once.
 HRESULT StoreMode(const DDSURFACEDESC* description, void*) {
     if (DisplayModeCount >= DISPLAY_MODE_LIMIT) return DDENUMRET_CANCEL;
-    const DisplayMode mode = {description->dwWidth, description->dwHeight, description->ddpfPixelFormat.dwRGBBitCount};
+    const DisplayModeEntry mode = {description->dwWidth, description->dwHeight,
+                                   description->ddpfPixelFormat.dwRGBBitCount};
     if (DisplayModeCount > 0 && mode == DisplayModeTable[DisplayModeCount - 1]) return DDENUMRET_OK;
     DisplayModeTable[DisplayModeCount++] = mode;
     return DDENUMRET_OK;
 }
 
-const DisplayMode* FindMode(uint32_t width, uint32_t height, uint32_t bits) {
+const DisplayModeEntry* FindMode(uint32_t width, uint32_t height, uint32_t bits) {
     for (uint16_t i = 0; i < DisplayModeCount; i++) {
-        const DisplayMode& mode = DisplayModeTable[i];
+        const DisplayModeEntry& mode = DisplayModeTable[i];
         if (mode.bits == bits && mode.width >= width && mode.height >= height) return &mode;
     }
     return nullptr;
@@ -51,7 +52,7 @@ bool CreateFlipChain(DisplayContext& context) {
            !Failed(context.primary->GetAttachedSurface(&backBuffer, &context.back));
 }
 
-bool CreateOffscreen(DisplayContext& context, const DisplayMode& mode) {
+bool CreateOffscreen(DisplayContext& context, const DisplayModeEntry& mode) {
     DDSURFACEDESC description = {};
     description.dwSize = sizeof(description);
     description.dwFlags = DDSD_CAPS | DDSD_HEIGHT | DDSD_WIDTH;
@@ -65,7 +66,7 @@ bool OpenContext(HWND window, DisplayContext& context, uint32_t width, uint32_t 
     if (Failed(DirectDrawCreate(nullptr, &context.directDraw, nullptr))) return false;
     if (Failed(context.directDraw->SetCooperativeLevel(window, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN))) return false;
     if (Failed(context.directDraw->EnumDisplayModes(0, nullptr, nullptr, StoreMode))) return false;
-    const DisplayMode* mode = FindMode(width, height, bits);
+    const DisplayModeEntry* mode = FindMode(width, height, bits);
     if (!mode) return false;
     context.source = Area(width, height);
     context.mode = Area(mode->width, mode->height);

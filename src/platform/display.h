@@ -23,11 +23,11 @@ constexpr uint8_t DISPLAY_NONE = 0;
 constexpr uint8_t DISPLAY_FULL_SCREEN = 2;
 extern uint8_t DisplayState;
 
-struct DisplayMode {
+struct DisplayModeEntry {
     uint32_t width, height, bits;
 };
 constexpr uint16_t DISPLAY_MODE_LIMIT = 100;
-extern DisplayMode DisplayModeTable[DISPLAY_MODE_LIMIT];  // for the whole run: each opening appends what it finds
+extern DisplayModeEntry DisplayModeTable[DISPLAY_MODE_LIMIT];  // for the whole run: each opening appends what it finds
 extern uint16_t DisplayModeCount;
 
 extern uint8_t* SurfaceMemory;  // the locked offscreen surface; set by LockSurface

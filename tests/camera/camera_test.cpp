@@ -1,0 +1,291 @@
+#include "camera/camera.h"
+
+#include "character/character_tables.h"
+#include "platform/input.h"
+#include "render/render_tables.h"
+#include "support/tiny_world.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+constexpr Vec3 NORTH = {0, 0, 1}, SOUTH = {0, 0, -1}, WEST = {-1, 0, 0};
+
+float DistanceBetween(const Vec3& a, const Vec3& b) {
+    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+}
+
+class CameraTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        CameraState = {};
+        CameraMode = CAMERA_FOLLOW;
+        CameraPos = CameraAngles = {};
+        CameraRotation = {};
+        MouseInput = {};
+        PlayerActor = {};
+        ScreenAspect = 1.0f;
+    }
+    void TearDown() override { SetUp(); }
+
+    static void Mouse(int16_t buttons, int16_t x, int16_t y) {
+        MouseInput = {static_cast<int16_t>(buttons & 1), static_cast<int16_t>(buttons & 2), x, y, buttons};
+    }
+
+    static void Update(int frames) {
+        for (int i = 0; i < frames; i++)
+            UpdateCamera();
+    }
+
+    static float DistanceFromHead() {
+        const Vec3& target = CameraState.target;
+        return DistanceBetween(CameraPos, {target.x, target.y + CAMERA_HEAD_HEIGHT, target.z});
+    }
+
+    // A world of one leaf.
+    void Build(const std::vector<Corners>& polygons) {
+        world.AddLeaf(polygons);
+        world.Publish();
+    }
+
+    TinyWorld world;
+};
+
+using ProbeTest = CameraTest;
+using FollowCamera = CameraTest;
+using FreeCamera = CameraTest;
+
+}  // namespace
+
+TEST_F(ProbeTest, OneWallRows) {
+    struct Row {
+        const char* what;
+        Corners wall;
+        Vec3 start, end;
+        float distance;
+    };
+    const Vec3 origin = {0, 0, 0}, ahead = {0, 0, 250};
+    const Row rows[] = {
+        {"faces the start", FacingSquare({0, 0, 100}, SOUTH, 50), origin, ahead, 100},
+        {"beyond the end, on the line", FacingSquare({0, 0, 400}, SOUTH, 50), origin, ahead, 400},
+        {"turns its back", FacingSquare({0, 0, 100}, NORTH, 50), origin, ahead, 250},
+        {"behind the start", FacingSquare({0, 0, -100}, NORTH, 50), origin, ahead, 250},
+        {"parallel to the line", FacingSquare({10, 0, 100}, WEST, 50), origin, ahead, 250},
+        {"touches the start, which counts as the positive side", FacingSquare(origin, SOUTH, 50), origin, ahead, 250},
+        {"edge just inside the tolerance", FacingSquare({50.09f, 0, 100}, SOUTH, 50), origin, ahead, 100},
+        {"edge just outside the tolerance", FacingSquare({50.11f, 0, 100}, SOUTH, 50), origin, ahead, 250},
+        {"a tiny sideways component keeps its sign",
+         FacingSquare({3000, 0, 100}, SOUTH, 50),
+         {3000, 0, 0},
+         {2999.9998f, 0, 250},
+         100},
+        {"no length", FacingSquare({0, 0, 100}, SOUTH, 50), origin, origin, 0},
+        {"slanting line", FacingSquare({0, 0, 30}, SOUTH, 500), origin, {40, 0, 30}, 50},
+    };
+    for (const Row& row : rows) {
+        TinyWorld one;
+        one.AddLeaf({row.wall});
+        one.Publish();
+        EXPECT_NEAR(CameraRayDistance(row.start, row.end), row.distance, 1e-3) << row.what;
+    }
+}
+
+TEST_F(ProbeTest, NearestPolygonOfALeafWinsInAnyOrder) {
+    Build({FacingSquare({0, 0, 200}, SOUTH, 50), FacingSquare({0, 0, 80}, SOUTH, 50),
+           FacingSquare({0, 0, 120}, SOUTH, 50)});
+    EXPECT_FLOAT_EQ(CameraRayDistance({0, 0, 0}, {0, 0, 250}), 80.0f);
+}
+
+TEST_F(ProbeTest, InsideARoomTheDistanceIsThatOfTheBox) {
+    const float size[] = {300, 200, 400};
+    Build(RoomSides({-300, -200, -400}, {300, 200, 400}));
+    std::mt19937 random(5);
+    std::uniform_real_distribution<float> unit(-1.0f, 1.0f);
+    for (int i = 0; i < 2000; i++) {
+        const float start[] = {unit(random) * 290, unit(random) * 190, unit(random) * 390};
+        const float way[] = {unit(random) * 100, unit(random) * 100, unit(random) * 100};
+        double nearest = 1e9;  // in lengths of `way`
+        for (int k = 0; k < 3; k++)
+            nearest = std::min(nearest, (std::copysign(double{size[k]}, way[k]) - start[k]) / way[k]);
+        const double expected = nearest * std::hypot(way[0], way[1], way[2]);
+        const float distance = CameraRayDistance({start[0], start[1], start[2]},
+                                                 {start[0] + way[0], start[1] + way[1], start[2] + way[2]});
+        ASSERT_NEAR(distance, expected, 1e-3 * expected) << "ray " << i;
+    }
+}
+
+TEST_F(ProbeTest, WalkEndsWithTheFirstSubtreeThatIsHit) {
+    // The wall of the front side reaches into the back side, where a nearer one stands: trees of a compiler never do
+    // this, and it shows which side is walked first.
+    const int16_t front = world.AddLeaf({FacingSquare({0, 0, 200}, SOUTH, 50)});
+    const int16_t back = world.AddLeaf({FacingSquare({0, 0, 50}, SOUTH, 50)});
+    world.AddNode({1, 0, 0, 0}, front, back);
+    world.Publish();
+    EXPECT_FLOAT_EQ(CameraRayDistance({0.5f, 0, 0}, {0.5f, 0, 250}), 200.0f);
+    EXPECT_FLOAT_EQ(CameraRayDistance({-1.5f, 0, 0}, {-1.5f, 0, 250}), 50.0f);
+    // The side is that of the start cut to whole numbers: -0.5 counts as 0, in front.
+    EXPECT_FLOAT_EQ(CameraRayDistance({-0.5f, 0, 0}, {-0.5f, 0, 250}), 200.0f);
+}
+
+TEST_F(ProbeTest, OtherChildIsWalkedWhenTheFirstHasNoHit) {
+    const int16_t front = world.AddLeaf({FacingSquare({0, 0, 100}, NORTH, 50)});
+    const int16_t back = world.AddLeaf({FacingSquare({0, 0, 150}, SOUTH, 50)});
+    const int16_t inner = world.AddNode({0, 1, 0, 0}, world.AddLeaf({}), back);
+    world.AddNode({0, 0, -1, 120}, front, inner);
+    world.Publish();
+    EXPECT_FLOAT_EQ(CameraRayDistance({0, 0, 0}, {0, 0, 250}), 150.0f);
+}
+
+TEST_F(ProbeTest, EdgeOfNoLengthBoundsNothing) {
+    Corners wall = FacingSquare({0, 0, 100}, SOUTH, 50);
+    wall.push_back(wall.back());
+    Build({wall});
+    EXPECT_FLOAT_EQ(CameraRayDistance({0, 0, 0}, {0, 0, 250}), 100.0f);
+    EXPECT_FLOAT_EQ(CameraRayDistance({60, 0, 0}, {60, 0, 250}), 250.0f);
+}
+
+TEST_F(FollowCamera, RestsBehindAndAboveThePlayerInTheOpen) {
+    Build({});
+    PlayerActor.position = {1000, 200, -500};
+    PlayerActor.angles.y = 90.0f;  // forward is -x
+    Update(60);
+    EXPECT_NEAR(DistanceFromHead(), 230.0, 1e-2);
+    EXPECT_NEAR(CameraPos.x, 1230.0, 0.1);
+    EXPECT_NEAR(CameraPos.y, 260.0, 0.5);
+    EXPECT_NEAR(CameraPos.z, -500.0, 0.1);
+    EXPECT_EQ(CameraAngles.x, 0.1f);  // instead of 0
+}
+
+TEST_F(FollowCamera, StopsTwentyInFrontOfAWall) {
+    struct Row {
+        float wall, camera;
+    };
+    for (const Row& row : {Row{100, 80}, Row{249, 229}, Row{260, 230}, Row{10, -10}}) {
+        TinyWorld slab;
+        slab.AddLeaf(BlockSides({-500, -500, -row.wall - 8}, {500, 500, -row.wall}));
+        slab.Publish();
+        UpdateCamera();
+        EXPECT_NEAR(CameraPos.z, -row.camera, 1e-2) << row.wall;
+    }
+}
+
+TEST_F(FollowCamera, CoversAQuarterOfTheWayEachFrame) {
+    Build({});
+    PlayerActor.position = {100, 0, 0};
+    PlayerActor.angles.y = 720.0f;  // headings are not taken modulo a turn
+    UpdateCamera();
+    EXPECT_EQ(CameraState.target.x, 25.0f);
+    EXPECT_EQ(CameraState.heading, 180.0f);
+    UpdateCamera();
+    EXPECT_EQ(CameraState.target.x, 43.75f);
+    EXPECT_EQ(CameraState.heading, 315.0f);
+    for (int i = 0; i < 100; i++) {
+        PlayerActor.position.z += 8.6f;
+        UpdateCamera();
+    }
+    EXPECT_NEAR(PlayerActor.position.z - CameraState.target.z, 25.8, 0.01);  // behind a runner
+}
+
+TEST_F(FollowCamera, LookIsLimitedButItsAccumulatorIsNot) {
+    Build({});
+    CameraAngles.z = 3.0f;
+    Mouse(1, 0, 100);
+    UpdateCamera();
+    EXPECT_EQ(CameraAngles.x, 15.0f);  // 25 before the limit
+    Mouse(0, 0, 100);                  // without the button nothing is added
+    Update(10);
+    EXPECT_EQ(CameraState.pitchAccumulator, 100.0f);
+    Mouse(1, 0, -80);
+    UpdateCamera();
+    EXPECT_EQ(CameraAngles.x, 15.0f);  // the accumulator is still above
+    Mouse(1, 0, -20);
+    UpdateCamera();
+    EXPECT_EQ(CameraAngles.x, 11.25f);
+    Mouse(1, 40, -1000);
+    Update(30);
+    EXPECT_EQ(CameraAngles.x, -90.0f);
+    EXPECT_NEAR(CameraAngles.y, 1200.0 - 3 * 40.0, 0.1);  // unlimited, three frames behind
+    EXPECT_EQ(CameraAngles.z, 3.0f);
+}
+
+TEST_F(FreeCamera, MovesAndLooksByTheButtons) {
+    struct Row {
+        const char* what;
+        int16_t buttons, x, y;
+        float moveX, moveZ, yaw, pitch;  // moves after their decay by a quarter
+    };
+    const Row rows[] = {
+        {"no button moves", 0, 43, -43, 7.5f, 7.5f, 0, 0},  {"left looks", 1, 43, 43, 0, 0, -5, 5},
+        {"right does nothing", 2, 43, 43, 0, 0, 0, 0},      {"both look", 3, -43, -43, 0, 0, 5, -5},
+        {"three counts are too few", 0, 3, -3, 0, 0, 0, 0}, {"seven counts are too few to look", 1, 7, -7, 0, 0, 0, 0},
+    };
+    for (const Row& row : rows) {
+        SetUp();
+        CameraMode = CAMERA_FREE;
+        Mouse(row.buttons, row.x, row.y);
+        UpdateCamera();
+        EXPECT_EQ(CameraState.moveX, row.moveX) << row.what;
+        EXPECT_EQ(CameraState.moveZ, row.moveZ) << row.what;
+        EXPECT_EQ(CameraState.yawAccumulator, row.yaw) << row.what;
+        EXPECT_EQ(CameraState.pitchAccumulator, row.pitch) << row.what;
+        EXPECT_EQ(CameraAngles.y, row.yaw / 4) << row.what;
+        EXPECT_EQ(CameraAngles.x, row.pitch / 4) << row.what;
+    }
+}
+
+TEST_F(FreeCamera, FliesByTheRotationOfTheFrameBefore) {
+    CameraMode = CAMERA_FREE;
+    Update(1);  // builds the rotation
+    CameraState.yawAccumulator = 360.0f;
+    CameraState.moveZ = 10.9f;
+    UpdateCamera();
+    EXPECT_EQ(CameraPos.z, 10.0f);  // straight ahead still, and whole units only
+    EXPECT_EQ(CameraPos.x, 0.0f);
+    EXPECT_EQ(CameraAngles.y, 90.0f);
+    CameraState.moveZ = 10.9f;
+    UpdateCamera();
+    EXPECT_EQ(CameraPos.x, -10.0f);
+    EXPECT_EQ(CameraPos.z, 10.0f);
+}
+
+TEST_F(FreeCamera, ReturnToFollowKeepsTheLook) {
+    Build({});
+    CameraMode = CAMERA_FREE;
+    Mouse(1, -400, -80);
+    UpdateCamera();
+    CameraMode = CAMERA_FOLLOW;
+    Mouse(0, 0, 0);
+    Update(60);
+    EXPECT_NEAR(CameraAngles.y, 50.0, 1e-3);
+    EXPECT_NEAR(CameraAngles.x, -10.0, 1e-3);
+}
+
+TEST_F(CameraTest, ViewMatrixTakesTheCameraToTheOriginAndForwardToZ) {
+    Build({});
+    ScreenAspect = 1.25f;
+    CameraMode = 7;  // no mode: only the translation is built
+    CameraPos = {10, 20, 30};
+    ViewMatrix.rotation = {{1, 0, 0, 0, 1, 0, 0, 0, 1}};
+    UpdateCamera();
+    EXPECT_EQ(CameraPos.x, 10.0f);
+    EXPECT_EQ(ViewMatrix.translation.y, -20.0f);
+
+    CameraMode = CAMERA_FOLLOW;
+    PlayerActor.position = {500, 0, 700};
+    PlayerActor.angles.y = 30.0f;
+    Update(60);
+    const auto view = [](const Vec3& p, int row) {
+        const float* m = ViewMatrix.rotation.m + 3 * row;
+        const float t[] = {ViewMatrix.translation.x, ViewMatrix.translation.y, ViewMatrix.translation.z};
+        return m[0] * p.x + m[1] * p.y + m[2] * p.z + t[row];
+    };
+    const Vec3 head = {500, 60, 700}, above = {500, 70, 700};
+    for (int row = 0; row < 3; row++)
+        EXPECT_NEAR(view(CameraPos, row), 0.0, 1e-3);
+    EXPECT_NEAR(view(head, 0), 0.0, 1e-2);
+    EXPECT_NEAR(view(head, 2), 230.0, 1e-2);
+    EXPECT_NEAR(view(above, 1) - view(head, 1), 12.5, 1e-2);  // stretched by the aspect
+}

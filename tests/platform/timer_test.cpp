@@ -1,0 +1,67 @@
+#include "platform/timer.h"
+
+#include "fake_machine.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Timer : public ::testing::Test {
+protected:
+    void SetUp() override {
+        Fake = {};
+        MeasuredTicks = FrameTicks = 0;
+        StartAt(1000);
+    }
+
+    static void StartAt(uint32_t milliseconds) {
+        Fake.clock = milliseconds;
+        Fake.clockStep = 0;
+        TimerReset();
+        Fake.clockStep = 1;
+    }
+
+    // A frame whose own work takes `milliseconds`: the first reading of the wait shows them.
+    static uint32_t Frame(uint32_t milliseconds) {
+        Fake.clock += milliseconds - 1;
+        FrameLimiter();
+        FrameStep();
+        return FrameTicks;
+    }
+};
+
+}  // namespace
+
+TEST_F(Timer, FramesAreCountedInWholeTicksBetweenTheMinimumAndTwelve) {
+    struct Row {
+        uint16_t minimum;
+        uint32_t milliseconds, ticks, endsAfter;
+    };
+    const Row rows[] = {
+        {1, 5, 1, 16},  {1, 15, 1, 16}, {1, 16, 1, 16}, {1, 31, 1, 31},    {1, 32, 2, 32},    {4, 1, 4, 64},
+        {4, 63, 4, 64}, {4, 70, 4, 70}, {4, 80, 5, 80}, {2, 191, 11, 191}, {1, 500, 12, 500}, {13, 1, 12, 208},
+    };
+    for (const uint32_t start : {1000u, 0xFFFFFFF0u}) {  // the clock wraps during every row of the second
+        for (const Row& row : rows) {
+            StartAt(start);
+            MinFrameTicks = row.minimum;
+            EXPECT_EQ(Frame(row.milliseconds), row.ticks) << row.milliseconds;
+            EXPECT_EQ(Fake.clock - start, row.endsAfter) << row.milliseconds;
+        }
+    }
+}
+
+TEST_F(Timer, RestOfATickIsLost) {
+    MinFrameTicks = 1;
+    EXPECT_EQ(Frame(31), 1u);
+    EXPECT_EQ(Frame(17), 1u);  // 48 ms in all, and 2 ticks
+}
+
+TEST_F(Timer, WithoutAMinimumTheClockIsNotRead) {
+    MinFrameTicks = 0;
+    Fake.clockReadings = 0;
+    FrameLimiter();
+    FrameStep();
+    EXPECT_EQ(Fake.clockReadings, 0);
+    EXPECT_EQ(FrameTicks, 1u);
+}
