@@ -23,6 +23,7 @@ CHECK="
 program clang++      clang
 runtime fuzzer       libclang-rt-14-dev
 module  gtest        libgtest-dev
+module  x11          libx11-dev
 program Xvfb         xvfb
 program xdotool      xdotool
 "

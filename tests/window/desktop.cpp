@@ -1,0 +1,244 @@
+#include "window/desktop.h"
+
+#include <gtest/gtest.h>  // before the macros of Xlib
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+constexpr int KEY_HELD_MS = 150;  // the slowest levels play 15 frames a second
+constexpr int WAIT_SECONDS = 30;
+const char* const TITLE = "Tarnwick";
+
+Display* Connection(void* display) {
+    return static_cast<Display*>(display);
+}
+
+bool Installed(const std::string& program) {
+    return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+pid_t Spawn(const std::vector<std::string>& command, const std::string& outputFile, int keptOpen) {
+    std::vector<char*> arguments;
+    for (const std::string& word : command)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    const pid_t child = fork();
+    if (child != 0) return child;
+    const int output = open(outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    dup2(output, STDOUT_FILENO);
+    if (keptOpen >= 0) fcntl(keptOpen, F_SETFD, 0);
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+void End(pid_t& process) {
+    if (process <= 0) return;
+    kill(process, SIGTERM);
+    waitpid(process, nullptr, 0);
+    process = -1;
+}
+
+// The server chooses a free display number itself and writes it into the pipe.
+std::string StartServer(pid_t& server) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return {};
+    const std::string size = std::to_string(Desktop::WIDTH) + "x" + std::to_string(Desktop::HEIGHT) + "x24";
+    server = Spawn({"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", size, "-nolisten", "tcp"},
+                   "/dev/null", ends[1]);
+    close(ends[1]);
+    std::string number;
+    for (char digit = 0; read(ends[0], &digit, 1) == 1 && digit != '\n';)
+        number += digit;
+    close(ends[0]);
+    return ":" + number;
+}
+
+Window FindWindow(Display* display, Window parent) {
+    Window root = 0, above = 0, *children = nullptr;
+    unsigned count = 0;
+    if (!XQueryTree(display, parent, &root, &above, &children, &count)) return 0;
+    Window found = 0;
+    for (unsigned i = 0; i < count && !found; i++) {
+        char* name = nullptr;
+        if (XFetchName(display, children[i], &name) && std::strcmp(name, TITLE) == 0) found = children[i];
+        if (name) XFree(name);
+    }
+    if (children) XFree(children);
+    return found;
+}
+
+// The window may be gone before a request about it arrives; that is no reason to end the test.
+int IgnoreError(Display*, XErrorEvent*) {
+    return 0;
+}
+
+}  // namespace
+
+bool ScreenPicture::Black(int left, int top, int right, int bottom) const {
+    for (int y = top; y < bottom; y++)
+        for (int x = left; x < right; x++)
+            if (pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)] != 0) return false;
+    return true;
+}
+
+bool Desktop::Possible() {
+    return Installed("Xvfb") && Installed("xdotool");
+}
+
+Desktop::Desktop() {
+    char pattern[] = "/tmp/tarnwick-window-XXXXXX";
+    folder = mkdtemp(pattern);
+    displayName = StartServer(server);
+    setenv("DISPLAY", displayName.c_str(), 1);
+    display = XOpenDisplay(displayName.c_str());
+    XSetErrorHandler(IgnoreError);
+    EXPECT_TRUE(display) << displayName;
+}
+
+Desktop::~Desktop() {
+    End(game);
+    if (display) XCloseDisplay(Connection(display));
+    End(server);
+    std::filesystem::remove_all(folder);
+}
+
+void Desktop::StartGame(const std::vector<std::string>& options) {
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // the display drivers keep memory to the end
+    std::filesystem::remove(TraceFile());
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("SDL_VIDEODRIVER");
+    std::vector<std::string> command = {BUILD_FOLDER "/tarnwick", "--verbose", "--trace", TraceFile()};
+    command.insert(command.end(), options.begin(), options.end());
+    game = Spawn(command, OutputFile(), -1);
+    ASSERT_TRUE(WaitFor([&] { return GameWindow() != 0 || !GameRuns(); }));
+    ASSERT_TRUE(GameRuns());
+    GiveFocus();
+    ASSERT_TRUE(WaitFor([&] { return !Screen().Black(0, 0, WIDTH, HEIGHT); })) << "nothing is shown";
+}
+
+bool Desktop::GameRuns() {
+    siginfo_t state{};
+    return waitid(P_PID, static_cast<id_t>(game), &state, WEXITED | WNOHANG | WNOWAIT) == 0 && state.si_pid == 0;
+}
+
+int Desktop::GameStatus() {
+    if (!WaitFor([&] { return !GameRuns(); })) return -1;
+    int status = 0;
+    waitpid(game, &status, 0);
+    game = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string Desktop::OutputFile() const {
+    return folder + "/output";
+}
+
+std::string Desktop::TraceFile() const {
+    return folder + "/trace";
+}
+
+size_t Desktop::TracedFrames() const {
+    std::ifstream trace(TraceFile());
+    return static_cast<size_t>(std::count(std::istreambuf_iterator<char>(trace), {}, '\n'));
+}
+
+void Desktop::ChooseFirstLevel() {
+    // Each screen ignores the keys of the others, so all may be pressed until the level has begun.
+    ASSERT_TRUE(WaitFor([&] {
+        for (const char* key : {"space", "F1", "F11"})
+            Key(key);
+        return TracedFrames() > 0;
+    }));
+}
+
+void Desktop::Key(const std::string& key) {
+    Input("keydown " + key);
+    Rest(KEY_HELD_MS);
+    Input("keyup " + key);
+    Rest(KEY_HELD_MS);
+}
+
+void Desktop::Input(const std::string& xdotoolCommand) {
+    EXPECT_EQ(std::system(("DISPLAY=" + displayName + " xdotool " + xdotoolCommand).c_str()), 0) << xdotoolCommand;
+}
+
+void Desktop::TakeFocus() {
+    Display* connection = Connection(display);
+    if (!otherWindow) {
+        otherWindow = XCreateSimpleWindow(connection, DefaultRootWindow(connection), 0, 0, 8, 8, 0, 0, 0);
+        XMapWindow(connection, otherWindow);
+        XSync(connection, False);
+    }
+    XSetInputFocus(connection, otherWindow, RevertToParent, CurrentTime);
+    XSync(connection, False);
+}
+
+void Desktop::GiveFocus() {
+    XSetInputFocus(Connection(display), GameWindow(), RevertToParent, CurrentTime);
+    XSync(Connection(display), False);
+}
+
+void Desktop::ResizeGame(int width, int height) {
+    XMoveResizeWindow(Connection(display), GameWindow(), 0, 0, static_cast<unsigned>(width),
+                      static_cast<unsigned>(height));
+    XSync(Connection(display), False);
+}
+
+void Desktop::PressCloseButton() {
+    Display* connection = Connection(display);
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = GameWindow();
+    event.xclient.message_type = XInternAtom(connection, "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(connection, "WM_DELETE_WINDOW", False));
+    event.xclient.data.l[1] = CurrentTime;
+    XSendEvent(connection, event.xclient.window, False, NoEventMask, &event);
+    XSync(connection, False);
+}
+
+ScreenPicture Desktop::Screen() {
+    Display* connection = Connection(display);
+    ScreenPicture picture{WIDTH, HEIGHT, {}};
+    XImage* image = XGetImage(connection, DefaultRootWindow(connection), 0, 0, WIDTH, HEIGHT, AllPlanes, ZPixmap);
+    if (!image) return {};
+    picture.pixels.reserve(size_t{WIDTH} * HEIGHT);
+    for (int y = 0; y < HEIGHT; y++)
+        for (int x = 0; x < WIDTH; x++)
+            picture.pixels.push_back(static_cast<uint32_t>(XGetPixel(image, x, y) & 0xFFFFFF));
+    XDestroyImage(image);
+    return picture;
+}
+
+unsigned long Desktop::GameWindow() {
+    Display* connection = Connection(display);
+    XSync(connection, False);
+    return FindWindow(connection, DefaultRootWindow(connection));
+}
+
+bool WaitFor(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(WAIT_SECONDS);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        Rest(50);
+    }
+    return true;
+}
+
+void Rest(int milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}

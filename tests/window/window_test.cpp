@@ -1,0 +1,95 @@
+// The real game in a real window, played with real keys.
+#include "window/desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+namespace {
+
+class Window : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!Desktop::Possible()) GTEST_SKIP() << "Xvfb or xdotool is not installed";
+        desktop = std::make_unique<Desktop>();
+    }
+
+    std::string Output() {
+        std::ifstream file(desktop->OutputFile());
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    // The picture fills exactly the given area of the screen; all else is black.
+    bool PictureFills(int left, int top, int right, int bottom) {
+        const ScreenPicture screen = desktop->Screen();
+        const bool around = screen.Black(0, 0, Desktop::WIDTH, top) && screen.Black(0, top, left, bottom) &&
+                            screen.Black(right, top, Desktop::WIDTH, bottom) &&
+                            screen.Black(0, bottom, Desktop::WIDTH, Desktop::HEIGHT);
+        return around && !screen.Black(left, top, left + 1, bottom) && !screen.Black(right - 1, top, right, bottom) &&
+               !screen.Black(left, top, right, top + 1) && !screen.Black(left, bottom - 1, right, bottom);
+    }
+
+    std::unique_ptr<Desktop> desktop;
+};
+
+}  // namespace
+
+TEST_F(Window, KeysLeadThroughALevelAndOutAgain) {
+    desktop->StartGame({"--window", "640x480"});
+    desktop->ChooseFirstLevel();
+    desktop->Key("F8");
+    EXPECT_TRUE(desktop->GameRuns());
+    desktop->Key("Escape");
+    EXPECT_TRUE(desktop->GameRuns()) << "Escape leads out of the level, not out of the program";
+    EXPECT_TRUE(WaitFor([&] {
+        if (desktop->GameRuns()) desktop->Key("Escape");
+        return !desktop->GameRuns();
+    }));
+    EXPECT_EQ(desktop->GameStatus(), 0);
+    EXPECT_NE(Output().find("Camera Coords"), std::string::npos) << Output();
+}
+
+TEST_F(Window, WaitsWhileAnotherWindowHasTheFocus) {
+    desktop->StartGame({"--window", "640x480"});
+    desktop->ChooseFirstLevel();
+    desktop->TakeFocus();
+    Rest(500);
+    const size_t frames = desktop->TracedFrames();
+    desktop->Input("keydown F8");  // for the other window, and never let go there
+    Rest(1500);
+    EXPECT_EQ(desktop->TracedFrames(), frames);
+    desktop->Input("keyup F8");
+    desktop->GiveFocus();
+    EXPECT_TRUE(WaitFor([&] { return desktop->TracedFrames() > frames + 20; }));
+    desktop->PressCloseButton();
+    EXPECT_EQ(desktop->GameStatus(), 0);
+    EXPECT_EQ(Output().find("Camera Coords"), std::string::npos);
+}
+
+TEST_F(Window, KeepsThePictureInProportionAtEverySize) {
+    desktop->StartGame({"--window", "640x480"});
+    desktop->ResizeGame(640, 480);
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 0, 640, 480); }));
+    desktop->ResizeGame(1000, 600);
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(100, 0, 900, 600); }));
+    desktop->ResizeGame(400, 700);
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 200, 400, 500); }));
+}
+
+TEST_F(Window, FillsTheWholeScreenByDefault) {
+    desktop->StartGame({});
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(107, 0, 1173, 800); }));
+}
+
+TEST_F(Window, CloseButtonEndsTheProgramEverywhere) {
+    for (const char* screen : {"attract pictures", "level choice", "level"}) {
+        SCOPED_TRACE(screen);
+        desktop->StartGame({"--window", "640x480"});
+        if (std::string(screen) == "level choice") desktop->Key("space");
+        if (std::string(screen) == "level") desktop->ChooseFirstLevel();
+        desktop->PressCloseButton();
+        EXPECT_EQ(desktop->GameStatus(), 0);
+    }
+}
