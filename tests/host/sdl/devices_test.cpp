@@ -1,0 +1,159 @@
+// Keys, mouse and controllers of the machine with a window, as the game polls them. No window is opened.
+#include "backends/sdl/keys.h"
+#include "backends/sdl/sdl_machine.h"
+#include "core/input_state.h"
+#include "core/key_names.h"
+
+#include <gtest/gtest.h>
+
+#include <SDL.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+class SdlDevices : public testing::Test {
+protected:
+    void SetUp() override {
+        setenv("SDL_VIDEODRIVER", "dummy", 1);
+        setenv("SDL_JOYSTICK_ALLOW_BACKGROUND_EVENTS", "1", 1);
+        ResetInputState();
+        CurrentMachine = &SdlMachine;
+        ASSERT_TRUE(SdlMachine.start({}));
+    }
+
+    void TearDown() override {
+        SdlMachine.stop();
+        ResetInputState();
+    }
+
+    bool Down(uint8_t scanCode) {
+        SdlMachine.beforeKeyboardPoll();
+        std::array<uint8_t, KEY_COUNT> keys{};
+        TakeKeys(keys.data());
+        return keys[scanCode] != 0;
+    }
+};
+
+class SdlPad : public SdlDevices {
+protected:
+    void SetUp() override {
+        SdlDevices::SetUp();
+        device = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, SDL_CONTROLLER_AXIS_MAX,
+                                           SDL_CONTROLLER_BUTTON_MAX, 0);
+        if (device < 0) GTEST_SKIP() << "this SDL makes no controllers: " << SDL_GetError();
+        SdlMachine.pump();
+        pad = SDL_JoystickFromInstanceID(SDL_JoystickGetDeviceInstanceID(device));
+        ASSERT_TRUE(pad);
+        Axis(SDL_CONTROLLER_AXIS_TRIGGERRIGHT, -32768);  // a virtual trigger rests in the middle
+        SdlMachine.pump();
+    }
+
+    void Axis(int axis, int value) { SDL_JoystickSetVirtualAxis(pad, axis, static_cast<Sint16>(value)); }
+    void Button(int button, bool down) { SDL_JoystickSetVirtualButton(pad, button, down ? 1 : 0); }
+
+    int device = -1;
+    SDL_Joystick* pad = nullptr;
+};
+
+void PushKey(SDL_Scancode key, bool down, bool repeat = false) {
+    SDL_Event event{};
+    event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
+    event.key.state = down ? SDL_PRESSED : SDL_RELEASED;
+    event.key.repeat = repeat ? 1 : 0;
+    event.key.keysym.scancode = key;
+    SDL_PushEvent(&event);
+}
+
+constexpr uint8_t UP = 0xC8, RIGHT = 0xCD, SPACE = 0x39;
+
+}  // namespace
+
+// Two lists of keys written for different purposes, scripts and windows, name the same key positions.
+TEST(SdlKeys, AgreeWithTheNamesOfScripts) {
+    int compared = 0;
+    for (int key = 0; key < SDL_NUM_SCANCODES; key++) {
+        std::string name = SDL_GetScancodeName(static_cast<SDL_Scancode>(key));
+        std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
+        if (name.rfind("KEYPAD ", 0) == 0 && std::isdigit(static_cast<unsigned char>(name.back())))
+            name = "NUMPAD" + name.substr(7);
+        const uint8_t scanCode = ScanCodeOf(static_cast<SDL_Scancode>(key));
+        uint8_t expected = 0;
+        if (scanCode == 0 || !FindKey(name, expected)) continue;
+        EXPECT_EQ(scanCode, expected) << name;
+        compared++;
+    }
+    EXPECT_GE(compared, 75);
+}
+
+TEST_F(SdlDevices, KeysGoDownAndUpAndDoNotRepeat) {
+    PushKey(SDL_SCANCODE_UP, true);
+    PushKey(SDL_SCANCODE_KP_ENTER, true);
+    EXPECT_TRUE(Down(UP));
+    PushKey(SDL_SCANCODE_UP, false);
+    EXPECT_FALSE(Down(UP));
+    EXPECT_TRUE(Down(0x9C));
+    PushKey(SDL_SCANCODE_UP, true, true);  // held in another window before
+    EXPECT_FALSE(Down(UP));
+}
+
+TEST_F(SdlPad, ReleasingOneSourceKeepsTheKeyOfAnother) {
+    Button(SDL_CONTROLLER_BUTTON_DPAD_UP, true);
+    Axis(SDL_CONTROLLER_AXIS_LEFTY, -30000);
+    PushKey(SDL_SCANCODE_UP, true);
+    EXPECT_TRUE(Down(UP));
+    PushKey(SDL_SCANCODE_UP, false);
+    EXPECT_TRUE(Down(UP));
+    Button(SDL_CONTROLLER_BUTTON_DPAD_UP, false);
+    EXPECT_TRUE(Down(UP));
+    Axis(SDL_CONTROLLER_AXIS_LEFTY, 0);
+    EXPECT_FALSE(Down(UP));
+}
+
+TEST_F(SdlPad, StickLetsGoLaterThanItPresses) {
+    Axis(SDL_CONTROLLER_AXIS_LEFTX, 9000);
+    EXPECT_FALSE(Down(RIGHT));
+    Axis(SDL_CONTROLLER_AXIS_LEFTX, 11000);
+    EXPECT_TRUE(Down(RIGHT));
+    Axis(SDL_CONTROLLER_AXIS_LEFTX, 9000);
+    EXPECT_TRUE(Down(RIGHT));
+    Axis(SDL_CONTROLLER_AXIS_LEFTX, 7000);
+    EXPECT_FALSE(Down(RIGHT));
+}
+
+TEST_F(SdlPad, LetsGoOfEverythingWhenItIsPulledOut) {
+    Button(SDL_CONTROLLER_BUTTON_A, true);
+    EXPECT_TRUE(Down(SPACE));
+    SDL_JoystickDetachVirtual(device);
+    EXPECT_FALSE(Down(SPACE));
+}
+
+TEST_F(SdlPad, RightStickTurnsAsTheMouseWithItsLeftButton) {
+    DIMOUSESTATE mouse{};
+    Axis(SDL_CONTROLLER_AXIS_RIGHTX, 32767);
+    SdlMachine.pump();
+    TakeMouse(mouse);
+    SDL_Delay(60);
+    SdlMachine.pump();
+    TakeMouse(mouse);
+    EXPECT_GE(mouse.lX, 5);
+    EXPECT_LE(mouse.lX, 18);  // a pause never turns further than a tenth of a second does
+    EXPECT_EQ(mouse.lY, 0);
+    EXPECT_EQ(mouse.rgbButtons[0], 0x80);
+    Axis(SDL_CONTROLLER_AXIS_RIGHTX, 0);
+    SdlMachine.pump();
+    TakeMouse(mouse);
+    EXPECT_EQ(mouse.rgbButtons[0], 0);
+}
+
+TEST_F(SdlDevices, ClockMovesAndSleepsWhileItIsWaitedFor) {
+    const uint32_t start = SdlMachine.milliseconds();
+    int readings = 0;
+    while (SdlMachine.milliseconds() - start < 40)
+        readings++;
+    EXPECT_LT(readings, 400);
+}
