@@ -211,13 +211,17 @@ TEST_F(GeometryPasses, VertexNormalsAverageThePlanesOfTheirPolygons) {
     EXPECT_EQ(Length(points[unused].normal), 0.0f);
 }
 
-TEST_F(GeometryPasses, HundredsOfPolygonsMayShareAPoint) {
-    AddPoint(0, 0, 0);
+TEST_F(GeometryPasses, ManyPointsAndManyPolygonsAtOnePoint) {
+    for (int i = 0; i < 20000; i++)
+        AddPoint(0, 0, 0);
     for (int i = 0; i < 300; i++)
-        AddPolygon({0, 0, 0}, {0, i < 150 ? 1.0f : 0.0f, 0});
+        AddPolygon({0, 0, 19999}, {0, i < 150 ? 1.0f : 0.0f, 0});
     Publish();
+    const uint32_t freeBefore = PoolFreeTotal();
     GenerateVertexNormals();
     EXPECT_FLOAT_EQ(points[0].normal.y, 0.5f);
+    EXPECT_FLOAT_EQ(points[19999].normal.y, 0.5f);
+    EXPECT_EQ(PoolFreeTotal(), freeBefore);
 }
 
 TEST_F(GeometryPasses, FullPoolIsFatal) {
