@@ -8,6 +8,7 @@
 #include "platform/timer.h"
 #include "render/device/device.h"
 #include "render/render_tables.h"
+#include "support/test_window.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -68,14 +69,6 @@ bool IsWholePool(uint32_t bytes) {
     return bytes == 8388544 || bytes == 8388576;
 }
 
-HWND OpenWindow() {
-    WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.lpszClassName = "test";
-    RegisterClassA(&windowClass);
-    return CreateWindowExA(0, "test", "test", WS_POPUP, 0, 0, 640, 480, nullptr, nullptr, nullptr, nullptr);
-}
-
 std::string ShutdownOutput() {
     ::testing::internal::CaptureStdout();
     SystemShutdown();
@@ -122,7 +115,7 @@ TEST_F(System, ShutdownReportsTheFreeBytesAndMayBeRepeated) {
 TEST_F(System, ShutdownClosesTheDisplay) {
     SystemInit();
     ScreenResIndex = 0;
-    ASSERT_TRUE(OpenSoftwareDisplay(OpenWindow()));
+    ASSERT_TRUE(OpenSoftwareDisplay(OpenTestWindow()));
     ShutdownOutput();
     EXPECT_EQ(DisplayState, DISPLAY_NONE);
     EXPECT_EQ(Display.directDraw, nullptr);

@@ -1,219 +1,205 @@
 #include "platform/display.h"
 
-#include "fake_machine.h"
+#include "core/display.h"
+#include "core/presentation.h"
+#include "core/testing.h"
 #include "platform/image.h"
 #include "render/render_tables.h"
+#include "support/test_window.h"
 
-#include <algorithm>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace {
 
 class DisplayTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        Fake = {};
+        UseTestMachine();
+        SetTestDataFolder(::testing::TempDir());
+        window = OpenTestWindow();
         DisplayModeCount = 0;
         ScreenResIndex = 0;
-        AddFakeMode(320, 240, 8);
-        AddFakeMode(640, 480, 8);
-        AddFakeMode(800, 600, 16);
     }
-    void TearDown() override {
-        if (DisplayState != DISPLAY_NONE) CloseDisplay();
-        EXPECT_EQ(Fake.heldObjects, 0);
+    void TearDown() override { CloseDisplay(); }
+
+    bool OpenFrontEnd() { return OpenDisplay(window, Display, 640, 480, 16); }
+
+    // Fills the offscreen surface of an 8-bit display.
+    static void Fill(uint8_t index) {
+        ASSERT_EQ(LockSurface(), DD_OK);
+        for (LONG y = 0; y < Display.mode.bottom; y++)
+            std::memset(SurfaceMemory + y * SurfacePitch, index, static_cast<size_t>(Display.mode.right));
+        UnlockSurface();
     }
 
-    static bool OpenFrontEnd() { return OpenDisplay(nullptr, Display, 640, 480, 16); }
+    static uint32_t PixelShown(int x, int y) {
+        const Picture* picture = FrontPicture();
+        return picture->pixels[y * picture->width + x];
+    }
 
-    static long Count(const std::string& call) { return std::count(Fake.calls.begin(), Fake.calls.end(), call); }
+    HWND window = nullptr;
 };
 
 using BitmapTest = DisplayTest;
 
-void ExpectRect(const RECT& rect, int right, int bottom) {
-    EXPECT_EQ(rect.left, 0);
-    EXPECT_EQ(rect.top, 0);
-    EXPECT_EQ(rect.right, right);
-    EXPECT_EQ(rect.bottom, bottom);
-}
-
-// A file header, an info header and the bits.
-std::vector<uint8_t> BitmapFile(int32_t width, int32_t height, uint8_t bits) {
-    std::vector<uint8_t> file(58);
+// A file header, an info header and 2 x 2 pixels of 24 bits: the first stored row red, the second blue.
+std::string BitmapBytes(int32_t height) {
+    std::string file(70, '\0');
+    const auto put = [&file](size_t offset, int32_t value) { std::memcpy(&file[offset], &value, sizeof(value)); };
     file[0] = 'B';
     file[1] = 'M';
-    file[10] = 54;
-    std::memcpy(&file[18], &width, 4);
-    std::memcpy(&file[22], &height, 4);
-    file[54] = bits;
+    put(10, 54);
+    put(14, 40);
+    put(18, 2);
+    put(22, height);
+    file[26] = 1;
+    file[28] = 24;
+    file[54 + 2] = file[54 + 5] = file[62] = file[62 + 3] = '\xFF';
     return file;
+}
+
+void WriteFile(const std::string& name, const std::string& bytes) {
+    std::ofstream(std::filesystem::path(::testing::TempDir()) / name, std::ios::binary) << bytes;
 }
 
 }  // namespace
 
 TEST_F(DisplayTest, FirstModeOfThatDepthAndAtLeastThatSizeIsStretchedTo) {
+    SetDisplayModes({{640, 480, 8}, {320, 240, 16}, {800, 600, 16}, {640, 480, 16}});
     ASSERT_TRUE(OpenFrontEnd());
     EXPECT_EQ(DisplayState, DISPLAY_FULL_SCREEN);
-    EXPECT_EQ(Fake.modeWidth, 800u);
-    EXPECT_EQ(Fake.modeBits, 16u);
-    ASSERT_EQ(Fake.surfaces.size(), 2u);
-    EXPECT_EQ(Fake.surfaces[0].ddsCaps.dwCaps, 0x218u);
-    EXPECT_EQ(Fake.surfaces[0].dwBackBufferCount, 1u);
-    EXPECT_EQ(Fake.surfaces[1].ddsCaps.dwCaps, 0x840u);
-    EXPECT_EQ(Fake.surfaces[1].dwWidth, 800u);  // the mode's size, not the requested one
-    EXPECT_EQ(Count("CreatePalette"), 0);
+    EXPECT_EQ(CurrentDisplayMode().width, 800u);
+    EXPECT_EQ(Display.palette, nullptr);
+    WriteFile("small.bmp", BitmapBytes(2));
+    ShowBitmap("small.bmp");
     PresentDisplay();
-    ExpectRect(Fake.blitFrom, 640, 480);
-    ExpectRect(Fake.blitTo, 800, 600);
-    EXPECT_EQ(Count("Flip"), 1);
+    EXPECT_EQ(FrontPicture()->width, 800);
+    EXPECT_EQ(PixelShown(799, 599) & 0xF80000, 0xF80000u);  // the picture's corner reaches the screen's
 }
 
-TEST_F(DisplayTest, FailureAtAnyCallHoldsNothing) {
-    const auto attempt = [] { return OpenSoftwareDisplay(nullptr); };
-    ASSERT_TRUE(attempt());
-    const int calls = static_cast<int>(Fake.calls.size());
-    CloseDisplay();
-    ASSERT_GE(calls, 10);
-    for (int failing = 0; failing < calls; failing++) {
-        Fake.calls.clear();
-        Fake.failingCall = failing;
-        EXPECT_FALSE(attempt()) << failing;
-        EXPECT_EQ(Fake.heldObjects, 0) << Fake.calls[static_cast<size_t>(failing)];
-        EXPECT_EQ(Display.directDraw, nullptr);
+TEST_F(DisplayTest, WithoutAFittingModeNothingStaysOpen) {
+    for (const std::vector<DisplayMode>& modes : {std::vector<DisplayMode>{{640, 480, 8}, {320, 240, 16}}, {}}) {
+        SetDisplayModes(modes);
+        DisplayModeCount = 0;
+        EXPECT_FALSE(OpenFrontEnd());
         EXPECT_EQ(DisplayState, DISPLAY_NONE);
-        EXPECT_EQ(Fake.cursor, 0);
+        EXPECT_EQ(Display.directDraw, nullptr);
+        EXPECT_EQ(CurrentDisplayMode().bits, 32u);  // the desktop's
+        EXPECT_EQ(ShowCursor(TRUE), 1);
+        ShowCursor(FALSE);
     }
-    Fake.failingCall = -1;
-    Fake.modes.erase(Fake.modes.begin(), Fake.modes.begin() + 2);
-    DisplayModeCount = 0;
-    EXPECT_FALSE(attempt());  // no 8-bit mode at all
-    EXPECT_EQ(Fake.heldObjects, 0);
+    EXPECT_FALSE(OpenDisplay(nullptr, Display, 640, 480, 16));  // without a window
 }
 
 TEST_F(DisplayTest, CursorIsHiddenWhileOpen) {
-    Fake.cursor = 2;
+    ShowCursor(TRUE);
     ASSERT_TRUE(OpenFrontEnd());
-    EXPECT_EQ(Fake.cursor, -1);
+    EXPECT_EQ(ShowCursor(FALSE), -2);
     CloseDisplay();
-    EXPECT_EQ(Fake.cursor, 0);
-    EXPECT_EQ(DisplayState, DISPLAY_NONE);
-    CloseDisplay();
+    EXPECT_EQ(ShowCursor(TRUE), 1);
+    ShowCursor(FALSE);
+    EXPECT_EQ(CurrentDisplayMode().bits, 32u);
 }
 
 TEST_F(DisplayTest, ModeTableSkipsNeighbouringDoublesAndStopsAtItsLimit) {
-    AddFakeMode(800, 600, 16);  // another refresh rate
-    AddFakeMode(320, 240, 8);   // not next to its double
+    std::vector<DisplayMode> modes = {{640, 480, 16}, {640, 480, 16}, {640, 480, 8}, {640, 480, 16}};
+    SetDisplayModes(modes);
     ASSERT_TRUE(OpenFrontEnd());
-    EXPECT_EQ(DisplayModeCount, 4);
+    EXPECT_EQ(DisplayModeCount, 3);
     CloseDisplay();
     for (uint32_t i = 0; i < 200; i++)
-        AddFakeMode(1000 + i, 1000, 16);
-    ASSERT_TRUE(OpenFrontEnd());
-    EXPECT_EQ(DisplayModeCount, DISPLAY_MODE_LIMIT);
-    CloseDisplay();
-    ASSERT_TRUE(OpenFrontEnd());
-    EXPECT_EQ(DisplayModeCount, DISPLAY_MODE_LIMIT);
+        modes.push_back({1000 + i, 1000, 16});
+    SetDisplayModes(modes);
+    for (int i = 0; i < 2; i++) {
+        ASSERT_TRUE(OpenFrontEnd());
+        EXPECT_EQ(DisplayModeCount, DISPLAY_MODE_LIMIT);
+        CloseDisplay();
+    }
 }
 
 TEST_F(DisplayTest, LostSurfacesAreRestoredAndTheFlipTriedAgain) {
-    ASSERT_TRUE(OpenFrontEnd());
-    Fake.surfacesLost = true;
-    Fake.calls.clear();
+    ASSERT_TRUE(OpenSoftwareDisplay(window));
+    Fill(1);
+    LoseSurfaces();
     EXPECT_EQ(FlipDisplay(nullptr), DD_OK);
-    EXPECT_EQ(Fake.calls, (std::vector<std::string>{"Flip", "Restore", "Flip"}));
-    Fake.surfacesLost = true;
-    Fake.calls.clear();
-    PresentDisplay();  // the lost picture is not copied again
-    EXPECT_EQ(Fake.calls, (std::vector<std::string>{"Blt", "Restore", "Flip"}));
-}
-
-TEST_F(DisplayTest, LockTellsMemoryAndPitchAndKeepsThemOnFailure) {
-    ASSERT_TRUE(OpenSoftwareDisplay(nullptr));
-    SurfaceMemory = nullptr;
-    SurfacePitch = 7;
-    Fake.failingCall = static_cast<int>(Fake.calls.size());
-    EXPECT_TRUE(Failed(LockSurface()));
-    EXPECT_EQ(SurfacePitch, 7);
-    EXPECT_EQ(LockSurface(), DD_OK);
-    EXPECT_NE(SurfaceMemory, nullptr);
-    EXPECT_EQ(SurfacePitch, 336);
+    EXPECT_EQ(FlipCount(), 1u);
+    LoseSurfaces();
+    PresentDisplay();
+    EXPECT_EQ(FlipCount(), 2u);
+    PresentDisplay();
+    EXPECT_EQ(PixelShown(0, 0), 0x800000u);  // system colour 1
 }
 
 TEST_F(DisplayTest, WithoutADisplayCallsAreHarmless) {
-    Display = {};
+    SurfacePitch = 7;
     EXPECT_TRUE(Failed(LockSurface()));
+    EXPECT_EQ(SurfacePitch, 7);
     EXPECT_TRUE(Failed(FlipDisplay(nullptr)));
     UnlockSurface();
     PresentDisplay();
     ClearSurface(Display.offscreen);
     EXPECT_EQ(RestoreSurfaces(), DD_OK);
-    EXPECT_TRUE(Fake.calls.empty());
+    EXPECT_FALSE(SetPaletteRange(nullptr, Display, 0, 255));
+    EXPECT_EQ(ShowBitmap("small.bmp"), 1);
 }
 
 TEST_F(DisplayTest, PaletteRangeScalesSixBitsAndKeepsTheSystemColoursOutsideIt) {
-    for (BYTE& red : {std::ref(Fake.systemPalette[4].peRed), std::ref(Fake.systemPalette[255].peRed)})
-        red = 99;
-    ASSERT_TRUE(OpenSoftwareDisplay(nullptr));
-    EXPECT_EQ(Fake.palette[4].peRed, 99);
+    ASSERT_TRUE(OpenSoftwareDisplay(window));
+    EXPECT_EQ(Display.mode.right, 320);
     uint8_t colours[256 * 3];
     for (size_t i = 0; i < sizeof(colours); i++)
         colours[i] = static_cast<uint8_t>(i % 64);
-
-    ASSERT_TRUE(SetPaletteRange(colours, Display, 5, 254));
-    EXPECT_EQ(Fake.palette[4].peRed, 99);
-    EXPECT_EQ(Fake.palette[255].peRed, 99);
-    EXPECT_EQ(Fake.palette[5].peRed, 15 * 4);
-    EXPECT_EQ(Fake.palette[5].peBlue, 17 * 4);
-    EXPECT_EQ(Fake.palette[21].peRed, 252);
-    EXPECT_EQ(Fake.palette[21].peFlags, PC_NOCOLLAPSE);
-    ASSERT_TRUE(SetPaletteRange(colours, Display, 0, 255));
-    EXPECT_EQ(Fake.palette[255].peRed, 765 % 64 * 4);
-
-    Fake.failingCall = static_cast<int>(Fake.calls.size()) + 1;
-    EXPECT_FALSE(SetPaletteRange(colours, Display, 0, 255));
+    struct Row {
+        uint8_t first, last, index;
+        uint32_t shown;
+    };
+    const Row rows[] = {
+        {5, 254, 4, 0x000080},                           // system colours
+        {5, 254, 255, 0xFFFFFF}, {5, 254, 5, 0x3C4044},  // 4 x (15, 16, 17)
+        {5, 254, 21, 0xFC0004},                          // 4 x (63, 0, 1)
+        {0, 255, 255, 0xF4F8FC},                         // 4 x (61, 62, 63)
+        {9, 9, 254, 0x00FFFF},
+    };
+    for (const Row& row : rows) {
+        ASSERT_TRUE(SetPaletteRange(colours, Display, row.first, row.last));
+        Fill(row.index);
+        PresentDisplay();
+        EXPECT_EQ(PixelShown(319, 239), row.shown) << int{row.index};
+    }
+    ClearSurface(Display.offscreen);
+    PresentDisplay();
+    EXPECT_EQ(PixelShown(319, 239), 0x000000u);
 }
 
-TEST_F(BitmapTest, FillsTheRequestedSizeAndIsReleased) {
+TEST_F(BitmapTest, FillsTheScreenTheRightWayUp) {
     ASSERT_TRUE(OpenFrontEnd());
-    const int held = Fake.heldObjects;
-    Fake.files["a.bmp"] = BitmapFile(320, -240, 0xAB);
-    EXPECT_EQ(ShowBitmap("a.bmp"), 1);
-    const int32_t area[] = {0, 0, 640, 480};
-    EXPECT_TRUE(std::equal(area, area + 4, Fake.drawnArea));
-    EXPECT_EQ(Fake.drawnSize[0], 320);
-    EXPECT_EQ(Fake.drawnSize[1], -240);
-    EXPECT_EQ(Fake.drawnBits, 0xAB);
-    EXPECT_EQ(Fake.heldObjects, held);
-}
-
-TEST_F(BitmapTest, BadFilesDrawNothingAndHoldNothing) {
-    ASSERT_TRUE(OpenFrontEnd());
-    const int held = Fake.heldObjects;
-    Fake.files["empty"] = {};
-    Fake.files["one byte"] = {'B'};
-    Fake.files["signature only"] = {'B', 'M'};
-    Fake.files["not a bitmap"] = BitmapFile(1, 1, 0);
-    Fake.files["not a bitmap"][1] = 'A';
-    Fake.files["no bits"] = BitmapFile(1, 1, 0);
-    Fake.files["no bits"][10] = 58;
-    for (const char* path : {"missing", "empty", "one byte", "signature only", "not a bitmap", "no bits"}) {
-        EXPECT_EQ(ShowBitmap(path), 1) << path;
-        EXPECT_EQ(Count("StretchDIBits"), 0) << path;
-        EXPECT_EQ(Fake.heldObjects, held) << path;
+    for (const int32_t height : {2, -2}) {
+        WriteFile("picture.bmp", BitmapBytes(height));
+        EXPECT_EQ(ShowBitmap("Picture.BMP"), 1);
+        PresentDisplay();
+        EXPECT_EQ(PixelShown(0, 0) & 0xF80000, height > 0 ? 0u : 0xF80000u);  // bottom-up: red is the lower half
+        EXPECT_EQ(PixelShown(639, 239) & 0xF80000, height > 0 ? 0u : 0xF80000u);
+        EXPECT_EQ(PixelShown(0, 240) & 0xF80000, height > 0 ? 0xF80000u : 0u);
     }
 }
 
-TEST_F(BitmapTest, FailureAtAnyCallHoldsNothing) {
-    Fake.files["a.bmp"] = BitmapFile(1, 1, 0);
-    for (int failing = 0; failing < 4; failing++) {
-        Fake.calls.clear();
-        Fake.failingCall = failing;
+TEST_F(BitmapTest, BadFilesDrawNothing) {
+    ASSERT_TRUE(OpenFrontEnd());
+    std::string noSignature = BitmapBytes(2), bitsAtTheEnd = BitmapBytes(2);
+    noSignature[1] = 'A';
+    bitsAtTheEnd[10] = 70;
+    for (const std::string& bytes : {std::string(), std::string("B"), std::string("BM"), BitmapBytes(2).substr(0, 54),
+                                     noSignature, bitsAtTheEnd}) {
+        WriteFile("bad.bmp", bytes);
         BitmapInfo info;
-        EXPECT_EQ(LoadBitmapFile("a.bmp", info), nullptr) << failing;
+        EXPECT_EQ(LoadBitmapFile("bad.bmp", info), nullptr) << bytes.size();
         EXPECT_EQ(info.bits, nullptr);
-        EXPECT_EQ(Fake.heldObjects, 0) << failing;
     }
-    EXPECT_EQ(Fake.calls.back(), "ReadFile");
+    EXPECT_EQ(ShowBitmap("missing.bmp"), 1);
+    PresentDisplay();
+    EXPECT_EQ(PixelShown(320, 240), 0u);
 }

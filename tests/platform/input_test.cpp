@@ -1,20 +1,25 @@
 #include "platform/input.h"
 
-#include "fake_machine.h"
+#include "core/devices.h"
+#include "core/testing.h"
+#include "support/test_window.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
 class InputTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        Fake = {};
+        UseTestMachine();
         std::memset(KeyState, 0, sizeof(KeyState));
-        ASSERT_TRUE(StartInput(nullptr, nullptr, Input));
+        ASSERT_TRUE(StartInput(nullptr, OpenTestWindow(), Input));
     }
     void TearDown() override { StopInput(Input); }
+
+    static void Press(uint8_t code, bool down = true) { DeviceKey(KeySource::Keyboard, code, down); }
 
     static void Poll() {
         PollKeyboard(Input);
@@ -27,30 +32,31 @@ protected:
 }  // namespace
 
 TEST_F(InputTest, KeyIsHitOnlyInThePollThatSeesItGoDown) {
-    for (const uint8_t code : {uint8_t{DIK_F1}, uint8_t{DIK_RWIN}, uint8_t{0xFF}}) {
-        struct Row {
-            bool pressed, hit;
-        };
-        for (const Row& row :
-             {Row{true, true}, Row{true, false}, Row{false, false}, Row{true, true}, Row{false, false}}) {
-            Fake.keys[code] = row.pressed ? 0x80 : 0;
+    struct Row {
+        bool down, hit;
+    };
+    for (const uint8_t code : {uint8_t{DIK_F1}, uint8_t{DIK_APPS}}) {
+        for (const Row& row : {Row{true, true}, {true, false}, {false, false}, {true, true}, {false, false}}) {
+            Press(code, row.down);
             Poll();
-            EXPECT_EQ(KeyDown(code), row.pressed);
+            EXPECT_EQ(KeyDown(code), row.down);
             EXPECT_EQ(KeyHit(code), row.hit);
         }
     }
 }
 
-TEST_F(InputTest, FailedPollKeepsTheKeysAndHitsNothing) {
-    Fake.keys[DIK_SPACE] = 0x80;
+TEST_F(InputTest, FailedPollKeepsTheStateAndHitsNothing) {
+    Press(DIK_SPACE);
+    DeviceMouseMotion(5, 6, 0);
     Poll();
-    Fake.keys[DIK_SPACE] = 0;
-    Fake.keys[DIK_UP] = 0x80;
-    Fake.failingCall = static_cast<int>(Fake.calls.size()) + 1;  // the keyboard's GetDeviceState
+    DeviceFocus(false);
     Poll();
     EXPECT_TRUE(KeyDown(DIK_SPACE));
     EXPECT_FALSE(KeyHit(DIK_SPACE));
-    EXPECT_FALSE(KeyDown(DIK_UP));
+    EXPECT_EQ(MouseInput.xMotion, 5);
+    DeviceFocus(true);
+    Poll();
+    EXPECT_FALSE(KeyDown(DIK_SPACE));
 }
 
 TEST_F(InputTest, ControlsOfEachKey) {
@@ -59,66 +65,44 @@ TEST_F(InputTest, ControlsOfEachKey) {
         uint16_t controls;
     };
     const Row rows[] = {
-        {{}, 0},
-        {{0xC8}, 0x0001},
-        {{0xD0}, 0x0002},
-        {{0xCB}, 0x0004},
-        {{0xCD}, 0x0008},
-        {{0x39}, 0x0010},
-        {{0x2A}, 0x0020},
-        {{0x36}, 0x0020},
-        {{0x38}, 0x0120},
-        {{0xB8}, 0x0020},
-        {{0x2A, 0x38}, 0x0120},
-        {{0x9D}, 0x0040},
-        {{0x1D}, 0x0080},
-        {{0x01}, 0x0200},
-        {{0x9C}, 0x0400},
-        {{0x1C}, 0},  // the main Enter key
-        {{0xC8, 0xCB, 0x9D}, 0x0045},
+        {{}, 0},          {{0xC8}, 0x0001}, {{0xD0}, 0x0002},       {{0xCB}, 0x0004},
+        {{0xCD}, 0x0008}, {{0x39}, 0x0010}, {{0x2A}, 0x0020},       {{0x36}, 0x0020},
+        {{0x38}, 0x0120}, {{0xB8}, 0x0020}, {{0x2A, 0x38}, 0x0120}, {{0x9D}, 0x0040},
+        {{0x1D}, 0x0080}, {{0x01}, 0x0200}, {{0x9C}, 0x0400},       {{0xC8, 0xCB, 0x9D}, 0x0045},
+        {{0x1C}, 0x0000},  // the main Enter key
     };
     for (const Row& row : rows) {
-        std::memset(Fake.keys, 0, sizeof(Fake.keys));
         for (const uint8_t key : row.keys)
-            Fake.keys[key] = 0x80;
+            Press(key);
         Poll();
         EXPECT_EQ(Controls, row.controls);
+        for (const uint8_t key : row.keys)
+            Press(key, false);
     }
 }
 
-TEST_F(InputTest, MouseSummary) {
-    Fake.mouse = {-3, 70000, 120, {0x80, 0x80, 0, 0}};
+TEST_F(InputTest, MouseSummaryCutsMotionTo16Bits) {
+    DeviceMouseMotion(-3, 70000, 120);
+    DeviceMouseButton(KeySource::Keyboard, 0, true);
+    DeviceMouseButton(KeySource::Keyboard, 1, true);
     Poll();
     EXPECT_EQ(MouseInput.left, 1);
     EXPECT_EQ(MouseInput.right, 2);
     EXPECT_EQ(MouseInput.buttons, 3);
     EXPECT_EQ(MouseInput.xMotion, -3);
     EXPECT_EQ(MouseInput.yMotion, 70000 - 65536);
-    Fake.mouse = {};
+    DeviceMouseButton(KeySource::Keyboard, 0, false);
     Poll();
-    EXPECT_EQ(MouseInput.buttons, 0);
+    EXPECT_EQ(MouseInput.buttons, 2);
     EXPECT_EQ(MouseInput.xMotion, 0);
 }
 
-TEST_F(InputTest, KeyboardIsSharedAndMouseExclusive) {
-    const std::vector<std::string> expected = {"DirectInputCreate", "CreateDevice", "SetDataFormat",
-                                               "SetShared",         "Acquire",      "CreateDevice",
-                                               "SetDataFormat",     "SetExclusive", "Acquire"};
-    EXPECT_EQ(Fake.calls, expected);
-}
-
-// Whichever call fails, everything made before it is released again, and only once.
-TEST(InputStart, FailureAtAnyCallReleasesEverything) {
-    for (int failing = 0; failing < 9; failing++) {
-        Fake = {};
-        Fake.failingCall = failing;
-        InputDevices devices = {};
-        EXPECT_FALSE(StartInput(nullptr, nullptr, devices)) << failing;
-        EXPECT_EQ(Fake.heldObjects, 0) << failing;
-        EXPECT_EQ(devices.input, nullptr);
-        EXPECT_EQ(devices.keyboard, nullptr);
-        EXPECT_EQ(devices.mouse, nullptr);
-        StopInput(devices);
-        EXPECT_EQ(Fake.heldObjects, 0) << failing;
-    }
+TEST_F(InputTest, StopAndFailedStartHoldNothing) {
+    EXPECT_TRUE(TestMachine.mouseCaptured);
+    StopInput(Input);
+    EXPECT_FALSE(TestMachine.mouseCaptured);
+    StopInput(Input);
+    DeviceFocus(false);  // the keyboard cannot be acquired
+    EXPECT_FALSE(StartInput(nullptr, OpenTestWindow(), Input));
+    EXPECT_FALSE(Input.input || Input.keyboard || Input.mouse || Input.window);
 }
