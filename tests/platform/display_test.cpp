@@ -74,6 +74,7 @@ TEST_F(DisplayTest, FirstModeOfThatDepthAndAtLeastThatSizeIsStretchedTo) {
     EXPECT_EQ(DisplayState, DISPLAY_FULL_SCREEN);
     EXPECT_EQ(CurrentDisplayMode().width, 800u);
     EXPECT_EQ(Display.palette, nullptr);
+    EXPECT_EQ(Display.source.right, 640);
     WriteFile("small.bmp", BitmapBytes(2));
     ShowBitmap("small.bmp");
     PresentDisplay();
