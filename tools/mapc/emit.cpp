@@ -2,6 +2,7 @@
 
 #include <map>
 #include <tuple>
+#include <unordered_map>
 
 namespace {
 
@@ -33,6 +34,7 @@ private:
     // A place where each plane is used: there its rounded record fits best.
     void FindPlaneAnchors() {
         anchors_.resize(static_cast<size_t>(brushes_.planes.Count()));
+        planeOfId_.resize(anchors_.size(), -1);
         for (size_t i = 0; i < anchors_.size(); ++i) {
             const Plane& plane = brushes_.planes[static_cast<int>(i)];
             anchors_[i] = plane.normal * plane.dist;
@@ -50,6 +52,12 @@ private:
 
     // The engine's normals point the other way: into the solid.
     uint16_t PlaneOf(int id) {
+        int& number = planeOfId_[static_cast<size_t>(id)];
+        if (number < 0) number = AddPlane(id);
+        return static_cast<uint16_t>(number);
+    }
+
+    int AddPlane(int id) {
         const WorldVector normal = Narrowed(-placement_.Turned(brushes_.planes[id].normal));
         const Vec3 anchor = placement_.ToEngine(anchors_[static_cast<size_t>(id)]);
         const double offset = -Dot({normal[0], normal[1], normal[2]}, anchor);
@@ -57,12 +65,13 @@ private:
         const auto [entry, isNew] =
             planeNumbers_.try_emplace({normal[0], normal[1], normal[2], plane.offset}, world_.planes.size());
         if (isNew) world_.planes.push_back(plane);
-        return static_cast<uint16_t>(entry->second);
+        return static_cast<int>(entry->second);
     }
 
     // Faces of one plane share a point's light; faces that meet at an angle do not.
     uint32_t PointOf(int vertex, int plane) {
-        const auto [entry, isNew] = pointNumbers_.try_emplace({vertex, plane}, world_.points.size());
+        const uint64_t key = (uint64_t{static_cast<uint32_t>(vertex)} << 32) | static_cast<uint32_t>(plane);
+        const auto [entry, isNew] = pointNumbers_.try_emplace(key, world_.points.size());
         if (isNew) {
             const WorldVector position = placement_.ToFile(mesh_.vertices[static_cast<size_t>(vertex)]);
             world_.points.push_back({position, Narrowed(-placement_.Turned(brushes_.planes[plane].normal))});
@@ -190,9 +199,10 @@ private:
     const Placement& placement_;
     WorldFile world_;
     std::vector<Vec3> anchors_;   // by plane
+    std::vector<int> planeOfId_;  // number of the record, -1: none yet
     std::vector<Box> leafBoxes_;  // tight, engine space
     std::map<std::tuple<float, float, float, float>, size_t> planeNumbers_;
-    std::map<std::pair<int, int>, size_t> pointNumbers_;  // by vertex and plane
+    std::unordered_map<uint64_t, size_t> pointNumbers_;  // by vertex and plane; only looked up
 };
 
 }  // namespace

@@ -42,13 +42,17 @@ public:
         Split(bestSecond, cornersMax, parts);
     }
 
+    // The first triangle decides the plane where one is computed, so it must have an area in any case.
     void ChooseStart(Corners& corners) const {
         size_t best = 0;
-        double bestArea = -1;
+        double bestScore = -std::numeric_limits<double>::max();
         for (size_t start = 0; start < corners.size(); ++start) {
-            const double area = SmallestTriangle(corners, start);
-            if (area <= bestArea * 1.001) continue;  // the first of equals
-            bestArea = area;
+            const double first =
+                Triangle(corners[start], corners[(start + 1) % corners.size()], corners[(start + 2) % corners.size()]);
+            const double smallest = SmallestTriangle(corners, start);
+            const double score = smallest > AREA_MIN ? smallest : std::min(first, AREA_MIN);
+            if (score <= bestScore + AREA_MIN * 0.1) continue;  // the first of equals
+            bestScore = score;
             best = start;
         }
         std::rotate(corners.begin(), corners.begin() + static_cast<std::ptrdiff_t>(best), corners.end());

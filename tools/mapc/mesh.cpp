@@ -7,6 +7,7 @@
 namespace {
 
 constexpr double ON_EDGE = 0.15;  // a vertex nearer to an edge lies on it; more than welding can move it
+constexpr double NEAR_EDGE = 1;   // a vertex farther from an edge lies on none of its parts
 
 uint64_t CellKey(int64_t x, int64_t y, int64_t z) {
     constexpr uint64_t MASK = (uint64_t{1} << 21) - 1;
@@ -19,7 +20,8 @@ class PointCells {
 public:
     explicit PointCells(double size) : size_(size) {}
 
-    int64_t CellOf(double coordinate) const { return static_cast<int64_t>(std::floor(coordinate / size_)); }
+    // The borders of the cells avoid the whole numbers, where most points lie.
+    int64_t CellOf(double coordinate) const { return static_cast<int64_t>(std::floor(coordinate / size_ + 0.3)); }
     void Add(const Vec3& p, int number) { cells_[CellKey(CellOf(p.x), CellOf(p.y), CellOf(p.z))].push_back(number); }
 
     template <class Use>
@@ -95,47 +97,57 @@ public:
 private:
     // What lies between two vertices depends on the two alone, so that all polygons at an edge agree about it.
     void FillEdge(int from, int to, std::vector<int>& filled) {
+        near_.clear();
+        const Vec3& a = Vertex(std::min(from, to));
+        const Vec3 along = Vertex(std::max(from, to)) - a;
+        const double length = Length(along);
+        const double steps = std::ceil(length / cells_.Size());
+        for (double i = 0; i < steps; ++i) {  // long slanting edges do not search their whole box
+            Box box;
+            box.Add(a + along * (i / steps));
+            box.Add(a + along * ((i + 1) / steps));
+            cells_.ForEach(box.Grown(NEAR_EDGE), [&](int number) {
+                const Vec3 offset = Vertex(number) - a;
+                const double at = Dot(offset, along) / length;
+                if (LengthSquared(offset) - at * at < NEAR_EDGE * NEAR_EDGE) near_.push_back(number);
+            });
+        }
+        FillPart(from, to, filled);
+    }
+
+    void FillPart(int from, int to, std::vector<int>& filled) const {
         const std::optional<int> middle = NearestOnEdge(std::min(from, to), std::max(from, to));
         if (!middle) return;
-        FillEdge(from, *middle, filled);
+        FillPart(from, *middle, filled);
         filled.push_back(*middle);
-        FillEdge(*middle, to, filled);
+        FillPart(*middle, to, filled);
     }
 
     std::optional<int> NearestOnEdge(int from, int to) const {
-        const Vec3& a = mesh_.vertices[static_cast<size_t>(from)];
-        const Vec3 along = mesh_.vertices[static_cast<size_t>(to)] - a;
+        const Vec3& a = Vertex(from);
+        const Vec3 along = Vertex(to) - a;
         const double length = Length(along);
         const Vec3 direction = along * (1 / length);
         std::optional<int> best;
         double bestDistance = ON_EDGE * ON_EDGE;
-        ForEachNear(a, along, length, [&](int number) {
-            if (number == from || number == to) return;
-            const Vec3 offset = mesh_.vertices[static_cast<size_t>(number)] - a;
+        for (const int number : near_) {
+            if (number == from || number == to) continue;
+            const Vec3 offset = Vertex(number) - a;
             const double at = Dot(offset, direction);
-            if (at < ON_EDGE || at > length - ON_EDGE) return;
+            if (at < ON_EDGE || at > length - ON_EDGE) continue;
             const double distance = LengthSquared(offset - direction * at);
-            if (distance > bestDistance || (distance == bestDistance && best && *best < number)) return;
+            if (distance > bestDistance || (distance == bestDistance && best && *best <= number)) continue;
             best = number;
             bestDistance = distance;
-        });
+        }
         return best;
     }
 
-    // Walks along the edge in steps of a cell, so that long slanting edges do not search their whole box.
-    template <class Use>
-    void ForEachNear(const Vec3& a, const Vec3& along, double length, Use use) const {
-        const double steps = std::ceil(length / cells_.Size());
-        for (double i = 0; i < steps; ++i) {
-            Box box;
-            box.Add(a + along * (i / steps));
-            box.Add(a + along * ((i + 1) / steps));
-            cells_.ForEach(box.Grown(ON_EDGE), use);
-        }
-    }
+    const Vec3& Vertex(int number) const { return mesh_.vertices[static_cast<size_t>(number)]; }
 
     const Mesh& mesh_;
-    PointCells cells_{32};
+    PointCells cells_{64};
+    std::vector<int> near_;  // vertices close to the edge being filled
 };
 
 // Where the outline runs along an edge and straight back, that edge bounds nothing.

@@ -1,0 +1,29 @@
+// The map compiler on generated maps of about 800 and 3,300 brushes. What to look at: the larger one's time, and how
+// many times the smaller one's it is.
+#include "rounds.h"
+#include "tools/mapc/generated_map.h"
+
+#include <cstdio>
+
+namespace {
+
+size_t AddMap(Rounds& rounds, const MapBuilder& builder) {
+    const int brushes = BrushCount(builder);
+    const std::string text = builder.Text();
+    return rounds.Add(std::to_string(brushes) + " brushes", 1,
+                      [text] { CompileMap(ParseMap(text, "generated"), TestMaterials(), 0); });
+}
+
+}  // namespace
+
+int main() {
+    Rounds rounds;
+    const size_t small = AddMap(rounds, GeneratedRooms(6).Key("subdivide", "0"));
+    const size_t large = AddMap(rounds, GeneratedRooms(13).Key("subdivide", "0"));
+    rounds.Run(7);
+    rounds.Print(small);
+    rounds.Print(large);
+    std::printf("%.0f ms and %.0f ms: %.1f times as long\n", rounds.Median(small) / 1e6, rounds.Median(large) / 1e6,
+                rounds.Median(large) / rounds.Median(small));
+    return 0;
+}

@@ -1,0 +1,8 @@
+// Maps of any size, always the same for the same size: a square of rooms with doorways, pillars, stairs and crates.
+#pragma once
+
+#include "map_builder.h"
+
+// About 19 brushes a room.
+MapBuilder GeneratedRooms(int roomsPerSide);
+int BrushCount(const MapBuilder& map);
