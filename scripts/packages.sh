@@ -4,7 +4,7 @@
 set -u
 
 # What is needed, how to find it, and the Debian package that has it. program: on the path. module: known to
-# pkg-config. runtime: a library of clang's own.
+# pkg-config. font: a font file. runtime: a library of clang's own.
 PLAY="
 program c++          g++
 program cmake        cmake
@@ -18,6 +18,7 @@ module  CLI11        libcli11-dev
 module  imagequant   libimagequant-dev
 module  freetype2    libfreetype-dev
 module  tomlplusplus libtomlplusplus-dev
+font    DejaVuSerif-Bold fonts-dejavu-core
 "
 CHECK="
 program clang++      clang
@@ -32,6 +33,7 @@ present() {  # kind name
     case $1 in
     program) command -v "$2" >/dev/null ;;
     module) command -v pkg-config >/dev/null && pkg-config --exists "$2" ;;
+    font) find /usr/share/fonts -name "$2.ttf" 2>/dev/null | grep -q . ;;
     runtime) ! command -v clang++ >/dev/null || ls "$(clang++ -print-runtime-dir)/libclang_rt.$2"* >/dev/null 2>&1 ;;
     esac
 }

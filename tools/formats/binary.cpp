@@ -73,6 +73,7 @@ std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path) {
 }
 
 void WriteWholeFile(const std::filesystem::path& path, const std::vector<uint8_t>& content) {
+    if (std::filesystem::is_regular_file(path) && ReadWholeFile(path) == content) return;
     if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path());
     const std::filesystem::path temporary = path.string() + ".part";
     {

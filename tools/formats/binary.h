@@ -55,5 +55,6 @@ private:
 };
 
 std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path);  // ContentError when it cannot be read
-// Through a temporary file beside it, so that a failure leaves no half-written output.
+// Through a temporary file beside it, so that a failure leaves no half-written output. A file that holds this content
+// already is left alone: the build then need not make again what depends on it.
 void WriteWholeFile(const std::filesystem::path& path, const std::vector<uint8_t>& content);

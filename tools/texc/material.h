@@ -1,5 +1,5 @@
 // A material recipe: a TOML file with the size of a picture and the layers that paint it, bottom first.
-// docs/authoring.md is its manual.
+// docs/materials.md is its manual.
 #pragma once
 
 #include "formats/image.h"

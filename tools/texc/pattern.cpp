@@ -2,8 +2,6 @@
 
 #include "texc/pattern_kinds.h"
 
-#include <functional>
-
 namespace {
 
 template <typename Kind>

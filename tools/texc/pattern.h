@@ -1,4 +1,4 @@
-// What a layer of a material draws: bricks, boards, stones, boxes, noise ... docs/authoring.md lists them with their
+// What a layer of a material draws: bricks, boards, stones, boxes, noise ... docs/materials.md lists them with their
 // settings; the table in pattern.cpp is where their names come from.
 #pragma once
 

@@ -99,16 +99,14 @@ Sample NoisePattern::At(const Spot& spot, const Moment& moment) const {
 }
 
 GradientPattern::GradientPattern(const Settings& settings)
-    : from_(settings.Numbers("from", 2, {0, 0})), to_(settings.Numbers("to", 2, {0, 128})),
-      mirror_(settings.Flag("mirror", false)) {
+    : from_(settings.Numbers("from", 2, {0, 0})), to_(settings.Numbers("to", 2, {0, 128})) {
     if (from_ == to_) settings.RefuseTable("'from' and 'to' are the same place", "move them apart");
 }
 
 Sample GradientPattern::At(const Spot& spot, const Moment&) const {
     const float dx = to_[0] - from_[0];
     const float dy = to_[1] - from_[1];
-    float t = Clamp01(((spot.x - from_[0]) * dx + (spot.y - from_[1]) * dy) / (dx * dx + dy * dy));
-    if (mirror_) t = 1 - Absolute(2 * t - 1);
+    const float t = Clamp01(((spot.x - from_[0]) * dx + (spot.y - from_[1]) * dy) / (dx * dx + dy * dy));
     return {1, t, t, t, 0, {}};
 }
 

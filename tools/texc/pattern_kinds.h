@@ -35,7 +35,6 @@ public:
 
 private:
     std::vector<float> from_, to_;  // places of value 0 and 1
-    bool mirror_;                   // up and down again
 };
 
 // Rows of bricks, tiles, boards or books.

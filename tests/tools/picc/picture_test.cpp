@@ -1,0 +1,128 @@
+#include "formats/binary.h"
+#include "formats/error.h"
+#include "picc/blend.h"
+#include "picc/picture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+const std::filesystem::path FOLDER = std::filesystem::path(testing::TempDir()) / "pictures";
+
+PictureSources Sources() {
+    return {FOLDER, FONT_FOLDER};
+}
+
+Image Paint(const std::string& text) {
+    WriteWholeFile(FOLDER / "test.toml", {text.begin(), text.end()});
+    return PaintPicture(FOLDER / "test.toml", Sources());
+}
+
+std::string MessageOf(const std::string& text) {
+    try {
+        Paint(text);
+    } catch (const ContentError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+// Bounds of everything that is not black.
+Rectangle InkOf(const Image& image) {
+    Rectangle ink{image.width, image.height, -1, -1};
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            const Rgba& p = image.At(x, y);
+            if (p.r + p.g + p.b < 200) continue;
+            ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
+                   std::max(ink.bottom, y + 1)};
+        }
+    }
+    return ink;
+}
+
+}  // namespace
+
+TEST(PaintPicture, TextStandsWhereItIsPut) {
+    const std::string item = "[[item]]\nkind = 'text'\nsize = 40\ncolour = '#ffffff'\nat = [320, 200]\ntext = 'HIM'\n";
+    const Rectangle left = InkOf(Paint(item));
+    const Rectangle centre = InkOf(Paint(item + "align = 'centre'\n"));
+    const Rectangle right = InkOf(Paint(item + "align = 'right'\n"));
+    EXPECT_NEAR(left.left, 323, 2);
+    EXPECT_NEAR((centre.left + centre.right) / 2, 320, 2);
+    EXPECT_NEAR(right.right, 317, 2);
+    EXPECT_NEAR(left.bottom, 200, 1) << "capitals stand on the line";
+    EXPECT_NEAR(left.bottom - left.top, 29, 1) << "capitals of this font are 0.73 em high";
+}
+
+TEST(PaintPicture, LettersOfOtherScriptsAreOneGlyphEach) {
+    const auto width = [](const std::string& text) {
+        const Rectangle ink =
+            InkOf(Paint("[[item]]\nkind = 'text'\nfont = 'DejaVuSansMono'\nsize = 30\ncolour = '#ffffff'\n"
+                        "at = [50, 100]\ntext = '" +
+                        text + "'\n"));
+        return ink.right - ink.left;
+    };
+    EXPECT_NEAR(width("→→→"), width("mmm"), 4);
+    EXPECT_NEAR(width("ÄÖÜ"), width("AOU"), 4);
+}
+
+TEST(PaintPicture, LaterItemsLieOnTopAndKeepToTheirRectangle) {
+    const Image image =
+        Paint("[[item]]\nkind = 'gradient'\ncolour = ['#000000', '#0000ff']\n[[item]]\nkind = 'panel'\n"
+              "rect = [100, 100, 200, 150]\nradius = 10\nborder = 4\ncolour = '#ff0000'\nborder_colour = '#00ff00'\n");
+    EXPECT_EQ(image.At(0, 0), (Rgba{0, 0, 0, 255}));
+    EXPECT_EQ(image.At(639, 479), (Rgba{0, 0, 255, 255}));
+    EXPECT_EQ(image.At(150, 125), (Rgba{255, 0, 0, 255}));
+    EXPECT_EQ(image.At(150, 101), (Rgba{0, 255, 0, 255}));
+    EXPECT_EQ(image.At(100, 100).g, 0) << "the corner is round";
+    EXPECT_EQ(image.At(99, 125).g, 0);
+    EXPECT_EQ(image.At(200, 125).g, 0);
+}
+
+TEST(PaintPicture, TexturesRepeatAndMayBeEnlarged) {
+    Image texture(8, 8, {0, 0, 0, 255});
+    texture.At(1, 0) = {255, 255, 255, 255};
+    WritePng(FOLDER / "dot.png", texture);
+    const Image image = Paint("[[item]]\nkind = 'texture'\nmaterial = 'dot'\nzoom = 2\nrect = [10, 10, 60, 60]\n");
+    for (const int x : {12, 13, 28, 29, 44})
+        EXPECT_EQ(image.At(x, 10).r, 255) << x;
+    for (const int x : {11, 14, 27, 30})
+        EXPECT_EQ(image.At(x, 10).r, 0) << x;
+    EXPECT_EQ(image.At(12, 26).r, 255);
+}
+
+TEST(PaintPicture, EveryRunGivesTheSamePixels) {
+    WritePng(FOLDER / "wall.png", Image(16, 16, {120, 90, 60, 255}));
+    const std::string text =
+        "[[item]]\nkind = 'hall'\nleft = 'wall'\nfloor = 'wall'\nceiling = 'wall'\nhaze = '#ffffff'\n"
+        "[[item]]\nkind = 'vignette'\n[[item]]\nkind = 'keys'\nat = [40, 90]\nkeys = ['Shift F1', 'F2']\n"
+        "text = ['one', 'two']\ncolour = ['#ffffff', '#ffff00']\nshadow = 3\n";
+    const Image first = Paint(text);
+    EXPECT_EQ(Paint(text), first);
+    EXPECT_GT(first.At(320, 240).r, first.At(2, 240).r) << "the hall fades to its haze";
+}
+
+TEST(PaintPicture, FaultsNameTheLineAndTheRemedy) {
+    const struct {
+        const char* text;
+        const char* expected;
+    } rows[] = {
+        {"", "the picture is empty"},
+        {"[[item]]\nkind = 'pannel'\n", "panel"},
+        {"[[item]]\nkind = 'panel'\ncolour = '#000000'\nborders = 3\n", "test.toml:4: 'borders'"},
+        {"[[item]]\nkind = 'gradient'\nrect = [10, 10, 10, 20]\ncolour = '#000000'\n", "'rect' is empty"},
+        {"[[item]]\nkind = 'gradient'\n", "'colour' is missing"},
+        {"[[item]]\nkind = 'texture'\nmaterial = 'no_such'\n", "there is no material 'no_such'"},
+        {"[[item]]\nkind = 'text'\ntext = 'a'\nfont = 'Comic'\ncolour = '#ffffff'\n", "Comic.ttf"},
+        {"[[item]]\nkind = 'text'\ntext = 'far too long'\nat = [600, 20]\ncolour = '#ffffff'\n", "leaves the picture"},
+        {"[[item]]\nkind = 'text'\ntext = '中'\ncolour = '#ffffff'\n", "test.toml:1"},
+        {"[[item]]\nkind = 'keys'\nkeys = ['F1', 'F2']\ntext = ['one']\ncolour = '#ffffff'\n", "has 2 rows"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_NE(MessageOf(row.text).find(row.expected), std::string::npos)
+            << row.text << "gave: " << MessageOf(row.text);
+    }
+}

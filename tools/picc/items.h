@@ -1,0 +1,20 @@
+// The kinds of things a picture is made of. Each reads its own settings and paints onto the picture.
+#pragma once
+
+#include "formats/image.h"
+#include "formats/settings.h"
+#include "picc/lettering.h"
+
+#include <map>
+
+struct Painter {
+    Image image;
+    std::filesystem::path materials;
+    Lettering lettering;
+    std::map<std::string, Image> loaded;
+
+    const Image& Texture(const Settings& item, const std::string& name);
+};
+
+// Reads the key `kind` and paints.
+void PaintItem(Painter& painter, const Settings& item);

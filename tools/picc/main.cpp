@@ -1,0 +1,28 @@
+// picc: paints a front-end picture from its description.
+#include "formats/binary.h"
+#include "picc/picture.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+int main(int argc, char** argv) {
+    std::string description, output, preview;
+    PictureSources sources;
+    CLI::App app{"Paints a front-end picture, 640 x 480, from its description."};
+    app.add_option("description", description, "The description (.toml)")->required();
+    app.add_option("-o,--output", output, "The bitmap to write (.bmp)")->required();
+    app.add_option("--materials", sources.materials, "Folder of the painted materials")->required();
+    app.add_option("--fonts", sources.fonts, "Folder of the fonts (.ttf)")->required();
+    app.add_option("--preview", preview, "The same picture as PNG to write");
+    CLI11_PARSE(app, argc, argv);
+    try {
+        const Image image = PaintPicture(description, sources);
+        if (!preview.empty()) WritePng(preview, image);
+        WriteWholeFile(output, EncodeBitmap(image));
+        return 0;
+    } catch (const std::exception& error) {
+        std::cerr << "picc: " << error.what() << "\n";
+        return 1;
+    }
+}

@@ -1,0 +1,19 @@
+// A front-end picture: a TOML file whose items are painted one over the other. docs/materials.md is its manual.
+#pragma once
+
+#include "formats/image.h"
+#include "picc/lettering.h"
+
+#include <filesystem>
+#include <string>
+
+constexpr int PICTURE_WIDTH = 640;
+constexpr int PICTURE_HEIGHT = 480;
+
+struct PictureSources {
+    std::filesystem::path materials;  // folder of <name>.png
+    std::filesystem::path fonts;      // folder of <name>.ttf
+};
+
+// ContentError names the file and the line.
+Image PaintPicture(const std::filesystem::path& description, const PictureSources& sources);
