@@ -1,23 +1,16 @@
 #include "run_program.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <stdexcept>
 #include <sys/wait.h>
 
 namespace fs = std::filesystem;
 
-ProgramRun::ProgramRun() {
-    std::string pattern = (fs::temp_directory_path() / "tarnwick-test-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder_ = pattern;
+ProgramRun::ProgramRun() : folder_(testing::TempDir()) {
     fs::create_directory(folder_ / "empty");
-}
-
-ProgramRun::~ProgramRun() {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
 }
 
 ProgramResult ProgramRun::Run(const std::string& arguments) const {

@@ -10,11 +10,10 @@ struct ProgramResult {
     std::string errors;
 };
 
-// The game without a window, with a folder of its own as the current one.
+// The game without a window; the current folder is the test's temporary one, in which `empty` is an empty folder.
 class ProgramRun {
 public:
     ProgramRun();
-    ~ProgramRun();
 
     ProgramResult Run(const std::string& arguments) const;  // shell words
     std::filesystem::path Path(const std::string& name) const { return folder_ / name; }

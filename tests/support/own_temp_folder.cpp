@@ -1,0 +1,24 @@
+// Linked into every test program: testing::TempDir() is a fresh folder of this process, so that tests that run at the
+// same time do not meet in their files. It is gone when the process ends.
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+char Folder[] = "/tmp/tarnwick-test-XXXXXX";
+
+// Ahead of all static objects: some of them ask for the folder.
+[[gnu::constructor(101)]] void MakeFolder() {
+    if (mkdtemp(Folder) != nullptr) setenv("TEST_TMPDIR", Folder, 1);
+}
+
+struct RemoveAtExit {
+    ~RemoveAtExit() {
+        std::error_code ignored;
+        std::filesystem::remove_all(Folder, ignored);
+    }
+};
+const RemoveAtExit removeAtExit;
+
+}  // namespace
