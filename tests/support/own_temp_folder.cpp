@@ -1,20 +1,24 @@
 // Linked into every test program: testing::TempDir() is a fresh folder of this process, so that tests that run at the
-// same time do not meet in their files. It is gone when the process ends.
+// same time do not meet in their files. It is gone when the process, not a fork of it, ends.
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <unistd.h>
 
 namespace {
 
 char Folder[] = "/tmp/tarnwick-test-XXXXXX";
+pid_t Owner;
 
 // Ahead of all static objects: some of them ask for the folder.
 [[gnu::constructor(101)]] void MakeFolder() {
+    Owner = getpid();
     if (mkdtemp(Folder) != nullptr) setenv("TEST_TMPDIR", Folder, 1);
 }
 
 struct RemoveAtExit {
     ~RemoveAtExit() {
+        if (getpid() != Owner) return;
         std::error_code ignored;
         std::filesystem::remove_all(Folder, ignored);
     }
