@@ -1,0 +1,357 @@
+// A sound level and data folder, and one broken rule at a time.
+#include "datacheck/folder.h"
+#include "datacheck/pool_replay.h"
+#include "datacheck/rules.h"
+#include "formats/binary.h"
+#include "formats/image.h"
+#include "mapc/map_builder.h"
+#include "mapc/placement.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int HOUSE = 3;  // a level without a sky
+
+// A hall with a step, a pillar and a lamp; some walls are lit at their corners.
+CompiledLevel CompileHall(int number) {
+    MapBuilder map;
+    map.Room({-400, -400, 0}, {400, 400, 600}).Box({200, -400, 0}, {400, 400, 40}, "floor");
+    map.Box({-300, 200, 0}, {-200, 300, 600}, "tall").Start("0 0 64").Light("0 0 300");
+    return Compile(map, number);
+}
+
+TextureFile TexturesOf(size_t count) {
+    TextureFile file;
+    file.pages.emplace_back(TEXTURE_PAGE_SIZE, uint8_t{7});
+    for (size_t i = 0; i < count; ++i) {
+        file.slots.push_back({0, static_cast<uint8_t>(i % 16 * 8), static_cast<uint8_t>(i / 16 * 8), 8, 8});
+    }
+    return file;
+}
+
+LightSlotRecord Lamp(float x, float y, float z) {
+    LightSlotRecord slot;
+    slot.type = LIGHT_FLICKER;
+    slot.position = {x, y, z};
+    slot.radius = 300;
+    slot.radiusSquared = 90000;
+    slot.pointCount = slot.cornerCount = 1;
+    slot.highIntensity = 2;
+    return slot;
+}
+
+LevelData SoundLevel(int number) {
+    const CompiledLevel compiled = CompileHall(number);
+    LevelData level;
+    level.number = number;
+    level.folder = "level" + std::to_string(number);
+    level.world = compiled.world;
+    level.light = compiled.light;
+    level.textures = TexturesOf(95);
+    const Vec3 start = StartOf(number);
+    level.slots = LightSlotFile{};
+    level.slots->slots = {Lamp(static_cast<float>(start.x), static_cast<float>(start.y), static_cast<float>(start.z))};
+    level.slots->points = {{3, 0.2f}};
+    level.slots->corners = {{8, 0.2f}};
+    return level;
+}
+
+std::string Joined(const Report& report) {
+    std::string text;
+    for (const std::string& line : report.Lines())
+        text += line + "\n";
+    return text;
+}
+
+std::string FindingsOf(const LevelData& level) {
+    Report report;
+    CheckLevel(level, report);
+    return Joined(report);
+}
+
+size_t FirstWall(const WorldFile& world) {
+    for (size_t i = 0; i < world.polygons.size(); ++i) {
+        if (world.planes[world.polygons[i].plane].normal[1] == 0) return i;
+    }
+    return 0;
+}
+
+WorldVector& CornerOf(WorldFile& world, size_t polygon, size_t corner) {
+    return world.points[world.corners[world.polygons[polygon].firstCorner + corner].point].position;
+}
+
+struct Mutation {
+    std::string expected;  // part of what is told
+    std::function<void(LevelData&)> damage;
+};
+
+void ExpectEachIsTold(const std::vector<Mutation>& mutations) {
+    const LevelData sound = SoundLevel(HOUSE);
+    for (const Mutation& mutation : mutations) {
+        LevelData level = sound;
+        mutation.damage(level);
+        const std::string findings = FindingsOf(level);
+        EXPECT_NE(findings.find(mutation.expected), std::string::npos)
+            << "expected: " << mutation.expected << "\ntold: " << findings;
+    }
+}
+
+TEST(Datacheck, TellsNothingOfASoundLevel) {
+    EXPECT_EQ(FindingsOf(SoundLevel(HOUSE)), "");
+    EXPECT_EQ(FindingsOf(SoundLevel(1)), "");
+}
+
+TEST(Datacheck, TellsFaultsOfTheTree) {
+    ExpectEachIsTold({
+        {"reaches a node twice", [](LevelData& l) { l.world->nodes[0].front = 0; }},
+        {"is empty", [](LevelData& l) { l.world->nodes.clear(); }},
+        {"is not reached",
+         [](LevelData& l) {
+             l.world->nodes.push_back(l.world->nodes[0]);
+             l.world->nodes.back().front = l.world->nodes.back().back = ~0;
+         }},
+        {"hangs 0 times", [](LevelData& l) { l.world->leaves.push_back(l.world->leaves[0]); }},
+        {"belongs to 5 leaves",
+         [](LevelData& l) {
+             for (WorldLeaf& leaf : l.world->leaves)
+                 leaf.firstPolygon = 0;
+         }},
+    });
+}
+
+TEST(Datacheck, TellsFaultsOfPolygons) {
+    ExpectEachIsTold({
+        {"clockwise",
+         [](LevelData& l) {
+             const WorldPolygon& p = l.world->polygons[0];
+             std::reverse(l.world->corners.begin() + p.firstCorner,
+                          l.world->corners.begin() + p.firstCorner + p.cornerCount);
+         }},
+        {"off its plane", [](LevelData& l) { l.world->planes[l.world->polygons[2].plane].offset += 1; }},
+        {"length 1",
+         [](LevelData& l) {
+             l.world->planes[l.world->polygons[2].plane].normal = {0.5f, 0, 0};
+         }},
+        {"shorter than 0.1", [](LevelData& l) { CornerOf(*l.world, 1, 0) = CornerOf(*l.world, 1, 1); }},
+        {"on a line",
+         [](LevelData& l) {
+             const WorldVector a = CornerOf(*l.world, 1, 0);
+             const WorldVector b = CornerOf(*l.world, 1, 2);
+             CornerOf(*l.world, 1, 1) = {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
+         }},
+        {"not convex",
+         [](LevelData& l) {
+             const size_t first = l.world->polygons[1].firstCorner;
+             std::swap(l.world->corners[first + 1], l.world->corners[first + 2]);
+         }},
+        {"3 to 12 are possible", [](LevelData& l) { l.world->polygons[0].cornerCount = 2; }},
+        {"3 to 8 are possible",
+         [](LevelData& l) {
+             l.world->polygons[0].cornerCount = 9;
+             l.world->polygons[0].shading = WORLD_CORNER_LIGHT;
+         }},
+        {"unknown kind of light", [](LevelData& l) { l.world->polygons[0].shading = 2; }},
+        {"is not a place", [](LevelData& l) { l.world->points[0].position[1] = NAN; }},
+        {"no texture coordinates", [](LevelData& l) { l.world->corners[0].u = INFINITY; }},
+        {"uses texture 93", [](LevelData& l) { l.world->polygons[0].texture = 93; }},
+    });
+}
+
+TEST(Datacheck, TellsFaultsOfBoxesAndOrder) {
+    ExpectEachIsTold({
+        {"its box leaves out a corner:", [](LevelData& l) { l.world->leaves[0].halfExtents[1] -= 1; }},
+        {"its box leaves out a corner below it", [](LevelData& l) { l.world->nodes[0].centre[0] += 5; }},
+        {"cell of the tree", [](LevelData& l) { std::swap(l.world->nodes[0].front, l.world->nodes[0].back); }},
+        {"reaches only",
+         [](LevelData& l) {  // a crate's worth of hall
+             for (WorldPoint& point : l.world->points) {
+                 for (float& v : point.position)
+                     v *= 0.04f;
+             }
+             for (WorldLeaf& leaf : l.world->leaves)
+                 leaf.centre = CornerOf(*l.world, leaf.firstPolygon, 0);
+         }},
+        {"is drawn over polygon", [](LevelData& l) { std::swap(l.world->nodes[0].front, l.world->nodes[0].back); }},
+        {"must be touched last",
+         [](LevelData& l) {
+             for (WorldLeaf& leaf : l.world->leaves)
+                 std::reverse(l.world->polygons.begin() + leaf.firstPolygon,
+                              l.world->polygons.begin() + leaf.firstPolygon + leaf.polygonCount);
+         }},
+        {"the world is open",
+         [](LevelData& l) { l.world->planes[l.world->polygons[FirstWall(*l.world)].plane].offset += 100000; }},
+        {"above its floor",
+         [](LevelData& l) {
+             for (WorldPoint& point : l.world->points)
+                 point.position[1] += 5;
+             for (WorldPlane& plane : l.world->planes)
+                 plane.offset -= 5 * plane.normal[1];
+         }},
+    });
+}
+
+TEST(Datacheck, TellsWhatIsTooLarge) {
+    ExpectEachIsTold({
+        {"polygons at one point: ",
+         [](LevelData& l) {
+             for (WorldCorner& corner : l.world->corners)
+                 corner.point = 0;
+             l.world->corners.resize(300);
+         }},
+        {"planes: 62001",
+         [](LevelData& l) {
+             l.world->planes.resize(62001, {{1, 0, 0}, 0});
+         }},
+        {"run out at the character", [](LevelData& l) { l.characterBytes = 9000000; }},
+        {"touches",
+         [](LevelData& l) {  // the same floor again and again
+             WorldFile& world = *l.world;
+             for (WorldLeaf& leaf : world.leaves) {
+                 const WorldPolygon first = world.polygons[leaf.firstPolygon];
+                 if (world.planes[first.plane].normal[1] > -0.7f) continue;
+                 leaf.firstPolygon = static_cast<uint16_t>(world.polygons.size());
+                 leaf.polygonCount = 151;
+                 world.polygons.insert(world.polygons.end(), 151, first);
+             }
+         }},
+    });
+}
+
+TEST(Datacheck, TellsFaultsOfLight) {
+    ExpectEachIsTold({
+        {"beyond 0 to 127", [](LevelData& l) { l.light->pointLight[2] = -1; }},
+        {"the world has", [](LevelData& l) { l.light->pointLight.pop_back(); }},
+        {"no bytes for it", [](LevelData& l) { l.world->polygons[1].shading = WORLD_CORNER_LIGHT; }},
+        {"ends before the world's", [](LevelData& l) { l.light->farDistance = 500; }},
+        {"in the dark", [](LevelData& l) { l.light->fadeDistance = 0; }},
+        {"show something", [](LevelData& l) { l.light->contrast = 0; }},
+        {"0 to 3 exist", [](LevelData& l) { l.light->lightMode = 4; }},
+        {"beyond 0 to 63", [](LevelData& l) { l.light->darkColour[1] = 64; }},
+        {"141, at most 140", [](LevelData& l) { l.slots->slots.resize(141); }},
+        {"unknown type 9", [](LevelData& l) { l.slots->slots[0].type = 9; }},
+        {"and its square", [](LevelData& l) { l.slots->slots[0].radiusSquared = 300; }},
+        {"and its square", [](LevelData& l) { l.slots->slots[0].radius = 0; }},
+        {"above its high one", [](LevelData& l) { l.slots->slots[0].lowIntensity = 3; }},
+        {"point 60000: is no part", [](LevelData& l) { l.slots->points[0].index = 60000; }},
+        {"corner 8: is no part", [](LevelData& l) { l.slots->corners[0].weight = NAN; }},
+        {"31 slots reach the character",
+         [](LevelData& l) {
+             const LightSlotRecord lamp = l.slots->slots[0];
+             l.slots->slots.assign(31, lamp);
+         }},
+    });
+}
+
+TEST(Datacheck, TellsFaultsOfTextures) {
+    ExpectEachIsTold({
+        {"94 textures, 95 are needed", [](LevelData& l) { l.textures->slots.pop_back(); }},
+        {"differs in size", [](LevelData& l) { l.textures->slots[12].width = 16; }},
+        {"differs from texture 14",
+         [](LevelData& l) { l.textures->pages[0][size_t{l.textures->slots[14].x} + 2] = 9; }},
+    });
+}
+
+TEST(Datacheck, NotesWallsThatAreCutLow) {
+    LevelData level = SoundLevel(HOUSE);
+    WorldFile& world = *level.world;
+    const size_t wall = FirstWall(world);
+    const double floor = LevelSlotOf(HOUSE).floor;
+    // Lower the wall to 40 above the floor, and stand its old self above the cut.
+    const WorldPolygon whole = world.polygons[wall];
+    world.polygons.push_back(whole);
+    world.polygons.back().firstCorner = static_cast<uint16_t>(world.corners.size());
+    for (size_t k = 0; k < whole.cornerCount; ++k) {
+        WorldPoint point{CornerOf(world, wall, k), {}};
+        world.corners.push_back({static_cast<uint32_t>(world.points.size()), 0, 0});
+        if (point.position[1] < static_cast<float>(floor) + 41) point.position[1] = static_cast<float>(floor) + 40;
+        world.points.push_back(point);
+    }
+    for (size_t k = 0; k < whole.cornerCount; ++k) {
+        float& height = CornerOf(world, wall, k)[1];
+        if (height > static_cast<float>(floor) + 41) height = static_cast<float>(floor) + 40;
+    }
+    EXPECT_NE(FindingsOf(level).find("note: level3/house.bgm: wall at"), std::string::npos) << FindingsOf(level);
+}
+
+TEST(Datacheck, CountsTheEnginesMemoryAsItIsTaken) {
+    WorldFile world;
+    world.nodes.resize(4000);
+    world.leaves.resize(4000);
+    world.planes.resize(3000);
+    world.polygons.resize(8000);
+    world.points.resize(10000);
+    world.corners.resize(34000);
+    const PoolUse typical = ReplayPool(world, 95, 12, 400000);
+    EXPECT_EQ(typical.failedFor, nullptr);
+    EXPECT_NEAR(static_cast<double>(typical.free), 8388544 - 5.8e6, 300000);
+    world.corners.resize(52000);
+    world.points.resize(25000);
+    world.planes.resize(62000);
+    world.polygons.resize(20000);
+    EXPECT_STREQ(ReplayPool(world, 95, 12, 400000).failedFor, "the frame");
+}
+
+TEST(Datacheck, TellsOftenRepeatedFaultsOnlyAFewTimes) {
+    LevelData level = SoundLevel(HOUSE);
+    for (WorldPolygon& polygon : level.world->polygons)
+        polygon.texture = 93;
+    Report report;
+    CheckTextures(level, report);
+    EXPECT_EQ(report.Lines().size(), 6U);
+    EXPECT_NE(report.Lines().back().find(" more)"), std::string::npos);
+}
+
+class DataFolder : public testing::Test {
+protected:
+    void SetUp() override {
+        folder_ = fs::temp_directory_path() / "tarnwick_datacheck_test";
+        fs::remove_all(folder_);
+        for (int number = 1; number <= LEVEL_COUNT; ++number) {
+            const LevelData level = SoundLevel(number);
+            const fs::path at = folder_ / "game/data/levels" / level.folder;
+            WriteWholeFile(at / fs::path(level.WorldPath()).filename(), EncodeWorld(*level.world));
+            WriteWholeFile(at / "Lights.LMP", EncodeLightMap(*level.light));
+            WriteWholeFile(at / "lights.alt", EncodeLightSlots(*level.slots));
+            WriteWholeFile(at / "texture.bin", EncodeTextureFile(*level.textures));
+        }
+        for (const char* name :
+             {"Title.Bmp", "Options.Bmp", "LoadSave.Bmp", "Lang.Bmp", "Select01.bmp", "Select02.bmp"})
+            WriteWholeFile(folder_ / "FrontEnd" / name, EncodeBitmap(Image(640, 480)));
+    }
+    void TearDown() override { fs::remove_all(folder_); }
+
+    std::string Findings() const {
+        Report report;
+        CheckDataFolder(folder_, report);
+        EXPECT_EQ(report.HasProblems(), !report.Lines().empty());
+        return Joined(report);
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(DataFolder, IsCheckedFileByFile) {
+    EXPECT_EQ(Findings(), "");
+    fs::remove(folder_ / "game/data/levels/level6/swamp.bgm");
+    fs::remove(folder_ / "game/data/levels/level5/lights.alt");  // optional
+    fs::resize_file(folder_ / "game/data/levels/level2/texture.bin", 5000);
+    WriteWholeFile(folder_ / "FrontEnd/Lang.Bmp", EncodeBitmap(Image(640, 400)));
+    WriteWholeFile(folder_ / "FrontEnd/Title.Bmp", {'B', 'M'});
+    const std::string findings = Findings();
+    EXPECT_EQ(std::count(findings.begin(), findings.end(), '\n'), 4) << findings;
+    for (const char* expected :
+         {"level6/swamp.bgm: is missing", "level2/texture.bin: ", "FrontEnd/Lang.Bmp: is 640 x 400", "Title.Bmp: "})
+        EXPECT_NE(findings.find(expected), std::string::npos) << expected << " in\n" << findings;
+}
+
+TEST_F(DataFolder, MustExist) {
+    folder_ /= "none";
+    EXPECT_NE(Findings().find("is not a folder"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,128 @@
+#include "datacheck/folder.h"
+
+#include "datacheck/rules.h"
+#include "formats/binary.h"
+#include "formats/error.h"
+#include "formats/image.h"
+#include "mapc/placement.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cctype>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::array PICTURES = {"FrontEnd/Title.Bmp", "FrontEnd/Options.Bmp",  "FrontEnd/LoadSave.Bmp",
+                                 "FrontEnd/Lang.Bmp",  "FrontEnd/Select01.bmp", "FrontEnd/Select02.bmp"};
+constexpr int PICTURE_WIDTH = 640;
+constexpr int PICTURE_HEIGHT = 480;
+constexpr size_t BONES_BYTES = 22 * 152;
+
+bool EqualWithoutCase(const std::string& a, const std::string& b) {
+    const auto same = [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
+}
+
+// The game finds a file whatever the case of its letters. Empty: there is none.
+fs::path Find(const fs::path& folder, const fs::path& name) {
+    fs::path at = folder;
+    for (const fs::path& component : name) {
+        fs::path next = at / component;
+        if (!fs::exists(next) && fs::is_directory(at)) {
+            for (const auto& entry : fs::directory_iterator(at)) {
+                if (EqualWithoutCase(entry.path().filename().string(), component.string())) next = entry.path();
+            }
+        }
+        at = next;
+    }
+    return fs::is_regular_file(at) ? at : fs::path();
+}
+
+class FolderCheck {
+public:
+    FolderCheck(fs::path folder, Report& report) : folder_(std::move(folder)), report_(report) {}
+
+    void Run() {
+        if (!fs::is_directory(folder_)) {
+            report_.Problem(folder_.string(), "", "is not a folder", "name the folder that holds \"game\"");
+            return;
+        }
+        for (int number = 1; number <= LEVEL_COUNT; ++number)
+            CheckLevel(LoadLevel(number), report_);
+        for (const char* const picture : PICTURES)
+            CheckPicture(picture);
+    }
+
+private:
+    // What decode makes of the file, or nothing and a problem.
+    template <class Decode>
+    auto Load(const std::string& path, bool needed, Decode decode)
+        -> std::optional<decltype(decode(std::vector<uint8_t>(), path))> {
+        const fs::path found = Find(folder_, path);
+        if (found.empty()) {
+            if (needed) report_.Problem(path, "", "is missing", "build the content again");
+            return std::nullopt;
+        }
+        try {
+            return decode(ReadWholeFile(found), path);
+        } catch (const ContentError& error) {
+            report_.Problem(error.what());
+            return std::nullopt;
+        }
+    }
+
+    LevelData LoadLevel(int number) {
+        LevelData level;
+        level.number = number;
+        level.folder = fmt::format("game/data/levels/level{}", number);
+        level.world = Load(level.WorldPath(), true, DecodeWorld);
+        level.light = Load(level.LightPath(), true, DecodeLightMap);
+        level.slots = Load(level.SlotPath(), false, DecodeLightSlots);
+        level.textures = Load(level.TexturePath(), true, DecodeTextureFile);
+        if (const size_t bytes = CharacterBytes(); bytes > 0) level.characterBytes = bytes;
+        return level;
+    }
+
+    // What stays in memory of the character: clips, weights and bones; 0 without its files.
+    size_t CharacterBytes() const {
+        const fs::path folder = folder_ / "game/data/anims";
+        size_t bytes = 0;
+        if (!fs::is_directory(folder)) return 0;
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            if (entry.is_regular_file()) bytes += entry.file_size() + 64;
+        }
+        return bytes == 0 ? 0 : bytes + BONES_BYTES;
+    }
+
+    void CheckPicture(const char* path) {
+        const std::optional<Image> picture = Load(path, true, DecodeBitmap);
+        if (!picture || (picture->width == PICTURE_WIDTH && picture->height == PICTURE_HEIGHT)) return;
+        report_.Problem(path, "", fmt::format("is {} x {} pixels", picture->width, picture->height),
+                        fmt::format("make it {} x {}", PICTURE_WIDTH, PICTURE_HEIGHT));
+    }
+
+    fs::path folder_;
+    Report& report_;
+};
+
+}  // namespace
+
+void CheckLevel(const LevelData& level, Report& report) {
+    if (level.world && CheckTree(level, report)) {
+        CheckSizes(level, report);
+        CheckPolygons(level, report);
+        CheckBoxes(level, report);
+        CheckSight(level, report);
+        CheckWalking(level, report);
+    }
+    if (level.light) CheckLight(level, report);
+    if (level.slots) CheckLightSlots(level, report);
+    if (level.textures) CheckTextures(level, report);
+}
+
+void CheckDataFolder(const fs::path& folder, Report& report) {
+    FolderCheck(folder, report).Run();
+}

@@ -1,0 +1,91 @@
+#include "datacheck/level_data.h"
+
+#include "mapc/placement.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+constexpr double WALKABLE = 0.7;  // least Up() of ground on which a leap ends
+constexpr double MISS = std::numeric_limits<double>::infinity();
+
+}  // namespace
+
+std::string LevelData::WorldPath() const {
+    return fmt::format("{}/{}.bgm", folder, LevelSlotOf(number).worldName);
+}
+
+Vec3 StartOf(int level) {
+    const int* start = LevelSlotOf(level).start;
+    return {static_cast<double>(start[0]), static_cast<double>(start[1]), static_cast<double>(start[2])};
+}
+
+bool HasSky(int level) {
+    return level != 3 && level != 4 && level != 7;
+}
+
+double LeastLeafRadius(int level) {
+    return level <= 2 ? 80 : level <= 5 ? 50 : 60;
+}
+
+Vec3 Widened(const WorldVector& v) {
+    return {v[0], v[1], v[2]};
+}
+
+std::string Describe(const Vec3& place) {
+    return fmt::format("({:.0f} {:.0f} {:.0f})", place.x, place.y, place.z);
+}
+
+Vec3 WorldFace::Centre() const {
+    Vec3 sum;
+    for (const Vec3& p : corners)
+        sum = sum + p;
+    return corners.empty() ? sum : sum * (1.0 / static_cast<double>(corners.size()));
+}
+
+double WorldFace::Hit(const Vec3& eye, const Vec3& direction, double margin) const {
+    const double distance = Distance(eye);
+    const double approach = Dot(normal, direction);
+    if (distance >= 0 || approach < 1e-9) return MISS;
+    const double at = -distance / approach;
+    const Vec3 p = eye + direction * at;
+    for (size_t k = 0; k < corners.size(); ++k) {
+        const Vec3 out = Cross(corners[(k + 1) % corners.size()] - corners[k], normal);
+        if (Dot(p - corners[k], out) > -margin * Length(out)) return MISS;
+    }
+    return at;
+}
+
+std::vector<WorldFace> FacesOf(const WorldFile& world) {
+    std::vector<WorldFace> faces;
+    faces.reserve(world.polygons.size());
+    for (const WorldPolygon& polygon : world.polygons) {
+        WorldFace face;
+        face.normal = Widened(world.planes[polygon.plane].normal);
+        face.offset = world.planes[polygon.plane].offset;
+        for (size_t k = 0; k < polygon.cornerCount; ++k) {
+            face.corners.push_back(Widened(world.points[world.corners[polygon.firstCorner + k].point].position));
+        }
+        faces.push_back(std::move(face));
+    }
+    return faces;
+}
+
+double NearestHit(const std::vector<WorldFace>& faces, const Vec3& eye, const Vec3& direction, double margin) {
+    double nearest = MISS;
+    for (const WorldFace& face : faces)
+        nearest = std::min(nearest, face.Hit(eye, direction, margin));
+    return nearest;
+}
+
+std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, size_t most) {
+    std::vector<Vec3> floors;
+    for (const WorldFace& face : faces) {
+        if (face.Up() > WALKABLE) floors.push_back(face.Centre() + Vec3{0, 60, 0});
+    }
+    std::vector<Vec3> places = {StartOf(level)};
+    const size_t step = floors.size() / most + 1;
+    for (size_t i = 0; i < floors.size(); i += step)
+        places.push_back(floors[i]);
+    return places;
+}

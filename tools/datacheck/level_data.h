@@ -1,0 +1,54 @@
+// One level's files as they were read, and what the rules measure of its world, in engine space and double precision.
+#pragma once
+
+#include "formats/light_files.h"
+#include "formats/texture_file.h"
+#include "formats/world_file.h"
+#include "mapc/geometry.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// A file that could not be read is missing here; its problem is already told.
+struct LevelData {
+    int number = 0;      // 1..8
+    std::string folder;  // for messages
+    std::optional<WorldFile> world;
+    std::optional<LightMapFile> light;
+    std::optional<LightSlotFile> slots;
+    std::optional<TextureFile> textures;
+    size_t characterBytes = 450000;  // of engine memory: what the character is planned to take while it has no files
+
+    std::string WorldPath() const;
+    std::string LightPath() const { return folder + "/lights.lmp"; }
+    std::string SlotPath() const { return folder + "/lights.alt"; }
+    std::string TexturePath() const { return folder + "/texture.bin"; }
+};
+
+// What is built into the game.
+Vec3 StartOf(int level);
+bool HasSky(int level);
+double LeastLeafRadius(int level);  // smaller leaves lose contacts at the level's frame length
+
+Vec3 Widened(const WorldVector& v);
+std::string Describe(const Vec3& place);  // "(12 -40 7)"
+
+// A polygon is seen, and stops the player, from the negative side of its plane.
+struct WorldFace {
+    std::vector<Vec3> corners;
+    Vec3 normal;  // into the solid
+    double offset = 0;
+
+    double Distance(const Vec3& p) const { return Dot(normal, p) + offset; }
+    double Up() const { return -normal.y; }  // vertical part of the outward normal: 1 floor, -1 ceiling
+    Vec3 Centre() const;
+    // The distance along the ray at which it meets the face from its visible side, no nearer than `margin` to an edge
+    // (negative: that far beyond it counts too); infinity when it does not.
+    double Hit(const Vec3& eye, const Vec3& direction, double margin) const;
+};
+
+std::vector<WorldFace> FacesOf(const WorldFile& world);
+double NearestHit(const std::vector<WorldFace>& faces, const Vec3& eye, const Vec3& direction, double margin);
+// Up to `most` places 60 above floors, spread over the level; the start is the first.
+std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, size_t most);

@@ -1,0 +1,155 @@
+#include "datacheck/rules.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+constexpr size_t SLOTS_MAX = 140;         // of the engine's 150; the others are left to shots
+constexpr int SLOTS_AT_PLACE_MAX = 30;    // lights that the character takes
+constexpr size_t PLACES = 200;            // of play, at which they are counted
+constexpr size_t CORNER_POLYGONS = 8191;  // greatest polygon that a contribution can name
+const char* const REBUILD = "build the level again with mapc";
+
+bool IsLightByte(int8_t value) {
+    return value >= 0;
+}
+
+bool IsColour(const std::array<int16_t, 3>& colour) {
+    return std::all_of(colour.begin(), colour.end(), [](int16_t level) { return level >= 0 && level <= 63; });
+}
+
+void CheckLightBytes(const LevelData& level, Report& report) {
+    const LightMapFile& light = *level.light;
+    const std::string file = level.LightPath();
+    bool inRange = std::all_of(light.pointLight.begin(), light.pointLight.end(), IsLightByte);
+    for (const auto& corners : light.cornerLight)
+        inRange = inRange && std::all_of(corners.begin(), corners.end(), IsLightByte);
+    if (!inRange) report.Problem(file, "light bytes", "reach beyond 0 to 127", REBUILD);
+    if (!level.world) return;
+
+    const WorldFile& world = *level.world;
+    if (light.pointLight.size() != world.points.size()) {
+        report.Problem(file, "point light",
+                       fmt::format("lights {} points, the world has {}", light.pointLight.size(), world.points.size()),
+                       REBUILD);
+    }
+    for (size_t i = light.cornerLight.size(); i < world.polygons.size(); ++i) {
+        if (world.polygons[i].shading != WORLD_CORNER_LIGHT) continue;
+        report.Problem(file, fmt::format("polygon {}", i), "has corner light, but the file has no bytes for it",
+                       REBUILD);
+    }
+}
+
+void CheckDistances(const LevelData& level, Report& report) {
+    const LightMapFile& light = *level.light;
+    Box box;
+    for (const WorldPoint& point : level.world->points)
+        box.Add(Widened(point.position));
+    const double diagonal = box.IsEmpty() ? 0 : Length(box.max - box.min);
+    if (light.farDistance < diagonal) {
+        report.Problem(
+            level.LightPath(), "far distance",
+            fmt::format("{} ends before the world's {:.0f} from corner to corner", light.farDistance, diagonal),
+            "raise the key \"far_distance\" of worldspawn");
+    }
+}
+
+class SlotCheck {
+public:
+    SlotCheck(const LevelData& level, Report& report) : level_(level), lights_(*level.slots), report_(report) {}
+
+    void Run() {
+        if (lights_.slots.size() > SLOTS_MAX) {
+            Problem("slots", fmt::format("{}, at most {}", lights_.slots.size(), SLOTS_MAX), "use fewer lights");
+        }
+        for (size_t i = 0; i < lights_.slots.size(); ++i)
+            CheckSlot(i);
+        if (level_.world) {
+            CheckNamedRecords();
+            CheckCrowding();
+        }
+    }
+
+private:
+    void Problem(const std::string& place, const std::string& wrong, const std::string& remedy) {
+        report_.Problem(level_.SlotPath(), place, wrong, remedy);
+    }
+
+    void CheckSlot(size_t number) {
+        const LightSlotRecord& slot = lights_.slots[number];
+        if (slot.type == LIGHT_FREE) return;
+        const std::string place =
+            fmt::format("slot {} at {}", number, Describe({slot.position[0], slot.position[1], slot.position[2]}));
+        const bool known = slot.type == LIGHT_PASSIVE || (slot.type >= LIGHT_RAMP && slot.type <= LIGHT_FLICKER);
+        if (!known) Problem(place, fmt::format("is of the unknown type {}", slot.type), REBUILD);
+        const double squared = double{slot.radius} * double{slot.radius};
+        if (!(slot.radius > 0) || !(std::abs(slot.radiusSquared - squared) <= 1e-5 * squared)) {
+            Problem(place, fmt::format("has the radius {} and its square {}", slot.radius, slot.radiusSquared),
+                    REBUILD);
+        }
+        if (slot.lowIntensity > slot.highIntensity) {
+            Problem(place, "has a low intensity above its high one", "exchange the light's two intensities");
+        }
+    }
+
+    void CheckNamedRecords() {
+        const WorldFile& world = *level_.world;
+        for (const LightSlotRecord& slot : lights_.slots) {
+            for (int i = slot.firstPoint; i < slot.firstPoint + slot.pointCount; ++i)
+                CheckContribution(lights_.points[static_cast<size_t>(i)], world.points.size(), "point");
+            for (int i = slot.firstCorner; i < slot.firstCorner + slot.cornerCount; ++i) {
+                const LightContribution& corner = lights_.corners[static_cast<size_t>(i)];
+                CheckContribution(corner, 8 * std::min(world.polygons.size(), CORNER_POLYGONS + 1), "corner");
+            }
+        }
+    }
+
+    void CheckContribution(const LightContribution& contribution, size_t limit, const char* kind) {
+        if (contribution.index < limit && std::isfinite(contribution.weight)) return;
+        Problem(fmt::format("{} {}", kind, contribution.index), "is no part of the world, or has no weight", REBUILD);
+    }
+
+    void CheckCrowding() {
+        for (const Vec3& place : PlacesOfPlay(level_.number, FacesOf(*level_.world), PLACES)) {
+            const auto reaches = [&](const LightSlotRecord& slot) {
+                return slot.type != LIGHT_FREE && LengthSquared(Widened(slot.position) - place) <= slot.radiusSquared;
+            };
+            const auto count = std::count_if(lights_.slots.begin(), lights_.slots.end(), reaches);
+            if (count <= SLOTS_AT_PLACE_MAX) continue;
+            Problem("at " + Describe(place), fmt::format("{} slots reach the character", count),
+                    fmt::format("keep it at {}: use smaller radii there", SLOTS_AT_PLACE_MAX));
+        }
+    }
+
+    const LevelData& level_;
+    const LightSlotFile& lights_;
+    Report& report_;
+};
+
+}  // namespace
+
+void CheckLight(const LevelData& level, Report& report) {
+    const LightMapFile& light = *level.light;
+    const std::string file = level.LightPath();
+    CheckLightBytes(level, report);
+    if (light.lightLevel < 0 || light.lightLevel > 200 || light.contrast <= 0 || light.contrast > 300) {
+        report.Problem(
+            file, "light level and contrast",
+            fmt::format("{} and {} percent, 0 to 200 and 1 to 300 show something", light.lightLevel, light.contrast),
+            "change the keys \"light_level\" and \"contrast\" of worldspawn");
+    }
+    if (light.fadeDistance < 2000) {
+        report.Problem(file, "fade distance",
+                       fmt::format("{} leaves the room before one in the dark", light.fadeDistance),
+                       "raise the key \"fade_distance\" of worldspawn");
+    }
+    if (light.lightMode < 0 || light.lightMode > 3)
+        report.Problem(file, "light mode", fmt::format("{}, 0 to 3 exist", light.lightMode), REBUILD);
+    if (!IsColour(light.brightColour) || !IsColour(light.darkColour))
+        report.Problem(file, "bright and dark colour", "reach beyond 0 to 63", REBUILD);
+    if (level.world) CheckDistances(level, report);
+}
+
+void CheckLightSlots(const LevelData& level, Report& report) {
+    SlotCheck(level, report).Run();
+}

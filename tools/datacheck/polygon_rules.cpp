@@ -1,0 +1,78 @@
+#include "datacheck/rules.h"
+#include "mapc/limits.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+constexpr double PLANE_TOLERANCE = 0.15;  // of a corner from its polygon's plane
+constexpr double SHORTEST_EDGE = 0.099;
+constexpr double SAME_DIRECTION = 0.99;  // least cosine between the stored normal and the corners' own
+constexpr double LEAST_AREA = 1e-3;      // of the first three corners, doubled
+const char* const REBUILD = "build the world again with mapc";
+const char* const REPAIR = "move the map's vertices apart, or onto one plane";
+
+// What is wrong with the corners as they lie in space; empty: nothing.
+std::string FaultOf(const WorldFace& face) {
+    const size_t count = face.corners.size();
+    if (std::abs(Length(face.normal) - 1) > 1e-3) return "its plane's normal is not of length 1";
+    Vec3 own;
+    for (size_t k = 0; k < count; ++k) {
+        const Vec3& p = face.corners[k];
+        const Vec3& next = face.corners[(k + 1) % count];
+        if (std::abs(face.Distance(p)) > PLANE_TOLERANCE) return "a corner lies off its plane";
+        if (Length(next - p) < SHORTEST_EDGE) return "an edge is shorter than 0.1";
+        own = own + Cross(p - face.corners[0], next - face.corners[0]);
+    }
+    if (Length(Cross(face.corners[1] - face.corners[0], face.corners[2] - face.corners[0])) < LEAST_AREA) {
+        return "its first three corners lie on a line";
+    }
+    if (Dot(own, face.normal) < SAME_DIRECTION * Length(own)) return "its corners run clockwise seen from outside";
+    for (size_t k = 0; k < count; ++k) {
+        const Vec3 edge = face.corners[(k + 1) % count] - face.corners[k];
+        const Vec3 out = Cross(edge, face.normal);
+        if (Dot(face.corners[(k + 2) % count] - face.corners[k], out) > PLANE_TOLERANCE * Length(out)) {
+            return "it is not convex";
+        }
+    }
+    return "";
+}
+
+std::string FaultOf(const WorldPolygon& polygon) {
+    const bool cornerLight = polygon.shading == WORLD_CORNER_LIGHT;
+    if (!cornerLight && polygon.shading != WORLD_POINT_LIGHT) return "has an unknown kind of light";
+    const size_t most = cornerLight ? CORNERS_MAX_CORNER_LIGHT : CORNERS_MAX_POINT_LIGHT;
+    if (polygon.cornerCount < 3 || polygon.cornerCount > most) {
+        return fmt::format("has {} corners, 3 to {} are possible with its kind of light", polygon.cornerCount, most);
+    }
+    return "";
+}
+
+bool IsFinite(const WorldVector& v) {
+    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
+}
+
+}  // namespace
+
+void CheckPolygons(const LevelData& level, Report& report) {
+    const WorldFile& world = *level.world;
+    const std::string file = level.WorldPath();
+    const std::vector<WorldFace> faces = FacesOf(world);
+    for (size_t i = 0; i < faces.size(); ++i) {
+        const std::string place = fmt::format("polygon {} at {}", i, Describe(faces[i].Centre()));
+        const std::string record = FaultOf(world.polygons[i]);
+        if (!record.empty()) {
+            report.Problem(file, place, record, REBUILD);
+        } else if (const std::string shape = FaultOf(faces[i]); !shape.empty()) {
+            report.Problem(file, place, shape, REPAIR);
+        }
+    }
+    for (size_t i = 0; i < world.points.size(); ++i) {
+        if (!IsFinite(world.points[i].position))
+            report.Problem(file, fmt::format("point {}", i), "is not a place", REBUILD);
+    }
+    for (size_t i = 0; i < world.corners.size(); ++i) {
+        if (!std::isfinite(world.corners[i].u) || !std::isfinite(world.corners[i].v))
+            report.Problem(file, fmt::format("corner {}", i), "has no texture coordinates", REBUILD);
+    }
+}

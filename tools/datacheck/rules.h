@@ -1,0 +1,23 @@
+// The rules that the engine's data must keep, by subject. Each check tells a Report what it finds.
+#pragma once
+
+#include "datacheck/level_data.h"
+#include "datacheck/report.h"
+
+// Records and tree of a world. False: the tree cannot be walked, so no other rule of the world can be asked.
+bool CheckTree(const LevelData& level, Report& report);
+void CheckSizes(const LevelData& level, Report& report);     // counts, depth, contacts at a place, pool memory
+void CheckPolygons(const LevelData& level, Report& report);  // corners, winding, planes, shading kinds
+void CheckBoxes(const LevelData& level, Report& report);     // boxes, cells and radii of leaves and nodes
+
+// Seen along random rays: painter's order, and walls without holes.
+void CheckSight(const LevelData& level, Report& report);
+
+// Where the player stands: the start, steps and walls as the movement takes them.
+void CheckWalking(const LevelData& level, Report& report);
+
+void CheckLight(const LevelData& level, Report& report);       // lights.lmp against the world
+void CheckLightSlots(const LevelData& level, Report& report);  // lights.alt against the world
+void CheckTextures(const LevelData& level, Report& report);    // texture.bin, and the world's use of it
+
+void CheckLevel(const LevelData& level, Report& report);  // all of the above, as far as the files are there

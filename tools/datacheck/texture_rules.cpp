@@ -1,0 +1,56 @@
+#include "datacheck/rules.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+constexpr size_t LEAST_COUNT = 95;     // world, sky and the character's two
+constexpr uint8_t WORLD_LAST = 92;     // slots from here on are the character's
+constexpr size_t ANIMATED_FIRST = 10;  // shown until the first cycle
+constexpr size_t ANIMATED_LAST = 14;
+
+bool SamePicture(const TextureFile& file, const TextureSlot& a, const TextureSlot& b) {
+    for (int y = 0; y < a.height; ++y) {
+        for (int x = 0; x < a.width; ++x) {
+            if (file.Texel(a, x, y) != file.Texel(b, x, y)) return false;
+        }
+    }
+    return true;
+}
+
+void CheckAnimatedSlots(const LevelData& level, Report& report) {
+    const TextureFile& file = *level.textures;
+    const TextureSlot& first = file.slots[ANIMATED_FIRST];
+    for (size_t i = ANIMATED_FIRST + 1; i <= ANIMATED_LAST; ++i) {
+        if (file.slots[i].width == first.width && file.slots[i].height == first.height) continue;
+        report.Problem(level.TexturePath(), fmt::format("texture {}", i), "differs in size from texture 10",
+                       "make the five animated textures equal in size");
+        return;
+    }
+    if (!SamePicture(file, first, file.slots[ANIMATED_LAST])) {
+        report.Problem(level.TexturePath(), "texture 10", "differs from texture 14, whose place in the cycle it takes",
+                       "use the same picture for both");
+    }
+}
+
+void CheckUse(const LevelData& level, Report& report) {
+    for (size_t i = 0; i < level.world->polygons.size(); ++i) {
+        const uint8_t texture = level.world->polygons[i].texture;
+        if (texture <= WORLD_LAST && texture < level.textures->slots.size()) continue;
+        report.Problem(level.WorldPath(), fmt::format("polygon {}", i),
+                       fmt::format("uses texture {}, the world's end at {}", texture, WORLD_LAST),
+                       "use a material of a lower slot");
+    }
+}
+
+}  // namespace
+
+void CheckTextures(const LevelData& level, Report& report) {
+    const size_t count = level.textures->slots.size();
+    if (count < LEAST_COUNT) {
+        report.Problem(level.TexturePath(), "", fmt::format("has {} textures, {} are needed", count, LEAST_COUNT),
+                       "fill the unused slots with a small picture");
+    }
+    if (count > ANIMATED_LAST) CheckAnimatedSlots(level, report);
+    if (level.world) CheckUse(level, report);
+}

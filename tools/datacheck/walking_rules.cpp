@@ -1,0 +1,105 @@
+#include "datacheck/rules.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+constexpr double START_LOWEST = 111;  // of the start above its floor
+constexpr double START_HIGHEST = 117;
+constexpr double STEP_HEIGHT = 50;   // lower steep faces are stepped up
+constexpr double SPLIT_HEIGHT = 64;  // a wall whole up to here is no ledge
+constexpr double TREAD_SLOPE = 0.2;  // least Up() of a tread
+constexpr double STEEP = 0.2;        // greatest vertical part of a wall's normal
+constexpr double BEFORE_WALL = 8;    // where the floor in front of a wall is felt for
+
+void CheckStart(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
+    const Vec3 start = StartOf(level.number);
+    const double height = NearestHit(faces, start, {0, -1, 0}, 0);
+    if (height >= START_LOWEST && height <= START_HIGHEST) return;
+    report.Problem(level.WorldPath(), "start " + Describe(start),
+                   std::isinf(height) ? "has no floor below it"
+                                      : fmt::format("is {:.1f} above its floor, {} to {} is right", height,
+                                                    START_LOWEST, START_HIGHEST),
+                   "move info_player_start or the floor below it, and compile with the level's number");
+}
+
+double HeightOf(const WorldFace& face) {
+    Box box;
+    for (const Vec3& p : face.corners)
+        box.Add(p);
+    return box.max.y - box.min.y;
+}
+
+bool IsWall(const WorldFace& face) {
+    return std::abs(face.normal.y) < STEEP;
+}
+
+// The last polygon hit decides how a step is taken.
+int ContactOrder(const WorldFace& face) {
+    if (face.Up() > TREAD_SLOPE) return 0;
+    return face.Up() > -STEEP && HeightOf(face) <= STEP_HEIGHT ? 2 : 1;
+}
+
+void CheckContactOrder(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
+    for (size_t l = 0; l < level.world->leaves.size(); ++l) {
+        const WorldLeaf& leaf = level.world->leaves[l];
+        for (size_t i = leaf.firstPolygon + size_t{1}; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
+            if (ContactOrder(faces[i]) >= ContactOrder(faces[i - 1])) continue;
+            report.Problem(level.WorldPath(), fmt::format("leaf {}, polygon {}", l, i),
+                           "comes after a riser or wall that must be touched last",
+                           "order the leaf's polygons: treads, walls, risers");
+            break;
+        }
+    }
+}
+
+// Whether one may stand before the wall on a floor no more than SPLIT_HEIGHT below the edge.
+bool FloorIsNear(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& edge) {
+    const Vec3 eye = edge - wall.normal * BEFORE_WALL;
+    for (const WorldFace& face : faces) {
+        if (face.Up() > TREAD_SLOPE && face.Hit(eye, {0, -1, 0}, 0) <= SPLIT_HEIGHT) return true;
+    }
+    return false;
+}
+
+bool SameDirectionPlane(const WorldFace& a, const WorldFace& b) {
+    return Dot(a.normal, b.normal) > 0.9999 && std::abs(b.Distance(a.corners[0])) < 0.1;
+}
+
+// The top edge of a wall polygon that another polygon of the same wall continues upwards.
+bool IsContinued(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& middle) {
+    const Vec3 above = middle + Vec3{0, 1, 0};
+    for (const WorldFace& face : faces) {
+        if (&face != &wall && SameDirectionPlane(wall, face) &&
+            !std::isinf(face.Hit(above - wall.normal, wall.normal, 0))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The lower part of a wall that is cut within reach of the feet reads as a ledge, on which the player bobs.
+void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
+    for (const WorldFace& wall : faces) {
+        if (!IsWall(wall)) continue;
+        for (size_t k = 0; k < wall.corners.size(); ++k) {
+            const Vec3& p = wall.corners[k];
+            const Vec3& next = wall.corners[(k + 1) % wall.corners.size()];
+            const Vec3 middle = (p + next) * 0.5;
+            const bool isTop = std::abs(p.y - next.y) < 0.1 && wall.Centre().y < middle.y - 0.1;
+            if (!isTop || !FloorIsNear(faces, wall, middle) || !IsContinued(faces, wall, middle)) continue;
+            report.Note(level.WorldPath(), "wall at " + Describe(middle),
+                        fmt::format("is cut horizontally less than {} above a floor", SPLIT_HEIGHT),
+                        "avoid planes that continue a ledge into the wall");
+        }
+    }
+}
+
+}  // namespace
+
+void CheckWalking(const LevelData& level, Report& report) {
+    const std::vector<WorldFace> faces = FacesOf(*level.world);
+    CheckStart(level, faces, report);
+    CheckContactOrder(level, faces, report);
+    NoteSplitWalls(level, faces, report);
+}
