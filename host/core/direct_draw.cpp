@@ -14,16 +14,16 @@ namespace {
 constexpr uint32_t MAX_SIDE = 4096;
 
 // Ascending, 8 bits first: a program that takes the first fit finds the small modes exactly.
-const std::vector<DisplayMode> USUAL_MODES = {{320, 240, 8}, {512, 384, 8},  {640, 480, 8},
-                                              {800, 600, 8}, {640, 480, 16}, {800, 600, 16}};
+const std::vector<ScreenMode> USUAL_MODES = {{320, 240, 8}, {512, 384, 8},  {640, 480, 8},
+                                             {800, 600, 8}, {640, 480, 16}, {800, 600, 16}};
 
-std::vector<DisplayMode> modes = USUAL_MODES;
-DisplayMode currentMode{};  // bits 0: the desktop's
+std::vector<ScreenMode> modes = USUAL_MODES;
+ScreenMode currentMode{};  // bits 0: the desktop's
 uint32_t flips = 0;
 uint32_t surfaceLosses = 0;
 
 void AnnounceMode() {
-    const DisplayMode mode = CurrentDisplayMode();
+    const ScreenMode mode = CurrentScreenMode();
     PostToWindow(WM_DISPLAYCHANGE, mode.bits, static_cast<LPARAM>(mode.height << 16 | mode.width));
 }
 
@@ -258,7 +258,7 @@ public:
     HRESULT SetCooperativeLevel(HWND window, DWORD) override { return window ? DD_OK : DDERR_INVALIDPARAMS; }
 
     HRESULT EnumDisplayModes(DWORD, const DDSURFACEDESC*, void* context, DDENUMMODESCALLBACK callback) override {
-        for (const DisplayMode& mode : modes) {
+        for (const ScreenMode& mode : modes) {
             DDSURFACEDESC description{};
             description.dwSize = sizeof description;
             description.dwFlags = DDSD_WIDTH | DDSD_HEIGHT;
@@ -271,7 +271,7 @@ public:
     }
 
     HRESULT SetDisplayMode(DWORD width, DWORD height, DWORD bits) override {
-        const bool offered = std::any_of(modes.begin(), modes.end(), [&](const DisplayMode& mode) {
+        const bool offered = std::any_of(modes.begin(), modes.end(), [&](const ScreenMode& mode) {
             return mode.width == width && mode.height == height && mode.bits == bits;
         });
         if (!offered) return DDERR_UNSUPPORTEDMODE;
@@ -298,7 +298,7 @@ public:
 private:
     static HRESULT CreatePrimary(const DDSURFACEDESC& description, IDirectDrawSurface** surface) {
         if (primarySurface || description.dwBackBufferCount != 1) return DDERR_INVALIDPARAMS;
-        const DisplayMode& mode = currentMode;
+        const ScreenMode& mode = currentMode;
         auto* front = new Surface(mode.width, mode.height, mode.bits, true);
         front->MakePrimary(std::make_unique<Surface>(mode.width, mode.height, mode.bits, true));
         *surface = front;
@@ -317,7 +317,7 @@ private:
 
 }  // namespace
 
-DisplayMode CurrentDisplayMode() {
+ScreenMode CurrentScreenMode() {
     if (currentMode.bits) return currentMode;
     int width = 0;
     int height = 0;
@@ -329,7 +329,7 @@ uint32_t FlipCount() {
     return flips;
 }
 
-void SetDisplayModes(std::vector<DisplayMode> offered) {
+void SetScreenModes(std::vector<ScreenMode> offered) {
     modes = std::move(offered);
 }
 

@@ -31,7 +31,7 @@ Screen ScreenNow(uint32_t newFlips) {
 }  // namespace
 
 bool InFrontEnd() {
-    return CurrentDisplayMode().bits == FRONT_END_BITS;
+    return CurrentScreenMode().bits == FRONT_END_BITS;
 }
 
 void StartFrontEndKeys(const Options& options) {

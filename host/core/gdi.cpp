@@ -67,7 +67,7 @@ int ReleaseDC(HWND, HDC context) {
 }
 
 UINT GetSystemPaletteEntries(HDC, UINT first, UINT count, PALETTEENTRY* entries) {
-    if (CurrentDisplayMode().bits != 8 || first >= PALETTE_SIZE) return 0;
+    if (CurrentScreenMode().bits != 8 || first >= PALETTE_SIZE) return 0;
     const UINT taken = std::min<UINT>(count, PALETTE_SIZE - first);
     std::copy_n(SYSTEM_PALETTE.begin() + first, taken, entries);
     return taken;

@@ -38,10 +38,6 @@ void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam) {
     ++arrivals;
 }
 
-bool MouseCursorVisible() {
-    return cursorCount >= 0;
-}
-
 void ResetMessages() {
     classes.clear();
     mainWindow.reset();
@@ -97,7 +93,7 @@ HGDIOBJ GetStockObject(int) {
 }
 
 int GetSystemMetrics(int index) {
-    const DisplayMode mode = CurrentDisplayMode();
+    const ScreenMode mode = CurrentScreenMode();
     if (index == SM_CXSCREEN) return static_cast<int>(mode.width);
     if (index == SM_CYSCREEN) return static_cast<int>(mode.height);
     return 0;

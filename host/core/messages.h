@@ -5,5 +5,4 @@
 
 // At the end of the queue. Dropped while there is no window.
 void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam);
-bool MouseCursorVisible();  // the display count of ShowCursor is 0 or more
-void ResetMessages();       // no window, no class, an empty queue, display count 0
+void ResetMessages();  // no window, no class, an empty queue, display count 0

@@ -21,8 +21,8 @@ bool TakeWindow(std::string_view value, Options& options) {
     const size_t cross = value.find('x');
     uint32_t width = 0;
     uint32_t height = 0;
-    if (cross == std::string_view::npos || !TakeNumber(value.substr(0, cross), 64, 16384, width) ||
-        !TakeNumber(value.substr(cross + 1), 64, 16384, height))
+    if (cross == std::string_view::npos || !TakeNumber(value.substr(0, cross), 320, 16384, width) ||
+        !TakeNumber(value.substr(cross + 1), 240, 16384, height))
         return false;
     options.windowWidth = static_cast<int>(width);
     options.windowHeight = static_cast<int>(height);
@@ -68,7 +68,7 @@ const OptionEntry OPTIONS[] = {
      [](std::string_view value, Options& options) { return TakeText(value, options.data); }},
     {"--log", "FILE", "write the game's standard output and the host's log lines to FILE",
      [](std::string_view value, Options& options) { return TakeText(value, options.log); }},
-    {"--window", "WxH", "play in a window of this size, 64x64 and up", TakeWindow},
+    {"--window", "WxH", "play in a window of this size, 320x240 and up", TakeWindow},
     {"--fullscreen", nullptr, "play on the whole screen (the default)",
      [](std::string_view, Options& options) { return options.fullscreen = true; }},
     {"--level", "1..8", "choose this level at the start", TakeLevel},

@@ -136,5 +136,5 @@ bool HostEndOfFrame(const HostFrameReport& report) {
     if (trace) std::fprintf(trace, "%s\n", TraceLine(framesPlayed, report, FrontPicture()).c_str());
     for (const ShotRequest& shot : frameShots)
         if (shot.frame == framesPlayed) WriteShot(shot.file);
-    return framesPlayed == frameLimit || CloseRequested();
+    return (frameLimit != 0 && framesPlayed >= frameLimit) || CloseRequested();
 }

@@ -1,0 +1,192 @@
+#include "core/display.h"
+#include "core/presentation.h"
+#include "core/testing.h"
+#include "host/ddraw.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+HRESULT NoteMode(const DDSURFACEDESC* mode, void* context) {
+    auto& names = *static_cast<std::vector<std::string>*>(context);
+    names.push_back(std::to_string(mode->dwWidth) + "x" + std::to_string(mode->dwHeight) + "x" +
+                    std::to_string(mode->ddpfPixelFormat.dwRGBBitCount));
+    return names.size() == 5 ? DDENUMRET_CANCEL : DDENUMRET_OK;
+}
+
+class Display : public testing::Test {
+protected:
+    void SetUp() override {
+        UseTestMachine();
+        DirectDrawCreate(nullptr, &directDraw_, nullptr);
+    }
+
+    void TearDown() override {
+        if (offscreen_) offscreen_->Release();
+        if (primary_) primary_->Release();
+        directDraw_->Release();
+    }
+
+    void Open(DWORD width, DWORD height, DWORD bits) {
+        ASSERT_EQ(directDraw_->SetDisplayMode(width, height, bits), DD_OK);
+        DDSURFACEDESC description{};
+        description.dwSize = sizeof description;
+        description.dwFlags = DDSD_CAPS | DDSD_BACKBUFFERCOUNT;
+        description.ddsCaps.dwCaps = DDSCAPS_PRIMARYSURFACE | DDSCAPS_FLIP | DDSCAPS_COMPLEX;
+        description.dwBackBufferCount = 1;
+        ASSERT_EQ(directDraw_->CreateSurface(&description, &primary_, nullptr), DD_OK);
+        const DDSCAPS backCaps{DDSCAPS_BACKBUFFER};
+        ASSERT_EQ(primary_->GetAttachedSurface(&backCaps, &back_), DD_OK);
+        description = {};
+        description.dwSize = sizeof description;
+        description.dwFlags = DDSD_CAPS | DDSD_HEIGHT | DDSD_WIDTH;
+        description.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN | DDSCAPS_SYSTEMMEMORY;
+        description.dwWidth = width;
+        description.dwHeight = height;
+        ASSERT_EQ(directDraw_->CreateSurface(&description, &offscreen_, nullptr), DD_OK);
+    }
+
+    static HRESULT Fill(IDirectDrawSurface* surface, DWORD colour, const RECT* area = nullptr) {
+        const DDBLTFX effects{sizeof effects, colour};
+        return surface->Blt(area, nullptr, nullptr, DDBLT_COLORFILL | DDBLT_WAIT, &effects);
+    }
+
+    // The pixel values of the surface's upper left corner.
+    static std::vector<uint8_t> Corner(IDirectDrawSurface* surface, size_t rows, size_t columns) {
+        DDSURFACEDESC description{};
+        description.dwSize = sizeof description;
+        EXPECT_EQ(surface->Lock(nullptr, &description, DDLOCK_WAIT, nullptr), DD_OK);
+        std::vector<uint8_t> values;
+        const auto* pixels = static_cast<const uint8_t*>(description.lpSurface);
+        for (size_t y = 0; y < rows; ++y)
+            for (size_t x = 0; x < columns; ++x)
+                values.push_back(pixels[y * static_cast<size_t>(description.lPitch) + x]);
+        surface->Unlock(nullptr);
+        return values;
+    }
+
+    IDirectDraw* directDraw_ = nullptr;
+    IDirectDrawSurface* primary_ = nullptr;
+    IDirectDrawSurface* back_ = nullptr;
+    IDirectDrawSurface* offscreen_ = nullptr;
+};
+
+TEST_F(Display, OffersTheSmallModesFirstAndStopsWhenAsked) {
+    std::vector<std::string> names;
+    directDraw_->EnumDisplayModes(0, nullptr, &names, NoteMode);
+    const std::vector<std::string> expected = {"320x240x8", "512x384x8", "640x480x8", "800x600x8", "640x480x16"};
+    EXPECT_EQ(names, expected);
+}
+
+TEST_F(Display, AFlipExchangesTheMemoryAndShowsTheNewFront) {
+    Open(640, 480, 16);
+    EXPECT_EQ(FrontPicture(), nullptr);
+    Fill(back_, 0xF800);
+    EXPECT_EQ(primary_->Flip(nullptr, DDFLIP_WAIT), DD_OK);
+    ASSERT_NE(FrontPicture(), nullptr);
+    EXPECT_EQ(FrontPicture()->width, 640);
+    EXPECT_EQ(FrontPicture()->pixels[0], 0xFF0000u) << "full red stays full";
+    EXPECT_EQ(Corner(back_, 1, 2), (std::vector<uint8_t>{0, 0})) << "what was shown before is in the back buffer";
+    Fill(back_, 0x07E0);
+    primary_->Flip(nullptr, DDFLIP_WAIT);
+    EXPECT_EQ(FrontPicture()->pixels[640 * 480 - 1], 0x00FF00u);
+    EXPECT_EQ(Corner(back_, 1, 2), (std::vector<uint8_t>{0x00, 0xF8}));
+}
+
+TEST_F(Display, APaletteChangesThePictureBeingShownAtOnce) {
+    Open(320, 240, 8);
+    Fill(back_, 255);
+    primary_->Flip(nullptr, DDFLIP_WAIT);
+    EXPECT_EQ(FrontPicture()->pixels[0], 0xFFFFFFu) << "the system's last colour";
+    PALETTEENTRY entries[256] = {};
+    entries[255] = {252, 8, 4, PC_NOCOLLAPSE};
+    IDirectDrawPalette* palette = nullptr;
+    ASSERT_EQ(directDraw_->CreatePalette(DDPCAPS_8BIT, entries, &palette, nullptr), DD_OK);
+    EXPECT_EQ(primary_->SetPalette(palette), DD_OK);
+    EXPECT_EQ(FrontPicture()->pixels[0], 0xFC0804u);
+    entries[255].peRed = 16;
+    const uint32_t presents = PresentCount();
+    EXPECT_EQ(palette->SetEntries(0, 0, 256, entries), DD_OK);
+    EXPECT_EQ(FrontPicture()->pixels[0], 0x100804u);
+    EXPECT_EQ(PresentCount(), presents + 1);
+    EXPECT_NE(palette->SetEntries(0, 1, 256, entries), DD_OK);
+    palette->Release();  // the surface holds it still
+    EXPECT_EQ(FrontPicture()->pixels[0], 0x100804u);
+}
+
+TEST_F(Display, ThePictureStaysWhenTheSurfacesAreGone) {
+    Open(320, 240, 8);
+    Fill(back_, 255);
+    primary_->Flip(nullptr, DDFLIP_WAIT);
+    primary_->Release();
+    primary_ = nullptr;
+    EXPECT_EQ(FrontPicture()->pixels[320 * 240 - 1], 0xFFFFFFu);
+}
+
+TEST_F(Display, BlitsStretchToTheNearestPixelAndStayInsideTheirRectangles) {
+    Open(320, 240, 8);
+    const RECT left{0, 0, 1, 1};
+    const RECT right{1, 0, 2, 1};
+    Fill(offscreen_, 1, &left);
+    Fill(offscreen_, 2, &right);
+    const RECT source{0, 0, 3, 1};
+    const RECT destination{1, 1, 6, 3};
+    EXPECT_EQ(back_->Blt(&destination, offscreen_, &source, DDBLT_WAIT, nullptr), DD_OK);
+    const std::vector<uint8_t> expected = {0, 0, 0, 0, 0, 0, 0,  //
+                                           0, 1, 1, 2, 2, 0, 0,  //
+                                           0, 1, 1, 2, 2, 0, 0,  //
+                                           0, 0, 0, 0, 0, 0, 0};
+    EXPECT_EQ(Corner(back_, 4, 7), expected);
+    for (const RECT& bad : {RECT{-1, 0, 5, 5}, RECT{0, 0, 321, 5}, RECT{0, 0, 5, 241}, RECT{5, 5, 5, 6}}) {
+        EXPECT_NE(back_->Blt(&bad, offscreen_, nullptr, DDBLT_WAIT, nullptr), DD_OK);
+        EXPECT_NE(Fill(back_, 9, &bad), DD_OK);
+    }
+}
+
+TEST_F(Display, ALockedSurfaceIsBusy) {
+    Open(640, 480, 16);
+    DDSURFACEDESC description{};
+    description.dwSize = sizeof description;
+    ASSERT_EQ(offscreen_->Lock(nullptr, &description, DDLOCK_WAIT, nullptr), DD_OK);
+    EXPECT_GE(description.lPitch, 1280);
+    EXPECT_EQ(description.lPitch % 4, 0);
+    HDC context = nullptr;
+    EXPECT_EQ(offscreen_->GetDC(&context), DDERR_SURFACEBUSY);
+    EXPECT_EQ(offscreen_->Lock(nullptr, &description, DDLOCK_WAIT, nullptr), DDERR_SURFACEBUSY);
+    EXPECT_EQ(back_->Blt(nullptr, offscreen_, nullptr, DDBLT_WAIT, nullptr), DDERR_SURFACEBUSY);
+    EXPECT_EQ(offscreen_->Unlock(nullptr), DD_OK);
+    ASSERT_EQ(offscreen_->GetDC(&context), DD_OK);
+    EXPECT_EQ(Fill(offscreen_, 0), DDERR_SURFACEBUSY);
+    EXPECT_EQ(offscreen_->ReleaseDC(context), DD_OK);
+    EXPECT_EQ(Fill(offscreen_, 0), DD_OK);
+}
+
+TEST_F(Display, LostSurfacesAreTheFlipChainsAndComeBackOneByOne) {
+    Open(320, 240, 8);
+    LoseSurfaces();
+    EXPECT_EQ(back_->IsLost(), DDERR_SURFACELOST);
+    EXPECT_EQ(back_->Blt(nullptr, offscreen_, nullptr, DDBLT_WAIT, nullptr), DDERR_SURFACELOST);
+    EXPECT_EQ(offscreen_->IsLost(), DD_OK);
+    EXPECT_EQ(Fill(offscreen_, 1), DD_OK);
+    EXPECT_EQ(primary_->Restore(), DD_OK);
+    EXPECT_EQ(primary_->Flip(nullptr, DDFLIP_WAIT), DDERR_SURFACELOST);
+    EXPECT_EQ(back_->Restore(), DD_OK);
+    EXPECT_EQ(primary_->Flip(nullptr, DDFLIP_WAIT), DD_OK);
+}
+
+TEST_F(Display, OnlyAnEightBitDisplayHasASystemPalette) {
+    PALETTEENTRY entries[256] = {};
+    EXPECT_EQ(GetSystemPaletteEntries(GetDC(nullptr), 0, 256, entries), 0u);
+    Open(320, 240, 8);
+    EXPECT_EQ(GetSystemPaletteEntries(GetDC(nullptr), 0, 256, entries), 256u);
+    EXPECT_EQ(entries[9].peBlue, 0xF0);
+    EXPECT_EQ(entries[10].peBlue, 0);
+    EXPECT_EQ(entries[246].peRed, 0xFF);
+    EXPECT_EQ(GetSystemPaletteEntries(GetDC(nullptr), 250, 256, entries), 6u);
+}
+
+}  // namespace

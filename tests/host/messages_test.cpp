@@ -1,0 +1,131 @@
+#include "core/devices.h"
+#include "core/messages.h"
+#include "core/testing.h"
+#include "host/ddraw.h"
+#include "host/win32.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+UINT lastDispatched = 0;
+
+LRESULT Procedure(HWND, UINT message, WPARAM wParam, LPARAM) {
+    lastDispatched = message;
+    return static_cast<LRESULT>(wParam);
+}
+
+HWND OpenWindow(const char* className = "Game") {
+    return CreateWindowExA(0, className, "Game", 0, 0, 0, 640, 480, nullptr, nullptr, nullptr, nullptr);
+}
+
+class Messages : public testing::Test {
+protected:
+    void SetUp() override {
+        UseTestMachine();
+        WNDCLASSA windowClass{};
+        windowClass.lpfnWndProc = Procedure;
+        windowClass.lpszClassName = "Game";
+        ASSERT_NE(RegisterClassA(&windowClass), 0);
+        EXPECT_EQ(RegisterClassA(&windowClass), 0) << "a name is taken once";
+    }
+
+    BOOL Peek() { return PeekMessageA(&message_, nullptr, 0, 0, PM_REMOVE); }
+
+    MSG message_{};
+};
+
+TEST_F(Messages, TheWindowComesOnceAndOnlyWithItsClassAndAMachineThatOpensIt) {
+    EXPECT_EQ(OpenWindow("Other"), nullptr);
+    TestMachine.windowOpens = false;
+    EXPECT_EQ(OpenWindow(), nullptr);
+    TestMachine.windowOpens = true;
+    const HWND window = OpenWindow();
+    EXPECT_NE(window, nullptr);
+    EXPECT_EQ(GetActiveWindow(), window);
+    EXPECT_EQ(OpenWindow(), nullptr);
+}
+
+TEST_F(Messages, ComeInOrderAndQuitComesLastAndOnce) {
+    const HWND window = OpenWindow();
+    PostQuitMessage(7);
+    PostToWindow(MM_MCINOTIFY, 1, 2);
+    PostToWindow(WM_SYSKEYDOWN, VK_TAB, 0);
+    ASSERT_TRUE(Peek());
+    EXPECT_EQ(message_.message, MM_MCINOTIFY);
+    EXPECT_EQ(message_.hwnd, window);
+    EXPECT_EQ(DispatchMessageA(&message_), 1);
+    EXPECT_EQ(lastDispatched, MM_MCINOTIFY);
+    ASSERT_TRUE(Peek());
+    EXPECT_EQ(message_.message, WM_SYSKEYDOWN);
+    ASSERT_TRUE(Peek());
+    EXPECT_EQ(message_.message, WM_QUIT);
+    EXPECT_EQ(message_.wParam, 7u);
+    EXPECT_FALSE(Peek());
+    EXPECT_EQ(message_.message, WM_QUIT) << "a record is left alone when there is no message";
+}
+
+TEST_F(Messages, AChangeOfFocusIsToldOnce) {
+    OpenWindow();
+    DeviceFocus(true);
+    EXPECT_FALSE(Peek());
+    DeviceFocus(false);
+    DeviceFocus(false);
+    ASSERT_TRUE(Peek());
+    EXPECT_EQ(message_.message, WM_ACTIVATEAPP);
+    EXPECT_EQ(message_.wParam, 0u);
+    EXPECT_FALSE(Peek());
+}
+
+TEST_F(Messages, WaitingEndsWithAMessageThatWasNotThereAtTheLastPeek) {
+    OpenWindow();
+    EXPECT_FALSE(Peek());
+    int turns = 0;
+    TestMachine.onWait = [&] {
+        if (++turns == 3) PostToWindow(MM_MCINOTIFY, 1, 0);
+    };
+    EXPECT_TRUE(WaitMessage());
+    EXPECT_EQ(turns, 3);
+    EXPECT_TRUE(WaitMessage()) << "not yet peeked at";
+    EXPECT_EQ(turns, 3);
+    PostToWindow(MM_MCINOTIFY, 2, 0);
+    Peek();  // the second message has been there, too
+    turns = 0;
+    EXPECT_TRUE(WaitMessage());
+    EXPECT_EQ(turns, 3);
+}
+
+TEST_F(Messages, TheCursorsCountStartsAtZero) {
+    EXPECT_EQ(ShowCursor(FALSE), -1);
+    EXPECT_EQ(ShowCursor(FALSE), -2);
+    EXPECT_EQ(ShowCursor(TRUE), -1);
+    EXPECT_EQ(ShowCursor(TRUE), 0);
+}
+
+TEST_F(Messages, AChangeOfModeIsToldAndMeasured) {
+    const HWND window = OpenWindow();
+    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 1024);
+    IDirectDraw* directDraw = nullptr;
+    DirectDrawCreate(nullptr, &directDraw, nullptr);
+    directDraw->SetCooperativeLevel(window, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN);
+    EXPECT_EQ(directDraw->SetDisplayMode(640, 480, 24), DDERR_UNSUPPORTEDMODE);
+    EXPECT_FALSE(Peek());
+    EXPECT_EQ(directDraw->SetDisplayMode(640, 480, 16), DD_OK);
+    ASSERT_TRUE(Peek());
+    EXPECT_EQ(message_.message, WM_DISPLAYCHANGE);
+    EXPECT_EQ(message_.wParam, 16u);
+    EXPECT_EQ(LOWORD(message_.lParam), 640);
+    EXPECT_EQ(HIWORD(message_.lParam), 480);
+    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 480);
+    directDraw->Release();
+    ASSERT_TRUE(Peek());
+    EXPECT_EQ(LOWORD(message_.lParam), 1024);
+    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 768);
+}
+
+TEST_F(Messages, AMessageBoxFreesThePointerAndReturnsOk) {
+    EXPECT_EQ(MessageBoxA(nullptr, "Exception", "Tarnwick", MB_OK), IDOK);
+    EXPECT_EQ(TestMachine.messageBoxes, std::vector<std::string>{"Exception"});
+}
+
+}  // namespace
