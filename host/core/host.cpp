@@ -42,7 +42,7 @@ void OpenMachine(Options& options) {
     if (CurrentMachine != &HeadlessMachine) return;
     if (!options.headless) std::fprintf(stderr, "tarnwick: no window can be opened; running without one\n");
     options.headless = true;
-    if (options.renderer == RendererChoice::Unset) options.renderer = RendererChoice::Software;
+    if (options.level && options.renderer == RendererChoice::Unset) options.renderer = RendererChoice::Software;
 }
 
 }  // namespace
