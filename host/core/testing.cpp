@@ -1,5 +1,6 @@
 #include "core/testing.h"
 
+#include "core/clock.h"
 #include "core/data_folder.h"
 #include "core/display.h"
 #include "core/input_state.h"
@@ -67,4 +68,12 @@ void UseTestMachine() {
     ResetDisplay();
     ResetPresentation();
     SetDataFolder(".");
+}
+
+void SetTestClock(uint32_t now) {
+    SetClock(now);
+}
+
+void SetTestDataFolder(const std::string& folder) {
+    SetDataFolder(folder);
 }

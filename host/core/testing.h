@@ -1,6 +1,6 @@
 // The host for unit tests of any module: a machine without a window and without a command line. Input is given with
-// the calls of core/devices.h, the clock is set with core/clock.h, the data folder with core/data_folder.h; pictures
-// are read with core/presentation.h, display modes changed and surfaces lost with core/display.h.
+// the calls of core/devices.h; pictures are read with core/presentation.h, display modes changed and surfaces lost with
+// core/display.h.
 #pragma once
 
 #include <cstdint>
@@ -23,3 +23,6 @@ struct TestMachineState {
     bool mouseCaptured = false;
 };
 extern TestMachineState TestMachine;
+
+void SetTestClock(uint32_t milliseconds);  // the next reading gives this much plus clockStep
+void SetTestDataFolder(const std::string& folder);

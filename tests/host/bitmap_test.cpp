@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -145,7 +145,7 @@ protected:
     int Draw(const Bytes& bitmap, size_t bitsAt, int x, int y, int width, int height, int heightSource = HEIGHT) {
         constexpr size_t FILE_HEADER = 14;
         auto* block = static_cast<uint8_t*>(GlobalAlloc(GMEM_FIXED, FILE_HEADER + bitmap.size()));
-        std::memcpy(block + FILE_HEADER, bitmap.data(), bitmap.size());
+        std::copy(bitmap.begin(), bitmap.end(), block + FILE_HEADER);
         const int lines =
             StretchDIBits(&context_, x, y, width, height, 0, 0, WIDTH, heightSource, block + FILE_HEADER + bitsAt,
                           reinterpret_cast<const BITMAPINFOHEADER*>(block + FILE_HEADER), DIB_RGB_COLORS, SRCCOPY);

@@ -141,7 +141,7 @@ bool PlayLevel() {
         if (!Idle()) continue;
         Show(++frame);
         DWORD now = GetTickCount();
-        while (now - before < 16)
+        while (now - before < (level == 8 ? 1600u : 16u))
             now = GetTickCount();
         HostFrameReport report{};
         report.ticks = now - before;

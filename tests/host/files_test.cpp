@@ -1,4 +1,3 @@
-#include "core/data_folder.h"
 #include "core/testing.h"
 #include "host/files.h"
 #include "host/win32.h"
@@ -24,7 +23,7 @@ protected:
         std::ofstream(folder_ / "frontend" / "title.bmp") << "lower";
         std::ofstream(folder_ / "game" / "Data" / "zero.msh") << "mesh";
         std::ofstream(folder_ / "empty").flush();
-        SetDataFolder(folder_.string());
+        SetTestDataFolder(folder_.string());
     }
 
     void TearDown() override { fs::remove_all(folder_); }

@@ -1,4 +1,3 @@
-#include "core/clock.h"
 #include "core/devices.h"
 #include "core/input_state.h"
 #include "core/testing.h"
@@ -143,7 +142,7 @@ TEST_F(Input, TheClockMovesAtEachReadingAndEachKeyboardPollOnly) {
     keyboard_->Unacquire();
     PollKeys();
     EXPECT_EQ(GetTickCount(), 5u) << "a loop that polls without the focus must not stand still";
-    SetClock(0xFFFFFFFF);
+    SetTestClock(0xFFFFFFFF);
     EXPECT_EQ(GetTickCount(), 0u);
 }
 
