@@ -4,6 +4,20 @@
 #include <cstdint>
 #include <limits>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+
+inline int32_t TruncToInt(double value) {
+    return _mm_cvttsd_si32(_mm_set_sd(value));
+}
+
+// To the nearest, ties to even.
+inline int32_t RoundToInt(double value) {
+    return _mm_cvtsd_si32(_mm_set_sd(value));
+}
+
+#else
+
 inline int32_t TruncToInt(double value) {
     if (!(value > -2147483649.0 && value < 2147483648.0)) return std::numeric_limits<int32_t>::min();
     return static_cast<int32_t>(value);
@@ -15,3 +29,5 @@ inline int32_t RoundToInt(double value) {
     const double rounded = (value + 6755399441055744.0) - 6755399441055744.0;
     return static_cast<int32_t>(rounded);
 }
+
+#endif

@@ -1,10 +1,13 @@
-// Sixteen pixels at once: texel and light positions in 16-bit lanes, whose wrap-around loses nothing because the
-// pixels read only the low 16 bits; the texels and colours themselves are scalar loads, which beat gathers.
+// The texel and light positions of sixteen pixels are worked out at once, in 16-bit lanes: their wrap-around loses
+// nothing, because a pixel reads only the low 16 bits. The texels and colours themselves are scalar loads, which beat
+// gathers. Both passes run over a batch of blocks, so that the long latency of the first (divisions, conversions) hides
+// behind that of its neighbours and the second is bound by its loads alone.
 #ifdef __x86_64__
 
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
 
+#include <algorithm>
 #include <cstring>
 #include <immintrin.h>
 
@@ -12,101 +15,34 @@
 
 namespace {
 
-// u, v and light of a span's pixel in the low three lanes, 8.8 fixed point.
-typedef __m128i Values;
+constexpr int32_t WORD = 8;  // pixels that are stored together
 
-struct Block {
-    __m128i colours;
-    __m128i texels;
+// Up to sixteen pixels of one row.
+struct alignas(32) Block {
+    uint16_t offsets[SPAN_BLOCK];  // of the texels
+    uint16_t shades[SPAN_BLOCK];   // light level x 256
+    uint8_t* pixels;
+    int32_t count;
+    int32_t retreat;  // the last word is stored this much further left, to end inside the frame
 };
 
-AVX2_CODE inline __m128 Depth(__m128 overDepth) {
+constexpr int32_t BATCH = RECIPROCAL_COUNT / SPAN_BLOCK;  // blocks; any span fits
+
+struct Batch {
+    Block blocks[BATCH];
+    int32_t count;
+};
+
+// u, v and light of a pixel in the low three lanes, 8.8 fixed point.
+typedef __m128i Values;
+
+AVX2_CODE inline __m128 LastLane(__m128 vector) {
+    return _mm_permute_ps(vector, 0xFF);
+}
+
+AVX2_CODE inline Values DividedByDepth(__m128 overDepth) {
     const __m128 depths = _mm_div_ps(_mm_set1_ps(1.0f), overDepth);
-    return _mm_permute_ps(depths, 0xFF);
-}
-
-// The 16-bit quantity that starts at `byte` of value, at each of sixteen pixels.
-template <int BYTE>
-AVX2_CODE inline __m256i AtPixels(Values value, Values step) {
-    const __m256i select = _mm256_set1_epi16(static_cast<int16_t>(BYTE | (BYTE + 1) << 8));
-    const __m256i pixel = _mm256_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    const __m256i start = _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(value), select);
-    const __m256i steps = _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(step), select);
-    return _mm256_add_epi16(start, _mm256_mullo_epi16(steps, pixel));
-}
-
-template <TexelZero ZERO>
-AVX2_CODE inline Block ShadeBlock(Values value, Values step, const SpanTexture& texture) {
-    const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
-    const __m256i column = _mm256_srli_epi16(AtPixels<0>(value, step), 8);
-    const __m256i line = _mm256_and_si256(AtPixels<4>(value, step), highByte);
-    const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(texture.mask));
-    const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
-    alignas(32) uint16_t shades[SPAN_BLOCK];
-    _mm256_store_si256(reinterpret_cast<__m256i*>(shades), _mm256_and_si256(AtPixels<8>(value, step), highByte));
-    asm("" : "+m"(shades));
-    alignas(16) uint8_t colours[SPAN_BLOCK];
-    alignas(16) uint8_t texels[SPAN_BLOCK];
-    uint64_t words[4] = {static_cast<uint64_t>(_mm256_extract_epi64(offsets, 0)),
-                         static_cast<uint64_t>(_mm256_extract_epi64(offsets, 1)),
-                         static_cast<uint64_t>(_mm256_extract_epi64(offsets, 2)),
-                         static_cast<uint64_t>(_mm256_extract_epi64(offsets, 3))};
-#pragma GCC unroll 16
-    for (int i = 0; i < SPAN_BLOCK; i++) {
-        const uint8_t texel = texture.texels[words[i / 4] >> (i % 4 * 16) & 0xFFFF];
-        colours[i] = ShadeTable[shades[i] | texel];
-        if (ZERO == TexelZero::Skipped) texels[i] = texel;
-    }
-    Block block;
-    block.colours = _mm_load_si128(reinterpret_cast<const __m128i*>(colours));
-    block.texels =
-        ZERO == TexelZero::Skipped ? _mm_load_si128(reinterpret_cast<const __m128i*>(texels)) : block.colours;
-    return block;
-}
-
-template <TexelZero ZERO>
-AVX2_CODE inline __m128i Covered(const Block& block, __m128i background) {
-    if (ZERO == TexelZero::Drawn) return block.colours;
-    return _mm_blendv_epi8(block.colours, background, _mm_cmpeq_epi8(block.texels, _mm_setzero_si128()));
-}
-
-template <TexelZero ZERO>
-AVX2_CODE inline void StoreBlock(uint8_t* pixels, const Block& block) {
-    __m128i* destination = reinterpret_cast<__m128i*>(pixels);
-    const __m128i background = ZERO == TexelZero::Skipped ? _mm_loadu_si128(destination) : _mm_setzero_si128();
-    _mm_storeu_si128(destination, Covered<ZERO>(block, background));
-}
-
-// The first `count` pixels of a block as two words that overlap.
-template <TexelZero ZERO, class Word>
-AVX2_CODE inline void StoreWords(uint8_t* pixels, const Block& block, int32_t count) {
-    alignas(16) static constexpr uint8_t FROM[SPAN_BLOCK] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-    uint8_t* const last = pixels + count - sizeof(Word);
-    const __m128i shift = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(FROM + count - sizeof(Word)));
-    const Block end = {_mm_shuffle_epi8(block.colours, shift), _mm_shuffle_epi8(block.texels, shift)};
-    Word words[2] = {};
-    if (ZERO == TexelZero::Skipped) {
-        std::memcpy(&words[0], pixels, sizeof(Word));
-        std::memcpy(&words[1], last, sizeof(Word));
-    }
-    const __m128i first = Covered<ZERO>(block, _mm_cvtsi64_si128(static_cast<int64_t>(words[0])));
-    const __m128i second = Covered<ZERO>(end, _mm_cvtsi64_si128(static_cast<int64_t>(words[1])));
-    words[0] = static_cast<Word>(_mm_cvtsi128_si64(first));
-    words[1] = static_cast<Word>(_mm_cvtsi128_si64(second));
-    std::memcpy(pixels, &words[0], sizeof(Word));
-    std::memcpy(last, &words[1], sizeof(Word));
-}
-
-template <TexelZero ZERO>
-AVX2_CODE inline void StorePixels(uint8_t* pixels, const Block& block, int32_t count) {
-    if (count >= 8)
-        StoreWords<ZERO, uint64_t>(pixels, block, count);
-    else if (count >= 4)
-        StoreWords<ZERO, uint32_t>(pixels, block, count);
-    else if (count >= 2)
-        StoreWords<ZERO, uint16_t>(pixels, block, count);
-    else
-        StoreWords<ZERO, uint8_t>(pixels, block, count);
+    return _mm_cvtps_epi32(_mm_mul_ps(overDepth, LastLane(depths)));
 }
 
 // The step that leads from value to target in 1 / factor pixels.
@@ -115,38 +51,158 @@ AVX2_CODE inline Values StepTowards(__m128 target, Values value, float factor) {
     return _mm_cvtps_epi32(_mm_mul_ps(distance, _mm_set1_ps(factor)));
 }
 
-template <TexelZero ZERO>
-AVX2_CODE inline void DrawShortSpan(uint8_t* pixels, int32_t count, __m128 start, __m128 right, float perPixel,
-                                    const SpanTexture& texture) {
+// The low half of the given lane at each of sixteen pixels.
+template <int LANE>
+AVX2_CODE inline __m256i AtPixels(Values value, Values step) {
+    const __m256i select = _mm256_set1_epi16(static_cast<int16_t>(LANE * 4 | (LANE * 4 + 1) << 8));
+    const __m256i pixel = _mm256_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    const __m256i start = _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(value), select);
+    const __m256i steps = _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(step), select);
+    return _mm256_add_epi16(start, _mm256_mullo_epi16(steps, pixel));
+}
+
+AVX2_CODE inline void AddBlock(Batch& batch, uint8_t* pixels, int32_t count, Values value, Values step,
+                               uint32_t textureMask) {
+    Block& block = batch.blocks[batch.count++];
+    const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
+    const __m256i column = _mm256_srli_epi16(AtPixels<0>(value, step), 8);
+    const __m256i line = _mm256_and_si256(AtPixels<1>(value, step), highByte);
+    const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(textureMask));
+    const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
+    _mm256_store_si256(reinterpret_cast<__m256i*>(block.offsets), offsets);
+    const __m256i shades = _mm256_and_si256(AtPixels<2>(value, step), highByte);
+    _mm256_store_si256(reinterpret_cast<__m256i*>(block.shades), shades);
+    block.pixels = pixels;
+    block.count = count;
+}
+
+AVX2_CODE inline void AddShortSpan(Batch& batch, uint8_t* pixels, int32_t count, __m128 start, __m128 right,
+                                   float perPixel, uint32_t textureMask) {
     // One division serves both ends.
     const __m128 depths = _mm_div_ps(_mm_set1_ps(1.0f), _mm_unpackhi_ps(start, right));
     const __m128 startDepth = _mm_permute_ps(depths, _MM_SHUFFLE(2, 2, 2, 2));
-    const __m128 rightDepth = _mm_permute_ps(depths, _MM_SHUFFLE(3, 3, 3, 3));
     const Values value = _mm_cvtps_epi32(_mm_mul_ps(start, startDepth));
-    const Values step = StepTowards(_mm_mul_ps(right, rightDepth), value, perPixel);
-    StorePixels<ZERO>(pixels, ShadeBlock<ZERO>(value, step, texture), count);
+    const Values step = StepTowards(_mm_mul_ps(right, LastLane(depths)), value, perPixel);
+    AddBlock(batch, pixels, count, value, step, textureMask);
 }
 
-template <TexelZero ZERO>
-AVX2_CODE inline void DrawLongSpan(uint8_t* pixels, int32_t count, __m128 position, __m128 right, __m128 change,
-                                   float perPixel, const SpanTexture& texture) {
+AVX2_CODE inline void AddLongSpan(Batch& batch, uint8_t* pixels, int32_t count, __m128 position, __m128 right,
+                                  __m128 change, float perPixel, uint32_t textureMask) {
     const __m128 blockChange = _mm_mul_ps(_mm_mul_ps(_mm_set1_ps(SPAN_BLOCK), change), _mm_set1_ps(perPixel));
-    Values value = _mm_cvtps_epi32(_mm_mul_ps(position, Depth(position)));
+    Values value = DividedByDepth(position);
     for (; count >= SPAN_BLOCK; count -= SPAN_BLOCK, pixels += SPAN_BLOCK) {
         position = _mm_add_ps(position, blockChange);
-        const Values end = _mm_cvtps_epi32(_mm_mul_ps(position, Depth(position)));
-        const Values step = _mm_srai_epi32(_mm_sub_epi32(end, value), 4);
-        StoreBlock<ZERO>(pixels, ShadeBlock<ZERO>(value, step, texture));
+        const Values end = DividedByDepth(position);
+        AddBlock(batch, pixels, SPAN_BLOCK, value, _mm_srai_epi32(_mm_sub_epi32(end, value), 4), textureMask);
         value = end;
     }
     if (count == 0) return;
-    const __m128 target = _mm_div_ps(right, _mm_permute_ps(right, 0xFF));
-    const Values step = StepTowards(target, value, ReciprocalTable[count]);
-    StorePixels<ZERO>(pixels, ShadeBlock<ZERO>(value, step, texture), count);
+    const Values step = StepTowards(_mm_div_ps(right, LastLane(right)), value, ReciprocalTable[count]);
+    AddBlock(batch, pixels, count, value, step, textureMask);
+}
+
+AVX2_CODE inline void AddRow(Batch& batch, const EdgeRow& row, uint8_t* pixels, int32_t begin, int32_t count,
+                             uint32_t textureMask) {
+    const float perPixel = ReciprocalTable[count];
+    const float preStep = static_cast<float>(begin * 65536 - row.left.x) / 65536;
+    const __m128 left = _mm_loadu_ps(&row.left.u);
+    const __m128 right = _mm_loadu_ps(&row.right.u);
+    const __m128 change = _mm_sub_ps(right, left);
+    const __m128 start = _mm_add_ps(left, _mm_mul_ps(change, _mm_set1_ps(preStep * perPixel)));
+    if (count < SPAN_BLOCK)
+        AddShortSpan(batch, pixels, count, start, right, perPixel, textureMask);
+    else
+        AddLongSpan(batch, pixels, count, start, right, change, perPixel, textureMask);
+    const int32_t words = (count + WORD - 1) / WORD;
+    batch.blocks[batch.count - 1].retreat = std::max(0, begin + words * WORD - ScreenWidth);
+}
+
+// Eight pixels, one a byte; `found` are their texels, where they matter.
+struct Pixels {
+    __m128i colours, found;
+};
+
+template <TexelZero ZERO, int INDEX>
+AVX2_CODE inline void AddPixel(Pixels& pixels, uint64_t offsets, uint64_t shades, const uint8_t* texels) {
+    constexpr int SHIFT = INDEX % 4 * 16;
+    const uint8_t texel = texels[offsets >> SHIFT & 0xFFFF];
+    pixels.colours = _mm_insert_epi8(pixels.colours, ShadeTable[(shades >> SHIFT & 0xFFFF) | texel], INDEX);
+    if (ZERO == TexelZero::Skipped) pixels.found = _mm_insert_epi8(pixels.found, texel, INDEX);
 }
 
 template <TexelZero ZERO>
-AVX2_CODE void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
+AVX2_CODE inline Pixels ShadeWord(const Block& block, int32_t first, const uint8_t* texels) {
+    uint64_t offsets[2], shades[2];
+    std::memcpy(offsets, block.offsets + first, sizeof offsets);
+    std::memcpy(shades, block.shades + first, sizeof shades);
+    Pixels pixels = {_mm_setzero_si128(), _mm_setzero_si128()};
+    AddPixel<ZERO, 0>(pixels, offsets[0], shades[0], texels);
+    AddPixel<ZERO, 1>(pixels, offsets[0], shades[0], texels);
+    AddPixel<ZERO, 2>(pixels, offsets[0], shades[0], texels);
+    AddPixel<ZERO, 3>(pixels, offsets[0], shades[0], texels);
+    AddPixel<ZERO, 4>(pixels, offsets[1], shades[1], texels);
+    AddPixel<ZERO, 5>(pixels, offsets[1], shades[1], texels);
+    AddPixel<ZERO, 6>(pixels, offsets[1], shades[1], texels);
+    AddPixel<ZERO, 7>(pixels, offsets[1], shades[1], texels);
+    return pixels;
+}
+
+AVX2_CODE inline __m128i* Destination(uint8_t* pixels) {
+    return reinterpret_cast<__m128i*>(pixels);
+}
+
+template <TexelZero ZERO>
+AVX2_CODE inline void StoreWord(uint8_t* destination, Pixels pixels) {
+    if (ZERO == TexelZero::Skipped) {
+        const __m128i holes = _mm_cmpeq_epi8(pixels.found, _mm_setzero_si128());
+        pixels.colours = _mm_blendv_epi8(pixels.colours, _mm_loadl_epi64(Destination(destination)), holes);
+    }
+    _mm_storel_epi64(Destination(destination), pixels.colours);
+}
+
+// The first `count` pixels of a word; what lies beyond them is stored as it was. Without branches, for the count is
+// different in every row.
+template <TexelZero ZERO>
+AVX2_CODE inline void StorePart(uint8_t* destination, Pixels pixels, int32_t count, int32_t retreat) {
+    alignas(32) static constexpr uint8_t BEYOND[3 * WORD] = {255, 255, 255, 255, 255, 255, 255, 255, 0,   0,   0,  0, 0,
+                                                             0,   0,   0,   255, 255, 255, 255, 255, 255, 255, 255};
+    destination -= retreat;
+    const uint8_t* const mask = BEYOND + WORD - retreat;
+    __m128i kept = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask));
+    kept = _mm_or_si128(kept, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask + WORD - count)));
+    const __m128i shift = _mm_cvtsi32_si128(8 * retreat);
+    if (ZERO == TexelZero::Skipped) {
+        const __m128i holes = _mm_cmpeq_epi8(pixels.found, _mm_setzero_si128());
+        kept = _mm_or_si128(kept, _mm_sll_epi64(holes, shift));
+    }
+    const __m128i before = _mm_loadl_epi64(Destination(destination));
+    const __m128i colours = _mm_sll_epi64(pixels.colours, shift);
+    _mm_storel_epi64(Destination(destination), _mm_blendv_epi8(colours, before, kept));
+}
+
+template <TexelZero ZERO>
+AVX2_CODE inline void DrawBatch(Batch& batch, const uint8_t* texels) {
+    for (int32_t i = 0; i < batch.count; i++) {
+        const Block& block = batch.blocks[i];
+        uint8_t* const pixels = block.pixels;
+        if (block.count <= WORD) {
+            StorePart<ZERO>(pixels, ShadeWord<ZERO>(block, 0, texels), block.count, block.retreat);
+            continue;
+        }
+        StoreWord<ZERO>(pixels, ShadeWord<ZERO>(block, 0, texels));
+        const Pixels second = ShadeWord<ZERO>(block, WORD, texels);
+        if (block.count == SPAN_BLOCK)
+            StoreWord<ZERO>(pixels + WORD, second);
+        else
+            StorePart<ZERO>(pixels + WORD, second, block.count - WORD, block.retreat);
+    }
+    batch.count = 0;
+}
+
+template <TexelZero ZERO>
+AVX2_CODE void FillRows(const EdgeRows& rows, SpanTexture texture) {
+    Batch batch;
+    batch.count = 0;
     for (int32_t y = rows.first; y < rows.end; y++) {
         const EdgeRow& row = rows.table[y];
         const int32_t begin = CeilFixed(row.left.x);
@@ -157,18 +213,11 @@ AVX2_CODE void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
             FillRowsPortable({rows.table, y, y + 1}, texture, ZERO);
             continue;
         }
-        const float perPixel = ReciprocalTable[count];
-        const float preStep = static_cast<float>(begin * 65536 - row.left.x) / 65536;
-        const __m128 left = _mm_loadu_ps(&row.left.u);
-        const __m128 right = _mm_loadu_ps(&row.right.u);
-        const __m128 change = _mm_sub_ps(right, left);
-        const __m128 start = _mm_add_ps(left, _mm_mul_ps(change, _mm_set1_ps(preStep * perPixel)));
-        uint8_t* pixels = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch + begin;
-        if (count < SPAN_BLOCK)
-            DrawShortSpan<ZERO>(pixels, count, start, right, perPixel, texture);
-        else
-            DrawLongSpan<ZERO>(pixels, count, start, right, change, perPixel, texture);
+        if (batch.count + (count + SPAN_BLOCK - 1) / SPAN_BLOCK > BATCH) DrawBatch<ZERO>(batch, texture.texels);
+        uint8_t* const pixels = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch + begin;
+        AddRow(batch, row, pixels, begin, count, texture.mask);
     }
+    DrawBatch<ZERO>(batch, texture.texels);
 }
 
 }  // namespace

@@ -44,14 +44,14 @@ void Advance(SpanValues& value, const SpanValues& step, uint32_t pixels) {
     value.light += step.light * pixels;
 }
 
+// Everything is passed by value: the pixels written could otherwise change it, as far as the compiler knows.
 template <TexelZero ZERO>
-void DrawRun(const Run& run, int32_t count, const SpanTexture& texture) {
-    uint8_t* pixel = run.row + run.x;
-    SpanValues value = run.value;
+void DrawRun(uint8_t* pixels, int32_t count, SpanValues value, SpanValues step, SpanTexture texture) {
+#pragma GCC unroll 4
     for (int32_t i = 0; i < count; i++) {
         const uint8_t texel = texture.texels[((value.v & 0xFF00) | (value.u >> 8 & 0xFF)) & texture.mask];
-        if (ZERO == TexelZero::Drawn || texel != 0) pixel[i] = ShadeTable[(value.light & 0xFF00) | texel];
-        Advance(value, run.step, 1);
+        if (ZERO == TexelZero::Drawn || texel != 0) pixels[i] = ShadeTable[(value.light & 0xFF00) | texel];
+        Advance(value, step, 1);
     }
 }
 
@@ -61,7 +61,7 @@ void DrawClippedRun(Run run, int32_t count, const SpanTexture& texture) {
     Advance(run.value, run.step, static_cast<uint32_t>(skipped));
     run.x += skipped;
     const int32_t room = ScreenWidth - run.x;
-    if (room > 0) DrawRun<ZERO>(run, std::min(count - skipped, room), texture);
+    if (room > 0) DrawRun<ZERO>(run.row + run.x, std::min(count - skipped, room), run.value, run.step, texture);
 }
 
 template <TexelZero ZERO>
@@ -69,7 +69,7 @@ void DrawRunInFrame(const Run& run, int32_t count, const SpanTexture& texture, b
     if (clips)
         DrawClippedRun<ZERO>(run, count, texture);
     else
-        DrawRun<ZERO>(run, count, texture);
+        DrawRun<ZERO>(run.row + run.x, count, run.value, run.step, texture);
 }
 
 EdgeHalf SpanStart(const EdgeRow& row, float t) {
