@@ -122,28 +122,28 @@ struct Pixels {
     __m128i colours, found;
 };
 
-template <TexelZero ZERO, int INDEX>
-AVX2_CODE inline void AddPixel(Pixels& pixels, uint64_t offsets, uint64_t shades, const uint8_t* texels) {
-    constexpr int SHIFT = INDEX % 4 * 16;
-    const uint8_t texel = texels[offsets >> SHIFT & 0xFFFF];
-    pixels.colours = _mm_insert_epi8(pixels.colours, ShadeTable[(shades >> SHIFT & 0xFFFF) | texel], INDEX);
-    if (ZERO == TexelZero::Skipped) pixels.found = _mm_insert_epi8(pixels.found, texel, INDEX);
+// Byte `index` of each 16-bit number of a pair of words.
+AVX2_CODE inline __m128i Lookup(const uint8_t* table, uint64_t first, uint64_t second) {
+    __m128i bytes = _mm_cvtsi32_si128(table[first & 0xFFFF]);
+    bytes = _mm_insert_epi8(bytes, table[first >> 16 & 0xFFFF], 1);
+    bytes = _mm_insert_epi8(bytes, table[first >> 32 & 0xFFFF], 2);
+    bytes = _mm_insert_epi8(bytes, table[first >> 48], 3);
+    bytes = _mm_insert_epi8(bytes, table[second & 0xFFFF], 4);
+    bytes = _mm_insert_epi8(bytes, table[second >> 16 & 0xFFFF], 5);
+    bytes = _mm_insert_epi8(bytes, table[second >> 32 & 0xFFFF], 6);
+    return _mm_insert_epi8(bytes, table[second >> 48], 7);
 }
 
 template <TexelZero ZERO>
 AVX2_CODE inline Pixels ShadeWord(const Block& block, int32_t first, const uint8_t* texels) {
-    uint64_t offsets[2], shades[2];
+    uint64_t offsets[2];
     std::memcpy(offsets, block.offsets + first, sizeof offsets);
-    std::memcpy(shades, block.shades + first, sizeof shades);
-    Pixels pixels = {_mm_setzero_si128(), _mm_setzero_si128()};
-    AddPixel<ZERO, 0>(pixels, offsets[0], shades[0], texels);
-    AddPixel<ZERO, 1>(pixels, offsets[0], shades[0], texels);
-    AddPixel<ZERO, 2>(pixels, offsets[0], shades[0], texels);
-    AddPixel<ZERO, 3>(pixels, offsets[0], shades[0], texels);
-    AddPixel<ZERO, 4>(pixels, offsets[1], shades[1], texels);
-    AddPixel<ZERO, 5>(pixels, offsets[1], shades[1], texels);
-    AddPixel<ZERO, 6>(pixels, offsets[1], shades[1], texels);
-    AddPixel<ZERO, 7>(pixels, offsets[1], shades[1], texels);
+    Pixels pixels;
+    pixels.found = Lookup(texels, offsets[0], offsets[1]);
+    const __m128i shades = _mm_load_si128(reinterpret_cast<const __m128i*>(block.shades + first));
+    const __m128i index = _mm_or_si128(_mm_cvtepu8_epi16(pixels.found), shades);
+    pixels.colours = Lookup(ShadeTable, static_cast<uint64_t>(_mm_cvtsi128_si64(index)),
+                            static_cast<uint64_t>(_mm_extract_epi64(index, 1)));
     return pixels;
 }
 
