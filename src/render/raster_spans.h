@@ -23,7 +23,8 @@ extern int32_t FirstRow, EndRow;            // rows of the polygon being drawn, 
 constexpr int32_t RECIPROCAL_COUNT = 1024;
 extern float ReciprocalTable[RECIPROCAL_COUNT];  // entry 0 is 1, entry i is 1 / i
 
-constexpr int32_t SPAN_BLOCK = 16;  // pixels between two exact texture positions; longer spans than this are in blocks
+constexpr int32_t SPAN_BLOCK = 16;  // pixels between two exact texture positions; shorter spans have none inside
+constexpr int32_t SPAN_MOST_BLOCKS = RECIPROCAL_COUNT / SPAN_BLOCK;  // of one span, the incomplete one included
 
 struct EdgeRows {
     const EdgeRow* table;  // by screen row
@@ -36,6 +37,10 @@ struct SpanTexture {
 };
 
 enum class TexelZero { Drawn, Skipped };
+
+inline int32_t SpanBlocks(int32_t pixels) {
+    return (pixels + SPAN_BLOCK - 1) / SPAN_BLOCK;
+}
 
 inline int32_t CeilFixed(int32_t fixed) {
     return static_cast<int32_t>((int64_t{fixed} + 0xFFFF) >> 16);

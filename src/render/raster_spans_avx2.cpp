@@ -15,22 +15,26 @@
 
 namespace {
 
-constexpr int32_t WORD = 8;  // pixels that are stored together
+constexpr int32_t WORD_PIXELS = 8;  // shaded and stored together
 
-// Up to sixteen pixels of one row.
-struct alignas(32) Block {
-    uint16_t offsets[SPAN_BLOCK];  // of the texels
-    uint16_t shades[SPAN_BLOCK];   // light level x 256
+struct alignas(16) Word {
+    uint16_t offsets[WORD_PIXELS];  // of the texels
+    uint16_t shades[WORD_PIXELS];   // light level x 256
     uint8_t* pixels;
-    int32_t count;
-    int32_t retreat;  // the last word is stored this much further left, to end inside the frame
+    int32_t count;    // of an incomplete word
+    int32_t retreat;  // it is stored this much further left, to end inside the frame
 };
 
-constexpr int32_t BATCH = RECIPROCAL_COUNT / SPAN_BLOCK;  // blocks; any span fits
+constexpr int32_t BATCH_PIXELS = 640;  // longer spans are left to the portable routine
+constexpr int32_t BATCH_WORDS = BATCH_PIXELS / WORD_PIXELS;
+constexpr int32_t BATCH_PARTS = 40;
 
+// Complete and incomplete words lie apart, so that drawing them takes no branch that depends on a span's length. A
+// block writes two complete words and keeps as many as it has.
 struct Batch {
-    Block blocks[BATCH];
-    int32_t count;
+    Word words[BATCH_WORDS + 2];
+    Word parts[BATCH_PARTS];
+    int32_t wordCount, partCount;
 };
 
 // u, v and light of a pixel in the low three lanes, 8.8 fixed point.
@@ -61,19 +65,31 @@ AVX2_CODE inline __m256i AtPixels(Values value, Values step) {
     return _mm256_add_epi16(start, _mm256_mullo_epi16(steps, pixel));
 }
 
+AVX2_CODE inline void PutWord(Word& word, uint8_t* pixels, __m128i offsets, __m128i shades) {
+    _mm_store_si128(reinterpret_cast<__m128i*>(word.offsets), offsets);
+    _mm_store_si128(reinterpret_cast<__m128i*>(word.shades), shades);
+    word.pixels = pixels;
+}
+
+// 1..16 pixels.
 AVX2_CODE inline void AddBlock(Batch& batch, uint8_t* pixels, int32_t count, Values value, Values step,
                                uint32_t textureMask) {
-    Block& block = batch.blocks[batch.count++];
     const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
     const __m256i column = _mm256_srli_epi16(AtPixels<0>(value, step), 8);
     const __m256i line = _mm256_and_si256(AtPixels<1>(value, step), highByte);
     const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(textureMask));
     const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
-    _mm256_store_si256(reinterpret_cast<__m256i*>(block.offsets), offsets);
     const __m256i shades = _mm256_and_si256(AtPixels<2>(value, step), highByte);
-    _mm256_store_si256(reinterpret_cast<__m256i*>(block.shades), shades);
-    block.pixels = pixels;
-    block.count = count;
+    Word* const words = batch.words + batch.wordCount;
+    PutWord(words[0], pixels, _mm256_castsi256_si128(offsets), _mm256_castsi256_si128(shades));
+    PutWord(words[1], pixels + WORD_PIXELS, _mm256_extracti128_si256(offsets, 1), _mm256_extracti128_si256(shades, 1));
+    const int32_t complete = count / WORD_PIXELS;
+    const int32_t rest = count % WORD_PIXELS;
+    batch.wordCount += complete;
+    if (rest == 0) return;
+    Word& part = batch.parts[batch.partCount++];
+    part = words[complete];
+    part.count = rest;
 }
 
 AVX2_CODE inline void AddShortSpan(Batch& batch, uint8_t* pixels, int32_t count, __m128 start, __m128 right,
@@ -113,16 +129,18 @@ AVX2_CODE inline void AddRow(Batch& batch, const EdgeRow& row, uint8_t* pixels, 
         AddShortSpan(batch, pixels, count, start, right, perPixel, textureMask);
     else
         AddLongSpan(batch, pixels, count, start, right, change, perPixel, textureMask);
-    const int32_t words = (count + WORD - 1) / WORD;
-    batch.blocks[batch.count - 1].retreat = std::max(0, begin + words * WORD - ScreenWidth);
+    if (count % WORD_PIXELS != 0) {
+        const int32_t wordEnd = begin + (count | (WORD_PIXELS - 1)) + 1;
+        batch.parts[batch.partCount - 1].retreat = std::max(0, wordEnd - ScreenWidth);
+    }
 }
 
-// Eight pixels, one a byte; `found` are their texels, where they matter.
+// One pixel a byte; `found` are their texels.
 struct Pixels {
     __m128i colours, found;
 };
 
-// Byte `index` of each 16-bit number of a pair of words.
+// The table's bytes at four 16-bit indices each.
 AVX2_CODE inline __m128i Lookup(const uint8_t* table, uint64_t first, uint64_t second) {
     __m128i bytes = _mm_cvtsi32_si128(table[first & 0xFFFF]);
     bytes = _mm_insert_epi8(bytes, table[first >> 16 & 0xFFFF], 1);
@@ -134,16 +152,15 @@ AVX2_CODE inline __m128i Lookup(const uint8_t* table, uint64_t first, uint64_t s
     return _mm_insert_epi8(bytes, table[second >> 48], 7);
 }
 
-template <TexelZero ZERO>
-AVX2_CODE inline Pixels ShadeWord(const Block& block, int32_t first, const uint8_t* texels) {
+AVX2_CODE inline Pixels ShadeWord(const Word& word, const uint8_t* texels) {
     uint64_t offsets[2];
-    std::memcpy(offsets, block.offsets + first, sizeof offsets);
+    std::memcpy(offsets, word.offsets, sizeof offsets);
     Pixels pixels;
     pixels.found = Lookup(texels, offsets[0], offsets[1]);
-    const __m128i shades = _mm_load_si128(reinterpret_cast<const __m128i*>(block.shades + first));
-    const __m128i index = _mm_or_si128(_mm_cvtepu8_epi16(pixels.found), shades);
-    pixels.colours = Lookup(ShadeTable, static_cast<uint64_t>(_mm_cvtsi128_si64(index)),
-                            static_cast<uint64_t>(_mm_extract_epi64(index, 1)));
+    const __m128i shades = _mm_load_si128(reinterpret_cast<const __m128i*>(word.shades));
+    const __m128i indices = _mm_or_si128(_mm_cvtepu8_epi16(pixels.found), shades);
+    pixels.colours = Lookup(ShadeTable, static_cast<uint64_t>(_mm_cvtsi128_si64(indices)),
+                            static_cast<uint64_t>(_mm_extract_epi64(indices, 1)));
     return pixels;
 }
 
@@ -160,17 +177,16 @@ AVX2_CODE inline void StoreWord(uint8_t* destination, Pixels pixels) {
     _mm_storel_epi64(Destination(destination), pixels.colours);
 }
 
-// The first `count` pixels of a word; what lies beyond them is stored as it was. Without branches, for the count is
-// different in every row.
+// The first pixels of a word; what lies beside them is stored as it was.
 template <TexelZero ZERO>
-AVX2_CODE inline void StorePart(uint8_t* destination, Pixels pixels, int32_t count, int32_t retreat) {
-    alignas(32) static constexpr uint8_t BEYOND[3 * WORD] = {255, 255, 255, 255, 255, 255, 255, 255, 0,   0,   0,  0, 0,
-                                                             0,   0,   0,   255, 255, 255, 255, 255, 255, 255, 255};
-    destination -= retreat;
-    const uint8_t* const mask = BEYOND + WORD - retreat;
+AVX2_CODE inline void StorePart(const Word& word, Pixels pixels) {
+    alignas(32) static constexpr uint8_t OUTSIDE[3 * WORD_PIXELS] = {
+        255, 255, 255, 255, 255, 255, 255, 255, 0, 0, 0, 0, 0, 0, 0, 0, 255, 255, 255, 255, 255, 255, 255, 255};
+    uint8_t* const destination = word.pixels - word.retreat;
+    const uint8_t* const mask = OUTSIDE + WORD_PIXELS - word.retreat;
     __m128i kept = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask));
-    kept = _mm_or_si128(kept, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask + WORD - count)));
-    const __m128i shift = _mm_cvtsi32_si128(8 * retreat);
+    kept = _mm_or_si128(kept, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask + WORD_PIXELS - word.count)));
+    const __m128i shift = _mm_cvtsi32_si128(8 * word.retreat);
     if (ZERO == TexelZero::Skipped) {
         const __m128i holes = _mm_cmpeq_epi8(pixels.found, _mm_setzero_si128());
         kept = _mm_or_si128(kept, _mm_sll_epi64(holes, shift));
@@ -182,38 +198,29 @@ AVX2_CODE inline void StorePart(uint8_t* destination, Pixels pixels, int32_t cou
 
 template <TexelZero ZERO>
 AVX2_CODE inline void DrawBatch(Batch& batch, const uint8_t* texels) {
-    for (int32_t i = 0; i < batch.count; i++) {
-        const Block& block = batch.blocks[i];
-        uint8_t* const pixels = block.pixels;
-        if (block.count <= WORD) {
-            StorePart<ZERO>(pixels, ShadeWord<ZERO>(block, 0, texels), block.count, block.retreat);
-            continue;
-        }
-        StoreWord<ZERO>(pixels, ShadeWord<ZERO>(block, 0, texels));
-        const Pixels second = ShadeWord<ZERO>(block, WORD, texels);
-        if (block.count == SPAN_BLOCK)
-            StoreWord<ZERO>(pixels + WORD, second);
-        else
-            StorePart<ZERO>(pixels + WORD, second, block.count - WORD, block.retreat);
-    }
-    batch.count = 0;
+    for (int32_t i = 0; i < batch.wordCount; i++)
+        StoreWord<ZERO>(batch.words[i].pixels, ShadeWord(batch.words[i], texels));
+    for (int32_t i = 0; i < batch.partCount; i++)
+        StorePart<ZERO>(batch.parts[i], ShadeWord(batch.parts[i], texels));
+    batch.wordCount = batch.partCount = 0;
 }
 
 template <TexelZero ZERO>
 AVX2_CODE void FillRows(const EdgeRows& rows, SpanTexture texture) {
     Batch batch;
-    batch.count = 0;
+    batch.wordCount = batch.partCount = 0;
     for (int32_t y = rows.first; y < rows.end; y++) {
         const EdgeRow& row = rows.table[y];
         const int32_t begin = CeilFixed(row.left.x);
         const int32_t end = CeilFixed(row.right.x);
         const int32_t count = end - begin;
         if (count <= 0) continue;
-        if (begin < 0 || end > ScreenWidth) {
+        if (begin < 0 || end > ScreenWidth || count > BATCH_PIXELS) {
             FillRowsPortable({rows.table, y, y + 1}, texture, ZERO);
             continue;
         }
-        if (batch.count + (count + SPAN_BLOCK - 1) / SPAN_BLOCK > BATCH) DrawBatch<ZERO>(batch, texture.texels);
+        if (batch.wordCount + count / WORD_PIXELS > BATCH_WORDS || batch.partCount == BATCH_PARTS)
+            DrawBatch<ZERO>(batch, texture.texels);
         uint8_t* const pixels = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch + begin;
         AddRow(batch, row, pixels, begin, count, texture.mask);
     }

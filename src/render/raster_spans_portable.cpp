@@ -1,3 +1,6 @@
+// The reference. Like the faster routines it works in two passes over a batch of runs, so that the divisions of
+// neighbouring runs overlap.
+
 #include "math/convert.h"
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
@@ -11,135 +14,131 @@ struct SpanValues {
     uint32_t u, v, light;
 };
 
+// Pixels of one row, inside the frame, over which the values change by equal steps.
 struct Run {
-    uint8_t* row;
-    int32_t x;
+    uint8_t* pixels;
+    int32_t count;
     SpanValues value, step;
+};
+
+struct Batch {
+    Run runs[SPAN_MOST_BLOCKS];
+    int32_t count;
 };
 
 uint32_t Round(float value) {
     return static_cast<uint32_t>(RoundToInt(value));
 }
 
-SpanValues DividedByDepth(const EdgeHalf& half, float depth) {
+SpanValues DividedByDepth(const EdgeHalf& half) {
+    const float depth = 1 / half.inverseDepth;
     return {Round(half.u * depth), Round(half.v * depth), Round(half.light * depth)};
 }
 
-// The step that leads from value to target in 1 / factor pixels.
-SpanValues StepTowards(float u, float v, float light, const SpanValues& value, float factor) {
-    const auto step = [factor](float target, uint32_t from) {
-        return Round((target - static_cast<float>(static_cast<int32_t>(from))) * factor);
-    };
-    return {step(u, value.u), step(v, value.v), step(light, value.light)};
+uint32_t StepTowards(float target, uint32_t value, float factor) {
+    return Round((target - static_cast<float>(static_cast<int32_t>(value))) * factor);
 }
 
-SpanValues BlockStep(const SpanValues& from, const SpanValues& to) {
-    const auto step = [](uint32_t a, uint32_t b) { return static_cast<uint32_t>(static_cast<int32_t>(b - a) >> 4); };
-    return {step(from.u, to.u), step(from.v, to.v), step(from.light, to.light)};
+uint32_t BlockStep(uint32_t from, uint32_t to) {
+    return static_cast<uint32_t>(static_cast<int32_t>(to - from) >> 4);
 }
 
-void Advance(SpanValues& value, const SpanValues& step, uint32_t pixels) {
-    value.u += step.u * pixels;
-    value.v += step.v * pixels;
-    value.light += step.light * pixels;
+SpanValues Advanced(const SpanValues& value, const SpanValues& step, uint32_t pixels) {
+    return {value.u + step.u * pixels, value.v + step.v * pixels, value.light + step.light * pixels};
 }
 
-// Everything is passed by value: the pixels written could otherwise change it, as far as the compiler knows.
-template <TexelZero ZERO>
-void DrawRun(uint8_t* pixels, int32_t count, SpanValues value, SpanValues step, SpanTexture texture) {
-#pragma GCC unroll 4
-    for (int32_t i = 0; i < count; i++) {
-        const uint8_t texel = texture.texels[((value.v & 0xFF00) | (value.u >> 8 & 0xFF)) & texture.mask];
-        if (ZERO == TexelZero::Drawn || texel != 0) pixels[i] = ShadeTable[(value.light & 0xFF00) | texel];
-        Advance(value, step, 1);
-    }
+// Columns outside the frame are left out.
+void AddRun(Batch& batch, uint8_t* row, int32_t x, int32_t count, const SpanValues& value, const SpanValues& step) {
+    const int32_t skipped = std::max(0, -x);
+    const int32_t visible = std::min(count, ScreenWidth - x) - skipped;
+    if (visible <= 0) return;
+    batch.runs[batch.count++] = {row + x + skipped, visible, Advanced(value, step, static_cast<uint32_t>(skipped)),
+                                 step};
 }
 
-template <TexelZero ZERO>
-void DrawClippedRun(Run run, int32_t count, const SpanTexture& texture) {
-    const int32_t skipped = std::clamp(-run.x, 0, count);
-    Advance(run.value, run.step, static_cast<uint32_t>(skipped));
-    run.x += skipped;
-    const int32_t room = ScreenWidth - run.x;
-    if (room > 0) DrawRun<ZERO>(run.row + run.x, std::min(count - skipped, room), run.value, run.step, texture);
-}
-
-template <TexelZero ZERO>
-void DrawRunInFrame(const Run& run, int32_t count, const SpanTexture& texture, bool clips) {
-    if (clips)
-        DrawClippedRun<ZERO>(run, count, texture);
-    else
-        DrawRun<ZERO>(run.row + run.x, count, run.value, run.step, texture);
-}
-
-EdgeHalf SpanStart(const EdgeRow& row, float t) {
-    const EdgeHalf& left = row.left;
-    const EdgeHalf& right = row.right;
+// The values of a span's row at its first pixel.
+EdgeHalf SpanStart(const EdgeHalf& left, const EdgeHalf& right, float t) {
     return {left.x, left.u + (right.u - left.u) * t, left.v + (right.v - left.v) * t,
             left.light + (right.light - left.light) * t,
             left.inverseDepth + (right.inverseDepth - left.inverseDepth) * t};
 }
 
-template <TexelZero ZERO>
-void DrawShortSpan(Run& run, int32_t count, const EdgeRow& row, const EdgeHalf& start, const SpanTexture& texture,
-                   bool clips) {
-    const EdgeHalf& right = row.right;
-    const float rightDepth = 1 / right.inverseDepth;
-    run.value = DividedByDepth(start, 1 / start.inverseDepth);
-    run.step = StepTowards(right.u * rightDepth, right.v * rightDepth, right.light * rightDepth, run.value,
-                           ReciprocalTable[count]);
-    DrawRunInFrame<ZERO>(run, count, texture, clips);
+void AddShortSpan(Batch& batch, uint8_t* row, int32_t x, int32_t count, const EdgeHalf& start, const EdgeHalf& right) {
+    const SpanValues value = DividedByDepth(start);
+    const float depth = 1 / right.inverseDepth;
+    const float perPixel = ReciprocalTable[count];
+    const SpanValues step = {StepTowards(right.u * depth, value.u, perPixel),
+                             StepTowards(right.v * depth, value.v, perPixel),
+                             StepTowards(right.light * depth, value.light, perPixel)};
+    AddRun(batch, row, x, count, value, step);
 }
 
-template <TexelZero ZERO>
-void DrawLongSpan(Run& run, int32_t count, const EdgeRow& row, EdgeHalf position, const SpanTexture& texture,
-                  bool clips) {
-    const EdgeHalf& left = row.left;
-    const EdgeHalf& right = row.right;
+void AddLongSpan(Batch& batch, uint8_t* row, int32_t x, int32_t count, const EdgeHalf& left, EdgeHalf position,
+                 const EdgeHalf& right) {
     const float perPixel = ReciprocalTable[count];
     const float uStep = SPAN_BLOCK * (right.u - left.u) * perPixel;
     const float vStep = SPAN_BLOCK * (right.v - left.v) * perPixel;
     const float lightStep = SPAN_BLOCK * (right.light - left.light) * perPixel;
     const float depthStep = SPAN_BLOCK * (right.inverseDepth - left.inverseDepth) * perPixel;
-    run.value = DividedByDepth(position, 1 / position.inverseDepth);
-    for (int32_t block = count / SPAN_BLOCK; block > 0; block--) {
+    SpanValues value = DividedByDepth(position);
+    for (; count >= SPAN_BLOCK; count -= SPAN_BLOCK, x += SPAN_BLOCK) {
         position.u += uStep;
         position.v += vStep;
         position.light += lightStep;
         position.inverseDepth += depthStep;
-        const SpanValues end = DividedByDepth(position, 1 / position.inverseDepth);
-        run.step = BlockStep(run.value, end);
-        DrawRunInFrame<ZERO>(run, SPAN_BLOCK, texture, clips);
-        run.value = end;
-        run.x += SPAN_BLOCK;
+        const SpanValues end = DividedByDepth(position);
+        const SpanValues step = {BlockStep(value.u, end.u), BlockStep(value.v, end.v),
+                                 BlockStep(value.light, end.light)};
+        AddRun(batch, row, x, SPAN_BLOCK, value, step);
+        value = end;
     }
-    const int32_t rest = count % SPAN_BLOCK;
-    if (rest == 0) return;
-    run.step = StepTowards(right.u / right.inverseDepth, right.v / right.inverseDepth, right.light / right.inverseDepth,
-                           run.value, ReciprocalTable[rest]);
-    DrawRunInFrame<ZERO>(run, rest, texture, clips);
+    if (count == 0) return;
+    const float perRest = ReciprocalTable[count];
+    const SpanValues step = {StepTowards(right.u / right.inverseDepth, value.u, perRest),
+                             StepTowards(right.v / right.inverseDepth, value.v, perRest),
+                             StepTowards(right.light / right.inverseDepth, value.light, perRest)};
+    AddRun(batch, row, x, count, value, step);
+}
+
+// By value: as far as the compiler knows, the pixels written could change what is passed by reference.
+template <TexelZero ZERO>
+void DrawRun(Run run, SpanTexture texture) {
+    SpanValues value = run.value;
+#pragma GCC unroll 8
+    for (int32_t i = 0; i < run.count; i++) {
+        const uint8_t texel = texture.texels[((value.v & 0xFF00) | (value.u >> 8 & 0xFF)) & texture.mask];
+        if (ZERO == TexelZero::Drawn || texel != 0) run.pixels[i] = ShadeTable[(value.light & 0xFF00) | texel];
+        value = Advanced(value, run.step, 1);
+    }
 }
 
 template <TexelZero ZERO>
-void FillRow(const EdgeRow& row, uint8_t* pixels, const SpanTexture& texture) {
-    const int32_t begin = CeilFixed(row.left.x);
-    const int32_t end = CeilFixed(row.right.x);
-    const int32_t count = end - begin;
-    if (count <= 0 || count >= RECIPROCAL_COUNT || end <= 0 || begin >= ScreenWidth) return;
-    const float preStep = static_cast<float>(int64_t{begin} * 65536 - row.left.x) / 65536;
-    const EdgeHalf start = SpanStart(row, preStep * ReciprocalTable[count]);
-    const bool clips = begin < 0 || end > ScreenWidth;
-    Run run = {pixels, begin, {}, {}};
-    if (count < SPAN_BLOCK)
-        DrawShortSpan<ZERO>(run, count, row, start, texture, clips);
-    else
-        DrawLongSpan<ZERO>(run, count, row, start, texture, clips);
+void DrawBatch(Batch& batch, const SpanTexture& texture) {
+    for (int32_t i = 0; i < batch.count; i++)
+        DrawRun<ZERO>(batch.runs[i], texture);
+    batch.count = 0;
 }
 
 template <TexelZero ZERO>
 void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
-    for (int32_t y = rows.first; y < rows.end; y++)
-        FillRow<ZERO>(rows.table[y], FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch, texture);
+    Batch batch;
+    batch.count = 0;
+    for (int32_t y = rows.first; y < rows.end; y++) {
+        const EdgeHalf& left = rows.table[y].left;
+        const EdgeHalf& right = rows.table[y].right;
+        const int32_t x = CeilFixed(left.x);
+        const int32_t count = CeilFixed(right.x) - x;
+        if (count <= 0 || count >= RECIPROCAL_COUNT) continue;
+        if (batch.count + SpanBlocks(count) > SPAN_MOST_BLOCKS) DrawBatch<ZERO>(batch, texture);
+        const float preStep = static_cast<float>(int64_t{x} * 65536 - left.x) / 65536;
+        const EdgeHalf start = SpanStart(left, right, preStep * ReciprocalTable[count]);
+        uint8_t* const row = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch;
+        if (count < SPAN_BLOCK)
+            AddShortSpan(batch, row, x, count, start, right);
+        else
+            AddLongSpan(batch, row, x, count, left, start, right);
+    }
+    DrawBatch<ZERO>(batch, texture);
 }
 
 }  // namespace
