@@ -54,12 +54,22 @@ double Rounds::Spread(size_t work) const {
     return (Quantile(works[work].samples, 0.75) - Quantile(works[work].samples, 0.25)) / Median(work);
 }
 
+void Rounds::PrintTime(size_t work) const {
+    std::printf("%-40s %8.3f ns  spread %4.1f %%", Name(work).c_str(), Median(work), 100 * Spread(work));
+}
+
 void Rounds::Print(size_t work) const {
-    std::printf("%-44s %8.3f ns  spread %4.1f %%\n", Name(work).c_str(), Median(work), 100 * Spread(work));
+    PrintTime(work);
+    std::printf("\n");
+}
+
+void Rounds::PrintAgainst(size_t work, size_t floor) const {
+    PrintTime(work);
+    std::printf("  %5.2f x %s\n", Ratio(work, floor), Name(floor).c_str());
 }
 
 void Rounds::PrintAgainst(size_t work, size_t floor, double target) const {
-    const double ratio = Median(work) / Median(floor);
-    std::printf("%-44s %8.3f ns  spread %4.1f %%  %5.2f x %s (target %.2f%s)\n", Name(work).c_str(), Median(work),
-                100 * Spread(work), ratio, Name(floor).c_str(), target, ratio <= target ? "" : ", MISSED");
+    PrintTime(work);
+    std::printf("  %5.2f x %s (target %.2f%s)\n", Ratio(work, floor), Name(floor).c_str(), target,
+                Ratio(work, floor) <= target ? "" : ", MISSED");
 }

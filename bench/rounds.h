@@ -18,11 +18,15 @@ public:
     double Spread(size_t work) const;  // of the middle half of the rounds, as a part of the median
     const std::string& Name(size_t work) const { return works[work].name; }
 
-    // One line: nanoseconds, spread, and how many times the floor's time it takes.
+    // One line: nanoseconds and spread; how many times the floor's time it takes; whether that keeps the target.
     void Print(size_t work) const;
+    void PrintAgainst(size_t work, size_t floor) const;
     void PrintAgainst(size_t work, size_t floor, double target) const;
 
 private:
+    double Ratio(size_t work, size_t floor) const { return Median(work) / Median(floor); }
+    void PrintTime(size_t work) const;
+
     struct Work {
         std::string name;
         double units;

@@ -80,15 +80,19 @@ AVX2_CODE inline void AddBlock(Batch& batch, uint8_t* pixels, int32_t count, Val
     const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(textureMask));
     const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
     const __m256i shades = _mm256_and_si256(AtPixels<2>(value, step), highByte);
+    const __m128i offsetHalves[2] = {_mm256_castsi256_si128(offsets), _mm256_extracti128_si256(offsets, 1)};
+    const __m128i shadeHalves[2] = {_mm256_castsi256_si128(shades), _mm256_extracti128_si256(shades, 1)};
     Word* const words = batch.words + batch.wordCount;
-    PutWord(words[0], pixels, _mm256_castsi256_si128(offsets), _mm256_castsi256_si128(shades));
-    PutWord(words[1], pixels + WORD_PIXELS, _mm256_extracti128_si256(offsets, 1), _mm256_extracti128_si256(shades, 1));
+    PutWord(words[0], pixels, offsetHalves[0], shadeHalves[0]);
+    PutWord(words[1], pixels + WORD_PIXELS, offsetHalves[1], shadeHalves[1]);
     const int32_t complete = count / WORD_PIXELS;
     const int32_t rest = count % WORD_PIXELS;
     batch.wordCount += complete;
     if (rest == 0) return;
+    const __m128i isSecond = _mm_set1_epi32(-complete);
     Word& part = batch.parts[batch.partCount++];
-    part = words[complete];
+    PutWord(part, pixels + complete * WORD_PIXELS, _mm_blendv_epi8(offsetHalves[0], offsetHalves[1], isSecond),
+            _mm_blendv_epi8(shadeHalves[0], shadeHalves[1], isSecond));
     part.count = rest;
 }
 

@@ -14,6 +14,8 @@
 #include <limits>
 #include <numeric>
 #include <random>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -154,6 +156,30 @@ TEST_P(Raster, StepsWholeTexelsThroughShortAndLongSpans) {
             std::copy_n(TextureImage + TextureRecords()[0].texelOffset + 3 * 256, n, expected.begin() + y * 200 + 5);
         EXPECT_EQ(FramePixels(), expected) << n << " pixels";
     }
+}
+
+// A frame that ends at a page which must not be touched, and polygons that end in its last pixels.
+TEST_P(Raster, TouchesNothingBehindTheLastPixel) {
+    const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    void* const pages = mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(pages, MAP_FAILED);
+    ASSERT_EQ(mprotect(static_cast<uint8_t*>(pages) + page, page, PROT_NONE), 0);
+    ScreenWidth = FramePitch = 40;
+    ScreenHeight = 8;
+    FrameBuffer = static_cast<uint8_t*>(pages) + page - 40 * 8;
+    for (int width = 1; width <= 40; width++) {
+        const double left = 40 - width;
+        const PolyRecord* polygon = MakePolygon({{Pixels(left), 0, 1, 0, 0, 0},
+                                                 {Pixels(left), Pixels(8), 1, 0, 0, 0},
+                                                 {Pixels(40), Pixels(8), 1, 5000, 0, 0},
+                                                 {Pixels(40), 0, 1, 5000, 0, 0}},
+                                                0);
+        std::vector<uint8_t> expected = FramePixels();
+        ModelRaster(*polygon, width % 2 == 0, expected);
+        width % 2 == 0 ? RasterPolygonTransparent(polygon) : RasterPolygon(polygon);
+        EXPECT_EQ(FramePixels(), expected) << width;
+    }
+    munmap(pages, 2 * page);
 }
 
 TEST_P(Raster, CoversEachPixelOfAMeshOnce) {
