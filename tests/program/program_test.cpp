@@ -1,7 +1,11 @@
 // The whole program from its command line: how it starts, ends, and what it leaves behind.
 #include "run_program.h"
+#include "test_level.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
 
 namespace {
 
@@ -55,6 +59,77 @@ TEST_F(Program, WrongOptionIsNamed) {
     const ProgramResult result = program.Run("--levle 3");
     EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(Says(result.errors, "--levle"));
+}
+
+class ProgramWithLevel : public Program {
+protected:
+    ProgramWithLevel() { WriteTestLevel(program.Path("data")); }
+
+    ProgramResult Play(const std::string& arguments) const { return program.Run("--data data --level 3 " + arguments); }
+};
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string Pixels(const std::string& traceLine) {
+    return traceLine.substr(traceLine.find("\"pixels\""));
+}
+
+TEST_F(ProgramWithLevel, PlaysTheFramesAskedFor) {
+    const ProgramResult result = Play("--frames 60 --trace t.jsonl --shot 50:a.png");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_TRUE(Says(result.output, "Free Mem when running.")) << "the normal way out";
+    const std::vector<std::string> trace = Lines(program.Read("t.jsonl"));
+    ASSERT_EQ(trace.size(), 60u);
+    EXPECT_TRUE(Says(trace[0], "\"frame\":1,\"ticks\":0,\"level\":3"));
+    EXPECT_TRUE(Says(trace[59], "\"frame\":60,\"ticks\":1"));
+    EXPECT_EQ(trace[59].find("\"polys\":0,"), std::string::npos) << "the level is in view";
+    EXPECT_FALSE(program.Read("a.png").empty());
+}
+
+TEST_F(ProgramWithLevel, TheSameInputGivesTheSameFrames) {
+    program.Write("keys.txt", "10 tap F6\n15 mouse 300 -500\n30 button left down\n31 mouse 90 20\n40 button left up\n"
+                              "50 down UP\n60 down SPACE\n70 tap W\n90 tap W\n95 wait 100\n");
+    const ProgramResult first = Play("--script keys.txt --frames 120 --trace 1.jsonl --shot 100:1.png");
+    const ProgramResult second = Play("--script keys.txt --frames 120 --trace 2.jsonl --shot 100:2.png");
+    EXPECT_EQ(first.output, second.output);
+    EXPECT_EQ(Lines(program.Read("1.jsonl")).size(), 120u);
+    EXPECT_EQ(program.Read("1.jsonl"), program.Read("2.jsonl"));
+    EXPECT_EQ(program.Read("1.png"), program.Read("2.png"));
+}
+
+TEST_F(ProgramWithLevel, EscapeLeadsBackToTheFrontEndAndIntoAnotherGame) {
+    program.Write("keys.txt", "20 tap ESCAPE\n5000ms tap SPACE\n5100ms tap F1\n5200ms tap F11\n");
+    const ProgramResult result = Play("--script keys.txt --frames 100 --trace t.jsonl");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(Lines(program.Read("t.jsonl")).size(), 20u);
+    EXPECT_TRUE(Says(result.errors, "level1")) << "there is only level 3";
+    EXPECT_TRUE(Says(result.errors, "ended after 20 of 100 frames"));
+}
+
+TEST_F(ProgramWithLevel, ASecondGameOfALevelLooksLikeTheFirst) {
+    program.Write("keys.txt", "10 down L\n15 up L\n20 tap Y\n22 tap F6\n30 tap F5\n"  // leaves values changed behind
+                              "150 tap ESCAPE\n9000ms tap SPACE\n9100ms tap F3\n9200ms tap F11\n");
+    Play("--frames 100 --trace untouched.jsonl");
+    Play("--script keys.txt --frames 250 --trace t.jsonl");
+    const std::vector<std::string> untouched = Lines(program.Read("untouched.jsonl"));
+    const std::vector<std::string> trace = Lines(program.Read("t.jsonl"));
+    ASSERT_EQ(trace.size(), 250u);
+    EXPECT_NE(Pixels(trace[99]), Pixels(untouched[99]));
+    EXPECT_EQ(Pixels(trace[249]), Pixels(untouched[99])) << "100 frames into each game the camera has settled";
+}
+
+TEST_F(ProgramWithLevel, AWindowsKeyEndsThePlay) {
+    program.Write("keys.txt", "20 tap LWIN\n");
+    const ProgramResult result = Play("--script keys.txt --frames 100");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(Says(result.errors, "ended after 20 of 100 frames"));
 }
 
 }  // namespace
