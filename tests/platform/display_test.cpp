@@ -69,10 +69,10 @@ void WriteFile(const std::string& name, const std::string& bytes) {
 }  // namespace
 
 TEST_F(DisplayTest, FirstModeOfThatDepthAndAtLeastThatSizeIsStretchedTo) {
-    SetDisplayModes({{640, 480, 8}, {320, 240, 16}, {800, 600, 16}, {640, 480, 16}});
+    SetScreenModes({{640, 480, 8}, {320, 240, 16}, {800, 600, 16}, {640, 480, 16}});
     ASSERT_TRUE(OpenFrontEnd());
     EXPECT_EQ(DisplayState, DISPLAY_FULL_SCREEN);
-    EXPECT_EQ(CurrentDisplayMode().width, 800u);
+    EXPECT_EQ(CurrentScreenMode().width, 800u);
     EXPECT_EQ(Display.palette, nullptr);
     EXPECT_EQ(Display.source.right, 640);
     WriteFile("small.bmp", BitmapBytes(2));
@@ -83,13 +83,13 @@ TEST_F(DisplayTest, FirstModeOfThatDepthAndAtLeastThatSizeIsStretchedTo) {
 }
 
 TEST_F(DisplayTest, WithoutAFittingModeNothingStaysOpen) {
-    for (const std::vector<DisplayMode>& modes : {std::vector<DisplayMode>{{640, 480, 8}, {320, 240, 16}}, {}}) {
-        SetDisplayModes(modes);
+    for (const std::vector<ScreenMode>& modes : {std::vector<ScreenMode>{{640, 480, 8}, {320, 240, 16}}, {}}) {
+        SetScreenModes(modes);
         DisplayModeCount = 0;
         EXPECT_FALSE(OpenFrontEnd());
         EXPECT_EQ(DisplayState, DISPLAY_NONE);
         EXPECT_EQ(Display.directDraw, nullptr);
-        EXPECT_EQ(CurrentDisplayMode().bits, 32u);  // the desktop's
+        EXPECT_EQ(CurrentScreenMode().bits, 32u);  // the desktop's
         EXPECT_EQ(ShowCursor(TRUE), 1);
         ShowCursor(FALSE);
     }
@@ -103,18 +103,18 @@ TEST_F(DisplayTest, CursorIsHiddenWhileOpen) {
     CloseDisplay();
     EXPECT_EQ(ShowCursor(TRUE), 1);
     ShowCursor(FALSE);
-    EXPECT_EQ(CurrentDisplayMode().bits, 32u);
+    EXPECT_EQ(CurrentScreenMode().bits, 32u);
 }
 
 TEST_F(DisplayTest, ModeTableSkipsNeighbouringDoublesAndStopsAtItsLimit) {
-    std::vector<DisplayMode> modes = {{640, 480, 16}, {640, 480, 16}, {640, 480, 8}, {640, 480, 16}};
-    SetDisplayModes(modes);
+    std::vector<ScreenMode> modes = {{640, 480, 16}, {640, 480, 16}, {640, 480, 8}, {640, 480, 16}};
+    SetScreenModes(modes);
     ASSERT_TRUE(OpenFrontEnd());
     EXPECT_EQ(DisplayModeCount, 3);
     CloseDisplay();
     for (uint32_t i = 0; i < 200; i++)
         modes.push_back({1000 + i, 1000, 16});
-    SetDisplayModes(modes);
+    SetScreenModes(modes);
     for (int i = 0; i < 2; i++) {
         ASSERT_TRUE(OpenFrontEnd());
         EXPECT_EQ(DisplayModeCount, DISPLAY_MODE_LIMIT);
