@@ -73,7 +73,8 @@ TEST_F(Run, TheKeysOfTheCommandLineArePressedOnce) {
 }
 
 TEST_F(Run, TheSameInputGivesTheSameTrace) {
-    const char* script = "3 down UP\n5 mouse 7 0\n9 up UP\n4 tap SPACE\n6 wait 500\n7 button left down\n";
+    const char* script =
+        "8 up UP\n8 down UP\n3 down UP\n5 mouse 7 0\n9 up UP\n4 tap SPACE\n6 wait 500\n7 button left down\n";
     EXPECT_EQ(Play(script, {"--frames", "10"}).status, 3);
     const std::string trace = folder_.Read("trace");
     EXPECT_EQ(Lines(trace).size(), 10u);
@@ -126,9 +127,9 @@ TEST_F(Run, AScriptThatLeadsNowhereEndsByItself) {
         {"# nothing\n", 3},
         {"100ms tap SPACE\n", 0},
         {"100ms tap SPACE\n200ms tap F2\n", 0},
-        {"100ms tap SPACE\n200ms tap F2\n300ms tap F11\n", 3},
+        {"100ms tap SPACE\n200ms tap F12\n300ms tap F11\n", 3},
         {"50 quit\n", 3},
-        {"100ms tap SPACE\n90000ms tap F2\n100000ms tap F12\n100100ms quit\n", 3},
+        {"100ms tap SPACE\n90000ms tap F12\n100000ms tap F11\n100100ms quit\n", 3},
     };
     for (const auto& [script, status] : CASES) {
         folder_.Write("script", script);
