@@ -79,13 +79,17 @@ double NearestHit(const std::vector<WorldFace>& faces, const Vec3& eye, const Ve
 }
 
 std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, size_t most) {
+    constexpr double EYE_HEIGHT = 60;
     std::vector<Vec3> floors;
     for (const WorldFace& face : faces) {
-        if (face.Up() > WALKABLE) floors.push_back(face.Centre() + Vec3{0, 60, 0});
+        if (face.Up() > WALKABLE) floors.push_back(face.Centre());
     }
     std::vector<Vec3> places = {StartOf(level)};
     const size_t step = floors.size() / most + 1;
-    for (size_t i = 0; i < floors.size(); i += step)
-        places.push_back(floors[i]);
+    for (size_t i = 0; i < floors.size(); i += step) {
+        // The top of a thing under a ceiling is no place for an eye: it would look out from inside the ceiling.
+        const bool hasRoom = NearestHit(faces, floors[i], {0, 1, 0}, 0) > EYE_HEIGHT;
+        if (hasRoom) places.push_back(floors[i] + Vec3{0, EYE_HEIGHT, 0});
+    }
     return places;
 }

@@ -50,5 +50,5 @@ struct WorldFace {
 
 std::vector<WorldFace> FacesOf(const WorldFile& world);
 double NearestHit(const std::vector<WorldFace>& faces, const Vec3& eye, const Vec3& direction, double margin);
-// Up to `most` places 60 above floors, spread over the level; the start is the first.
+// Up to `most` places 60 above floors that have the room, spread over the level; the start is the first.
 std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, size_t most);
