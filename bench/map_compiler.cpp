@@ -18,8 +18,8 @@ size_t AddMap(Rounds& rounds, const MapBuilder& builder) {
 
 int main() {
     Rounds rounds;
-    const size_t small = AddMap(rounds, GeneratedRooms(6).Key("subdivide", "0"));
-    const size_t large = AddMap(rounds, GeneratedRooms(13).Key("subdivide", "0"));
+    const size_t small = AddMap(rounds, GeneratedRooms(5).Key("subdivide", "0"));
+    const size_t large = AddMap(rounds, GeneratedRooms(10).Key("subdivide", "0"));
     rounds.Run(7);
     rounds.Print(small);
     rounds.Print(large);

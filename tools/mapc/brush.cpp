@@ -97,6 +97,9 @@ private:
             if (!brush.sides[i].winding.empty()) Paint(brush.sides[i], *faces[i], cornerLight);
         }
         std::erase_if(brush.sides, [](const BrushSide& side) { return side.winding.empty(); });
+        std::stable_sort(brush.sides.begin(), brush.sides.end(), [&](const BrushSide& a, const BrushSide& b) {
+            return std::abs(out_.planes[a.plane].normal.z) < std::abs(out_.planes[b.plane].normal.z);
+        });
         out_.list.push_back(std::move(brush));
     }
 
@@ -138,7 +141,6 @@ private:
         if (material.flags & MATERIAL_SKY) return;
         FaceTexture texture = TextureOf(face, out_.planes[side.plane].normal, material);
         texture.cornerLight = cornerLight;
-        PlaceTexture(texture, side.winding);
         side.texture = static_cast<int>(out_.textures.size());
         out_.textures.push_back(texture);
     }

@@ -4,13 +4,15 @@
 
 namespace {
 
-constexpr size_t CANDIDATES_MAX = 40;   // planes tried at a node
+constexpr size_t CANDIDATES_MAX = 100;  // planes tried at a node
 constexpr size_t ORDER_TEST_MAX = 400;  // more faces than this are never order-free
 constexpr double GRID = 1024;           // planes on this grid are tried where many faces spread beyond it
 constexpr size_t GRID_FACES_MIN = 100;
-constexpr double SPLIT_COST = 8;  // against one face of imbalance
-constexpr double SLOPE_COST = 4;  // of a plane that is not axial
+constexpr double SPLIT_COST = 20;  // against one face of imbalance
+constexpr double SLOPE_COST = 4;   // of a plane that is not axial
 constexpr double HIDDEN_SPLIT_COST = 1;
+constexpr double WALL_SPLIT_COST = 60;  // of a wall cut across: the player takes a low lower part for a step
+constexpr double STEEP = 0.2;           // greatest vertical part of a wall's normal
 
 enum class TreeKind { Sealing, Drawing };
 
@@ -149,7 +151,7 @@ private:
         for (const Face& face : faces)
             box.Add(face.box);
         std::vector<int> found;
-        for (int axis = 0; axis < 3; ++axis) {
+        for (int axis = 0; axis < 2; ++axis) {
             const double middle = std::floor(box.Centre()[axis] / GRID + 0.5) * GRID;
             if (middle <= box.min[axis] + SPLIT_EPSILON || middle >= box.max[axis] - SPLIT_EPSILON) continue;
             Vec3 normal;
@@ -157,6 +159,12 @@ private:
             found.push_back(planes_.Find(normal, middle));
         }
         return found;
+    }
+
+    double SplitCost(const Face& face, const Plane& plane) const {
+        const bool across = std::abs(plane.normal.z) > 1 - STEEP && std::abs(planes_[face.plane].normal.z) < STEEP;
+        if (across && kind_ == TreeKind::Drawing) return WALL_SPLIT_COST;
+        return face.hidden ? HIDDEN_SPLIT_COST : SPLIT_COST;
     }
 
     // Beyond the limit only as far as needed to know that it is. A plane that separates nothing costs everything.
@@ -180,7 +188,7 @@ private:
             case PlaneSide::Both:
                 ++front;
                 ++back;
-                splits += face.hidden ? HIDDEN_SPLIT_COST : SPLIT_COST;
+                splits += SplitCost(face, planes_[plane]);
                 if (splits + slope > limit) return splits + slope;
                 break;
             }

@@ -39,7 +39,7 @@ std::vector<Face> ReachableFaces(const MapFile& map, Brushes& brushes, const Pla
     const SealedSpace space(std::move(surface.sealing), brushes, start.origin);
     if (!space.LeakPath().empty()) RefuseLeak(map, space.LeakPath());
     std::erase_if(surface.visible, [&](const Face& face) { return !space.IsSeen(face); });
-    MergeFaces(surface.visible, brushes.planes);
+    MergeFaces(surface.visible, brushes);
     return std::move(surface.visible);
 }
 
@@ -109,7 +109,8 @@ CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materi
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
 
     Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes);
-    if (settings.subdivide > 0) TessellateFaces(tree, brushes.planes, settings.subdivide / settings.scale);
+    if (settings.subdivide > 0)
+        TessellateFaces(tree, brushes.planes, settings.subdivide / settings.scale, settings.scale);
     const Mesh mesh = MeshOf(tree, brushes);
     CheckMesh(map.name, tree, mesh);
     compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);

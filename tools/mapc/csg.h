@@ -6,7 +6,7 @@
 struct Face {
     Winding winding;
     int plane = 0;        // visible from its front
-    int texture = -1;     // into Brushes::textures; the same for all pieces of one brush side
+    int texture = -1;     // into Brushes::textures; -1: sky
     bool hidden = false;  // never drawn (clip), so the drawing order does not concern it
     Box box;
 

@@ -50,17 +50,32 @@ private:
         }
     }
 
-    // The engine's normals point the other way: into the solid.
     uint16_t PlaneOf(int id) {
         int& number = planeOfId_[static_cast<size_t>(id)];
         if (number < 0) number = AddPlane(id);
         return static_cast<uint16_t>(number);
     }
 
-    int AddPlane(int id) {
-        const WorldVector normal = Narrowed(-placement_.Turned(brushes_.planes[id].normal));
-        const Vec3 anchor = placement_.ToEngine(anchors_[static_cast<size_t>(id)]);
-        const double offset = -Dot({normal[0], normal[1], normal[2]}, anchor);
+    // Welding can turn the plane of a sliver, and a plane that disagrees with its corners has no solid behind it.
+    uint16_t PlaneOf(const MeshPolygon& polygon) {
+        constexpr double AGREES = 0.995;  // cosine
+        Winding winding;
+        for (const int vertex : polygon.corners)
+            winding.push_back(mesh_.vertices[static_cast<size_t>(vertex)]);
+        const Vec3 normal = WindingNormal(winding);
+        const double length = Length(normal);
+        if (length == 0 || Dot(normal, brushes_.planes[polygon.plane].normal) >= AGREES * length) {
+            return PlaneOf(polygon.plane);
+        }
+        return static_cast<uint16_t>(AddPlane(normal * (1 / length), WindingCentre(winding)));
+    }
+
+    int AddPlane(int id) { return AddPlane(brushes_.planes[id].normal, anchors_[static_cast<size_t>(id)]); }
+
+    // The engine's normals point the other way: into the solid.
+    int AddPlane(const Vec3& outward, const Vec3& place) {
+        const WorldVector normal = Narrowed(-placement_.Turned(outward));
+        const double offset = -Dot({normal[0], normal[1], normal[2]}, placement_.ToEngine(place));
         const WorldPlane plane{normal, static_cast<float>(offset) + 0.0F};
         const auto [entry, isNew] =
             planeNumbers_.try_emplace({normal[0], normal[1], normal[2], plane.offset}, world_.planes.size());
@@ -111,7 +126,7 @@ private:
         polygon.texture = static_cast<uint8_t>(texture.material->slot);
         polygon.shading = texture.cornerLight ? WORLD_CORNER_LIGHT : WORLD_POINT_LIGHT;
         polygon.firstCorner = static_cast<uint16_t>(world_.corners.size());
-        polygon.plane = PlaneOf(source.plane);
+        polygon.plane = PlaneOf(source);
         for (const int vertex : source.corners) {
             const Vec3& p = mesh_.vertices[static_cast<size_t>(vertex)];
             world_.corners.push_back({PointOf(vertex, source.plane), static_cast<float>(texture.U(p)) + 0.0F,

@@ -1,5 +1,9 @@
 #include "mapc/merge.h"
 
+#include "mapc/box_grid.h"
+#include "mapc/welding.h"
+
+#include <map>
 #include <optional>
 
 namespace {
@@ -7,75 +11,191 @@ namespace {
 constexpr double SAME_POINT = 0.01;
 constexpr double CONVEX_TOLERANCE = 1e-6;  // sine of the turn at a corner
 
-bool Same(const Vec3& a, const Vec3& b) {
-    return LengthSquared(a - b) < SAME_POINT * SAME_POINT;
-}
+using Corners = std::vector<int>;
 
-// Whether the corner b between a and c turns left, or goes straight, seen from the front.
-bool IsConvex(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& normal) {
-    const Vec3 in = b - a;
-    const Vec3 out = c - b;
-    return Dot(Cross(in, out), normal) >= -CONVEX_TOLERANCE * Length(in) * Length(out);
-}
-
-const Vec3& At(const Winding& winding, size_t i) {
-    return winding[i % winding.size()];
-}
-
-// a's edge i runs against b's edge j: b's other corners replace it.
-std::optional<Winding> Join(const Winding& a, size_t i, const Winding& b, size_t j, const Vec3& normal) {
-    if (!IsConvex(At(a, i + a.size() - 1), At(a, i), At(b, j + 2), normal)) return std::nullopt;
-    if (!IsConvex(At(b, j + b.size() - 1), At(b, j), At(a, i + 2), normal)) return std::nullopt;
-    Winding joined;
-    for (size_t k = 1; k <= a.size(); ++k)
-        joined.push_back(At(a, i + k));
-    for (size_t k = 2; k < b.size(); ++k)
-        joined.push_back(At(b, j + k));
-    RemoveStraightCorners(joined);
-    return joined;
-}
-
-std::optional<Winding> Join(const Winding& a, const Winding& b, const Vec3& normal) {
-    for (size_t i = 0; i < a.size(); ++i) {
-        for (size_t j = 0; j < b.size(); ++j) {
-            if (!Same(At(a, i), At(b, j + 1)) || !Same(At(a, i + 1), At(b, j))) continue;
-            if (auto joined = Join(a, i, b, j, normal)) return joined;
+// The faces of one plane and one way of painting.
+class Group {
+public:
+    Group(const std::vector<Face>& faces, const std::vector<size_t>& members, const Vec3& normal) : normal_(normal) {
+        Welder welder(vertices_, SAME_POINT);
+        for (const size_t member : members) {
+            Corners corners;
+            for (const Vec3& p : faces[member].winding)
+                corners.push_back(welder.Find(p));
+            outlines_.push_back(std::move(corners));
         }
     }
-    return std::nullopt;
-}
 
-// Each piece in turn takes in all that it can.
-void MergeSide(std::vector<Face>& pieces, const PlaneTable& planes) {
-    for (size_t i = 0; i < pieces.size(); ++i) {
-        for (size_t j = 0; j < pieces.size();) {
-            const bool near = i != j && pieces[i].box.Touches(pieces[j].box, SAME_POINT);
-            auto joined = near ? Join(pieces[i].winding, pieces[j].winding, planes[pieces[i].plane].normal)
-                               : std::optional<Winding>();
-            if (!joined) {
-                ++j;
-                continue;
+    // Each face in turn takes in all neighbours that it can.
+    std::vector<Winding> Merge() {
+        for (size_t i = 0; i < outlines_.size(); ++i)
+            ListEdges(i);
+        for (size_t i = 0; i < outlines_.size(); ++i) {
+            while (TakeNeighbour(i)) {
             }
-            pieces[i] = Face(std::move(*joined), pieces[i].plane, pieces[i].texture, pieces[i].hidden);
-            pieces.erase(pieces.begin() + static_cast<std::ptrdiff_t>(j));
-            if (j < i) --i;
-            j = 0;
+        }
+        std::vector<Winding> merged;
+        for (const Corners& corners : outlines_) {
+            if (corners.empty()) continue;
+            Winding winding;
+            for (const int corner : corners)
+                winding.push_back(vertices_[static_cast<size_t>(corner)]);
+            RemoveStraightCorners(winding);
+            if (winding.size() >= 3) merged.push_back(std::move(winding));
+        }
+        return merged;
+    }
+
+private:
+    void ListEdges(size_t i) {
+        const Corners& corners = outlines_[i];
+        for (size_t k = 0; k < corners.size(); ++k)
+            edges_[{corners[k], At(corners, k + 1)}] = i;
+    }
+
+    bool TakeNeighbour(size_t i) {
+        for (size_t k = 0; k < outlines_[i].size(); ++k) {
+            const auto found = edges_.find({At(outlines_[i], k + 1), outlines_[i][k]});
+            if (found == edges_.end() || found->second == i || outlines_[found->second].empty()) continue;
+            const size_t j = found->second;
+            const std::optional<Corners> joined = Join(outlines_[i], k, outlines_[j]);
+            if (!joined) continue;
+            edges_.erase({outlines_[i][k], At(outlines_[i], k + 1)});
+            edges_.erase(found);
+            outlines_[i] = *joined;
+            outlines_[j].clear();
+            ListEdges(i);
+            return true;
+        }
+        return false;
+    }
+
+    // b runs along a's edge k the other way: b's other corners replace that edge.
+    std::optional<Corners> Join(const Corners& a, size_t k, const Corners& b) const {
+        size_t j = 0;
+        while (b[j] != At(a, k + 1) || At(b, j + 1) != a[k]) {
+            if (++j == b.size()) return std::nullopt;
+        }
+        if (!IsConvex(At(a, k + a.size() - 1), a[k], At(b, j + 2))) return std::nullopt;
+        if (!IsConvex(At(b, j + b.size() - 1), b[j], At(a, k + 2))) return std::nullopt;
+        Corners joined;
+        for (size_t n = 1; n <= a.size(); ++n)
+            joined.push_back(At(a, k + n));
+        for (size_t n = 2; n < b.size(); ++n)
+            joined.push_back(At(b, j + n));
+        DropStraight(joined);
+        return joined;
+    }
+
+    // Corners in the middle of a straight edge would hide that the edge is shared with a whole neighbour.
+    void DropStraight(Corners& corners) const {
+        for (size_t i = 0; i < corners.size() && corners.size() > 3;) {
+            const Vec3& before = Vertex(At(corners, i + corners.size() - 1));
+            const Vec3 along = Vertex(At(corners, i + 1)) - before;
+            const Vec3 across = Cross(along, Vertex(corners[i]) - before);
+            if (LengthSquared(across) < SAME_POINT * SAME_POINT * 0.01 * LengthSquared(along)) {
+                corners.erase(corners.begin() + static_cast<std::ptrdiff_t>(i));
+                i = 0;
+            } else {
+                ++i;
+            }
         }
     }
+
+    bool IsConvex(int a, int b, int c) const {
+        const Vec3 in = Vertex(b) - Vertex(a);
+        const Vec3 out = Vertex(c) - Vertex(b);
+        return Dot(Cross(in, out), normal_) >= -CONVEX_TOLERANCE * Length(in) * Length(out);
+    }
+
+    const Vec3& Vertex(int number) const { return vertices_[static_cast<size_t>(number)]; }
+    static int At(const Corners& corners, size_t i) { return corners[i % corners.size()]; }
+
+    Vec3 normal_;
+    std::vector<Vec3> vertices_;
+    std::vector<Corners> outlines_;  // empty: taken in by another
+    // From corner to corner: the outline. Edges that have vanished may still be listed.
+    std::map<std::pair<int, int>, size_t> edges_;
+};
+
+// Sets of windings that touch each other, directly or through others.
+std::vector<std::vector<size_t>> TouchingSets(const std::vector<Winding>& windings) {
+    std::vector<Box> boxes;
+    for (const Winding& winding : windings)
+        boxes.push_back(WindingBox(winding));
+    const BoxGrid grid(boxes);
+    std::vector<char> taken(windings.size(), 0);
+    std::vector<std::vector<size_t>> sets;
+    std::vector<int> near;
+    for (size_t i = 0; i < windings.size(); ++i) {
+        if (taken[i]) continue;
+        taken[i] = 1;
+        std::vector<size_t> set{i};
+        for (size_t at = 0; at < set.size(); ++at) {
+            grid.Find(boxes[set[at]], SAME_POINT, near);
+            for (const int next : near) {
+                if (taken[static_cast<size_t>(next)]) continue;
+                taken[static_cast<size_t>(next)] = 1;
+                set.push_back(static_cast<size_t>(next));
+            }
+        }
+        sets.push_back(std::move(set));
+    }
+    return sets;
 }
+
+class Merger {
+public:
+    Merger(const std::vector<Face>& faces, Brushes& brushes) : faces_(faces), brushes_(brushes) {}
+
+    std::vector<Face> Merge() {
+        std::map<int, std::vector<std::vector<size_t>>> groupsOfPlane;
+        for (size_t i = 0; i < faces_.size(); ++i)
+            AddTo(groupsOfPlane[faces_[i].plane], i);
+        std::vector<Face> merged;
+        for (const auto& [plane, groups] : groupsOfPlane) {
+            for (const std::vector<size_t>& members : groups)
+                MergeGroup(members, merged);
+        }
+        return merged;
+    }
+
+private:
+    void AddTo(std::vector<std::vector<size_t>>& groups, size_t face) const {
+        for (std::vector<size_t>& group : groups) {
+            if (!PaintAlike(TextureOf(group[0]), TextureOf(face))) continue;
+            group.push_back(face);
+            return;
+        }
+        groups.push_back({face});
+    }
+
+    const FaceTexture& TextureOf(size_t face) const {
+        return brushes_.textures[static_cast<size_t>(faces_[face].texture)];
+    }
+
+    void MergeGroup(const std::vector<size_t>& members, std::vector<Face>& merged) {
+        const Face& first = faces_[members[0]];
+        std::vector<Winding> windings = Group(faces_, members, brushes_.planes[first.plane].normal).Merge();
+        for (const std::vector<size_t>& set : TouchingSets(windings)) {
+            std::vector<const Winding*> touching;
+            for (const size_t i : set)
+                touching.push_back(&windings[i]);
+            FaceTexture texture = TextureOf(members[0]);
+            PlaceTexture(texture, touching);
+            const int number = static_cast<int>(brushes_.textures.size());
+            brushes_.textures.push_back(texture);
+            for (const size_t i : set)
+                merged.emplace_back(std::move(windings[i]), first.plane, number, first.hidden);
+        }
+    }
+
+    const std::vector<Face>& faces_;
+    Brushes& brushes_;
+};
 
 }  // namespace
 
-void MergeFaces(std::vector<Face>& faces, const PlaneTable& planes) {
-    std::vector<Face> merged;
-    std::vector<Face> side;
-    for (size_t i = 0; i < faces.size(); ++i) {
-        side.push_back(std::move(faces[i]));
-        if (i + 1 < faces.size() && faces[i + 1].texture == side[0].texture) continue;
-        MergeSide(side, planes);
-        for (Face& face : side)
-            merged.push_back(std::move(face));
-        side.clear();
-    }
-    faces = std::move(merged);
+void MergeFaces(std::vector<Face>& faces, Brushes& brushes) {
+    faces = Merger(faces, brushes).Merge();
 }

@@ -1,6 +1,7 @@
-// Puts the pieces of brush sides together again where they form a convex face.
+// Puts faces together that lie in one plane, are painted alike and form a convex face, whatever brushes they come from.
 #pragma once
 
 #include "mapc/csg.h"
 
-void MergeFaces(std::vector<Face>& faces, const PlaneTable& planes);
+// Gives the faces new textures (added to brushes), which are placed: see PlaceTexture.
+void MergeFaces(std::vector<Face>& faces, Brushes& brushes);

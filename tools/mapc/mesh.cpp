@@ -1,73 +1,13 @@
 #include "mapc/mesh.h"
 
-#include <cstdint>
+#include "mapc/welding.h"
+
 #include <optional>
-#include <unordered_map>
 
 namespace {
 
 constexpr double ON_EDGE = 0.15;  // a vertex nearer to an edge lies on it; more than welding can move it
 constexpr double NEAR_EDGE = 1;   // a vertex farther from an edge lies on none of its parts
-
-uint64_t CellKey(int64_t x, int64_t y, int64_t z) {
-    constexpr uint64_t MASK = (uint64_t{1} << 21) - 1;
-    return (static_cast<uint64_t>(x) & MASK) | ((static_cast<uint64_t>(y) & MASK) << 21) |
-           ((static_cast<uint64_t>(z) & MASK) << 42);
-}
-
-// Points by cells of space. Only ever looked up, so its order does not matter.
-class PointCells {
-public:
-    explicit PointCells(double size) : size_(size) {}
-
-    // The borders of the cells avoid the whole numbers, where most points lie.
-    int64_t CellOf(double coordinate) const { return static_cast<int64_t>(std::floor(coordinate / size_ + 0.3)); }
-    void Add(const Vec3& p, int number) { cells_[CellKey(CellOf(p.x), CellOf(p.y), CellOf(p.z))].push_back(number); }
-
-    template <class Use>
-    void ForEach(const Box& box, Use use) const {
-        for (int64_t z = CellOf(box.min.z); z <= CellOf(box.max.z); ++z) {
-            for (int64_t y = CellOf(box.min.y); y <= CellOf(box.max.y); ++y) {
-                for (int64_t x = CellOf(box.min.x); x <= CellOf(box.max.x); ++x) {
-                    const auto found = cells_.find(CellKey(x, y, z));
-                    if (found == cells_.end()) continue;
-                    for (const int number : found->second)
-                        use(number);
-                }
-            }
-        }
-    }
-
-    double Size() const { return size_; }
-
-private:
-    double size_;
-    std::unordered_map<uint64_t, std::vector<int>> cells_;
-};
-
-class Welder {
-public:
-    explicit Welder(std::vector<Vec3>& vertices) : vertices_(vertices) {}
-
-    int Find(const Vec3& p) {
-        int best = -1;
-        double bestDistance = WELD_DISTANCE * WELD_DISTANCE;
-        cells_.ForEach(Box{p, p}.Grown(WELD_DISTANCE), [&](int number) {
-            const double distance = LengthSquared(vertices_[static_cast<size_t>(number)] - p);
-            if (distance > bestDistance || (distance == bestDistance && best >= 0)) return;
-            best = number;
-            bestDistance = distance;
-        });
-        if (best >= 0) return best;
-        vertices_.push_back(p);
-        cells_.Add(p, static_cast<int>(vertices_.size() - 1));
-        return static_cast<int>(vertices_.size() - 1);
-    }
-
-private:
-    std::vector<Vec3>& vertices_;
-    PointCells cells_{4};
-};
 
 class JunctionFiller {
 public:
@@ -133,9 +73,9 @@ private:
         for (const int number : near_) {
             if (number == from || number == to) continue;
             const Vec3 offset = Vertex(number) - a;
-            const double at = Dot(offset, direction);
-            if (at < ON_EDGE || at > length - ON_EDGE) continue;
-            const double distance = LengthSquared(offset - direction * at);
+            // Both parts are shorter than the whole, or this would not end.
+            if (LengthSquared(offset) >= length * length || LengthSquared(offset - along) >= length * length) continue;
+            const double distance = LengthSquared(offset - direction * Dot(offset, direction));
             if (distance > bestDistance || (distance == bestDistance && best && *best <= number)) continue;
             best = number;
             bestDistance = distance;
@@ -172,7 +112,7 @@ void RemoveSpikes(std::vector<int>& corners) {
 Mesh WeldMesh(const Tree& tree) {
     Mesh mesh;
     mesh.leaves.resize(tree.leaves.size());
-    Welder welder(mesh.vertices);
+    Welder welder(mesh.vertices, WELD_DISTANCE);
     for (const bool hidden : {false, true}) {  // drawn corners first: the others follow them
         for (size_t i = 0; i < tree.leaves.size(); ++i) {
             for (const Face& face : tree.leaves[i]) {

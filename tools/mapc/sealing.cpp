@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr double MARGIN = 64;            // of empty space around the map
-constexpr double PORTAL_AREA_MIN = 0.1;  // what is smaller lets nothing through
-constexpr double SEEN_AREA_MIN = 0.05;
+constexpr double MARGIN = 64;             // of empty space around the map
+constexpr double PORTAL_AREA_MIN = 0.1;   // what is smaller lets nothing through
+constexpr double SEEN_AREA_MIN = 0.05;    // of a face; a smaller face must border on it with its half
 constexpr double SOLID_TOLERANCE = 0.01;  // a point on the seam of two brushes is solid
 
 std::array<Plane, 6> SidesOf(const Box& box) {
@@ -188,12 +188,12 @@ void SealedSpace::TracePath(int leaf, const Vec3& start) {
 }
 
 bool SealedSpace::IsSeen(const Face& face) const {
-    return SeesFlood(0, face.winding, face.plane);
+    return SeesFlood(0, face.winding, face.plane, std::min(SEEN_AREA_MIN, WindingArea(face.winding) * 0.5));
 }
 
-bool SealedSpace::SeesFlood(int child, const Winding& winding, int plane) const {
+bool SealedSpace::SeesFlood(int child, const Winding& winding, int plane, double areaMin) const {
     if (child < 0) {
-        return leaves_[static_cast<size_t>(~child)].flooded && WindingArea(winding) >= SEEN_AREA_MIN;
+        return leaves_[static_cast<size_t>(~child)].flooded && WindingArea(winding) >= areaMin;
     }
     const TreeNode& node = tree_.nodes[static_cast<size_t>(child)];
     Winding front;
@@ -201,8 +201,8 @@ bool SealedSpace::SeesFlood(int child, const Winding& winding, int plane) const 
     if ((node.plane | 1) != (plane | 1)) SplitWinding(winding, planes_[node.plane], front, back);
     if (front.empty() && back.empty()) {
         const bool facesFront = Dot(planes_[plane].normal, planes_[node.plane].normal) > 0;
-        return SeesFlood(facesFront ? node.front : node.back, winding, plane);
+        return SeesFlood(facesFront ? node.front : node.back, winding, plane, areaMin);
     }
-    return (!front.empty() && SeesFlood(node.front, front, plane)) ||
-           (!back.empty() && SeesFlood(node.back, back, plane));
+    return (!front.empty() && SeesFlood(node.front, front, plane, areaMin)) ||
+           (!back.empty() && SeesFlood(node.back, back, plane, areaMin));
 }

@@ -36,7 +36,7 @@ private:
     int LeafAt(const Vec3& p) const;
     void Flood(const Vec3& start);
     void TracePath(int leaf, const Vec3& start);
-    bool SeesFlood(int child, const Winding& winding, int plane) const;
+    bool SeesFlood(int child, const Winding& winding, int plane, double areaMin) const;
 
     PlaneTable& planes_;
     Tree tree_;

@@ -3,6 +3,6 @@
 
 #include "mapc/bsp_tree.h"
 
-// grid: map units. Faces that are walls are not cut across their height: the lower part of such a wall
-// would be taken for a step.
-void TessellateFaces(Tree& tree, const PlaneTable& planes, double grid);
+// grid: map units. scale: engine units per map unit. A wall is cut across its height only where nobody can stand or
+// fall by: the player takes the part below such a cut for a step when it ends less than 50 engine units above him.
+void TessellateFaces(Tree& tree, const PlaneTable& planes, double grid, double scale);

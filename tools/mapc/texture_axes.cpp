@@ -42,13 +42,23 @@ Vec3 Rotated(Vec3 v, int first, int second, const SineCosine& turn) {
 }
 
 // Least and greatest texel coordinate of the corners.
-std::array<double, 2> RangeOf(const Winding& winding, const Vec3& axis, double offset) {
+std::array<double, 2> RangeOf(const std::vector<const Winding*>& windings, const Vec3& axis, double offset) {
     std::array<double, 2> range{std::numeric_limits<double>::max(), -std::numeric_limits<double>::max()};
-    for (const Vec3& p : winding) {
-        range[0] = std::min(range[0], Dot(p, axis) + offset);
-        range[1] = std::max(range[1], Dot(p, axis) + offset);
+    for (const Winding* winding : windings) {
+        for (const Vec3& p : *winding) {
+            range[0] = std::min(range[0], Dot(p, axis) + offset);
+            range[1] = std::max(range[1], Dot(p, axis) + offset);
+        }
     }
     return range;
+}
+
+bool IsWholeNumber(double number) {
+    return std::abs(number - std::floor(number + 0.5)) < 1e-6;
+}
+
+bool SameAxis(const Vec3& a, const Vec3& b) {
+    return LengthSquared(a - b) < 1e-16;
 }
 
 // The shift in texels; sets fits when the range is exactly one repeat.
@@ -87,13 +97,19 @@ FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& m
     return texture;
 }
 
-void PlaceTexture(FaceTexture& texture, const Winding& winding) {
+bool PaintAlike(const FaceTexture& a, const FaceTexture& b) {
+    return a.material == b.material && a.cornerLight == b.cornerLight && SameAxis(a.uAxis, b.uAxis) &&
+           SameAxis(a.vAxis, b.vAxis) && IsWholeNumber((a.uOffset - b.uOffset) / a.material->width) &&
+           IsWholeNumber((a.vOffset - b.vOffset) / a.material->height);
+}
+
+void PlaceTexture(FaceTexture& texture, const std::vector<const Winding*>& windings) {
     const double width = texture.material->width;
     const double height = texture.material->height;
     bool fitsU = false;
     bool fitsV = false;
-    texture.uOffset -= RepeatShift(RangeOf(winding, texture.uAxis, texture.uOffset), width, fitsU);
-    texture.vOffset -= RepeatShift(RangeOf(winding, texture.vAxis, texture.vOffset), height, fitsV);
+    texture.uOffset -= RepeatShift(RangeOf(windings, texture.uAxis, texture.uOffset), width, fitsU);
+    texture.vOffset -= RepeatShift(RangeOf(windings, texture.vAxis, texture.vOffset), height, fitsV);
     if (fitsU && fitsV) {
         Inset(texture.uAxis, texture.uOffset, width);
         Inset(texture.vAxis, texture.vOffset, height);

@@ -21,6 +21,9 @@ struct FaceTexture {
 
 // The face's own axes, or those that its direction and rotation give.
 FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& material);
-// Moves the texture by whole repeats so that the coordinates of the face stay small, and keeps a picture that fits the
-// face exactly half a texel inside its border, where neither wrapping nor filtering reaches the opposite side.
-void PlaceTexture(FaceTexture& texture, const Winding& winding);
+// Whether two textures paint every place alike, apart from whole repeats.
+bool PaintAlike(const FaceTexture& a, const FaceTexture& b);
+// Moves the texture by whole repeats so that the coordinates of the faces stay small, and keeps a picture that fits
+// them exactly half a texel inside its border, where neither wrapping nor filtering reaches the opposite side. The
+// accelerator's repeats are a little short, so faces that continue each other must be moved together.
+void PlaceTexture(FaceTexture& texture, const std::vector<const Winding*>& windings);

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr int ROOM = 640;  // from wall to wall
+constexpr int ROOM = 1008;  // from wall to wall
 constexpr int WALL = 32;
 constexpr int HEIGHT = 512;
 
@@ -14,16 +14,14 @@ public:
         const int x = column * ROOM;
         const int y = row * ROOM;
         const int height = HEIGHT - Next(3) * 64;
-        map_.Box({x, y, -32}, {x + ROOM, y + ROOM, 0}, "floor");
-        map_.Box({x, y, height}, {x + ROOM, y + ROOM, HEIGHT + 32}, "ceiling");
+        Tiles({x, y, -32}, 0, "floor");
+        Tiles({x, y, height}, HEIGHT + 32, "ceiling");
         // The west and south walls; the room beyond has the others.
         Wall({x, y, 0}, {x + WALL, y + ROOM, height}, column > 0, 1);
         Wall({x + WALL, y, 0}, {x + ROOM, y + WALL, height}, row > 0, 0);
-        Pillars(x, y, height);
+        Pillar(x, y, height);
         Stairs(x + WALL, y + WALL);
-        const int crate = 32 + 16 * Next(4);
-        map_.Box({x + 440, y + 440, 0}, {x + 440 + crate, y + 440 + crate, crate}, "tall");
-        map_.TurnedBox({x + 520, y + 300, 0}, {x + 520 + crate, y + 300 + crate, 64}, "tall");
+        if (Next(2) == 0) map_.Box({x + 800, y + 800, 0}, {x + 848, y + 848, 48}, "tall");
     }
 
     void CloseEastAndNorth() {
@@ -38,41 +36,40 @@ private:
         return static_cast<int>((state_ >> 16) % static_cast<unsigned>(count));
     }
 
-    // With a doorway through its middle: two sides and a lintel.
-    void Wall(const Corner& low, const Corner& high, bool doorway, size_t along) {
-        if (!doorway) {
-            map_.Box(low, high);
-            return;
+    void Tiles(const Corner& low, int top, const std::string& texture) {
+        constexpr int TILE = ROOM / 3;
+        for (int i = 0; i < 9; ++i) {
+            const Corner at{low[0] + i % 3 * TILE, low[1] + i / 3 * TILE, low[2]};
+            map_.Box(at, {at[0] + TILE, at[1] + TILE, top}, texture);
         }
-        const int door = low[along] + 256 + 16 * Next(3);
-        Corner left = high;
-        left[along] = door;
-        Corner right = low;
-        right[along] = door + 128;
-        map_.Box(low, left).Box(right, high);
-        Corner lintelLow = low;
-        Corner lintelHigh = high;
-        lintelLow[along] = door;
-        lintelHigh[along] = door + 128;
-        lintelLow[2] = 256;
-        map_.Box(lintelLow, lintelHigh, "tall");
     }
 
-    void Pillars(int x, int y, int height) {
-        for (int i = 0; i < 4; ++i) {
-            const int at = x + 150 + (i % 2) * 300;
-            const int north = y + 200 + (i / 2) * 250 + Next(4) * 8;
-            if (i % 2 == 0) {
-                map_.TurnedBox({at, north, 0}, {at + 48, north + 48, height});
-            } else {
-                map_.Box({at, north, 0}, {at + 32, north + 32, height});
-            }
+    // With a doorway through its middle: two parts on each side, and a lintel.
+    void Wall(const Corner& low, const Corner& high, bool doorway, size_t along) {
+        const int door = low[along] + 384 + 16 * Next(3);
+        const int cuts[] = {low[along], low[along] + 192, door, door + 128, low[along] + 768, high[along]};
+        for (size_t i = 0; i < 5; ++i) {
+            Corner from = low;
+            Corner to = high;
+            from[along] = cuts[i];
+            to[along] = cuts[i + 1];
+            if (i == 2 && doorway) from[2] = 256;
+            map_.Box(from, to, i == 2 ? "tall" : "wall");
+        }
+    }
+
+    void Pillar(int x, int y, int height) {
+        const int at = 300 + Next(4) * 8;
+        if (Next(2) == 0) {
+            map_.TurnedBox({x + at, y + 600, 0}, {x + at + 48, y + 648, height});
+        } else {
+            map_.Box({x + 650, y + at, 0}, {x + 682, y + at + 32, height});
         }
     }
 
     void Stairs(int x, int y) {
-        for (int i = 0; i < 5; ++i)
-            map_.Box({x + i * 48, y, 0}, {x + i * 48 + 48, y + 96, 40 + i * 40}, "floor");
+        for (int i = 0; i < 3; ++i)
+            map_.Box({x + i * 48, y, 0}, {x + i * 48 + 48, y + 128, 40 + i * 40}, "floor");
     }
 
     MapBuilder& map_;
@@ -91,10 +88,10 @@ MapBuilder GeneratedRooms(int roomsPerSide) {
     }
     writer.CloseEastAndNorth();
     for (int i = 0; i < roomsPerSide; ++i) {
-        const std::string at = std::to_string(i * ROOM + 320);
-        map.Light(at + " 320 300");
+        const std::string at = std::to_string(i * ROOM + 500);
+        map.Light(at + " 500 300");
     }
-    return map.Start("320 320 64");
+    return map.Start("500 500 64");
 }
 
 int BrushCount(const MapBuilder& map) {

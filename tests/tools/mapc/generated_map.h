@@ -3,6 +3,6 @@
 
 #include "map_builder.h"
 
-// About 19 brushes a room.
+// About 32 brushes a room.
 MapBuilder GeneratedRooms(int roomsPerSide);
 int BrushCount(const MapBuilder& map);

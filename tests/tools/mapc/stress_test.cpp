@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-TEST(Generated, ThirtySixRoomsAreSound) {
-    const CompiledLevel level = Compile(GeneratedRooms(6));
+TEST(Generated, TwentyFiveRoomsAreSound) {
+    const CompiledLevel level = Compile(GeneratedRooms(5));
     EXPECT_EQ(OpenEdges(level.world), Findings{});
     EXPECT_EQ(TurnedPolygons(level.world), Findings{});
     EXPECT_EQ(OrderedLeaves(level.world), Findings{});

@@ -135,7 +135,7 @@ Findings TurnedPolygons(const WorldFile& world) {
         const std::vector<Vec3> corners = CornersOf(world, world.polygons[i]);
         if (Dot(Normal(corners), Widened(plane.normal)) < 0.99) findings.push_back(fmt::format("winding of {}", i));
         for (const Vec3& p : corners) {
-            if (std::abs(Distance(plane, p)) > 0.12) findings.push_back(fmt::format("corner of {} off its plane", i));
+            if (std::abs(Distance(plane, p)) > 0.2) findings.push_back(fmt::format("corner of {} off its plane", i));
         }
         const Vec3 first = Cross(corners[1] - corners[0], corners[2] - corners[0]);
         if (Length(first) < 1e-3) findings.push_back(fmt::format("first corners of {} on a line", i));
@@ -254,11 +254,37 @@ Findings MisplacedPolygons(const WorldFile& world) {
     return walk.findings;
 }
 
-double FloorAt(const WorldFile& world, double x, double z) {
+Findings FalseSteps(const WorldFile& world) {
+    std::map<std::pair<std::pair<uint32_t, uint32_t>, uint16_t>, size_t> edges;  // points are shared within a plane
+    for (size_t i = 0; i < world.polygons.size(); ++i) {
+        const WorldPolygon& polygon = world.polygons[i];
+        for (size_t k = 0; k < polygon.cornerCount; ++k) {
+            const uint32_t from = world.corners[polygon.firstCorner + k].point;
+            const uint32_t to = world.corners[polygon.firstCorner + (k + 1) % polygon.cornerCount].point;
+            edges[{{from, to}, polygon.plane}] = i;
+        }
+    }
+    Findings findings;
+    for (const auto& [edge, polygon] : edges) {
+        const auto& [ends, plane] = edge;
+        const Vec3 normal = Widened(world.planes[plane].normal);
+        const Vec3 a = Widened(world.points[ends.first].position);
+        const Vec3 b = Widened(world.points[ends.second].position);
+        const bool cut = edges.contains({{ends.second, ends.first}, plane});
+        const bool top = Cross(b - a, normal).y > 0.5 * Length(b - a);
+        if (std::abs(normal.y) >= 0.2 || !cut || !top || Length(b - a) < 1) continue;
+        const Vec3 foot = (a + b) * 0.5 - normal * 20;
+        const double above = foot.y - FloorAt(world, foot.x, foot.z, foot.y + 1);
+        if (above > 1 && above < 50) findings.push_back(fmt::format("({} {} {}) {}", foot.x, foot.y, foot.z, above));
+    }
+    return findings;
+}
+
+double FloorAt(const WorldFile& world, double x, double z, double limit) {
     double highest = -1e9;
     for (const WorldPolygon& polygon : world.polygons) {
-        const double at = Hit(world, polygon, {x, 1e5, z}, {0, -1, 0});
-        if (at >= 0) highest = std::max(highest, 1e5 - at);
+        const double at = Hit(world, polygon, {x, limit, z}, {0, -1, 0});
+        if (at >= 0) highest = std::max(highest, limit - at);
     }
     return highest;
 }
