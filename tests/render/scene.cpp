@@ -124,7 +124,7 @@ bool GuardsAreIntact() {
 
 void LoadTextures(const std::vector<uint8_t>& file) {
     File = file;
-    Pool.assign(4 << 20, 0x55);
+    Pool.assign(file.size() + 2048, 0x55);
     PoolInit(Pool.data(), Pool.data() + Pool.size());
     LoadTextureFile(0);
 }
