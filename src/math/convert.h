@@ -4,16 +4,20 @@
 #include <cstdint>
 #include <limits>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
+#ifdef __x86_64__
 
+// Not the intrinsics: for a value known while compiling, g++ works them out by another rule than the processor's.
 inline int32_t TruncToInt(double value) {
-    return _mm_cvttsd_si32(_mm_set_sd(value));
+    int32_t result;
+    asm("cvttsd2si %1, %0" : "=r"(result) : "x"(value));
+    return result;
 }
 
 // To the nearest, ties to even.
 inline int32_t RoundToInt(double value) {
-    return _mm_cvtsd_si32(_mm_set_sd(value));
+    int32_t result;
+    asm("cvtsd2si %1, %0" : "=r"(result) : "x"(value));
+    return result;
 }
 
 #else

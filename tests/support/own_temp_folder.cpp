@@ -1,5 +1,6 @@
-// Linked into every test program: testing::TempDir() is a fresh folder of this process, so that tests that run at the
-// same time do not meet in their files. It is gone when the process, not a fork of it, ends.
+// Linked into every test program: testing::TempDir() and std::filesystem::temp_directory_path() are a fresh folder of
+// this process, so that tests that run at the same time do not meet in their files. It is gone when the process, not a
+// fork of it, ends.
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -13,7 +14,9 @@ pid_t Owner;
 // Ahead of all static objects: some of them ask for the folder.
 [[gnu::constructor(101)]] void MakeFolder() {
     Owner = getpid();
-    if (mkdtemp(Folder) != nullptr) setenv("TEST_TMPDIR", Folder, 1);
+    if (mkdtemp(Folder) == nullptr) return;
+    setenv("TEST_TMPDIR", Folder, 1);
+    setenv("TMPDIR", Folder, 1);
 }
 
 struct RemoveAtExit {
