@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto CLOCK_NAP = 200us;   // of a loop that reads the clock until it moves
-constexpr auto KEYBOARD_NAP = 1ms;  // of a loop that polls the keyboard until a key is down
+constexpr auto KEYBOARD_NAP = 2ms;  // of a loop that polls the keyboard until a key is down
 constexpr int WAIT_SLICE_MS = 20;
 
 Options startOptions;
