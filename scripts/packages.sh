@@ -19,7 +19,6 @@ module  imagequant   libimagequant-dev
 module  freetype2    libfreetype-dev
 module  tomlplusplus libtomlplusplus-dev
 font    DejaVuSans   fonts-dejavu-core
-font    DejaVuSerif-Bold fonts-dejavu-core
 "
 CHECK="
 program clang++      clang
@@ -35,7 +34,6 @@ present() {  # kind name
     program) command -v "$2" >/dev/null ;;
     module) command -v pkg-config >/dev/null && pkg-config --exists "$2" ;;
     font) find /usr/share/fonts -name "$2.ttf" 2>/dev/null | grep -q . ;;
-    font) [ -n "$(find /usr/share/fonts -name "$2.ttf" -print -quit 2>/dev/null)" ] ;;
     runtime) ! command -v clang++ >/dev/null || ls "$(clang++ -print-runtime-dir)/libclang_rt.$2"* >/dev/null 2>&1 ;;
     esac
 }
