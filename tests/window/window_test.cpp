@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace {
 
@@ -19,6 +22,30 @@ protected:
     std::string Output() {
         std::ifstream file(desktop->OutputFile());
         return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    void AwaitFrames(size_t count) {
+        const size_t frames = desktop->TracedFrames();
+        EXPECT_TRUE(WaitFor([&] { return desktop->TracedFrames() > frames + count; }));
+    }
+
+    // Of the camera, in degrees, once its swing has died down.
+    double Yaw() {
+        double yaw = 0, before = 0;
+        EXPECT_TRUE(WaitFor([&] {
+            AwaitFrames(30);
+            before = std::exchange(yaw, LatestYaw());
+            return std::abs(yaw - before) < 1;
+        }));
+        return yaw;
+    }
+
+    double LatestYaw() {
+        std::ifstream file(desktop->TraceFile());
+        double yaw = 1e9;
+        for (std::string line; std::getline(file, line);)
+            if (line.ends_with('}')) yaw = std::stod(line.substr(line.find(',', line.find("\"angles\"")) + 1));
+        return yaw;
     }
 
     // The picture fills exactly the given area of the screen; all else is black.
@@ -51,6 +78,18 @@ TEST_F(Window, KeysLeadThroughALevelAndOutAgain) {
     EXPECT_NE(Output().find("Camera Coords"), std::string::npos) << Output();
 }
 
+TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
+    desktop->StartGame({"--window", "640x480"});
+    desktop->ChooseFirstLevel();
+    desktop->Key("F6");
+    desktop->Input("mousedown 1");
+    const double before = Yaw();
+    for (int i = 0; i < 20; i++)
+        desktop->Input("mousemove_relative 100 0");  // off the screen, were it not held
+    EXPECT_NEAR(before - Yaw(), 20 * 100 / 8, 20);   // each frame drops what is left of its motion over 8
+    desktop->Input("mouseup 1");
+}
+
 TEST_F(Window, WaitsWhileAnotherWindowHasTheFocus) {
     desktop->StartGame({"--window", "640x480"});
     desktop->ChooseFirstLevel();
@@ -62,7 +101,7 @@ TEST_F(Window, WaitsWhileAnotherWindowHasTheFocus) {
     EXPECT_EQ(desktop->TracedFrames(), frames);
     desktop->Input("keyup F8");
     desktop->GiveFocus();
-    EXPECT_TRUE(WaitFor([&] { return desktop->TracedFrames() > frames + 20; }));
+    AwaitFrames(20);
     desktop->PressCloseButton();
     EXPECT_EQ(desktop->GameStatus(), 0);
     EXPECT_EQ(Output().find("Camera Coords"), std::string::npos);
