@@ -29,10 +29,24 @@ private:
     uint64_t state_ = 7;
 };
 
-// The polygons that face the eye, in the order in which the engine draws them.
+// By texture: whether it has any texel to see. Clip walls have none.
+std::vector<bool> VisibleTextures(const LevelData& level) {
+    std::vector<bool> visible(256, true);
+    if (!level.textures) return visible;
+    for (size_t i = 0; i < level.textures->slots.size() && i < visible.size(); ++i) {
+        const TextureSlot& slot = level.textures->slots[i];
+        visible[i] = false;
+        for (int at = 0; at < slot.width * slot.height && !visible[i]; ++at)
+            visible[i] = level.textures->Texel(slot, at % slot.width, at / slot.width) != 0;
+    }
+    return visible;
+}
+
+// The polygons that face the eye and can be seen, in the order in which the engine draws them.
 class Painter {
 public:
-    Painter(const WorldFile& world, const std::vector<WorldFace>& faces) : world_(world), faces_(faces) {}
+    Painter(const LevelData& level, const std::vector<WorldFace>& faces)
+        : world_(*level.world), faces_(faces), visible_(VisibleTextures(level)) {}
 
     std::vector<size_t> OrderFrom(const Vec3& eye) {
         order_.clear();
@@ -52,12 +66,13 @@ private:
         }
         const WorldLeaf& leaf = world_.leaves[static_cast<size_t>(~child)];
         for (size_t i = leaf.firstPolygon; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
-            if (faces_[i].Distance(eye) < 0) order_.push_back(i);
+            if (visible_[world_.polygons[i].texture] && faces_[i].Distance(eye) < 0) order_.push_back(i);
         }
     }
 
     const WorldFile& world_;
     const std::vector<WorldFace>& faces_;
+    std::vector<bool> visible_;
     std::vector<size_t> order_;
 };
 
@@ -66,7 +81,7 @@ void CheckPaintersOrder(const LevelData& level, const std::vector<WorldFace>& fa
     for (const WorldPoint& point : level.world->points)
         box.Add(Widened(point.position));
     Dice dice;
-    Painter painter(*level.world, faces);
+    Painter painter(level, faces);
     for (int n = 0; n < EYES; ++n) {
         Vec3 eye;
         for (int axis = 0; axis < 3; ++axis)

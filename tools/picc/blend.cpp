@@ -51,3 +51,21 @@ Coverage RoundedBox(int width, int height, const Rectangle& box, int radius, int
     }
     return shape;
 }
+
+Image Shrink(const Image& image, int factor) {
+    Image small(image.width / factor, image.height / factor);
+    for (int y = 0; y < small.height; ++y) {
+        for (int x = 0; x < small.width; ++x) {
+            int red = 0, green = 0, blue = 0;
+            for (int i = 0; i < factor * factor; ++i) {
+                const Rgba& pixel = image.At(x * factor + i % factor, y * factor + i / factor);
+                red += pixel.r;
+                green += pixel.g;
+                blue += pixel.b;
+            }
+            const auto mean = [&](int sum) { return static_cast<uint8_t>(sum / (factor * factor)); };
+            small.At(x, y) = {mean(red), mean(green), mean(blue), 255};
+        }
+    }
+    return small;
+}

@@ -18,3 +18,4 @@ void BlendShape(Image& image, const Coverage& shape, const Rectangle& area, cons
                 int dx = 0, int dy = 0);
 // A rectangle with round corners; `inside` shrinks it on all sides.
 Coverage RoundedBox(int width, int height, const Rectangle& box, int radius, int inside = 0);
+Image Shrink(const Image& image, int factor);  // averages; what does not fill a whole pixel is left out

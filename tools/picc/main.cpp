@@ -1,5 +1,6 @@
 // picc: paints a front-end picture from its description.
 #include "formats/binary.h"
+#include "picc/blend.h"
 #include "picc/picture.h"
 
 #include <CLI/CLI.hpp>
@@ -8,6 +9,7 @@
 
 int main(int argc, char** argv) {
     std::string description, output, preview;
+    int shrink = 1;
     PictureSources sources;
     CLI::App app{"Paints a front-end picture, 640 x 480, from its description."};
     app.add_option("description", description, "The description (.toml)")->required();
@@ -15,9 +17,10 @@ int main(int argc, char** argv) {
     app.add_option("--materials", sources.materials, "Folder of the painted materials")->required();
     app.add_option("--fonts", sources.fonts, "Folder of the fonts (.ttf)")->required();
     app.add_option("--preview", preview, "The same picture as PNG to write");
+    app.add_option("--shrink", shrink, "Write the picture that many times smaller")->check(CLI::Range(1, 16));
     CLI11_PARSE(app, argc, argv);
     try {
-        const Image image = PaintPicture(description, sources);
+        const Image image = Shrink(PaintPicture(description, sources), shrink);
         if (!preview.empty()) WritePng(preview, image);
         WriteWholeFile(output, EncodeBitmap(image));
         return 0;
