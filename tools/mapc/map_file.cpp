@@ -26,7 +26,7 @@ public:
     bool Is(std::string_view word) const { return !next_.quoted && next_.text == word; }
 
     Token Take() {
-        if (AtEnd()) Fail("the file ends too early", "close every { with a }; the file may have been cut short");
+        if (AtEnd()) Fail("", "");
         const Token token = next_;
         Advance();
         return token;
@@ -55,6 +55,7 @@ public:
     }
 
     [[noreturn]] void Fail(const std::string& problem, const std::string& remedy) const {
+        if (AtEnd()) Refuse(file_, next_.line, "the file ends too early", "it was cut short; save the map again");
         Refuse(file_, next_.line, problem, remedy);
     }
 
@@ -83,7 +84,7 @@ private:
         if (text_[at_] == '"') {
             const size_t close = text_.find_first_of("\"\n", at_ + 1);
             if (close == std::string_view::npos || text_[close] == '\n') {
-                Fail("a quoted text has no end", "close the quotes on the same line");
+                Refuse(file_, line_, "a quoted text has no end", "close the quotes on the same line");
             }
             next_ = {text_.substr(at_ + 1, close - at_ - 1), true, line_};
             at_ = close + 1;

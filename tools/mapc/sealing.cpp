@@ -185,6 +185,32 @@ void SealedSpace::TracePath(int leaf, const Vec3& start) {
     }
     leakPath_.push_back(start);
     std::reverse(leakPath_.begin(), leakPath_.end());
+    StraightenPath();
+}
+
+// From each point on to the farthest that is seen from it.
+void SealedSpace::StraightenPath() {
+    std::vector<Vec3> straight{leakPath_[0]};
+    for (size_t at = 0; at + 1 < leakPath_.size();) {
+        size_t next = leakPath_.size() - 1;
+        while (next > at + 1 && !IsOpen(0, leakPath_[at], leakPath_[next]))
+            --next;
+        straight.push_back(leakPath_[next]);
+        at = next;
+    }
+    leakPath_ = std::move(straight);
+}
+
+bool SealedSpace::IsOpen(int child, const Vec3& from, const Vec3& to) const {
+    if (child < 0) return !leaves_[static_cast<size_t>(~child)].solid;
+    const TreeNode& node = tree_.nodes[static_cast<size_t>(child)];
+    const double fromDistance = planes_[node.plane].Distance(from);
+    const double toDistance = planes_[node.plane].Distance(to);
+    const int nearChild = fromDistance >= 0 ? node.front : node.back;
+    const int farChild = fromDistance >= 0 ? node.back : node.front;
+    if ((fromDistance >= 0) == (toDistance >= 0)) return IsOpen(nearChild, from, to);
+    const Vec3 middle = from + (to - from) * (fromDistance / (fromDistance - toDistance));
+    return IsOpen(nearChild, from, middle) && IsOpen(farChild, middle, to);
 }
 
 bool SealedSpace::IsSeen(const Face& face) const {

@@ -36,6 +36,8 @@ private:
     int LeafAt(const Vec3& p) const;
     void Flood(const Vec3& start);
     void TracePath(int leaf, const Vec3& start);
+    void StraightenPath();
+    bool IsOpen(int child, const Vec3& from, const Vec3& to) const;  // no solid leaf between two points
     bool SeesFlood(int child, const Winding& winding, int plane, double areaMin) const;
 
     PlaneTable& planes_;

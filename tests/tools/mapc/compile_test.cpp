@@ -1,13 +1,13 @@
-#include "map_builder.h"
+// Whole compilations: the rules that every world keeps, and what is refused.
+#include "generated_map.h"
 #include "world_checks.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-constexpr int RAYS = 3000;
-
-// Two rooms joined by a doorway, a pillar, a crate and a low step.
+// Two rooms joined by a doorway, a pillar, a crate, a low step and a lamp.
 MapBuilder TwoRooms() {
     MapBuilder map;
     map.Box({-256, -256, -16}, {1280, 256, 0}, "floor").Box({-256, -256, 512}, {1280, 256, 528}, "ceiling");
@@ -18,18 +18,163 @@ MapBuilder TwoRooms() {
     return map.Start("0 0 100").Light("200 0 300");
 }
 
-void ExpectSound(const WorldFile& world) {
+MapBuilder OneRoom() {
+    return MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64");
+}
+
+void ExpectSound(const WorldFile& world, int rays) {
     EXPECT_EQ(OpenEdges(world), Findings{});
     EXPECT_EQ(TurnedPolygons(world), Findings{});
     EXPECT_EQ(OrderedLeaves(world), Findings{});
     EXPECT_EQ(MisplacedPolygons(world), Findings{});
-    EXPECT_EQ(PaintingFaults(world, RAYS), Findings{});
+    EXPECT_EQ(FalseSteps(world), Findings{});
+    EXPECT_EQ(PaintingFaults(world, rays), Findings{});
+}
+
+std::vector<uint8_t> AllBytes(const CompiledLevel& level) {
+    std::vector<uint8_t> bytes = EncodeWorld(level.world);
+    const std::vector<uint8_t> light = EncodeLightMap(level.light);
+    bytes.insert(bytes.end(), light.begin(), light.end());
+    return bytes;
+}
+
+// A brush with slanting sides through points that are not whole numbers.
+std::string Wedge(int x, int y, int height) {
+    const auto point = [](double px, double py, double pz) { return fmt::format("( {} {} {} ) ", px, py, pz); };
+    const auto face = [&](const std::string& points) { return points + "wall 0 0 0 2 2\n"; };
+    return face(point(x, y, 0) + point(x + 0.3, y + 90.7, 0) + point(x + 40.1, y + 30.3, height)) +
+           face(point(x, y, 0) + point(x + 40.1, y + 30.3, height) + point(x + 95.5, y - 0.7, 0)) +
+           face(point(x + 95.5, y - 0.7, 0) + point(x + 40.1, y + 30.3, height) + point(x + 0.3, y + 90.7, 0)) +
+           face(point(x, y, 0) + point(x + 95.5, y - 0.7, 0) + point(x + 0.3, y + 90.7, 0));
 }
 
 }  // namespace
 
-TEST(Compile, TwoRoomsAreClosedOrderedAndPaintedRightFromEverywhere) {
+TEST(Compile, TwoRoomsAreSound) {
     const CompiledLevel level = Compile(TwoRooms());
-    ExpectSound(level.world);
-    EXPECT_GT(level.world.polygons.size(), 40U);
+    ExpectSound(level.world, 3000);
+    EXPECT_EQ(level.light.pointLight.size(), level.world.points.size());
+}
+
+TEST(Compile, GeneratedRoomsAreSound) {
+    ExpectSound(Compile(GeneratedRooms(4)).world, 1000);
+}
+
+TEST(Compile, BrushesThatRunThroughEachOtherAtOddAnglesAreSound) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {1536, 1536, 768}).Start("64 64 600");
+    for (int i = 0; i < 12; ++i) {
+        map.Brush(Wedge(200 + i * 83 % 1000, 200 + i * 197 % 1000, 150 + i * 31 % 200));
+        map.TurnedBox({150 + i * 151 % 1100, 150 + i * 89 % 1100, 0}, {260 + i * 151 % 1100, 260 + i * 89 % 1100, 90});
+    }
+    ExpectSound(Compile(map).world, 1000);
+}
+
+TEST(Compile, OneConvexRoomStillGetsANode) {
+    const CompiledLevel level = Compile(OneRoom().Key("subdivide", "0"));
+    EXPECT_EQ(level.world.nodes.size(), 1U);
+    EXPECT_EQ(level.world.polygons.size(), 6U);
+    EXPECT_EQ(level.world.points.size(), 24U);
+    ExpectSound(level.world, 500);
+}
+
+TEST(Compile, BothFormsOfAMapGiveTheSameBytes) {
+    MapBuilder valve = TwoRooms();
+    MapBuilder plain = TwoRooms();
+    plain.Box({1100, 0, 0}, {1150, 50, 64});
+    valve.valve = true;
+    valve.Box({1100, 0, 0}, {1150, 50, 64});
+    EXPECT_NE(valve.Text(), plain.Text());
+    EXPECT_EQ(AllBytes(Compile(valve)), AllBytes(Compile(plain)));
+}
+
+TEST(Compile, TwiceGivesTheSameBytes) {
+    EXPECT_EQ(AllBytes(Compile(GeneratedRooms(2), 3)), AllBytes(Compile(GeneratedRooms(2), 3)));
+}
+
+TEST(Compile, FlushBrushesPaintedAlikeBecomeOneFace) {
+    const auto tiled = [](const std::string& second) {
+        MapBuilder map;
+        map.Key("subdivide", "0").Box({0, 0, -16}, {256, 512, 0}, "floor").Box({256, 0, -16}, {512, 512, 0}, second);
+        return map.Room({0, 0, 0}, {512, 512, 512}, "wall").Start("64 64 64");
+    };
+    // The room has a floor of its own, which yields to those that come before it.
+    EXPECT_EQ(Compile(tiled("floor")).world.polygons.size(), 6U);
+    EXPECT_EQ(Compile(tiled("tall")).world.polygons.size(), 7U);
+}
+
+TEST(Compile, OfTwoFacesInOnePlaceTheEarlierStays) {
+    MapBuilder map;
+    map.Key("subdivide", "0").Room({0, 0, 0}, {512, 512, 512}).Box({0, 0, -8}, {256, 512, 0}, "tall");
+    for (const WorldPolygon& polygon : Compile(map.Start("64 64 64")).world.polygons)
+        EXPECT_EQ(polygon.texture, 0);
+}
+
+TEST(Compile, LargeFacesAreCutForLightButWallsNotWhereTheyWouldBeSteps) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {1024, 256, 1024}).Box({0, 0, 0}, {256, 256, 400}).Start("600 64 64");
+    const WorldFile world = Compile(map).world;
+    ExpectSound(world, 500);
+    std::vector<float> heights;
+    for (const WorldPoint& point : world.points) {
+        const bool onEastWall = point.position[0] == 1024 && point.normal[0] == 1;
+        if (onEastWall && point.position[2] == 0) heights.push_back(point.position[1]);
+    }
+    std::sort(heights.begin(), heights.end());
+    // A block of 400 stands far off; one who falls from it passes none of these seams.
+    EXPECT_EQ(heights, (std::vector<float>{0, 256, 512, 768, 1024}));
+    heights.clear();
+    for (const WorldPoint& point : world.points) {
+        const bool onSouthWall = point.position[2] == 0 && point.normal[2] == -1;
+        if (onSouthWall && point.position[0] == 512) heights.push_back(point.position[1]);
+    }
+    std::sort(heights.begin(), heights.end());
+    EXPECT_EQ(heights, (std::vector<float>{0, 512, 768, 1024})) << "256 lies below the block's top";
+}
+
+TEST(Compile, MapsThatCannotBecomeLevelsAreRefused) {
+    const std::string flat = "( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) wall 0 0 0 1 1\n";
+    const std::string open =
+        "( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) wall 0 0 0 1 1\n( 9 0 0 ) ( 9 0 1 ) ( 9 1 0 ) wall 0 0 0 1 1\n";
+    const std::pair<MapBuilder, const char*> cases[] = {
+        {OneRoom().Box({100, 100, 0}, {164, 164, 64}, "marble"), "the texture \"marble\" is not in the list"},
+        {OneRoom().Box({100, 100, 0}, {164, 164, 64}, "skin"), "the texture \"skin\" is in slot 93"},
+        {OneRoom().Brush(flat), "the brush has no volume"},
+        {OneRoom().Brush(open), "the brush has no volume"},
+        {OneRoom().Brush("( 0 0 0 ) ( 1 1 1 ) ( 2 2 2 ) wall 0 0 0 1 1\n"), "three points of the face lie on a line"},
+        {OneRoom().Box({100, 100, 0}, {164, 164, 40000}), "a point lies beyond 32768 units"},
+        {OneRoom().Start("70 70 70"), "a second info_player_start"},
+        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}), "there is no info_player_start"},
+        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("600 0 0"), "the level leaks"},
+        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("-8 64 64"), "is inside the brush of line"},
+        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64", 45), "looks along 45 degrees"},
+        {OneRoom().BeginEntity("func_door").Box({100, 100, 0}, {164, 164, 64}), "unknown entity func_door"},
+        {OneRoom().BeginEntity("info_note").Box({100, 100, 0}, {164, 164, 64}), "a info_note cannot have brushes"},
+    };
+    for (const auto& [map, expected] : cases) {
+        EXPECT_NE(RefusalOf(map).find(expected), std::string::npos) << expected << ", not: " << RefusalOf(map);
+    }
+}
+
+TEST(Compile, TooManyPolygonsInReachOfThePlayerAreRefusedWithThePlace) {
+    MapBuilder map;
+    map.Key("subdivide", "0").Room({0, 0, 0}, {2048, 2048, 512}).Start("64 64 64");
+    for (int i = 0; i < 49; ++i) {
+        const int x = 1000 + i % 7 * 32;
+        const int y = 1000 + i / 7 * 32;
+        map.TurnedBox({x, y, 0}, {x + 24, y + 24, 16});
+    }
+    const std::string refusal = RefusalOf(map);
+    EXPECT_NE(refusal.find("polygons at once, at most 150"), std::string::npos) << refusal;
+    EXPECT_NE(refusal.find("a player at (1"), std::string::npos) << refusal;
+}
+
+TEST(Compile, CountsBeyondTheLimitsAreAllNamed) {
+    try {
+        CheckCounts("big.map", {{"nodes", 40000, 32767}, {"leaves", 5, 16384}, {"points", 25001, 25000}});
+        FAIL();
+    } catch (const ContentError& error) {
+        EXPECT_NE(std::string(error.what()).find("40000 nodes, at most 32767; 25001 points, at most 25000"),
+                  std::string::npos);
+    }
 }

@@ -1,0 +1,209 @@
+// What the records of a world hold: texture coordinates, placement, light, the order in a leaf.
+#include "map_builder.h"
+#include "mapc/angles.h"
+#include "mapc/fan.h"
+#include "world_checks.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+
+namespace {
+
+using Texel = std::pair<float, float>;
+
+// By position: u and v of the corners of the polygons that use a slot.
+std::map<std::array<float, 3>, Texel> CornersOfSlot(const WorldFile& world, int slot) {
+    std::map<std::array<float, 3>, Texel> corners;
+    for (const WorldPolygon& polygon : world.polygons) {
+        if (polygon.texture != slot) continue;
+        for (size_t k = 0; k < polygon.cornerCount; ++k) {
+            const WorldCorner& corner = world.corners[polygon.firstCorner + k];
+            corners[world.points[corner.point].position] = {corner.u, corner.v};
+        }
+    }
+    return corners;
+}
+
+MapBuilder RoomWithFace(const std::string& floorFace) {
+    MapBuilder map;
+    const std::string sides = "( 0 0 -16 ) ( 0 1 -16 ) ( 0 0 -15 ) wall 0 0 0 2 2\n"
+                              "( 512 0 -16 ) ( 512 0 -15 ) ( 512 1 -16 ) wall 0 0 0 2 2\n"
+                              "( 0 0 -16 ) ( 0 0 -15 ) ( 1 0 -16 ) wall 0 0 0 2 2\n"
+                              "( 0 512 -16 ) ( 1 512 -16 ) ( 0 512 -15 ) wall 0 0 0 2 2\n"
+                              "( 0 0 -16 ) ( 1 0 -16 ) ( 0 1 -16 ) wall 0 0 0 2 2\n";
+    map.Key("subdivide", "0").Brush(sides + "( 0 0 0 ) ( 0 1 0 ) ( 1 0 0 ) " + floorFace + "\n");
+    return map.Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64");
+}
+
+int8_t LightAt(const CompiledLevel& level, const WorldVector& position, const WorldVector& inward) {
+    for (size_t i = 0; i < level.world.points.size(); ++i) {
+        const WorldPoint& point = level.world.points[i];
+        if (point.position == position && point.normal == inward) return level.light.pointLight[i];
+    }
+    return -1;
+}
+
+}  // namespace
+
+// The floor spans 512 units, 256 texels at scale 2, four repeats of 64: it is moved so that its middle is near 0.
+TEST(TextureCoordinates, AFloorIsPaintedFromTheOriginNorthUp) {
+    const auto corners = CornersOfSlot(Compile(RoomWithFace("floor 0 0 0 2 2")).world, 1);
+    EXPECT_EQ(corners.at({0, 0, 0}), Texel(-128 * 256, 128 * 256));
+    EXPECT_EQ(corners.at({512, 0, 0}), Texel(128 * 256, 128 * 256));
+    EXPECT_EQ(corners.at({0, 0, 512}), Texel(-128 * 256, -128 * 256));
+}
+
+TEST(TextureCoordinates, OffsetsScalesAndRotation) {
+    const auto at = [](const std::string& face) {
+        return CornersOfSlot(Compile(RoomWithFace("floor " + face)).world, 1).at({512, 0, 512});
+    };
+    EXPECT_EQ(at("8 0 0 2 2"), Texel(136 * 256, -128 * 256));
+    EXPECT_EQ(at("0 0 0 0 0"), at("0 0 0 2 2")) << "no scale means two units a texel";
+    EXPECT_EQ(at("0 0 0 4 2"), Texel(64 * 256, -128 * 256));
+    EXPECT_EQ(at("0 0 90 2 2"), Texel(128 * 256, 128 * 256)) << "u runs north, v east";
+    EXPECT_EQ(at("[ 0 1 0 4 ] [ 1 0 0 0 ] 0 2 2"), Texel(132 * 256, 128 * 256));
+    EXPECT_EQ(at("[ 0 1 0 68 ] [ 1 0 0 0 ] 0 2 2"), Texel(132 * 256, 128 * 256)) << "whole repeats do not count";
+}
+
+TEST(TextureCoordinates, APictureThatFitsStaysHalfATexelInside) {
+    const auto corners = CornersOfSlot(Compile(RoomWithFace("floor 0 0 0 8 8")).world, 1);
+    EXPECT_EQ(corners.at({0, 0, 512}), Texel(128, 128));
+    EXPECT_EQ(corners.at({512, 0, 0}), Texel(64 * 256 - 128, 64 * 256 - 128));
+}
+
+TEST(TextureCoordinates, SineAndCosineAgreeWithTheLibrary) {
+    for (int degrees = -720; degrees <= 720; degrees += 5) {
+        const SineCosine own = SineCosineOfDegrees(degrees);
+        EXPECT_NEAR(own.sine, std::sin(degrees * M_PI / 180), 1e-14);
+        EXPECT_NEAR(own.cosine, std::cos(degrees * M_PI / 180), 1e-14);
+    }
+    EXPECT_EQ(SineCosineOfDegrees(90).cosine, 0);
+    EXPECT_EQ(SineCosineOfDegrees(-90).sine, -1);
+}
+
+TEST(Placement, TheStartComesToTheLevelsStartAndLooksAlongZ) {
+    struct Case {
+        int angle;
+        Corner ahead;  // map coordinates of a block that the player looks at from (500, 500)
+    };
+    for (const auto& [angle, ahead] :
+         {Case{0, {800, 480, 0}}, Case{90, {480, 800, 0}}, Case{180, {160, 480, 0}}, Case{270, {480, 160, 0}}}) {
+        MapBuilder map;
+        map.Key("subdivide", "0").Room({0, 0, 0}, {1000, 1000, 512}).Box({450, 450, 0}, {550, 550, 24});
+        map.Box(ahead, {ahead[0] + 40, ahead[1] + 40, 100}).Start("500 500 200", angle);
+        const WorldFile world = Compile(map, 3).world;
+        EXPECT_EQ(FloorAt(world, 223, -211, 500), 376) << "on the block, wherever above it the start hangs";
+        EXPECT_EQ(FloorAt(world, 223, -211 + 320, 500), 376 - 24 + 100) << angle;
+        EXPECT_EQ(TurnedPolygons(world), Findings{});
+    }
+}
+
+TEST(Placement, ScaleCountsAroundTheMapsOrigin) {
+    MapBuilder map;
+    map.Key("scale", "2").Room({0, 0, 0}, {256, 256, 256}).Start("64 64 64");
+    const CompiledLevel level = Compile(map);
+    EXPECT_EQ(FloorAt(level.world, 500, 500), 0);
+    EXPECT_EQ(FloorAt(level.world, 520, 500), -1e9);
+    EXPECT_EQ(level.placement.ToMap(level.placement.ToEngine({1, 2, 3})), (Vec3{1, 2, 3}));
+}
+
+TEST(Light, FallsOffWithDistanceAndAngle) {
+    MapBuilder map;
+    map.Key("ambient", "20").Room({0, 0, 0}, {1024, 1024, 512}).Start("64 64 64");
+    map.Light("512 512 256", "\"light\" \"100\"\n\"radius\" \"512\"\n").Light("512 512 256", "\"_color\" \"0 0 0\"\n");
+    const CompiledLevel level = Compile(map);
+    EXPECT_EQ(LightAt(level, {512, 0, 512}, {0, -1, 0}), 20 + 50);  // straight below, half the radius away
+    const double slanting = std::sqrt(2 * 256.0 * 256.0);
+    EXPECT_EQ(LightAt(level, {768, 0, 512}, {0, -1, 0}),
+              static_cast<int>(20 + 100 * (1 - slanting / 512) * 256 / slanting));
+    EXPECT_EQ(LightAt(level, {0, 0, 0}, {0, -1, 0}), 20);
+    EXPECT_EQ(level.light.lightLevel, 60);
+    EXPECT_EQ(level.light.contrast, 100);
+    EXPECT_EQ(LightAt(Compile(map.Light("512 512 100", "\"light\" \"500\"\n")), {512, 0, 512}, {0, -1, 0}), 127);
+}
+
+TEST(Light, CornerLitFacesHaveFewCornersAndBytesOfTheirOwn) {
+    MapBuilder map;
+    map.Key("subdivide", "0").Room({0, 0, 0}, {1024, 1024, 512}).Start("64 64 64").Light("512 512 256");
+    map.BeginEntity("func_group", "\"corner_light\" \"1\"\n").Box({0, 0, 0}, {1024, 1024, 8}, "floor");
+    map.BeginEntity("func_group");
+    // Blocks along the walls put many corners on the floor's edges.
+    for (int i = 0; i < 12; ++i)
+        map.Box({32 + i * 80, 1000, 0}, {64 + i * 80, 1024, 64}, i % 2 ? "wall" : "tall");
+    const CompiledLevel level = Compile(map);
+    EXPECT_EQ(OpenEdges(level.world), Findings{});
+    size_t lit = 0;
+    for (size_t i = 0; i < level.world.polygons.size(); ++i) {
+        const WorldPolygon& polygon = level.world.polygons[i];
+        if (polygon.shading != WORLD_CORNER_LIGHT) continue;
+        ++lit;
+        EXPECT_LE(polygon.cornerCount, 8);
+        ASSERT_LT(i, level.light.cornerLight.size());
+        EXPECT_GE(level.light.cornerLight[i][0], 20);
+    }
+    EXPECT_GT(lit, 1U);
+}
+
+TEST(Leaves, PointsAreSharedWithinASurfaceOnly) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64");
+    const WorldFile world = Compile(map).world;
+    // Each side is cut into four, three by three points; the walls not across their height where a floor is near.
+    EXPECT_EQ(world.points.size(), 2 * 9U + 4 * 9U);
+    std::map<std::array<float, 3>, int> atPlace;
+    for (const WorldPoint& point : world.points)
+        ++atPlace[point.position];
+    EXPECT_EQ((atPlace.at({0, 0, 0})), 3);
+    EXPECT_EQ((atPlace.at({256, 0, 256})), 1);
+}
+
+TEST(Leaves, TreadsComeBeforeWallsAndRisersLast) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {1024, 512, 512}).Start("64 64 64");
+    for (int i = 0; i < 4; ++i)
+        map.Box({400 + i * 64, 0, 0}, {464 + i * 64, 512, 40 + i * 40}, "floor");
+    const WorldFile world = Compile(map).world;
+    int mixed = 0;
+    for (const WorldLeaf& leaf : world.leaves) {
+        int last = 0;
+        for (size_t i = leaf.firstPolygon; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
+            const WorldPolygon& polygon = world.polygons[i];
+            const float down = world.planes[polygon.plane].normal[1];
+            Box box;
+            for (size_t k = 0; k < polygon.cornerCount; ++k) {
+                const WorldVector& p = world.points[world.corners[polygon.firstCorner + k].point].position;
+                box.Add(Vec3{p[0], p[1], p[2]});
+            }
+            const int order = down < -0.5F ? 0 : down < 0.5F && box.max.y - box.min.y <= 50 ? 2 : 1;
+            EXPECT_GE(order, last);
+            mixed += order > last ? 1 : 0;
+            last = order;
+        }
+    }
+    EXPECT_GT(mixed, 3) << "nothing was tested";
+}
+
+TEST(Fans, PolygonsOfManyCornersAreHalvedAndBeginWhereTheFanIsBest) {
+    Mesh mesh;
+    MeshPolygon polygon;
+    PlaneTable planes;
+    polygon.plane = planes.Find({0, 0, 1}, 0);
+    // A square of 40 with corners at every 10.
+    for (int i = 0; i < 16; ++i) {
+        const int along = i % 4 * 10;
+        const Vec3 sides[] = {{along + 0.0, 0, 0}, {40, along + 0.0, 0}, {40.0 - along, 40, 0}, {0, 40.0 - along, 0}};
+        mesh.vertices.push_back(sides[i / 4]);
+        polygon.corners.push_back(i);
+    }
+    mesh.leaves.push_back({polygon});
+    MakeFans(mesh, planes, [](const MeshPolygon&) { return size_t{12}; });
+    ASSERT_EQ(mesh.leaves[0].size(), 2U);
+    for (const MeshPolygon& part : mesh.leaves[0]) {
+        EXPECT_EQ(part.corners.size(), 9U);
+        const auto vertex = [&](size_t i) { return mesh.vertices[static_cast<size_t>(part.corners[i])]; };
+        EXPECT_GT(Length(Cross(vertex(1) - vertex(0), vertex(2) - vertex(0))), 1);
+    }
+}

@@ -1,0 +1,62 @@
+// Reading of .map files: what is understood, and where and why the rest is refused.
+#include "map_builder.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr const char* FACE = "( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) wall ";
+
+std::string MapWithFace(const std::string& face) {
+    return "{\n\"classname\" \"worldspawn\"\n{\n" + face + "\n}\n}\n";
+}
+
+}  // namespace
+
+TEST(MapText, BothFormsOfAFaceAreRead) {
+    const MapFile map = ParseMap(MapWithFace(std::string(FACE) + "8 -16 30 2 0.5 // comment\n" + FACE +
+                                             "[ 0 1 0 8 ] [ 0 0 -1 -16.25 ] 30 2 0.5 1 2 300"),
+                                 "test.map");
+    ASSERT_EQ(map.entities.size(), 1U);
+    ASSERT_EQ(map.entities[0].brushes.size(), 1U);
+    const std::vector<MapFace>& faces = map.entities[0].brushes[0].faces;
+    ASSERT_EQ(faces.size(), 2U);
+    EXPECT_FALSE(faces[0].hasAxes);
+    EXPECT_EQ(faces[0].vOffset, -16);
+    EXPECT_EQ(faces[0].rotation, 30);
+    EXPECT_TRUE(faces[1].hasAxes);
+    EXPECT_EQ(faces[1].vAxis, (Vec3{0, 0, -1}));
+    EXPECT_EQ(faces[1].vOffset, -16.25);
+    EXPECT_EQ(faces[1].vScale, 0.5);
+    EXPECT_EQ(faces[1].line, 5);
+}
+
+TEST(MapText, BadTextIsRefusedWithItsLine) {
+    const std::pair<std::string, const char*> cases[] = {
+        {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 zero 1 ) wall 0 0 0 1 1"), "test.map:4: \"zero\" is not a number"},
+        {MapWithFace("( 0 0 0 ) ( 0 1 0 ) wall 0 0 0 1 1"), "test.map:4: \"wall\" instead of \"(\""},
+        {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) ( 1 0 0 ) wall"), "test.map:4: a face in a form"},
+        {MapWithFace(std::string(FACE) + "[ 0 1 0 8 ] 0 0 0 1 1"), "test.map:4: \"0\" instead of \"[\""},
+        {MapWithFace("patchDef2\n{"), "test.map:4: \"patchDef2\" where a face should begin"},
+        {"{\n\"classname\" \"worldspawn\n}", "test.map:2: a quoted text has no end"},
+        {"{\n\"classname\"\n}", "test.map:3: a key without a value"},
+        {"{\n\"classname\" \"worldspawn\"\n{\n", "the file ends too early"},
+        {"{\nclassname worldspawn\n}", "test.map:2: \"classname\" where a key"},
+        {"worldspawn", "test.map:1: \"worldspawn\" instead of \"{\""},
+    };
+    for (const auto& [text, expected] : cases) {
+        EXPECT_NE(RefusalOf(text).find(expected), std::string::npos) << RefusalOf(text);
+    }
+}
+
+TEST(MapText, BadKeysAreRefusedWithTheirLine) {
+    const auto withKey = [](const std::string& name, const std::string& value) {
+        return RefusalOf(MapBuilder().Key(name, value).Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64"));
+    };
+    EXPECT_EQ(withKey("ambient", "30"), "accepted");
+    EXPECT_NE(withKey("ambient", "bright").find("test.map:3: the key ambient is \"bright\""), std::string::npos);
+    EXPECT_NE(withKey("ambient", "128").find("use 0 to 127"), std::string::npos);
+    EXPECT_NE(withKey("dark_color", "1 2").find("give it three numbers"), std::string::npos);
+    EXPECT_NE(withKey("dark_color", "1 2 255").find("a channel of 255"), std::string::npos);
+    EXPECT_NE(withKey("subdivide", "64").find("use 0, or 128 and more"), std::string::npos);
+}

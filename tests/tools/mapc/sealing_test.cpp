@@ -1,0 +1,135 @@
+// What closes a level, what is left of it, and how a leak is reported.
+#include "formats/binary.h"
+#include "map_builder.h"
+#include "world_checks.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+
+namespace {
+
+// A room of 512 with a hole of 64 x 64 in its east wall, and a shelf before the hole.
+MapBuilder RoomWithHole() {
+    MapBuilder map;
+    map.Box({-16, -16, -16}, {528, 528, 0}).Box({-16, -16, 512}, {528, 528, 528}).Box({-16, -16, 0}, {0, 528, 512});
+    map.Box({0, -16, 0}, {512, 0, 512}).Box({0, 512, 0}, {512, 528, 512});
+    map.Box({512, -16, 0}, {528, 224, 512}).Box({512, 288, 0}, {528, 528, 512});
+    map.Box({512, 224, 0}, {528, 288, 96}).Box({512, 224, 160}, {528, 288, 512});
+    map.Box({384, 160, 64}, {400, 352, 256});
+    return map.Start("64 64 64");
+}
+
+std::set<int> SlotsOf(const WorldFile& world) {
+    std::set<int> slots;
+    for (const WorldPolygon& polygon : world.polygons)
+        slots.insert(polygon.texture);
+    return slots;
+}
+
+size_t CountSlot(const WorldFile& world, int slot) {
+    size_t count = 0;
+    for (const WorldPolygon& polygon : world.polygons)
+        count += polygon.texture == slot ? 1 : 0;
+    return count;
+}
+
+bool IsInRoom(const Vec3& p) {
+    return p.x >= 0 && p.x <= 512 && p.y >= 0 && p.y <= 512 && p.z >= 0 && p.z <= 512;
+}
+
+}  // namespace
+
+TEST(Sealing, ALeakIsReportedWithAWayThroughTheHole) {
+    try {
+        Compile(RoomWithHole());
+        FAIL() << "not noticed";
+    } catch (const LeakError& leak) {
+        EXPECT_EQ(std::string(leak.what()).find("test.map: the level leaks"), 0U);
+        ASSERT_GE(leak.path.size(), 2U);
+        EXPECT_LT(leak.path.size(), 6U) << "the way is not straightened";
+        EXPECT_EQ(leak.path.front(), (Vec3{64, 64, 64}));
+        EXPECT_FALSE(IsInRoom(leak.path.back()));
+        for (size_t i = 1; i < leak.path.size(); ++i) {
+            const Vec3& a = leak.path[i - 1];
+            const Vec3& b = leak.path[i];
+            if (a.x > 512 || b.x < 512) continue;
+            const Vec3 crossing = a + (b - a) * ((512 - a.x) / (b.x - a.x));
+            EXPECT_TRUE(crossing.y >= 224 && crossing.y <= 288 && crossing.z >= 96 && crossing.z <= 160);
+        }
+    }
+}
+
+TEST(Sealing, WhatClosesAHoleAndWhatDoesNot) {
+    const Corner low{512, 224, 96};
+    const Corner high{528, 288, 160};
+    EXPECT_EQ(RefusalOf(RoomWithHole().Box(low, high, "tall")), "accepted");
+    EXPECT_EQ(RefusalOf(RoomWithHole().Box(low, high, "sky")), "accepted");
+    EXPECT_EQ(RefusalOf(RoomWithHole().Box(low, high, "water")), "accepted");
+    EXPECT_EQ(RefusalOf(RoomWithHole().BeginEntity("func_group").Box(low, high)), "accepted");
+    const std::string leaks = "test.map: the level leaks";
+    EXPECT_EQ(RefusalOf(RoomWithHole().Box(low, high, "grate")).find(leaks), 0U);
+    EXPECT_EQ(RefusalOf(RoomWithHole().Box(low, high, "clip")).find(leaks), 0U);
+    EXPECT_EQ(RefusalOf(RoomWithHole().BeginEntity("func_detail").Box(low, high)).find(leaks), 0U);
+    // A slit as wide as a hair lets something through too.
+    EXPECT_EQ(RefusalOf(RoomWithHole().Box(low, {528, 287, 160})).find(leaks), 0U);
+}
+
+TEST(Sealing, SkyFacesAreLeftOutAndTheOutsideIsDropped) {
+    const WorldFile world = Compile(RoomWithHole().Box({512, 224, 96}, {528, 288, 160}, "sky")).world;
+    EXPECT_EQ(SlotsOf(world), std::set<int>{0});
+    for (const WorldPoint& point : world.points) {
+        EXPECT_TRUE(IsInRoom({point.position[0], point.position[2], point.position[1]}));
+    }
+    // Only the rim of the hole has no neighbour.
+    EXPECT_GE(OpenEdges(world).size(), 4U);
+    for (const WorldPoint& point : world.points)
+        EXPECT_LE(point.position[0], 512);
+}
+
+TEST(Sealing, HollowsThatNobodyReachesAreDropped) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {512, 512, 512}).Room({1024, 0, 0}, {1536, 512, 512}, "tall").Start("64 64 64");
+    EXPECT_EQ(SlotsOf(Compile(map).world), std::set<int>{0});
+}
+
+TEST(Sealing, ClipAndCutoutHideNothingAndAreThereToTouch) {
+    const auto room = [] { return MapBuilder().Key("subdivide", "0").Room({0, 0, 0}, {512, 512, 512}); };
+    const WorldFile clip = Compile(room().Box({200, 200, 0}, {264, 264, 64}, "clip").Start("64 64 64")).world;
+    EXPECT_EQ(CountSlot(clip, 6), 5U);
+    EXPECT_EQ(CountSlot(clip, 0), 6U) << "an invisible brush cuts what is seen";
+    const WorldFile grate = Compile(room().Box({200, 200, 0}, {264, 264, 64}, "grate").Start("64 64 64")).world;
+    EXPECT_EQ(PaintingFaults(grate, 2000), Findings{});
+    // The floor below the grate is still there: it shows through the holes.
+    double floor = 0;
+    for (const std::string& edge : OpenEdges(grate))
+        floor += edge.empty() ? 0 : 1;
+    EXPECT_EQ(floor, 4) << "only the lower rim of the grate has no neighbour";
+}
+
+TEST(Sealing, ALeakLeavesThePathForTheEditorAndNothingElse) {
+    const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "leak";
+    std::filesystem::remove_all(folder);
+    const auto compile = [&](const MapBuilder& map) {
+        const std::string text = map.Text();
+        WriteWholeFile(folder / "hole.map", {text.begin(), text.end()});
+        WriteMaterialList(folder / "textures.list", TestMaterials());
+        CompileToFiles({folder / "hole.map", folder / "textures.list", folder / "out", 0});
+    };
+    EXPECT_THROW(compile(RoomWithHole()), LeakError);
+    ASSERT_TRUE(std::filesystem::exists(folder / "out/hole.pts"));
+    std::ifstream path(folder / "out/hole.pts");
+    Vec3 first;
+    path >> first.x >> first.y >> first.z;
+    EXPECT_EQ(first, (Vec3{64, 64, 64}));
+    EXPECT_FALSE(std::filesystem::exists(folder / "out/hole.bgm"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "out/lights.lmp"));
+
+    compile(RoomWithHole().Box({512, 224, 96}, {528, 288, 160}));
+    EXPECT_FALSE(std::filesystem::exists(folder / "out/hole.pts"));
+    EXPECT_GT(ReadWorldFile(folder / "out/hole.bgm").polygons.size(), 10U);
+    EXPECT_EQ(ReadLightSlotFile(folder / "out/lights.alt").slots.size(), 0U);
+    EXPECT_EQ(ReadLightMapFile(folder / "out/lights.lmp").pointLight.size(),
+              ReadWorldFile(folder / "out/hole.bgm").points.size());
+}
