@@ -5,9 +5,12 @@
 
 #include <cstdint>
 
-void DrawPolygon(int32_t polygon);                             // projects, shades, submits
-void DrawPolygonClipped(int32_t polygon, uint8_t edgeMask);    // shades, clips against the planes in edgeMask
-void DrawPolygonAuto(int32_t polygon);                         // chooses from the outcodes
-void DrawMeshPolygon(int32_t polygon);                         // as above, already shaded
+void DrawPolygon(int32_t polygon);                           // projects, shades, submits
+void DrawPolygonClipped(int32_t polygon, uint8_t edgeMask);  // shades, clips against the planes in edgeMask
+void DrawPolygonAuto(int32_t polygon);                       // chooses from the outcodes
+void DrawMeshPolygon(int32_t polygon);                       // as above, already shaded
 void DrawMeshPolygonClipped(int32_t polygon, uint8_t edgeMask);
-PolyRecord* ClipPolygon(int32_t polygon, uint8_t edgeMask);    // a scratch record; its corner count may be 0
+
+// Clips against the planes in edgeMask, of which there is at least one. The result is a scratch record, good until the
+// next clip; its corner count may be 0, also when the polygon needs more than CLIP_SCRATCH_ENTRIES.
+PolyRecord* ClipPolygon(int32_t polygon, uint8_t edgeMask);
