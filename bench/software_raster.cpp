@@ -1,5 +1,6 @@
 // The software rasteriser against the least work a textured, shaded pixel can take.
 
+#include "raster_floor.h"
 #include "render/raster.h"
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
@@ -15,35 +16,12 @@
 #include <cstring>
 #include <random>
 
+using namespace raster_floor;
+
 namespace {
 
-constexpr int WIDTH = 320, HEIGHT = 240;
-constexpr uint32_t U_STEP = 190, V_STEP = 40, LIGHT_STEP = 24;
-constexpr uint32_t MASK = 63 * 256 + 63;
-
-// One texel load, one shade load and one store a pixel, at fixed steps.
-[[gnu::noinline]] void FloorSpan(uint8_t* pixels, int count, const uint8_t* texels, uint32_t u, uint32_t v,
-                                 uint32_t light) {
-    const uint8_t* const shade = ShadeTable;
-    for (; count > 0; count -= 8, pixels += 8) {
-#pragma GCC unroll 8
-        for (int i = 0; i < 8; i++) {
-            pixels[i] = shade[(light & 0xff00) | texels[((v & 0xff00) | ((u >> 8) & 0xff)) & MASK]];
-            u += U_STEP;
-            v += V_STEP;
-            light += LIGHT_STEP;
-        }
-    }
-}
-
-void FloorFrame(int span) {
-    const uint8_t* texels = TextureImage + TextureRecords()[0].texelOffset;
-    for (int y = 0; y < HEIGHT; y++) {
-        for (int x = 0; x < WIDTH; x += span) {
-            const uint32_t start = static_cast<uint32_t>(y * 77 + x);
-            FloorSpan(FrameBuffer + y * WIDTH + x, span, texels, start * 5, start * 3, start & 0x1fff);
-        }
-    }
+const uint8_t* FirstTexels() {
+    return TextureImage + TextureRecords()[0].texelOffset;
 }
 
 void SetCorner(uint32_t index, double x, double y, float depth) {
@@ -76,7 +54,7 @@ int32_t AddStrip(double width) {
 }
 
 const SpanTexture& StripTexture() {
-    static const SpanTexture texture = {TextureImage + TextureRecords()[0].texelOffset, MASK};
+    static const SpanTexture texture = {FirstTexels(), MASK};
     return texture;
 }
 
@@ -187,8 +165,8 @@ void Measure(int roundCount, bool hasTargets) {
     MakeWorld(2000);
     const std::vector<DrawnPolygon> polygons = MakePolygons();
     Rounds rounds;
-    const size_t rowFloor = rounds.Add("floor, rows", WIDTH * HEIGHT, [] { FloorFrame(WIDTH); });
-    const size_t blockFloor = rounds.Add("floor, blocks of 16", WIDTH * HEIGHT, [] { FloorFrame(16); });
+    const size_t rowFloor = rounds.Add("floor, rows", WIDTH * HEIGHT, [] { FloorFrame(FirstTexels(), WIDTH); });
+    const size_t blockFloor = rounds.Add("floor, blocks of 16", WIDTH * HEIGHT, [] { FloorFrame(FirstTexels(), 16); });
     std::vector<size_t> opaque, transparent;
     for (const SpanTarget& target : TARGETS) {
         opaque.push_back(AddSpans(rounds, target.width, TexelZero::Drawn));
