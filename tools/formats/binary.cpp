@@ -8,11 +8,13 @@
 #include <iterator>
 
 void ByteWriter::Little(uint32_t value, int count) {
-    for (int i = 0; i < count; ++i) U8((value >> (8 * i)) & 0xFF);
+    for (int i = 0; i < count; ++i)
+        U8((value >> (8 * i)) & 0xFF);
 }
 
 void ByteWriter::Big(uint32_t value, int count) {
-    for (int i = count - 1; i >= 0; --i) U8((value >> (8 * i)) & 0xFF);
+    for (int i = count - 1; i >= 0; --i)
+        U8((value >> (8 * i)) & 0xFF);
 }
 
 void ByteWriter::F64(double value) {
@@ -31,8 +33,10 @@ ByteReader::ByteReader(std::vector<uint8_t> content, std::string fileName)
 
 const uint8_t* ByteReader::Take(size_t count) {
     if (count > Left()) {
-        Refuse(file_, 0, fmt::format("ends at byte {}, but {} more bytes are needed at offset {}", content_.size(), count, offset_),
-               "the file is damaged or was cut short; build it again");
+        Refuse(
+            file_, 0,
+            fmt::format("ends at byte {}, but {} more bytes are needed at offset {}", content_.size(), count, offset_),
+            "the file is damaged or was cut short; build it again");
     }
     const uint8_t* first = content_.data() + offset_;
     offset_ += count;
