@@ -4,7 +4,7 @@
 set -u
 
 # What is needed, how to find it, and the Debian package that has it. program: on the path. module: known to
-# pkg-config. font: a font file. runtime: a library of clang's own.
+# pkg-config. header: found by the compiler. font: a font file. runtime: a library of clang's own.
 PLAY="
 program c++          g++
 program cmake        cmake
@@ -18,6 +18,8 @@ module  CLI11        libcli11-dev
 module  imagequant   libimagequant-dev
 module  freetype2    libfreetype-dev
 module  tomlplusplus libtomlplusplus-dev
+header  tiny_gltf.h  libtinygltf-dev
+header  meshoptimizer.h libmeshoptimizer-dev
 font    DejaVuSans   fonts-dejavu-core
 "
 CHECK="
@@ -33,6 +35,7 @@ present() {  # kind name
     case $1 in
     program) command -v "$2" >/dev/null ;;
     module) command -v pkg-config >/dev/null && pkg-config --exists "$2" ;;
+    header) echo "#include <$2>" | c++ -E -x c++ - >/dev/null 2>&1 ;;
     font) find /usr/share/fonts -name "$2.ttf" 2>/dev/null | grep -q . ;;
     runtime) ! command -v clang++ >/dev/null || ls "$(clang++ -print-runtime-dir)/libclang_rt.$2"* >/dev/null 2>&1 ;;
     esac

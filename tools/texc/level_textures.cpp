@@ -14,6 +14,7 @@
 namespace {
 
 constexpr Rgba SKIN_COLOUR{176, 160, 144, 255};  // of a level without a skin
+constexpr int SKIN_WEIGHT = 4;                   // in the choice of the palette: it is what players look at
 
 Image LoadPicture(const std::filesystem::path& folder, const std::string& name, int pictures) {
     const std::filesystem::path path = folder / (name + ".png");
@@ -43,6 +44,7 @@ struct Slots {
     std::vector<Image> images;
     std::vector<size_t> imageOfSlot = std::vector<size_t>(SLOT_COUNT, 0);
     std::vector<Material> list;
+    size_t firstSkinImage = 0;
 
     size_t AddImage(Image image) {
         images.push_back(std::move(image));
@@ -64,6 +66,15 @@ void AddAnimated(Slots& slots, const LevelTextures& level, const std::filesystem
     slots.Name(SLOT_FIRST_ANIMATED, level.animated, MATERIAL_LIQUID | CutoutFlag(strip));
 }
 
+void AddSkin(Slots& slots, const LevelTextures& level, const std::filesystem::path& folder) {
+    slots.firstSkinImage = slots.images.size();
+    const size_t plain = slots.AddImage(Image(TEXTURE_MIN_SIDE, TEXTURE_MIN_SIDE, SKIN_COLOUR));
+    for (size_t i = SLOT_FIRST_SKIN; i < SLOT_COUNT; ++i)
+        slots.imageOfSlot[i] = plain;
+    for (size_t i = 0; i < level.skin.size(); ++i)
+        slots.imageOfSlot[SLOT_FIRST_SKIN + i] = slots.AddImage(LoadPicture(folder, level.skin[i], 1));
+}
+
 Slots FillSlots(const LevelTextures& level, const std::filesystem::path& folder) {
     Slots slots;
     const size_t nothing = slots.AddImage(Image(TEXTURE_MIN_SIDE, TEXTURE_MIN_SIDE, {0, 0, 0, 0}));
@@ -82,9 +93,7 @@ Slots FillSlots(const LevelTextures& level, const std::filesystem::path& folder)
     }
     slots.Name(SLOT_CLIP, "clip", MATERIAL_CLIP);
     slots.Name(SLOT_CLIP, "sky", MATERIAL_SKY);
-    const size_t skin = slots.AddImage(Image(TEXTURE_MIN_SIDE, TEXTURE_MIN_SIDE, SKIN_COLOUR));
-    for (size_t i = SLOT_FIRST_SKIN; i < SLOT_COUNT; ++i)
-        slots.imageOfSlot[i] = skin;
+    AddSkin(slots, level, folder);
     return slots;
 }
 
@@ -112,6 +121,11 @@ LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
             text.RefuseKey("materials", fmt::format("'{}' stands there twice or is reserved", name), "remove it");
         }
     }
+    level.skin = text.Texts("skin");
+    if (level.skin.size() > SLOT_COUNT - SLOT_FIRST_SKIN) {
+        text.RefuseKey("skin", fmt::format("lists {} pictures", level.skin.size()),
+                       fmt::format("use at most {}", SLOT_COUNT - SLOT_FIRST_SKIN));
+    }
     text.Finish();
     return level;
 }
@@ -121,7 +135,8 @@ CompiledTextures CompileTextures(const LevelTextures& level, const std::filesyst
     PaletteWishes wishes{{}, level.dark, level.ground};
     std::vector<TextureSize> sizes;
     for (const Image& image : slots.images) {
-        wishes.pictures.push_back({&image, 1});
+        const bool isSkin = &image >= &slots.images[slots.firstSkinImage];
+        wishes.pictures.push_back({&image, isSkin ? SKIN_WEIGHT : 1});
         sizes.push_back({image.width, image.height});
     }
     const std::vector<TextureSlot> places = PackPages(sizes, level.file);

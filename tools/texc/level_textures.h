@@ -23,6 +23,7 @@ struct LevelTextures {
     Rgba dark, ground;
     std::string animated;  // moving material, or empty
     std::vector<std::string> materials;
+    std::vector<std::string> skin = {};  // pictures of the character's skin, or none
 };
 
 struct NamedPicture {
@@ -36,5 +37,5 @@ struct CompiledTextures {
 };
 
 LevelTextures ReadLevelTextures(const std::filesystem::path& path);
-// `pictures` holds <name>.png for each material of the list.
+// `pictures` holds <name>.png for each material and each part of the skin.
 CompiledTextures CompileTextures(const LevelTextures& level, const std::filesystem::path& pictures);

@@ -1,0 +1,112 @@
+#include "charc/compile.h"
+
+#include "formats/binary.h"
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr double STRAY_LIMIT = 1;  // units beyond which the user is told
+
+const ModelClip& FindClip(const Model& model, const std::string& name) {
+    return *std::find_if(model.clips.begin(), model.clips.end(), [&](const ModelClip& c) { return c.name == name; });
+}
+
+void NeedClips(const Model& model, const CharacterRecipe& recipe) {
+    std::vector<std::string> missing;
+    for (const ClipRecipe& wanted : recipe.clips) {
+        const bool found = std::any_of(model.clips.begin(), model.clips.end(),
+                                       [&](const ModelClip& clip) { return clip.name == wanted.clip; });
+        if (!found && std::find(missing.begin(), missing.end(), wanted.clip) == missing.end()) {
+            missing.push_back(wanted.clip);
+        }
+    }
+    if (missing.empty()) return;
+    Refuse(model.file, 0, fmt::format("has no animation '{}'", fmt::join(missing, "', '")),
+           fmt::format("add it to the model, or name another in {}", recipe.file));
+}
+
+// Blends go from any pose of one clip to any key of another without choosing the shorter way round.
+void NoteLongTurns(const std::vector<BuiltClip>& clips, const CharacterRecipe& recipe,
+                   std::vector<std::string>& notes) {
+    const auto opposed = [](const RotationKey& a, const RotationKey& b) {
+        return a.rotation[0] * b.rotation[0] + a.rotation[1] * b.rotation[1] + a.rotation[2] * b.rotation[2] +
+                   a.rotation[3] * b.rotation[3] <
+               0;
+    };
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        for (const BuiltClip& to : clips) {
+            const RotationKey& start = to.animation.bones[b].rotations.front();
+            for (const BuiltClip& from : clips) {
+                const auto& keys = from.animation.bones[b].rotations;
+                if (std::none_of(keys.begin(), keys.end(), [&](const auto& key) { return opposed(key, start); }))
+                    continue;
+                notes.push_back(fmt::format("'{}' may turn the long way round from '{}' to '{}'", recipe.joints[b],
+                                            from.report.clip, to.report.clip));
+            }
+        }
+    }
+}
+
+void NoteStrays(const ClipReport& report, const CharacterRecipe& recipe, std::vector<std::string>& notes) {
+    const auto joint = [&](const Stray& stray) { return recipe.joints[static_cast<size_t>(stray.bone)]; };
+    if (report.atKeys.distance > STRAY_LIMIT) {
+        notes.push_back(fmt::format("'{}' moves or scales '{}' by itself: up to {:.1f} units off, bones only turn",
+                                    report.clip, joint(report.atKeys), report.atKeys.distance));
+    }
+    if (report.loopGap.distance > STRAY_LIMIT) {
+        notes.push_back(fmt::format("'{}' does not end as it begins: {:.1f} units at '{}'", report.clip,
+                                    report.loopGap.distance, joint(report.loopGap)));
+    }
+}
+
+std::string Report(const CompiledCharacter& character, const CharacterRecipe& recipe) {
+    std::string text = fmt::format("{} triangles of {}, {} points of {}\n", character.triangles,
+                                   CHARACTER_MAX_TRIANGLES, character.points, CHARACTER_MAX_POINTS);
+    for (const ClipReport& clip : character.clips) {
+        const std::string& joint = recipe.joints[static_cast<size_t>(clip.betweenKeys.bone)];
+        text += fmt::format("{:13} {:3} keys, between them up to {:.1f} units off ({})\n", clip.file, clip.keys,
+                            clip.betweenKeys.distance, joint);
+    }
+    for (const std::string& note : character.notes)
+        text += fmt::format("note: {}\n", note);
+    return text;
+}
+
+}  // namespace
+
+CompiledCharacter CompileCharacter(const CharacterRecipe& recipe) {
+    const Model model = ReadModel(recipe.model);
+    const Skeleton skeleton = BuildSkeleton(model, recipe);
+    NeedClips(model, recipe);
+    const SkinnedMesh mesh = BuildSkinnedMesh(model, skeleton, recipe);
+    CompiledCharacter character;
+    character.triangles = mesh.mesh.triangles.size();
+    character.points = mesh.mesh.points.size();
+    character.notes = model.notes;
+    character.notes.insert(character.notes.end(), mesh.notes.begin(), mesh.notes.end());
+    character.files.push_back({CHARACTER_MESH_FILE, EncodeMesh(mesh.mesh)});
+    character.files.push_back({CHARACTER_WEIGHTS_FILE, EncodeWeights(BuildWeightBlocks(mesh))});
+    for (const SkinRecipe& skin : recipe.skins)
+        character.files.push_back({skin.file, EncodeSkin(BuildSkin(model, mesh, skin))});
+    std::vector<BuiltClip> clips;
+    for (const ClipRecipe& clip : recipe.clips) {
+        clips.push_back(BuildClip(model, skeleton, mesh, FindClip(model, clip.clip), clip));
+        character.files.push_back({clip.file, EncodeAnimation(clips.back().animation)});
+        character.clips.push_back(clips.back().report);
+        NoteStrays(clips.back().report, recipe, character.notes);
+    }
+    NoteLongTurns(clips, recipe, character.notes);
+    return character;
+}
+
+std::string CompileToFolder(const std::filesystem::path& recipePath, const std::filesystem::path& folder) {
+    const CharacterRecipe recipe = ReadRecipe(recipePath);
+    const CompiledCharacter character = CompileCharacter(recipe);
+    for (const OutputFile& file : character.files)
+        WriteWholeFile(folder / file.name, file.content);
+    return Report(character, recipe);
+}

@@ -1,0 +1,22 @@
+// The compiler as a whole: from a recipe and its model to the character's files.
+#pragma once
+
+#include "charc/clips.h"
+
+struct OutputFile {
+    std::string name;
+    std::vector<uint8_t> content;
+};
+
+struct CompiledCharacter {
+    std::vector<OutputFile> files;
+    std::vector<ClipReport> clips;
+    std::vector<std::string> notes;  // what the user should know, a line each
+    size_t triangles = 0, points = 0;
+};
+
+// ContentError when the model cannot become the game's character.
+CompiledCharacter CompileCharacter(const CharacterRecipe& recipe);
+
+// Writes all files into the folder, or none, and returns a report for the user.
+std::string CompileToFolder(const std::filesystem::path& recipe, const std::filesystem::path& folder);

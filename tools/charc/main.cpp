@@ -1,0 +1,24 @@
+#include "charc/compile.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cstdio>
+
+int main(int argc, char** argv) {
+    CLI::App app("Converts a rigged model with its animations into the game's character.");
+    std::string recipe, output;
+    bool quiet = false;
+    app.add_option("recipe", recipe, "the .toml that says what is what in the model")->required();
+    app.add_option("-o,--output", output, "the folder to write to")->required();
+    app.add_flag("--quiet", quiet, "no report");
+    CLI11_PARSE(app, argc, argv);
+    try {
+        const std::string report = CompileToFolder(recipe, output);
+        if (!quiet) fmt::print("{}", report);
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "charc: {}\n", error.what());
+        return 1;
+    }
+    return 0;
+}

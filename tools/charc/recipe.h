@@ -1,0 +1,46 @@
+// How a model becomes the game's character: which joint is which bone, which animation fills which file, and at which
+// times its keys stand. The README of the format is content/character/zero.toml itself.
+#pragma once
+
+#include "formats/character_files.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+struct SkinRecipe {
+    std::string file;                             // .tuv
+    std::vector<std::filesystem::path> pictures;  // of texture 0, 1, ...
+    size_t uvSet = 0;
+};
+
+struct ClipRecipe {
+    std::string file;  // .anm
+    std::string clip;  // its name in the model
+    bool loop = false;
+    std::vector<uint32_t> times;  // of the keys; the first is CHARACTER_FIRST_TIME, the last the length
+};
+
+struct CharacterRecipe {
+    std::string file;
+    std::filesystem::path model;
+    double scale = 100;                  // units a metre
+    double origin = 110;                 // units from the ground to where the game holds the character
+    std::vector<std::string> joints;     // by bone; an empty name is a bone that the model has not
+    std::vector<std::string> folded;     // joints whose points follow the next bone above them
+    std::vector<std::string> materials;  // by texture
+    std::vector<SkinRecipe> skins;
+    std::vector<ClipRecipe> clips;
+};
+
+// What the game loads, in its folder of animations.
+constexpr const char* CHARACTER_MESH_FILE = "zero.msh";
+constexpr const char* CHARACTER_WEIGHTS_FILE = "zero.wei";
+constexpr std::array<const char*, 2> CHARACTER_SKIN_FILES = {"zero.tuv", "tarnwick.tuv"};
+constexpr std::array<const char*, 19> CHARACTER_CLIP_FILES = {
+    "zeroback.anm", "zerofol2.anm", "zerofol3.anm", "zerofold.anm", "zeroidle.anm", "zerorebo.anm", "zeroredy.anm",
+    "zeroreru.anm", "zeroretl.anm", "zeroretr.anm", "zerorun.anm",  "zeroruwl.anm", "zerostan.anm", "zerowalk.anm",
+    "zerowbre.anm", "zerojum1.anm", "zerojum2.anm", "zerojum3.anm", "zerojum4.anm"};
+
+// ContentError for a recipe that breaks a rule, or leaves out a file that the game loads.
+CharacterRecipe ReadRecipe(const std::filesystem::path& path);

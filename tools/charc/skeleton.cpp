@@ -1,0 +1,166 @@
+#include "charc/skeleton.h"
+
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace {
+
+std::string JointName(const Model& model, size_t joint) {
+    return model.nodes[static_cast<size_t>(model.joints[joint].node)].name;
+}
+
+std::string List(const std::vector<std::string>& names) {
+    return fmt::format("'{}'", fmt::join(names, "', '"));
+}
+
+// The bone of each joint by its name, -1 for folded ones.
+std::vector<int> NameBones(const Model& model, const CharacterRecipe& recipe) {
+    std::map<std::string, int> bones;
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        const std::string& name = recipe.joints[b];
+        if (!name.empty() && !bones.emplace(name, static_cast<int>(b)).second) {
+            Refuse(recipe.file, 0, fmt::format("names the joint '{}' for two bones", name), "leave one of them empty");
+        }
+    }
+    const std::set<std::string> folded(recipe.folded.begin(), recipe.folded.end());
+    std::vector<int> boneOfJoint;
+    std::vector<std::string> strangers;
+    for (size_t j = 0; j < model.joints.size(); ++j) {
+        const std::string name = JointName(model, j);
+        const auto found = bones.find(name);
+        boneOfJoint.push_back(found == bones.end() ? -1 : found->second);
+        if (found != bones.end())
+            bones.erase(found);
+        else if (!folded.contains(name))
+            strangers.push_back(name);
+    }
+    std::vector<std::string> missing;
+    for (const auto& [name, bone] : bones)
+        missing.push_back(name);
+    if (!missing.empty()) {
+        Refuse(model.file, 0, "has no joint " + List(missing), fmt::format("correct 'joints' in {}", recipe.file));
+    }
+    if (!strangers.empty()) {
+        Refuse(model.file, 0, fmt::format("has joints without a bone: {}", List(strangers)),
+               fmt::format("the game has 22 bones: add them to 'fold' in {} to let them follow the bone above",
+                           recipe.file));
+    }
+    return boneOfJoint;
+}
+
+// The first node above with a bone.
+int BoneAbove(const Model& model, const std::map<int, int>& boneOfNode, int node) {
+    for (node = model.nodes[static_cast<size_t>(node)].parent; node >= 0;
+         node = model.nodes[static_cast<size_t>(node)].parent) {
+        if (const auto found = boneOfNode.find(node); found != boneOfNode.end()) return found->second;
+    }
+    return -1;
+}
+
+void AddCommands(const Skeleton& skeleton, int bone, std::vector<int32_t>& commands) {
+    commands.push_back(bone);
+    std::vector<int> children;
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        if (skeleton.bones[b].parent == bone) children.push_back(static_cast<int>(b));
+    }
+    for (const int child : children) {
+        const bool last = child == children.back();
+        if (!last) commands.push_back(COMMAND_PUSH);
+        AddCommands(skeleton, child, commands);
+        if (!last) commands.push_back(COMMAND_POP);
+    }
+}
+
+void LinkBones(const Model& model, Skeleton& skeleton) {
+    std::map<int, int> boneOfNode;
+    for (size_t j = 0; j < model.joints.size(); ++j) {
+        const int bone = skeleton.boneOfJoint[j];
+        if (bone < 0) continue;
+        boneOfNode.emplace(model.joints[j].node, bone);
+        skeleton.bones[static_cast<size_t>(bone)].joint = static_cast<int>(j);
+    }
+    for (size_t j = 0; j < model.joints.size(); ++j) {
+        int& bone = skeleton.boneOfJoint[j];
+        const int above = BoneAbove(model, boneOfNode, model.joints[j].node);
+        if (bone == 0) continue;
+        if (above < 0) {
+            Refuse(model.file, 0, fmt::format("has the joint '{}' outside the root joint", JointName(model, j)),
+                   "hang it below the root, or name another joint first in 'joints'");
+        }
+        if (bone < 0)
+            bone = above;
+        else
+            skeleton.bones[static_cast<size_t>(bone)].parent = above;
+    }
+}
+
+Vector PivotInMesh(const ModelJoint& joint) {
+    return Inverse(joint.inverseBind).Column(3);
+}
+
+}  // namespace
+
+Skeleton BuildSkeleton(const Model& model, const CharacterRecipe& recipe) {
+    Skeleton skeleton;
+    skeleton.boneOfJoint = NameBones(model, recipe);
+    LinkBones(model, skeleton);
+    AddCommands(skeleton, 0, skeleton.commands);
+    // glTF faces +z and is right-handed, the game's characters face -z and are left-handed: one mirror does both.
+    const Affine toUnits = Scaling(recipe.scale, recipe.scale, -recipe.scale);
+    const ModelJoint& root = model.joints[static_cast<size_t>(skeleton.bones[0].joint)];
+    const Affine upright = RestPose(model)[static_cast<size_t>(root.node)] * root.inverseBind;
+    if (std::abs(Determinant(upright)) < 1e-12) Refuse(model.file, 0, "has a flat root joint", "scale it back to 1");
+    skeleton.meshToGame = toUnits * Translation(upright(PivotInMesh(root)) * -1) * upright;
+    skeleton.gameToMesh = Inverse(skeleton.meshToGame);
+    skeleton.worldToActor = Translation({0, -recipe.origin, 0}) * toUnits;
+    for (Bone& bone : skeleton.bones) {
+        if (bone.joint < 0) continue;
+        bone.pivot = skeleton.meshToGame(PivotInMesh(model.joints[static_cast<size_t>(bone.joint)]));
+    }
+    skeleton.bones[0].pivot = {};  // exactly
+    return skeleton;
+}
+
+BonePlaces PlaceBones(const Model& model, const Skeleton& skeleton, const std::vector<Affine>& pose) {
+    BonePlaces places;
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        if (skeleton.bones[b].joint < 0) continue;
+        const ModelJoint& joint = model.joints[static_cast<size_t>(skeleton.bones[b].joint)];
+        places[b] =
+            skeleton.worldToActor * pose[static_cast<size_t>(joint.node)] * joint.inverseBind * skeleton.gameToMesh;
+    }
+    return places;
+}
+
+BoneTurns TurnsOf(const Skeleton& skeleton, const BonePlaces& places) {
+    BoneTurns result;
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        const Bone& bone = skeleton.bones[b];
+        if (bone.joint < 0) continue;
+        result.turns[b] = RotationOf(places[b]);
+        if (bone.parent < 0) continue;
+        const Quaternion above = RotationOf(places[static_cast<size_t>(bone.parent)]);
+        result.turns[b] = Normalized(Conjugate(above) * result.turns[b]);
+    }
+    result.position = places[0].Column(3);
+    return result;
+}
+
+BonePlaces PlacesOf(const Skeleton& skeleton, const BoneTurns& turns) {
+    BonePlaces places;
+    for (const int32_t command : skeleton.commands) {
+        if (command < 0) continue;
+        const auto b = static_cast<size_t>(command);
+        const Bone& bone = skeleton.bones[b];
+        const Affine turn =
+            Translation(bone.pivot) * FromParts({}, turns.turns[b], {1, 1, 1}) * Translation(bone.pivot * -1);
+        places[b] =
+            bone.parent < 0 ? Translation(turns.position) * turn : places[static_cast<size_t>(bone.parent)] * turn;
+    }
+    return places;
+}
