@@ -113,10 +113,11 @@ private:
 void CheckLevel(const LevelData& level, Report& report) {
     if (level.world && CheckTree(level, report)) {
         CheckSizes(level, report);
-        CheckPolygons(level, report);
         CheckBoxes(level, report);
-        CheckSight(level, report);
-        CheckWalking(level, report);
+        if (CheckPolygons(level, report)) {
+            CheckSight(level, report);
+            CheckWalking(level, report);
+        }
     }
     if (level.light) CheckLight(level, report);
     if (level.slots) CheckLightSlots(level, report);

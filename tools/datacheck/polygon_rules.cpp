@@ -8,6 +8,7 @@ namespace {
 constexpr double PLANE_TOLERANCE = 0.15;  // of a corner from its polygon's plane
 constexpr double SHORTEST_EDGE = 0.099;
 constexpr double SAME_DIRECTION = 0.99;  // least cosine between the stored normal and the corners' own
+constexpr float FARTHEST = 26000;        // coordinate at which collision still measures distances
 constexpr double LEAST_AREA = 1e-3;      // of the first three corners, doubled
 const char* const REBUILD = "build the world again with mapc";
 const char* const REPAIR = "move the map's vertices apart, or onto one plane";
@@ -48,31 +49,38 @@ std::string FaultOf(const WorldPolygon& polygon) {
     return "";
 }
 
-bool IsFinite(const WorldVector& v) {
-    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
+bool IsPlace(const WorldVector& v) {
+    return std::all_of(v.begin(), v.end(), [](float x) { return std::abs(x) <= FARTHEST; });
 }
 
 }  // namespace
 
-void CheckPolygons(const LevelData& level, Report& report) {
+bool CheckPolygons(const LevelData& level, Report& report) {
     const WorldFile& world = *level.world;
     const std::string file = level.WorldPath();
     const std::vector<WorldFace> faces = FacesOf(world);
+    bool sound = true;
+    const auto refuse = [&](const std::string& place, const std::string& wrong, const char* remedy) {
+        report.Problem(file, place, wrong, remedy);
+        sound = false;
+    };
     for (size_t i = 0; i < faces.size(); ++i) {
         const std::string place = fmt::format("polygon {} at {}", i, Describe(faces[i].Centre()));
-        const std::string record = FaultOf(world.polygons[i]);
-        if (!record.empty()) {
-            report.Problem(file, place, record, REBUILD);
+        if (const std::string record = FaultOf(world.polygons[i]); !record.empty()) {
+            refuse(place, record, REBUILD);
         } else if (const std::string shape = FaultOf(faces[i]); !shape.empty()) {
-            report.Problem(file, place, shape, REPAIR);
+            refuse(place, shape, REPAIR);
         }
     }
     for (size_t i = 0; i < world.points.size(); ++i) {
-        if (!IsFinite(world.points[i].position))
-            report.Problem(file, fmt::format("point {}", i), "is not a place", REBUILD);
+        if (!IsPlace(world.points[i].position)) {
+            refuse(fmt::format("point {}", i), fmt::format("lies more than {} from the origin", FARTHEST), REBUILD);
+        }
     }
     for (size_t i = 0; i < world.corners.size(); ++i) {
-        if (!std::isfinite(world.corners[i].u) || !std::isfinite(world.corners[i].v))
-            report.Problem(file, fmt::format("corner {}", i), "has no texture coordinates", REBUILD);
+        if (!std::isfinite(world.corners[i].u) || !std::isfinite(world.corners[i].v)) {
+            refuse(fmt::format("corner {}", i), "has no texture coordinates", REBUILD);
+        }
     }
+    return sound;
 }

@@ -6,14 +6,16 @@
 
 // Records and tree of a world. False: the tree cannot be walked, so no other rule of the world can be asked.
 bool CheckTree(const LevelData& level, Report& report);
-void CheckSizes(const LevelData& level, Report& report);     // counts, depth, contacts at a place, pool memory
-void CheckPolygons(const LevelData& level, Report& report);  // corners, winding, planes, shading kinds
-void CheckBoxes(const LevelData& level, Report& report);     // boxes, cells and radii of leaves and nodes
+// Corners, winding, planes, shading kinds. False: there were faults, so that what follows from the polygons' shapes is
+// not worth asking.
+bool CheckPolygons(const LevelData& level, Report& report);
+void CheckSizes(const LevelData& level, Report& report);  // counts, depth, pool memory
+void CheckBoxes(const LevelData& level, Report& report);  // boxes, cells and radii of leaves and nodes
 
 // Seen along random rays: painter's order, and walls without holes.
 void CheckSight(const LevelData& level, Report& report);
 
-// Where the player stands: the start, steps and walls as the movement takes them.
+// Where the player stands: the start, steps and walls as the movement takes them, polygons touched at once.
 void CheckWalking(const LevelData& level, Report& report);
 
 void CheckLight(const LevelData& level, Report& report);       // lights.lmp against the world

@@ -69,10 +69,4 @@ void CheckSizes(const LevelData& level, Report& report) {
         report.Problem(file, "memory", fmt::format("the engine's 8 MiB run out at {}", use.failedFor),
                        "simplify the world or use fewer texture pages");
     }
-    const Contacts contacts = MostContacts(*level.world);
-    if (contacts.count > CONTACTS_MAX) {
-        report.Problem(file, "at " + Describe(Widened(contacts.place)),
-                       fmt::format("a moving player touches {} polygons, at most {}", contacts.count, CONTACTS_MAX),
-                       "use fewer or larger faces there");
-    }
 }

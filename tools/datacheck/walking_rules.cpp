@@ -1,4 +1,5 @@
 #include "datacheck/rules.h"
+#include "mapc/limits.h"
 
 #include <fmt/format.h>
 
@@ -95,6 +96,14 @@ void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces,
     }
 }
 
+void CheckContacts(const LevelData& level, Report& report) {
+    const Contacts contacts = MostContacts(*level.world);
+    if (contacts.count <= CONTACTS_MAX) return;
+    report.Problem(level.WorldPath(), "at " + Describe(Widened(contacts.place)),
+                   fmt::format("a moving player touches {} polygons, at most {}", contacts.count, CONTACTS_MAX),
+                   "use fewer or larger faces there");
+}
+
 }  // namespace
 
 void CheckWalking(const LevelData& level, Report& report) {
@@ -102,4 +111,5 @@ void CheckWalking(const LevelData& level, Report& report) {
     CheckStart(level, faces, report);
     CheckContactOrder(level, faces, report);
     NoteSplitWalls(level, faces, report);
+    CheckContacts(level, report);
 }

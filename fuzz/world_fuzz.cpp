@@ -1,0 +1,69 @@
+// A world file: what LoadBspWorld accepts can be measured, looked at from anywhere, drawn and probed.
+#include "camera/camera.h"
+#include "math/vectors.h"
+#include "platform/timer.h"
+#include "render/raster.h"
+#include "render/render_tables.h"
+#include "support/game_file.h"
+#include "support/view.h"
+#include "world/bsp.h"
+#include "world/draw/render_world.h"
+#include "world/world_tables.h"
+
+#include <vector>
+
+namespace {
+
+std::vector<uint8_t> frame;
+std::vector<uint8_t> textures;
+std::vector<uint8_t> remap(256);
+
+void SetUpScreen() {
+    if (!frame.empty()) return;
+    BuildReciprocalTable();
+    ScreenWidth = FramePitch = 320;
+    ScreenHeight = 240;
+    frame.resize(320 * 240);
+    FrameBuffer = frame.data();
+    ProjectionScaleX = 316.8f;
+    ProjectionScaleY = 237.6f;
+    ScreenAspect = ProjectionScaleX / ProjectionScaleY;
+    ScreenCentreX = 160.0f;
+    ScreenCentreY = 120.0f;
+    FarDistance = FadeDistance = 5000.0f;
+
+    textures.resize(TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord) + TEXTURE_PAGE_SIZE);
+    TextureImage = textures.data();
+    TextureCount = 1;
+    TextureRemap = remap.data();
+    TextureRecords()[0] = {TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord), 0, 0, 0, 0, 0, 64, 64};
+}
+
+void LookFrom(const Vec3& eye, float yaw) {
+    LookFrom(eye, 15.0f, yaw);
+    ++FrameCount;
+    RenderWorld();
+    CameraRayDistance(eye, {eye.x + 100.0f, eye.y + 60.0f, eye.z - 200.0f});
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    SetUpScreen();
+    try {
+        LoadBspWorld(BeginGameFile(data, size));
+    } catch (const FatalThrown&) {
+        return 0;
+    }
+    GenerateVertexNormals();
+    SetStaticMarks();
+    GenerateNodeRadii();
+    for (int i = 0; i < 4; ++i)
+        LookFrom(Vec3{0, 60, 0}, static_cast<float>(i) * 90.0f);
+    const Vec3 first = WorldGeometry.file.points > 0 ? WorldGeometry.points[0].position : Vec3{};
+    LookFrom(first, 45.0f);
+    FogSwitch = 0;
+    LookFrom(first, 200.0f);
+    FogSwitch = FOG_SWITCH_ON;
+    return 0;
+}
