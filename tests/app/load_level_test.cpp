@@ -120,40 +120,4 @@ TEST_F(LoadLevelTest, PlayerKeepsAnglesAndVelocity) {
     EXPECT_EQ(PlayerActor.velocity.z, 3.0f);
 }
 
-// Index 0 to 7: world file's tail, skin, sky, ticks, fog.
-TEST(LevelTable, HoldsTheEightLevels) {
-    struct Row {
-        const char* world;
-        Vec3 start;
-        int skin, sky, ticks;
-        uint32_t fog;
-    };
-    const Row rows[LEVEL_COUNT] = {
-        {"level1\\assault.bgm", {3837, -1103, 12788}, 0, 1, 4, 0xFA821E},
-        {"level2\\bigone.bgm", {3837, -1103, 12788}, 1, 1, 4, 0},
-        {"level3\\house.bgm", {223, 488, -211}, 0, 0, 1, 0},
-        {"level4\\soulflum.bgm", {1068, -731, 1663}, 1, 0, 1, 0},
-        {"level5\\dside.bgm", {-15, 507, 1599}, 1, 1, 1, 0},
-        {"level6\\swamp.bgm", {3444, 408, 4976}, 0, 1, 2, 0xFA821E},
-        {"level7\\wild.bgm", {327, -317, -384}, 0, 0, 2, 0},
-        {"level8\\assault.bgm", {800, 800, 0}, 1, 1, 2, 0},
-    };
-    for (int i = 0; i < LEVEL_COUNT; i++) {
-        const LevelInfo& level = LevelTable[i];
-        const Row& row = rows[i];
-        const std::string folder = "game\\data\\levels\\level" + std::to_string(i + 1) + "\\";
-        EXPECT_EQ(level.worldFile, std::string("game\\data\\levels\\") + row.world);
-        EXPECT_EQ(level.textureFile, folder + "texture.bin");
-        EXPECT_EQ(level.skyFile, folder + "sky.sob");
-        EXPECT_EQ(level.lightMapFile, folder + "lights.lmp");
-        EXPECT_EQ(level.lightSlotFile, folder + "lights.alt");
-        EXPECT_TRUE(level.start.x == row.start.x && level.start.y == row.start.y && level.start.z == row.start.z);
-        EXPECT_EQ(level.skin, row.skin);
-        EXPECT_EQ(level.hasSky, row.sky);
-        EXPECT_EQ(level.minFrameTicks, row.ticks);
-        EXPECT_EQ(level.textureColour, 0x404040u);
-        EXPECT_EQ(level.fogColour, row.fog);
-    }
-}
-
 }  // namespace

@@ -16,7 +16,6 @@ public:
     ProgramRun();
 
     ProgramResult Run(const std::string& arguments) const;  // shell words
-    std::filesystem::path Path(const std::string& name) const { return folder_ / name; }
     void Write(const std::string& name, const std::string& text) const;
     std::string Read(const std::string& name) const;
 
