@@ -63,7 +63,7 @@ private:
     }
 
     int AddSubtree(std::vector<Face> faces, int depth) {
-        const std::optional<int> splitter = ChooseSplitter(faces);
+        const std::optional<int> splitter = depth <= TREE_DEPTH_MAX + 1 ? ChooseSplitter(faces) : std::nullopt;
         if (!splitter) return AddLeaf(kind_ == TreeKind::Drawing ? std::move(faces) : std::vector<Face>());
         tree_.depth = std::max(tree_.depth, depth);
         const size_t node = tree_.nodes.size();

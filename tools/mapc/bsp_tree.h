@@ -10,6 +10,9 @@ struct TreeNode {
     int back = 0;
 };
 
+// Deeper trees are left unfinished, with a depth of one more than this. The engine's own limit is a little higher.
+constexpr int TREE_DEPTH_MAX = 1000;
+
 struct Tree {
     std::vector<TreeNode> nodes;  // node 0 is the root; there is always one
     std::vector<std::vector<Face>> leaves;

@@ -37,6 +37,7 @@ void CheckStart(const MapFile& map, const Brushes& brushes, const PlayerStart& s
 std::vector<Face> ReachableFaces(const MapFile& map, Brushes& brushes, const PlayerStart& start) {
     Surface surface = CutBrushes(brushes);
     const SealedSpace space(std::move(surface.sealing), brushes, start.origin);
+    CheckCounts(map.name, {DepthCount(space.TreeDepth())});
     if (!space.LeakPath().empty()) RefuseLeak(map, space.LeakPath());
     std::erase_if(surface.visible, [&](const Face& face) { return !space.IsSeen(face); });
     MergeFaces(surface.visible, brushes);

@@ -16,7 +16,6 @@ constexpr size_t POLYGONS_MAX = 20000;
 constexpr size_t POINTS_MAX = 25000;
 constexpr size_t CORNERS_MAX = 52000;
 constexpr size_t POLYGONS_AT_POINT_MAX = 127;
-constexpr size_t DEPTH_MAX = 1000;
 // What the engine's 8 MiB leave for the world beside 12 texture pages, the character, its clips and the frame.
 constexpr size_t MEMORY_MAX = 4300000;
 
@@ -36,6 +35,10 @@ size_t MostCorners(const WorldFile& world, uint8_t shading) {
 }
 
 }  // namespace
+
+Count DepthCount(int treeDepth) {
+    return {"levels of the tree", static_cast<size_t>(treeDepth), size_t{TREE_DEPTH_MAX}};
+}
 
 void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh) {
     size_t polygons = 0;
@@ -66,7 +69,7 @@ std::vector<Count> CountWorld(const WorldFile& world, int treeDepth) {
          POLYGONS_AT_POINT_MAX},
         {"corners of a polygon", MostCorners(world, WORLD_POINT_LIGHT), CORNERS_MAX_POINT_LIGHT},
         {"corners of a polygon with corner light", MostCorners(world, WORLD_CORNER_LIGHT), CORNERS_MAX_CORNER_LIGHT},
-        {"depth of the tree", static_cast<size_t>(treeDepth), DEPTH_MAX},
+        {"depth of the tree", static_cast<size_t>(treeDepth), size_t{TREE_DEPTH_MAX}},
         {"bytes of engine memory", memory, MEMORY_MAX}};
 }
 

@@ -19,6 +19,7 @@ struct Count {
     size_t limit;
 };
 
+Count DepthCount(int treeDepth);
 // Counts that do not fit the file's numbers; ContentError that lists all that are exceeded.
 void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh);
 // All counts of a finished world.

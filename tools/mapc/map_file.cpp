@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr double SCALE_MIN = 0.001;
+
 struct Token {
     std::string_view text;
     bool quoted = false;
@@ -21,6 +23,7 @@ class Scanner {
 public:
     Scanner(std::string_view text, const std::string& file) : text_(text), file_(file) { Advance(); }
 
+    const std::string& File() const { return file_; }
     const Token& Next() const { return next_; }
     bool AtEnd() const { return next_.text.empty() && !next_.quoted; }
     bool Is(std::string_view word) const { return !next_.quoted && next_.text == word; }
@@ -137,6 +140,10 @@ MapFace TakeFace(Scanner& in) {
     face.rotation = in.TakeNumber();
     face.uScale = in.TakeNumber();
     face.vScale = in.TakeNumber();
+    for (const double scale : {face.uScale, face.vScale}) {
+        if (scale == 0 || std::abs(scale) >= SCALE_MIN) continue;
+        Refuse(in.File(), face.line, fmt::format("a texture scale of {}", scale), "use the editor's default scale");
+    }
     while (in.NextIsNumber())
         in.TakeNumber();
     return face;

@@ -11,6 +11,7 @@ public:
     SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start);
 
     const std::vector<Vec3>& LeakPath() const { return leakPath_; }  // empty when the level is sealed
+    int TreeDepth() const { return tree_.depth; }                    // nothing holds when it is above TREE_DEPTH_MAX
     bool IsSeen(const Face& face) const;  // whether some of its front borders on the flooded space
 
 private:
