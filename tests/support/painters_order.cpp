@@ -93,14 +93,15 @@ std::string Describe(const char* what, Vec3 eye, int polygon, int other) {
 
 class Checker {
 public:
-    explicit Checker(unsigned seed) : random_(seed) {}
+    Checker(unsigned seed, const std::function<bool(int)>& canBeSeen) : canBeSeen_(canBeSeen), random_(seed) {}
 
     void LookAround(Vec3 eye, int rays) {
         const float pitch = Between(-60.0f, 60.0f);
         LookFrom(eye, pitch, Between(0.0f, 360.0f));
         FrameCount = static_cast<uint16_t>(FrameCount + 1);
         RenderWorld();
-        const std::vector<int> drawn = DrawnPolygons();
+        std::vector<int> drawn = DrawnPolygons();
+        std::erase_if(drawn, [&](int polygon) { return !canBeSeen_(polygon); });
         for (int i = 0; i < rays; ++i)
             Cast(RandomRay(eye), eye, drawn);
     }
@@ -140,20 +141,22 @@ private:
 
     void CheckNothingIsMissing(const Ray& ray, Vec3 eye, double nearest, int nearestPolygon) {
         for (uint32_t p = 0; p < WorldGeometry.file.polygons; ++p) {
-            const double t = Hit(ray, static_cast<int>(p));
+            const double t = canBeSeen_(static_cast<int>(p)) ? Hit(ray, static_cast<int>(p)) : nearest;
             if (t < nearest - DEPTH_MARGIN && t < double{FarDistance}) {
                 report.faults.push_back(Describe("is culled, which hides", eye, static_cast<int>(p), nearestPolygon));
             }
         }
     }
 
+    const std::function<bool(int)>& canBeSeen_;
     std::mt19937 random_;
 };
 
 }  // namespace
 
-PaintersOrderReport CheckPaintersOrder(const std::vector<Vec3>& eyes, int raysPerEye, unsigned seed) {
-    Checker checker(seed);
+PaintersOrderReport CheckPaintersOrder(const std::vector<Vec3>& eyes, int raysPerEye, unsigned seed,
+                                       const std::function<bool(int polygon)>& canBeSeen) {
+    Checker checker(seed, canBeSeen);
     for (const Vec3 eye : eyes)
         checker.LookAround(eye, raysPerEye);
     return checker.report;

@@ -4,6 +4,7 @@
 
 #include "records/vec3.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,5 +14,8 @@ struct PaintersOrderReport {
 };
 
 // Casts raysPerEye rays in random directions of a random view from each eye, on WorldGeometry with its node radii.
-// Deterministic in the seed. FarDistance must reach as far as the faults of interest.
-PaintersOrderReport CheckPaintersOrder(const std::vector<Vec3>& eyes, int raysPerEye, unsigned seed);
+// Deterministic in the seed. FarDistance must reach as far as the faults of interest. Polygons that cannot be seen,
+// such as those of clip walls, have no order.
+PaintersOrderReport CheckPaintersOrder(
+    const std::vector<Vec3>& eyes, int raysPerEye, unsigned seed,
+    const std::function<bool(int polygon)>& canBeSeen = [](int) { return true; });

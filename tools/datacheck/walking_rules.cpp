@@ -7,11 +7,11 @@ namespace {
 
 constexpr double START_LOWEST = 111;  // of the start above its floor
 constexpr double START_HIGHEST = 117;
-constexpr double STEP_HEIGHT = 50;   // lower steep faces are stepped up
-constexpr double SPLIT_HEIGHT = 64;  // a wall whole up to here is no ledge
-constexpr double TREAD_SLOPE = 0.2;  // least Up() of a tread
-constexpr double STEEP = 0.2;        // greatest vertical part of a wall's normal
-constexpr double BEFORE_WALL = 8;    // where the floor in front of a wall is felt for
+constexpr double STEP_HEIGHT = 50.01;  // lower steep faces are stepped up
+constexpr double SPLIT_HEIGHT = 64;    // a wall whole up to here is no ledge
+constexpr double TREAD_SLOPE = 0.2;    // least Up() of a tread
+constexpr double STEEP = 0.2;          // greatest vertical part of a wall's normal
+constexpr double BEFORE_WALL = 8;      // where the floor in front of a wall is felt for
 
 void CheckStart(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     const Vec3 start = StartOf(level.number);
@@ -35,21 +35,29 @@ bool IsWall(const WorldFace& face) {
     return std::abs(face.normal.y) < STEEP;
 }
 
-// The last polygon hit decides how a step is taken.
-int ContactOrder(const WorldFace& face) {
-    if (face.Up() > TREAD_SLOPE) return 0;
-    return face.Up() > -STEEP && HeightOf(face) <= STEP_HEIGHT ? 2 : 1;
+// The last polygon hit decides how a step is taken. Nothing is stepped on at a ceiling.
+enum class Contact { Tread, Wall, Riser, Ceiling };
+
+Contact ContactOf(const WorldFace& face) {
+    if (face.Up() > TREAD_SLOPE) return Contact::Tread;
+    if (face.Up() < -STEEP) return Contact::Ceiling;
+    return HeightOf(face) <= STEP_HEIGHT ? Contact::Riser : Contact::Wall;
 }
 
 void CheckContactOrder(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     for (size_t l = 0; l < level.world->leaves.size(); ++l) {
         const WorldLeaf& leaf = level.world->leaves[l];
-        for (size_t i = leaf.firstPolygon + size_t{1}; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
-            if (ContactOrder(faces[i]) >= ContactOrder(faces[i - 1])) continue;
-            report.Problem(level.WorldPath(), fmt::format("leaf {}, polygon {}", l, i),
-                           "comes after a riser or wall that must be touched last",
-                           "order the leaf's polygons: treads, walls, risers");
-            break;
+        Contact last = Contact::Tread;
+        for (size_t i = leaf.firstPolygon; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
+            const Contact contact = ContactOf(faces[i]);
+            if (contact == Contact::Ceiling) continue;
+            if (contact < last) {
+                report.Problem(level.WorldPath(), fmt::format("leaf {}, polygon {}", l, i),
+                               "comes after a riser or wall that must be touched last",
+                               "order the leaf's polygons: treads, walls, risers");
+                break;
+            }
+            last = contact;
         }
     }
 }
@@ -58,7 +66,7 @@ void CheckContactOrder(const LevelData& level, const std::vector<WorldFace>& fac
 bool FloorIsNear(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& edge) {
     const Vec3 eye = edge - wall.normal * BEFORE_WALL;
     for (const WorldFace& face : faces) {
-        if (face.Up() > TREAD_SLOPE && face.Hit(eye, {0, -1, 0}, 0) <= SPLIT_HEIGHT) return true;
+        if (face.Up() > TREAD_SLOPE && face.Hit(eye, {0, -1, 0}, 0) < SPLIT_HEIGHT - 0.1) return true;
     }
     return false;
 }
@@ -91,7 +99,7 @@ void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces,
             if (!isTop || !FloorIsNear(faces, wall, middle) || !IsContinued(faces, wall, middle)) continue;
             report.Note(level.WorldPath(), "wall at " + Describe(middle),
                         fmt::format("is cut horizontally less than {} above a floor", SPLIT_HEIGHT),
-                        "avoid planes that continue a ledge into the wall");
+                        "let one face of the wall reach 64 above the floor, and no ledge's plane cut it");
         }
     }
 }
