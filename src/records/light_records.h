@@ -20,8 +20,8 @@ struct [[gnu::packed]] LightSlot {
     double radiusSquared;
     float intensity, highIntensity, lowIntensity;
     int32_t highTime, lowTime;  // frames
-    float stepDown;  // added each frame in phase 1
-    float stepUp;    // added each frame in phase 0
+    float stepDown;             // added each frame in phase 1
+    float stepUp;               // added each frame in phase 0
     uint8_t unused[16];
 };
 static_assert(sizeof(LightSlot) == 96 && offsetof(LightSlot, radiusSquared) == 44);

@@ -11,24 +11,24 @@
 #include <cstdint>
 
 struct [[gnu::packed]] BspNode {
-    int16_t frontChild;   // subtree on the side of distance >= 0; >= 0: node index, < 0: leaf ~frontChild
-    int16_t backChild;    // same coding
-    uint16_t plane;       // index into the PlaneRecord table
-    Vec3 centre;          // of the bounding box
-    float radius;         // the three radii are computed by GenerateNodeRadii, the file's values are overwritten
-    float radiusRoot2;    // radius x 1.414213562
-    float radiusAspect;   // radius x 1.414213562 x screen aspect
-    Vec3 halfExtents;     // of the bounding box
+    int16_t frontChild;  // subtree on the side of distance >= 0; >= 0: node index, < 0: leaf ~frontChild
+    int16_t backChild;   // same coding
+    uint16_t plane;      // index into the PlaneRecord table
+    Vec3 centre;         // of the bounding box
+    float radius;        // the three radii are computed by GenerateNodeRadii, the file's values are overwritten
+    float radiusRoot2;   // radius x 1.414213562
+    float radiusAspect;  // radius x 1.414213562 x screen aspect
+    Vec3 halfExtents;    // of the bounding box
 };
 static_assert(sizeof(BspNode) == 42 && offsetof(BspNode, radius) == 18 && offsetof(BspNode, halfExtents) == 30);
 
 struct [[gnu::packed]] BspLeaf {
     uint16_t polygonCount;
-    uint16_t frameStamp;    // FrameCount of the last frame in which character polygons were binned here
+    uint16_t frameStamp;  // FrameCount of the last frame in which character polygons were binned here
     uint16_t unused;
     uint16_t firstPolygon;  // the leaf's polygons are consecutive
     Vec3 centre;
-    float radius;           // radii as in BspNode
+    float radius;  // radii as in BspNode
     float radiusRoot2;
     float radiusAspect;
     Vec3 halfExtents;
@@ -45,10 +45,10 @@ constexpr uint8_t SHADE_POINT_LIGHT = 1;   // light bytes per point; only these 
 constexpr uint8_t POLY_WRAPS = 0x80;       // flag: the texture repeats instead of clamping on the accelerator
 
 struct [[gnu::packed]] PolyRecord {
-    uint8_t cornerCount;   // 3..12 in files, up to 16 after clipping
-    uint8_t texture;       // mapped through TextureRemap when drawn
-    uint8_t shading;       // SHADE_CORNER_LIGHT or SHADE_POINT_LIGHT
-    uint8_t flags;         // POLY_WRAPS; the other bits are not read
+    uint8_t cornerCount;  // 3..12 in files, up to 16 after clipping
+    uint8_t texture;      // mapped through TextureRemap when drawn
+    uint8_t shading;      // SHADE_CORNER_LIGHT or SHADE_POINT_LIGHT
+    uint8_t flags;        // POLY_WRAPS; the other bits are not read
     uint16_t unused;
     uint16_t firstVertex;  // the corners are consecutive PolyVertex records
     uint16_t plane;
@@ -71,28 +71,28 @@ static_assert(sizeof(PolyVertex) == 16);
 // Memory only: the rotation of a polygon's plane for the collision slide, from the inverted normal (x, y, z),
 // h = sqrt(x2 + z2), l = sqrt(y2 + h2).
 struct PolyFrame {
-    float pitchCos;    // -h / l
-    float yawSin;      // x / h, 0 when h < 0.0001
-    float pitchSin;    // y / l
-    float yawCos;      // z / h, 1 when h < 0.0001
-    float y;           // y: +1 floor, -1 ceiling
+    float pitchCos;  // -h / l
+    float yawSin;    // x / h, 0 when h < 0.0001
+    float pitchSin;  // y / l
+    float yawCos;    // z / h, 1 when h < 0.0001
+    float y;         // y: +1 floor, -1 ceiling
 };
 static_assert(sizeof(PolyFrame) == 20);
 
 // The camera-space shadow of a WorldPoint. Valid in the frame whose FrameCount its stamp equals.
 struct ViewPoint {
-    float x, y, z;             // camera space: z away from the eye, y up, y already scaled by the screen aspect
+    float x, y, z;  // camera space: z away from the eye, y up, y already scaled by the screen aspect
     uint32_t transformStamp;
     uint32_t projectionStamp;
     union {
         struct {
-            int32_t x, y;      // software: 16.16 pixels
+            int32_t x, y;  // software: 16.16 pixels
         } fixed;
         struct {
-            float x, y;        // accelerator: pixels
+            float x, y;  // accelerator: pixels
         } pixels;
     } screen;
-    float inverseDepth;        // software: 1 / z; accelerator: 1 / (z x DepthScale)
+    float inverseDepth;  // software: 1 / z; accelerator: 1 / (z x DepthScale)
 };
 static_assert(sizeof(ViewPoint) == 32 && offsetof(ViewPoint, screen) == 20 && offsetof(ViewPoint, inverseDepth) == 28);
 
@@ -102,4 +102,4 @@ constexpr uint8_t OUT_LEFT = 0x02;    // x < -z
 constexpr uint8_t OUT_TOP = 0x04;     // y > z
 constexpr uint8_t OUT_BOTTOM = 0x08;  // y < -z
 constexpr uint8_t OUT_SIDES = 0x0F;
-constexpr uint8_t OUT_DEPTH = 0x10;   // world: z > FarDistance; character: z < 0. Never clipped, only rejects
+constexpr uint8_t OUT_DEPTH = 0x10;  // world: z > FarDistance; character: z < 0. Never clipped, only rejects

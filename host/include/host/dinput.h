@@ -26,7 +26,7 @@ extern const DIDATAFORMAT c_dfDIKeyboard;  // 256 bytes by scan code, 0x80 = dow
 extern const DIDATAFORMAT c_dfDIMouse;     // DIMOUSESTATE
 
 struct DIMOUSESTATE {
-    LONG lX, lY, lZ;  // counts since the previous GetDeviceState; y downwards
+    LONG lX, lY, lZ;     // counts since the previous GetDeviceState; y downwards
     BYTE rgbButtons[4];  // 0x80 = down
 };
 static_assert(sizeof(DIMOUSESTATE) == 16);

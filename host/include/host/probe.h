@@ -11,18 +11,18 @@ struct HostStateSpan {
 };
 
 struct HostFrameReport {
-    uint32_t ticks;      // FrameTicks used by this frame
-    int32_t level;       // 1..8
-    int32_t state;       // of the player
-    float position[3];   // of the player
+    uint32_t ticks;     // FrameTicks used by this frame
+    int32_t level;      // 1..8
+    int32_t state;      // of the player
+    float position[3];  // of the player
     float velocity[3];
     float heading;
     int32_t contact;
     float slope;
-    uint32_t time0;      // animation clock of layer 0
+    uint32_t time0;  // animation clock of layer 0
     float camera[3];
     float cameraAngles[3];
-    uint32_t polygons;   // SubmitPolygon calls
+    uint32_t polygons;       // SubmitPolygon calls
     HostStateSpan extra[4];  // further state for the digest: random numbers, light slots, shots
 };
 

@@ -39,10 +39,10 @@ struct RECT {
 
 constexpr UINT WM_DESTROY = 0x02;
 constexpr UINT WM_QUIT = 0x12;
-constexpr UINT WM_ACTIVATEAPP = 0x1C;     // wParam 1 activated, 0 deactivated
-constexpr UINT WM_DISPLAYCHANGE = 0x7E;   // wParam bits per pixel; lParam low word width, high word height
-constexpr UINT WM_SYSKEYDOWN = 0x104;     // wParam virtual key
-constexpr UINT MM_MCINOTIFY = 0x3B9;      // wParam notification code; lParam device
+constexpr UINT WM_ACTIVATEAPP = 0x1C;    // wParam 1 activated, 0 deactivated
+constexpr UINT WM_DISPLAYCHANGE = 0x7E;  // wParam bits per pixel; lParam low word width, high word height
+constexpr UINT WM_SYSKEYDOWN = 0x104;    // wParam virtual key
+constexpr UINT MM_MCINOTIFY = 0x3B9;     // wParam notification code; lParam device
 
 constexpr UINT CS_NOCLOSE = 0x200;
 constexpr DWORD WS_EX_TOPMOST = 0x8;
@@ -143,7 +143,7 @@ struct BITMAPINFOHEADER {
     DWORD biSize;
     LONG biWidth, biHeight;  // positive height: rows bottom-up
     WORD biPlanes, biBitCount;
-    DWORD biCompression;     // 0 RGB, 1 RLE8, 2 RLE4, 3 bit fields
+    DWORD biCompression;  // 0 RGB, 1 RLE8, 2 RLE4, 3 bit fields
     DWORD biSizeImage;
     LONG biXPelsPerMeter, biYPelsPerMeter;
     DWORD biClrUsed, biClrImportant;
