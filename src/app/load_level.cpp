@@ -51,7 +51,7 @@ void PlacePlayer(const Vec3& start) {
     AddActor(PlayerActor, &PlayerMesh, PlayerStates, TruncToInt(start.x), TruncToInt(start.y), TruncToInt(start.z),
              PlayerAnimations);
     UpdateActorBase(PlayerActor);  // the first frame poses with it
-    PlayerActor.weights = LoadWeights("game\\data\\anims\\zero.wei");
+    PlayerActor.weights = LoadWeights("game\\data\\anims\\zero.wei", PlayerMesh);
 }
 
 // The alternate table keeps the coordinates in texel units.
@@ -71,7 +71,7 @@ void LoadLevel(int32_t index) {
     LoadPlayerMesh(level.skin);
     SkyFlag = level.hasSky;
     MinFrameTicks = level.minFrameTicks;
-    LoadAnimations(PlayerAnimations);
+    LoadAnimations(PlayerAnimations, PlayerMesh);
     PlacePlayer(level.start);
     LoadLightMap(level.lightMapFile);
     ApplyLightLevel();

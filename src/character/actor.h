@@ -1,13 +1,25 @@
-// Actors: the character placed in the world.
+// Actors: the character placed in the world, and what its drawing needs every frame.
 #pragma once
 
 #include "character/character_tables.h"
 #include "records/character_records.h"
 
-// Sets the actor up at a place, in state 0 at animation time 10, and enters it in ActorList (a full list takes no
-// more). Angles, velocity, local move and contact fields keep what they held.
+#include <cstdint>
+
+// Sets the actor up in state 0, standing at (x, y, z), and enters it in ActorList. Its angles, velocity and contact
+// fields keep what the previous level left in them.
 void AddActor(Actor& actor, MeshRecord* mesh, StateRecord* states, int32_t x, int32_t y, int32_t z,
               AnimFileEntry* animations);
 
-// The base transform from position and angles. The mesh faces its own -z, so it is turned by half a turn.
+// The actor's base transform from its position and angles. A mesh faces -z, hence the half turn.
 void UpdateActorBase(Actor& actor);
+
+void DrawActorAt(int16_t index);  // of ActorList: pose, then draw
+// Lights, skins and bins the actor into the leaves for RenderWorld of the same frame; rebuilds the base last, so a
+// pose uses the base of the frame before.
+void DrawActor(Actor& actor);
+
+void GatherActorLights(float x, float y, float z);  // fills CharacterLightList
+
+// The eye's side of a triangle of skinned points, truncated to whole units: negative faces the eye.
+int32_t FacingSide(uint32_t a, uint32_t b, uint32_t c, const Vec3& eye);

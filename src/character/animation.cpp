@@ -1,4 +1,170 @@
 #include "character/animation.h"
 
-// Comes with the character's files.
-void LoadAnimations(AnimFileEntry*) {}
+#include "math/matrix_stack.h"
+#include "math/vectors.h"
+#include "memory/fatal.h"
+#include "memory/files.h"
+#include "memory/image.h"
+#include "platform/timer.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr uint32_t HEADER_BYTES = 32;
+constexpr uint32_t ROTATION_TRACK_HEADER = 32;
+constexpr uint32_t ROTATION_KEY_BYTES = 36;
+constexpr uint32_t POSITION_TRACK_HEADER = 8;
+constexpr uint32_t POSITION_KEY_BYTES = 28;
+
+struct TrackShape {
+    uint32_t headerBytes;  // the key count is its last word
+    uint32_t keyBytes;     // u32 time, then doubles
+};
+constexpr TrackShape ROTATION_TRACK = {ROTATION_TRACK_HEADER, ROTATION_KEY_BYTES};
+constexpr TrackShape POSITION_TRACK = {POSITION_TRACK_HEADER, POSITION_KEY_BYTES};
+
+bool DoublesFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
+    for (uint32_t i = 0; i < count; ++i) {
+        if (!std::isfinite(ImageField<double>(image, offset + 8 * i))) return false;
+    }
+    return true;
+}
+
+bool ValidTrack(const AnimRecord& record, uint32_t offset, const TrackShape& shape) {
+    if (uint64_t{offset} + shape.headerBytes > record.imageBytes) return false;
+    const auto keys = ImageField<int32_t>(record.image, offset + shape.headerBytes - 4);
+    if (keys < 1) return false;
+    const uint32_t first = offset + shape.headerBytes;
+    if (first + uint64_t{shape.keyBytes} * static_cast<uint32_t>(keys) > record.imageBytes) return false;
+    if (shape.headerBytes == ROTATION_TRACK_HEADER && !DoublesFinite(record.image, offset + 4, 3)) return false;
+    for (uint32_t k = 0; k < static_cast<uint32_t>(keys); ++k) {
+        const uint32_t key = first + shape.keyBytes * k;
+        if (!DoublesFinite(record.image, key + 4, (shape.keyBytes - 4) / 8)) return false;
+        const bool ascends = k == 0 || ImageField<uint32_t>(record.image, key - shape.keyBytes) <
+                                           ImageField<uint32_t>(record.image, key);
+        if (!ascends) return false;
+    }
+    return true;
+}
+
+bool ValidTable(const AnimRecord& record, uint32_t table, const TrackShape& shape) {
+    if (uint64_t{table} + 4 + 4ull * record.trackCount > record.imageBytes) return false;
+    for (uint32_t b = 0; b < record.trackCount; ++b) {
+        if (!ValidTrack(record, ImageField<uint32_t>(record.image, table + 4 + 4 * b), shape)) return false;
+    }
+    return true;
+}
+
+// The list ends inside the file, names bones of the mesh, and leaves the matrix stack as it found it.
+bool ValidCommands(const AnimRecord& record, uint32_t boneCount) {
+    int depth = 0;
+    for (uint64_t offset = HEADER_BYTES; offset + 4 <= record.imageBytes; offset += 4) {
+        const auto command = ImageField<int32_t>(record.image, static_cast<uint32_t>(offset));
+        if (command == -3) return depth == 0;
+        if (command == -1) depth += 1;
+        if (command == -2) depth -= 1;
+        if (command < -3 || depth < 0 || depth > MATRIX_STACK_SIZE) return false;
+        if (command >= 0 && static_cast<uint32_t>(command) >= boneCount) return false;
+    }
+    return false;
+}
+
+bool ValidAnimation(const AnimRecord& record, uint32_t boneCount) {
+    return record.trackCount >= boneCount && record.length > ANIM_START_TIME &&
+           ValidTable(record, record.rotationTable, ROTATION_TRACK) &&
+           ValidTable(record, record.positionTable, POSITION_TRACK) && ValidCommands(record, boneCount);
+}
+
+// Layers 1 and 2 only; layer 0 can also end the state.
+void AdvanceLayer(Actor& actor, int layer, const StateRecord& oldState) {
+    const int16_t animation = actor.states[actor.state].animations[layer];
+    if (animation <= 0) return;
+    const uint32_t length = actor.animations[animation].record->length;
+    uint32_t& time = actor.layerTimes[layer];
+    time += ANIM_TICK_UNITS * FrameTicks;
+    if (time < length) return;
+    if (oldState.playModes[layer] == PLAY_ONCE) time = length;
+    if (oldState.playModes[layer] == PLAY_LOOP) time = time - length + ANIM_START_TIME;
+}
+
+void FinishLayer0(Actor& actor, uint32_t length, const StateRecord& oldState) {
+    if (oldState.playModes[0] == PLAY_LOOP) {
+        actor.layerTimes[0] = actor.layerTimes[0] - length + ANIM_START_TIME;
+        return;
+    }
+    if (oldState.playModes[0] != PLAY_ONCE) return;
+    actor.layerTimes[0] = length;
+    const StateTransition* transition = oldState.transition;
+    if (!transition || transition->nextState < 0) return;
+    const uint32_t start =
+        transition->startTime == -1 ? ANIM_START_TIME : static_cast<uint32_t>(int32_t{transition->startTime});
+    SetActorState(actor, transition->nextState, start, transition->blendDuration);
+}
+
+void AddLocalVelocity(Actor& actor, const Vec3& local) {
+    RotateVectorT(local.x, local.y, local.z, actor.rotation);
+    actor.velocity.x += RotatedVector.x;
+    actor.velocity.y += RotatedVector.y;
+    actor.velocity.z += RotatedVector.z;
+}
+
+}  // namespace
+
+void LoadAnimation(const char* path, AnimRecord& record, const MeshRecord& mesh) {
+    record = {};
+    record.image = static_cast<const uint8_t*>(LoadMalloc(path));
+    if (!record.image) FatalError(0, "No Animation File Found", path);
+    record.imageBytes = static_cast<uint32_t>(FileSize(path));
+    if (record.imageBytes < HEADER_BYTES) FatalError(0, "Not a valid animation file", path);
+    record.length = ImageField<uint32_t>(record.image, 4);
+    record.trackCount = ImageField<uint32_t>(record.image, 8);
+    record.hiddenBlock = ImageField<uint32_t>(record.image, 12);
+    record.rotationTable = ImageField<uint32_t>(record.image, 16);
+    record.positionTable = ImageField<uint32_t>(record.image, 20);
+    if (!ValidAnimation(record, mesh.boneCount)) FatalError(0, "Not a valid animation file", path);
+}
+
+void LoadAnimations(AnimFileEntry* table, const MeshRecord& mesh) {
+    for (AnimFileEntry* entry = table; entry->path; ++entry)
+        LoadAnimation(entry->path, *entry->record, mesh);
+}
+
+void AdvanceActor(Actor& actor) {
+    const StateRecord& oldState = actor.states[actor.state];
+    RotationFromAngles(actor.angles.x, actor.angles.y, actor.angles.z, actor.rotation);
+    if (oldState.handler) oldState.handler();
+
+    const uint32_t length = actor.animations[actor.states[actor.state].animations[0]].record->length;
+    actor.layerTimes[0] += ANIM_TICK_UNITS * FrameTicks;
+    if (actor.layerTimes[0] >= length) FinishLayer0(actor, length, oldState);
+    AdvanceLayer(actor, 1, oldState);
+    AdvanceLayer(actor, 2, oldState);
+
+    // The ground drive needs ground; gravity does not.
+    const auto ticks = static_cast<float>(FrameTicks);
+    Vec3 drive = {ticks * oldState.drive.x, ticks * oldState.drive.y, ticks * oldState.drive.z};
+    if (actor.onContact == 0) drive.x = drive.z = 0.0f;
+    drive.x += ticks * actor.localMove.x;
+    drive.y += ticks * actor.localMove.y;
+    drive.z += ticks * actor.localMove.z;
+    actor.localMove = {};
+    AddLocalVelocity(actor, drive);
+    actor.ticksInState += static_cast<int32_t>(FrameTicks);
+}
+
+void SetActorState(Actor& actor, int32_t state, uint32_t startTime, int32_t blendDuration) {
+    actor.state = state;
+    for (uint32_t& time : actor.layerTimes)
+        time = startTime;
+    actor.blendDuration = blendDuration;
+    const StateRecord& record = actor.states[state];
+    const Vec3& impulse = record.impulse;
+    if (impulse.y + impulse.z + impulse.x != 0.0f) {
+        // The drive that the same AdvanceActor adds afterwards is taken out, so that the impulse stands alone.
+        const auto ticks = static_cast<float>(FrameTicks);
+        AddLocalVelocity(actor, {impulse.x - ticks * record.drive.x, impulse.y - ticks * record.drive.y,
+                                 impulse.z - ticks * record.drive.z});
+    }
+    actor.ticksInState = 0;
+}

@@ -1,6 +1,30 @@
-// Animation files and their playback.
+// Animation files, the clocks of an actor's states, and the pose of its skeleton.
+//
+// Animation file (.anm), little-endian and packed, used in place; offsets count from the file's start:
+//   0 u32 unused   4 u32 length   8 u32 track count N   12 u32 hidden block   16 u32 rotation-track table
+//   20 u32 position-track table   24 2 x u32 unused   32 i32 skeleton commands: bone >= 0 evaluate, -1 push, -2 pop,
+//   -3 end
+// Both tables: u32 unused, N x u32 track offset. Rotation track: u32 unused, 3 x f64 pivot in the mesh's rest frame,
+// i32 key count, keys of { u32 time, 4 x f64 w x y z }. Position track: u32 unused, i32 key count, keys of { u32 time,
+// 3 x f64 }. Keys ascend in time.
 #pragma once
 
+#include "records/actor_record.h"
 #include "records/character_records.h"
 
-void LoadAnimations(AnimFileEntry* table);  // every entry up to the one without a path
+#include <cstdint>
+
+constexpr uint32_t ANIM_TICK_UNITS = 5;   // animation time units a tick, 312.5 a second
+constexpr uint32_t ANIM_START_TIME = 10;  // where animations start and loops wrap to
+
+// Every entry up to the one without a path. FatalError(0, ...): "No Animation File Found", or "Not a valid animation
+// file" for tracks, keys or commands out of range, or fewer tracks than the mesh has bones.
+void LoadAnimations(AnimFileEntry* table, const MeshRecord& mesh);
+void LoadAnimation(const char* path, AnimRecord& record, const MeshRecord& mesh);
+
+// Once a frame: the state's handler, the clocks, a finished animation's transition, the drive.
+void AdvanceActor(Actor& actor);
+void SetActorState(Actor& actor, int32_t state, uint32_t startTime, int32_t blendDuration);
+
+// World transforms of every bone, at the start of drawing the actor.
+void PoseActor(Actor& actor);

@@ -1,8 +1,13 @@
 #include "player/player.h"
 
-MeshRecord PlayerMesh;
-StateRecord PlayerStates[PLAYER_STATE_COUNT];             // filled in with the movement
-AnimFileEntry PlayerAnimations[] = {{nullptr, nullptr}};  // likewise
+#include "character/actor.h"
+#include "character/animation.h"
+#include "world/collision.h"
 
-// Comes with the movement: until then the player stays where the level starts.
-void UpdatePlayer() {}
+MeshRecord PlayerMesh;
+
+void UpdatePlayer() {
+    AdvanceActor(PlayerActor);
+    MoveAgainstWorld(PlayerActor);
+    DrawActorAt(0);
+}

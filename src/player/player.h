@@ -1,4 +1,4 @@
-// The player character: what it is made of, and its per-frame step. Where it is: PlayerActor.
+// The player character: its states, and its per-frame step. Where it is: PlayerActor.
 #pragma once
 
 #include "character/character_tables.h"
@@ -9,5 +9,30 @@ constexpr int PLAYER_STATE_COUNT = 20;
 extern MeshRecord PlayerMesh;
 extern StateRecord PlayerStates[PLAYER_STATE_COUNT];
 extern AnimFileEntry PlayerAnimations[];  // ends with an entry without a path
+extern int16_t JumpHeld;                  // 1 from a jump's start until a take-off state finds the jump key released
 
-void UpdatePlayer();
+// What the player's states do, in the order of PlayerStates.
+enum PlayerState : int32_t {
+    STATE_STAND,
+    STATE_FOLD_ARMS,  // the long fidget: fold, hold, unfold
+    STATE_HOLD_ARMS,
+    STATE_UNFOLD_ARMS,
+    STATE_READY,  // into the run
+    STATE_RUN_UP,
+    STATE_RUN,
+    STATE_BACK,
+    STATE_HALT,
+    STATE_FIDGET_RIGHT,
+    STATE_FIDGET_LEFT,
+    STATE_LEAP_CROUCH,
+    STATE_LEAP_TAKE_OFF,
+    STATE_LEAP_AIR,
+    STATE_LEAP_LAND,
+    STATE_HOP_CROUCH,
+    STATE_HOP_TAKE_OFF,
+    STATE_HOP_AIR,
+    STATE_HOP_LAND,
+    STATE_WALK,
+};
+
+void UpdatePlayer();  // states and clocks, the move, then pose and draw

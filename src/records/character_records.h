@@ -1,11 +1,20 @@
-// The records of characters: mesh, animations and the states an actor can be in.
+// The records of characters: mesh, skeleton, animations and the states an actor can be in.
 #pragma once
 
+#include "records/matrices.h"
 #include "records/vec3.h"
 
 #include <cstdint>
 
-struct BoneRecord;
+// One bone of the skeleton, posed every frame.
+struct BoneRecord {
+    Transform world;     // takes the mesh's rest position to the world
+    Quat rotation;       // last evaluated outside a blend
+    double position[3];  // likewise; moves the skeleton for the first bone only
+};
+static_assert(sizeof(BoneRecord) == 152);
+
+constexpr uint32_t BONE_LIMIT = 22;  // bones that weight blocks can name
 
 // Where a character lies in WorldGeometry. Lives for the whole program, refilled by every level load.
 struct MeshRecord {
@@ -17,13 +26,15 @@ struct MeshRecord {
     uint16_t firstPolygon;  // its triangles are consecutive
 };
 
-// One loaded animation file.
+// One loaded animation file. The track tables stay offsets from the start of the image.
 struct AnimRecord {
-    uint8_t* image;  // the file in the pool; track offsets count from here
+    const uint8_t* image;  // in the pool
     uint32_t imageBytes;
     uint32_t trackCount;
-    uint32_t hiddenBlock;  // weight block that is not applied while this animation plays
+    uint32_t hiddenBlock;  // weight block that is not applied while this animation plays; >= bone count: none
     uint32_t length;       // animation time units, 5 a tick
+    uint32_t rotationTable;
+    uint32_t positionTable;
 };
 
 struct AnimFileEntry {
@@ -39,6 +50,8 @@ struct StateTransition {
 };
 
 constexpr uint16_t STATE_CAN_STEP = 0x1;  // flag: walks up low ledges
+constexpr int16_t PLAY_ONCE = 0;
+constexpr int16_t PLAY_LOOP = 1;
 
 // One state of an actor: what plays, how it drives and collides. Handlers rewrite impulses at run time.
 struct StateRecord {
@@ -49,5 +62,5 @@ struct StateRecord {
     float slideFactor;      // share of the velocity kept after a contact
     void (*handler)();      // called once a frame, or null
     int16_t animations[3];  // of layers 0..2, index into the actor's AnimFileEntry table; -1: none
-    int16_t playModes[3];   // 0 once, 1 loop
+    int16_t playModes[3];
 };

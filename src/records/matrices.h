@@ -1,4 +1,4 @@
-// The two matrix families of the game.
+// The matrix families of the game, and the quaternion.
 #pragma once
 
 // A 3 x 3 rotation, row by row, used with column vectors: (M v)i = row i . v.
@@ -10,4 +10,9 @@ struct Matrix3 {
 struct Transform {
     double r[9];  // rotation, row by row
     double t[3];  // translation
+};
+
+// A rotation; w is the scalar part.
+struct Quat {
+    double w, x, y, z;
 };

@@ -1,6 +1,7 @@
 #include "world/light_map.h"
 
 #include "app/app_tables.h"
+#include "character/character_tables.h"
 #include "memory/fatal.h"
 #include "memory/files.h"
 #include "platform/timer.h"
@@ -82,11 +83,14 @@ float DistanceFade(uint32_t point) {
     return 1.0f - z / FadeDistance;
 }
 
-float LightToIntensity(int8_t raw, float fade) {
-    const float level = (LightBias + static_cast<float>(raw) * LightScale) * fade;
+float LevelToIntensity(float level) {
     if (!(level > 0.0f)) return IntensityTable[0];  // also when it is not a number
     if (level > BRIGHTEST_LEVEL) return IntensityTable[127];
     return IntensityTable[static_cast<int32_t>(level)];
+}
+
+float LightToIntensity(int8_t raw, float fade) {
+    return LevelToIntensity((LightBias + static_cast<float>(raw) * LightScale) * fade);
 }
 
 // Polygons beyond the table have no light bytes of their own: 0.
@@ -138,4 +142,15 @@ void ShadePolygon(int32_t polygon) {
         for (int k = 0; k < count; ++k)
             corners[k].intensity = PointIntensity(corners[k].point);
     }
+}
+
+void ShadeCharacterPoint(uint32_t point) {
+    const Vec3& normal = WorldGeometry.points[point].normal;
+    float sum = 0.0f;
+    for (int32_t i = 0; i < CharacterLightCount; ++i) {
+        const CharacterLight& light = CharacterLightList[i];
+        const float d = light.direction.x * normal.x + light.direction.y * normal.y + light.direction.z * normal.z;
+        if (d > 0.0f) sum += light.strength * LightScale * d * NEUTRAL_LEVEL;
+    }
+    IntensityCache[point] = LevelToIntensity((LightBias + sum) * DistanceFade(point));
 }

@@ -18,3 +18,7 @@ void LoadLightMap(const char* path);
 
 void ApplyLightLevel();              // LightScale and LightBias from LightLevel, LightContrast, LightMode
 void ShadePolygon(int32_t polygon);  // the intensity of each PolyVertex, from the ViewPoints of its points
+
+// A character point's intensity from CharacterLightList and its normal, into the intensity cache; DrawActor copies it
+// into the polygon vertices of the next drawing.
+void ShadeCharacterPoint(uint32_t point);

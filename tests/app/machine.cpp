@@ -338,10 +338,10 @@ FAKE(RenderWorld)
 void LoadMesh(const char* mesh, MeshRecord&, const char* coordinates) {
     Record(std::string("LoadMesh ") + mesh + " " + coordinates);
 }
-void LoadAnimations(AnimFileEntry*) {
+void LoadAnimations(AnimFileEntry*, const MeshRecord&) {
     Record("LoadAnimations");
 }
-void* LoadWeights(const char* path) {
+void* LoadWeights(const char* path, const MeshRecord&) {
     Record(std::string("LoadWeights ") + path);
     return &Fake;
 }

@@ -8,6 +8,8 @@
 #include "render/lines.h"
 #include "render/pipeline.h"
 #include "render/render_tables.h"
+#include "world/draw/draw_character.h"
+#include "world/draw/outcodes.h"
 #include "world/world_tables.h"
 
 #include <cmath>
@@ -200,16 +202,6 @@ void CollectLeaves(int32_t subtree) {
     }
 }
 
-uint8_t OutcodeOf(const ViewPoint& view) {
-    int code = 0;
-    if (view.x > view.z) code |= OUT_RIGHT;
-    if (view.x < -view.z) code |= OUT_LEFT;
-    if (view.y > view.z) code |= OUT_TOP;
-    if (view.y < -view.z) code |= OUT_BOTTOM;
-    if (view.z > FarDistance) code |= OUT_DEPTH;
-    return static_cast<uint8_t>(code);
-}
-
 void TransformPoint(uint32_t point) {
     ViewPoint& view = WorldGeometry.viewPoints[point];
     if (view.transformStamp == FrameCount) return;
@@ -219,7 +211,8 @@ void TransformPoint(uint32_t point) {
     view.x = m[0] * p.x + m[1] * p.y + m[2] * p.z + ViewMatrix.translation.x;
     view.y = m[3] * p.x + m[4] * p.y + m[5] * p.z + ViewMatrix.translation.y;
     view.z = m[6] * p.x + m[7] * p.y + m[8] * p.z + ViewMatrix.translation.z;
-    WorldGeometry.outcodes[point] = OutcodeOf(view);
+    const uint8_t depth = view.z > FarDistance ? OUT_DEPTH : uint8_t{0};
+    WorldGeometry.outcodes[point] = SideOutcode(view) | depth;
 }
 
 // Points are transformed as the first polygon that faces the camera needs them.
@@ -254,6 +247,8 @@ void DrawRenderList() {
             DrawLeaf(WorldGeometry.leaves[~entry], false);
         } else if (entry < CHARACTER_ENTRY) {
             DrawLeaf(WorldGeometry.leaves[entry], true);
+        } else {
+            DrawCharacterInLeaf(entry - CHARACTER_ENTRY);
         }
     }
 }

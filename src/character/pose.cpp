@@ -1,0 +1,161 @@
+// The skeleton walk of character/animation.h: from the actor's base down the command list to every bone.
+
+#include "character/animation.h"
+#include "math/matrix_stack.h"
+#include "math/quaternions.h"
+#include "math/vectors.h"
+#include "memory/image.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint32_t COMMAND_LIST = 32;
+constexpr uint32_t PIVOT = 4;
+
+struct Track {
+    const uint8_t* image;
+    uint32_t keys;  // offset of key 0
+    uint32_t keyBytes;
+    uint32_t count;
+
+    uint32_t Time(uint32_t key) const { return ImageField<uint32_t>(image, keys + keyBytes * key); }
+    Quat Rotation(uint32_t key) const { return ImageField<Quat>(image, keys + keyBytes * key + 4); }
+    double Position(uint32_t key, uint32_t axis) const {
+        return ImageField<double>(image, keys + keyBytes * key + 4 + 8 * axis);
+    }
+};
+
+struct BoneTracks {
+    Track rotation, position;
+    double pivot[3];
+    uint32_t time;  // of the layer they come from
+};
+
+Transform CurrentTransform;  // carried down the walk
+bool FirstBoneDone;          // its position keys move the skeleton
+
+Track RotationTrack(const AnimRecord& record, uint32_t bone) {
+    const uint32_t offset = ImageField<uint32_t>(record.image, record.rotationTable + 4 + 4 * bone);
+    return {record.image, offset + 32, 36, ImageField<uint32_t>(record.image, offset + 28)};
+}
+
+Track PositionTrack(const AnimRecord& record, uint32_t bone) {
+    const uint32_t offset = ImageField<uint32_t>(record.image, record.positionTable + 4 + 4 * bone);
+    return {record.image, offset + 8, 28, ImageField<uint32_t>(record.image, offset + 4)};
+}
+
+// The first layer that animates this bone, otherwise the last one there is.
+BoneTracks ChooseLayer(const Actor& actor, uint32_t bone) {
+    const StateRecord& state = actor.states[actor.state];
+    BoneTracks tracks{};
+    for (int layer = 0; layer < 3 && state.animations[layer] != -1; ++layer) {
+        const AnimRecord& record = *actor.animations[state.animations[layer]].record;
+        tracks.rotation = RotationTrack(record, bone);
+        tracks.position = PositionTrack(record, bone);
+        tracks.time = actor.layerTimes[layer];
+        if (tracks.rotation.count > 1) break;
+    }
+    for (uint32_t i = 0; i < 3; ++i) {
+        tracks.pivot[i] = ImageField<double>(tracks.rotation.image, tracks.rotation.keys - 32 + PIVOT + 8 * i);
+    }
+    return tracks;
+}
+
+// The last key before time t, or key 0.
+uint32_t FindKey(const Track& track, uint32_t t) {
+    uint32_t k = 0;
+    while (k + 1 < track.count && track.Time(k + 1) < t)
+        ++k;
+    return k;
+}
+
+// How far t lies between two times; outside them the nearer one holds.
+double Fraction(uint32_t t, uint32_t from, uint32_t to) {
+    if (t <= from) return t < from || to > from ? 0.0 : 1.0;
+    if (t >= to) return 1.0;
+    return static_cast<double>(t - from) / static_cast<double>(to - from);
+}
+
+Quat EvaluateRotation(const Track& track, uint32_t t) {
+    const uint32_t k = FindKey(track, t);
+    if (k + 1 >= track.count) return track.Rotation(k);
+    Quat q;
+    QuatSlerp(track.Rotation(k), track.Rotation(k + 1), q, Fraction(t, track.Time(k), track.Time(k + 1)));
+    return q;
+}
+
+void EvaluatePosition(const Track& track, uint32_t t, double out[3]) {
+    const uint32_t k = FindKey(track, t);
+    const uint32_t next = std::min(k + 1, track.count - 1);
+    const double f = Fraction(t, track.Time(k), track.Time(next));
+    for (uint32_t i = 0; i < 3; ++i) {
+        const double from = track.Position(k, i);
+        out[i] = from + (track.Position(next, i) - from) * f;
+    }
+}
+
+// Turns the bone about its pivot and hangs it on the current transform.
+void PlaceBone(BoneRecord& bone, const Quat& q, const double position[3], const double pivot[3]) {
+    Transform local;
+    QuatToMatrix(q, local.r);
+    double turned[3] = {pivot[0], pivot[1], pivot[2]};
+    RotateDVector(turned, local.r);
+    for (int i = 0; i < 3; ++i) {
+        local.t[i] = FirstBoneDone ? pivot[i] - turned[i] : position[i] - turned[i] - turned[i];
+    }
+    FirstBoneDone = true;
+    TransformConcat(CurrentTransform, local, bone.world);
+    CurrentTransform = bone.world;
+}
+
+void EvaluateBone(uint32_t index, MeshRecord& mesh, const Actor& actor) {
+    BoneRecord& bone = mesh.bones[index];
+    const BoneTracks tracks = ChooseLayer(actor, index);
+    bone.rotation = EvaluateRotation(tracks.rotation, tracks.time);
+    EvaluatePosition(tracks.position, tracks.time, bone.position);
+    PlaceBone(bone, bone.rotation, bone.position, tracks.pivot);
+}
+
+// From the last unblended pose towards the key under way. Nothing is stored, so the whole blend starts from there.
+void EvaluateBlendedBone(uint32_t index, MeshRecord& mesh, const Actor& actor) {
+    BoneRecord& bone = mesh.bones[index];
+    const BoneTracks tracks = ChooseLayer(actor, index);
+    const auto blendEnd = static_cast<uint32_t>(actor.blendDuration);
+
+    const uint32_t rotationKey = FindKey(tracks.rotation, tracks.time);
+    Quat q;
+    QuatSlerp(bone.rotation, tracks.rotation.Rotation(rotationKey), q,
+              Fraction(tracks.time, tracks.rotation.Time(rotationKey), blendEnd));
+
+    const uint32_t positionKey = FindKey(tracks.position, tracks.time);
+    const double f = Fraction(tracks.time, tracks.position.Time(positionKey), blendEnd);
+    double position[3];
+    for (uint32_t i = 0; i < 3; ++i) {
+        position[i] = bone.position[i] + (tracks.position.Position(positionKey, i) - bone.position[i]) * f;
+    }
+    PlaceBone(bone, q, position, tracks.pivot);
+}
+
+}  // namespace
+
+void PoseActor(Actor& actor) {
+    MeshRecord& mesh = *actor.mesh;
+    const AnimRecord& record = *actor.animations[actor.states[actor.state].animations[0]].record;
+    FirstBoneDone = false;
+    CurrentTransform = actor.base;
+    if (actor.layerTimes[0] >= static_cast<uint32_t>(actor.blendDuration)) actor.blendDuration = 0;
+    for (uint32_t offset = COMMAND_LIST;; offset += 4) {
+        const auto command = ImageField<int32_t>(record.image, offset);
+        if (command == -3) return;
+        if (command == -2) {
+            PopMatrix(CurrentTransform);
+        } else if (command == -1) {
+            PushMatrix(CurrentTransform);
+        } else if (actor.blendDuration == 0) {
+            EvaluateBone(static_cast<uint32_t>(command), mesh, actor);
+        } else {
+            EvaluateBlendedBone(static_cast<uint32_t>(command), mesh, actor);
+        }
+    }
+}

@@ -1,0 +1,20 @@
+#include "math/matrix_stack.h"
+
+#include "memory/fatal.h"
+
+namespace {
+
+int Depth;
+Transform Saved[MATRIX_STACK_SIZE];
+
+}  // namespace
+
+void PushMatrix(const Transform& t) {
+    if (Depth >= MATRIX_STACK_SIZE) FatalError(1, "Matrix stack overflow.");
+    Saved[Depth++] = t;
+}
+
+void PopMatrix(Transform& t) {
+    if (Depth <= 0) FatalError(1, "Matrix stack underflow");
+    t = Saved[--Depth];
+}

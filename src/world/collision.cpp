@@ -1,0 +1,221 @@
+#include "world/collision.h"
+
+#include "math/convert.h"
+#include "math/vectors.h"
+#include "memory/fatal.h"
+#include "platform/timer.h"
+#include "records/character_records.h"
+#include "world/world_tables.h"
+
+#include <algorithm>
+#include <cmath>
+
+int32_t ContactList[CONTACT_LIMIT + 1];
+int16_t ContactCount;
+
+namespace {
+
+constexpr int32_t SWEEP_RADIUS = 16;
+constexpr float SPHERE_LOWERING = 93.0f;  // the sphere's centre lies this far below the actor's position
+constexpr float GATHER_MARGIN = 144.0f;
+constexpr float LEDGE_SLOPE = 0.2f;  // |f4| below this is steep enough to be a ledge
+constexpr float LEDGE_CLEARANCE = 14.0f;
+constexpr float LEDGE_LIMIT = 64.0f;  // higher ones are walls
+constexpr float SKIP_LENGTH = 1.0f;   // shorter velocities are ignored
+constexpr float STOP_LENGTH = 0.5f;   // a rest of the move this short ends it
+constexpr int PASS_LIMIT = 11;
+
+Vec3 operator+(const Vec3& a, const Vec3& b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+Vec3 operator-(const Vec3& a, const Vec3& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+float Dot(const Vec3& a, const Vec3& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+float LengthL1(const Vec3& v) {
+    return std::fabs(v.x) + std::fabs(v.y) + std::fabs(v.z);
+}
+Vec3 ToFloat(const IntVec3& v) {
+    return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
+}
+IntVec3 Trunc(const Vec3& v) {
+    return {TruncToInt(static_cast<double>(v.x)), TruncToInt(static_cast<double>(v.y)),
+            TruncToInt(static_cast<double>(v.z))};
+}
+Vec3 Normal(const PlaneRecord& plane) {
+    return {plane.nx, plane.ny, plane.nz};
+}
+float Distance(const PlaneRecord& plane, const Vec3& p) {
+    return plane.nx * p.x + plane.ny * p.y + plane.nz * p.z + plane.d;
+}
+const Vec3& CornerPosition(const PolyRecord& polygon, uint32_t corner) {
+    return WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position;
+}
+
+// The polygon's outline grown outward by r holds q. An edge whose normal is not finite counts as passed.
+bool InsideGrownOutline(const PolyRecord& polygon, const IntVec3& q, int32_t r) {
+    const Vec3 n = Normal(WorldGeometry.planes[polygon.plane]);
+    const Vec3 point = ToFloat(q);
+    for (uint32_t k = 0; k < polygon.cornerCount; ++k) {
+        const Vec3& from = CornerPosition(polygon, k);
+        const Vec3 e = CornerPosition(polygon, k + 1u == polygon.cornerCount ? 0 : k + 1) - from;
+        const Vec3 m = {e.y * n.z - e.z * n.y, e.z * n.x - e.x * n.z, e.x * n.y - e.y * n.x};
+        const float length = std::sqrt(Dot(m, m));
+        const Vec3 outward = {m.x / length, m.y / length, m.z / length};
+        if (Dot(point - from, outward) > static_cast<float>(r)) return false;
+    }
+    return true;
+}
+
+struct SphereQuery {
+    Vec3 centre;
+    int32_t radius;
+    float radiusSquared;
+};
+
+void AppendContact(int32_t polygon) {
+    ContactList[ContactCount++] = polygon;
+    if (ContactCount > CONTACT_LIMIT) FatalError(1, "Opps too many faces.\n");
+}
+
+void GatherLeaf(const BspLeaf& leaf, const SphereQuery& query) {
+    const Vec3 centre = leaf.centre;
+    const Vec3 d = centre - query.centre;
+    if (Dot(d, d) > leaf.radiusRoot2 * leaf.radiusRoot2) return;
+    for (int32_t i = leaf.firstPolygon; i < leaf.firstPolygon + leaf.polygonCount; ++i) {
+        const PolyRecord polygon = WorldGeometry.polygons[i];
+        const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
+        const float s = Distance(plane, query.centre);
+        if (std::fabs(s) > static_cast<float>(query.radius)) continue;
+        const IntVec3 q = Trunc(query.centre + Vec3{s * plane.nx, s * plane.ny, s * plane.nz});
+        if (InsideGrownOutline(polygon, q, query.radius)) AppendContact(i);
+    }
+}
+
+void GatherNode(int32_t index, const SphereQuery& query) {
+    if (index < 0) {
+        GatherLeaf(WorldGeometry.leaves[~index], query);
+        return;
+    }
+    const BspNode& node = WorldGeometry.nodes[index];
+    const Vec3 centre = node.centre;
+    const Vec3 d = centre - query.centre;
+    if (Dot(d, d) > query.radiusSquared + node.radiusRoot2 * node.radiusRoot2 / 2.0f) return;
+    const bool behind = NodeSideOfPoint(index) < 0;
+    GatherNode(behind ? node.backChild : node.frontChild, query);
+    GatherNode(behind ? node.frontChild : node.backChild, query);
+}
+
+// The first contact in list order that a move from start to end crosses, or -1. It is always crossed at fraction 0:
+// the move stops at its start and the slide carries the rest.
+int32_t SweepContacts(const Vec3& start, const Vec3& end, int32_t radius) {
+    const auto r = static_cast<float>(radius);
+    for (const int32_t* contact = ContactList; *contact != -1; ++contact) {
+        const PolyRecord polygon = WorldGeometry.polygons[*contact];
+        const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
+        const float startDistance = Distance(plane, start);
+        const float endDistance = Distance(plane, end);
+        if (startDistance > r && endDistance > r) continue;
+        if (-startDistance > r && -endDistance > r) continue;
+        if (endDistance < startDistance || std::fabs(endDistance - startDistance) < 0.1f) continue;
+        const Vec3 projected =
+            ToFloat(Trunc(end)) - Vec3{endDistance * plane.nx, endDistance * plane.ny, endDistance * plane.nz};
+        if (InsideGrownOutline(polygon, Trunc(projected), radius)) return *contact;
+    }
+    return -1;
+}
+
+// A vector in the frame of a polygon: two components along its plane and one along its normal.
+struct FrameVector {
+    float across, upward, normal;
+};
+
+FrameVector ToFrame(const PolyFrame& f, const Vec3& v) {
+    const float a = f.yawSin * v.x + f.yawCos * v.z;
+    return {f.yawCos * v.x - f.yawSin * v.z, a * f.pitchSin + f.pitchCos * v.y, -a * f.pitchCos + f.pitchSin * v.y};
+}
+
+Vec3 FromFrame(const PolyFrame& f, const FrameVector& v) {
+    const float horizontal = -f.pitchCos * v.normal + v.upward * f.pitchSin;
+    return {horizontal * f.yawSin + v.across * f.yawCos, v.upward * f.pitchCos + v.normal * f.pitchSin,
+            horizontal * f.yawCos - f.yawSin * v.across};
+}
+
+Vec3 Slide(const PolyFrame& f, const Vec3& v, bool keepNormal) {
+    FrameVector local = ToFrame(f, v);
+    if (!keepNormal) local.normal = 0.0f;
+    return FromFrame(f, local);
+}
+
+float HighestCorner(const PolyRecord& polygon) {
+    float top = CornerPosition(polygon, 0).y;
+    for (uint32_t k = 1; k < polygon.cornerCount; ++k)
+        top = std::max(top, CornerPosition(polygon, k).y);
+    return top;
+}
+
+void GatherCandidates(const Vec3& start, const Vec3& v) {
+    const Vec3 half = {v.x / 2.0f, v.y / 2.0f, v.z / 2.0f};
+    const IntVec3 centre = Trunc(start + half);
+    const float reach = std::sqrt(Dot(v, v)) / 2.0f + GATHER_MARGIN;
+    WorldSphereContacts(centre.x, centre.y, centre.z, TruncToInt(static_cast<double>(reach)));
+}
+
+}  // namespace
+
+int16_t WorldSphereContacts(int32_t x, int32_t y, int32_t z, int32_t radius) {
+    ContactCount = 0;
+    SideTestPoint = {x, y, z};
+    const auto unsignedRadius = static_cast<uint32_t>(radius);
+    const auto squared = static_cast<int32_t>(unsignedRadius * unsignedRadius);  // wraps
+    GatherNode(0, {ToFloat(SideTestPoint), radius, static_cast<float>(squared)});
+    ContactList[ContactCount] = -1;
+    return ContactCount;
+}
+
+void MoveAgainstWorld(Actor& actor) {
+    const StateRecord& state = actor.states[actor.state];
+    Vec3 v = actor.velocity;
+    if (LengthL1(v) < SKIP_LENGTH) return;
+    Vec3 start = {actor.position.x, actor.position.y - SPHERE_LOWERING, actor.position.z};
+    Vec3 end = start + v;
+    GatherCandidates(start, v);
+
+    actor.onContact = 0;
+    actor.ticksSinceContact += static_cast<int32_t>(FrameTicks);
+    actor.contactSlope = 0.0f;
+    Vec3 kept = v;  // the velocity the actor will keep
+    Vec3 result = end;
+    float stepUp = 0.0f;       // once accepted, it holds for the rest of the move
+    float ledgeHeight = 0.0f;  // of the last ledge looked at, accepted or not: what the lift adds
+    int32_t lastHit = -1;
+    for (int pass = 0; pass < PASS_LIMIT; ++pass) {
+        result = end;
+        const int32_t hit = SweepContacts(start, end, SWEEP_RADIUS);
+        if (hit == -1) break;
+        lastHit = hit;
+        const PolyFrame& frame = WorldGeometry.polyFrames[hit];
+        actor.onContact = 1;
+        actor.ticksSinceContact = 0;
+        actor.contactSlope = std::fabs(frame.y);
+        if (actor.contactSlope < LEDGE_SLOPE && (state.flags & STATE_CAN_STEP)) {
+            ledgeHeight = HighestCorner(WorldGeometry.polygons[hit]) - (start.y - SWEEP_RADIUS) + LEDGE_CLEARANCE;
+            if (ledgeHeight < LEDGE_LIMIT) stepUp = ledgeHeight;
+        }
+        result = start;  // crossed at fraction 0
+        v = Slide(frame, v, false);
+        kept = Slide(frame, kept, stepUp != 0.0f);
+        if (stepUp != 0.0f) v.y += ledgeHeight;
+        end = start + v;
+        if (LengthL1(v) <= STOP_LENGTH) break;
+    }
+    if (actor.onContact) {
+        const PolyFrame& frame = WorldGeometry.polyFrames[lastHit];
+        const FrameVector local = ToFrame(frame, kept);
+        kept = FromFrame(frame, {local.across * state.slideFactor, local.upward * state.slideFactor, 0.0f});
+    }
+    actor.velocity = kept;
+    actor.position = {result.x, result.y + SPHERE_LOWERING, result.z};
+}

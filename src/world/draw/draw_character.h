@@ -1,0 +1,8 @@
+// The character's polygons in one leaf.
+#pragma once
+
+#include <cstdint>
+
+// Draws them from the farthest to the nearest by mean depth. Each of their points is turned from the world into view
+// space in place, and shaded, once a frame.
+void DrawCharacterInLeaf(int32_t leaf);

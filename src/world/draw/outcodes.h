@@ -1,0 +1,15 @@
+// Where a point in view space lies outside the frustum |x| <= z, |y| <= z.
+#pragma once
+
+#include "records/world_records.h"
+
+#include <cstdint>
+
+inline uint8_t SideOutcode(const ViewPoint& view) {
+    int code = 0;
+    if (view.x > view.z) code |= OUT_RIGHT;
+    if (view.x < -view.z) code |= OUT_LEFT;
+    if (view.y > view.z) code |= OUT_TOP;
+    if (view.y < -view.z) code |= OUT_BOTTOM;
+    return static_cast<uint8_t>(code);
+}

@@ -1,0 +1,193 @@
+#include "character/animation.h"
+
+#include "file_builders.h"
+#include "math/vectors.h"
+#include "platform/timer.h"
+#include "support/pool_fixture.h"
+#include "support/throwing_fatal.h"
+
+#include <cmath>
+
+namespace {
+
+const Quat QUARTER_ABOUT_Y = {std::sqrt(0.5), 0.0, std::sqrt(0.5), 0.0};
+
+// An actor of up to three bones whose one state plays one animation.
+class Animation : public PoolFixture {
+protected:
+    void SetUp() override {
+        PoolFixture::SetUp();
+        mesh_ = {3, bones_, 0, 0, 0, 0};
+        for (BoneRecord& bone : bones_) {
+            TransformIdentity(bone.world);
+            bone.rotation = NO_TURN;
+        }
+        TransformIdentity(actor_.base);
+        actor_.mesh = &mesh_;
+        actor_.states = states_;
+        actor_.animations = entries_;
+        states_[0] = {0, &transition_, {}, {}, 0.5f, nullptr, {0, -1, -1}, {PLAY_ONCE, 0, 0}};
+        states_[1] = {0,    &stay_,  {0.0f, -0.9f, 2.0f}, {0.0f, 23.4f, 0.0f},
+                      0.5f, nullptr, {0, -1, -1},         {PLAY_ONCE, 0, 0}};
+        RotationFromAngles(0.0f, 0.0f, 0.0f, actor_.rotation);
+        FrameTicks = 1;
+    }
+
+    void Load(const Bytes& image, AnimRecord& record) { LoadAnimation(FileOf(image), record, mesh_); }
+    void Load(const Bytes& image) { Load(image, records_[0]); }
+
+    void PoseAt(uint32_t time) {
+        actor_.layerTimes[0] = time;
+        PoseActor(actor_);
+    }
+
+    BoneRecord bones_[3];
+    MeshRecord mesh_;
+    AnimRecord records_[2];
+    AnimFileEntry entries_[3] = {{"a", &records_[0]}, {"b", &records_[1]}, {nullptr, nullptr}};
+    StateTransition transition_ = {0, 1, 40, -1};
+    StateTransition stay_ = {0, -1, 0, 10};
+    StateRecord states_[2];
+    Actor actor_{};
+};
+
+std::vector<BoneTrackSource> OneTurningBone() {
+    return {{{0.0, 10.0, 0.0}, {{10, NO_TURN}, {110, QUARTER_ABOUT_Y}}, {{10, 0.0, 5.0, 0.0}, {60, 0.0, 9.0, 0.0}}},
+            StillBone(),
+            StillBone()};
+}
+
+TEST_F(Animation, KeysInterpolateAndHoldAtBothEnds) {
+    Load(AnimationImage(200, {0, -3}, OneTurningBone()));
+    const auto yaw = [&] { return 2.0 * std::atan2(bones_[0].rotation.y, bones_[0].rotation.w); };
+    PoseAt(60);
+    EXPECT_NEAR(yaw(), 3.14159265 / 4.0, 1e-6);
+    EXPECT_NEAR(bones_[0].position[1], 9.0, 1e-12);
+    PoseAt(35);
+    EXPECT_NEAR(bones_[0].position[1], 7.0, 1e-12);
+    PoseAt(4);
+    EXPECT_NEAR(yaw(), 0.0, 1e-12);
+    PoseAt(190);
+    EXPECT_NEAR(yaw(), 3.14159265 / 2.0, 1e-6);
+    EXPECT_NEAR(bones_[0].position[1], 9.0, 1e-12);
+}
+
+TEST_F(Animation, OnlyTheFirstBonesPositionMovesTheSkeletonAndPopsReturnToTheParent) {
+    std::vector<BoneTrackSource> bones = {StillBone(), StillBone(0.0, 10.0, 0.0), StillBone(0.0, 20.0, 0.0)};
+    bones[0].positions[0] = {10, 1.0, 2.0, 3.0};
+    bones[1].positions[0] = {10, 100.0, 100.0, 100.0};
+    bones[1].rotations[0].q = QUARTER_ABOUT_Y;
+    Load(AnimationImage(100, {0, -1, 1, -2, 2, -3}, bones));
+    PoseAt(10);
+    for (const BoneRecord& bone : bones_) {
+        EXPECT_NEAR(bone.world.t[0], 1.0, 1e-12);
+        EXPECT_NEAR(bone.world.t[1], 2.0, 1e-12);
+        EXPECT_NEAR(bone.world.t[2], 3.0, 1e-12);
+    }
+    EXPECT_NEAR(bones_[1].world.r[0], 0.0, 1e-12);
+    EXPECT_NEAR(bones_[2].world.r[0], 1.0, 1e-12);  // not turned by its sibling
+}
+
+TEST_F(Animation, ABoneTurnsAboutItsPivot) {
+    std::vector<BoneTrackSource> bones = {StillBone(), StillBone(4.0, 0.0, 0.0), StillBone()};
+    bones[1].rotations[0].q = QUARTER_ABOUT_Y;
+    Load(AnimationImage(100, {0, 1, -3}, bones));
+    PoseAt(10);
+    double pivot[3] = {4.0, 0.0, 0.0};
+    RotateDVector(pivot, bones_[1].world.r);
+    EXPECT_NEAR(pivot[0] + bones_[1].world.t[0], 4.0, 1e-12);
+    EXPECT_NEAR(pivot[2] + bones_[1].world.t[2], 0.0, 1e-12);
+}
+
+TEST_F(Animation, ABlendStartsFromTheLastUnblendedPoseAndStoresNothing) {
+    Load(AnimationImage(200, {0, -3}, OneTurningBone()));
+    PoseAt(110);
+    const Quat stored = bones_[0].rotation;
+    actor_.blendDuration = 90;
+    PoseAt(10);
+    EXPECT_NEAR(bones_[0].world.r[0], 0.0, 1e-6);  // still the old pose
+    PoseAt(50);
+    EXPECT_NEAR(std::acos(bones_[0].world.r[0]), 3.14159265 / 4.0, 1e-6);  // half way to key 0
+    EXPECT_EQ(bones_[0].rotation.w, stored.w);
+    PoseAt(90);
+    EXPECT_EQ(actor_.blendDuration, 0);
+    EXPECT_NE(bones_[0].rotation.w, stored.w);
+}
+
+TEST_F(Animation, ClocksLoopHoldAndFollowTheTransitionOfTheStateThatEnded) {
+    Load(AnimationImage(400, {0, -3}, OneTurningBone()));
+    states_[0].playModes[0] = PLAY_LOOP;
+    FrameTicks = 2;
+    actor_.layerTimes[0] = 396;
+    AdvanceActor(actor_);
+    EXPECT_EQ(actor_.layerTimes[0], 16u);
+
+    states_[0].playModes[0] = PLAY_ONCE;
+    actor_.layerTimes[0] = 396;
+    actor_.onContact = 1;
+    AdvanceActor(actor_);
+    EXPECT_EQ(actor_.state, 1);
+    EXPECT_EQ(actor_.layerTimes[0], 10u);
+    EXPECT_EQ(actor_.blendDuration, 40);
+    EXPECT_EQ(actor_.ticksInState, 2);
+    AdvanceActor(actor_);
+    actor_.layerTimes[0] = 399;
+    AdvanceActor(actor_);
+    AdvanceActor(actor_);
+    EXPECT_EQ(actor_.layerTimes[0], 400u);  // no next state: held
+    EXPECT_EQ(actor_.state, 1);
+}
+
+TEST_F(Animation, AnImpulseStandsAloneInItsFrameAndTheGroundDriveNeedsGround) {
+    Load(AnimationImage(100, {0, -3}, OneTurningBone()));
+    states_[0].drive = states_[1].drive;
+    FrameTicks = 4;
+    actor_.onContact = 1;
+    actor_.layerTimes[0] = 95;
+    AdvanceActor(actor_);
+    EXPECT_EQ(actor_.state, 1);
+    EXPECT_NEAR(actor_.velocity.y, 23.4f, 1e-5f);
+    EXPECT_NEAR(actor_.velocity.z, 0.0f, 1e-5f);
+    actor_.onContact = 0;
+    actor_.localMove = {0.0f, 0.0f, 0.1f};
+    AdvanceActor(actor_);
+    EXPECT_NEAR(actor_.velocity.y, 23.4f - 3.6f, 1e-4f);
+    EXPECT_NEAR(actor_.velocity.z, 0.4f, 1e-5f);
+    EXPECT_EQ(actor_.localMove.z, 0.0f);
+}
+
+TEST_F(Animation, AHigherLayerTakesTheBonesThatTheLowerOneLeavesStill) {
+    std::vector<BoneTrackSource> still = {StillBone(), StillBone(), StillBone()};
+    std::vector<BoneTrackSource> waving = still;
+    waving[1].rotations = {{10, NO_TURN}, {110, QUARTER_ABOUT_Y}};
+    Load(AnimationImage(200, {0, 1, -3}, still), records_[0]);
+    Load(AnimationImage(200, {0, 1, -3}, waving), records_[1]);
+    states_[0].animations[1] = 1;
+    actor_.layerTimes[1] = 110;
+    PoseAt(10);
+    EXPECT_NEAR(bones_[1].world.r[0], 0.0, 1e-6);
+}
+
+TEST_F(Animation, EveryCutOrAlteredFileLoadsOrIsRefused) {
+    const Bytes good = AnimationImage(200, {0, -1, 1, -2, 2, -3}, OneTurningBone());
+    for (size_t cut = 0; cut < good.size(); cut += 11) {
+        FreshPool(0x10000);
+        EXPECT_THROW(Load(Bytes(good.begin(), good.begin() + static_cast<long>(cut))), FatalThrown) << cut;
+    }
+    for (size_t at = 0; at < good.size(); at += 5) {
+        for (const uint8_t value : {uint8_t{0}, uint8_t{0x7F}, uint8_t{0xFF}}) {
+            FreshPool(0x10000);
+            Bytes altered = good;
+            altered[at] = value;
+            try {
+                Load(altered);
+                PoseAt(60);
+            } catch (const FatalThrown& fatal) {
+                EXPECT_EQ(fatal.text, "Not a valid animation file");
+            }
+        }
+    }
+    EXPECT_THROW(LoadAnimation("no such file", records_[0], mesh_), FatalThrown);
+}
+
+}  // namespace

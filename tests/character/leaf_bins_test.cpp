@@ -1,0 +1,190 @@
+#include "character/leaf_bins.h"
+
+#include "camera/camera_tables.h"
+#include "character/actor.h"
+#include "character/depth_list.h"
+#include "lights/light_slots.h"
+#include "platform/timer.h"
+#include "support/tiny_world.h"
+#include "world/world_tables.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+
+namespace {
+
+// A grid of four leaves around the origin, cut by the planes x = 0 and z = 0, and room for triangles of a character.
+class Bins : public testing::Test {
+protected:
+    Bins() {
+        int16_t leaves[4];
+        for (int i = 0; i < 4; ++i) {
+            const float x = i & 1 ? 200.0f : -200.0f;
+            const float z = i & 2 ? 200.0f : -200.0f;
+            leaves[i] = world_.AddLeaf({{{x, 0, z}, {x + 10, 0, z}, {x + 10, 0, z + 10}}});
+        }
+        const int16_t right = world_.AddNode({0, 0, 1, 0}, leaves[3], leaves[1]);
+        const int16_t left = world_.AddNode({0, 0, 1, 0}, leaves[2], leaves[0]);
+        world_.AddNode({1, 0, 0, 0}, right, left);
+        world_.Publish();
+        ClearVisibleList();
+        FrameCount = 5;
+        CharPolygon_ = WorldGeometry.used.polygons;
+    }
+
+    void AddTriangle(Vec3 a, Vec3 b, Vec3 c) {
+        GeometryCounts& used = WorldGeometry.used;
+        PolyRecord& polygon = WorldGeometry.polygons[used.polygons];
+        polygon = {};
+        polygon.cornerCount = 3;
+        polygon.texture = 95;
+        polygon.firstVertex = static_cast<uint16_t>(used.polyVertices);
+        for (const Vec3& p : {a, b, c}) {
+            ViewPoint& view = WorldGeometry.viewPoints[used.points];
+            view.x = p.x;
+            view.y = p.y;
+            view.z = p.z;
+            WorldGeometry.points[used.points].normal = {0, 1, 0};
+            WorldGeometry.polyVertices[used.polyVertices++] = {used.points++, p.x, p.z, 100.0f};
+        }
+        AppendVisible(used.polygons++);
+    }
+
+    void Bin(Vec3 actor = {0, 0, 0}) { BinActorPolygons(VisibleCount(), actor.x, actor.y, actor.z); }
+
+    static bool Filled(int leaf) { return WorldGeometry.leaves[leaf].frameStamp == FrameCount; }
+
+    // Signed area in x, z of a polygon's ViewPoint corners.
+    static double Area(uint32_t polygon) {
+        const PolyRecord record = WorldGeometry.polygons[polygon];
+        double area = 0.0;
+        for (uint32_t i = 0; i < record.cornerCount; ++i) {
+            const auto corner = [&](uint32_t k) -> const ViewPoint& {
+                return WorldGeometry.viewPoints[WorldGeometry.polyVertices[record.firstVertex + k].point];
+            };
+            const ViewPoint& p = corner(i);
+            const ViewPoint& q = corner((i + 1) % record.cornerCount);
+            area += 0.5 * (double{p.x} * q.z - double{q.x} * p.z);
+        }
+        return area;
+    }
+
+    TinyWorld world_;
+    uint32_t CharPolygon_;
+};
+
+TEST_F(Bins, AnUncutTriangleLiesWholeInOneLeaf) {
+    AddTriangle({20, 0, 20}, {60, 0, 20}, {20, 0, 60});
+    Bin();
+    EXPECT_TRUE(Filled(3));
+    EXPECT_FALSE(Filled(0) || Filled(1) || Filled(2));
+    ASSERT_EQ(LeafBins[3].count, 1);
+    EXPECT_EQ(LeafBins[3].polygons[0], CharPolygon_);
+}
+
+TEST_F(Bins, CornersWithinOneUnitOfAPlaneDoNotCut) {
+    AddTriangle({-0.9f, 0, 20}, {0.9f, 0, 20}, {0.5f, 0, 60});
+    Bin();
+    EXPECT_TRUE(Filled(3));
+    EXPECT_FALSE(Filled(2));
+}
+
+TEST_F(Bins, PiecesKeepTheAreaTheAttributesAndTheWinding) {
+    AddTriangle({-40, 0, -30}, {50, 0, -20}, {10, 0, 60});
+    AddTriangle({-10, 0, 80}, {-80, 0, -20}, {70, 0, 10});
+    const double whole = Area(CharPolygon_) + Area(CharPolygon_ + 1);
+    const GeometryCounts used = WorldGeometry.used;
+    Bin();
+    double pieces = 0.0;
+    std::set<uint16_t> seen;
+    for (int leaf = 0; leaf < 4; ++leaf) {
+        ASSERT_TRUE(Filled(leaf));
+        for (int i = 0; i < LeafBins[leaf].count; ++i) {
+            const uint16_t piece = LeafBins[leaf].polygons[i];
+            EXPECT_TRUE(seen.insert(piece).second);
+            EXPECT_GT(piece, used.polygons + 100);
+            pieces += Area(piece);
+            const PolyRecord record = WorldGeometry.polygons[piece];
+            EXPECT_EQ(record.texture, 95);
+            for (uint32_t k = 0; k < record.cornerCount; ++k) {
+                const PolyVertex& corner = WorldGeometry.polyVertices[record.firstVertex + k];
+                const ViewPoint& p = WorldGeometry.viewPoints[corner.point];
+                EXPECT_NEAR(corner.u, p.x, 1e-3f);  // u and v were laid out as x and z
+                EXPECT_NEAR(corner.v, p.z, 1e-3f);
+                EXPECT_EQ(corner.intensity, 100.0f);
+                EXPECT_EQ(WorldGeometry.points[corner.point].normal.y, 1.0f);
+                EXPECT_LE((leaf & 1 ? -p.x : p.x), 1.0f);
+                EXPECT_LE((leaf & 2 ? -p.z : p.z), 1.0f);
+            }
+        }
+    }
+    EXPECT_NEAR(pieces, whole, 1e-2);
+    EXPECT_EQ(DroppedPolygons, 0u);
+}
+
+TEST_F(Bins, PlanesFartherThanAHundredUnitsFromTheActorAreSkipped) {
+    AddTriangle({-5, 0, 20}, {60, 0, 20}, {20, 0, 60});
+    Bin({150, 0, 150});
+    EXPECT_TRUE(Filled(3));
+    EXPECT_FALSE(Filled(2));
+    EXPECT_EQ(LeafBins[3].polygons[0], CharPolygon_);
+}
+
+TEST_F(Bins, WhatDoesNotFitIsDroppedAndCounted) {
+    AddTriangle({-40, 0, 20}, {50, 0, 20}, {10, 0, 60});
+    for (int i = 0; i < 3000; ++i)
+        AppendVisible(CharPolygon_);
+    Bin();
+    EXPECT_GT(DroppedPolygons, 0u);
+    int32_t binned = 0;
+    for (int leaf = 0; leaf < 4; ++leaf)
+        binned += Filled(leaf) ? LeafBins[leaf].count : 0;
+    EXPECT_GT(binned, 0);
+}
+
+TEST(DepthListTest, RunsFromFarToNearAndKeepsTheOrderOfEquals) {
+    InitDepthList();
+    for (const auto& [depth, polygon] : {std::pair{5.0f, 1}, {7.0f, 2}, {5.0f, 3}, {NAN, 4}, {1e9f, 5}})
+        InsertByDepth(depth, static_cast<int16_t>(polygon));
+    std::vector<int> order;
+    for (int32_t k = DepthList[0].next; DepthList[k].depth != DEPTH_LIST_TAIL; k = DepthList[k].next)
+        order.push_back(DepthList[k].polygon);
+    EXPECT_EQ(order, (std::vector<int>{5, 2, 1, 3, 4}));
+    for (int i = 0; i < 3000; ++i)
+        InsertByDepth(1.0f, 9);
+}
+
+TEST_F(Bins, LightsInRangeAreTurnedIntoTheCharactersFrame) {
+    for (LightSlot& slot : LightSlots)
+        slot.type = LIGHT_FREE;
+    for (int i = 0; i < 40; ++i) {
+        LightSlots[i].type = 7;
+        LightSlots[i].position = {0.0f, 0.0f, 100.0f};  // ahead of an actor at heading 0
+        LightSlots[i].radius = 200.0f;
+        LightSlots[i].radiusSquared = 40000.0;
+        LightSlots[i].intensity = 2.0f;
+    }
+    LightSlots[0].position = {0.0f, 0.0f, 1000.0f};
+    PlayerActor.angles.y = 0.0f;
+    GatherActorLights(0.0f, 0.0f, 0.0f);
+    EXPECT_EQ(CharacterLightCount, 30);
+    EXPECT_NEAR(CharacterLightList[0].direction.z, 1.0f, 1e-6f);  // from the light to the actor; the mesh faces -z
+    EXPECT_NEAR(CharacterLightList[0].strength, 1.0f, 1e-6f);
+    GatherActorLights(0.0f, 0.0f, 100.0f);
+    EXPECT_EQ(CharacterLightList[0].strength, 2.0f);
+    EXPECT_EQ(CharacterLightList[0].direction.z, 0.0f);
+    for (LightSlot& slot : LightSlots)
+        slot.type = LIGHT_FREE;
+}
+
+TEST_F(Bins, ATriangleSeenAlmostEdgeOnFacesAway) {
+    AddTriangle({0, 0, 50}, {0, 10, 50}, {10, 0, 50});  // normal towards -z
+    const uint32_t p = WorldGeometry.used.points - 3;
+    EXPECT_GT(FacingSide(p, p + 1, p + 2, {0, 0, 0}), 0);
+    EXPECT_LT(FacingSide(p, p + 1, p + 2, {0, 0, 100}), 0);
+    EXPECT_EQ(FacingSide(p, p + 1, p + 2, {0, 0, 50.005f}), 0);
+}
+
+}  // namespace

@@ -1,0 +1,167 @@
+#include "character/mesh.h"
+#include "character/skin.h"
+
+#include "file_builders.h"
+#include "math/vectors.h"
+#include "support/pool_fixture.h"
+#include "support/throwing_fatal.h"
+#include "support/tiny_world.h"
+#include "world/world_tables.h"
+
+namespace {
+
+const std::vector<Vec3> POINTS = {{0, 0, 0}, {0, 50, 0}, {50, 0, 0}, {50, 50, 10}};
+const std::vector<FaceSource> FACES = {{0, 1, 2, 0}, {2, 1, 3, 200}};
+
+class CharacterFiles : public PoolFixture {
+protected:
+    void SetUp() override {
+        PoolFixture::SetUp();
+        world_.AddLeaf({{{-500, 0, -500}, {500, 0, -500}, {500, 0, 500}, {-500, 0, 500}}});
+        Restart();
+    }
+
+    void Restart() {
+        FreshPool(0x10000);
+        world_.Publish();
+        CharPointBase = WorldGeometry.used.points;
+        CharPolyBase = WorldGeometry.used.polygons;
+    }
+
+    void LoadFrom(const Bytes& mesh, const Bytes& coordinates) {
+        const std::string meshFile = std::string(FileOf(mesh)) + ".msh";
+        std::filesystem::rename(FileOf(mesh), meshFile);
+        LoadMesh(meshFile.c_str(), mesh_, FileOf(coordinates));
+        std::filesystem::remove(meshFile);
+    }
+
+    TinyWorld world_;
+    MeshRecord mesh_{};
+};
+
+TEST_F(CharacterFiles, TheMeshStandsBehindTheWorldInEveryTable) {
+    const GeometryCounts before = WorldGeometry.used;
+    LoadFrom(MeshImage(3, POINTS, FACES), CoordinatesImage(FACES));
+    EXPECT_EQ(mesh_.firstPoint, before.points);
+    EXPECT_EQ(mesh_.firstPolygon, before.polygons);
+    EXPECT_EQ(mesh_.boneCount, 3u);
+    const PolyRecord second = WorldGeometry.polygons[mesh_.firstPolygon + 1];
+    EXPECT_EQ(second.texture, (200 + 93) & 0xFF);
+    EXPECT_EQ(second.flags, 0);
+    EXPECT_EQ(WorldGeometry.polyVertices[second.firstVertex + 2].point, before.points + 3);
+    EXPECT_EQ(WorldGeometry.polyVertices[second.firstVertex + 2].u, 256.0f + 2.0f);
+    // Corners 0, 1, 2 run clockwise seen from -z, so the normal points to -z.
+    EXPECT_NEAR(WorldGeometry.planes[before.planes].nz, -1.0f, 1e-6f);
+    EXPECT_EQ(WorldGeometry.used.polygons, before.polygons + 2);
+    EXPECT_EQ(WorldGeometry.used.polyVertices, before.polyVertices + 6);
+    EXPECT_EQ(WorldGeometry.used.planes, before.planes + 2);
+    EXPECT_EQ(WorldGeometry.fixed.points, before.points + 4);
+    EXPECT_EQ(mesh_.bones[2].world.r[4], 1.0);
+}
+
+TEST_F(CharacterFiles, DamagedMeshesAreRefusedAndNothingElse) {
+    const Bytes mesh = MeshImage(3, POINTS, FACES);
+    const Bytes coordinates = CoordinatesImage(FACES);
+    for (size_t cut = 0; cut < mesh.size(); cut += 7) {
+        Restart();
+        EXPECT_THROW(LoadFrom(Bytes(mesh.begin(), mesh.begin() + static_cast<long>(cut)), coordinates), FatalThrown);
+    }
+    for (size_t cut = 0; cut < coordinates.size(); cut += 7) {
+        Restart();
+        EXPECT_THROW(LoadFrom(mesh, Bytes(coordinates.begin(), coordinates.begin() + static_cast<long>(cut))),
+                     FatalThrown);
+    }
+    for (size_t at = 0; at < mesh.size(); at += 3) {
+        Restart();
+        Bytes altered = mesh;
+        altered[at] = 0xFF;
+        try {
+            LoadFrom(altered, coordinates);
+        } catch (const FatalThrown&) {
+        }
+    }
+    std::vector<Vec3> many(SPARE_POINTS + 1, Vec3{});
+    Restart();
+    EXPECT_THROW(LoadFrom(MeshImage(3, many, FACES), coordinates), FatalThrown);
+    EXPECT_THROW(LoadMesh("none.msh", mesh_, "none.tuv"), FatalThrown);
+}
+
+// Two bones: blocks 0 and 1 belong to bones 4 and 3.
+class Skinning : public CharacterFiles {
+protected:
+    void SetUp() override {
+        CharacterFiles::SetUp();
+        LoadFrom(MeshImage(22, POINTS, FACES), CoordinatesImage(FACES));
+        mesh_.bones[3].world.t[0] = 10.0;
+        actor_.mesh = &mesh_;
+        actor_.states = &state_;
+        actor_.animations = &entry_;
+        record_.hiddenBlock = 255;
+    }
+
+    std::vector<WeightBlockSource> Blocks() const {
+        std::vector<WeightBlockSource> blocks(22);
+        blocks[0].hard = {0, 1};
+        blocks[1].soft = {{0, 32768}, {1, 0}};
+        return blocks;
+    }
+
+    void Skin(const Bytes& weights) {
+        testing::internal::CaptureStdout();
+        actor_.weights = LoadWeights(FileOf(weights), mesh_);
+        listing_ = testing::internal::GetCapturedStdout();
+        SkinActor(actor_);
+    }
+
+    float X(uint32_t point) const { return WorldGeometry.viewPoints[mesh_.firstPoint + point].x; }
+
+    AnimRecord record_{};
+    AnimFileEntry entry_ = {"", &record_};
+    StateRecord state_{};
+    Actor actor_{};
+    std::string listing_;
+};
+
+TEST_F(Skinning, SoftPointsBlendWithWhatEarlierBlocksGaveThem) {
+    Skin(WeightsImage(Blocks()));
+    EXPECT_EQ(X(0), 5.0f);
+    EXPECT_EQ(X(1), 0.0f);
+    EXPECT_NE(listing_.find("weight file version 3\nbones 22, welds 1\n2 hard points\n0 index 0\n1 index 1\n0 soft"),
+              std::string::npos);
+    EXPECT_NE(listing_.find("0 index 0, weight 32768\n"), std::string::npos);
+    EXPECT_NE(listing_.find("weld 0, from 3, to 4\n"), std::string::npos);
+    EXPECT_EQ(listing_.find("matrix"), std::string::npos);
+}
+
+TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
+    record_.hiddenBlock = 0;
+    for (uint32_t p = 0; p < 4; ++p)
+        WorldGeometry.viewPoints[mesh_.firstPoint + p] = {};
+    Skin(WeightsImage(Blocks(), 4));
+    EXPECT_EQ(X(0), 5.0f);  // half of bone 3's place, half of what it held
+    EXPECT_NE(listing_.find("matrix 7\n2 hard points\n"), std::string::npos);
+}
+
+TEST_F(Skinning, EveryCutOrAlteredWeightFileLoadsOrIsRefused) {
+    const Bytes good = WeightsImage(Blocks());
+    for (size_t cut = 0; cut < good.size(); ++cut) {
+        FreshPool(0x10000);
+        EXPECT_THROW(LoadWeights(FileOf(Bytes(good.begin(), good.begin() + static_cast<long>(cut))), mesh_),
+                     FatalThrown);
+    }
+    for (size_t at = 0; at < good.size(); ++at) {
+        for (const uint8_t value : {uint8_t{1}, uint8_t{0xFF}}) {
+            FreshPool(0x10000);
+            Bytes altered = good;
+            altered[at] = value;
+            try {
+                Skin(altered);
+            } catch (const FatalThrown& fatal) {
+                testing::internal::GetCapturedStdout();
+                EXPECT_EQ(fatal.text, "Not a valid weights file");
+            }
+        }
+    }
+}
+
+}  // namespace

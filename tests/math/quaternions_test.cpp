@@ -1,0 +1,143 @@
+#include "math/quaternions.h"
+
+#include "math/matrix_stack.h"
+#include "math/vectors.h"
+#include "support/throwing_fatal.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace {
+
+constexpr double PI = 3.141592653589793;
+
+Quat RandomUnit(std::mt19937& random) {
+    std::uniform_real_distribution<double> component(-1.0, 1.0);
+    Quat q = {component(random), component(random), component(random), component(random)};
+    QuatNormalize(q);
+    return q;
+}
+
+double Distance(const Quat& a, const Quat& b) {
+    return std::fabs(a.w - b.w) + std::fabs(a.x - b.x) + std::fabs(a.y - b.y) + std::fabs(a.z - b.z);
+}
+
+TEST(Quaternions, MatrixFormsRotateLikeTheQuaternion) {
+    std::mt19937 random(7);
+    for (int i = 0; i < 200; ++i) {
+        const Quat q = RandomUnit(random);
+        const double v[3] = {1.5, -2.25, 3.0};
+        double turned[3];
+        QuatRotateVector(q, v, turned);
+        double rows[9];
+        QuatToMatrix(q, rows);
+        double byRow[3] = {v[0], v[1], v[2]};
+        RotateDVector(byRow, rows);
+        for (int k = 0; k < 3; ++k)
+            ASSERT_NEAR(byRow[k], turned[k], 1e-13);
+
+        Quat back;
+        MatrixToQuat(rows, back);
+        const Quat positive = q.w < 0.0 ? Quat{-q.w, -q.x, -q.y, -q.z} : q;
+        ASSERT_LT(Distance(back, positive), 1e-12);
+    }
+}
+
+TEST(Quaternions, MatrixToQuatSurvivesHalfTurnsAboutAnyAxis) {
+    std::mt19937 random(11);
+    for (int i = 0; i < 500; ++i) {
+        Quat axis = RandomUnit(random);
+        axis.w = 0.0;
+        QuatNormalize(axis);
+        double rows[9];
+        QuatToMatrix(axis, rows);
+        Quat back;
+        MatrixToQuat(rows, back);
+        ASSERT_NEAR(back.w * back.w + back.x * back.x + back.y * back.y + back.z * back.z, 1.0, 1e-9);
+    }
+}
+
+TEST(Quaternions, ProductsFollowTheOrderOfRotations) {
+    std::mt19937 random(3);
+    const Quat a = RandomUnit(random);
+    const Quat b = RandomUnit(random);
+    const double v[3] = {0.5, 2.0, -1.0};
+    Quat ab;
+    QuatMultiply(a, b, ab);
+    double once[3], inner[3], twice[3];
+    QuatRotateVector(ab, v, once);
+    QuatRotateVector(b, v, inner);
+    QuatRotateVector(a, inner, twice);
+    for (int k = 0; k < 3; ++k)
+        EXPECT_NEAR(once[k], twice[k], 1e-14);
+    Quat identity;
+    QuatMultiplyConj(a, a, identity);
+    EXPECT_LT(Distance(identity, {1.0, 0.0, 0.0, 0.0}), 1e-14);
+}
+
+TEST(Quaternions, AxisAndAngleComeBackWithAPositiveScalar) {
+    Quat q;
+    testing::internal::CaptureStdout();
+    QuatFromAxisAngle({1.5 * PI, 0.0, 1.0, 0.0}, q);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "angle was >180! (270.000000)\n");
+    EXPECT_LT(Distance(q, {std::sqrt(0.5), 0.0, -std::sqrt(0.5), 0.0}), 1e-15);
+
+    AxisAngle out;
+    QuatToAxisAngle(q, out);
+    EXPECT_NEAR(out.angle, PI / 2.0, 1e-15);
+    EXPECT_NEAR(out.y, -1.0, 1e-15);
+    Quat corrupt = {1.1, 0.0, 1.0, 0.0};
+    QuatToAxisAngle(corrupt, out);
+    EXPECT_EQ(corrupt.w, 1.0);
+    EXPECT_EQ(corrupt.y, 0.0);
+    EXPECT_EQ(out.x, 1.0);
+}
+
+TEST(Quaternions, SlerpClampsAndTakesTheStraightLineAtTheEnds) {
+    std::mt19937 random(5);
+    const Quat a = RandomUnit(random);
+    const Quat b = RandomUnit(random);
+    Quat q;
+    QuatSlerp(a, b, q, 1.5);
+    EXPECT_LT(Distance(q, b), 1e-14);
+    QuatSlerp(a, b, q, -0.2);
+    EXPECT_LT(Distance(q, a), 1e-14);
+    const Quat x = {1.0, 0.0, 0.0, 0.0};
+    QuatSlerp(x, {-1.0, 0.0, 0.0, 0.0}, q, 0.5);
+    EXPECT_EQ(q.w, 0.0);
+    QuatSlerp(x, {0.0, 0.0, 1.0, 0.0}, q, 0.5);
+    EXPECT_LT(Distance(q, {std::sqrt(0.5), 0.0, std::sqrt(0.5), 0.0}), 1e-15);
+}
+
+TEST(MatrixStack, HoldsSixtyFourAndSaysWhichEndIsPassed) {
+    Transform saved[MATRIX_STACK_SIZE];
+    for (int i = 0; i < MATRIX_STACK_SIZE; ++i) {
+        TransformIdentity(saved[i]);
+        saved[i].t[0] = i;
+        PushMatrix(saved[i]);
+    }
+    try {
+        PushMatrix(saved[0]);
+        FAIL();
+    } catch (const FatalThrown& fatal) {
+        EXPECT_EQ(fatal.code, 1);
+        EXPECT_EQ(fatal.text, "Matrix stack overflow.");
+    }
+    for (int i = MATRIX_STACK_SIZE - 1; i >= 0; --i) {
+        Transform popped;
+        PopMatrix(popped);
+        ASSERT_EQ(popped.t[0], i);
+    }
+    Transform untouched = saved[5];
+    try {
+        PopMatrix(untouched);
+        FAIL();
+    } catch (const FatalThrown& fatal) {
+        EXPECT_EQ(fatal.text, "Matrix stack underflow");
+        EXPECT_EQ(untouched.t[0], 5.0);
+    }
+}
+
+}  // namespace
