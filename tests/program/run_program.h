@@ -18,6 +18,7 @@ public:
     ProgramResult Run(const std::string& arguments) const;  // shell words
     void Write(const std::string& name, const std::string& text) const;
     std::string Read(const std::string& name) const;
+    const std::filesystem::path& Folder() const { return folder_; }
 
 private:
     std::filesystem::path folder_;
