@@ -7,7 +7,7 @@
 
 struct LevelSettings {
     double scale = 1;          // "scale": engine units per map unit
-    double subdivide = 256;    // "subdivide": grid on which large faces are cut so that they take up light; 0 = never
+    double subdivide = 256;    // "subdivide": grid, engine units, on which large faces are cut for light; 0 = never
     double lightLevel = 0.6;   // "light_level": brightness of a light byte of 0; 1 shows the textures unchanged
     double contrast = 1;       // "contrast": weight of the light bytes
     double ambient = 20;       // "ambient": light byte where no light reaches, 0..127
