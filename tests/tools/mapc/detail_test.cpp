@@ -186,6 +186,18 @@ TEST(Leaves, TreadsComeBeforeWallsAndRisersLast) {
     EXPECT_GT(mixed, 3) << "nothing was tested";
 }
 
+// Two large triangles with a sliver between them, whose middle corner all but lies on its long edge.
+TEST(Junctions, ASliverIsDroppedAndItsNeighboursMeet) {
+    Mesh mesh;
+    mesh.vertices = {{0, 0, 0}, {100, 0, 0}, {50, 0.1, 0}, {50, 80, 0}, {50, -80, 0}};
+    const auto polygon = [](std::vector<int> corners) { return MeshPolygon{std::move(corners), 0, 0, false}; };
+    mesh.leaves = {{polygon({0, 4, 1}), polygon({0, 1, 2})}, {polygon({0, 2, 1, 3})}};
+    FillTJunctions(mesh);
+    ASSERT_EQ(mesh.leaves[0].size(), 1U);
+    EXPECT_EQ(mesh.leaves[0][0].corners, (std::vector<int>{0, 4, 1, 2}));
+    EXPECT_EQ(mesh.leaves[1][0].corners, (std::vector<int>{0, 2, 1, 3}));
+}
+
 TEST(Fans, PolygonsOfManyCornersAreHalvedAndBeginWhereTheFanIsBest) {
     Mesh mesh;
     MeshPolygon polygon;
