@@ -3,9 +3,6 @@
 #include "formats/binary.h"
 #include "formats/error.h"
 
-#define TINYGLTF_NO_STB_IMAGE
-#define TINYGLTF_NO_STB_IMAGE_WRITE
-#define TINYGLTF_NO_EXTERNAL_IMAGE
 #include <fmt/format.h>
 #include <tiny_gltf.h>
 

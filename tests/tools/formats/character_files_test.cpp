@@ -1,0 +1,93 @@
+#include "formats/character_files.h"
+
+#include "formats/error.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace {
+
+CharacterMesh Tetrahedron() {
+    return {3, {{0, 0, 0}, {1, 0, 0}, {0, 2, 0}, {0, 0, -3.5F}}, {{0, 1, 2}, {0, 2, 3}, {0, 3, 1}, {1, 3, 2}}};
+}
+
+CharacterAnimation Nod() {
+    CharacterAnimation animation;
+    animation.length = 90;
+    animation.commands = {0, COMMAND_PUSH, 1, COMMAND_POP, 2};
+    animation.bones.resize(3);
+    for (size_t b = 0; b < 3; ++b) {
+        animation.bones[b].pivot = {0.1 * static_cast<double>(b), 2, -3};
+        animation.bones[b].rotations = {{10, {1, 0, 0, 0}}, {50, {0.6, 0.8, 0, 0}}, {90, {1, 0, 0, 0}}};
+        animation.bones[b].positions = {{10, {0, -10, 0}}};
+    }
+    return animation;
+}
+
+}  // namespace
+
+TEST(CharacterFileLayout, FieldsLieAtTheirOffsets) {
+    const std::vector<uint8_t> mesh = EncodeMesh(Tetrahedron());
+    EXPECT_EQ(mesh.size(), 12U + 4 * 3 + 12 + 12 * 4 + 12 * 4);
+    EXPECT_EQ(mesh[4], 3) << "bones";
+    EXPECT_EQ(mesh[12], 24) << "the first part's offset";
+    EXPECT_EQ(mesh[24 + 4], 4) << "points";
+    const std::vector<uint8_t> animation = EncodeAnimation(Nod());
+    const auto word = [&](size_t at) { return animation[at] | animation[at + 1] << 8; };
+    EXPECT_EQ(word(4), 90);
+    EXPECT_EQ(word(8), 3);
+    EXPECT_EQ(word(12), 255);
+    EXPECT_EQ(word(16), 32 + 4 * 6) << "after the commands and their end mark";
+    EXPECT_EQ(word(20), word(16) + 16);
+    const auto track = static_cast<size_t>(word(static_cast<size_t>(word(16)) + 4 + 4));
+    EXPECT_EQ(track, static_cast<size_t>(word(20)) + 16 + 32 + 36 * 3) << "of bone 1, behind bone 0's";
+    EXPECT_EQ(word(track + 28), 3) << "keys";
+    EXPECT_EQ(word(track + 32 + 36), 50);
+}
+
+TEST(CharacterFileLayout, ReadsBackWhatItWrote) {
+    EXPECT_EQ(DecodeMesh(EncodeMesh(Tetrahedron()), "a"), Tetrahedron());
+    EXPECT_EQ(DecodeAnimation(EncodeAnimation(Nod()), "a"), Nod());
+    const std::vector<SkinTriangle> skin{{1, {{{0, 1}, {2, 3}, {4, 5}}}}, {0, {{{9, 8}, {7, 6}, {5, 4}}}}};
+    EXPECT_EQ(DecodeSkin(EncodeSkin(skin), "a"), skin);
+    const std::vector<WeightBlock> blocks{{{0, 3}, {}}, {{}, {{3, 65535}, {0, 1}}}};
+    EXPECT_EQ(DecodeWeights(EncodeWeights(blocks), "a"), blocks);
+}
+
+TEST(CharacterFileLayout, CutAndLengthenedFilesAreRefused) {
+    const auto refusesAll = [](const std::vector<uint8_t>& whole,
+                               const std::function<void(std::vector<uint8_t>)>& read) {
+        for (size_t size = 0; size < whole.size(); ++size)
+            EXPECT_THROW(read({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}), ContentError)
+                << size;
+    };
+    refusesAll(EncodeMesh(Tetrahedron()), [](auto bytes) { DecodeMesh(std::move(bytes), "a"); });
+    refusesAll(EncodeAnimation(Nod()), [](auto bytes) { DecodeAnimation(std::move(bytes), "a"); });
+    refusesAll(EncodeWeights({{{0, 3}, {{3, 1}}}}), [](auto bytes) { DecodeWeights(std::move(bytes), "a"); });
+    std::vector<uint8_t> longer = EncodeMesh(Tetrahedron());
+    longer.push_back(0);
+    EXPECT_THROW(DecodeMesh(longer, "a"), ContentError);
+}
+
+TEST(CharacterFileLayout, AnimationsThatTheGameCouldNotPlayAreRefused) {
+    const struct {
+        const char* fault;
+        std::function<void(CharacterAnimation&)> make;
+    } rows[] = {
+        {"starts late", [](auto& a) { a.bones[1].rotations[0].time = 11; }},
+        {"keys fall", [](auto& a) { a.bones[1].rotations[1].time = 95; }},
+        {"key beyond the length", [](auto& a) { a.length = 80; }},
+        {"no keys", [](auto& a) { a.bones[2].positions.clear(); }},
+        {"no number", [](auto& a) { a.bones[2].pivot[1] = 1e308 * 10; }},
+        {"pop without push", [](auto& a) { a.commands[1] = COMMAND_POP; }},
+        {"push without pop", [](auto& a) { a.commands[3] = COMMAND_PUSH; }},
+        {"bone that is not there", [](auto& a) { a.commands[4] = 3; }},
+    };
+    for (const auto& row : rows) {
+        CharacterAnimation animation = Nod();
+        row.make(animation);
+        EXPECT_THROW(DecodeAnimation(EncodeAnimation(animation), "a"), ContentError) << row.fault;
+    }
+}
