@@ -1,6 +1,7 @@
 #include "host/host.h"
 
 #include "backends/headless/headless.h"
+#include "boards/boards.h"
 #include "core/data_folder.h"
 #include "core/log.h"
 #include "core/machine.h"
@@ -38,6 +39,7 @@ bool LoadOptionScript(const Options& options, Script& script) {
 }
 
 void OpenMachine(Options& options) {
+    ChooseBoard(options.board);
     StartMachine(options);
     if (CurrentMachine != &HeadlessMachine) return;
     if (!options.headless) std::fprintf(stderr, "tarnwick: no window can be opened; running without one\n");

@@ -46,6 +46,18 @@ bool TakeRenderer(std::string_view value, Options& options) {
     return true;
 }
 
+bool TakeBoard(std::string_view value, Options& options) {
+    if (value == "auto")
+        options.board = BoardChoice::Auto;
+    else if (value == "cpu")
+        options.board = BoardChoice::Cpu;
+    else if (value == "none")
+        options.board = BoardChoice::None;
+    else
+        return false;
+    return true;
+}
+
 bool TakeShot(std::string_view value, Options& options) {
     const size_t colon = value.find(':');
     ShotRequest shot{};
@@ -74,6 +86,8 @@ const OptionEntry OPTIONS[] = {
     {"--level", "1..8", "choose this level at the start", TakeLevel},
     {"--renderer", "software|accelerator", "choose this renderer at the start (software with --headless and --level)",
      TakeRenderer},
+    {"--board", "auto|cpu|none", "the accelerator's board; none: the game draws by itself, whatever the renderer",
+     TakeBoard},
     {"--headless", nullptr, "no window, no sound, a clock that moves only when it is read",
      [](std::string_view, Options& options) { return options.headless = true; }},
     {"--script", "FILE", "play the input written in FILE",

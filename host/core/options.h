@@ -11,6 +11,7 @@ struct ShotRequest {
 };
 
 enum class RendererChoice { Unset, Software, Accelerator };
+enum class BoardChoice { Auto, Cpu, None };
 
 // Paths are as given: relative to the folder the program was called from.
 struct Options {
@@ -21,6 +22,7 @@ struct Options {
     bool fullscreen = false;  // whatever the window's size
     int level = 0;            // 1..8; 0: chosen by hand
     RendererChoice renderer = RendererChoice::Unset;
+    BoardChoice board = BoardChoice::Auto;
     bool headless = false;
     std::string script;
     uint32_t frames = 0;  // 0: no limit

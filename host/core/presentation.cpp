@@ -1,5 +1,6 @@
 #include "core/presentation.h"
 
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -41,12 +42,17 @@ void ConvertHighColour() {
     }
 }
 
+void CopyTrueColour() {
+    for (uint32_t y = 0; y < shown.height; ++y)
+        std::memcpy(&pixels[size_t{y} * shown.width], shown.pixels + size_t{y} * shown.pitch, size_t{shown.width} * 4);
+}
+
 // Left until somebody looks: a run without a window pays for the pictures it writes only.
 void Convert() {
     if (converted) return;
     converted = true;
     pixels.resize(size_t{shown.width} * shown.height);
-    shown.bits == 8 ? ConvertIndexed() : ConvertHighColour();
+    shown.bits == 8 ? ConvertIndexed() : shown.bits == 16 ? ConvertHighColour() : CopyTrueColour();
     picture = {pixels.data(), static_cast<int>(shown.width), static_cast<int>(shown.height)};
 }
 

@@ -6,7 +6,8 @@
 
 #include <cstdint>
 
-// The front buffer as it lies in memory: 8 bits with a palette of 256 entries, or 16 bits (5-6-5).
+// The front buffer as it lies in memory: 8 bits with a palette of 256 entries, 16 bits (5-6-5), or
+// 32 bits (0x00RRGGBB).
 struct FrontBuffer {
     const uint8_t* pixels;
     uint32_t pitch;  // bytes

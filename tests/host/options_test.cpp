@@ -18,16 +18,18 @@ OptionsResult Parse(std::vector<std::string> words, Options& options, std::strin
 TEST(CommandLine, SetsWhatItNames) {
     Options options;
     std::string error;
-    EXPECT_EQ(Parse({"--data", "my data", "--window", "800x600", "--level", "8", "--renderer", "accelerator",
-                     "--headless", "--frames", "4294967295", "--shot", "12:a:b.png", "--shot", "3:c.png", "--verbose"},
-                    options, error),
-              OptionsResult::Run);
+    EXPECT_EQ(
+        Parse({"--data", "my data", "--window", "800x600", "--level", "8", "--renderer", "accelerator", "--headless",
+               "--board", "cpu", "--frames", "4294967295", "--shot", "12:a:b.png", "--shot", "3:c.png", "--verbose"},
+              options, error),
+        OptionsResult::Run);
     EXPECT_EQ(error, "");
     EXPECT_EQ(options.data, "my data");
     EXPECT_EQ(options.windowWidth, 800);
     EXPECT_EQ(options.windowHeight, 600);
     EXPECT_EQ(options.level, 8);
     EXPECT_EQ(options.renderer, RendererChoice::Accelerator);
+    EXPECT_EQ(options.board, BoardChoice::Cpu);
     EXPECT_TRUE(options.headless);
     EXPECT_TRUE(options.verbose);
     EXPECT_EQ(options.frames, 4294967295u);

@@ -1,0 +1,76 @@
+// A board: the record of functions behind the accelerator's calls. What is drawn is collected in a BoardFrame and
+// handed over in whole; a board keeps its order.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+constexpr int32_t BOARD_WIDTH = 640;
+constexpr int32_t BOARD_HEIGHT = 480;
+constexpr int32_t BOARD_LODS = 9;  // longer sides 256, 128 .. 1
+
+constexpr uint32_t NO_BOARD_TEXTURE = 0xFFFFFFFF;
+
+struct BoardVertex {
+    float x, y;        // pixels, finite, -2048..2047
+    float oow;         // 1 / W
+    float sow, tow;    // s / W, t / W; s or t runs from 0 to 256 along the longer side
+    float r, g, b, a;  // 0..255
+};
+
+struct FogTable {
+    std::array<uint8_t, 64> entries;
+    uint32_t colour;  // 0x00RRGGBB
+    bool operator==(const FogTable&) const = default;
+};
+
+struct BoardState {
+    uint32_t texture = NO_BOARD_TEXTURE;  // of a triangle: a loaded one
+    bool wrapS = false, wrapT = false;    // else the edge's texels go on
+    bool addsAlpha = false;               // texture x colour + alpha
+    bool testsAlpha = false;              // draws only where the texture's alpha is alphaReference
+    uint8_t alphaReference = 0;
+    bool testsDepth = false;  // draws only what is nearer; else depth is neither read nor written
+    bool writesDepth = false;
+    bool hasFog = false;
+    FogTable fog{};
+    bool operator==(const BoardState&) const = default;
+};
+
+enum class BoardAction { Triangles, Lines, ClearColour, ClearDepth };
+
+struct BoardRun {
+    BoardAction action;
+    uint32_t first, count;  // vertices of Triangles and Lines
+    uint32_t state;         // of Triangles
+    uint32_t value;         // to clear with: 0x00RRGGBB or depth
+};
+
+struct BoardFrame {
+    std::vector<BoardVertex> vertices;
+    std::vector<BoardState> states;
+    std::vector<BoardRun> runs;
+};
+
+// One mip level, 0xAARRGGBB, rows top to bottom without gaps.
+struct TextureLevel {
+    uint32_t width, height;  // powers of two
+    std::vector<uint32_t> texels;
+};
+
+struct TextureImage {
+    int32_t firstLod;  // of the largest level: its longer side is 256 >> firstLod
+    std::vector<TextureLevel> levels;
+};
+
+struct Board {
+    const char* name;
+    bool (*open)();  // false: it cannot be used
+    void (*close)();
+    void (*loadTexture)(uint32_t texture, TextureImage image);  // 0..1023; replaces it for all later frames
+    void (*draw)(const BoardFrame& frame);                      // into the back buffer
+    void (*swap)();
+    // The front buffer, 0x00RRGGBB, BOARD_HEIGHT rows of `pitch` pixels; as it is until the next swap.
+    const uint32_t* (*front)(uint32_t& pitch);
+};

@@ -1,0 +1,19 @@
+// What the accelerator's calls share: the screen, the states, and the frame being collected.
+#pragma once
+
+#include "boards/board.h"
+
+struct GlideState {
+    bool isOpen = false;
+    int32_t cull = 0;  // sign of the area that is removed
+    bool hasDepthBuffer = false;
+    bool depthFunctionIsLess = true;
+    bool depthMask = false;
+    bool hasTexture = false;  // state.texture has been loaded
+    BoardState state{};       // its depth flags are made of the ones above
+};
+extern GlideState Glide;
+
+void StateChanged();  // the next triangle may need another state than the last one
+void FlushFrame();    // hands the collected frame to the board: before anything that must not reach what was drawn
+void ForgetTextures();
