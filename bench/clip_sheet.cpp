@@ -1,0 +1,152 @@
+// The character's animations as the game draws them, a row of moments for each: clip_sheet [--data DIR] [--level N]
+// [--heading DEGREES] [-o FILE.png] [zerorun ...]. Measures nothing, but starts the game the same way.
+
+#include "app/app_tables.h"
+#include "app/load_level.h"
+#include "camera/camera.h"
+#include "character/actor.h"
+#include "formats/image.h"
+#include "host/host.h"
+#include "math/random.h"
+#include "memory/system.h"
+#include "platform/input.h"
+#include "platform/timer.h"
+#include "player/player.h"
+#include "render/raster.h"
+#include "render/screen.h"
+#include "render/submit.h"
+#include "render/textures.h"
+#include "world/bsp.h"
+#include "world/draw/render_world.h"
+#include "world/static_object.h"
+#include "world/world_tables.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+
+namespace {
+
+constexpr uint32_t MOMENTS = 12;
+constexpr int WIDTH = 320, HEIGHT = 240;            // of the software frame
+constexpr int CELL_WIDTH = 136, CELL_HEIGHT = 196;  // from its middle
+constexpr float EYE_DISTANCE = 165.0f;
+constexpr float SOLES = 110.0f;  // below the actor's position
+
+struct Options {
+    int32_t level = 3;
+    float heading = 70.0f;  // from which the character is seen: 0 its back, 90 its left side, 180 its face
+    std::string output = "clips.png";
+    std::vector<std::string> clips;
+};
+Options Wanted;
+
+std::string NameOf(const AnimFileEntry& entry) {
+    const std::string path = entry.path;
+    return path.substr(path.rfind('\\') + 1, path.size() - path.rfind('\\') - 5);
+}
+
+void StartLevel() {
+    BuildReciprocalTable();
+    SystemInit();
+    InitGraphics(0);
+    LoadLevel(Wanted.level - 1);
+    DepthScale = 63000.0f / std::max(1.0f, FarDistance);
+    Vec3& position = PlayerActor.position;
+    const Vec3 below = {position.x, position.y - 400.0f, position.z};
+    position.y += SOLES - CameraRayDistance(position, below);
+}
+
+void LookAtPlayer() {
+    const Vec3& player = PlayerActor.position;
+    CameraMode = CAMERA_FREE;
+    CameraState = {};
+    CameraState.yawAccumulator = Wanted.heading;
+    CameraAngles = {0, Wanted.heading, 0};
+    CameraPos = player;
+    MouseInput = {};
+    UpdateCamera();
+    // Back along the view, and down to the height of the hips.
+    const Vec3 ahead = {ViewMatrix.rotation.m[6], ViewMatrix.rotation.m[7], ViewMatrix.rotation.m[8]};
+    CameraPos = {player.x - ahead.x * EYE_DISTANCE, player.y - 26.0f, player.z - ahead.z * EYE_DISTANCE};
+    UpdateCamera();
+}
+
+using Frame = std::vector<uint8_t>;  // CELL_WIDTH x CELL_HEIGHT palette entries
+
+Frame DrawFrame(bool withPlayer) {
+    FrameCount++;
+    SubmittedPolygons = 0;
+    LookAtPlayer();
+    ClearFrame();
+    if (withPlayer) DrawActorAt(0);
+    if (SkyFlag != 0) DrawSky();
+    RenderWorld();
+    Frame frame;
+    for (int y = 0; y < CELL_HEIGHT; y++) {
+        const uint8_t* row = FrameBuffer + (HEIGHT - CELL_HEIGHT + 2 * y) / 2 * FramePitch + (WIDTH - CELL_WIDTH) / 2;
+        frame.insert(frame.end(), row, row + CELL_WIDTH);
+    }
+    return frame;
+}
+
+// The background pale, so that the figure stands out.
+void DrawCell(Image& sheet, int left, int top) {
+    const uint8_t* palette = TextureImage + TEXTURE_PALETTE_OFFSET;
+    const Frame empty = DrawFrame(false);
+    DrawFrame(true);  // what it is lit by
+    const Frame frame = DrawFrame(true);
+    for (size_t i = 0; i < frame.size(); i++) {
+        const auto channel = [&](size_t c) {
+            const int full = palette[size_t{3} * frame[i] + c] * 255 / 63;
+            return static_cast<uint8_t>(frame[i] == empty[i] ? 150 + full / 4 : full);
+        };
+        const int index = static_cast<int>(i);
+        sheet.At(left + index % CELL_WIDTH, top + index / CELL_WIDTH) = {channel(0), channel(1), channel(2), 255};
+    }
+}
+
+int DrawSheet(HINSTANCE, HINSTANCE, char*, int) {
+    StartLevel();
+    std::set<std::string> seen;
+    std::vector<int16_t> rows;
+    for (int16_t i = 0; PlayerAnimations[i].path != nullptr; i++) {
+        const std::string name = NameOf(PlayerAnimations[i]);
+        const auto& clips = Wanted.clips;
+        const bool wanted = clips.empty() || std::find(clips.begin(), clips.end(), name) != clips.end();
+        if (wanted && seen.insert(name).second) rows.push_back(i);
+    }
+    Image sheet(CELL_WIDTH * static_cast<int>(MOMENTS), CELL_HEIGHT * static_cast<int>(rows.size()));
+    for (size_t row = 0; row < rows.size(); row++) {
+        const AnimFileEntry& clip = PlayerAnimations[rows[row]];
+        std::printf("row %zu: %s, 10 to %u\n", row + 1, NameOf(clip).c_str(), clip.record->length);
+        PlayerStates[0].animations[0] = rows[row];
+        for (uint32_t i = 0; i < MOMENTS; i++) {
+            PlayerActor.layerTimes[0] = 10 + i * (clip.record->length - 10) / (MOMENTS - 1);
+            DrawCell(sheet, CELL_WIDTH * static_cast<int>(i), CELL_HEIGHT * static_cast<int>(row));
+        }
+    }
+    WritePng(Wanted.output, sheet);
+    return 0;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    CLI::App app("Draws the character's animations as the game shows them.");
+    std::string data;
+    app.add_option("--data", data, "the game's data");
+    app.add_option("--level", Wanted.level, "where it stands")->check(CLI::Range(1, 8));
+    app.add_option("--heading", Wanted.heading, "from which it is seen: 0 from behind, 180 from ahead");
+    app.add_option("-o,--output", Wanted.output, "the picture to write (.png)");
+    app.add_option("clips", Wanted.clips, "names of animation files, all without");
+    CLI11_PARSE(app, argumentCount, arguments);
+    std::vector<std::string> words = {arguments[0], "--headless"};
+    if (!data.empty()) words.insert(words.end(), {"--data", data});
+    std::vector<char*> hostArguments;
+    for (std::string& word : words)
+        hostArguments.push_back(word.data());
+    return HostMain(static_cast<int>(hostArguments.size()), hostArguments.data(), DrawSheet);
+}
