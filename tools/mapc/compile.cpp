@@ -54,6 +54,14 @@ Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
     return mesh;
 }
 
+WorldFile CutOnWholeGrid(const MapFile& map, Tree tree, const Brushes& brushes, const Placement& placement,
+                         const LightGrid& grid) {
+    TessellateFaces(tree, brushes.planes, grid);
+    const Mesh mesh = MeshOf(tree, brushes);
+    CheckMesh(map.name, tree, mesh);
+    return EmitWorld(tree, mesh, brushes, placement);
+}
+
 void CheckContacts(const MapFile& map, const Contacts& contacts, const Placement& placement) {
     if (contacts.count <= CONTACTS_MAX) return;
     const Vec3 place = placement.ToMap({contacts.place[0], contacts.place[1], contacts.place[2]});
@@ -110,8 +118,15 @@ CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materi
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
 
     Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes);
-    if (settings.subdivide > 0)
-        TessellateFaces(tree, brushes.planes, settings.subdivide / settings.scale, settings.scale);
+    const auto lightOf = [&](const WorldFile& world) {
+        return LightWorld(world, settings, lights, compiled.placement);
+    };
+    if (settings.subdivide > 0) {
+        const LightGrid grid{settings.subdivide / settings.scale, settings.scale};
+        const WorldFile whole = CutOnWholeGrid(map, tree, brushes, compiled.placement, grid);
+        const SurfaceLight light(whole, lightOf(whole).pointLight, compiled.placement);
+        TessellateWhereLightBends(tree, brushes.planes, grid, light, settings.lightTolerance);
+    }
     const Mesh mesh = MeshOf(tree, brushes);
     CheckMesh(map.name, tree, mesh);
     compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);
@@ -119,7 +134,7 @@ CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materi
     CheckCounts(map.name, compiled.counts);
     compiled.contacts = MostContacts(compiled.world);
     CheckContacts(map, compiled.contacts, compiled.placement);
-    compiled.light = LightWorld(compiled.world, settings, lights, compiled.placement);
+    compiled.light = lightOf(compiled.world);
     return compiled;
 }
 

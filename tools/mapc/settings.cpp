@@ -64,6 +64,7 @@ LevelSettings ReadSettings(const MapFile& map) {
         Refuse(map.name, world.Find("subdivide")->line, fmt::format("the key subdivide is {}", settings.subdivide),
                "use 0, or 128 and more: finer surfaces overflow the engine's contact list");
     }
+    settings.lightTolerance = number("light_tolerance", settings.lightTolerance, 0, 127);
     settings.lightLevel = number("light_level", settings.lightLevel, 0, 2);
     settings.contrast = number("contrast", settings.contrast, 0, 10);
     settings.ambient = number("ambient", settings.ambient, 0, 127);

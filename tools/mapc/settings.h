@@ -6,14 +6,15 @@
 #include <array>
 
 struct LevelSettings {
-    double scale = 1;          // "scale": engine units per map unit
-    double subdivide = 256;    // "subdivide": grid, engine units, on which large faces are cut for light; 0 = never
-    double lightLevel = 0.6;   // "light_level": brightness of a light byte of 0; 1 shows the textures unchanged
-    double contrast = 1;       // "contrast": weight of the light bytes
-    double ambient = 20;       // "ambient": light byte where no light reaches, 0..127
-    int fadeDistance = 10000;  // "fade_distance": software, everything has faded to the dark colour
-    int farDistance = 16000;   // "far_distance": software, nothing beyond is drawn
-    int lightMode = 0;         // "light_mode": 2 inverts the light
+    double scale = 1;           // "scale": engine units per map unit
+    double subdivide = 256;     // "subdivide": grid, engine units, on which large faces are cut for light; 0 = never
+    double lightTolerance = 6;  // "light_tolerance": light bytes by which faces left whole may differ from the grid's
+    double lightLevel = 0.6;    // "light_level": brightness of a light byte of 0; 1 shows the textures unchanged
+    double contrast = 1;        // "contrast": weight of the light bytes
+    double ambient = 20;        // "ambient": light byte where no light reaches, 0..127
+    int fadeDistance = 10000;   // "fade_distance": software, everything has faded to the dark colour
+    int farDistance = 16000;    // "far_distance": software, nothing beyond is drawn
+    int lightMode = 0;          // "light_mode": 2 inverts the light
     bool plainBrightening = false;                // "plain_brightening": all colours brighten by the same fraction
     std::array<int, 3> brightColour{63, 63, 63};  // "bright_color": towards which light brightens, 0..63 each
     std::array<int, 3> darkColour{0, 0, 0};       // "dark_color": towards which darkness and distance fade

@@ -1,6 +1,10 @@
 #include "mapc/tessellate.h"
 
 #include "mapc/box_grid.h"
+#include "mapc/light_fit.h"
+#include "mapc/mesh.h"
+
+#include <optional>
 
 namespace {
 
@@ -10,22 +14,31 @@ constexpr double STRIP_PART = 0.125;   // of the grid: narrower strips are not c
 constexpr double STEP_CLEARANCE = 64;  // engine units from a floor up to the first cut of a wall
 constexpr double FALL_REACH = 600;     // engine units: farther from the edge of a floor nobody falls
 
-class Tessellator {
+// Where the grid may cut a face.
+class GridLines {
 public:
-    Tessellator(const Tree& tree, const PlaneTable& planes, double grid, double scale)
-        : planes_(planes), grid_(grid), scale_(scale), floorBoxes_(FloorsOf(tree, planes)), floors_(floorBoxes_) {}
+    GridLines(const Tree& tree, const PlaneTable& planes, const LightGrid& grid)
+        : planes_(planes), grid_(grid), floorBoxes_(FloorsOf(tree, planes)), floors_(floorBoxes_) {}
 
-    std::vector<Face> Cut(Face face) {
-        std::vector<Face> pieces;
-        const bool isWall = std::abs(planes_[face.plane].normal.z) < WALL_SLOPE;
-        std::vector<double> cuts[3];
-        for (int axis = 0; axis < 3; ++axis)
-            cuts[axis] = CutsOf(face, axis);
-        if (isWall) RemoveFalseSteps(face, cuts[2]);
-        pieces.push_back(std::move(face));
-        for (int axis = 0; axis < 3; ++axis)
-            CutAlong(axis, cuts[axis], pieces);
-        return pieces;
+    // Height below which a face is not cut across.
+    double LowestCut(const Face& face) {
+        if (std::abs(planes_[face.plane].normal.z) >= WALL_SLOPE) return -MAP_EXTENT * 2;
+        floors_.Find({{face.box.min.x, face.box.min.y, -MAP_EXTENT}, {face.box.max.x, face.box.max.y, MAP_EXTENT}},
+                     FALL_REACH / grid_.scale, near_);
+        double highest = -MAP_EXTENT * 2;
+        for (const int floor : near_)
+            highest = std::max(highest, floorBoxes_[static_cast<size_t>(floor)].max.z);
+        return highest + STEP_CLEARANCE / grid_.scale;
+    }
+
+    std::vector<double> Through(const Box& box, int axis, double lowestCut) const {
+        std::vector<double> cuts;
+        const double strip = grid_.size * STRIP_PART;
+        const double end = box.max[axis] - strip;
+        for (double at = std::ceil((box.min[axis] + strip) / grid_.size) * grid_.size; at < end; at += grid_.size) {
+            if (axis != 2 || at >= lowestCut) cuts.push_back(at);
+        }
+        return cuts;
     }
 
 private:
@@ -39,55 +52,126 @@ private:
         return floors;
     }
 
-    std::vector<double> CutsOf(const Face& face, int axis) const {
-        std::vector<double> cuts;
-        const double strip = grid_ * STRIP_PART;
-        const double end = face.box.max[axis] - strip;
-        for (double at = std::ceil((face.box.min[axis] + strip) / grid_) * grid_; at < end; at += grid_) {
-            cuts.push_back(at);
-        }
-        return cuts;
-    }
-
-    void RemoveFalseSteps(const Face& wall, std::vector<double>& heights) {
-        if (heights.empty()) return;
-        floors_.Find({{wall.box.min.x, wall.box.min.y, -MAP_EXTENT}, {wall.box.max.x, wall.box.max.y, MAP_EXTENT}},
-                     FALL_REACH / scale_, near_);
-        double highest = -MAP_EXTENT * 2;
-        for (const int floor : near_)
-            highest = std::max(highest, floorBoxes_[static_cast<size_t>(floor)].max.z);
-        std::erase_if(heights, [&](double height) { return height < highest + STEP_CLEARANCE / scale_; });
-    }
-
-    static void CutAlong(int axis, const std::vector<double>& cuts, std::vector<Face>& faces) {
-        Winding front;
-        Winding back;
-        for (const double at : cuts) {
-            Vec3 normal;
-            normal[axis] = 1;
-            const size_t count = faces.size();
-            for (size_t i = 0; i < count; ++i) {
-                SplitWinding(faces[i].winding, {normal, at}, front, back);
-                if (front.empty() || back.empty()) continue;
-                const Face whole = std::move(faces[i]);
-                faces[i] = Face(back, whole.plane, whole.texture, whole.hidden);
-                faces.emplace_back(front, whole.plane, whole.texture, whole.hidden);
-            }
-        }
-    }
-
     const PlaneTable& planes_;
-    double grid_;
-    double scale_;
+    LightGrid grid_;
     std::vector<Box> floorBoxes_;
     BoxGrid floors_;
     std::vector<int> near_;
 };
 
-}  // namespace
+struct Cut {
+    int axis = 0;
+    double at = 0;
+};
 
-void TessellateFaces(Tree& tree, const PlaneTable& planes, double grid, double scale) {
-    Tessellator tessellator(tree, planes, grid, scale);
+// false when the face lies on one side.
+bool CutFace(const Face& whole, const Cut& cut, Face& below, Face& above) {
+    Vec3 normal;
+    normal[cut.axis] = 1;
+    Winding front;
+    Winding back;
+    SplitWinding(whole.winding, {normal, cut.at}, front, back);
+    if (front.empty() || back.empty()) return false;
+    below = Face(std::move(back), whole.plane, whole.texture, whole.hidden);
+    above = Face(std::move(front), whole.plane, whole.texture, whole.hidden);
+    return true;
+}
+
+std::vector<Face> CutEverywhere(GridLines& lines, const Face& face) {
+    const double lowestCut = lines.LowestCut(face);
+    std::vector<Face> pieces{face};
+    for (int axis = 0; axis < 3; ++axis) {
+        for (const double at : lines.Through(face.box, axis, lowestCut)) {
+            const size_t count = pieces.size();
+            for (size_t i = 0; i < count; ++i) {
+                Face below;
+                Face above;
+                if (!CutFace(pieces[i], {axis, at}, below, above)) continue;
+                pieces[i] = std::move(below);
+                pieces.push_back(std::move(above));
+            }
+        }
+    }
+    return pieces;
+}
+
+using Samples = std::vector<const LightSample*>;
+
+// Divides one face until the light of every piece is nearly linear, each time where that helps most.
+class LightCutter {
+public:
+    LightCutter(const GridLines& lines, double lowestCut, const Vec3& normal, double tolerance)
+        : lines_(lines), lowestCut_(lowestCut), normal_(normal), tolerance_(tolerance) {}
+
+    void Divide(Face face, const Samples& samples, std::vector<Face>& pieces) const {
+        // Values that far from one plane, and others interpolated between them, differ by twice as much at most.
+        const bool isLinear = FitLight(samples, normal_).worst * 2 <= tolerance_;
+        const std::optional<Cut> cut = isLinear ? std::nullopt : BestCut(face, samples);
+        Face below;
+        Face above;
+        if (!cut || !CutFace(face, *cut, below, above)) {
+            pieces.push_back(std::move(face));
+            return;
+        }
+        Divide(std::move(below), Below(*cut, samples), pieces);
+        Divide(std::move(above), Above(*cut, samples), pieces);
+    }
+
+private:
+    static Samples Below(const Cut& cut, const Samples& samples) {
+        Samples below;
+        for (const LightSample* sample : samples) {
+            if (sample->place[cut.axis] <= cut.at + SPLIT_EPSILON) below.push_back(sample);
+        }
+        return below;
+    }
+
+    static Samples Above(const Cut& cut, const Samples& samples) {
+        Samples above;
+        for (const LightSample* sample : samples) {
+            if (sample->place[cut.axis] >= cut.at - SPLIT_EPSILON) above.push_back(sample);
+        }
+        return above;
+    }
+
+    std::optional<Cut> BestCut(const Face& face, const Samples& samples) const {
+        std::optional<Cut> best;
+        double bestSquares = std::numeric_limits<double>::max();
+        for (int axis = 0; axis < 3; ++axis) {
+            for (const double at : lines_.Through(face.box, axis, lowestCut_)) {
+                const Cut cut{axis, at};
+                const double squares =
+                    FitLight(Below(cut, samples), normal_).squares + FitLight(Above(cut, samples), normal_).squares;
+                if (squares >= bestSquares) continue;
+                bestSquares = squares;
+                best = cut;
+            }
+        }
+        return best;
+    }
+
+    const GridLines& lines_;
+    double lowestCut_;
+    Vec3 normal_;
+    double tolerance_;
+};
+
+std::vector<LightSample> SamplesOf(const std::vector<Face>& cells, const SurfaceLight& light, const Vec3& normal) {
+    std::vector<Vec3> places;
+    Welder welder(places, WELD_DISTANCE);
+    for (const Face& cell : cells) {
+        for (const Vec3& p : cell.winding)
+            welder.Find(p);
+    }
+    std::vector<LightSample> samples;
+    for (const Vec3& place : places) {
+        if (const std::optional<double> byte = light.At(place, normal)) samples.push_back({place, *byte});
+    }
+    return samples;
+}
+
+template <class CutOne>
+void CutDrawnFaces(Tree& tree, CutOne cutOne) {
     for (std::vector<Face>& leaf : tree.leaves) {
         std::vector<Face> result;
         for (Face& face : leaf) {
@@ -95,9 +179,31 @@ void TessellateFaces(Tree& tree, const PlaneTable& planes, double grid, double s
                 result.push_back(std::move(face));
                 continue;
             }
-            for (Face& piece : tessellator.Cut(std::move(face)))
+            for (Face& piece : cutOne(face))
                 result.push_back(std::move(piece));
         }
         leaf = std::move(result);
     }
+}
+
+}  // namespace
+
+void TessellateFaces(Tree& tree, const PlaneTable& planes, const LightGrid& grid) {
+    GridLines lines(tree, planes, grid);
+    CutDrawnFaces(tree, [&](const Face& face) { return CutEverywhere(lines, face); });
+}
+
+void TessellateWhereLightBends(Tree& tree, const PlaneTable& planes, const LightGrid& grid, const SurfaceLight& light,
+                               double tolerance) {
+    GridLines lines(tree, planes, grid);
+    CutDrawnFaces(tree, [&](Face& face) {
+        const Vec3& normal = planes[face.plane].normal;
+        const std::vector<LightSample> samples = SamplesOf(CutEverywhere(lines, face), light, normal);
+        Samples all;
+        for (const LightSample& sample : samples)
+            all.push_back(&sample);
+        std::vector<Face> pieces;
+        LightCutter(lines, lines.LowestCut(face), normal, tolerance).Divide(std::move(face), all, pieces);
+        return pieces;
+    });
 }

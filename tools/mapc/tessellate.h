@@ -2,7 +2,19 @@
 #pragma once
 
 #include "mapc/bsp_tree.h"
+#include "mapc/surface_light.h"
 
-// grid: map units. scale: engine units per map unit. A wall is cut across its height only where nobody can stand or
-// fall by: the player takes the part below such a cut for a step when it ends less than 50 engine units above him.
-void TessellateFaces(Tree& tree, const PlaneTable& planes, double grid, double scale);
+// A wall is cut across its height only where nobody can stand or fall by: the player takes the part below such a cut
+// for a step when it ends less than 50 engine units above him.
+struct LightGrid {
+    double size = 0;   // map units
+    double scale = 1;  // engine units per map unit
+};
+
+void TessellateFaces(Tree& tree, const PlaneTable& planes, const LightGrid& grid);
+
+// Cuts only where the corners that are left could not stand in for those of the whole grid: nowhere does the light
+// between them differ by more than the tolerance, however the face is divided into triangles. light: of the world that
+// is cut on the whole grid.
+void TessellateWhereLightBends(Tree& tree, const PlaneTable& planes, const LightGrid& grid, const SurfaceLight& light,
+                               double tolerance);

@@ -112,7 +112,8 @@ TEST(Compile, OfTwoFacesInOnePlaceTheEarlierStays) {
 
 TEST(Compile, LargeFacesAreCutForLightButWallsNotWhereTheyWouldBeSteps) {
     MapBuilder map;
-    map.Room({0, 0, 0}, {1024, 256, 1024}).Box({0, 0, 0}, {256, 256, 400}).Start("600 64 64");
+    map.Key("light_tolerance", "0").Room({0, 0, 0}, {1024, 256, 1024}).Box({0, 0, 0}, {256, 256, 400});
+    map.Start("600 64 64").Light("500 130 600", "\"radius\" \"2000\"\n");
     const WorldFile world = Compile(map).world;
     ExpectSound(world, 500);
     std::vector<float> heights;

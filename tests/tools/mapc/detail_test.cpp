@@ -149,7 +149,7 @@ TEST(Light, CornerLitFacesHaveFewCornersAndBytesOfTheirOwn) {
 
 TEST(Leaves, PointsAreSharedWithinASurfaceOnly) {
     MapBuilder map;
-    map.Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64");
+    map.Key("light_tolerance", "0").Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64").Light("256 256 256");
     const WorldFile world = Compile(map).world;
     // Each side is cut into four, three by three points; the walls not across their height where a floor is near.
     EXPECT_EQ(world.points.size(), 2 * 9U + 4 * 9U);

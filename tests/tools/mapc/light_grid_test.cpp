@@ -1,0 +1,88 @@
+// Where faces are cut for light: enough to show its shape, and no more.
+#include "map_builder.h"
+#include "world_checks.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <optional>
+
+namespace {
+
+Vec3 PlaceOf(const WorldFile& world, const WorldPolygon& polygon, size_t corner) {
+    const WorldVector& p = world.points[world.corners[polygon.firstCorner + corner].point].position;
+    return {p[0], p[1], p[2]};
+}
+
+double LightOf(const CompiledLevel& level, const WorldPolygon& polygon, size_t corner) {
+    return level.light.pointLight[level.world.corners[polygon.firstCorner + corner].point];
+}
+
+// As the triangles of the polygon's fan show it; nothing where the place is outside of it.
+std::optional<double> ShownLight(const CompiledLevel& level, const WorldPolygon& polygon, const Vec3& place) {
+    const Vec3 origin = PlaceOf(level.world, polygon, 0);
+    for (size_t i = 2; i < polygon.cornerCount; ++i) {
+        const Vec3 b = PlaceOf(level.world, polygon, i - 1) - origin;
+        const Vec3 c = PlaceOf(level.world, polygon, i) - origin;
+        const Vec3 normal = Cross(b, c);
+        const Vec3 p = place - origin;
+        const double area = LengthSquared(normal);
+        if (area == 0) continue;
+        const double partB = Dot(Cross(p, c), normal) / area;
+        const double partC = Dot(Cross(b, p), normal) / area;
+        if (partB < -1e-6 || partC < -1e-6 || partB + partC > 1 + 1e-6) continue;
+        return LightOf(level, polygon, 0) * (1 - partB - partC) + LightOf(level, polygon, i - 1) * partB +
+               LightOf(level, polygon, i) * partC;
+    }
+    return std::nullopt;
+}
+
+// Greatest difference at the points of another world, on polygons that face the same way there.
+double GreatestDifference(const CompiledLevel& level, const CompiledLevel& finer) {
+    double greatest = 0;
+    for (size_t i = 0; i < finer.world.points.size(); ++i) {
+        const WorldPoint& point = finer.world.points[i];
+        const Vec3 place{point.position[0], point.position[1], point.position[2]};
+        bool found = false;
+        for (const WorldPolygon& polygon : level.world.polygons) {
+            const WorldPlane& plane = level.world.planes[polygon.plane];
+            const Vec3 normal{plane.normal[0], plane.normal[1], plane.normal[2]};
+            if (plane.normal != point.normal || std::abs(Dot(normal, place) + plane.offset) > 0.01) continue;
+            const std::optional<double> light = ShownLight(level, polygon, place);
+            if (!light) continue;
+            found = true;
+            greatest = std::max(greatest, std::abs(*light - finer.light.pointLight[i]));
+        }
+        EXPECT_TRUE(found) << place.x << " " << place.y << " " << place.z;
+    }
+    return greatest;
+}
+
+MapBuilder Hall(const std::string& tolerance) {
+    MapBuilder map;
+    map.Key("light_tolerance", tolerance).Room({0, 0, 0}, {4096, 3072, 1024}).Start("64 64 64");
+    map.Box({1000, 1000, 0}, {1300, 1100, 1024}).TurnedBox({2200, 900, 0}, {2600, 1300, 300});
+    return map.Light("700 800 300").Light("3500 2500 900", "\"radius\" \"1500\"\n\"light\" \"80\"\n");
+}
+
+}  // namespace
+
+TEST(LightGrid, EvenLightCutsNothing) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {4096, 3072, 1024}).Start("64 64 64");
+    EXPECT_EQ(Compile(map).world.polygons.size(), 6U);
+    map.Light("600 600 100", "\"light\" \"5\"\n");
+    EXPECT_EQ(Compile(map).world.polygons.size(), 6U) << "a weak lamp is within the tolerance";
+}
+
+TEST(LightGrid, WhatIsLeftWholeShowsTheLightOfTheWholeGrid) {
+    const CompiledLevel exact = Compile(Hall("0"));
+    for (const double tolerance : {3.0, 6.0, 12.0}) {
+        const CompiledLevel level = Compile(Hall(std::to_string(tolerance)));
+        EXPECT_LE(GreatestDifference(level, exact), tolerance + 1e-3);
+        EXPECT_LT(level.world.polygons.size() * 4, exact.world.polygons.size() * 3) << tolerance;
+        EXPECT_EQ(OpenEdges(level.world), Findings{});
+        EXPECT_EQ(FalseSteps(level.world), Findings{});
+        EXPECT_EQ(PaintingFaults(level.world, 300), Findings{});
+    }
+}
