@@ -1,13 +1,10 @@
 // The development keys, and the animated textures.
 #include "machine.h"
 
-#include "app/app_tables.h"
 #include "app/debug_keys.h"
 #include "app/texture_cycle.h"
 #include "camera/camera_tables.h"
-#include "character/character_tables.h"
 #include "host/dinput.h"
-#include "platform/input.h"
 #include "platform/timer.h"
 #include "render/render_tables.h"
 #include "render/screen.h"
@@ -16,195 +13,93 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <numeric>
+#include <tuple>
 
 namespace {
 
-void Press(int key) {
-    Fake.hit = Fake.held = {key};
-    DebugKeys();
-    Fake.hit.clear();
-    DebugKeys();  // still held: keys that act on the stroke must not act again
-    Fake.held.clear();
-}
-
 void Hold(int key, int frames) {
-    Fake.held = {key};
-    for (int frame = 0; frame < frames; frame++)
+    Fake.held = Fake.hit = {key};
+    for (int frame = 0; frame < frames; frame++) {
         DebugKeys();
-    Fake.held.clear();
-}
-
-TEST(DebugKeys, ChooseTheCameraOnTheStroke) {
-    Press(DIK_F6);
-    EXPECT_EQ(CameraMode, CAMERA_FREE);
-    Press(DIK_F5);
-    EXPECT_EQ(CameraMode, CAMERA_FOLLOW);
-}
-
-TEST(DebugKeys, PrintTheCameraPositionTruncated) {
-    CameraPos = {-1.9f, 2.9f, 300.0f};
-    testing::internal::CaptureStdout();
-    Press(DIK_F8);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Camera Coords     -1, 2, 300 \n");
-}
-
-TEST(DebugKeys, DGoesRoundFourLightModesWithoutApplyingThem) {
-    LightMode = 2;
-    Press(DIK_D);
-    EXPECT_EQ(LightMode, 3);
-    Press(DIK_D);
-    EXPECT_EQ(LightMode, 0);
-    EXPECT_EQ(Fake.Count("ApplyLightLevel"), 0);
-}
-
-TEST(DebugKeys, WSwitchesFogOffThenOn) {
-    Press(DIK_W);
-    EXPECT_EQ(FogSwitch, 0);
-    EXPECT_EQ(Fake.Among({"SetFogSwitchStates"}).size(), 0u) << "software has no states to set";
-    Press(DIK_W);
-    EXPECT_EQ(FogSwitch, 1);
-    GlideWindowOpen = 1;
-    Press(DIK_W);
-    Press(DIK_W);
-    EXPECT_EQ(Fake.Among({"SetFogSwitchStates"}),
-              (std::vector<std::string>{"SetFogSwitchStates 0", "SetFogSwitchStates 1"}));
-}
-
-TEST(DebugKeys, RPutsThePlayerBackToTheStartAndNothingElse) {
-    LoadedLevel = 4;
-    PlayerActor.position = {1, 2, 3};
-    PlayerActor.velocity = {4, 5, 6};
-    Hold(DIK_R, 1);
-    EXPECT_EQ(PlayerActor.position.x, -15.0f);
-    EXPECT_EQ(PlayerActor.position.y, 507.0f);
-    EXPECT_EQ(PlayerActor.position.z, 1599.0f);
-    EXPECT_EQ(PlayerActor.velocity.y, 5.0f);
-}
-
-TEST(DebugKeys, DistancesMoveWhileHeld) {
-    struct Row {
-        int key;
-        float& value;
-        float expected;
-    };
-    const Row rows[] = {
-        {DIK_O, FarDistance, 5300},  {DIK_L, FarDistance, 4700},     {DIK_I, FadeDistance, 4300},
-        {DIK_K, FadeDistance, 3700}, {DIK_U, FogNearDistance, 1300}, {DIK_J, FogNearDistance, 700},
-    };
-    for (const Row& row : rows) {
-        FarDistance = 5000;
-        FadeDistance = 4000;
-        FogNearDistance = 1000;
-        Hold(row.key, 3);
-        EXPECT_EQ(row.value, row.expected) << row.key;
+        Fake.hit.clear();
     }
 }
 
-TEST(DebugKeys, FarDistanceStopsAtOne) {
-    FarDistance = 150;
-    Hold(DIK_L, 1);
-    EXPECT_EQ(FarDistance, 50.0f);
-    Hold(DIK_L, 2);
-    EXPECT_EQ(FarDistance, 1.0f);
-}
-
-TEST(DebugKeys, FadeNeverFallsBelowFogNear) {
-    FadeDistance = 1150;
-    FogNearDistance = 1000;
-    Hold(DIK_U, 3);
-    EXPECT_EQ(FogNearDistance, 1300.0f);
-    EXPECT_EQ(FadeDistance, 1300.0f);
-    Hold(DIK_K, 5);
-    EXPECT_EQ(FadeDistance, 1300.0f);
-    Hold(DIK_J, 20);
-    EXPECT_EQ(FogNearDistance, -700.0f);
-    FadeDistance = -900;
-    Hold(DIK_F1, 1);  // also with no key of the six held
-    EXPECT_EQ(FadeDistance, -700.0f);
-}
-
-TEST(DebugKeys, FogTableIsReloadedOnlyWithTheAcceleratorAndAKeyHeld) {
-    for (const int key : {DIK_O, DIK_L, DIK_I, DIK_K, DIK_U, DIK_J}) {
-        GlideWindowOpen = 0;
-        Hold(key, 2);
-        EXPECT_EQ(Fake.Count("ReloadFogTable"), 0) << key;
-        GlideWindowOpen = 1;
-        Hold(key, 2);
-        EXPECT_EQ(Fake.Count("ReloadFogTable"), 2) << key;
-        Hold(DIK_UP, 3);
-        EXPECT_EQ(Fake.Count("ReloadFogTable"), 2) << key;
-        Fake.calls.clear();
-    }
-}
-
-TEST(DebugKeys, LightLevelsMoveOnceAStrokeAndAreApplied) {
-    LightLevel = LightContrast = 1.0f;
-    Press(DIK_Y);
-    EXPECT_FLOAT_EQ(LightLevel, 0.98f);
-    Press(DIK_H);
-    Press(DIK_H);
-    EXPECT_FLOAT_EQ(LightLevel, 1.02f);
-    Press(DIK_T);
-    EXPECT_FLOAT_EQ(LightContrast, 0.98f);
-    Press(DIK_G);
-    EXPECT_FLOAT_EQ(LightContrast, 1.0f);
-    EXPECT_EQ(Fake.Count("ApplyLightLevel"), 5);
-}
-
-class TextureCycleTest : public testing::Test {
-protected:
-    TextureCycleTest() {
-        TextureRemap = remap.data();
-        TextureCount = 15;
-        for (size_t i = 0; i < remap.size(); i++)
-            remap[i] = static_cast<uint8_t>(i);
-        FrameTicks = 12;  // whatever an earlier test left counted
-        const auto kept = remap;
-        TextureCycle();
-        remap = kept;
-    }
-
-    std::array<int, 5> Entries() const { return {remap[10], remap[11], remap[12], remap[13], remap[14]}; }
-
-    std::array<uint8_t, 256> remap;
+struct KeyRow {
+    int key, frames;  // held for so long
+    float& value;
+    float before, after;
 };
 
-TEST_F(TextureCycleTest, TurnsInPlace) {
-    using Row = std::array<int, 5>;
-    FrameTicks = 7;
-    for (const Row& expected : {Row{11, 12, 13, 14, 11}, Row{12, 13, 14, 11, 12}, Row{13, 14, 11, 12, 13},
-                                Row{14, 11, 12, 13, 14}, Row{11, 12, 13, 14, 11}}) {
-        TextureCycle();
-        EXPECT_EQ(Entries(), expected);
+TEST(DebugKeys, MoveDistancesWhileHeldAndLightOnceAStroke) {
+    const KeyRow rows[] = {
+        {DIK_O, 3, FarDistance, 5000, 5300},
+        {DIK_L, 3, FarDistance, 5000, 4700},
+        {DIK_L, 3, FarDistance, 150, 1},
+        {DIK_I, 3, FadeDistance, 4000, 4300},
+        {DIK_K, 3, FadeDistance, 4000, 3700},
+        {DIK_K, 3, FadeDistance, 1150, 1000},     // never below the near distance
+        {DIK_F1, 1, FadeDistance, -900, 1000},    // whichever key is held
+        {DIK_U, 3, FogNearDistance, 1000, 1300},  //
+        {DIK_J, 20, FogNearDistance, 1000, -1000},
+        {DIK_Y, 3, LightLevel, 1, 0.98f},
+        {DIK_H, 3, LightLevel, 1, 1.02f},
+        {DIK_T, 3, LightContrast, 1, 0.98f},
+        {DIK_G, 3, LightContrast, 1, 1.02f},
+    };
+    for (const int32_t accelerator : {0, 1})
+        for (const KeyRow& row : rows) {
+            GlideWindowOpen = accelerator;
+            FogNearDistance = 1000;
+            row.value = row.before;
+            Fake.calls.clear();
+            Hold(row.key, row.frames);
+            EXPECT_FLOAT_EQ(row.value, row.after) << row.key;
+            const bool light = &row.value == &LightLevel || &row.value == &LightContrast;
+            EXPECT_EQ(Fake.Count("ApplyLightLevel"), light);
+            EXPECT_EQ(Fake.Count("ReloadFogTable"), light || row.key == DIK_F1 ? 0 : accelerator * row.frames);
+        }
+}
+
+TEST(DebugKeys, SwitchCameraLightModeAndFogOnTheStroke) {
+    Hold(DIK_F6, 2);
+    EXPECT_EQ(CameraMode, CAMERA_FREE);
+    Hold(DIK_F5, 2);
+    EXPECT_EQ(CameraMode, CAMERA_FOLLOW);
+    LightMode = 2;
+    for (const int mode : {3, 0}) {
+        Hold(DIK_D, 2);
+        EXPECT_EQ(LightMode, mode);
     }
-    EXPECT_EQ(remap[9], 9);
-    EXPECT_EQ(remap[15], 15);
+    for (const int fog : {0, 1, 0, 1}) {
+        Hold(DIK_W, 2);
+        EXPECT_EQ(FogSwitch, fog);
+        if (fog == 1) GlideWindowOpen = 1;
+    }
+    EXPECT_EQ(Fake.calls, (Calls{"SetFogSwitchStates 0", "SetFogSwitchStates 1"})) << "software has no states to set";
 }
 
-TEST_F(TextureCycleTest, StepsOverAnEqualNeighbour) {
+TEST(TextureCycle, TurnsEverySevenTicksAndStepsOverAnEqualNeighbour) {
+    using Entries = std::array<uint8_t, 5>;
+    const std::tuple<uint32_t, int, Entries> rows[] = {{7, 15, {12, 12, 13, 14, 12}},  {7, 15, {13, 13, 14, 12, 13}},
+                                                       {7, 15, {14, 14, 12, 13, 14}},  {6, 15, {14, 14, 12, 13, 14}},
+                                                       {12, 15, {12, 12, 13, 14, 12}},  // once, however long the frame
+                                                       {7, 14, {12, 12, 13, 14, 12}}};  // a level with few textures
+    std::array<uint8_t, 256> remap;
+    TextureRemap = remap.data();
+    TextureCount = 15;
+    FrameTicks = 12;  // whatever an earlier test left counted
+    TextureCycle();
+    std::iota(remap.begin(), remap.end(), uint8_t{0});
     remap[11] = 10;
-    FrameTicks = 7;
-    TextureCycle();
-    EXPECT_EQ(Entries(), (std::array<int, 5>{12, 12, 13, 14, 12}));
-}
-
-TEST_F(TextureCycleTest, WaitsForSevenTicks) {
-    FrameTicks = 1;
-    for (int frame = 0; frame < 6; frame++)
+    for (const auto& [ticks, textures, expected] : rows) {
+        FrameTicks = ticks;
+        TextureCount = static_cast<uint8_t>(textures);
         TextureCycle();
-    EXPECT_EQ(remap[10], 10);
-    TextureCycle();
-    EXPECT_EQ(remap[10], 11);
-    FrameTicks = 12;
-    TextureCycle();
-    EXPECT_EQ(remap[10], 12) << "one turn however long the frame";
-}
-
-TEST_F(TextureCycleTest, LeavesALevelWithFewTexturesAlone) {
-    TextureCount = 14;
-    FrameTicks = 7;
-    TextureCycle();
-    EXPECT_EQ(remap[10], 10);
+        EXPECT_EQ((Entries{remap[10], remap[11], remap[12], remap[13], remap[14]}), expected);
+    }
+    EXPECT_EQ(remap[9] + remap[15], 9 + 15);
 }
 
 }  // namespace

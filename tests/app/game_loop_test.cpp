@@ -7,7 +7,7 @@
 #include "app/game_loop.h"
 #include "app/pump.h"
 #include "host/dinput.h"
-#include "platform/display.h"
+#include "platform/cd_audio.h"
 #include "platform/input.h"
 #include "platform/timer.h"
 
@@ -15,147 +15,98 @@
 
 namespace {
 
-using Calls = std::vector<std::string>;
-
 // --- one game ---
 
-TEST(StartGame, BringsEverythingUpInOrder) {
+TEST(RunGame, BringsEverythingUpPlaysUntilEscapeAndShutsDown) {
     CurrentLevel = 5;
     LoadedLevel = 3;
-    MouseInput = {1, 2, 30, 40, 3};
+    MouseInput.xMotion = 30;
     FrameTicks = MeasuredTicks = 9;
     Fake.onCall = [](const std::string& call) {
-        if (call.starts_with("InitGraphics")) {
-            EXPECT_EQ(LoadedLevel, 0);
-        }
-        if (call == "UpdateCamera") {
-            EXPECT_EQ(MouseInput.xMotion, 0) << "the motion of the game before";
-        }
+        if (call == "InitGraphics 0") Fake.calls.push_back("of level " + std::to_string(LoadedLevel));
+        if (call == "UpdateCamera") Fake.calls.push_back("by " + std::to_string(MouseInput.xMotion));
+        if (call == "PollKeyboard") Fake.calls.push_back("after " + std::to_string(FrameTicks + MeasuredTicks));
+        if (call == "BuildControls") Fake.held = {DIK_ESCAPE};
     };
-    EXPECT_TRUE(StartGame());
-    EXPECT_EQ(
-        Fake.Among({"BuildReciprocalTable", "SystemInit", "InitGraphics", "LoadBspWorld", "ResetViewCache",
-                    "SwapScreen", "UpdateCamera"}),
-        (Calls{"BuildReciprocalTable", "SystemInit", "InitGraphics 0",
-               "LoadBspWorld game\\data\\levels\\level6\\swamp.bgm", "ResetViewCache", "SwapScreen", "UpdateCamera"}));
-    EXPECT_EQ(LoadedLevel, 5);
-    EXPECT_EQ(FrameTicks, 0u);
-    EXPECT_EQ(MeasuredTicks, 0u);
-}
-
-TEST(RunGame, PlaysUntilEscapeAndShutsDown) {
-    Fake.onCall = [](const std::string& call) {
-        if (call == "FrameStep" && Fake.Count("FrameStep") == 3) Fake.held = {DIK_ESCAPE};
-    };
-    EXPECT_EQ(RunGame(), MODE_LEAVE);
-    EXPECT_EQ(Fake.Among({"OpenCdAudio", "PlayCdTrack", "InitGraphics", "FrameStep", "StopCd", "CloseCdAudio",
-                          "SystemShutdown"}),
-              (Calls{"OpenCdAudio", "PlayCdTrack 2", "InitGraphics 0", "FrameStep", "FrameStep", "FrameStep", "StopCd",
-                     "CloseCdAudio", "SystemShutdown"}));
-    EXPECT_EQ(Fake.Count("ClearSurface"), 0) << "no display is open";
-}
-
-TEST(RunGame, PollsBeforeTheFrame) {
-    Fake.held = {DIK_ESCAPE};
-    RunGame();
-    EXPECT_EQ(Fake.Among({"PollKeyboard", "PollMouse", "BuildControls"}),
-              (Calls{"PollKeyboard", "PollMouse", "BuildControls"}));
-}
-
-TEST(RunGame, WindowsKeysWinOverEscape) {
-    for (const int key : {DIK_LWIN, DIK_RWIN, DIK_APPS}) {
-        Fake.held = {DIK_ESCAPE, key};
-        EXPECT_EQ(RunGame(), MODE_QUIT) << key;
-    }
-}
-
-TEST(RunGame, QuitsWhenTheHostAsks) {
-    Fake.framesUntilHostEnds = 5;
-    EXPECT_EQ(RunGame(), MODE_QUIT);
-    EXPECT_EQ(Fake.Count("FrameStep"), 5);
-    EXPECT_EQ(Fake.Count("SystemShutdown"), 1);
-}
-
-TEST(RunGame, EndsOnAQuitMessageStillPlaying) {
-    Fake.messages = {WM_QUIT};
-    EXPECT_EQ(RunGame(), MODE_PLAYING);
-    EXPECT_EQ(Fake.Count("FrameStep"), 0);
-    EXPECT_EQ(Fake.Count("SystemShutdown"), 1);
-}
-
-TEST(RunGame, BlackensBothBuffersOfAnOpenDisplay) {
     OpenFakeDisplay();
-    Fake.held = {DIK_ESCAPE};
-    RunGame();
-    EXPECT_EQ(Fake.Among({"ClearSurface", "PresentDisplay", "StopCd"}),
-              (Calls{"ClearSurface", "PresentDisplay", "ClearSurface", "PresentDisplay", "StopCd"}));
+    EXPECT_EQ(RunGame(), MODE_LEAVE);
+    EXPECT_EQ(Fake.Among({"OpenCdAudio", "PlayCdTrack", "BuildReciprocalTable", "SystemInit", "InitGraphics", "of",
+                          "LoadBspWorld", "ResetViewCache", "SwapScreen", "UpdateCamera", "by", "PollKeyboard", "after",
+                          "FrameStep", "ClearSurface", "PresentDisplay", "StopCd", "CloseCdAudio", "SystemShutdown"}),
+              (Calls{"OpenCdAudio",
+                     "PlayCdTrack 3",
+                     "BuildReciprocalTable",
+                     "SystemInit",
+                     "InitGraphics 0",
+                     "of level 0",
+                     "LoadBspWorld game\\data\\levels\\level6\\swamp.bgm",
+                     "ResetViewCache",
+                     "SwapScreen",
+                     "UpdateCamera",
+                     "by 0",  // not by the motion of the game before
+                     "PollKeyboard",
+                     "after 0",
+                     "UpdateCamera",
+                     "by 0",
+                     "SwapScreen",
+                     "FrameStep",
+                     "ClearSurface",
+                     "PresentDisplay",
+                     "ClearSurface",
+                     "PresentDisplay",  // both buffers
+                     "StopCd",
+                     "CloseCdAudio",
+                     "SystemShutdown"}));
+    EXPECT_EQ(LoadedLevel, 5);
 }
 
-TEST(RunGame, ReportsADisplayThatCannotOpenAndShutsDown) {
-    Fake.graphicsOpen = false;
-    EXPECT_EQ(RunGame(), MODE_PLAYING);
-    EXPECT_EQ(Fake.boxes, Calls{"Unable to initialize game."});
-    EXPECT_EQ(Fake.Among({"LoadTextureFile", "FrameStep", "StopCd", "CloseCdAudio", "SystemShutdown"}),
-              (Calls{"StopCd", "CloseCdAudio", "SystemShutdown"}));
-}
-
-TEST(RunGame, PlaysTrackTwoOnEvenAndThreeOnOddLevels) {
-    for (const auto& [level, track] : {std::pair{0, "PlayCdTrack 2"}, {1, "PlayCdTrack 3"}, {7, "PlayCdTrack 3"}}) {
-        Fake.calls.clear();
-        CurrentLevel = level;
-        Fake.held = {DIK_ESCAPE};
-        RunGame();
-        EXPECT_EQ(Fake.Among({"PlayCdTrack"}), Calls{track});
-    }
-}
-
-TEST(RunGame, TakesALevelOutsideTheTableAsTheFirst) {
-    for (const int32_t level : {-1, 8, INT32_MAX}) {
-        CurrentLevel = level;
-        Fake.held = {DIK_ESCAPE};
-        RunGame();
-        EXPECT_EQ(LoadedLevel, 0);
+TEST(RunGame, EndsWithTheModeThatSaysWhy) {
+    struct Row {
+        Keys held;
+        std::deque<UINT> messages;
+        bool graphicsOpen;
+        uint8_t mode;
+        int frames;
+    };
+    for (const auto& [held, messages, graphicsOpen, mode, frames] :
+         {Row{{DIK_ESCAPE, DIK_LWIN}, {}, true, MODE_QUIT, 1}, Row{{DIK_RWIN}, {}, true, MODE_QUIT, 1},
+          Row{{DIK_APPS}, {}, true, MODE_QUIT, 1}, Row{{}, {}, true, MODE_QUIT, 5},
+          Row{{}, {WM_QUIT}, true, MODE_PLAYING, 0}, Row{{}, {}, false, MODE_PLAYING, 0}}) {
+        Fake = {};
+        Fake.graphicsOpen = graphicsOpen;
+        Fake.messages = messages;
+        Fake.held = held;
+        Fake.framesUntilHostEnds = 5;
+        CurrentLevel = INT32_MAX;
+        EXPECT_EQ(RunGame(), mode);
+        EXPECT_EQ(LoadedLevel, 0) << "a level outside the table";
+        EXPECT_EQ(Fake.Count("FrameStep"), frames);
+        EXPECT_EQ(Fake.boxes.size(), graphicsOpen ? 0u : 1u);
+        EXPECT_EQ(Fake.Among({"PlayCdTrack", "StopCd", "CloseCdAudio", "SystemShutdown"}),
+                  (Calls{"PlayCdTrack 2", "StopCd", "CloseCdAudio", "SystemShutdown"}));
     }
 }
 
 // --- the message pump ---
 
-int StepsDone;
-void CountStep() {
-    StepsDone++;
-    if (StepsDone == 3) GameMode = MODE_LEAVE;
+void ThreeSteps() {
+    Fake.calls.push_back("step");
+    if (Fake.Count("step") == 3) GameMode = MODE_LEAVE;
 }
 
-TEST(MessagePump, TakesEveryMessageBeforeTheNextStep) {
-    StepsDone = 0;
-    GameMode = MODE_PLAYING;
-    Fake.messages = {WM_SYSKEYDOWN, WM_ACTIVATEAPP};
-    Fake.onCall = [](const std::string&) { EXPECT_EQ(StepsDone, 0); };
-    RunMessagePump(MODE_PLAYING, CountStep);
-    EXPECT_EQ(Fake.calls, (Calls{"DispatchMessageA 260", "DispatchMessageA 28"}));
-    EXPECT_EQ(StepsDone, 3);
-}
-
-TEST(MessagePump, StandsStillWhileAnotherApplicationIsActive) {
-    StepsDone = 0;
+TEST(MessagePump, TakesEveryMessageFirstAndStandsStillWhileAnotherApplicationIsActive) {
     GameMode = MODE_PLAYING;
     AppActive = 0;
-    Fake.messages = {MM_MCINOTIFY};
-    Fake.onCall = [](const std::string& call) {
-        if (call != "WaitMessage") return;
-        EXPECT_EQ(StepsDone, 0);
-        if (Fake.Count("WaitMessage") == 2) AppActive = 1;
-    };
-    RunMessagePump(MODE_PLAYING, CountStep);
-    EXPECT_EQ(Fake.calls, (Calls{"DispatchMessageA 953", "WaitMessage", "WaitMessage"}));
-}
-
-TEST(MessagePump, QuitMessageEndsItUndispatched) {
-    StepsDone = 0;
+    Fake.messages = {WM_SYSKEYDOWN, MM_MCINOTIFY};
+    Fake.onCall = [](const std::string&) { AppActive = Fake.Count("WaitMessage") == 2; };
+    RunMessagePump(MODE_PLAYING, ThreeSteps);
+    EXPECT_EQ(Fake.calls, (Calls{"DispatchMessageA 260", "DispatchMessageA 953", "WaitMessage", "WaitMessage", "step",
+                                 "step", "step"}));
+    Fake = {};
     GameMode = MODE_FRONTEND;
     Fake.messages = {WM_QUIT, WM_ACTIVATEAPP};
-    RunMessagePump(MODE_FRONTEND, CountStep);
-    EXPECT_TRUE(Fake.calls.empty());
+    RunMessagePump(MODE_FRONTEND, ThreeSteps);
+    EXPECT_TRUE(Fake.calls.empty()) << "the quit message ends it undispatched";
     EXPECT_EQ(Fake.messages.size(), 1u);
     EXPECT_EQ(GameMode, MODE_FRONTEND);
 }
@@ -165,7 +116,7 @@ TEST(MessagePump, ExceptionShowsABoxAndEndsTheProcessWithItsCode) {
     GameMode = MODE_PLAYING;
     Fake.exceptionInStep = EXCEPTION_ACCESS_VIOLATION;
     try {
-        RunMessagePump(MODE_PLAYING, CountStep);
+        RunMessagePump(MODE_PLAYING, ThreeSteps);
         FAIL() << "the process went on";
     } catch (const ExitRequest& exit) {
         EXPECT_EQ(exit.code, EXCEPTION_ACCESS_VIOLATION);
@@ -176,128 +127,85 @@ TEST(MessagePump, ExceptionShowsABoxAndEndsTheProcessWithItsCode) {
 
 TEST(ErrorBox, ShowsTheCursorMeanwhileWhateverItsCount) {
     for (const int count : {-5, -1, 0, 3}) {
-        Fake.calls.clear();
         Fake.cursorCount = count;
         EXPECT_EQ(ErrorBox("text", MB_OK), IDOK);
-        EXPECT_EQ(Fake.calls, Calls{"MessageBoxA " + std::to_string(std::max(count + 1, 0))});
+        EXPECT_EQ(Fake.calls.back(), "MessageBoxA " + std::to_string(std::max(count + 1, 0)));
         EXPECT_EQ(Fake.cursorCount, -1);
     }
 }
 
-// --- window procedure ---
-
 TEST(MainWndProc, HandlesItsMessages) {
-    const auto send = [](UINT message, WPARAM wParam, LPARAM lParam) {
-        Fake.calls.clear();
+    constexpr WPARAM VK_F4 = 0x73;
+    const auto send = [](UINT message, WPARAM wParam, LPARAM lParam = 0) {
         return MainWndProc(nullptr, message, wParam, lParam);
     };
-    EXPECT_EQ(send(WM_ACTIVATEAPP, 0, 0), 0);
+    EXPECT_EQ(send(WM_ACTIVATEAPP, 0), 0);
     EXPECT_EQ(AppActive, 0);
-    EXPECT_EQ(send(WM_ACTIVATEAPP, 5, 0), 0);
+    EXPECT_EQ(send(WM_ACTIVATEAPP, 5), 0);
     EXPECT_EQ(AppActive, 1);
-    EXPECT_EQ(send(WM_DESTROY, 0, 0), 0);
-    EXPECT_EQ(Fake.calls, Calls{"PostQuitMessage 0"});
-    EXPECT_EQ(send(WM_DISPLAYCHANGE, 16, (480 << 16) | 640), 0);
-    EXPECT_EQ(Fake.calls, Calls{"SetWindowPos 0 0 640 480 4"});
-    EXPECT_EQ(send(MM_MCINOTIFY, 4, 1), 0);
-    EXPECT_EQ(Fake.Among({"PlayCdTrack"}).size(), 1u);
-    EXPECT_EQ(send(0x0F, 0, 0), 77) << "everything else goes to the system";
-    EXPECT_EQ(Fake.calls, Calls{"DefWindowProcA"});
-}
-
-TEST(MainWndProc, SwallowsSystemKeysAndShowsTheDesktopOnAltTab) {
-    constexpr WPARAM VK_F4 = 0x73;
-    for (const WPARAM key : {VK_TAB, VK_F4})
-        EXPECT_EQ(MainWndProc(nullptr, WM_SYSKEYDOWN, key, 0), 0);
-    EXPECT_TRUE(Fake.calls.empty()) << "no display is open";
+    EXPECT_EQ(send(WM_SYSKEYDOWN, VK_TAB), 0);  // no display is open
     OpenFakeDisplay();
-    for (const WPARAM key : {VK_TAB, VK_F4})
-        EXPECT_EQ(MainWndProc(nullptr, WM_SYSKEYDOWN, key, 0), 0);
-    EXPECT_EQ(Fake.calls, Calls{"FlipToGDISurface"});
+    CdTrack = 3;
+    for (const MSG& message : {MSG{nullptr, WM_SYSKEYDOWN, VK_TAB, 0},
+                               {nullptr, WM_SYSKEYDOWN, VK_F4, 0},
+                               {nullptr, WM_DISPLAYCHANGE, 16, (480 << 16) | 640},
+                               {nullptr, MM_MCINOTIFY, 4, 1},
+                               {nullptr, WM_DESTROY, 0, 0}})
+        EXPECT_EQ(send(message.message, message.wParam, message.lParam), 0);
+    EXPECT_EQ(send(0x0F, 0), 77) << "everything else goes to the system";
+    EXPECT_EQ(Fake.calls, (Calls{"FlipToGDISurface", "SetWindowPos 0 0 640 480 4", "PlayCdTrack 3", "PostQuitMessage 0",
+                                 "DefWindowProcA"}));
 }
 
 // --- the outer loop ---
-
-constexpr const char* TITLE = "ShowBitmap FrontEnd\\Title.Bmp";
 
 int RunProgram() {
     return WinMain(nullptr, nullptr, nullptr, SW_SHOW);
 }
 
-// The polls that lead through the front end into a game and end it with `key`.
-void PlayAGame(int key) {
-    for (const std::set<int>& keys : {std::set<int>{}, {DIK_SPACE}, {DIK_F1}, {DIK_F11}, {key}})
-        Fake.polls.push_back(keys);
+void QueuePolls(std::initializer_list<Keys> polls) {
+    Fake.polls.insert(Fake.polls.end(), polls);
 }
 
-void QuitFromTheFrontEnd() {
-    for (const std::set<int>& keys : {std::set<int>{}, {DIK_ESCAPE}})
-        Fake.polls.push_back(keys);
-}
-
-TEST(WinMain, OpensItsWindowOverTheWholeScreen) {
-    QuitFromTheFrontEnd();
-    EXPECT_EQ(RunProgram(), 0);
-    EXPECT_EQ(Fake.Among({"RegisterClassA", "CreateWindowExA", "ShowWindow", "UpdateWindow", "StartInput",
-                          "OpenDisplay", "StopInput"}),
-              (Calls{"RegisterClassA 512 Tarnwick", "CreateWindowExA 8 2156396544 0 0 1024 768", "ShowWindow 5",
-                     "UpdateWindow", "StartInput", "OpenDisplay 640 480 16", "StopInput"}));
-}
-
-TEST(WinMain, AFailedSetUpShowsItsBoxAndEndsWithoutStoppingInput) {
-    struct Row {
-        bool FakeMachine::*answer;
-        const char* text;
-    };
-    for (const Row& row : {Row{&FakeMachine::classRegisters, "Unable to initialise application."},
-                           Row{&FakeMachine::windowOpens, "Unable to initialise application."},
-                           Row{&FakeMachine::inputStarts, "Unable to initialise DirectInput."}}) {
-        Fake = {};
-        Fake.*row.answer = false;
-        EXPECT_EQ(RunProgram(), 0);
-        EXPECT_EQ(Fake.boxes, Calls{row.text});
-        EXPECT_EQ(Fake.Count(TITLE) + Fake.Count("StopInput"), 0);
-    }
+// Through the front end into a game that ends with `key`.
+void QueueGame(int key) {
+    QueuePolls({{}, {DIK_SPACE}, {DIK_F1}, {DIK_F11}, {key}});
 }
 
 TEST(WinMain, EscapeReturnsToTheFrontEndAndAWindowsKeyEndsTheProgram) {
-    PlayAGame(DIK_ESCAPE);
-    PlayAGame(DIK_RWIN);
-    RunProgram();
-    EXPECT_EQ(Fake.Among({"OpenDisplay", "OpenCdAudio", "StopInput"}),
-              (Calls{"OpenDisplay 640 480 16", "OpenCdAudio", "OpenDisplay 640 480 16", "OpenCdAudio", "StopInput"}));
+    QueueGame(DIK_ESCAPE);
+    QueueGame(DIK_RWIN);
+    EXPECT_EQ(RunProgram(), 0);
+    EXPECT_EQ(Fake.Among({"RegisterClassA", "CreateWindowExA", "ShowWindow", "UpdateWindow", "StartInput",
+                          "OpenDisplay", "OpenCdAudio", "StopInput"}),
+              (Calls{"RegisterClassA 512 Tarnwick", "CreateWindowExA 8 2156396544 0 0 1024 768", "ShowWindow 5",
+                     "UpdateWindow", "StartInput", "OpenDisplay 640 480 16", "OpenCdAudio", "OpenDisplay 640 480 16",
+                     "OpenCdAudio", "StopInput"}));
 }
 
 TEST(WinMain, AQuitMessageInTheFrontEndLeadsToAGame) {
     Fake.messages = {WM_QUIT};
-    Fake.polls = {{}, {DIK_LWIN}};
+    QueuePolls({{}, {DIK_LWIN}});
     RunProgram();
     EXPECT_EQ(Fake.Count("OpenCdAudio"), 1);
 }
 
-TEST(WinMain, TheGameRunsWithoutTheFrontEndsDisplay) {
+TEST(WinMain, GoesOnUntilNeitherFrontEndNorGameFindsADisplay) {
     Fake.displayOpens = false;
     Fake.held = {DIK_LWIN};
     RunProgram();
-    EXPECT_EQ(Fake.boxes, Calls{"Unable to initialize DirectDraw"});
-    EXPECT_EQ(Fake.Count("FrameStep"), 1);
-}
-
-TEST(WinMain, EndsWhenNeitherFrontEndNorGameFindsADisplay) {
-    Fake.displayOpens = false;
+    EXPECT_EQ(Fake.Count("FrameStep"), 1) << "a game without the front end's display";
+    Fake = {};
     Fake.graphicsOpen = false;
+    QueuePolls({{}, {DIK_SPACE}, {DIK_F1}, {DIK_F11}, {}, {DIK_ESCAPE}});
+    RunProgram();
+    EXPECT_EQ(Fake.Among({"OpenDisplay"}).size(), 2u) << "a failed game leads back to the front end";
+    Fake = {};
+    GameMode = MODE_LEAVE;
+    Fake.displayOpens = Fake.graphicsOpen = false;
     EXPECT_EQ(RunProgram(), 0);
     EXPECT_EQ(Fake.boxes, (Calls{"Unable to initialize DirectDraw", "Unable to initialize game."}));
     EXPECT_EQ(Fake.Count("StopInput"), 1);
-}
-
-TEST(WinMain, AFailedGameAloneReturnsToTheFrontEnd) {
-    Fake.graphicsOpen = false;
-    Fake.polls = {{}, {DIK_SPACE}, {DIK_F1}, {DIK_F11}};
-    QuitFromTheFrontEnd();
-    RunProgram();
-    EXPECT_EQ(Fake.Count(TITLE), 2);
-    EXPECT_EQ(Fake.boxes.size(), 1u);
 }
 
 }  // namespace

@@ -32,35 +32,32 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
 #include <stdexcept>
 
 FakeMachine Fake;
 
-std::vector<std::string> FakeMachine::Among(const std::set<std::string>& names) const {
-    std::vector<std::string> found;
+Calls FakeMachine::Among(const std::set<std::string>& names) const {
+    Calls found;
     std::copy_if(calls.begin(), calls.end(), std::back_inserter(found),
                  [&](const std::string& call) { return names.count(call.substr(0, call.find(' '))) != 0; });
     return found;
 }
 
-int FakeMachine::Count(const std::string& name) const {
-    return static_cast<int>(std::count(calls.begin(), calls.end(), name));
+int FakeMachine::Count(const std::string& call) const {
+    return static_cast<int>(std::count(calls.begin(), calls.end(), call));
 }
 
 namespace {
 
 constexpr int POLL_LIMIT = 1000;
 
-void Record(const std::string& call) {
-    Fake.calls.push_back(call);
-    if (Fake.onCall) Fake.onCall(call);
-}
-
-std::string Numbers(std::initializer_list<intptr_t> values) {
-    std::string text;
-    for (const intptr_t value : values)
-        text += " " + std::to_string(value);
-    return text;
+template <typename... Arguments>
+void Record(const Arguments&... arguments) {
+    std::ostringstream call;
+    ((call << arguments << ' '), ...);
+    Fake.calls.push_back(call.str().substr(0, call.str().size() - 1));
+    if (Fake.onCall) Fake.onCall(Fake.calls.back());
 }
 
 struct FakeDirectDraw : IDirectDraw {
@@ -70,15 +67,23 @@ struct FakeDirectDraw : IDirectDraw {
     HRESULT SetDisplayMode(DWORD, DWORD, DWORD) override { return DD_OK; }
     HRESULT CreateSurface(const DDSURFACEDESC*, IDirectDrawSurface**, void*) override { return DDERR_GENERIC; }
     HRESULT CreatePalette(DWORD, const PALETTEENTRY*, IDirectDrawPalette**, void*) override { return DDERR_GENERIC; }
-    HRESULT FlipToGDISurface() override {
-        Record("FlipToGDISurface");
-        return DD_OK;
-    }
+    HRESULT FlipToGDISurface() override { return Record("FlipToGDISurface"), DD_OK; }
 };
 FakeDirectDraw DirectDraw;
 
 struct ResetBeforeEachTest : testing::EmptyTestEventListener {
-    void OnTestStart(const testing::TestInfo&) override { ResetFakeMachine(); }
+    void OnTestStart(const testing::TestInfo&) override {
+        Fake = {};
+        AppActive = 1;
+        GameMode = MODE_LEAVE;
+        FrameCount = 1;
+        TextureCount = 0;
+        CurrentLevel = GlideWindowOpen = 0;
+        Display = {};
+        DisplayState = DISPLAY_NONE;
+        FrameTicks = 0;
+        WorldGeometry = {};
+    }
 };
 const bool listening = [] {
     testing::UnitTest::GetInstance()->listeners().Append(new ResetBeforeEachTest);
@@ -92,75 +97,37 @@ void OpenFakeDisplay() {
     DisplayState = DISPLAY_FULL_SCREEN;
 }
 
-void ResetFakeMachine() {
-    Fake = {};
-    AppActive = 1;
-    GameMode = MODE_LEAVE;
-    CurrentLevel = 0;
-    LoadedLevel = 0;
-    SkyFlag = 0;
-    Display = {};
-    DisplayState = DISPLAY_NONE;
-    GlideWindowOpen = 0;
-    FogSwitch = FOG_SWITCH_ON;
-    Controls = 0;
-    FrameTicks = 0;
-    FrameCount = 1;
-    TextureCount = 0;
-    PlayerActor = {};
-    ActorCount = 0;
-}
-
-#define FAKE(name)                                                                                                     \
-    void name() {                                                                                                      \
-        Record(#name);                                                                                                 \
-    }
-#define FAKE_LOADER(name)                                                                                              \
-    void name(const char* path) {                                                                                      \
-        Record(std::string(#name " ") + path);                                                                         \
-    }
+// A function that does nothing but write down its name and the arguments after its result.
+// clang-format off
+#define FAKE(type, name, parameters, result, ...) \
+    type name parameters { Record(#name __VA_OPT__(,) __VA_ARGS__); return result; }
+#define FAKE_STEP(name) FAKE(void, name, (), void())
+#define FAKE_SILENT(type, name, parameters, result) type name parameters { return result; }
+// clang-format on
 
 // --- host ---
 
-ATOM RegisterClassA(const WNDCLASSA* windowClass) {
-    Record("RegisterClassA" + Numbers({windowClass->style}) + " " + windowClass->lpszClassName);
-    return Fake.classRegisters ? 1 : 0;
-}
-HWND CreateWindowExA(DWORD exStyle, const char*, const char*, DWORD style, int x, int y, int width, int height, HWND,
-                     void*, HINSTANCE, void*) {
-    Record("CreateWindowExA" + Numbers({exStyle, style, x, y, width, height}));
-    return Fake.windowOpens ? reinterpret_cast<HWND>(&Fake) : nullptr;
-}
-BOOL ShowWindow(HWND, int command) {
-    Record("ShowWindow" + Numbers({command}));
-    return TRUE;
-}
-BOOL UpdateWindow(HWND) {
-    Record("UpdateWindow");
-    return TRUE;
-}
-BOOL SetWindowPos(HWND, HWND, int x, int y, int width, int height, UINT flags) {
-    Record("SetWindowPos" + Numbers({x, y, width, height, flags}));
-    return TRUE;
-}
-HICON LoadIconA(HINSTANCE, int) {
-    return &Fake;
-}
-HCURSOR LoadCursorA(HINSTANCE, int) {
-    return &Fake;
-}
-HGDIOBJ GetStockObject(int) {
-    return &Fake;
-}
-int GetSystemMetrics(int index) {
-    return index == SM_CXSCREEN ? 1024 : 768;
-}
-int ShowCursor(BOOL show) {
-    Fake.cursorCount += show != FALSE ? 1 : -1;
-    return Fake.cursorCount;
-}
+FAKE(ATOM, RegisterClassA, (const WNDCLASSA* made), 1, made->style, made->lpszClassName)
+FAKE(HWND, CreateWindowExA,
+     (DWORD top, const char*, const char*, DWORD style, int x, int y, int w, int h, HWND, void*, HINSTANCE, void*),
+     reinterpret_cast<HWND>(&Fake), top, style, x, y, w, h)
+FAKE(BOOL, ShowWindow, (HWND, int command), TRUE, command)
+FAKE(BOOL, UpdateWindow, (HWND), TRUE)
+FAKE(BOOL, SetWindowPos, (HWND, HWND, int x, int y, int w, int h, UINT flags), TRUE, x, y, w, h, flags)
+FAKE_SILENT(HICON, LoadIconA, (HINSTANCE, int), &Fake)
+FAKE_SILENT(HCURSOR, LoadCursorA, (HINSTANCE, int), &Fake)
+FAKE_SILENT(HGDIOBJ, GetStockObject, (int), &Fake)
+FAKE_SILENT(int, GetSystemMetrics, (int index), index == SM_CXSCREEN ? 1024 : 768)
+FAKE_SILENT(int, ShowCursor, (BOOL show), Fake.cursorCount += show != FALSE ? 1 : -1)
+FAKE_SILENT(BOOL, TranslateMessage, (const MSG*), FALSE)
+FAKE_SILENT(DWORD, GetTickCount, (), Fake.clock)
+FAKE(LRESULT, DispatchMessageA, (const MSG* message), 0, message->message)
+FAKE(LRESULT, DefWindowProcA, (HWND, UINT, WPARAM, LPARAM), 77)
+FAKE(BOOL, WaitMessage, (), TRUE)
+FAKE(void, PostQuitMessage, (int code), void(), code)
+FAKE(bool, HostEndOfFrame, (const HostFrameReport&), Fake.framesUntilHostEnds-- == 1)
 int MessageBoxA(HWND, const char* text, const char*, UINT) {
-    Record("MessageBoxA" + Numbers({Fake.cursorCount}));
+    Record("MessageBoxA", Fake.cursorCount);
     Fake.boxes.push_back(text);
     return IDOK;
 }
@@ -170,192 +137,85 @@ BOOL PeekMessageA(MSG* message, HWND, UINT, UINT, UINT) {
     Fake.messages.pop_front();
     return TRUE;
 }
-BOOL TranslateMessage(const MSG*) {
-    return FALSE;
-}
-LRESULT DispatchMessageA(const MSG* message) {
-    Record("DispatchMessageA" + Numbers({message->message}));
-    return 0;
-}
-LRESULT DefWindowProcA(HWND, UINT, WPARAM, LPARAM) {
-    Record("DefWindowProcA");
-    return 77;
-}
-BOOL WaitMessage() {
-    Record("WaitMessage");
-    return TRUE;
-}
-void PostQuitMessage(int code) {
-    Record("PostQuitMessage" + Numbers({code}));
-}
-DWORD GetTickCount() {
-    return Fake.clock;
-}
 DWORD HostGuard(void (*step)()) {
-    if (Fake.exceptionInStep != 0) return Fake.exceptionInStep;
-    step();
-    return 0;
+    if (Fake.exceptionInStep == 0) step();
+    return Fake.exceptionInStep;
 }
 void ExitProcess(DWORD code) {
     throw ExitRequest{code};
-}
-bool HostEndOfFrame(const HostFrameReport&) {
-    Record("HostEndOfFrame");
-    return Fake.framesUntilHostEnds-- == 1;
 }
 
 // --- platform ---
 
 InputDevices Input;
 MouseInputState MouseInput;
-uint16_t Controls;
-uint16_t MinFrameTicks;
-uint32_t MeasuredTicks, FrameTicks;
-uint16_t FrameCount;
+uint16_t Controls, MinFrameTicks, FrameCount;
+uint32_t MeasuredTicks, FrameTicks, CdTrack;
 DisplayContext Display;
 uint8_t DisplayState;
 uint8_t* SurfaceMemory;
 int32_t SurfacePitch;
-uint32_t CdTrack;
 
-bool StartInput(HINSTANCE, HWND, InputDevices&) {
-    Record("StartInput");
-    return Fake.inputStarts;
-}
-void StopInput(InputDevices&) {
-    Record("StopInput");
-}
 void PollKeyboard(InputDevices&) {
     Record("PollKeyboard");
     if (Fake.Count("PollKeyboard") > POLL_LIMIT) throw std::runtime_error("the program polls for ever");
-    const std::set<int> before = Fake.held;
+    const Keys before = Fake.held;
     if (!Fake.polls.empty()) {
         Fake.held = Fake.polls.front();
         Fake.polls.pop_front();
     }
-    Fake.hit.clear();
-    for (const int key : Fake.held)
-        if (before.count(key) == 0) Fake.hit.insert(key);
+    Fake.hit = Fake.held;
+    for (const int key : before)
+        Fake.hit.erase(key);
 }
-void PollMouse(InputDevices&) {
-    Record("PollMouse");
-}
-bool KeyDown(uint8_t code) {
-    return Fake.held.count(code) != 0;
-}
-bool KeyHit(uint8_t code) {
-    return Fake.hit.count(code) != 0;
-}
-FAKE(BuildControls)
-FAKE(SummariseMouse)
-FAKE(FrameLimiter)
-FAKE(FrameStep)
-bool OpenDisplay(HWND, DisplayContext&, uint32_t width, uint32_t height, uint32_t bits) {
-    Record("OpenDisplay" + Numbers({width, height, bits}));
-    return Fake.displayOpens;
-}
-FAKE(CloseDisplay)
-int ShowBitmap(const char* path) {
-    Record(std::string("ShowBitmap ") + path);
-    return 1;
-}
-HRESULT FlipDisplay(IDirectDrawSurface*) {
-    Record("FlipDisplay");
-    return DD_OK;
-}
-void ClearSurface(IDirectDrawSurface*) {
-    Record("ClearSurface");
-}
-FAKE(PresentDisplay)
-HRESULT LockSurface() {
-    Record("LockSurface");
-    return Fake.surfaceLocks ? DD_OK : DDERR_SURFACELOST;
-}
-FAKE(UnlockSurface)
-bool OpenCdAudio() {
-    Record("OpenCdAudio");
-    return true;
-}
-void PlayCdTrack(HWND) {
-    Record("PlayCdTrack" + Numbers({CdTrack}));
-}
-void StopCd(HWND) {
-    Record("StopCd");
-}
-FAKE(CloseCdAudio)
+FAKE(bool, StartInput, (HINSTANCE, HWND, InputDevices&), true)
+FAKE(void, StopInput, (InputDevices&), void())
+FAKE(void, PollMouse, (InputDevices&), void())
+FAKE_SILENT(bool, KeyDown, (uint8_t code), Fake.held.count(code) != 0)
+FAKE_SILENT(bool, KeyHit, (uint8_t code), Fake.hit.count(code) != 0)
+FAKE(bool, OpenDisplay, (HWND, DisplayContext&, uint32_t w, uint32_t h, uint32_t bits), Fake.displayOpens, w, h, bits)
+FAKE(int, ShowBitmap, (const char* path), 1, path)
+FAKE(HRESULT, FlipDisplay, (IDirectDrawSurface*), DD_OK)
+FAKE(void, ClearSurface, (IDirectDrawSurface*), void())
+FAKE(HRESULT, LockSurface, (), Fake.surfaceLocks ? DD_OK : DDERR_SURFACELOST)
+FAKE(bool, OpenCdAudio, (), true)
+FAKE(void, PlayCdTrack, (HWND), void(), CdTrack)
+FAKE(void, StopCd, (HWND), void())
 
 // --- the game's own layers ---
 
 int32_t GlideInitialised, GlideHardwareReady, GlideWindowOpen;
-uint32_t RandState;
+uint32_t RandState, SubmittedPolygons, CharPointBase, CharPolyBase;
 LightSlot LightSlots[LIGHT_SLOT_COUNT];
-uint32_t SubmittedPolygons;
-uint32_t CharPointBase, CharPolyBase;
 MeshRecord PlayerMesh;
 StateRecord PlayerStates[PLAYER_STATE_COUNT];
 AnimFileEntry PlayerAnimations[1];
 
-bool SystemInit() {
-    Record("SystemInit");
-    return true;
-}
-FAKE(SystemShutdown)
-bool InitGraphics(int32_t softwareScreenRes) {
-    Record("InitGraphics" + Numbers({softwareScreenRes}));
-    return Fake.graphicsOpen;
-}
-FAKE(BuildReciprocalTable)
-FAKE(SetupScreen)
-FAKE(SwapScreen)
-FAKE(ClearFrame)
-void SetFogSwitchStates(bool on) {
-    Record("SetFogSwitchStates" + Numbers({on}));
-}
-FAKE(SetupFog)
-FAKE(ReloadFogTable)
-int LoadTextureFile(int32_t level) {
-    Record("LoadTextureFile" + Numbers({level}));
-    return 0;
-}
-FAKE(SetTexturePalette)
-FAKE(L_CreateGlideUVs)
-FAKE(ResetCurrentTexture)
-FAKE(UpdateCamera)
-FAKE(GenerateVertexNormals)
-FAKE_LOADER(LoadBspWorld)
-FAKE_LOADER(LoadStaticObject)
-FAKE(SetStaticMarks)
-FAKE(ResetViewCache)
-void FillStamps(uint16_t value) {
-    Record("FillStamps" + Numbers({value}));
-}
-FAKE_LOADER(LoadLightMap)
-FAKE(ApplyLightLevel)
-FAKE_LOADER(LoadLightSlots)
-FAKE(UpdateLights)
-FAKE(DrawSky)
-FAKE(RenderWorld)
-void LoadMesh(const char* mesh, MeshRecord&, const char* coordinates) {
-    Record(std::string("LoadMesh ") + mesh + " " + coordinates);
-}
-void LoadAnimations(AnimFileEntry*, const MeshRecord&) {
-    Record("LoadAnimations");
-}
-void* LoadWeights(const char* path, const MeshRecord&) {
-    Record(std::string("LoadWeights ") + path);
-    return &Fake;
-}
-void AddActor(Actor& actor, MeshRecord*, StateRecord*, int32_t x, int32_t y, int32_t z, AnimFileEntry*) {
-    Record("AddActor" + Numbers({x, y, z}));
-    actor.position = {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
-}
-void UpdateActorBase(Actor&) {
-    Record("UpdateActorBase");
-}
-FAKE(UpdatePlayer)
+FAKE(bool, SystemInit, (), true)
+FAKE(bool, InitGraphics, (int32_t softwareScreenRes), Fake.graphicsOpen, softwareScreenRes)
+FAKE(void, SetFogSwitchStates, (bool on), void(), on)
+FAKE(int, LoadTextureFile, (int32_t level), 0, level)
+FAKE(void, LoadBspWorld, (const char* path), void(), path)
+FAKE(void, LoadStaticObject, (const char* path), void(), path)
+FAKE(void, FillStamps, (uint16_t value), void(), value)
+FAKE(void, LoadLightMap, (const char* path), void(), path)
+FAKE(void, LoadLightSlots, (const char* path), void(), path)
+FAKE(void, LoadMesh, (const char* mesh, MeshRecord&, const char* coordinates), void(), mesh, coordinates)
+FAKE(void, LoadAnimations, (AnimFileEntry*, const MeshRecord&), void())
+FAKE(void*, LoadWeights, (const char* path, const MeshRecord&), &Fake, path)
+FAKE(void, AddActor, (Actor&, MeshRecord*, StateRecord*, int32_t x, int32_t y, int32_t z, AnimFileEntry*), void(), x, y,
+     z)
+FAKE(void, UpdateActorBase, (Actor&), void())
 
-// --- tested on their own ---
+// --- of every layer, and shots, which are tested on their own ---
 
-FAKE(ClearShots)
-FAKE(FireShot)
-FAKE(UpdateShots)
+// clang-format off
+FAKE_STEP(BuildControls) FAKE_STEP(SummariseMouse) FAKE_STEP(FrameLimiter) FAKE_STEP(FrameStep)
+FAKE_STEP(CloseDisplay) FAKE_STEP(PresentDisplay) FAKE_STEP(UnlockSurface) FAKE_STEP(CloseCdAudio)
+FAKE_STEP(SystemShutdown) FAKE_STEP(BuildReciprocalTable) FAKE_STEP(SetupScreen) FAKE_STEP(SwapScreen)
+FAKE_STEP(ClearFrame) FAKE_STEP(SetupFog) FAKE_STEP(ReloadFogTable) FAKE_STEP(SetTexturePalette)
+FAKE_STEP(L_CreateGlideUVs) FAKE_STEP(ResetCurrentTexture) FAKE_STEP(UpdateCamera) FAKE_STEP(GenerateVertexNormals)
+FAKE_STEP(SetStaticMarks) FAKE_STEP(ResetViewCache) FAKE_STEP(ApplyLightLevel) FAKE_STEP(UpdateLights)
+FAKE_STEP(DrawSky) FAKE_STEP(RenderWorld) FAKE_STEP(UpdatePlayer) FAKE_STEP(ClearShots) FAKE_STEP(FireShot)
+FAKE_STEP(UpdateShots)
+    // clang-format on

@@ -10,38 +10,34 @@
 #include <string>
 #include <vector>
 
+using Calls = std::vector<std::string>;  // a name, then the arguments that matter, with spaces between
+using Keys = std::set<int>;
+
 struct FakeMachine {
-    std::vector<std::string> calls;
-    std::vector<std::string> boxes;  // texts of message boxes
+    Calls calls;
+    Calls boxes;  // texts of message boxes
 
     // What the machine answers.
-    bool classRegisters = true;
-    bool windowOpens = true;
-    bool inputStarts = true;
     bool displayOpens = true;  // of the front end
     bool graphicsOpen = true;  // of the game
     bool surfaceLocks = true;
     int cursorCount = 0;
-    std::deque<UINT> messages;        // waiting in the queue
-    std::deque<std::set<int>> polls;  // keys held at the keyboard polls to come; then they stay as they are
-    std::set<int> held, hit;          // keys; a poll computes `hit`
+    std::deque<UINT> messages;  // waiting in the queue
+    std::deque<Keys> polls;     // keys held at the keyboard polls to come; then they stay as they are
+    Keys held, hit;             // a poll computes `hit`
     DWORD clock = 0;
-    uint32_t framesUntilHostEnds = 1000;  // HostEndOfFrame calls
-    DWORD exceptionInStep = 0;            // HostGuard reports this instead of running the step
+    uint32_t framesUntilHostEnds = 1000;
+    DWORD exceptionInStep = 0;  // HostGuard reports this instead of running the step
 
     std::function<void(const std::string&)> onCall;  // runs at every recorded call
 
-    // The recorded calls among `names`, in order.
-    std::vector<std::string> Among(const std::set<std::string>& names) const;
-    int Count(const std::string& name) const;
+    Calls Among(const std::set<std::string>& names) const;  // the recorded calls of these functions, in order
+    int Count(const std::string& call) const;
 };
 
-extern FakeMachine Fake;
+extern FakeMachine Fake;  // clean before each test, and so are the globals of app/
 
 void OpenFakeDisplay();  // a DirectDraw display is open
-
-// A clean machine and clean globals of app/ before each test.
-void ResetFakeMachine();
 
 struct ExitRequest {  // ExitProcess throws it
     DWORD code;
