@@ -6,7 +6,8 @@
 #include "math/convert.h"
 #include "platform/input.h"
 #include "render/fog.h"
-#include "render/screen.h"
+#include "render/glide_screen.h"
+#include "render/render_tables.h"
 #include "world/light_map.h"
 #include "world/world_tables.h"
 

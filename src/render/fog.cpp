@@ -1,12 +1,22 @@
 #include "render/fog.h"
 
+#include "app/app_tables.h"
+#include "host/glide.h"
 #include "memory/fatal.h"
 #include "memory/pool.h"
+#include "render/device/device.h"
 #include "render/render_tables.h"
+#include "world/world_tables.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
 constexpr uint32_t OFFSCREEN_FRAME_BYTES = 1048576;
+constexpr float DEPTH_RANGE = 63000.0f;  // W at FarDistance, as for the vertices
+
+GrFog_t FogTable[GR_FOG_TABLE_SIZE];
 
 }  // namespace
 
@@ -15,7 +25,25 @@ void SetupFog() {
         IntensityTable[i] = static_cast<float>(i * 256);
     FrameBuffer = static_cast<uint8_t*>(PoolMalloc(OFFSCREEN_FRAME_BYTES));
     if (FrameBuffer == nullptr) FatalError(1, "No memory for the off-screen frame");
+    if (GlideInitialised == 0) return;
+    ReloadFogTable();
+    SetFogStates();
 }
 
-// Comes with the accelerator.
-void ReloadFogTable() {}
+void LoadFogTable(float nearDistance) {
+    if (FarDistance > 0)
+        guFogGenerateLinear(FogTable, nearDistance * DEPTH_RANGE / FarDistance,
+                            FadeDistance * DEPTH_RANGE / FarDistance);
+    else
+        std::fill(std::begin(FogTable), std::end(FogTable), GrFog_t{0});
+    grFogTable(FogTable);
+}
+
+void ReloadFogTable() {
+    LoadFogTable(FogNearDistance);
+}
+
+void SetFogStates() {
+    grFogColorValue(LevelTable[LoadedLevel].fogColour);
+    grFogMode(GR_FOG_WITH_TABLE);
+}

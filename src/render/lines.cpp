@@ -1,9 +1,11 @@
 #include "render/lines.h"
 
 #include "camera/camera_tables.h"
+#include "host/glide.h"
 #include "math/convert.h"
 #include "math/vectors.h"
 #include "platform/timer.h"
+#include "render/device/device.h"
 #include "render/render_tables.h"
 #include "world/world_tables.h"
 
@@ -42,6 +44,19 @@ void Plot(int64_t x, int64_t y) {
     FrameBuffer[y * FramePitch + x] = static_cast<uint8_t>(LineColour);
 }
 
+void DrawGlideLine(const int32_t x[2], const int32_t y[2]) {
+    const uint8_t* const colour = TextureImage + TEXTURE_PALETTE_OFFSET + 3 * (LineColour & 0xFF);
+    GrVertex ends[2] = {};
+    for (int i = 0; i < 2; i++) {
+        ends[i].x = static_cast<float>(x[i]);
+        ends[i].y = static_cast<float>(y[i]);
+        ends[i].r = static_cast<float>(2 * colour[0]);
+        ends[i].g = static_cast<float>(2 * colour[1]);
+        ends[i].b = static_cast<float>(2 * colour[2]);
+    }
+    grDrawLine(&ends[0], &ends[1]);
+}
+
 void PutIntoViewSpace(uint32_t point) {
     const Vec3 position = WorldGeometry.points[point].position;
     RotateVector(position.x - CameraPos.x, position.y - CameraPos.y, position.z - CameraPos.z, ViewMatrix.rotation);
@@ -72,7 +87,10 @@ void DrawLine3D(float x1, float y1, float z1, float x2, float y2, float z2) {
         x[i] = TruncToInt(end.x * ProjectionScaleX / end.z + ScreenCentreX);
         y[i] = TruncToInt(-(end.y * ProjectionScaleY) / end.z + ScreenCentreY);
     }
-    DrawLine2D(x[0], y[0], x[1], y[1]);
+    if (GlideActive())
+        DrawGlideLine(x, y);
+    else
+        DrawLine2D(x[0], y[0], x[1], y[1]);
 }
 
 void DrawLine2D(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {

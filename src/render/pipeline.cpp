@@ -2,6 +2,7 @@
 
 #include "math/convert.h"
 #include "platform/timer.h"
+#include "render/device/device.h"
 #include "render/render_tables.h"
 #include "render/submit.h"
 #include "world/light_map.h"
@@ -91,8 +92,16 @@ void ClipAgainstPlane(const PolyRecord& input, PolyRecord& output, const ClipPla
 void Project(ViewPoint& point) {
     const float inverse = point.z < NEAREST_DEPTH ? 0.0f : 1.0f / point.z;
     point.projectionStamp = FrameCount;
-    point.screen.fixed.x = TruncToInt((point.x * ProjectionScaleX * inverse + ScreenCentreX) * 65536.0f);
-    point.screen.fixed.y = TruncToInt((-(point.y * ProjectionScaleY) * inverse + ScreenCentreY) * 65536.0f);
+    const float x = point.x * ProjectionScaleX * inverse + ScreenCentreX;
+    const float y = -(point.y * ProjectionScaleY) * inverse + ScreenCentreY;
+    if (GlideActive()) {
+        point.screen.pixels.x = x;
+        point.screen.pixels.y = y;
+        point.inverseDepth = 1.0f / (point.z * DepthScale);
+        return;
+    }
+    point.screen.fixed.x = TruncToInt(x * 65536.0f);
+    point.screen.fixed.y = TruncToInt(y * 65536.0f);
     point.inverseDepth = inverse;
 }
 

@@ -1,7 +1,9 @@
 #include "render/screen.h"
 
 #include "app/app_tables.h"
+#include "host/glide.h"
 #include "platform/display.h"
+#include "render/glide_screen.h"
 #include "render/textures.h"
 #include "world/bsp.h"
 
@@ -11,6 +13,7 @@
 namespace {
 
 constexpr int BACKGROUND_COLOUR = 0xFE;
+constexpr int32_t MOST_PENDING_SWAPS = 3;
 
 void UseScreenSize() {
     const ScreenRes size = ScreenResTable[ScreenResIndex];
@@ -23,13 +26,24 @@ float ProjectionScale(int32_t size) {
     return static_cast<float>(size / 2.0 * 9.9 / 10.0);
 }
 
+void SwapGlide() {
+    while (grBufferNumPending() > MOST_PENDING_SWAPS) {
+    }
+    grBufferSwap(1);
+}
+
 }  // namespace
 
 bool InitGraphics(int32_t softwareScreenRes) {
     GlideHardwareReady = 0;
     GlideWindowOpen = 0;
-    ScreenResIndex = softwareScreenRes;
-    const bool isOpen = OpenSoftwareDisplay(MainWindow);
+    bool isOpen = true;
+    if (UseGlide == 1 && GlideBoardCount() != 0) {
+        OpenGlide();
+    } else {
+        ScreenResIndex = softwareScreenRes;
+        isOpen = OpenSoftwareDisplay(MainWindow);
+    }
     UseScreenSize();
     SwapScreen();
     return isOpen;
@@ -56,10 +70,17 @@ void SetupScreen() {
 }
 
 void SwapScreen() {
-    if (DisplayState != DISPLAY_NONE) PresentDisplay();
+    if (GlideActive())
+        SwapGlide();
+    else if (DisplayState != DISPLAY_NONE)
+        PresentDisplay();
 }
 
 void ClearFrame() {
+    if (GlideActive()) {
+        grBufferClear(0, 0, 0xFFFF);
+        return;
+    }
     if (FrameBuffer == nullptr) return;
     // The frame is filled in 32-bit words; a width or a gap that is no multiple of four loses its remainder.
     const int32_t filled = ScreenWidth / 4 * 4;
@@ -73,6 +94,3 @@ void ClearFrame() {
     for (int32_t i = 0; i < rows; i++, row += stride)
         std::memset(row, BACKGROUND_COLOUR, static_cast<size_t>(filled));
 }
-
-// Comes with the accelerator.
-void SetFogSwitchStates(bool) {}

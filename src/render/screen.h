@@ -9,5 +9,4 @@
 bool InitGraphics(int32_t softwareScreenRes);
 void SetupScreen();  // projection constants, node radii, display palette; presents once
 void SwapScreen();
-void ClearFrame();                 // software: the lower half to index 0xFE
-void SetFogSwitchStates(bool on);  // accelerator only: fog, alpha test and depth writes for the W key
+void ClearFrame();  // software: the lower half to index 0xFE; accelerator: black, and the farthest depth

@@ -11,4 +11,4 @@ constexpr uint32_t NO_TEXTURE = 0xFFFF;
 extern uint32_t SubmittedPolygons;  // SubmitPolygon calls since the start of the frame; GameFrame clears it
 
 void SubmitPolygon(const PolyRecord* polygon, uint32_t drawFlags);
-void ResetCurrentTexture();
+void ResetCurrentTexture();  // the accelerator's: new textures have been loaded

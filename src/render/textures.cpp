@@ -5,6 +5,7 @@
 #include "memory/files.h"
 #include "memory/pool.h"
 #include "platform/display.h"
+#include "render/device/device.h"
 #include "render/render_tables.h"
 #include "world/world_tables.h"
 
@@ -92,6 +93,7 @@ int LoadTextureFile(int32_t level) {
     ComputeWrapFlags();
     BuildFadePalette();
     BuildTextureRemap();
+    if (GlideHardwareReady != 0) L_LoadGlideTexture(level);
     return 0;
 }
 

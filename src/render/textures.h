@@ -1,6 +1,7 @@
 // Textures and palettes of a level.
 #pragma once
 
+#include "host/glide.h"
 #include "records/texture_records.h"
 #include "records/world_records.h"
 
@@ -17,6 +18,12 @@ void BuildFadePalette();   // ShadeTable from the palette and the level's dark a
 void BuildTextureRemap();  // FatalError(1, "No memory for the texture remap table")
 void ComputeWrapFlags();   // POLY_WRAPS of every polygon in use whose corners leave its texture
 void SetTexturePalette();  // the display's palette from texture.bin, when DirectDraw is in use
+
+extern GrMipMapId_t TextureHandles[TEXTURE_LIMIT];  // the accelerator's, by texture
+
+// Accelerator only: glidetex/NN.3df of the level for each texture; one that cannot be read leaves its handle as it was.
+// FatalError(-1, "L_LoadGlideTexture (Memory #2)"), "... (Load #1)" or "... (Memory #1)".
+void L_LoadGlideTexture(int32_t level);
 
 // The accelerator's texture coordinates of every polygon in use, from the alternate polygon-vertex table.
 // FatalError(-1, "L_CreateGlideUVs - tm_width  = 0.0") or "... - tm_height = 0.0" for an empty texture.

@@ -19,6 +19,7 @@
 #include "platform/timer.h"
 #include "player/player.h"
 #include "render/fog.h"
+#include "render/glide_screen.h"
 #include "render/raster.h"
 #include "render/screen.h"
 #include "render/submit.h"

@@ -1,7 +1,9 @@
 #include "texc/level_textures.h"
 
+#include "formats/binary.h"
 #include "formats/colour_text.h"
 #include "formats/error.h"
+#include "formats/glide_texture.h"
 #include "texc/material.h"
 #include "texc/page_packing.h"
 #include "texc/palette.h"
@@ -131,7 +133,7 @@ LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
 }
 
 CompiledTextures CompileTextures(const LevelTextures& level, const std::filesystem::path& pictures) {
-    const Slots slots = FillSlots(level, pictures);
+    Slots slots = FillSlots(level, pictures);
     PaletteWishes wishes{{}, level.dark, level.ground};
     std::vector<TextureSize> sizes;
     for (const Image& image : slots.images) {
@@ -147,6 +149,16 @@ CompiledTextures CompileTextures(const LevelTextures& level, const std::filesyst
     }
     for (const size_t image : slots.imageOfSlot)
         compiled.textures.slots.push_back(places[image]);
-    compiled.list = slots.list;
+    compiled.list = std::move(slots.list);
+    compiled.images = std::move(slots.images);
+    compiled.imageOfSlot = std::move(slots.imageOfSlot);
     return compiled;
+}
+
+void WriteGlideTextures(const std::filesystem::path& folder, const CompiledTextures& compiled) {
+    std::vector<std::vector<uint8_t>> files;
+    for (const Image& image : compiled.images)
+        files.push_back(EncodeGlideTexture(MakeMipLevels(image)));
+    for (size_t slot = 0; slot < compiled.imageOfSlot.size(); ++slot)
+        WriteWholeFile(folder / fmt::format("{:02}.3df", slot), files[compiled.imageOfSlot[slot]]);
 }

@@ -33,9 +33,13 @@ struct NamedPicture {
 
 struct CompiledTextures {
     TextureFile textures;
+    std::vector<Image> images;  // in true colour
+    std::vector<size_t> imageOfSlot;
     std::vector<Material> list;
 };
 
 LevelTextures ReadLevelTextures(const std::filesystem::path& path);
 // `pictures` holds <name>.png for each material and each part of the skin.
 CompiledTextures CompileTextures(const LevelTextures& level, const std::filesystem::path& pictures);
+// The accelerator's: a file 00.3df, 01.3df ... for each slot.
+void WriteGlideTextures(const std::filesystem::path& folder, const CompiledTextures& compiled);

@@ -24,7 +24,7 @@ void WriteDependencies(const std::filesystem::path& path, const std::string& out
 
 struct Options {
     std::string recipe, picture, dependencies;
-    std::string level, pictures, texture, list, sheet;
+    std::string level, pictures, texture, list, sheet, accelerator;
     std::vector<std::string> sheetPictures;
 };
 
@@ -45,6 +45,7 @@ void CompileLevel(const Options& options) {
     }
     WriteMaterialList(options.list, compiled.list);
     WriteWholeFile(options.texture, EncodeTextureFile(compiled.textures));
+    if (!options.accelerator.empty()) WriteGlideTextures(options.accelerator, compiled);
 }
 
 void WriteSheet(const Options& options) {
@@ -68,6 +69,7 @@ int main(int argc, char** argv) {
     level->add_option("list", options.level, "The level's textures.toml")->required();
     level->add_option("--pictures", options.pictures, "Folder of the painted materials")->required();
     level->add_option("--texture", options.texture, "texture.bin to write")->required();
+    level->add_option("--accelerator", options.accelerator, "Folder for the accelerator's textures to write");
     level->add_option("--materials", options.list, "Material list for mapc to write")->required();
     level->add_option("--sheet", options.sheet, "Contact sheet in the level's palette to write (.png)");
     CLI::App* sheet = app.add_subcommand("sheet", "Put painted materials side by side");

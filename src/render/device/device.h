@@ -12,5 +12,4 @@ inline bool GlideActive() {
     return GlideWindowOpen != 0;
 }
 
-// Nothing when the accelerator was not set up, which is always: no board exists yet.
-void CloseGlide();
+void CloseGlide();  // nothing when the accelerator was not set up
