@@ -14,10 +14,12 @@
 #include <random>
 
 Calls Recorded;
+std::map<std::string, std::vector<uint8_t>> GlideFiles;
 
 namespace {
 
 constexpr size_t GUARD_BYTES = 4096;
+constexpr size_t POOL_ROOM = 1100000;  // the off-screen frame is the largest block
 
 std::vector<uint8_t> File;
 std::vector<uint8_t> Frame;
@@ -124,7 +126,7 @@ bool GuardsAreIntact() {
 
 void LoadTextures(const std::vector<uint8_t>& file) {
     File = file;
-    Pool.assign(file.size() + 2048, 0x55);
+    Pool.assign(file.size() + POOL_ROOM, 0x55);
     PoolInit(Pool.data(), Pool.data() + Pool.size());
     LoadTextureFile(0);
 }
@@ -134,8 +136,11 @@ uint16_t FrameCount;
 DisplayContext Display;
 uint8_t DisplayState;
 
-std::FILE* HostOpenFile(const char*, const char*) {
-    return fmemopen(File.data(), File.size(), "rb");
+std::FILE* HostOpenFile(const char* path, const char* mode) {
+    Recorded.files.push_back(path);
+    if (mode[0] == 'w') return std::tmpfile();
+    std::vector<uint8_t>& file = std::string(path).ends_with(".3df") ? GlideFiles[path] : File;
+    return file.empty() ? nullptr : fmemopen(file.data(), file.size(), "rb");
 }
 
 bool OpenSoftwareDisplay(HWND) {

@@ -6,6 +6,7 @@
 #include "records/world_records.h"
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,11 +34,15 @@ std::vector<uint8_t> FramePixels();  // rows of ScreenWidth
 bool GuardsAreIntact();
 void FillFrame(uint8_t colour);
 
-// Makes the bytes the file that every path names; loads it with LoadTextureFile from a fresh pool.
+// Makes the bytes the file that every path but those of GlideFiles names; loads it with LoadTextureFile from a fresh
+// pool.
 void LoadTextures(const std::vector<uint8_t>& file);
+
+extern std::map<std::string, std::vector<uint8_t>> GlideFiles;  // by the game's path; others of .3df are missing
 
 struct Calls {
     std::vector<int32_t> shaded;
-    std::string order;  // one letter a call: S shade, R node radii, P palette, W swap
+    std::vector<std::string> files;  // paths opened
+    std::string order;               // one letter a call: S shade, R node radii, P palette, W swap
 };
 extern Calls Recorded;
