@@ -5,5 +5,5 @@
 const Board* CurrentBoard = nullptr;
 
 void ChooseBoard(BoardChoice choice) {
-    CurrentBoard = choice == BoardChoice::Cpu ? &CpuBoard : nullptr;
+    CurrentBoard = choice == BoardChoice::None ? nullptr : &CpuBoard;
 }
