@@ -124,6 +124,18 @@ TEST(CompileTextures, HolesAreIndexZeroAndBlackIsNot) {
     EXPECT_EQ(Find(compiled.list, "sky").flags, MATERIAL_SKY);
 }
 
+TEST(CompileTextures, TheSkinFollowsTheWorld) {
+    Picture("trousers", Image(32, 16, {40, 80, 160, 255}));
+    Picture("face", Image(16, 16, {220, 160, 120, 255}));
+    LevelTextures level = Level({});
+    level.skin = {"trousers", "face"};
+    const TextureFile textures = CompileTextures(level, FOLDER).textures;
+    EXPECT_EQ(textures.slots[93].width, 32);
+    EXPECT_EQ(textures.slots[94].width, 16);
+    EXPECT_NEAR(textures.palette[textures.Texel(textures.slots[93], 3, 3)][2] * 255 / 63, 160, 6);
+    EXPECT_NEAR(textures.palette[textures.Texel(textures.slots[94], 3, 3)][0] * 255 / 63, 220, 6);
+}
+
 TEST(CompileTextures, EveryRunGivesTheSameBytes) {
     Picture("a", Speckled(128, 128, 20));
     Picture("b", Speckled(64, 32, 200));
@@ -150,7 +162,8 @@ TEST(CompileTextures, FaultsNameTheFileAndTheRemedy) {
 TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
     for (const char* const text :
          {"dark = '#000000'\nmaterials = ['a', 'b', 'a']\n", "dark = '#000000'\nmaterials = ['sky']\n",
-          "dark = '#000000'\nanimated = 'a'\nmaterials = ['a']\n", "materials = ['a']\n"}) {
+          "dark = '#000000'\nanimated = 'a'\nmaterials = ['a']\n", "materials = ['a']\n",
+          "dark = '#000000'\nmaterials = ['a']\nskin = ['b', 'c', 'd']\n"}) {
         WriteWholeFile(FOLDER / "textures.toml", {text, text + std::string(text).size()});
         EXPECT_THROW(ReadLevelTextures(FOLDER / "textures.toml"), ContentError) << text;
     }
