@@ -98,10 +98,15 @@ void DrawCell(Image& sheet, int left, int top) {
     const Frame empty = DrawFrame(false);
     DrawFrame(true);  // what it is lit by
     const Frame frame = DrawFrame(true);
+    // A pixel of the figure may have the background's colour; its neighbours give it away.
+    const auto isBackground = [&](size_t i) {
+        const size_t before = i - std::min<size_t>(i, 1), after = std::min(i + 1, frame.size() - 1);
+        return frame[i] == empty[i] && frame[before] == empty[before] && frame[after] == empty[after];
+    };
     for (size_t i = 0; i < frame.size(); i++) {
         const auto channel = [&](size_t c) {
             const int full = palette[size_t{3} * frame[i] + c] * 255 / 63;
-            return static_cast<uint8_t>(frame[i] == empty[i] ? 150 + full / 4 : full);
+            return static_cast<uint8_t>(isBackground(i) ? 150 + full / 4 : full);
         };
         const int index = static_cast<int>(i);
         sheet.At(left + index % CELL_WIDTH, top + index / CELL_WIDTH) = {channel(0), channel(1), channel(2), 255};
