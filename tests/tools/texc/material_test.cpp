@@ -142,15 +142,6 @@ TEST(PaintMaterial, LightComesFromTheUpperLeft) {
     EXPECT_LT(image.At(16, 22).r + 20, image.At(16, 16).r) << "lower slope";
 }
 
-TEST(PaintMaterial, HolesAreFullyTransparentAndNothingElseIs) {
-    const Image image =
-        Paint("size = [16, 16]\n[[layer]]\npattern = 'fill'\ncolour = '#808080'\n[[layer]]\npattern = 'box'\n"
-              "rect = [4, 4, 12, 12]\nmode = 'hole'\n");
-    const auto holes = std::count_if(image.pixels.begin(), image.pixels.end(), [](const Rgba& p) { return p.a == 0; });
-    EXPECT_EQ(holes, 64);
-    EXPECT_EQ(image.At(0, 0).a, 255);
-}
-
 TEST(PaintMaterial, MovingMaterialsHaveFourDifferentPicturesInAClosedCircle) {
     const Image strip = Paint("size = [32, 32]\nmoving = true\n[[layer]]\npattern = 'noise'\nboil = 2\n"
                               "colour = ['#000000', '#ffffff']\n");
