@@ -170,23 +170,11 @@ TEST_F(Animation, AHigherLayerTakesTheBonesThatTheLowerOneLeavesStill) {
 
 TEST_F(Animation, EveryCutOrAlteredFileLoadsOrIsRefused) {
     const Bytes good = AnimationImage(200, {0, -1, 1, -2, 2, -3}, OneTurningBone());
-    for (size_t cut = 0; cut < good.size(); cut += 11) {
+    ExpectDamageIsRefused(good, 5, "Not a valid animation file", [this](const Bytes& bytes) {
         FreshPool(0x10000);
-        EXPECT_THROW(Load(Bytes(good.begin(), good.begin() + static_cast<long>(cut))), FatalThrown) << cut;
-    }
-    for (size_t at = 0; at < good.size(); at += 5) {
-        for (const uint8_t value : {uint8_t{0}, uint8_t{0x7F}, uint8_t{0xFF}}) {
-            FreshPool(0x10000);
-            Bytes altered = good;
-            altered[at] = value;
-            try {
-                Load(altered);
-                PoseAt(60);
-            } catch (const FatalThrown& fatal) {
-                EXPECT_EQ(fatal.text, "Not a valid animation file");
-            }
-        }
-    }
+        Load(bytes);
+        PoseAt(60);
+    });
     EXPECT_THROW(LoadAnimation("no such file", records_[0], mesh_), FatalThrown);
 }
 

@@ -1,6 +1,9 @@
 #include "file_builders.h"
 
+#include "support/throwing_fatal.h"
+
 #include <cstring>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -103,4 +106,21 @@ Bytes CoordinatesImage(const std::vector<FaceSource>& faces) {
         }
     }
     return bytes;
+}
+
+void ExpectDamageIsRefused(const Bytes& good, size_t step, const std::string& refusal,
+                           const std::function<void(const Bytes&)>& load) {
+    for (size_t cut = 0; cut < good.size(); cut += step)
+        EXPECT_THROW(load(Bytes(good.begin(), good.begin() + static_cast<long>(cut))), FatalThrown) << cut;
+    for (size_t at = 0; at < good.size(); at += step) {
+        for (const uint8_t value : {uint8_t{0}, uint8_t{1}, uint8_t{0x7F}, uint8_t{0xFF}}) {
+            Bytes altered = good;
+            altered[at] = value;
+            try {
+                load(altered);
+            } catch (const FatalThrown& fatal) {
+                EXPECT_EQ(fatal.text.rfind(refusal, 0), 0u) << at << ": " << fatal.text;
+            }
+        }
+    }
 }

@@ -5,6 +5,8 @@
 #include "records/vec3.h"
 
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <vector>
 
 using Bytes = std::vector<uint8_t>;
@@ -54,3 +56,8 @@ struct FaceSource {
 };
 Bytes MeshImage(uint32_t boneCount, const std::vector<Vec3>& points, const std::vector<FaceSource>& faces);
 Bytes CoordinatesImage(const std::vector<FaceSource>& faces);  // u = 256 x face + corner, v = corner
+
+// The loader is to throw FatalThrown for every cut of the file, and for altered bytes at every `step`th place to do so
+// or to succeed, with a message that begins like `refusal`.
+void ExpectDamageIsRefused(const Bytes& good, size_t step, const std::string& refusal,
+                           const std::function<void(const Bytes&)>& load);

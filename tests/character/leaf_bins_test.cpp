@@ -34,22 +34,13 @@ protected:
         CharPolygon_ = WorldGeometry.used.polygons;
     }
 
+    // With u and v laid out as x and z.
     void AddTriangle(Vec3 a, Vec3 b, Vec3 c) {
-        GeometryCounts& used = WorldGeometry.used;
-        PolyRecord& polygon = WorldGeometry.polygons[used.polygons];
-        polygon = {};
-        polygon.cornerCount = 3;
-        polygon.texture = 95;
-        polygon.firstVertex = static_cast<uint16_t>(used.polyVertices);
-        for (const Vec3& p : {a, b, c}) {
-            ViewPoint& view = WorldGeometry.viewPoints[used.points];
-            view.x = p.x;
-            view.y = p.y;
-            view.z = p.z;
-            WorldGeometry.points[used.points].normal = {0, 1, 0};
-            WorldGeometry.polyVertices[used.polyVertices++] = {used.points++, p.x, p.z, 100.0f};
-        }
-        AppendVisible(used.polygons++);
+        const uint32_t first = WorldGeometry.used.points;
+        AppendVisible(static_cast<uint32_t>(AppendPolygon(
+            {{a.x, a.y, a.z, a.x, a.z, 100}, {b.x, b.y, b.z, b.x, b.z, 100}, {c.x, c.y, c.z, c.x, c.z, 100}}, 95)));
+        for (uint32_t p = first; p < first + 3; ++p)
+            WorldGeometry.points[p].normal = {0, 1, 0};
     }
 
     void Bin(Vec3 actor = {0, 0, 0}) { BinActorPolygons(VisibleCount(), actor.x, actor.y, actor.z); }
@@ -59,13 +50,11 @@ protected:
     // Signed area in x, z of a polygon's ViewPoint corners.
     static double Area(uint32_t polygon) {
         const PolyRecord record = WorldGeometry.polygons[polygon];
+        const PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
         double area = 0.0;
-        for (uint32_t i = 0; i < record.cornerCount; ++i) {
-            const auto corner = [&](uint32_t k) -> const ViewPoint& {
-                return WorldGeometry.viewPoints[WorldGeometry.polyVertices[record.firstVertex + k].point];
-            };
-            const ViewPoint& p = corner(i);
-            const ViewPoint& q = corner((i + 1) % record.cornerCount);
+        for (int i = 0; i < record.cornerCount; ++i) {
+            const ViewPoint& p = WorldGeometry.viewPoints[corners[i].point];
+            const ViewPoint& q = WorldGeometry.viewPoints[corners[(i + 1) % record.cornerCount].point];
             area += 0.5 * (double{p.x} * q.z - double{q.x} * p.z);
         }
         return area;
@@ -75,20 +64,27 @@ protected:
     uint32_t CharPolygon_;
 };
 
-TEST_F(Bins, AnUncutTriangleLiesWholeInOneLeaf) {
-    AddTriangle({20, 0, 20}, {60, 0, 20}, {20, 0, 60});
-    Bin();
-    EXPECT_TRUE(Filled(3));
-    EXPECT_FALSE(Filled(0) || Filled(1) || Filled(2));
-    ASSERT_EQ(LeafBins[3].count, 1);
-    EXPECT_EQ(LeafBins[3].polygons[0], CharPolygon_);
-}
-
-TEST_F(Bins, CornersWithinOneUnitOfAPlaneDoNotCut) {
-    AddTriangle({-0.9f, 0, 20}, {0.9f, 0, 20}, {0.5f, 0, 60});
-    Bin();
-    EXPECT_TRUE(Filled(3));
-    EXPECT_FALSE(Filled(2));
+TEST_F(Bins, OnlyNearPlanesCutAndOnlyCornersMoreThanOneUnitAway) {
+    const struct {
+        const char* rule;
+        Vec3 a, b, c, actor;
+    } rows[] = {
+        {"on one side", {20, 0, 20}, {60, 0, 20}, {20, 0, 60}, {0, 0, 0}},
+        {"corners within one unit", {-0.9f, 0, 20}, {0.9f, 0, 20}, {0.5f, 0, 60}, {0, 0, 0}},
+        {"planes farther than a hundred units from the actor", {-5, 0, 20}, {60, 0, 20}, {20, 0, 60}, {150, 0, 150}},
+    };
+    const GeometryCounts used = WorldGeometry.used;
+    for (const auto& row : rows) {
+        ClearVisibleList();
+        WorldGeometry.used = used;
+        FrameCount++;
+        AddTriangle(row.a, row.b, row.c);
+        Bin(row.actor);
+        EXPECT_FALSE(Filled(0) || Filled(1) || Filled(2)) << row.rule;
+        ASSERT_TRUE(Filled(3)) << row.rule;
+        ASSERT_EQ(LeafBins[3].count, 1) << row.rule;
+        EXPECT_EQ(LeafBins[3].polygons[0], CharPolygon_) << row.rule;
+    }
 }
 
 TEST_F(Bins, PiecesKeepTheAreaTheAttributesAndTheWinding) {
@@ -111,7 +107,7 @@ TEST_F(Bins, PiecesKeepTheAreaTheAttributesAndTheWinding) {
             for (uint32_t k = 0; k < record.cornerCount; ++k) {
                 const PolyVertex& corner = WorldGeometry.polyVertices[record.firstVertex + k];
                 const ViewPoint& p = WorldGeometry.viewPoints[corner.point];
-                EXPECT_NEAR(corner.u, p.x, 1e-3f);  // u and v were laid out as x and z
+                EXPECT_NEAR(corner.u, p.x, 1e-3f);
                 EXPECT_NEAR(corner.v, p.z, 1e-3f);
                 EXPECT_EQ(corner.intensity, 100.0f);
                 EXPECT_EQ(WorldGeometry.points[corner.point].normal.y, 1.0f);
@@ -122,14 +118,6 @@ TEST_F(Bins, PiecesKeepTheAreaTheAttributesAndTheWinding) {
     }
     EXPECT_NEAR(pieces, whole, 1e-2);
     EXPECT_EQ(DroppedPolygons, 0u);
-}
-
-TEST_F(Bins, PlanesFartherThanAHundredUnitsFromTheActorAreSkipped) {
-    AddTriangle({-5, 0, 20}, {60, 0, 20}, {20, 0, 60});
-    Bin({150, 0, 150});
-    EXPECT_TRUE(Filled(3));
-    EXPECT_FALSE(Filled(2));
-    EXPECT_EQ(LeafBins[3].polygons[0], CharPolygon_);
 }
 
 TEST_F(Bins, WhatDoesNotFitIsDroppedAndCounted) {

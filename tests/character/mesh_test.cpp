@@ -62,24 +62,14 @@ TEST_F(CharacterFiles, TheMeshStandsBehindTheWorldInEveryTable) {
 TEST_F(CharacterFiles, DamagedMeshesAreRefusedAndNothingElse) {
     const Bytes mesh = MeshImage(3, POINTS, FACES);
     const Bytes coordinates = CoordinatesImage(FACES);
-    for (size_t cut = 0; cut < mesh.size(); cut += 7) {
+    ExpectDamageIsRefused(mesh, 3, "No", [&](const Bytes& bytes) {
         Restart();
-        EXPECT_THROW(LoadFrom(Bytes(mesh.begin(), mesh.begin() + static_cast<long>(cut)), coordinates), FatalThrown);
-    }
-    for (size_t cut = 0; cut < coordinates.size(); cut += 7) {
+        LoadFrom(bytes, coordinates);
+    });
+    ExpectDamageIsRefused(coordinates, 7, "No", [&](const Bytes& bytes) {
         Restart();
-        EXPECT_THROW(LoadFrom(mesh, Bytes(coordinates.begin(), coordinates.begin() + static_cast<long>(cut))),
-                     FatalThrown);
-    }
-    for (size_t at = 0; at < mesh.size(); at += 3) {
-        Restart();
-        Bytes altered = mesh;
-        altered[at] = 0xFF;
-        try {
-            LoadFrom(altered, coordinates);
-        } catch (const FatalThrown&) {
-        }
-    }
+        LoadFrom(mesh, bytes);
+    });
     std::vector<Vec3> many(SPARE_POINTS + 1, Vec3{});
     Restart();
     EXPECT_THROW(LoadFrom(MeshImage(3, many, FACES), coordinates), FatalThrown);
@@ -109,7 +99,7 @@ protected:
     void Skin(const Bytes& weights) {
         testing::internal::CaptureStdout();
         actor_.weights = LoadWeights(FileOf(weights), mesh_);
-        listing_ = testing::internal::GetCapturedStdout();
+        testing::internal::GetCapturedStdout();
         SkinActor(actor_);
     }
 
@@ -119,18 +109,12 @@ protected:
     AnimFileEntry entry_ = {"", &record_};
     StateRecord state_{};
     Actor actor_{};
-    std::string listing_;
 };
 
 TEST_F(Skinning, SoftPointsBlendWithWhatEarlierBlocksGaveThem) {
     Skin(WeightsImage(Blocks()));
     EXPECT_EQ(X(0), 5.0f);
     EXPECT_EQ(X(1), 0.0f);
-    EXPECT_NE(listing_.find("weight file version 3\nbones 22, welds 1\n2 hard points\n0 index 0\n1 index 1\n0 soft"),
-              std::string::npos);
-    EXPECT_NE(listing_.find("0 index 0, weight 32768\n"), std::string::npos);
-    EXPECT_NE(listing_.find("weld 0, from 3, to 4\n"), std::string::npos);
-    EXPECT_EQ(listing_.find("matrix"), std::string::npos);
 }
 
 TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
@@ -139,29 +123,16 @@ TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
         WorldGeometry.viewPoints[mesh_.firstPoint + p] = {};
     Skin(WeightsImage(Blocks(), 4));
     EXPECT_EQ(X(0), 5.0f);  // half of bone 3's place, half of what it held
-    EXPECT_NE(listing_.find("matrix 7\n2 hard points\n"), std::string::npos);
 }
 
 TEST_F(Skinning, EveryCutOrAlteredWeightFileLoadsOrIsRefused) {
-    const Bytes good = WeightsImage(Blocks());
-    for (size_t cut = 0; cut < good.size(); ++cut) {
+    testing::internal::CaptureStdout();
+    ExpectDamageIsRefused(WeightsImage(Blocks()), 1, "Not a valid weights file", [this](const Bytes& bytes) {
         FreshPool(0x10000);
-        EXPECT_THROW(LoadWeights(FileOf(Bytes(good.begin(), good.begin() + static_cast<long>(cut))), mesh_),
-                     FatalThrown);
-    }
-    for (size_t at = 0; at < good.size(); ++at) {
-        for (const uint8_t value : {uint8_t{1}, uint8_t{0xFF}}) {
-            FreshPool(0x10000);
-            Bytes altered = good;
-            altered[at] = value;
-            try {
-                Skin(altered);
-            } catch (const FatalThrown& fatal) {
-                testing::internal::GetCapturedStdout();
-                EXPECT_EQ(fatal.text, "Not a valid weights file");
-            }
-        }
-    }
+        actor_.weights = LoadWeights(FileOf(bytes), mesh_);
+        SkinActor(actor_);
+    });
+    testing::internal::GetCapturedStdout();
 }
 
 }  // namespace

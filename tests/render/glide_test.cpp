@@ -55,7 +55,7 @@ protected:
         testing::internal::CaptureStdout();
         isOpen = InitGraphics(0);
         output = testing::internal::GetCapturedStdout();
-        MakeWorld(8);
+        MakeWorld();
         GlideFiles = {{GlidePath(0), PlainTexture(0x7FFF)}, {GlidePath(1), PlainTexture(0x7C00)}};
         LoadTextures(MakeTextureFile({{0, 0, 0, 8, 8}, {0, 8, 0, 8, 8}, {0, 16, 0, 8, 8}}, 1));
         testing::internal::CaptureStdout();
@@ -75,11 +75,11 @@ protected:
     // A square of half the view's width at this depth, drawn; its number.
     static int32_t DrawSquare(float z, float intensity, uint8_t texture = 0) {
         const float half = z / 2;
-        const int32_t square = AddPolygon({{-half, -half, z, 0, 255, intensity},
-                                           {half, -half, z, 255, 255, intensity},
-                                           {half, half, z, 255, 0, intensity},
-                                           {-half, half, z, 0, 0, intensity}},
-                                          texture);
+        const int32_t square = AppendPolygon({{-half, -half, z, 0, 255, intensity},
+                                              {half, -half, z, 255, 255, intensity},
+                                              {half, half, z, 255, 0, intensity},
+                                              {-half, half, z, 0, 0, intensity}},
+                                             texture);
         DrawMeshPolygon(square);
         return square;
     }
@@ -185,10 +185,10 @@ TEST_F(Glide, LinesHaveTwiceThePalettesLevels) {
 }
 
 TEST_F(Glide, ScreenshotsAreNumbered) {
-    Recorded = {};
+    OpenedFiles.clear();
     SaveScreenshot();
     SaveScreenshot();
-    EXPECT_EQ(Recorded.files, (std::vector<std::string>{"3DFX_00.raw", "3DFX_01.raw"}));
+    EXPECT_EQ(OpenedFiles, (std::vector<std::string>{"3DFX_00.raw", "3DFX_01.raw"}));
 }
 
 }  // namespace

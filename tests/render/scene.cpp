@@ -8,41 +8,33 @@
 #include "render/textures.h"
 #include "world/bsp.h"
 #include "world/light_map.h"
-#include "world/world_tables.h"
 
 #include <cstring>
+#include <optional>
 #include <random>
 
-Calls Recorded;
+int ShadedPolygons;
 std::map<std::string, std::vector<uint8_t>> GlideFiles;
+std::vector<std::string> OpenedFiles;
 
 namespace {
 
+constexpr uint8_t GUARD = 0xA5;
 constexpr size_t GUARD_BYTES = 4096;
 constexpr size_t POOL_ROOM = 1100000;  // the off-screen frame is the largest block
+constexpr uint32_t ROOM = 4000;        // entries of every table before the scratch space
 
-std::vector<uint8_t> File;
-std::vector<uint8_t> Frame;
-std::vector<uint8_t> Pool;
-std::vector<PolyRecord> Polygons;
-std::vector<PolyVertex> Vertices;
-std::vector<PolyVertex> AlternateVertices;
-std::vector<ViewPoint> Points;
-std::vector<WorldPoint> WorldPoints;
-std::vector<uint8_t> Outcodes;
-std::vector<PlaneRecord> Planes;
+std::optional<TinyWorld> World;
+std::vector<uint8_t> File, Frame, Pool;
 
 }  // namespace
 
 std::vector<uint8_t> MakeTextureFile(const std::vector<TestTexture>& textures, int pages) {
     std::mt19937 random(7);
-    std::vector<uint8_t> file(TEXTURE_RECORDS_OFFSET);
-    file[0] = static_cast<uint8_t>(textures.size());
-    file[1] = static_cast<uint8_t>(textures.size() >> 8);
-    for (size_t i = 0; i < 256; i++) {
-        file[TEXTURE_PALETTE_OFFSET + i * 3] = static_cast<uint8_t>(i % 64);
-        file[TEXTURE_PALETTE_OFFSET + i * 3 + 1] = static_cast<uint8_t>(i / 64 * 16 + 1);
-        file[TEXTURE_PALETTE_OFFSET + i * 3 + 2] = static_cast<uint8_t>(i % 61);
+    std::vector<uint8_t> file = {static_cast<uint8_t>(textures.size()), 0};
+    for (int i = 0; i < 256; i++) {
+        for (const int level : {i % 64, i / 64 * 16 + 1, i % 61})
+            file.push_back(static_cast<uint8_t>(level));
     }
     for (const TestTexture& texture : textures)
         file.insert(file.end(),
@@ -52,45 +44,12 @@ std::vector<uint8_t> MakeTextureFile(const std::vector<TestTexture>& textures, i
     return file;
 }
 
-void MakeWorld(uint32_t polygons) {
-    const uint32_t corners = polygons * 16;
-    Polygons.assign(polygons + SPARE_POLYGONS, {});
-    Vertices.assign(corners + SPARE_POLY_VERTICES, {});
-    AlternateVertices = Vertices;
-    Points.assign(corners + SPARE_POINTS, {});
-    WorldPoints.assign(Points.size(), {});
-    Outcodes.assign(Points.size(), 0);
-    Planes.assign(1, {});
-    WorldGeometry = {};
-    WorldGeometry.planes = Planes.data();
-    WorldGeometry.polygons = Polygons.data();
-    WorldGeometry.polyVertices = Vertices.data();
-    WorldGeometry.alternateVertices = AlternateVertices.data();
-    WorldGeometry.viewPoints = Points.data();
-    WorldGeometry.points = WorldPoints.data();
-    WorldGeometry.outcodes = Outcodes.data();
-    WorldGeometry.fixed = {1, polygons, corners, corners};
+void MakeWorld() {
+    World.emplace();
+    World->Publish();
+    WorldGeometry.fixed = {1, ROOM / 4, ROOM, ROOM};
     FrameCount = 1;
-    Recorded = {};
-}
-
-int32_t AddPolygon(const std::vector<Corner>& corners, uint8_t texture) {
-    GeometryCounts& used = WorldGeometry.used;
-    PolyRecord& polygon = Polygons[used.polygons];
-    polygon = {static_cast<uint8_t>(corners.size()),     texture, SHADE_POINT_LIGHT, 0, 0,
-               static_cast<uint16_t>(used.polyVertices), 0};
-    for (const Corner& corner : corners) {
-        Vertices[used.polyVertices++] = {used.points, corner.u, corner.v, corner.intensity};
-        ViewPoint& point = Points[used.points];
-        point.x = corner.x;
-        point.y = corner.y;
-        point.z = corner.z;
-        WorldPoints[used.points].position = {corner.x, corner.y, corner.z};
-        Outcodes[used.points++] =
-            static_cast<uint8_t>((corner.x > corner.z ? OUT_RIGHT : 0) | (corner.x < -corner.z ? OUT_LEFT : 0) |
-                                 (corner.y > corner.z ? OUT_TOP : 0) | (corner.y < -corner.z ? OUT_BOTTOM : 0));
-    }
-    return static_cast<int32_t>(used.polygons++);
+    ShadedPolygons = 0;
 }
 
 void MakeFrame(int32_t width, int32_t height, int32_t pitch) {
@@ -137,7 +96,7 @@ DisplayContext Display;
 uint8_t DisplayState;
 
 std::FILE* HostOpenFile(const char* path, const char* mode) {
-    Recorded.files.push_back(path);
+    OpenedFiles.push_back(path);
     if (mode[0] == 'w') return std::tmpfile();
     std::vector<uint8_t>& file = std::string(path).ends_with(".3df") ? GlideFiles[path] : File;
     return file.empty() ? nullptr : fmemopen(file.data(), file.size(), "rb");
@@ -148,20 +107,14 @@ bool OpenSoftwareDisplay(HWND) {
     return true;
 }
 
-void PresentDisplay() {
-    Recorded.order += 'W';
-}
+void PresentDisplay() {}
 
 bool SetPaletteRange(const uint8_t*, DisplayContext&, uint8_t, uint8_t) {
-    Recorded.order += 'P';
     return true;
 }
 
-void GenerateNodeRadii() {
-    Recorded.order += 'R';
-}
+void GenerateNodeRadii() {}
 
-void ShadePolygon(int32_t polygon) {
-    Recorded.order += 'S';
-    Recorded.shaded.push_back(polygon);
+void ShadePolygon(int32_t) {
+    ShadedPolygons++;
 }

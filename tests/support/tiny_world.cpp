@@ -99,6 +99,25 @@ std::vector<Corners> BlockSides(const Vec3& lowest, const Vec3& highest) {
     return BoxSides(lowest, highest, true);
 }
 
+int32_t AppendPolygon(const std::vector<ViewCorner>& corners, uint8_t texture) {
+    const WorldGeometryTables& world = WorldGeometry;
+    GeometryCounts& used = WorldGeometry.used;
+    world.polygons[used.polygons] = {static_cast<uint8_t>(corners.size()),     texture, SHADE_POINT_LIGHT, 0, 0,
+                                     static_cast<uint16_t>(used.polyVertices), 0};
+    for (const ViewCorner& c : corners) {
+        world.polyVertices[used.polyVertices++] = {used.points, c.u, c.v, c.intensity};
+        ViewPoint& point = world.viewPoints[used.points];
+        point = {};
+        point.x = c.x;
+        point.y = c.y;
+        point.z = c.z;
+        world.points[used.points] = {{c.x, c.y, c.z}, {}};
+        world.outcodes[used.points++] = static_cast<uint8_t>((c.x > c.z ? OUT_RIGHT : 0) | (c.x < -c.z ? OUT_LEFT : 0) |
+                                                             (c.y > c.z ? OUT_TOP : 0) | (c.y < -c.z ? OUT_BOTTOM : 0));
+    }
+    return static_cast<int32_t>(used.polygons++);
+}
+
 TinyWorld::~TinyWorld() {
     WorldGeometry = {};
 }

@@ -18,6 +18,13 @@ Corners FacingSquare(const Vec3& centre, const Vec3& towardsViewer, float halfSi
 std::vector<Corners> RoomSides(const Vec3& lowest, const Vec3& highest);
 std::vector<Corners> BlockSides(const Vec3& lowest, const Vec3& highest);
 
+// A polygon in camera space behind all that WorldGeometry uses, with a point of its own for every corner, outcodes of
+// the four sides and plane 0. Returns its number.
+struct ViewCorner {
+    float x, y, z, u, v, intensity;
+};
+int32_t AppendPolygon(const std::vector<ViewCorner>& corners, uint8_t texture = 0);
+
 class TinyWorld {
 public:
     TinyWorld() = default;
