@@ -18,12 +18,13 @@ protected:
     void SetUp() override {
         PoolFixture::SetUp();
         world_.AddLeaf({{{-500, 0, -500}, {500, 0, -500}, {500, 0, 500}, {-500, 0, 500}}});
+        world_.Publish();
         Restart();
     }
 
     void Restart() {
         FreshPool(0x10000);
-        world_.Publish();
+        WorldGeometry.used = WorldGeometry.fixed = WorldGeometry.file;
         CharPointBase = WorldGeometry.used.points;
         CharPolyBase = WorldGeometry.used.polygons;
     }
