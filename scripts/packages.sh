@@ -20,6 +20,7 @@ module  freetype2    libfreetype-dev
 module  tomlplusplus libtomlplusplus-dev
 header  tiny_gltf.h  libtinygltf-dev
 header  meshoptimizer.h libmeshoptimizer-dev
+header  embree3/rtcore.h libembree-dev
 font    DejaVuSans   fonts-dejavu-core
 "
 CHECK="

@@ -18,6 +18,7 @@ namespace {
 constexpr int SLOT_END = 500;
 constexpr int TEXELS_MIN = 8;
 constexpr int TEXELS_MAX = 128;
+constexpr int LIGHT_MAX = 1000;
 constexpr std::array<std::pair<const char*, unsigned>, 4> FLAG_NAMES{
     {{"clip", MATERIAL_CLIP}, {"sky", MATERIAL_SKY}, {"liquid", MATERIAL_LIQUID}, {"cutout", MATERIAL_CUTOUT}}};
 
@@ -36,11 +37,34 @@ int ParseNumber(const std::string& word, const char* what, const Place& place) {
     return value;
 }
 
-unsigned ParseFlag(const std::string& word, const Place& place) {
-    for (const auto& [name, flag] : FLAG_NAMES) {
-        if (word == name) return flag;
+Rgba ParseColour(const std::string& word, const Place& place) {
+    unsigned value = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value, 16);
+    if (error != std::errc() || end != word.data() + word.size() || word.size() != 6) {
+        Refuse(place.file, place.line, fmt::format("\"{}\" is not a colour", word), "write colour=rrggbb");
     }
-    Refuse(place.file, place.line, fmt::format("unknown flag \"{}\"", word), "flags are clip, sky, liquid and cutout");
+    return {static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value), 255};
+}
+
+void ParseWord(const std::string& word, const Place& place, Material& material) {
+    for (const auto& [name, flag] : FLAG_NAMES) {
+        if (word != name) continue;
+        material.flags |= flag;
+        return;
+    }
+    const size_t equals = std::min(word.find('='), word.size() - 1);
+    const std::string key = word.substr(0, equals);
+    const std::string value = word.substr(equals + 1);
+    if (key == "colour") {
+        material.colour = ParseColour(value, place);
+    } else if (key == "cover") {
+        material.cover = ParseNumber(value, "cover", place);
+    } else if (key == "light") {
+        material.light = ParseNumber(value, "light", place);
+    } else {
+        Refuse(place.file, place.line, fmt::format("unknown flag \"{}\"", word),
+               "flags are clip, sky, liquid and cutout; colour=, cover= and light= take values");
+    }
 }
 
 void CheckMaterial(const Material& material, const Place& place) {
@@ -53,6 +77,11 @@ void CheckMaterial(const Material& material, const Place& place) {
         Refuse(place.file, place.line,
                fmt::format("{} is {} x {} texels", material.name, material.width, material.height),
                fmt::format("sizes are powers of two from {} to {}", TEXELS_MIN, TEXELS_MAX));
+    }
+    if (material.cover < 0 || material.cover > 100 || material.light < 0 || material.light > LIGHT_MAX) {
+        Refuse(place.file, place.line,
+               fmt::format("{} has a cover of {} and a light of {}", material.name, material.cover, material.light),
+               fmt::format("use 0..100 and 0..{}", LIGHT_MAX));
     }
     const bool isWord = !material.name.empty() && material.name.find_first_of(" \t\r\n#\"") == std::string::npos;
     if (!isWord) {
@@ -71,7 +100,7 @@ Material ParseMaterial(const std::vector<std::string>& words, const Place& place
     material.width = ParseNumber(words[2], "width", place);
     material.height = ParseNumber(words[3], "height", place);
     for (size_t i = 4; i < words.size(); ++i)
-        material.flags |= ParseFlag(words[i], place);
+        ParseWord(words[i], place, material);
     CheckMaterial(material, place);
     return material;
 }
@@ -87,6 +116,17 @@ std::vector<std::string> WordsOf(const std::string& line) {
 void RefuseTwice(const Material& material, const Place& place) {
     Refuse(place.file, place.line, fmt::format("the material {} is listed twice", material.name),
            "give each material its own name");
+}
+
+std::string LineOf(const Material& material) {
+    std::string line = fmt::format("{} {} {} {}", material.slot, material.name, material.width, material.height);
+    line += fmt::format(" colour={:02x}{:02x}{:02x}", material.colour.r, material.colour.g, material.colour.b);
+    if (material.cover != 100) line += fmt::format(" cover={}", material.cover);
+    if (material.light != 0) line += fmt::format(" light={}", material.light);
+    for (const auto& [name, flag] : FLAG_NAMES) {
+        if (material.flags & flag) line += fmt::format(" {}", name);
+    }
+    return line + '\n';
 }
 
 }  // namespace
@@ -113,15 +153,11 @@ void WriteMaterialList(const std::filesystem::path& path, const std::vector<Mate
               [](const Material& a, const Material& b) { return std::tie(a.slot, a.name) < std::tie(b.slot, b.name); });
     const Place place{path.string(), 0};
     std::set<std::string> names;
-    std::string text = "# slot name width height flags\n";
+    std::string text = "# slot name width height, how light takes it, flags\n";
     for (const Material& material : sorted) {
         CheckMaterial(material, place);
         if (!names.insert(material.name).second) RefuseTwice(material, place);
-        text += fmt::format("{} {} {} {}", material.slot, material.name, material.width, material.height);
-        for (const auto& [name, flag] : FLAG_NAMES) {
-            if (material.flags & flag) text += fmt::format(" {}", name);
-        }
-        text += '\n';
+        text += LineOf(material);
     }
     WriteWholeFile(path, {text.begin(), text.end()});
 }

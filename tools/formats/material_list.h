@@ -1,12 +1,17 @@
 // The materials that a map may use and the texture slot each name stands for. texc writes the list, mapc reads it.
 //
 // Text, one material a line, '#' starts a comment:
-//     slot name width height [flag...]
-//     17 brick/wall 128 64
+//     slot name width height [word...]
+//     17 brick/wall 128 64 colour=7a3c28
+//     12 fence 64 64 colour=707070 cover=35 cutout
 //     60 clip 8 8 clip
 // slot: 0..499; brushes of a world may use 0..92 only. name: any text without blanks, as the map writes it, used once.
-// width, height: texels, a power of two, 8..128. Several names may share a slot.
+// width, height: texels, a power of two, 8..128. Several names may share a slot. The other words are flags, and how the
+// material looks to light: its mean colour (red, green, blue; grey when missing), the percentage of its texels that are
+// not hole (100), and the light byte that it sheds (0..1000, 0 when missing) on a surface that sees nothing else.
 #pragma once
+
+#include "formats/image.h"
 
 #include <filesystem>
 #include <string>
@@ -24,6 +29,9 @@ struct Material {
     int width = 0;
     int height = 0;
     unsigned flags = 0;  // MATERIAL_*
+    Rgba colour{128, 128, 128, 255};
+    int cover = 100;
+    int light = 0;
 };
 
 std::vector<Material> ReadMaterialList(const std::filesystem::path& path);  // in file order

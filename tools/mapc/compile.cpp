@@ -10,6 +10,8 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
+
 namespace {
 
 std::string PlaceText(const Vec3& p) {
@@ -71,12 +73,28 @@ void CheckContacts(const MapFile& map, const Contacts& contacts, const Placement
            "simplify the brushes around that place");
 }
 
+void AddLight(const LightSources& sources, const BakeOptions& options, CompiledLevel& compiled) {
+    const auto begin = std::chrono::steady_clock::now();
+    LitWorld lit = LightWorld(compiled.world, sources, options);
+    compiled.light = std::move(lit.file);
+    compiled.rays = lit.rays;
+    compiled.lightSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+// What shines must not lend its brightness to the surface beside it, with which it shares points.
+void LightShiningPerCorner(Brushes& brushes) {
+    for (FaceTexture& texture : brushes.textures)
+        texture.cornerLight = texture.cornerLight || texture.material->light > 0;
+}
+
 std::string ReportOf(const CompiledLevel& level) {
     std::string report;
     for (const Count& count : level.counts) {
         report += fmt::format("{:>9} of {:>8}  {}\n", count.value, count.limit, count.name);
     }
     report += fmt::format("{:>9} of {:>8}  polygons touched at one place\n", level.contacts.count, CONTACTS_MAX);
+    report += fmt::format("{:>9.2f} seconds of light: {} rays, {:.1f} million a second\n", level.lightSeconds,
+                          level.rays, static_cast<double>(level.rays) / (level.lightSeconds * 1e6));
     return report;
 }
 
@@ -107,25 +125,27 @@ void WriteAllOrNothing(const std::vector<OutputFile>& files) {
 
 }  // namespace
 
-CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level) {
+CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level,
+                         const BakeOptions& bake) {
     CheckEntities(map);
     const LevelSettings settings = ReadSettings(map);
     const std::vector<PointLight> lights = ReadLights(map);
     const PlayerStart start = FindPlayerStart(map);
     Brushes brushes = BuildBrushes(map, materials);
+    LightShiningPerCorner(brushes);
     CheckStart(map, brushes, start);
+    CheckLights(map, brushes, lights);
     CompiledLevel compiled;
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
 
     Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes);
-    const auto lightOf = [&](const WorldFile& world) {
-        return LightWorld(world, settings, lights, compiled.placement);
-    };
-    if (settings.subdivide > 0) {
+    const LightSources sources{settings, lights, brushes, materials, compiled.placement};
+    if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
         const LightGrid grid{settings.subdivide / settings.scale, settings.scale};
         const WorldFile whole = CutOnWholeGrid(map, tree, brushes, compiled.placement, grid);
-        const SurfaceLight light(whole, lightOf(whole).pointLight, compiled.placement);
-        TessellateWhereLightBends(tree, brushes.planes, grid, light, settings.lightTolerance);
+        const LitWorld lit = LightWorld(whole, sources, {LightQuality::Fast, bake.threads, {}});
+        TessellateWhereLightBends(tree, brushes.planes, grid, {whole, lit.file.pointLight, compiled.placement},
+                                  settings.lightTolerance);
     }
     const Mesh mesh = MeshOf(tree, brushes);
     CheckMesh(map.name, tree, mesh);
@@ -134,7 +154,7 @@ CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materi
     CheckCounts(map.name, compiled.counts);
     compiled.contacts = MostContacts(compiled.world);
     CheckContacts(map, compiled.contacts, compiled.placement);
-    compiled.light = lightOf(compiled.world);
+    AddLight(sources, bake, compiled);
     return compiled;
 }
 
@@ -142,7 +162,8 @@ std::string CompileToFiles(const CompileFiles& files) {
     const std::string name = files.level > 0 ? LevelSlotOf(files.level).worldName : files.map.stem().string();
     const std::filesystem::path pathFile = files.output / (name + ".pts");
     try {
-        const CompiledLevel level = CompileMap(ReadMapFile(files.map), ReadMaterialList(files.materials), files.level);
+        const CompiledLevel level =
+            CompileMap(ReadMapFile(files.map), ReadMaterialList(files.materials), files.level, files.bake);
         WriteAllOrNothing({{files.output / (name + ".bgm"), EncodeWorld(level.world)},
                            {files.output / "lights.lmp", EncodeLightMap(level.light)},
                            {files.output / "lights.alt", EncodeLightSlots(level.slots)}});

@@ -4,6 +4,7 @@
 #include "formats/error.h"
 #include "formats/light_files.h"
 #include "formats/material_list.h"
+#include "mapc/bake.h"
 #include "mapc/limits.h"
 #include "mapc/map_file.h"
 
@@ -16,6 +17,8 @@ struct CompiledLevel {
     Placement placement;
     std::vector<Count> counts;
     Contacts contacts;
+    size_t rays = 0;          // of the light
+    double lightSeconds = 0;  // that it took
 };
 
 // A level that is not sealed. The path leads from info_player_start to the outside, in map space.
@@ -26,13 +29,15 @@ public:
 };
 
 // level: 1..8, or 0 to leave the map where it is. ContentError (LeakError) when the map cannot become a level.
-CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level);
+CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level,
+                         const BakeOptions& bake = {});
 
 struct CompileFiles {
     std::filesystem::path map;
     std::filesystem::path materials;
     std::filesystem::path output;  // folder
     int level = 0;
+    BakeOptions bake{};
 };
 
 // Writes <output>/<name>.bgm, lights.lmp and lights.alt and returns a report for the user. name: the level's world

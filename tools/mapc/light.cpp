@@ -1,49 +1,67 @@
 #include "mapc/light.h"
 
+#include "formats/error.h"
+
+#include <fmt/format.h>
+
 namespace {
 
-struct Lamp {
-    Vec3 position;  // engine space
-    double brightness = 0;
-    double radius = 0;
-};
+constexpr size_t SLOT_COUNT = 256;
+constexpr double SKY_DEPTH =
+    0.5;  // engine units: sky faces lie that deep, so that what is drawn in the same place wins
+// Light bytes above the first are pressed together below the second, so that walls beside lamps keep their shape.
+constexpr double PRESSED_FROM = 80;
+constexpr double LIGHT_MAX = 127;
 
-Vec3 Widened(const WorldVector& v) {
-    return {v[0], v[1], v[2]};
+double Luminance(const Material& material) {
+    return (0.299 * material.colour.r + 0.587 * material.colour.g + 0.114 * material.colour.b) / 255;
 }
 
-// Linear in the distance and in the cosine of the angle.
-double LightFrom(const Lamp& lamp, const Vec3& p, const Vec3& outward) {
-    const Vec3 way = lamp.position - p;
-    const double distanceSquared = LengthSquared(way);
-    if (distanceSquared >= lamp.radius * lamp.radius) return 0;
-    const double distance = std::sqrt(distanceSquared);
-    const double cosine = distance > 0 ? Dot(way, outward) / distance : 1;
-    return cosine > 0 ? lamp.brightness * (1 - distance / lamp.radius) * cosine : 0;
+std::vector<SurfaceLook> LooksOf(const std::vector<Material>& materials) {
+    std::vector<SurfaceLook> looks(SLOT_COUNT);
+    for (const Material& material : materials) {
+        if (material.slot >= static_cast<int>(SLOT_COUNT)) continue;
+        const bool drawn = !(material.flags & (MATERIAL_CLIP | MATERIAL_SKY));
+        looks[static_cast<size_t>(material.slot)] = {drawn, Luminance(material), material.cover / 100.0,
+                                                     static_cast<double>(material.light)};
+    }
+    return looks;
 }
 
-class LightPass {
-public:
-    LightPass(const LevelSettings& settings, const std::vector<PointLight>& lights, const Placement& placement)
-        : ambient_(settings.ambient) {
-        for (const PointLight& light : lights) {
-            lamps_.push_back({placement.ToEngine(light.origin), light.brightness, light.radius * placement.scale});
+std::vector<Winding> SkyFaces(const Brushes& brushes, const Placement& placement) {
+    std::vector<Winding> faces;
+    for (const Brush& brush : brushes.list) {
+        if (brush.kind != BrushKind::Solid) continue;
+        for (const BrushSide& side : brush.sides) {
+            if (side.texture >= 0) continue;
+            const Vec3 inward = placement.Turned(-brushes.planes[side.plane].normal);
+            Winding& face = faces.emplace_back();
+            for (const Vec3& p : side.winding)
+                face.push_back(placement.ToEngine(p) + inward * SKY_DEPTH);
         }
     }
+    return faces;
+}
 
-    int8_t LightAt(const WorldVector& position, const WorldVector& inward) const {
-        const Vec3 p = Widened(position);
-        const Vec3 outward = -Widened(inward);
-        double sum = ambient_;
-        for (const Lamp& lamp : lamps_)
-            sum += LightFrom(lamp, p, outward);
-        return static_cast<int8_t>(std::clamp(sum, 0.0, 127.0));
+BakeInput InputOf(const WorldFile& world, const LightSources& sources) {
+    const LevelSettings& settings = sources.settings;
+    const Placement& placement = sources.placement;
+    BakeInput input{world, LooksOf(sources.materials), SkyFaces(sources.brushes, placement), {}, {}};
+    for (const PointLight& light : sources.lights) {
+        input.lamps.push_back({placement.ToEngine(light.origin), light.brightness, light.radius * placement.scale});
     }
+    const Vec3 toSun = placement.Turned(-settings.sunDirection);
+    input.surroundings = {toSun * (1 / Length(toSun)), settings.sun,   settings.skyLight, settings.ambient,
+                          settings.ambientDistance,    settings.bounce};
+    return input;
+}
 
-private:
-    double ambient_;
-    std::vector<Lamp> lamps_;
-};
+int8_t LightByte(double light) {
+    constexpr double ROOM = LIGHT_MAX - PRESSED_FROM;
+    const double above = light - PRESSED_FROM;
+    const double pressed = above > 0 ? PRESSED_FROM + ROOM * above / (ROOM + above) : light;
+    return static_cast<int8_t>(std::clamp(std::floor(pressed + 0.5), 0.0, LIGHT_MAX));
+}
 
 void SetLevelValues(const LevelSettings& settings, LightMapFile& file) {
     const auto hundredths = [](double value) { return static_cast<int16_t>(std::floor(value * 100 + 0.5)); };
@@ -59,28 +77,35 @@ void SetLevelValues(const LevelSettings& settings, LightMapFile& file) {
     }
 }
 
-void LightCorners(const WorldFile& world, const LightPass& pass, LightMapFile& file) {
-    for (size_t i = 0; i < world.polygons.size(); ++i) {
-        const WorldPolygon& polygon = world.polygons[i];
-        if (polygon.shading != WORLD_CORNER_LIGHT) continue;
-        file.cornerLight.resize(i + 1);
-        for (size_t k = 0; k < polygon.cornerCount; ++k) {
-            const WorldCorner& corner = world.corners[polygon.firstCorner + k];
-            file.cornerLight[i][k] =
-                pass.LightAt(world.points[corner.point].position, world.planes[polygon.plane].normal);
-        }
-    }
-}
-
 }  // namespace
 
-LightMapFile LightWorld(const WorldFile& world, const LevelSettings& settings, const std::vector<PointLight>& lights,
-                        const Placement& placement) {
-    const LightPass pass(settings, lights, placement);
-    LightMapFile file;
-    for (const WorldPoint& point : world.points)
-        file.pointLight.push_back(pass.LightAt(point.position, point.normal));
-    LightCorners(world, pass, file);
-    SetLevelValues(settings, file);
-    return file;
+void CheckLights(const MapFile& map, const Brushes& brushes, const std::vector<PointLight>& lights) {
+    std::string buried;
+    for (const PointLight& light : lights) {
+        for (const Brush& brush : brushes.list) {
+            const bool stopsLight = brush.kind == BrushKind::Solid || brush.kind == BrushKind::Detail;
+            if (!stopsLight || !brush.Holds(light.origin, brushes.planes, 0)) continue;
+            const Vec3& p = light.origin;
+            buried += fmt::format("{}{}:{}: the light at ({} {} {}) is inside the brush of line {}",
+                                  buried.empty() ? "" : "\n", map.name, light.line, p.x, p.y, p.z, brush.line);
+            break;
+        }
+    }
+    if (!buried.empty()) throw ContentError(buried + ": move it into the open");
+}
+
+LitWorld LightWorld(const WorldFile& world, const LightSources& sources, const BakeOptions& options) {
+    const BakedLight baked = BakeLight(InputOf(world, sources), options);
+    const double exposure = sources.settings.exposure;
+    LitWorld lit;
+    lit.rays = baked.rays;
+    for (const double light : baked.points)
+        lit.file.pointLight.push_back(LightByte(light * exposure));
+    for (const auto& corners : baked.corners) {
+        auto& bytes = lit.file.cornerLight.emplace_back();
+        std::transform(corners.begin(), corners.end(), bytes.begin(),
+                       [&](double light) { return LightByte(light * exposure); });
+    }
+    SetLevelValues(sources.settings, lit.file);
+    return lit;
 }

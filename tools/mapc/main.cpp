@@ -1,11 +1,23 @@
 #include "formats/error.h"
+#include "mapc/bake_threads.h"
 #include "mapc/compile.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdio>
+
+namespace {
+
+void ShowProgress(double part) {
+    fmt::print(stderr, "\rlight {:3.0f} %{}", part * 100, part < 1 ? "" : "\r            \r");
+    std::fflush(stderr);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     CLI::App app("Compiles a map into a level: world, light map and light slots.");
@@ -15,7 +27,14 @@ int main(int argc, char** argv) {
     app.add_option("--output", files.output, "the folder to write to")->required();
     app.add_option("--level", files.level, "place the map as this level of the game")
         ->check(CLI::Range(1, LEVEL_COUNT));
+    bool fast = false;
+    app.add_flag("--fast", fast, "a quick look: coarser light, and none that surfaces throw back");
+    app.add_option("--threads", files.bake.threads, "how many threads work on the light")
+        ->default_val(ThreadCount())
+        ->check(CLI::Range(1, 256));
     CLI11_PARSE(app, argc, argv);
+    if (fast) files.bake.quality = LightQuality::Fast;
+    if (isatty(STDERR_FILENO)) files.bake.progress = ShowProgress;
     const auto begin = std::chrono::steady_clock::now();
     try {
         const std::string report = CompileToFiles(files);

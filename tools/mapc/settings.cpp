@@ -42,7 +42,7 @@ PointLight LightOf(const MapFile& map, const MapEntity& entity) {
     const std::optional<Vec3> origin = VectorKey(map, entity, "origin");
     if (!origin) Refuse(map.name, entity.line, "a light has no origin", "place it in the map");
     PointLight light{*origin, InRange(map, entity, "light", LIGHT_DEFAULT, -127, 1000),
-                     InRange(map, entity, "radius", RADIUS_DEFAULT, 1, 100000)};
+                     InRange(map, entity, "radius", RADIUS_DEFAULT, 1, 100000), entity.line};
     if (const std::optional<Vec3> colour = VectorKey(map, entity, "_color")) light.brightness *= BrightnessOf(*colour);
     return light;
 }
@@ -68,6 +68,15 @@ LevelSettings ReadSettings(const MapFile& map) {
     settings.lightLevel = number("light_level", settings.lightLevel, 0, 2);
     settings.contrast = number("contrast", settings.contrast, 0, 10);
     settings.ambient = number("ambient", settings.ambient, 0, 127);
+    settings.ambientDistance = number("ambient_distance", settings.ambientDistance, 1, 100000);
+    settings.sun = number("sun", settings.sun, 0, 1000);
+    settings.sunDirection = VectorKey(map, world, "sun_direction").value_or(settings.sunDirection);
+    if (LengthSquared(settings.sunDirection) == 0) {
+        Refuse(map.name, world.Find("sun_direction")->line, "the sun shines in no direction", "use 0 0 -1 for noon");
+    }
+    settings.skyLight = number("sky_light", settings.skyLight, 0, 1000);
+    settings.bounce = number("bounce", settings.bounce, 0, 10);
+    settings.exposure = number("exposure", settings.exposure, 0, 10);
     settings.fadeDistance = static_cast<int>(number("fade_distance", settings.fadeDistance, 1, 1e6));
     settings.farDistance = static_cast<int>(number("far_distance", settings.farDistance, 1, 1e6));
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));

@@ -11,11 +11,17 @@ struct LevelSettings {
     double lightTolerance = 6;  // "light_tolerance": light bytes by which faces left whole may differ from the grid's
     double lightLevel = 0.6;    // "light_level": brightness of a light byte of 0; 1 shows the textures unchanged
     double contrast = 1;        // "contrast": weight of the light bytes
-    double ambient = 20;        // "ambient": light byte where no light reaches, 0..127
-    int fadeDistance = 10000;   // "fade_distance": software, everything has faded to the dark colour
-    int farDistance = 16000;    // "far_distance": software, nothing beyond is drawn
-    int lightMode = 0;          // "light_mode": 2 inverts the light
-    bool plainBrightening = false;                // "plain_brightening": all colours brighten by the same fraction
+    double ambient = 20;        // "ambient": light byte where no light reaches and nothing is near, 0..127
+    double ambientDistance = 400;   // "ambient_distance": engine units; nearer surfaces keep ambient light away
+    double sun = 0;                 // "sun": light byte of a surface that faces the sun
+    Vec3 sunDirection{1, 2, -3};    // "sun_direction": the way its light goes, map space, of any length
+    double skyLight = 0;            // "sky_light": light byte of a surface that sees nothing but sky
+    double bounce = 1;              // "bounce": weight of the light that comes back from lit surfaces
+    double exposure = 1;            // "exposure": weight of all light together
+    int fadeDistance = 10000;       // "fade_distance": software, everything has faded to the dark colour
+    int farDistance = 16000;        // "far_distance": software, nothing beyond is drawn
+    int lightMode = 0;              // "light_mode": 2 inverts the light
+    bool plainBrightening = false;  // "plain_brightening": all colours brighten by the same fraction
     std::array<int, 3> brightColour{63, 63, 63};  // "bright_color": towards which light brightens, 0..63 each
     std::array<int, 3> darkColour{0, 0, 0};       // "dark_color": towards which darkness and distance fade
 };
@@ -24,6 +30,7 @@ struct PointLight {
     Vec3 origin;            // map space
     double brightness = 0;  // "light", times the brightness of "_color": light byte at the lamp
     double radius = 0;      // "radius": map units to where it has faded to nothing
+    int line = 0;
 };
 
 LevelSettings ReadSettings(const MapFile& map);          // ContentError for a key out of its range

@@ -36,9 +36,31 @@ Image CutPicture(const Image& strip, int index) {
     return picture;
 }
 
+bool IsHole(const Rgba& pixel) {
+    return pixel.a == 0;
+}
+
 unsigned CutoutFlag(const Image& image) {
-    const auto isHole = [](const Rgba& pixel) { return pixel.a == 0; };
-    return std::any_of(image.pixels.begin(), image.pixels.end(), isHole) ? MATERIAL_CUTOUT : 0U;
+    return std::any_of(image.pixels.begin(), image.pixels.end(), IsHole) ? MATERIAL_CUTOUT : 0U;
+}
+
+// Mean colour of what is not hole, and how much that is.
+void SetLook(const Image& image, Material& material) {
+    unsigned red = 0;
+    unsigned green = 0;
+    unsigned blue = 0;
+    unsigned count = 0;
+    for (const Rgba& pixel : image.pixels) {
+        if (IsHole(pixel)) continue;
+        red += pixel.r;
+        green += pixel.g;
+        blue += pixel.b;
+        ++count;
+    }
+    material.cover = static_cast<int>(count * 100 / image.pixels.size());
+    if (count == 0) return;
+    material.colour = {static_cast<uint8_t>(red / count), static_cast<uint8_t>(green / count),
+                       static_cast<uint8_t>(blue / count), 255};
 }
 
 // Slots by number, and their pictures; several slots may show the same one.
@@ -54,7 +76,9 @@ struct Slots {
     }
     void Name(int slot, const std::string& name, unsigned flags) {
         const Image& image = images[imageOfSlot[static_cast<size_t>(slot)]];
-        list.push_back({slot, name, image.width, image.height, flags});
+        Material material{slot, name, image.width, image.height, flags};
+        SetLook(image, material);
+        list.push_back(material);
     }
 };
 
@@ -128,6 +152,12 @@ LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
         text.RefuseKey("skin", fmt::format("lists {} pictures", level.skin.size()),
                        fmt::format("use at most {}", SLOT_COUNT - SLOT_FIRST_SKIN));
     }
+    for (const Settings& shining : text.Tables("light")) {
+        for (const std::string& name : seen) {
+            if (shining.Has(name)) level.light[name] = shining.NeedInt(name, 1, 1000);
+        }
+        shining.Finish();
+    }
     text.Finish();
     return level;
 }
@@ -152,6 +182,10 @@ CompiledTextures CompileTextures(const LevelTextures& level, const std::filesyst
     compiled.list = std::move(slots.list);
     compiled.images = std::move(slots.images);
     compiled.imageOfSlot = std::move(slots.imageOfSlot);
+    for (Material& material : compiled.list) {
+        const auto found = level.light.find(material.name);
+        if (found != level.light.end()) material.light = found->second;
+    }
     return compiled;
 }
 

@@ -6,6 +6,7 @@
 #include "formats/texture_file.h"
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,7 +24,8 @@ struct LevelTextures {
     Rgba dark, ground;
     std::string animated;  // moving material, or empty
     std::vector<std::string> materials;
-    std::vector<std::string> skin = {};  // pictures of the character's skin, or none
+    std::vector<std::string> skin = {};     // pictures of the character's skin, or none
+    std::map<std::string, int> light = {};  // of materials that shed some, see the material list
 };
 
 struct NamedPicture {

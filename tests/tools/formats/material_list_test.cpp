@@ -23,12 +23,16 @@ std::string RefusalOf(const std::string& text) {
 }  // namespace
 
 TEST(MaterialList, WhatIsWrittenReadsBackInSlotOrder) {
-    WriteMaterialList(LIST,
-                      {{60, "clip", 8, 8, MATERIAL_CLIP}, {2, "brick/wall", 128, 64, 0}, {10, "lava", 64, 64, 12}});
+    WriteMaterialList(LIST, {{60, "clip", 8, 8, MATERIAL_CLIP},
+                             {2, "brick/wall", 128, 64, 0, {1, 2, 255, 255}, 35, 60},
+                             {10, "lava", 64, 64, 12}});
     const std::vector<Material> read = ReadMaterialList(LIST);
     ASSERT_EQ(read.size(), 3U);
     EXPECT_EQ(read[0].name, "brick/wall");
     EXPECT_EQ(read[0].height, 64);
+    EXPECT_EQ(read[0].colour, (Rgba{1, 2, 255, 255}));
+    EXPECT_EQ(read[0].cover, 35);
+    EXPECT_EQ(read[0].light, 60);
     EXPECT_EQ(read[1].flags, MATERIAL_LIQUID | MATERIAL_CUTOUT);
     EXPECT_EQ(read[2].slot, 60);
 }
@@ -42,6 +46,8 @@ TEST(MaterialList, BadLinesAreRefusedWithFileAndLine) {
         {"1 a 8 256", "a is 8 x 256 texels"},
         {"1 a 8 24", "a is 8 x 24 texels"},
         {"1 a 8 8 water", "unknown flag \"water\""},
+        {"1 a 8 8 colour=12345", "\"12345\" is not a colour"},
+        {"1 a 8 8 cover=101", "a has a cover of 101 and a light of 0"},
         {"1 a 8 8\n2 a 8 8", "textures.list:2: the material a is listed twice"},
     };
     for (const auto& [text, expected] : cases)

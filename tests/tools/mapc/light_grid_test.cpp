@@ -69,7 +69,7 @@ MapBuilder Hall(const std::string& tolerance) {
 
 TEST(LightGrid, EvenLightCutsNothing) {
     MapBuilder map;
-    map.Room({0, 0, 0}, {4096, 3072, 1024}).Start("64 64 64");
+    map.Key("ambient", "0").Room({0, 0, 0}, {4096, 3072, 1024}).Start("64 64 64");
     EXPECT_EQ(Compile(map).world.polygons.size(), 6U);
     map.Light("600 600 100", "\"light\" \"5\"\n");
     EXPECT_EQ(Compile(map).world.polygons.size(), 6U) << "a weak lamp is within the tolerance";

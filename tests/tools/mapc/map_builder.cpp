@@ -8,9 +8,10 @@ std::vector<Material> TestMaterials() {
             {2, "ceiling", 64, 64, 0},
             {3, "tall", 32, 128, 0},
             {10, "water", 64, 64, MATERIAL_LIQUID},
-            {5, "grate", 64, 64, MATERIAL_CUTOUT},
+            {5, "grate", 64, 64, MATERIAL_CUTOUT, {128, 128, 128, 255}, 25},
             {6, "clip", 8, 8, MATERIAL_CLIP},
             {7, "sky", 64, 64, MATERIAL_SKY},
+            {8, "panel", 64, 64, 0, {128, 128, 128, 255}, 100, 60},
             {93, "skin", 64, 64, 0}};
 }
 
@@ -103,8 +104,8 @@ std::string MapBuilder::Text() const {
     return "{\n\"classname\" \"worldspawn\"\n" + keys_ + worldBrushes_ + "}\n" + entities_ + last;
 }
 
-CompiledLevel Compile(const MapBuilder& builder, int level) {
-    return CompileMap(ParseMap(builder.Text(), "test.map"), TestMaterials(), level);
+CompiledLevel Compile(const MapBuilder& builder, int level, const BakeOptions& bake) {
+    return CompileMap(ParseMap(builder.Text(), "test.map"), TestMaterials(), level, bake);
 }
 
 std::string RefusalOf(const MapBuilder& builder, int level) {
@@ -118,7 +119,7 @@ std::string RefusalOf(const MapBuilder& builder, int level) {
 
 std::string RefusalOf(const std::string& mapText) {
     try {
-        CompileMap(ParseMap(mapText, "test.map"), TestMaterials(), 0);
+        CompileMap(ParseMap(mapText, "test.map"), TestMaterials(), 0, FAST_LIGHT);
     } catch (const ContentError& error) {
         return error.what();
     }

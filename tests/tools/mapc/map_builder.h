@@ -10,7 +10,8 @@
 
 using Corner = std::array<int, 3>;
 
-std::vector<Material> TestMaterials();  // wall floor ceiling (64 x 64) tall (32 x 128) water grate clip sky
+// wall floor ceiling (64 x 64) tall (32 x 128) water grate clip sky, and panel, which shines with 60
+std::vector<Material> TestMaterials();
 
 class MapBuilder {
 public:
@@ -38,6 +39,7 @@ private:
     std::string open_;  // entity being written
 };
 
-CompiledLevel Compile(const MapBuilder& builder, int level = 0);
+const BakeOptions FAST_LIGHT{LightQuality::Fast, 1, {}};
+CompiledLevel Compile(const MapBuilder& builder, int level = 0, const BakeOptions& bake = FAST_LIGHT);
 std::string RefusalOf(const MapBuilder& builder, int level = 0);  // "accepted" when it compiles
 std::string RefusalOf(const std::string& mapText);

@@ -115,6 +115,22 @@ TEST(CompileTextures, TheSkinFollowsTheWorld) {
     EXPECT_NEAR(textures.palette[textures.Texel(textures.slots[94], 3, 3)][0] * 255 / 63, 220, 6);
 }
 
+TEST(CompileTextures, TheListSaysHowLightTakesAMaterial) {
+    Image image(8, 8, {200, 100, 0, 255});
+    for (int x = 0; x < 8; ++x) {
+        image.At(x, 0) = {0, 0, 0, 0};
+        image.At(x, 1) = {10, 100, 19, 255};
+        image.At(x, 2) = {10, 100, 19, 255};
+    }
+    Picture("striped", image);
+    LevelTextures level = Level({"striped"});
+    level.light["striped"] = 60;
+    const Material material = Find(CompileTextures(level, FOLDER).list, "striped");
+    EXPECT_EQ(material.colour, (Rgba{(5 * 200 + 2 * 10) / 7, 100, 2 * 19 / 7, 255}));
+    EXPECT_EQ(material.cover, 87);
+    EXPECT_EQ(material.light, 60);
+}
+
 TEST(CompileTextures, EveryRunGivesTheSameBytes) {
     Picture("a", Speckled(128, 128, 20));
     Picture("b", Speckled(64, 32, 200));
@@ -154,7 +170,8 @@ TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
     for (const char* const text :
          {"dark = '#000000'\nmaterials = ['a', 'b', 'a']\n", "dark = '#000000'\nmaterials = ['sky']\n",
           "dark = '#000000'\nanimated = 'a'\nmaterials = ['a']\n", "materials = ['a']\n",
-          "dark = '#000000'\nmaterials = ['a']\nskin = ['b', 'c', 'd']\n"}) {
+          "dark = '#000000'\nmaterials = ['a']\nskin = ['b', 'c', 'd']\n",
+          "dark = '#000000'\nmaterials = ['a']\n[light]\nb = 60\n"}) {
         WriteWholeFile(FOLDER / "textures.toml", {text, text + std::string(text).size()});
         EXPECT_THROW(ReadLevelTextures(FOLDER / "textures.toml"), ContentError) << text;
     }

@@ -1,0 +1,61 @@
+// The light that falls on each point and lit corner of a world, in light bytes before rounding: lamps and the sun with
+// their shadows, surfaces that shed light themselves, the sky, what little is everywhere, and what bounces once from
+// lit surfaces. Engine space throughout. The result is the same on every processor and with any number of threads.
+#pragma once
+
+#include "formats/world_file.h"
+#include "mapc/winding.h"
+
+#include <array>
+#include <functional>
+
+struct Lamp {
+    Vec3 position;
+    double brightness = 0;  // light byte right beside it, on a surface that faces it; negative darkens
+    double radius = 0;      // where it has faded to nothing, linearly
+};
+
+// How the material of a texture slot looks to light.
+struct SurfaceLook {
+    bool drawn = true;         // what is not drawn neither catches light nor stops it
+    double reflectance = 0.5;  // 0..1
+    double cover = 1;          // below 1: the part of a cut-out's texels that is not hole
+    double light = 0;          // light byte that it gives a surface that it covers all the sight of
+};
+
+struct Surroundings {
+    Vec3 toSun{0, 1, 0};           // unit
+    double sun = 0;                // light byte of a surface that faces the sun
+    double sky = 0;                // light byte of a surface that sees nothing but sky
+    double ambient = 0;            // light byte of a surface with nothing near it
+    double ambientDistance = 400;  // nearer surfaces keep some of the ambient light away
+    double bounce = 1;             // share of the reflected light that counts
+};
+
+enum class LightQuality {
+    None,  // all light bytes 0, and no faces cut for light
+    Fast,  // fewer rays, and no bounce
+    Full
+};
+
+struct BakeOptions {
+    LightQuality quality = LightQuality::Full;
+    int threads = 1;
+    std::function<void(double)> progress;  // told now and then which part is done, at last 1
+};
+
+struct BakeInput {
+    const WorldFile& world;
+    std::vector<SurfaceLook> looks;  // by texture slot
+    std::vector<Winding> sky;        // faces that the sky shows through
+    std::vector<Lamp> lamps;
+    Surroundings surroundings;
+};
+
+struct BakedLight {
+    std::vector<double> points;                  // one a point of the world
+    std::vector<std::array<double, 8>> corners;  // one a polygon up to the last with corner light
+    size_t rays = 0;
+};
+
+BakedLight BakeLight(const BakeInput& input, const BakeOptions& options);

@@ -1,0 +1,170 @@
+#include "mapc/bake_rays.h"
+
+#include <embree3/rtcore.h>
+#include <fmt/format.h>
+
+#include <limits>
+#include <stdexcept>
+
+namespace {
+
+constexpr unsigned SOLID = 0;
+constexpr unsigned SKY = 1;
+constexpr unsigned VEIL = 2;
+// One set of instructions everywhere: the results of different ones differ.
+constexpr const char* DEVICE_SETTINGS = "isa=sse4.2,threads=1";
+constexpr float FARTHEST = 1e6F;
+constexpr float SAME_DISTANCE = 1e-5F;
+constexpr float BEFORE_END = 0.999F;  // of the way: what lies at the end itself is not between
+
+struct VeilHit {
+    unsigned veil;
+    float distance;
+};
+
+// A ray and the veils that it has gone through, in no order.
+struct VeiledQuery {
+    RTCIntersectContext context;  // first, so that the ray tracer's pointer to it leads here
+    std::array<VeilHit, 16> hits;
+    ptrdiff_t count = 0;
+
+    VeiledQuery() { rtcInitIntersectContext(&context); }
+};
+
+// Called for each veil that a ray meets: remembers it and lets the ray go on.
+void GoThrough(const RTCFilterFunctionNArguments* args) {
+    args->valid[0] = 0;
+    auto* query = reinterpret_cast<VeiledQuery*>(args->context);
+    const auto& veils = *static_cast<const std::vector<RayTriangle>*>(args->geometryUserPtr);
+    const RTCRay ray = rtcGetRayFromRayN(args->ray, args->N, 0);
+    const unsigned veil = rtcGetHitFromHitN(args->hit, args->N, 0).primID;
+    // Each cut-out body counts once: where the ray goes into it, and not for each triangle whose edge it meets there.
+    if (Dot({ray.dir_x, ray.dir_y, ray.dir_z}, FrontOf(veils[veil])) >= 0) return;
+    const auto end = query->hits.begin() + query->count;
+    const bool known = std::any_of(query->hits.begin(), end, [&](const VeilHit& other) {
+        return std::abs(other.distance - ray.tfar) <= SAME_DISTANCE * ray.tfar;
+    });
+    if (!known && end != query->hits.end()) {
+        *end = {veil, ray.tfar};
+        ++query->count;
+    }
+}
+
+// The part of the light that the veils before a distance let through.
+double PassedVeils(const VeiledQuery& query, const std::vector<double>& cover, float end) {
+    double passed = 1;
+    for (ptrdiff_t i = 0; i < query.count; ++i) {
+        const VeilHit& hit = query.hits[static_cast<size_t>(i)];
+        if (hit.distance < end) passed *= 1 - cover[hit.veil];
+    }
+    return passed;
+}
+
+RTCRay RayOf(const Vec3& from, const Vec3& direction, float far) {
+    RTCRay ray{};
+    ray.org_x = static_cast<float>(from.x);
+    ray.org_y = static_cast<float>(from.y);
+    ray.org_z = static_cast<float>(from.z);
+    ray.dir_x = static_cast<float>(direction.x);
+    ray.dir_y = static_cast<float>(direction.y);
+    ray.dir_z = static_cast<float>(direction.z);
+    ray.tfar = far;
+    ray.mask = ~0U;
+    return ray;
+}
+
+}  // namespace
+
+struct RayScene::Tracer {
+    RTCDevice device = nullptr;
+    RTCScene scene = nullptr;
+
+    Tracer() = default;
+    Tracer(const Tracer&) = delete;
+    Tracer& operator=(const Tracer&) = delete;
+    ~Tracer() {
+        rtcReleaseScene(scene);
+        rtcReleaseDevice(device);
+    }
+
+    void Check() const {
+        const RTCError error = rtcGetDeviceError(device);
+        if (error != RTC_ERROR_NONE) {
+            throw std::runtime_error(fmt::format("the ray tracer fails with error {}", static_cast<int>(error)));
+        }
+    }
+
+    void Add(unsigned id, const std::vector<RayTriangle>& triangles) {
+        if (triangles.empty()) return;
+        RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
+        auto* corner = static_cast<float*>(
+            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 12, triangles.size() * 3));
+        auto* index = static_cast<unsigned*>(
+            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 12, triangles.size()));
+        Check();
+        unsigned next = 0;
+        for (const RayTriangle& triangle : triangles) {
+            for (const Vec3& p : triangle) {
+                for (int axis = 0; axis < 3; ++axis)
+                    *corner++ = static_cast<float>(p[axis]);
+                *index++ = next++;
+            }
+        }
+        if (id == VEIL) {
+            rtcSetGeometryUserData(geometry, const_cast<std::vector<RayTriangle>*>(&triangles));
+            rtcSetGeometryIntersectFilterFunction(geometry, GoThrough);
+            rtcSetGeometryOccludedFilterFunction(geometry, GoThrough);
+        }
+        rtcCommitGeometry(geometry);
+        rtcAttachGeometryByID(scene, geometry, id);
+        rtcReleaseGeometry(geometry);
+    }
+};
+
+RayScene::RayScene(RaySurfaces surfaces) : surfaces_(std::move(surfaces)), tracer_(std::make_unique<Tracer>()) {
+    for (const RayTriangle& triangle : surfaces_.solid) {
+        const Vec3 front = FrontOf(triangle);
+        const double length = Length(front);
+        const Vec3 normal = length > 0 ? front * (1 / length) : Vec3{};
+        solidPlanes_.push_back({normal, Dot(normal, triangle[0])});
+    }
+    tracer_->device = rtcNewDevice(DEVICE_SETTINGS);
+    tracer_->Check();
+    tracer_->scene = rtcNewScene(tracer_->device);
+    rtcSetSceneFlags(tracer_->scene, RTC_SCENE_FLAG_ROBUST);  // nothing slips through between two triangles
+    tracer_->Add(SOLID, surfaces_.solid);
+    tracer_->Add(SKY, surfaces_.sky);
+    tracer_->Add(VEIL, surfaces_.veils);
+    rtcCommitScene(tracer_->scene);
+    tracer_->Check();
+}
+
+RayScene::~RayScene() = default;
+
+RayHit RayScene::Trace(const Vec3& from, const Vec3& direction) const {
+    VeiledQuery query;
+    RTCRayHit traced;
+    traced.ray = RayOf(from, direction, FARTHEST);
+    traced.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+    rtcIntersect1(tracer_->scene, &query.context, &traced);
+    RayHit hit;
+    hit.passed = PassedVeils(query, surfaces_.veilCover, traced.ray.tfar);
+    if (traced.hit.geomID == RTC_INVALID_GEOMETRY_ID) return hit;
+    if (traced.hit.geomID == SKY) {
+        hit.meets = Meets::Sky;
+        return hit;
+    }
+    hit.triangle = traced.hit.primID;
+    const Plane& plane = solidPlanes_[hit.triangle];
+    const double approach = Dot(direction, plane.normal);
+    hit.meets = approach < 0 ? Meets::Front : Meets::Back;
+    hit.distance = approach != 0 ? -plane.Distance(from) / approach : 0;
+    return hit;
+}
+
+double RayScene::Passed(const Vec3& from, const Vec3& to) const {
+    VeiledQuery query;
+    RTCRay ray = RayOf(from, to - from, BEFORE_END);
+    rtcOccluded1(tracer_->scene, &query.context, &ray);
+    return ray.tfar < 0 ? 0 : PassedVeils(query, surfaces_.veilCover, 1);
+}
