@@ -100,23 +100,25 @@ bool Attract() {
     }
 }
 
-void ChooseLevel() {
-    constexpr uint8_t CODES[] = {DIK_F1, DIK_F2, DIK_F3, DIK_F4, DIK_F5, DIK_F6, DIK_F7, DIK_F12};
+// Keys without messages, until `chosen` says so.
+template <typename Condition>
+void Choose(DWORD picture, Condition chosen) {
     Show(0);
-    Show(2);
-    for (level = 0; level == 0;) {
-        PollKeys();
-        for (int i = 0; i < 8; ++i)
-            if (keys[CODES[i]]) level = i + 1;
-    }
-}
-
-void ChooseRenderer() {
-    Show(0);
-    Show(3);
+    Show(picture);
     do
         PollKeys();
-    while (!Hit(DIK_F11) && !Hit(DIK_F12));
+    while (!chosen());
+}
+
+void ChooseLevel() {
+    constexpr uint8_t CODES[] = {DIK_F1, DIK_F2, DIK_F3, DIK_F4, DIK_F5, DIK_F6, DIK_F7, DIK_F12};
+    level = 0;
+    Choose(2, [&] {
+        for (int i = 0; i < 8; ++i)
+            if (keys[CODES[i]]) level = i + 1;
+        return level != 0;
+    });
+    Choose(3, [] { return Hit(DIK_F11) || Hit(DIK_F12); });
     std::printf("level %d %s\n", level, Hit(DIK_F11) ? "software" : "accelerator");
     Show(0);
 }
@@ -124,10 +126,7 @@ void ChooseRenderer() {
 bool FrontEnd() {
     OpenDisplay(640, 480, 16);
     const bool start = Attract();
-    if (start) {
-        ChooseLevel();
-        ChooseRenderer();
-    }
+    if (start) ChooseLevel();
     CloseDisplay();
     return start;
 }

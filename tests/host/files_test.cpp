@@ -22,7 +22,6 @@ protected:
         std::ofstream(folder_ / "frontend" / "TITLE.bmp") << "upper";
         std::ofstream(folder_ / "frontend" / "title.bmp") << "lower";
         std::ofstream(folder_ / "game" / "Data" / "zero.msh") << "mesh";
-        std::ofstream(folder_ / "empty").flush();
         SetTestDataFolder(folder_.string());
     }
 
@@ -43,41 +42,27 @@ TEST_F(Files, AreFoundWithBackslashesAndInAnyCaseTheExactNameFirst) {
 }
 
 TEST_F(Files, AreOpenedOnlyWhenTheyAreFiles) {
-    EXPECT_EQ(HostOpenFile("game", "rb"), nullptr);
-    EXPECT_EQ(HostOpenFile("game\\none", "rb"), nullptr);
-    std::FILE* file = HostOpenFile("Game\\NEW.raw", "wb");
-    ASSERT_NE(file, nullptr);
-    std::fclose(file);
-    EXPECT_TRUE(fs::exists(Below("game/NEW.raw")));
-}
-
-TEST_F(Files, AreReadThroughHandles) {
     const auto open = [](const char* path) {
         return CreateFileA(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     };
-    EXPECT_EQ(open("none"), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(open("game"), INVALID_HANDLE_VALUE);
-    HANDLE file = open("game\\data\\zero.msh");
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetFileSize(file, nullptr), 4u);
-    char text[8] = {};
-    DWORD got = 0;
-    EXPECT_TRUE(ReadFile(file, text, sizeof text, &got, nullptr)) << "the end of the file is no failure";
-    EXPECT_EQ(std::string(text, got), "mesh");
-    EXPECT_TRUE(CloseHandle(file));
-    file = open("EMPTY");
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetFileSize(file, nullptr), 0u);
-    EXPECT_TRUE(CloseHandle(file));
-}
-
-TEST_F(Files, AFatalMessageNamesTheFileAndTheFolderSearched) {
-    testing::internal::CaptureStderr();
-    HostReportFatal("Can't load the world.\n", "game\\world.bgm");
-    const std::string text = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(text, "tarnwick: Can't load the world.\ngame\\world.bgm (looked for in " + folder_.string() + ")\n");
-    ASSERT_EQ(TestMachine.messageBoxes.size(), 1u);
-    EXPECT_EQ("tarnwick: " + TestMachine.messageBoxes[0] + "\n", text);
+    for (const char* path : {"game", "game\\none"}) {
+        EXPECT_EQ(HostOpenFile(path, "rb"), nullptr);
+        EXPECT_EQ(open(path), INVALID_HANDLE_VALUE);
+    }
+    std::FILE* created = HostOpenFile("Game\\NEW.raw", "wb");
+    ASSERT_NE(created, nullptr);
+    std::fclose(created);
+    EXPECT_TRUE(fs::exists(Below("game/NEW.raw")));
+    for (const auto& [path, text] : {std::pair{"game\\data\\zero.msh", "mesh"}, {"game\\new.RAW", ""}}) {
+        HANDLE file = open(path);
+        ASSERT_NE(file, INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetFileSize(file, nullptr), std::string(text).size());
+        char read[8] = {};
+        DWORD got = 0;
+        EXPECT_TRUE(ReadFile(file, read, sizeof read, &got, nullptr)) << "the end of the file is no failure";
+        EXPECT_EQ(std::string(read, got), text);
+        EXPECT_TRUE(CloseHandle(file));
+    }
 }
 
 }  // namespace

@@ -36,13 +36,7 @@ HostFolder::~HostFolder() {
 }
 
 HostOutcome HostFolder::Run(const std::vector<std::string>& options, GameMain game) const {
-    std::vector<std::string> all = {"--headless", "--data", "data"};
-    all.insert(all.end(), options.begin(), options.end());
-    return RunBare(all, game);
-}
-
-HostOutcome HostFolder::RunBare(const std::vector<std::string>& options, GameMain game) const {
-    std::vector<std::string> words = {"tarnwick"};
+    std::vector<std::string> words = {"tarnwick", "--headless", "--data", "data"};
     words.insert(words.end(), options.begin(), options.end());
     std::fflush(nullptr);
     const pid_t child = fork();

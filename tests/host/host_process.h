@@ -19,7 +19,6 @@ public:
 
     // The options --headless and --data are given already, but for a test of them.
     HostOutcome Run(const std::vector<std::string>& options, GameMain game) const;
-    HostOutcome RunBare(const std::vector<std::string>& options, GameMain game) const;
     void Write(const std::string& name, const std::string& text) const;
     std::string Read(const std::string& name) const;
     std::string Path(const std::string& name) const { return (folder_ / name).string(); }

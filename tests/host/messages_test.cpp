@@ -15,10 +15,6 @@ LRESULT Procedure(HWND, UINT message, WPARAM wParam, LPARAM) {
     return static_cast<LRESULT>(wParam);
 }
 
-HWND OpenWindow(const char* className = "Game") {
-    return CreateWindowExA(0, className, "Game", 0, 0, 0, 640, 480, nullptr, nullptr, nullptr, nullptr);
-}
-
 class Messages : public testing::Test {
 protected:
     void SetUp() override {
@@ -26,34 +22,23 @@ protected:
         WNDCLASSA windowClass{};
         windowClass.lpfnWndProc = Procedure;
         windowClass.lpszClassName = "Game";
-        ASSERT_NE(RegisterClassA(&windowClass), 0);
-        EXPECT_EQ(RegisterClassA(&windowClass), 0) << "a name is taken once";
+        RegisterClassA(&windowClass);
+        window_ = CreateWindowExA(0, "Game", "Game", 0, 0, 0, 640, 480, nullptr, nullptr, nullptr, nullptr);
     }
 
     BOOL Peek() { return PeekMessageA(&message_, nullptr, 0, 0, PM_REMOVE); }
 
+    HWND window_ = nullptr;
     MSG message_{};
 };
 
-TEST_F(Messages, TheWindowComesOnceAndOnlyWithItsClassAndAMachineThatOpensIt) {
-    EXPECT_EQ(OpenWindow("Other"), nullptr);
-    TestMachine.windowOpens = false;
-    EXPECT_EQ(OpenWindow(), nullptr);
-    TestMachine.windowOpens = true;
-    const HWND window = OpenWindow();
-    EXPECT_NE(window, nullptr);
-    EXPECT_EQ(GetActiveWindow(), window);
-    EXPECT_EQ(OpenWindow(), nullptr);
-}
-
 TEST_F(Messages, ComeInOrderAndQuitComesLastAndOnce) {
-    const HWND window = OpenWindow();
     PostQuitMessage(7);
     PostToWindow(MM_MCINOTIFY, 1, 2);
     PostToWindow(WM_SYSKEYDOWN, VK_TAB, 0);
     ASSERT_TRUE(Peek());
     EXPECT_EQ(message_.message, MM_MCINOTIFY);
-    EXPECT_EQ(message_.hwnd, window);
+    EXPECT_EQ(message_.hwnd, window_);
     EXPECT_EQ(DispatchMessageA(&message_), 1);
     EXPECT_EQ(lastDispatched, MM_MCINOTIFY);
     ASSERT_TRUE(Peek());
@@ -66,7 +51,6 @@ TEST_F(Messages, ComeInOrderAndQuitComesLastAndOnce) {
 }
 
 TEST_F(Messages, AChangeOfFocusIsToldOnce) {
-    OpenWindow();
     DeviceFocus(true);
     EXPECT_FALSE(Peek());
     DeviceFocus(false);
@@ -78,7 +62,6 @@ TEST_F(Messages, AChangeOfFocusIsToldOnce) {
 }
 
 TEST_F(Messages, WaitingEndsWithAMessageThatWasNotThereAtTheLastPeek) {
-    OpenWindow();
     EXPECT_FALSE(Peek());
     int turns = 0;
     TestMachine.onWait = [&] {
@@ -95,19 +78,11 @@ TEST_F(Messages, WaitingEndsWithAMessageThatWasNotThereAtTheLastPeek) {
     EXPECT_EQ(turns, 3);
 }
 
-TEST_F(Messages, TheCursorsCountStartsAtZero) {
-    EXPECT_EQ(ShowCursor(FALSE), -1);
-    EXPECT_EQ(ShowCursor(FALSE), -2);
-    EXPECT_EQ(ShowCursor(TRUE), -1);
-    EXPECT_EQ(ShowCursor(TRUE), 0);
-}
-
 TEST_F(Messages, AChangeOfModeIsToldAndMeasured) {
-    const HWND window = OpenWindow();
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 1024);
     IDirectDraw* directDraw = nullptr;
     DirectDrawCreate(nullptr, &directDraw, nullptr);
-    directDraw->SetCooperativeLevel(window, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN);
+    directDraw->SetCooperativeLevel(window_, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN);
     EXPECT_EQ(directDraw->SetDisplayMode(640, 480, 24), DDERR_UNSUPPORTEDMODE);
     EXPECT_FALSE(Peek());
     EXPECT_EQ(directDraw->SetDisplayMode(640, 480, 16), DD_OK);
@@ -121,11 +96,6 @@ TEST_F(Messages, AChangeOfModeIsToldAndMeasured) {
     ASSERT_TRUE(Peek());
     EXPECT_EQ(LOWORD(message_.lParam), 1024);
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 768);
-}
-
-TEST_F(Messages, AMessageBoxFreesThePointerAndReturnsOk) {
-    EXPECT_EQ(MessageBoxA(nullptr, "Exception", "Tarnwick", MB_OK), IDOK);
-    EXPECT_EQ(TestMachine.messageBoxes, std::vector<std::string>{"Exception"});
 }
 
 }  // namespace

