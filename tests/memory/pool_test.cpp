@@ -26,28 +26,20 @@ class ReferencePool {
 public:
     explicit ReferencePool(uint32_t bytes) { blocks[HEADER] = {bytes, false}; }
 
-    // The data offset, or -1.
-    int64_t Allocate(uint32_t bytes) {
+    // The data offset, or -1. From the low end, or from the high end of the last block that fits.
+    int64_t Allocate(uint32_t bytes, bool high) {
         const uint32_t size = (bytes + 31) / 32 * 32;
-        for (auto& [offset, block] : blocks) {
-            if (block.used || block.size < size + HEADER) continue;
-            blocks[offset + size + HEADER] = {block.size - size - HEADER, false};
-            block = {size, true};
-            return offset;
-        }
-        return -1;
-    }
-
-    int64_t AllocateHigh(uint32_t bytes) {
-        const uint32_t size = (bytes + 31) / 32 * 32;
-        for (auto it = blocks.rbegin(); it != blocks.rend(); ++it) {
-            if (it->second.used || it->second.size < size + HEADER) continue;
-            it->second.size -= size + HEADER;
-            const uint32_t offset = it->first + it->second.size + HEADER;
-            blocks[offset] = {size, true};
-            return offset;
-        }
-        return -1;
+        const auto fits = [size](const auto& entry) {
+            return !entry.second.used && entry.second.size >= size + HEADER;
+        };
+        const auto last = std::find_if(blocks.rbegin(), blocks.rend(), fits);
+        if (last == blocks.rend()) return -1;
+        auto& [offset, block] = high ? *last : *std::find_if(blocks.begin(), blocks.end(), fits);
+        const uint32_t rest = block.size - size - HEADER;
+        block = high ? Block{rest, false} : Block{size, true};
+        const uint32_t next = offset + block.size + HEADER;
+        blocks[next] = high ? Block{size, true} : Block{rest, false};
+        return high ? next : offset;
     }
 
     uint32_t Free(uint32_t offset) {
@@ -96,7 +88,7 @@ TEST_F(Pool, BehavesAsTheReferenceModel) {
             const auto bytes = static_cast<uint32_t>(random() % 4 ? random() % 400 : random() % 9000);
             const bool high = random() % 8 == 0;
             auto* data = static_cast<uint8_t*>(high ? PoolMallocHigh(bytes) : PoolMalloc(bytes));
-            const int64_t expected = high ? model.AllocateHigh(bytes) : model.Allocate(bytes);
+            const int64_t expected = model.Allocate(bytes, high);
             ASSERT_EQ(data ? data - memory : -1, expected) << "step " << step;
             if (!data) continue;
             std::memset(data, static_cast<int>(held.size()), bytes);  // may hit no header
@@ -118,20 +110,14 @@ TEST_F(Pool, BehavesAsTheReferenceModel) {
     EXPECT_EQ(PoolLargestFree, WHOLE);
 }
 
-TEST_F(Pool, ExactFitIsRefusedForWantOfAHeader) {
-    EXPECT_EQ(PoolMalloc(WHOLE), nullptr);
-    EXPECT_EQ(PoolMalloc(WHOLE - 31), nullptr);
-    EXPECT_NE(PoolMalloc(WHOLE - 32), nullptr);
-    EXPECT_EQ(PoolFreeTotal(), 0u);  // the remainder block holds no data
-    EXPECT_EQ(PoolMalloc(0), nullptr);
-}
-
-TEST_F(Pool, HugeRequestsAreRefused) {
-    for (const uint32_t bytes : {0x7FFFFFC1u, 0x80000000u, 0xFFFFFFE0u, 0xFFFFFFE1u, 0xFFFFFFFFu}) {
+TEST_F(Pool, RequestsThatFitExactlyOrNotAtAllAreRefused) {
+    for (const uint32_t bytes : {WHOLE, WHOLE - 31, 0x7FFFFFC1u, 0x80000000u, 0xFFFFFFE0u, 0xFFFFFFE1u, 0xFFFFFFFFu}) {
         EXPECT_EQ(PoolMalloc(bytes), nullptr) << bytes;
         EXPECT_EQ(PoolMallocHigh(bytes), nullptr) << bytes;
     }
-    EXPECT_EQ(PoolFreeTotal(), WHOLE);
+    EXPECT_NE(PoolMalloc(WHOLE - 32), nullptr);
+    EXPECT_EQ(PoolFreeTotal(), 0u);  // the remainder block holds no data
+    EXPECT_EQ(PoolMalloc(0), nullptr);
 }
 
 TEST_F(Pool, FreeingWhatIsNoBlockDoesNothing) {
