@@ -17,6 +17,7 @@ constexpr float NEAREST_W = 2000;
 
 void OpenScreen() {
     CurrentBoard = &CpuBoard;
+    CpuBoardThreads = 1;  // the rounds measure this thread's time
     if (!grSstWinOpen(nullptr, GR_RESOLUTION_640x480, GR_REFRESH_60Hz, GR_COLORFORMAT_ARGB, GR_ORIGIN_UPPER_LEFT, 2, 1))
         std::abort();
     grColorCombine(GR_COMBINE_FUNCTION_SCALE_OTHER_ADD_LOCAL_ALPHA, GR_COMBINE_FACTOR_LOCAL, GR_COMBINE_LOCAL_ITERATED,

@@ -1,15 +1,28 @@
 #include "boards/cpu/cpu_board.h"
 
+#include "boards/cpu/crew.h"
 #include "boards/cpu/triangle.h"
 
 #include <bit>
 #include <cmath>
 #include <cstdlib>
+#include <memory>
 
 namespace {
 
 constexpr size_t BUFFER_PIXELS = size_t{CPU_PITCH} * BOARD_HEIGHT;
 constexpr uint32_t RGB_MASK = 0xFFFFFF;
+
+// The picture is drawn in bands of rows, each by one thread in the order of the frame: how many threads there are shows
+// nowhere. More bands than threads even out their work.
+constexpr unsigned MOST_THREADS = 4;
+constexpr int32_t BANDS_PER_THREAD = 3;
+
+struct Band {
+    int32_t first, end;  // rows
+};
+
+std::unique_ptr<Crew> crew;
 
 std::vector<uint32_t> back, front;
 std::vector<uint16_t> depth;
@@ -19,6 +32,8 @@ bool Open() {
     back.assign(BUFFER_PIXELS, 0);
     front.assign(BUFFER_PIXELS, 0);
     depth.assign(BUFFER_PIXELS, 0xFFFF);
+    const unsigned threads = std::clamp(CpuBoardThreads, 1U, MOST_THREADS);
+    if (!crew || crew->Size() != threads) crew = std::make_unique<Crew>(threads - 1);
     return true;
 }
 
@@ -68,20 +83,26 @@ FillState Prepare(const BoardState& state) {
     return fill;
 }
 
-void DrawTriangles(const BoardState& state, const BoardVertex* corners, uint32_t count) {
+bool Reaches(const BoardVertex* corners, const Band& band) {
+    const auto [top, bottom] = std::minmax({corners[0].y, corners[1].y, corners[2].y});
+    return bottom >= static_cast<float>(band.first) && top <= static_cast<float>(band.end);
+}
+
+void DrawTriangles(const BoardState& state, const BoardVertex* corners, uint32_t count, const Band& band) {
     const FillState fill = Prepare(state);
     const Target target{back.data(), depth.data()};
     FillTriangle* const fillTriangle = CpuBoardUsesAvx2 ? FillTriangleAvx2 : FillTrianglePortable;
     Triangle triangle;
     for (uint32_t i = 0; i + 3 <= count; i += 3)
-        if (SetUpTriangle(corners + i, triangle)) fillTriangle(fill, triangle, target, 0, BOARD_HEIGHT);
+        if (Reaches(corners + i, band) && SetUpTriangle(corners + i, triangle))
+            fillTriangle(fill, triangle, target, band.first, band.end);
 }
 
 uint32_t ChannelBetween(float from, float to, float part) {
     return static_cast<uint32_t>(std::clamp(from + (to - from) * part, 0.0F, 255.0F) + 0.5F);
 }
 
-void DrawLine(const BoardVertex& from, const BoardVertex& to) {
+void DrawLine(const BoardVertex& from, const BoardVertex& to, const Band& band) {
     const auto x = static_cast<int32_t>(std::floor(from.x));
     const auto y = static_cast<int32_t>(std::floor(from.y));
     const int32_t dx = static_cast<int32_t>(std::floor(to.x)) - x;
@@ -95,7 +116,7 @@ void DrawLine(const BoardVertex& from, const BoardVertex& to) {
     for (int32_t i = 0; i <= steps; ++i) {
         const int32_t column = x + along(dx, i);
         const int32_t row = y + along(dy, i);
-        if (column < 0 || column >= BOARD_WIDTH || row < 0 || row >= BOARD_HEIGHT) continue;
+        if (column < 0 || column >= BOARD_WIDTH || row < band.first || row >= band.end) continue;
         const float part = static_cast<float>(i) / static_cast<float>(steps);
         back[static_cast<size_t>(row * CPU_PITCH + column)] = ChannelBetween(from.r, to.r, part) << 16 |
                                                               ChannelBetween(from.g, to.g, part) << 8 |
@@ -103,19 +124,32 @@ void DrawLine(const BoardVertex& from, const BoardVertex& to) {
     }
 }
 
-void Draw(const BoardFrame& frame) {
+template <typename Pixel>
+void Clear(std::vector<Pixel>& buffer, const Band& band, uint32_t value) {
+    std::fill(buffer.begin() + band.first * CPU_PITCH, buffer.begin() + band.end * CPU_PITCH,
+              static_cast<Pixel>(value));
+}
+
+void DrawBand(const BoardFrame& frame, const Band& band) {
     for (const BoardRun& run : frame.runs) {
         const BoardVertex* vertices = frame.vertices.data() + run.first;
         switch (run.action) {
-        case BoardAction::Triangles: DrawTriangles(frame.states[run.state], vertices, run.count); break;
+        case BoardAction::Triangles: DrawTriangles(frame.states[run.state], vertices, run.count, band); break;
         case BoardAction::Lines:
             for (uint32_t i = 0; i + 2 <= run.count; i += 2)
-                DrawLine(vertices[i], vertices[i + 1]);
+                DrawLine(vertices[i], vertices[i + 1], band);
             break;
-        case BoardAction::ClearColour: std::fill(back.begin(), back.end(), run.value); break;
-        case BoardAction::ClearDepth: std::fill(depth.begin(), depth.end(), static_cast<uint16_t>(run.value)); break;
+        case BoardAction::ClearColour: Clear(back, band, run.value); break;
+        case BoardAction::ClearDepth: Clear(depth, band, run.value); break;
         }
     }
+}
+
+void Draw(const BoardFrame& frame) {
+    const int32_t bands = crew->Size() == 1 ? 1 : static_cast<int32_t>(crew->Size()) * BANDS_PER_THREAD;
+    crew->Run(bands, [&](int band) {
+        DrawBand(frame, {BOARD_HEIGHT * band / bands, BOARD_HEIGHT * (band + 1) / bands});
+    });
 }
 
 const uint32_t* Front(uint32_t& pitch) {
@@ -134,6 +168,7 @@ bool CpuBoardHasAvx2() {
 }
 
 bool CpuBoardUsesAvx2 = CpuBoardHasAvx2();
+unsigned CpuBoardThreads = std::thread::hardware_concurrency();
 
 const Board CpuBoard = {
     .name = "cpu",

@@ -6,4 +6,5 @@
 extern const Board CpuBoard;
 
 bool CpuBoardHasAvx2();
-extern bool CpuBoardUsesAvx2;  // CpuBoardHasAvx2() unless a test or benchmark changes it; the pictures are the same
+extern unsigned CpuBoardThreads;  // 1..4 are used, from the next opening on; the processor's unless changed likewise
+extern bool CpuBoardUsesAvx2;     // CpuBoardHasAvx2() unless a test or benchmark changes it; the pictures are the same
