@@ -23,14 +23,6 @@ constexpr int KEY_HELD_MS = 150;  // the slowest levels play 15 frames a second
 constexpr int WAIT_SECONDS = 30;
 const char* const TITLE = "Tarnwick";
 
-Display* Connection(void* display) {
-    return static_cast<Display*>(display);
-}
-
-bool Installed(const std::string& program) {
-    return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
-}
-
 pid_t Spawn(const std::vector<std::string>& command, const std::string& outputFile, int keptOpen) {
     std::vector<char*> arguments;
     for (const std::string& word : command)
@@ -96,7 +88,7 @@ bool ScreenPicture::Black(int left, int top, int right, int bottom) const {
 }
 
 bool Desktop::Possible() {
-    return Installed("Xvfb") && Installed("xdotool");
+    return std::system("(command -v Xvfb && command -v xdotool) >/dev/null") == 0;
 }
 
 Desktop::Desktop() {
@@ -111,7 +103,7 @@ Desktop::Desktop() {
 
 Desktop::~Desktop() {
     End(game);
-    if (display) XCloseDisplay(Connection(display));
+    if (display) XCloseDisplay(display);
     End(server);
     std::filesystem::remove_all(folder);
 }
@@ -177,44 +169,40 @@ void Desktop::Input(const std::string& xdotoolCommand) {
 }
 
 void Desktop::TakeFocus() {
-    Display* connection = Connection(display);
     if (!otherWindow) {
-        otherWindow = XCreateSimpleWindow(connection, DefaultRootWindow(connection), 0, 0, 8, 8, 0, 0, 0);
-        XMapWindow(connection, otherWindow);
-        XSync(connection, False);
+        otherWindow = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 8, 8, 0, 0, 0);
+        XMapWindow(display, otherWindow);
+        XSync(display, False);
     }
-    XSetInputFocus(connection, otherWindow, RevertToParent, CurrentTime);
-    XSync(connection, False);
+    XSetInputFocus(display, otherWindow, RevertToParent, CurrentTime);
+    XSync(display, False);
 }
 
 void Desktop::GiveFocus() {
-    XSetInputFocus(Connection(display), GameWindow(), RevertToParent, CurrentTime);
-    XSync(Connection(display), False);
+    XSetInputFocus(display, GameWindow(), RevertToParent, CurrentTime);
+    XSync(display, False);
 }
 
 void Desktop::ResizeGame(int width, int height) {
-    XMoveResizeWindow(Connection(display), GameWindow(), 0, 0, static_cast<unsigned>(width),
-                      static_cast<unsigned>(height));
-    XSync(Connection(display), False);
+    XMoveResizeWindow(display, GameWindow(), 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height));
+    XSync(display, False);
 }
 
 void Desktop::PressCloseButton() {
-    Display* connection = Connection(display);
     XEvent event{};
     event.xclient.type = ClientMessage;
     event.xclient.window = GameWindow();
-    event.xclient.message_type = XInternAtom(connection, "WM_PROTOCOLS", False);
+    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
     event.xclient.format = 32;
-    event.xclient.data.l[0] = static_cast<long>(XInternAtom(connection, "WM_DELETE_WINDOW", False));
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
     event.xclient.data.l[1] = CurrentTime;
-    XSendEvent(connection, event.xclient.window, False, NoEventMask, &event);
-    XSync(connection, False);
+    XSendEvent(display, event.xclient.window, False, NoEventMask, &event);
+    XSync(display, False);
 }
 
 ScreenPicture Desktop::Screen() {
-    Display* connection = Connection(display);
     ScreenPicture picture{WIDTH, HEIGHT, {}};
-    XImage* image = XGetImage(connection, DefaultRootWindow(connection), 0, 0, WIDTH, HEIGHT, AllPlanes, ZPixmap);
+    XImage* image = XGetImage(display, DefaultRootWindow(display), 0, 0, WIDTH, HEIGHT, AllPlanes, ZPixmap);
     if (!image) return {};
     picture.pixels.reserve(size_t{WIDTH} * HEIGHT);
     for (int y = 0; y < HEIGHT; y++)
@@ -225,9 +213,8 @@ ScreenPicture Desktop::Screen() {
 }
 
 unsigned long Desktop::GameWindow() {
-    Display* connection = Connection(display);
-    XSync(connection, False);
-    return FindWindow(connection, DefaultRootWindow(connection));
+    XSync(display, False);
+    return FindWindow(display, DefaultRootWindow(display));
 }
 
 bool WaitFor(const std::function<bool()>& condition) {

@@ -46,7 +46,7 @@ private:
 
     std::string folder;
     pid_t server = -1, game = -1;
-    void* display = nullptr;  // Xlib's, kept out of this header with its macros
+    struct _XDisplay* display = nullptr;  // Xlib's, kept out of this header with its macros
     std::string displayName;
     unsigned long otherWindow = 0;
 };

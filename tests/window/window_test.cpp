@@ -19,6 +19,11 @@ protected:
         desktop = std::make_unique<Desktop>();
     }
 
+    void StartLevel() {
+        desktop->StartGame({"--window", "640x480"});
+        desktop->ChooseFirstLevel();
+    }
+
     std::string Output() {
         std::ifstream file(desktop->OutputFile());
         return {std::istreambuf_iterator<char>(file), {}};
@@ -51,10 +56,10 @@ protected:
     // The picture fills exactly the given area of the screen; all else is black.
     bool PictureFills(int left, int top, int right, int bottom) {
         const ScreenPicture screen = desktop->Screen();
-        const bool around = screen.Black(0, 0, Desktop::WIDTH, top) && screen.Black(0, top, left, bottom) &&
-                            screen.Black(right, top, Desktop::WIDTH, bottom) &&
-                            screen.Black(0, bottom, Desktop::WIDTH, Desktop::HEIGHT);
-        return around && !screen.Black(left, top, left + 1, bottom) && !screen.Black(right - 1, top, right, bottom) &&
+        const int width = Desktop::WIDTH, height = Desktop::HEIGHT;
+        return screen.Black(0, 0, width, top) && screen.Black(0, top, left, bottom) &&
+               screen.Black(right, top, width, bottom) && screen.Black(0, bottom, width, height) &&
+               !screen.Black(left, top, left + 1, bottom) && !screen.Black(right - 1, top, right, bottom) &&
                !screen.Black(left, top, right, top + 1) && !screen.Black(left, bottom - 1, right, bottom);
     }
 
@@ -64,8 +69,7 @@ protected:
 }  // namespace
 
 TEST_F(Window, KeysLeadThroughALevelAndOutAgain) {
-    desktop->StartGame({"--window", "640x480"});
-    desktop->ChooseFirstLevel();
+    StartLevel();
     desktop->Key("F8");
     EXPECT_TRUE(desktop->GameRuns());
     desktop->Key("Escape");
@@ -79,8 +83,7 @@ TEST_F(Window, KeysLeadThroughALevelAndOutAgain) {
 }
 
 TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
-    desktop->StartGame({"--window", "640x480"});
-    desktop->ChooseFirstLevel();
+    StartLevel();
     desktop->Key("F6");
     desktop->Input("mousedown 1");
     const double before = Yaw();
@@ -91,8 +94,7 @@ TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
 }
 
 TEST_F(Window, WaitsWhileAnotherWindowHasTheFocus) {
-    desktop->StartGame({"--window", "640x480"});
-    desktop->ChooseFirstLevel();
+    StartLevel();
     desktop->TakeFocus();
     Rest(500);
     const size_t frames = desktop->TracedFrames();
@@ -107,28 +109,23 @@ TEST_F(Window, WaitsWhileAnotherWindowHasTheFocus) {
     EXPECT_EQ(Output().find("Camera Coords"), std::string::npos);
 }
 
-TEST_F(Window, KeepsThePictureInProportionAtEverySize) {
+TEST_F(Window, FillsTheScreenByDefaultAndKeepsThePictureInProportionAtEverySize) {
+    desktop->StartGame({});
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(107, 0, 1173, 800); }));
+    desktop->PressCloseButton();
+    EXPECT_EQ(desktop->GameStatus(), 0);
     desktop->StartGame({"--window", "640x480"});
-    desktop->ResizeGame(640, 480);
-    EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 0, 640, 480); }));
     desktop->ResizeGame(1000, 600);
     EXPECT_TRUE(WaitFor([&] { return PictureFills(100, 0, 900, 600); }));
     desktop->ResizeGame(400, 700);
     EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 200, 400, 500); }));
 }
 
-TEST_F(Window, FillsTheWholeScreenByDefault) {
-    desktop->StartGame({});
-    EXPECT_TRUE(WaitFor([&] { return PictureFills(107, 0, 1173, 800); }));
-}
-
-TEST_F(Window, CloseButtonEndsTheProgramEverywhere) {
-    for (const char* screen : {"attract pictures", "level choice", "level"}) {
-        SCOPED_TRACE(screen);
+TEST_F(Window, CloseButtonEndsTheProgramInLevelAndLevelChoice) {
+    for (const bool inLevel : {false, true}) {
         desktop->StartGame({"--window", "640x480"});
-        if (std::string(screen) == "level choice") desktop->Key("space");
-        if (std::string(screen) == "level") desktop->ChooseFirstLevel();
+        inLevel ? desktop->ChooseFirstLevel() : desktop->Key("space");
         desktop->PressCloseButton();
-        EXPECT_EQ(desktop->GameStatus(), 0);
+        EXPECT_EQ(desktop->GameStatus(), 0) << inLevel;
     }
 }
