@@ -185,41 +185,29 @@ void TinyWorld::PutRootFirst() {
     }
 }
 
-void TinyWorld::MakeSpareRoom() {
-    planes.resize(planes.size() + SPARE_PLANES);
-    polygons.resize(polygons.size() + SPARE_POLYGONS);
-    points.resize(points.size() + SPARE_POINTS);
-    polyVertices.resize(polyVertices.size() + SPARE_POLY_VERTICES);
-    alternateVertices = polyVertices;
-    polyFrames.resize(polygons.size());
-    viewPoints.resize(points.size());
-    outcodes.resize(points.size());
-    pointLight.resize(points.size());
-    pointLightBase.resize(points.size());
-    pointLightStamps.resize(points.size());
-    characterStamps.resize(points.size());
-    cornerLightStamps.resize(8 * std::max<size_t>(polygons.size(), CORNER_LIGHT_POLYGONS));
-    renderList.resize(2 * leaves.size());
-}
-
-void TinyWorld::PointTables() {
+void TinyWorld::MakeTables() {
     WorldGeometryTables& world = WorldGeometry;
-    world.nodes = nodes.data();
-    world.leaves = leaves.data();
-    world.planes = planes.data();
-    world.polygons = polygons.data();
-    world.polyFrames = polyFrames.data();
-    world.points = points.data();
-    world.polyVertices = polyVertices.data();
+    const auto make = [](auto& records, auto*& table, size_t size) {
+        records.resize(size);
+        table = records.data();
+    };
+    make(nodes, world.nodes, nodes.size());
+    make(leaves, world.leaves, leaves.size());
+    make(planes, world.planes, planes.size() + SPARE_PLANES);
+    make(polygons, world.polygons, polygons.size() + SPARE_POLYGONS);
+    make(polyFrames, world.polyFrames, polygons.size());
+    make(points, world.points, points.size() + SPARE_POINTS);
+    make(polyVertices, world.polyVertices, polyVertices.size() + SPARE_POLY_VERTICES);
+    alternateVertices = polyVertices;
     world.alternateVertices = alternateVertices.data();
-    world.viewPoints = viewPoints.data();
-    world.outcodes = outcodes.data();
-    world.pointLight = pointLight.data();
-    world.pointLightBase = pointLightBase.data();
-    world.pointLightStamps = pointLightStamps.data();
-    world.characterStamps = characterStamps.data();
-    world.cornerLightStamps = cornerLightStamps.data();
-    world.renderList = renderList.data();
+    make(viewPoints, world.viewPoints, points.size());
+    make(outcodes, world.outcodes, points.size());
+    make(pointLight, world.pointLight, points.size());
+    make(pointLightBase, world.pointLightBase, points.size());
+    make(pointLightStamps, world.pointLightStamps, points.size());
+    make(characterStamps, world.characterStamps, points.size());
+    make(cornerLightStamps, world.cornerLightStamps, 8 * std::max<size_t>(polygons.size(), CORNER_LIGHT_POLYGONS));
+    make(renderList, world.renderList, 2 * leaves.size());
 }
 
 void TinyWorld::Publish() {
@@ -227,8 +215,7 @@ void TinyWorld::Publish() {
     PutRootFirst();
     const auto count = [](const auto& table) { return static_cast<uint32_t>(table.size()); };
     const GeometryCounts counts = {count(planes), count(polygons), count(points), count(polyVertices)};
-    MakeSpareRoom();
-    PointTables();
+    MakeTables();
     WorldGeometry.nodeCount = count(nodes);
     WorldGeometry.leafCount = count(leaves);
     WorldGeometry.file = WorldGeometry.used = WorldGeometry.fixed = counts;

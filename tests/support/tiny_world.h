@@ -44,8 +44,7 @@ private:
     uint32_t PointAt(const Vec3& position);
     void AddPolygon(const Corners& corners);
     void PutRootFirst();
-    void MakeSpareRoom();
-    void PointTables();
+    void MakeTables();  // with spare room
 
     std::vector<BspNode> nodes;
     std::vector<BspLeaf> leaves;

@@ -10,6 +10,7 @@
 #include "world/bsp_check.h"
 #include "world/world_tables.h"
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -172,39 +173,30 @@ TEST_F(WorldFile, HoldsATreeOfLimitedDepth) {
 }
 
 TEST(WorldCounts, LeaveRoomForTheSpareRecordsInEveryIndex) {
-    struct Case {
-        uint32_t nodes, leaves;
-        GeometryCounts file;
-        bool valid;
+    const auto areValid = [](const std::array<uint32_t, 6>& n) {
+        WorldGeometry.nodeCount = n[0];
+        WorldGeometry.leafCount = n[1];
+        WorldGeometry.file = {n[2], n[3], n[4], n[5]};
+        return BspCountsAreValid();
     };
-    const Case cases[] = {
-        {32768, 16384, {62536, 29767, 56536, 56536}, true},
-        {0, 1, {}, false},
-        {32769, 1, {}, false},
-        {1, 0, {}, false},
-        {1, 16385, {}, false},
-        {1, 1, {62537, 0, 0, 0}, false},
-        {1, 1, {0, 29768, 0, 0}, false},
-        {1, 1, {0, 0, 56537, 0}, false},
-        {1, 1, {0, 0, 0, 56537}, false},
-    };
-    for (const Case& row : cases) {
-        WorldGeometry.nodeCount = row.nodes;
-        WorldGeometry.leafCount = row.leaves;
-        WorldGeometry.file = row.file;
-        EXPECT_EQ(BspCountsAreValid(), row.valid) << "row " << &row - cases;
+    const std::array<uint32_t, 6> most = {32768, 16384, 62536, 29767, 56536, 56536};
+    EXPECT_TRUE(areValid(most));
+    EXPECT_FALSE(areValid({0, 1}));
+    EXPECT_FALSE(areValid({1, 0}));
+    for (size_t i = 0; i < most.size(); ++i) {
+        std::array<uint32_t, 6> tooMany = most;
+        ++tooMany[i];
+        EXPECT_FALSE(areValid(tooMany)) << i;
     }
-    WorldGeometry.nodeCount = 0xFFFFFFFF;
-    WorldGeometry.file.points = 0xFFFFFFFF;
+    areValid({0xFFFFFFFF, 0, 0, 0, 0xFFFFFFFF, 0});
     EXPECT_GT(BspTableBytes(), uint64_t{0xFFFFFFFF} * 60) << "sizes are counted in 64 bits";
 }
 
 TEST(PolyFrames, AreTheRotationOfTheInvertedNormal) {
-    struct Case {
+    const struct {
         PlaneRecord plane;
         PolyFrame expected;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{0, -1, 0, 0}, {0, 0, 1, 1, 1}},   // floor: the plane points down into the ground
         {{0, 1, 0, 0}, {0, 0, -1, 1, -1}},  // ceiling
         {{-1, 0, 0, 0}, {-1, 1, 0, 0, 0}},  // wall seen from +x
@@ -212,18 +204,17 @@ TEST(PolyFrames, AreTheRotationOfTheInvertedNormal) {
         {{0.00005f, -1, 0, 0}, {-0.00005f, 0, 1, 1, 1}},  // nearly vertical: no yaw
         {{0, 0, 0, 0}, {0, 0, 0, 1, 0}},                  // degenerate, but never not a number
     };
-    for (const Case& row : cases) {
-        TinyWorld world;
-        PublishTwoLeaves(world);
+    TinyWorld world;
+    PublishTwoLeaves(world);
+    for (const auto& row : cases) {
         WorldGeometry.planes[WorldGeometry.polygons[0].plane] = row.plane;
         ComputePolyFrames();
-        const PolyFrame& frame = WorldGeometry.polyFrames[0];
-        SCOPED_TRACE(&row - cases);
-        EXPECT_NEAR(frame.pitchCos, row.expected.pitchCos, 1e-6);
-        EXPECT_NEAR(frame.yawSin, row.expected.yawSin, 1e-6);
-        EXPECT_NEAR(frame.pitchSin, row.expected.pitchSin, 1e-6);
-        EXPECT_NEAR(frame.yawCos, row.expected.yawCos, 1e-6);
-        EXPECT_FLOAT_EQ(frame.y, row.expected.y);
+        float found[5], expected[5];
+        static_assert(sizeof(PolyFrame) == sizeof found);
+        std::memcpy(found, &WorldGeometry.polyFrames[0], sizeof found);
+        std::memcpy(expected, &row.expected, sizeof expected);
+        for (int i = 0; i < 5; ++i)
+            EXPECT_NEAR(found[i], expected[i], 1e-6) << "row " << &row - cases << ", field " << i;
     }
 }
 

@@ -14,14 +14,6 @@ namespace {
 
 const std::filesystem::path FOLDER = std::filesystem::path(testing::TempDir()) / "level_textures";
 
-Image Speckled(int width, int height, uint8_t red) {
-    Image image(width, height);
-    for (size_t i = 0; i < image.pixels.size(); ++i) {
-        image.pixels[i] = {red, static_cast<uint8_t>(i * 37 % 251), static_cast<uint8_t>(i / 9 % 256), 255};
-    }
-    return image;
-}
-
 void Picture(const std::string& name, const Image& image) {
     WritePng(FOLDER / (name + ".png"), image);
 }
@@ -129,13 +121,6 @@ TEST(CompileTextures, TheListSaysHowLightTakesAMaterial) {
     EXPECT_EQ(material.colour, (Rgba{(5 * 200 + 2 * 10) / 7, 100, 2 * 19 / 7, 255}));
     EXPECT_EQ(material.cover, 87);
     EXPECT_EQ(material.light, 60);
-}
-
-TEST(CompileTextures, EveryRunGivesTheSameBytes) {
-    Picture("a", Speckled(128, 128, 20));
-    Picture("b", Speckled(64, 32, 200));
-    const auto bytes = [] { return EncodeTextureFile(CompileTextures(Level({"a", "b"}), FOLDER).textures); };
-    EXPECT_EQ(bytes(), bytes());
 }
 
 TEST(CompileTextures, FaultsNameTheFileAndTheRemedy) {
