@@ -141,7 +141,7 @@ TEST(DepthListTest, RunsFromFarToNearAndKeepsTheOrderOfEquals) {
         order.push_back(DepthList[k].polygon);
     EXPECT_EQ(order, (std::vector<int>{5, 2, 1, 3, 4}));
     for (int i = 0; i < 3000; ++i)
-        InsertByDepth(1.0f, 9);
+        InsertByDepth(1.0f, 9);  // more than there is room for
 }
 
 TEST_F(Bins, LightsInRangeAreTurnedIntoTheCharactersFrame) {

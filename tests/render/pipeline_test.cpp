@@ -19,10 +19,6 @@ protected:
     void SetUp() override {
         MakeWorld();
         MakeFrame(320, 240, 320);
-        ProjectionScaleX = 158.4f;
-        ProjectionScaleY = 118.8f;
-        ScreenCentreX = 160;
-        ScreenCentreY = 120;
         LoadTextures(MakeTextureFile({{0, 0, 0, 64, 64}}, 1));
         BuildReciprocalTable();
         SubmittedPolygons = 0;

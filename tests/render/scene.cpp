@@ -56,6 +56,10 @@ void MakeFrame(int32_t width, int32_t height, int32_t pitch) {
     ScreenWidth = width;
     ScreenHeight = height;
     FramePitch = pitch;
+    ProjectionScaleX = 0.495f * static_cast<float>(width);
+    ProjectionScaleY = 0.495f * static_cast<float>(height);
+    ScreenCentreX = 0.5f * static_cast<float>(width);
+    ScreenCentreY = 0.5f * static_cast<float>(height);
     Frame.assign(static_cast<size_t>(pitch * height) + 2 * GUARD_BYTES, GUARD);
     FrameBuffer = Frame.data() + GUARD_BYTES;
     FillFrame(0);

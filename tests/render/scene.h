@@ -17,7 +17,8 @@ std::vector<uint8_t> MakeTextureFile(const std::vector<TestTexture>& textures, i
 // A world without polygons; AppendPolygon has room for some thousand corners before the scratch space.
 void MakeWorld();
 
-// A frame of width x height in rows of pitch bytes, with guard bytes around it and in the gap of each row.
+// A frame of width x height in rows of pitch bytes, with guard bytes around it and in the gap of each row, and the
+// projection of a screen of that size.
 void MakeFrame(int32_t width, int32_t height, int32_t pitch);
 std::vector<uint8_t> FramePixels();  // rows of ScreenWidth
 bool GuardsAreIntact();

@@ -16,10 +16,6 @@ protected:
     void SetUp() override {
         MakeWorld();
         MakeFrame(320, 240, 336);
-        ProjectionScaleX = 158.4f;
-        ProjectionScaleY = 118.8f;
-        ScreenCentreX = 160;
-        ScreenCentreY = 120;
         LineColour = 0x105;
     }
     void TearDown() override { EXPECT_TRUE(GuardsAreIntact()); }

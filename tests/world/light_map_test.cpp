@@ -128,10 +128,6 @@ TEST_F(LightMap, ScalesAndMayInvertTheLight) {
     WorldGeometry.pointLightBase[1] = 0;
     WorldGeometry.pointLightBase[2] = -100;
     EXPECT_EQ(Shade(), (Levels{0, 64, 127, 24}));
-    LightMode = 1;  // the other bit does not invert
-    ApplyLightLevel();
-    EXPECT_EQ(LightScale, 1.0f);
-    EXPECT_EQ(LightBias, 64.0f);
 }
 
 TEST_F(LightMap, FadesWithDepthInSoftwareOnly) {
