@@ -61,17 +61,9 @@ TEST(FrontEnd, ChoosesTheLastLevelHeldAndTheRendererThatGoesDown) {
 }
 
 TEST(FrontEnd, EscapeOnAChoiceReturnsToTheFirstPicture) {
-    RunWithKeys({{DIK_SPACE},
-                 {DIK_ESCAPE},
-                 {},  // from the levels
-                 {DIK_SPACE},
-                 {DIK_F7},
-                 {DIK_ESCAPE},
-                 {},  // from the renderers: the level is asked again
-                 {DIK_SPACE},
-                 {},
-                 {DIK_F4},
-                 {DIK_F11}});
+    // From the levels, from the renderers, and the level is asked again.
+    RunWithKeys(
+        {{DIK_SPACE}, {DIK_ESCAPE}, {}, {DIK_SPACE}, {DIK_F7}, {DIK_ESCAPE}, {}, {DIK_SPACE}, {}, {DIK_F4}, {DIK_F11}});
     EXPECT_EQ(CurrentLevel, 3);
     EXPECT_EQ(Fake.Among({"ShowBitmap"}), (Calls{TITLE, LEVELS, TITLE, LEVELS, RENDERERS, TITLE, LEVELS, RENDERERS}));
 }

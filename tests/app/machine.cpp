@@ -106,28 +106,43 @@ void OpenFakeDisplay() {
 #define FAKE_SILENT(type, name, parameters, result) type name parameters { return result; }
 // clang-format on
 
-// --- host ---
+// --- steps of every layer, and shots, which are tested on their own ---
 
-FAKE(ATOM, RegisterClassA, (const WNDCLASSA* made), 1, made->style, made->lpszClassName)
-FAKE(HWND, CreateWindowExA,
-     (DWORD top, const char*, const char*, DWORD style, int x, int y, int w, int h, HWND, void*, HINSTANCE, void*),
-     reinterpret_cast<HWND>(&Fake), top, style, x, y, w, h)
-FAKE(BOOL, ShowWindow, (HWND, int command), TRUE, command)
-FAKE(BOOL, UpdateWindow, (HWND), TRUE)
-FAKE(BOOL, SetWindowPos, (HWND, HWND, int x, int y, int w, int h, UINT flags), TRUE, x, y, w, h, flags)
-FAKE_SILENT(HICON, LoadIconA, (HINSTANCE, int), &Fake)
-FAKE_SILENT(HCURSOR, LoadCursorA, (HINSTANCE, int), &Fake)
-FAKE_SILENT(HGDIOBJ, GetStockObject, (int), &Fake)
-FAKE_SILENT(int, GetSystemMetrics, (int index), index == SM_CXSCREEN ? 1024 : 768)
-FAKE_SILENT(int, ShowCursor, (BOOL show), Fake.cursorCount += show != FALSE ? 1 : -1)
-FAKE_SILENT(BOOL, TranslateMessage, (const MSG*), FALSE)
-FAKE_SILENT(DWORD, GetTickCount, (), Fake.clock)
-FAKE(LRESULT, DispatchMessageA, (const MSG* message), 0, message->message)
-FAKE(LRESULT, DefWindowProcA, (HWND, UINT, WPARAM, LPARAM), 77)
-FAKE(BOOL, WaitMessage, (), TRUE)
-FAKE(void, PostQuitMessage, (int code), void(), code)
-FAKE(bool, HostEndOfFrame, (const HostFrameReport&), Fake.framesUntilHostEnds-- == 1)
-int MessageBoxA(HWND, const char* text, const char*, UINT) {
+// clang-format off
+FAKE_STEP(BuildControls) FAKE_STEP(SummariseMouse) FAKE_STEP(FrameLimiter) FAKE_STEP(FrameStep)
+FAKE_STEP(CloseDisplay) FAKE_STEP(PresentDisplay) FAKE_STEP(UnlockSurface) FAKE_STEP(CloseCdAudio)
+FAKE_STEP(SystemShutdown) FAKE_STEP(BuildReciprocalTable) FAKE_STEP(SetupScreen) FAKE_STEP(SwapScreen)
+FAKE_STEP(ClearFrame) FAKE_STEP(SetupFog) FAKE_STEP(ReloadFogTable) FAKE_STEP(SetTexturePalette)
+FAKE_STEP(L_CreateGlideUVs) FAKE_STEP(ResetCurrentTexture) FAKE_STEP(UpdateCamera) FAKE_STEP(GenerateVertexNormals)
+FAKE_STEP(SetStaticMarks) FAKE_STEP(ResetViewCache) FAKE_STEP(ApplyLightLevel) FAKE_STEP(UpdateLights)
+FAKE_STEP(DrawSky) FAKE_STEP(RenderWorld) FAKE_STEP(UpdatePlayer) FAKE_STEP(ClearShots) FAKE_STEP(FireShot)
+FAKE_STEP(UpdateShots)
+    // clang-format on
+
+    // --- host ---
+
+    FAKE(ATOM, RegisterClassA, (const WNDCLASSA* made), 1, made->style, made->lpszClassName)
+        FAKE(HWND, CreateWindowExA,
+             (DWORD top, const char*, const char*, DWORD style, int x, int y, int w, int h, HWND, void*, HINSTANCE,
+              void*),
+             reinterpret_cast<HWND>(&Fake), top, style, x, y, w,
+             h) FAKE(BOOL, ShowWindow, (HWND, int command), TRUE, command) FAKE(BOOL, UpdateWindow, (HWND), TRUE)
+            FAKE(BOOL, SetWindowPos, (HWND, HWND, int x, int y, int w, int h, UINT flags), TRUE, x, y, w, h, flags)
+                FAKE_SILENT(HICON, LoadIconA, (HINSTANCE, int), &Fake)
+                    FAKE_SILENT(HCURSOR, LoadCursorA, (HINSTANCE, int), &Fake)
+                        FAKE_SILENT(HGDIOBJ, GetStockObject, (int), &Fake)
+                            FAKE_SILENT(int, GetSystemMetrics, (int index), index == SM_CXSCREEN ? 1024 : 768)
+                                FAKE_SILENT(int, ShowCursor, (BOOL show), Fake.cursorCount += show != FALSE ? 1 : -1)
+                                    FAKE_SILENT(BOOL, TranslateMessage, (const MSG*), FALSE)
+                                        FAKE_SILENT(DWORD, GetTickCount, (), Fake.clock)
+                                            FAKE(LRESULT, DispatchMessageA, (const MSG* message), 0, message->message)
+                                                FAKE(LRESULT, DefWindowProcA, (HWND, UINT, WPARAM, LPARAM), 77)
+                                                    FAKE(BOOL, WaitMessage, (), TRUE)
+                                                        FAKE(void, PostQuitMessage, (int code), void(), code)
+                                                            FAKE(bool, HostEndOfFrame, (const HostFrameReport&),
+                                                                 Fake.framesUntilHostEnds-- ==
+                                                                     1) int MessageBoxA(HWND, const char* text,
+                                                                                        const char*, UINT) {
     Record("MessageBoxA", Fake.cursorCount);
     Fake.boxes.push_back(text);
     return IDOK;
@@ -207,16 +222,3 @@ FAKE(void*, LoadWeights, (const char* path, const MeshRecord&), &Fake, path)
 FAKE(void, AddActor, (Actor&, MeshRecord*, StateRecord*, int32_t x, int32_t y, int32_t z, AnimFileEntry*), void(), x, y,
      z)
 FAKE(void, UpdateActorBase, (Actor&), void())
-
-// --- of every layer, and shots, which are tested on their own ---
-
-// clang-format off
-FAKE_STEP(BuildControls) FAKE_STEP(SummariseMouse) FAKE_STEP(FrameLimiter) FAKE_STEP(FrameStep)
-FAKE_STEP(CloseDisplay) FAKE_STEP(PresentDisplay) FAKE_STEP(UnlockSurface) FAKE_STEP(CloseCdAudio)
-FAKE_STEP(SystemShutdown) FAKE_STEP(BuildReciprocalTable) FAKE_STEP(SetupScreen) FAKE_STEP(SwapScreen)
-FAKE_STEP(ClearFrame) FAKE_STEP(SetupFog) FAKE_STEP(ReloadFogTable) FAKE_STEP(SetTexturePalette)
-FAKE_STEP(L_CreateGlideUVs) FAKE_STEP(ResetCurrentTexture) FAKE_STEP(UpdateCamera) FAKE_STEP(GenerateVertexNormals)
-FAKE_STEP(SetStaticMarks) FAKE_STEP(ResetViewCache) FAKE_STEP(ApplyLightLevel) FAKE_STEP(UpdateLights)
-FAKE_STEP(DrawSky) FAKE_STEP(RenderWorld) FAKE_STEP(UpdatePlayer) FAKE_STEP(ClearShots) FAKE_STEP(FireShot)
-FAKE_STEP(UpdateShots)
-    // clang-format on
