@@ -1,5 +1,7 @@
 #include "host/host_process.h"
 
+#include "core/testing.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -16,6 +18,7 @@ namespace {
     for (std::string& word : words)
         arguments.push_back(word.data());
     if (!std::freopen("out", "w", stdout) || !std::freopen("err", "w", stderr)) std::_Exit(99);
+    UseTestMachine();  // forgets the windows of tests before
     alarm(60);
     const int status = HostMain(static_cast<int>(arguments.size()), arguments.data(), game);
     std::fflush(nullptr);
