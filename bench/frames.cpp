@@ -74,6 +74,7 @@ std::vector<Place> ChoosePlaces() {
 }
 
 void StartLevel() {
+    UseGlide = 0;
     BuildReciprocalTable();
     SystemInit();
     InitGraphics(0);
