@@ -111,9 +111,9 @@ double WallSeconds(const std::function<void()>& work) {
 int main() {
     const MapFile map = ParseMap(GeneratedRooms(8).Key("subdivide", "512").Text(), "generated");
     const std::vector<Material> materials = TestMaterials();
-    const CompiledLevel level = CompileMap(map, materials, 0, {LightQuality::None, 1, {}});
+    const CompiledLevel level = CompileMap(map, {materials}, 0, {LightQuality::None, 1, {}});
     const Brushes brushes = BuildBrushes(map, materials);
-    const LevelSettings settings = ReadSettings(map);
+    const LevelSettings settings = ReadSettings(map, std::nullopt);
     const std::vector<PointLight> lights = ReadLights(map);
     const LightSources sources{settings, lights, brushes, materials, level.placement};
     const auto bake = [&](int threads) {

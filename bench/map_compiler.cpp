@@ -11,7 +11,7 @@ size_t AddMap(Rounds& rounds, const MapBuilder& builder) {
     const int brushes = BrushCount(builder);
     const std::string text = builder.Text();
     return rounds.Add(std::to_string(brushes) + " brushes", 1, [text] {
-        CompileMap(ParseMap(text, "generated"), TestMaterials(), 0, {LightQuality::None, 1, {}});
+        CompileMap(ParseMap(text, "generated"), {TestMaterials()}, 0, {LightQuality::None, 1, {}});
     });
 }
 

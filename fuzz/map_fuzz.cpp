@@ -4,7 +4,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     try {
-        CompileMap(ParseMap(text, "input.map"), TestMaterials(), static_cast<int>(size % (LEVEL_COUNT + 1)));
+        CompileMap(ParseMap(text, "input.map"), {TestMaterials()}, static_cast<int>(size % (LEVEL_COUNT + 1)));
     } catch (const ContentError&) {
     }
     return 0;

@@ -19,6 +19,7 @@ constexpr int SLOT_END = 500;
 constexpr int TEXELS_MIN = 8;
 constexpr int TEXELS_MAX = 128;
 constexpr int LIGHT_MAX = 1000;
+constexpr int CHANNEL_MAX = 63;
 constexpr std::array<std::pair<const char*, unsigned>, 4> FLAG_NAMES{
     {{"clip", MATERIAL_CLIP}, {"sky", MATERIAL_SKY}, {"liquid", MATERIAL_LIQUID}, {"cutout", MATERIAL_CUTOUT}}};
 
@@ -105,6 +106,18 @@ Material ParseMaterial(const std::vector<std::string>& words, const Place& place
     return material;
 }
 
+std::array<int, 3> ParseDark(const std::vector<std::string>& words, const Place& place) {
+    const char* remedy = "write: dark red green blue, each 0 to 63";
+    if (words.size() != 4) Refuse(place.file, place.line, "the dark colour needs three numbers", remedy);
+    std::array<int, 3> dark{};
+    for (size_t i = 0; i < dark.size(); ++i) {
+        dark[i] = ParseNumber(words[i + 1], "channel", place);
+        if (dark[i] >= 0 && dark[i] <= CHANNEL_MAX) continue;
+        Refuse(place.file, place.line, fmt::format("the dark colour has a channel of {}", dark[i]), remedy);
+    }
+    return dark;
+}
+
 std::vector<std::string> WordsOf(const std::string& line) {
     std::istringstream stream(line.substr(0, line.find('#')));
     std::vector<std::string> words;
@@ -131,29 +144,34 @@ std::string LineOf(const Material& material) {
 
 }  // namespace
 
-std::vector<Material> ReadMaterialList(const std::filesystem::path& path) {
+MaterialList ReadMaterialList(const std::filesystem::path& path) {
     const std::vector<uint8_t> content = ReadWholeFile(path);
     std::istringstream stream(std::string(content.begin(), content.end()));
-    std::vector<Material> materials;
+    MaterialList list;
     std::set<std::string> names;
     Place place{path.string(), 0};
     for (std::string line; std::getline(stream, line);) {
         ++place.line;
         const std::vector<std::string> words = WordsOf(line);
         if (words.empty()) continue;
-        materials.push_back(ParseMaterial(words, place));
-        if (!names.insert(materials.back().name).second) RefuseTwice(materials.back(), place);
+        if (words[0] == "dark") {
+            list.dark = ParseDark(words, place);
+            continue;
+        }
+        list.materials.push_back(ParseMaterial(words, place));
+        if (!names.insert(list.materials.back().name).second) RefuseTwice(list.materials.back(), place);
     }
-    return materials;
+    return list;
 }
 
-void WriteMaterialList(const std::filesystem::path& path, const std::vector<Material>& materials) {
-    std::vector<Material> sorted = materials;
+void WriteMaterialList(const std::filesystem::path& path, const MaterialList& list) {
+    std::vector<Material> sorted = list.materials;
     std::sort(sorted.begin(), sorted.end(),
               [](const Material& a, const Material& b) { return std::tie(a.slot, a.name) < std::tie(b.slot, b.name); });
     const Place place{path.string(), 0};
     std::set<std::string> names;
     std::string text = "# slot name width height, how light takes it, flags\n";
+    if (list.dark) text += fmt::format("dark {} {} {}\n", (*list.dark)[0], (*list.dark)[1], (*list.dark)[2]);
     for (const Material& material : sorted) {
         CheckMaterial(material, place);
         if (!names.insert(material.name).second) RefuseTwice(material, place);

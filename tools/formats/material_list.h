@@ -5,15 +5,19 @@
 //     17 brick/wall 128 64 colour=7a3c28
 //     12 fence 64 64 colour=707070 cover=35 cutout
 //     60 clip 8 8 clip
+//     dark 3 2 1
 // slot: 0..499; brushes of a world may use 0..92 only. name: any text without blanks, as the map writes it, used once.
 // width, height: texels, a power of two, 8..128. Several names may share a slot. The other words are flags, and how the
 // material looks to light: its mean colour (red, green, blue; grey when missing), the percentage of its texels that are
 // not hole (100), and the light byte that it sheds (0..1000, 0 when missing) on a surface that sees nothing else.
+// dark: the colour that unlit and far surfaces fade to, red, green and blue, 0..63; the palette is made for it.
 #pragma once
 
 #include "formats/image.h"
 
+#include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +38,11 @@ struct Material {
     int light = 0;
 };
 
-std::vector<Material> ReadMaterialList(const std::filesystem::path& path);  // in file order
+struct MaterialList {
+    std::vector<Material> materials;
+    std::optional<std::array<int, 3>> dark = {};
+};
+
+MaterialList ReadMaterialList(const std::filesystem::path& path);  // in file order
 // Ordered by slot, then name. A list that could not be read back is refused.
-void WriteMaterialList(const std::filesystem::path& path, const std::vector<Material>& materials);
+void WriteMaterialList(const std::filesystem::path& path, const MaterialList& list);

@@ -125,13 +125,12 @@ void WriteAllOrNothing(const std::vector<OutputFile>& files) {
 
 }  // namespace
 
-CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level,
-                         const BakeOptions& bake) {
+CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level, const BakeOptions& bake) {
     CheckEntities(map);
-    const LevelSettings settings = ReadSettings(map);
+    const LevelSettings settings = ReadSettings(map, list.dark);
     const std::vector<PointLight> lights = ReadLights(map);
     const PlayerStart start = FindPlayerStart(map);
-    Brushes brushes = BuildBrushes(map, materials);
+    Brushes brushes = BuildBrushes(map, list.materials);
     LightShiningPerCorner(brushes);
     CheckStart(map, brushes, start);
     CheckLights(map, brushes, lights);
@@ -139,7 +138,7 @@ CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materi
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
 
     Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes);
-    const LightSources sources{settings, lights, brushes, materials, compiled.placement};
+    const LightSources sources{settings, lights, brushes, list.materials, compiled.placement};
     if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
         const LightGrid grid{settings.subdivide / settings.scale, settings.scale};
         const WorldFile whole = CutOnWholeGrid(map, tree, brushes, compiled.placement, grid);

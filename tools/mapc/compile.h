@@ -29,8 +29,7 @@ public:
 };
 
 // level: 1..8, or 0 to leave the map where it is. ContentError (LeakError) when the map cannot become a level.
-CompiledLevel CompileMap(const MapFile& map, const std::vector<Material>& materials, int level,
-                         const BakeOptions& bake = {});
+CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level, const BakeOptions& bake = {});
 
 struct CompileFiles {
     std::filesystem::path map;

@@ -32,6 +32,17 @@ void ReadColour(const MapFile& map, const MapEntity& entity, const char* name, s
     }
 }
 
+void ReadDarkColour(const MapFile& map, const MapEntity& world, const std::optional<std::array<int, 3>>& ofMaterials,
+                    std::array<int, 3>& colour) {
+    colour = ofMaterials.value_or(colour);
+    ReadColour(map, world, "dark_color", colour);
+    if (!ofMaterials || colour == *ofMaterials) return;
+    Refuse(map.name, world.Find("dark_color")->line,
+           fmt::format("dark_color is {} {} {}, but the level's textures are made for {} {} {}", colour[0], colour[1],
+                       colour[2], (*ofMaterials)[0], (*ofMaterials)[1], (*ofMaterials)[2]),
+           "leave the key out, or change the dark colour of the textures");
+}
+
 // Weights of the eye for red, green and blue; the engine's light has no colour.
 double BrightnessOf(const Vec3& colour) {
     const double most = std::max({colour.x, colour.y, colour.z}) > 1 ? 255 : 1;
@@ -49,7 +60,7 @@ PointLight LightOf(const MapFile& map, const MapEntity& entity) {
 
 }  // namespace
 
-LevelSettings ReadSettings(const MapFile& map) {
+LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<int, 3>>& dark) {
     LevelSettings settings;
     if (map.entities.empty() || map.entities[0].ClassName() != "worldspawn") {
         Refuse(map.name, 0, "the first entity is not worldspawn", "save the map again");
@@ -82,7 +93,7 @@ LevelSettings ReadSettings(const MapFile& map) {
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
     settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
     ReadColour(map, world, "bright_color", settings.brightColour);
-    ReadColour(map, world, "dark_color", settings.darkColour);
+    ReadDarkColour(map, world, dark, settings.darkColour);
     return settings;
 }
 

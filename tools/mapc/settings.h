@@ -4,6 +4,7 @@
 #include "mapc/map_file.h"
 
 #include <array>
+#include <optional>
 
 struct LevelSettings {
     double scale = 1;           // "scale": engine units per map unit
@@ -23,7 +24,7 @@ struct LevelSettings {
     int lightMode = 0;              // "light_mode": 2 inverts the light
     bool plainBrightening = false;  // "plain_brightening": all colours brighten by the same fraction
     std::array<int, 3> brightColour{63, 63, 63};  // "bright_color": towards which light brightens, 0..63 each
-    std::array<int, 3> darkColour{0, 0, 0};       // "dark_color": towards which darkness and distance fade
+    std::array<int, 3> darkColour{0, 0, 0};  // "dark_color": of darkness and distance; else as the materials have it
 };
 
 struct PointLight {
@@ -33,6 +34,8 @@ struct PointLight {
     int line = 0;
 };
 
-LevelSettings ReadSettings(const MapFile& map);          // ContentError for a key out of its range
+// dark: the colour that the level's palette was made for. ContentError for a key out of its range, and for a dark_color
+// that is another one.
+LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<int, 3>>& dark);
 std::vector<PointLight> ReadLights(const MapFile& map);  // in map order
 void CheckEntities(const MapFile& map);                  // ContentError for a class that is not known

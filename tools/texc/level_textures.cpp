@@ -182,6 +182,7 @@ CompiledTextures CompileTextures(const LevelTextures& level, const std::filesyst
     compiled.list = std::move(slots.list);
     compiled.images = std::move(slots.images);
     compiled.imageOfSlot = std::move(slots.imageOfSlot);
+    compiled.dark = {SixBits(level.dark.r), SixBits(level.dark.g), SixBits(level.dark.b)};
     for (Material& material : compiled.list) {
         const auto found = level.light.find(material.name);
         if (found != level.light.end()) material.light = found->second;

@@ -5,6 +5,7 @@
 #include "formats/material_list.h"
 #include "formats/texture_file.h"
 
+#include <array>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -38,6 +39,7 @@ struct CompiledTextures {
     std::vector<Image> images;  // in true colour
     std::vector<size_t> imageOfSlot;
     std::vector<Material> list;
+    std::array<int, 3> dark{};  // 0..63
 };
 
 LevelTextures ReadLevelTextures(const std::filesystem::path& path);

@@ -43,7 +43,7 @@ void CompileLevel(const Options& options) {
         }
         WritePng(options.sheet, ContactSheet(shown));
     }
-    WriteMaterialList(options.list, compiled.list);
+    WriteMaterialList(options.list, {compiled.list, compiled.dark});
     WriteWholeFile(options.texture, EncodeTextureFile(compiled.textures));
     if (!options.accelerator.empty()) WriteGlideTextures(options.accelerator, compiled);
 }

@@ -8,6 +8,10 @@
 #include <map>
 #include <memory>
 
+int SixBits(int byte) {
+    return (byte * 63 + 127) / 255;
+}
+
 namespace {
 
 // Light levels of the shaded copies, and how often each counts against an unshaded texel's 12.
@@ -16,10 +20,6 @@ struct Shade {
 };
 constexpr int FULL_LEVEL = 64;
 constexpr Shade SHADES[] = {{64, 12}, {44, 6}, {26, 4}, {12, 3}};
-
-int SixBits(int byte) {
-    return (byte * 63 + 127) / 255;
-}
 
 std::array<uint8_t, 3> SixBitColour(const Rgba& c) {
     return {static_cast<uint8_t>(SixBits(c.r)), static_cast<uint8_t>(SixBits(c.g)), static_cast<uint8_t>(SixBits(c.b))};

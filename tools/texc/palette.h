@@ -27,6 +27,8 @@ struct PaletteWishes {
     Rgba dark, ground;  // what unlit surfaces fade to; see PALETTE_GROUND
 };
 
+int SixBits(int byte);  // 0..255 as one of the 64 steps of a palette
+
 Palette ChoosePalette(const PaletteWishes& wishes);
 
 // Nearest colours with the game's own measure. Visible pixels become 1..255, holes 0.

@@ -23,10 +23,13 @@ std::string RefusalOf(const std::string& text) {
 }  // namespace
 
 TEST(MaterialList, WhatIsWrittenReadsBackInSlotOrder) {
-    WriteMaterialList(LIST, {{60, "clip", 8, 8, MATERIAL_CLIP},
-                             {2, "brick/wall", 128, 64, 0, {1, 2, 255, 255}, 35, 60},
-                             {10, "lava", 64, 64, 12}});
-    const std::vector<Material> read = ReadMaterialList(LIST);
+    WriteMaterialList(LIST, {{{60, "clip", 8, 8, MATERIAL_CLIP},
+                              {2, "brick/wall", 128, 64, 0, {1, 2, 255, 255}, 35, 60},
+                              {10, "lava", 64, 64, 12}},
+                             {{3, 0, 63}}});
+    const MaterialList list = ReadMaterialList(LIST);
+    EXPECT_EQ(list.dark, (std::array<int, 3>{3, 0, 63}));
+    const std::vector<Material>& read = list.materials;
     ASSERT_EQ(read.size(), 3U);
     EXPECT_EQ(read[0].name, "brick/wall");
     EXPECT_EQ(read[0].height, 64);
@@ -48,6 +51,8 @@ TEST(MaterialList, BadLinesAreRefusedWithFileAndLine) {
         {"1 a 8 8 water", "unknown flag \"water\""},
         {"1 a 8 8 colour=12345", "\"12345\" is not a colour"},
         {"1 a 8 8 cover=101", "a has a cover of 101 and a light of 0"},
+        {"dark 1 2", "textures.list:1: the dark colour needs three numbers"},
+        {"dark 1 2 64", "the dark colour has a channel of 64"},
         {"1 a 8 8\n2 a 8 8", "textures.list:2: the material a is listed twice"},
     };
     for (const auto& [text, expected] : cases)

@@ -105,7 +105,7 @@ std::string MapBuilder::Text() const {
 }
 
 CompiledLevel Compile(const MapBuilder& builder, int level, const BakeOptions& bake) {
-    return CompileMap(ParseMap(builder.Text(), "test.map"), TestMaterials(), level, bake);
+    return CompileMap(ParseMap(builder.Text(), "test.map"), {TestMaterials()}, level, bake);
 }
 
 std::string RefusalOf(const MapBuilder& builder, int level) {
@@ -119,7 +119,7 @@ std::string RefusalOf(const MapBuilder& builder, int level) {
 
 std::string RefusalOf(const std::string& mapText) {
     try {
-        CompileMap(ParseMap(mapText, "test.map"), TestMaterials(), 0, FAST_LIGHT);
+        CompileMap(ParseMap(mapText, "test.map"), {TestMaterials()}, 0, FAST_LIGHT);
     } catch (const ContentError& error) {
         return error.what();
     }

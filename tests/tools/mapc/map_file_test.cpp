@@ -58,5 +58,12 @@ TEST(MapText, BadKeysAreRefusedWithTheirLine) {
     EXPECT_NE(withKey("ambient", "128").find("use 0 to 127"), std::string::npos);
     EXPECT_NE(withKey("dark_color", "1 2").find("give it three numbers"), std::string::npos);
     EXPECT_NE(withKey("dark_color", "1 2 255").find("a channel of 255"), std::string::npos);
+    const auto darkOf = [](const MapBuilder& map) {
+        return CompileMap(ParseMap(map.Text(), "dark.map"), {TestMaterials(), {{1, 2, 3}}}, 0).light.darkColour;
+    };
+    const auto room = [] { return MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64"); };
+    EXPECT_EQ(darkOf(room()), (std::array<int16_t, 3>{1, 2, 3}));
+    EXPECT_EQ(darkOf(room().Key("dark_color", "1 2 3")), (std::array<int16_t, 3>{1, 2, 3}));
+    EXPECT_THROW(darkOf(room().Key("dark_color", "1 2 4")), ContentError);
     EXPECT_NE(withKey("subdivide", "64").find("use 0, or 128 and more"), std::string::npos);
 }

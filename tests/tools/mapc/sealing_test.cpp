@@ -114,7 +114,7 @@ TEST(Sealing, ALeakLeavesThePathForTheEditorAndNothingElse) {
     const auto compile = [&](const MapBuilder& map) {
         const std::string text = map.Text();
         WriteWholeFile(folder / "hole.map", {text.begin(), text.end()});
-        WriteMaterialList(folder / "textures.list", TestMaterials());
+        WriteMaterialList(folder / "textures.list", {TestMaterials()});
         CompileToFiles({folder / "hole.map", folder / "textures.list", folder / "out", 0});
     };
     EXPECT_THROW(compile(RoomWithHole()), LeakError);

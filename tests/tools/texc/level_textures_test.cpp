@@ -66,7 +66,10 @@ TEST(CompileTextures, AnimatedSlotsShowTheFourPicturesInTurn) {
             strip.At(x, y) = {static_cast<uint8_t>(60 * (y / 8) + 30), 0, 0, 255};
     }
     Picture("flow", strip);
-    const CompiledTextures compiled = CompileTextures(Level({}, "flow"), FOLDER);
+    LevelTextures level = Level({}, "flow");
+    level.dark = {96, 60, 20, 255};
+    const CompiledTextures compiled = CompileTextures(level, FOLDER);
+    EXPECT_EQ(compiled.dark, (std::array<int, 3>{24, 15, 5})) << "in steps of the palette";
     const auto& slots = compiled.textures.slots;
     EXPECT_EQ(slots[10], slots[14]);
     for (size_t i = 0; i < 4; ++i) {
