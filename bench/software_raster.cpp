@@ -31,7 +31,7 @@ void SetCorner(uint32_t index, double x, double y, float depth) {
     point.inverseDepth = 1 / depth;
 }
 
-Corner TextureCorner(double x, double y) {
+ViewCorner TextureCorner(double x, double y) {
     return {0,
             0,
             1,
@@ -44,7 +44,7 @@ Corner TextureCorner(double x, double y) {
 int32_t AddStrip(double width) {
     const double slant = width > 300 ? 0 : 10.3;
     const uint32_t first = WorldGeometry.used.polyVertices;
-    const int32_t polygon = AddPolygon(
+    const int32_t polygon = AppendPolygon(
         {TextureCorner(0, 0), TextureCorner(0, HEIGHT), TextureCorner(width, HEIGHT), TextureCorner(width, 0)});
     SetCorner(first, 0, 0, 100);
     SetCorner(first + 1, slant, HEIGHT, 110);
@@ -94,12 +94,12 @@ std::vector<DrawnPolygon> MakePolygons() {
         const int corners = 3 + static_cast<int>(random() % 5);
         const double turn = uniform(0, 6.28);
         const uint32_t first = WorldGeometry.used.polyVertices;
-        std::vector<Corner> shape;
+        std::vector<ViewCorner> shape;
         for (int i = 0; i < corners; i++) {
             const double angle = turn - 6.2831853 * i / corners;
             shape.push_back(TextureCorner(radiusX * std::cos(angle), radiusY * std::sin(angle)));
         }
-        const int32_t number = AddPolygon(shape);
+        const int32_t number = AppendPolygon(shape);
         for (int i = 0; i < corners; i++) {
             const double angle = turn - 6.2831853 * i / corners;
             SetCorner(first + static_cast<uint32_t>(i), x + radiusX * std::cos(angle), y + radiusY * std::sin(angle),
@@ -140,7 +140,7 @@ PolygonWork AddPolygons(Rounds& rounds, const std::vector<DrawnPolygon>& polygon
 
 void MakeScene() {
     MakeFrame(WIDTH, HEIGHT, WIDTH);
-    MakeWorld(2000);
+    MakeWorld();
     WorldGeometry.fixed.polyVertices = WorldGeometry.fixed.points = 20000;
     LoadTextures(MakeTextureFile({{0, 0, 0, 64, 64}}, 1));
     for (size_t i = 0; i < sizeof ShadeTable; i++)
@@ -162,7 +162,7 @@ constexpr double CLEAR_TARGET = 1.5;
 
 // The targets are for the fill routine that is chosen; the portable one is shown beside it.
 void Measure(int roundCount, bool hasTargets) {
-    MakeWorld(2000);
+    MakeWorld();
     const std::vector<DrawnPolygon> polygons = MakePolygons();
     Rounds rounds;
     const size_t rowFloor = rounds.Add("floor, rows", WIDTH * HEIGHT, [] { FloorFrame(FirstTexels(), WIDTH); });
