@@ -12,6 +12,8 @@ constexpr size_t RAYS = 256;  // over the hemisphere of a spot
 constexpr size_t RAYS_FAST = 32;
 constexpr size_t CENTRES_MAX = 8;
 constexpr double LIGHT_MIN = 0.02;  // light bytes: less is not worth a ray
+// Of what a shining surface sheds it shows itself, whatever falls on it: more would wash out its colours.
+constexpr double OWN_PART = 0.5;
 constexpr double PI = 3.14159265358979323846;
 constexpr double PATCH_NEAR = 2;   // a shining surface is divided until its parts are this many times their size away
 constexpr double PATCH_SIZE = 24;  // or smaller than this
@@ -169,7 +171,7 @@ private:
         ForAll(
             light_.size(), options_.threads, [&](size_t i) { indirect[i] = Indirect(i); }, options_.progress);
         for (size_t i = 0; i < light_.size(); ++i)
-            light_[i] += receivers_.list[i].light + indirect[i];
+            light_[i] += indirect[i];
         LightBuried();
     }
 
@@ -181,7 +183,7 @@ private:
             ++rays;
             return scene_.Trace(spot, receiver.outward).meets == Meets::Back;
         });
-        if (spots.near.empty()) return 0;
+        if (spots.near.empty() || receiver.light > 0) return receiver.light * OWN_PART;
         double sum = FromSun(receiver, spots, rays);
         for (const Lamp& lamp : input_.lamps)
             sum += FromLamp(lamp, receiver, spots, rays);
@@ -251,7 +253,7 @@ private:
     // The surroundings as a spot sees them.
     double Indirect(size_t number) {
         const Spots& spots = spots_[number];
-        if (spots.near.empty()) return 0;
+        if (spots.near.empty() || receivers_.list[number].light > 0) return 0;
         const Surroundings& around = input_.surroundings;
         const SurfaceFrame frame(receivers_.list[number].outward);
         double open = 0;
@@ -298,8 +300,8 @@ private:
 
     void FindReflections() {
         for (size_t i = 0; i < fans_.polygons.size(); ++i) {
-            std::array<double, 3> reflected;
-            for (size_t k = 0; k < 3; ++k)
+            std::array<double, 3> reflected{};
+            for (size_t k = 0; k < 3 && LookOf(i).light == 0; ++k)
                 reflected[k] = light_[receivers_.ofCorner[fans_.corners[i][k]]] * LookOf(i).reflectance;
             reflections_.push_back(ReflectionOf(fans_.surfaces.solid[i], reflected[0], reflected[1], reflected[2]));
         }
