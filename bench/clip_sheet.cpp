@@ -49,6 +49,7 @@ std::string NameOf(const AnimFileEntry& entry) {
 }
 
 void StartLevel() {
+    UseGlide = 0;
     BuildReciprocalTable();
     SystemInit();
     InitGraphics(0);
