@@ -15,12 +15,14 @@ void BuildFadePalette() {}
 namespace {
 
 void DrawWithTexture(uint8_t texture) {
-    MakeWorld(1);
-    const int32_t polygon = AddPolygon({{0, 0, 1, -70000, -70000, 0}, {0, 0, 1, 0, 70000, 0}, {0, 0, 1, 70000, 0, 0}});
+    MakeWorld();
+    const int32_t polygon =
+        AppendPolygon({{0, 0, 1, -70000, -70000, 0}, {0, 0, 1, 0, 70000, 0}, {0, 0, 1, 70000, 0, 0}});
     WorldGeometry.polygons[polygon].texture = texture;
     const int32_t corners[][2] = {{0, 0}, {10, 40}, {60, 20}};
     for (uint32_t i = 0; i < 3; i++) {
-        ViewPoint& point = WorldGeometry.viewPoints[i];
+        const uint32_t vertex = WorldGeometry.polygons[polygon].firstVertex + i;
+        ViewPoint& point = WorldGeometry.viewPoints[WorldGeometry.polyVertices[vertex].point];
         point.screen.fixed = {corners[i][0] << 16, corners[i][1] << 16};
         point.inverseDepth = 1;
     }
@@ -31,7 +33,7 @@ void DrawWithTexture(uint8_t texture) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t bytes) {
     if (bytes == 0) return 0;
-    MakeWorld(1);
+    MakeWorld();
     MakeFrame(64, 48, 64);
     BuildReciprocalTable();
     std::vector<uint8_t> file(data + 1, data + bytes);
