@@ -75,8 +75,11 @@ void PutRow(Bytes& bytes, const Format& format, const int (&row)[WIDTH]) {
     const size_t start = bytes.size();
     uint32_t packed = 0;  // of pixels smaller than a byte, the first in the highest bits
     for (int x = 0; x < WIDTH; ++x) {
-        packed |= PixelValue(format, row[x]) << (32 - format.bits * (x + 1)) % 32;
-        if (format.bits >= 8) Put(bytes, PixelValue(format, row[x]), format.bits / 8);
+        const uint32_t value = PixelValue(format, row[x]);
+        if (format.bits >= 8)
+            Put(bytes, value, format.bits / 8);
+        else
+            packed |= value << (32 - format.bits * (x + 1));
     }
     for (int bit = 0; format.bits < 8 && bit < WIDTH * format.bits; bit += 8)
         bytes.push_back(static_cast<uint8_t>(packed >> (24 - bit)));
