@@ -100,6 +100,15 @@ std::vector<LightContribution> GetContributions(ByteReader& in, size_t count) {
     return list;
 }
 
+void CheckCounts(const std::string& file, size_t slots, size_t contributions) {
+    if (slots > SLOTS_MAX || contributions > CONTRIBUTIONS_MAX) {
+        Refuse(file, 0,
+               fmt::format("has {} slots of {} and {} contributions of {}", slots, SLOTS_MAX, contributions,
+                           CONTRIBUTIONS_MAX),
+               "use fewer lights, or smaller ones");
+    }
+}
+
 void CheckRange(const ByteReader& in, size_t slot, int32_t first, int32_t count, size_t total) {
     const bool inside =
         first >= 0 && count >= 0 && static_cast<uint64_t>(first) + static_cast<uint64_t>(count) <= total;
@@ -159,6 +168,7 @@ LightMapFile ReadLightMapFile(const std::filesystem::path& path) {
 
 std::vector<uint8_t> EncodeLightSlots(const LightSlotFile& lights) {
     const size_t contributions = std::max(lights.points.size(), lights.corners.size());
+    CheckCounts("lights.alt", lights.slots.size(), contributions);
     ByteWriter out;
     out.BigU16(static_cast<uint32_t>(lights.slots.size()));
     out.BigU16(static_cast<uint32_t>(contributions));
@@ -175,12 +185,7 @@ LightSlotFile DecodeLightSlots(std::vector<uint8_t> content, const std::string& 
     const size_t slots = in.BigU16();
     const size_t contributions = in.BigU16();
     in.BigU16();
-    if (slots > SLOTS_MAX || contributions > CONTRIBUTIONS_MAX) {
-        Refuse(fileName, 0,
-               fmt::format("has {} slots of {} and {} contributions of {}", slots, SLOTS_MAX, contributions,
-                           CONTRIBUTIONS_MAX),
-               REBUILD);
-    }
+    CheckCounts(fileName, slots, contributions);
     if (const size_t needed = slots * SLOT_SIZE + contributions * CONTRIBUTION_SIZE; needed != in.Left()) {
         Refuse(fileName, 0, fmt::format("holds {} bytes after its counts instead of {}", in.Left(), needed), REBUILD);
     }

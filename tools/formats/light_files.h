@@ -28,10 +28,12 @@ LightMapFile DecodeLightMap(std::vector<uint8_t> content, const std::string& fil
 LightMapFile ReadLightMapFile(const std::filesystem::path& path);
 
 constexpr int32_t LIGHT_FREE = -1;
-constexpr int32_t LIGHT_RAMP = 2;
-constexpr int32_t LIGHT_BLINK = 3;
-constexpr int32_t LIGHT_FLICKER = 4;
-constexpr int32_t LIGHT_PASSIVE = 7;  // lights the character only
+constexpr int32_t LIGHT_RAMP = 2;     // phase 0: stepUp a frame to highIntensity, phase 1: stepDown to lowIntensity
+constexpr int32_t LIGHT_BLINK = 3;    // phase 1: highIntensity for highTime frames, phase 0: low
+constexpr int32_t LIGHT_FLICKER = 4;  // intensity 2..3 at random, anew after 0..7 frames
+constexpr int32_t LIGHT_DYNAMIC = 5;  // no contributions: points in the radius get (1 - distance / radius) x intensity
+constexpr int32_t LIGHT_DYNAMIC_RAMP = 6;  // a ramp that raises every point in the radius by 64
+constexpr int32_t LIGHT_PASSIVE = 7;       // lights the character only, as every type does
 
 // One 96-byte record of lights.alt, little-endian; the last 16 bytes are zero.
 struct LightSlotRecord {
@@ -67,6 +69,6 @@ struct LightSlotFile {
     std::vector<LightContribution> corners;  // at most 32767
 };
 
-std::vector<uint8_t> EncodeLightSlots(const LightSlotFile& lights);
+std::vector<uint8_t> EncodeLightSlots(const LightSlotFile& lights);  // ContentError beyond the limits above
 LightSlotFile DecodeLightSlots(std::vector<uint8_t> content, const std::string& fileName);  // both lists as stored
 LightSlotFile ReadLightSlotFile(const std::filesystem::path& path);

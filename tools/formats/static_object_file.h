@@ -1,0 +1,49 @@
+// A static object (.sob): polygons with planes and texture coordinates of their own. A level's sky.sob is its sky.
+//
+// Layout: "Esob", then big-endian 32-bit version (9), polygon count, point count and 0; little-endian 3 x f32 a point;
+// the polygons one after another: u8 texture, two zero bytes, plane nx ny nz d of eight bytes each (f32 and four zero
+// bytes), u8 corner count, 10 a corner: u16 point, f32 u, f32 v.
+//
+// Axes, planes and winding as in a world file. The eye stands at (0, 77, 0) of a sky, whose polygons are seen from
+// inside and drawn in the order of the file, the farthest therefore first.
+#pragma once
+
+#include "formats/world_file.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+constexpr uint32_t STATIC_OBJECT_MAGIC = 0x45736f62;  // "Esob"
+constexpr uint32_t STATIC_OBJECT_VERSION = 9;
+
+// So that the character and its split pieces find room behind it in the game's tables.
+constexpr size_t STATIC_OBJECT_MAX_POLYGONS = 1000;
+constexpr size_t STATIC_OBJECT_MAX_POINTS = 2000;
+constexpr size_t STATIC_OBJECT_MAX_POLYGON_CORNERS = 12;
+constexpr size_t STATIC_OBJECT_MAX_CORNERS = 4000;
+
+struct StaticObjectCorner {
+    uint16_t point = 0;
+    float u = 0;  // 1/256 texel
+    float v = 0;
+    bool operator==(const StaticObjectCorner&) const = default;
+};
+
+struct StaticObjectPolygon {
+    uint8_t texture = 0;  // slot
+    WorldPlane plane;
+    std::vector<StaticObjectCorner> corners;  // 3..12
+};
+
+struct StaticObjectFile {
+    std::vector<WorldVector> points;
+    std::vector<StaticObjectPolygon> polygons;
+};
+
+// Both refuse (ContentError) more than the limits above, fewer than three corners and points outside the table;
+// decoding also a wrong magic or version and a short or overlong file.
+std::vector<uint8_t> EncodeStaticObject(const StaticObjectFile& object, const std::string& fileName);
+StaticObjectFile DecodeStaticObject(std::vector<uint8_t> content, const std::string& fileName);
+StaticObjectFile ReadStaticObjectFile(const std::filesystem::path& path);
