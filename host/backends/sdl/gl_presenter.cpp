@@ -1,7 +1,5 @@
 #include "backends/sdl/presenter.h"
-
-#define GL_GLEXT_PROTOTYPES
-#include <GL/glcorearb.h>
+#include "boards/gpu/gl_context.h"
 
 #include <algorithm>
 
@@ -36,24 +34,6 @@ void main() {
 }
 )";
 
-void AttachShader(GLuint program, GLenum kind, const char* text) {
-    const GLuint shader = glCreateShader(kind);
-    glShaderSource(shader, 1, &text, nullptr);
-    glCompileShader(shader);
-    glAttachShader(program, shader);
-    glDeleteShader(shader);
-}
-
-GLuint LinkProgram() {
-    const GLuint program = glCreateProgram();
-    AttachShader(program, GL_VERTEX_SHADER, VERTEX_PROGRAM);
-    AttachShader(program, GL_FRAGMENT_SHADER, FRAGMENT_PROGRAM);
-    glLinkProgram(program);
-    GLint linked = 0;
-    glGetProgramiv(program, GL_LINK_STATUS, &linked);
-    return linked ? program : 0;
-}
-
 // The frame limiter counts whole ticks of 16 ms and forgets remainders, so a swap that waits for a display slower
 // than that would slow the game down.
 void ChooseVerticalSync(SDL_Window* window) {
@@ -64,11 +44,11 @@ void ChooseVerticalSync(SDL_Window* window) {
 }
 
 void DisableTests() {
-    glDisable(GL_BLEND);
-    glDisable(GL_DEPTH_TEST);
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_SCISSOR_TEST);
-    glDisable(GL_DITHER);
+    gl::Disable(GL_BLEND);
+    gl::Disable(GL_DEPTH_TEST);
+    gl::Disable(GL_CULL_FACE);
+    gl::Disable(GL_SCISSOR_TEST);
+    gl::Disable(GL_DITHER);
 }
 
 class GlPresenter : public Presenter {
@@ -78,28 +58,32 @@ public:
     ~GlPresenter() override { SDL_GL_DeleteContext(context); }
 
     bool Prepare() {
-        program = LinkProgram();
-        if (program == 0) return false;
-        enlargementPlace = glGetUniformLocation(program, "enlargement");
-        glGenVertexArrays(1, &vertexArray);
-        glGenTextures(1, &texture);
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+        std::string error;
+        if (EnterGl(error)) program = LinkGlProgram(VERTEX_PROGRAM, FRAGMENT_PROGRAM, error);
+        if (program == 0) {
+            SDL_SetError("%s", error.c_str());
+            return false;
+        }
+        enlargementPlace = gl::GetUniformLocation(program, "enlargement");
+        gl::GenVertexArrays(1, &vertexArray);
+        gl::GenTextures(1, &texture);
+        gl::BindTexture(GL_TEXTURE_2D, texture);
+        gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+        gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+        gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+        gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
         ChooseVerticalSync(window);
-        return glGetError() == GL_NO_ERROR;
+        return gl::GetError() == GL_NO_ERROR;
     }
 
     void Show(const Picture& picture) override {
         width = picture.width;
         height = picture.height;
-        glActiveTexture(GL_TEXTURE0);
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
-                     picture.pixels);
+        gl::ActiveTexture(GL_TEXTURE0);
+        gl::BindTexture(GL_TEXTURE_2D, texture);
+        gl::PixelStorei(GL_UNPACK_ALIGNMENT, 4);
+        gl::TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
+                       picture.pixels);
         ShowAgain();
     }
 
@@ -109,18 +93,18 @@ public:
         SDL_GL_GetDrawableSize(window, &windowWidth, &windowHeight);
         const SDL_Rect area = FitPicture(width, height, windowWidth, windowHeight);
         DisableTests();
-        glBindFramebuffer(GL_FRAMEBUFFER, 0);
-        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-        glClearColor(0, 0, 0, 1);
-        glClear(GL_COLOR_BUFFER_BIT);
-        glViewport(area.x, windowHeight - area.y - area.h, area.w, area.h);
-        glUseProgram(program);
-        glUniform2f(enlargementPlace, Enlargement(area.w, width), Enlargement(area.h, height));
-        glActiveTexture(GL_TEXTURE0);
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glBindSampler(0, 0);
-        glBindVertexArray(vertexArray);
-        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+        gl::BindFramebuffer(GL_FRAMEBUFFER, 0);
+        gl::ColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+        gl::ClearColor(0, 0, 0, 1);
+        gl::Clear(GL_COLOR_BUFFER_BIT);
+        gl::Viewport(area.x, windowHeight - area.y - area.h, area.w, area.h);
+        gl::UseProgram(program);
+        gl::Uniform2f(enlargementPlace, Enlargement(area.w, width), Enlargement(area.h, height));
+        gl::ActiveTexture(GL_TEXTURE0);
+        gl::BindTexture(GL_TEXTURE_2D, texture);
+        gl::BindSampler(0, 0);
+        gl::BindVertexArray(vertexArray);
+        gl::DrawArrays(GL_TRIANGLE_STRIP, 0, 4);
         SDL_GL_SwapWindow(window);
     }
 
@@ -143,7 +127,5 @@ std::unique_ptr<Presenter> MakeGlPresenter(SDL_Window* window) {
     const SDL_GLContext context = SDL_GL_CreateContext(window);
     if (!context) return nullptr;
     auto presenter = std::make_unique<GlPresenter>(window, context);
-    if (presenter->Prepare()) return presenter;
-    SDL_SetError("the display programs of OpenGL did not compile");
-    return nullptr;
+    return presenter->Prepare() ? std::move(presenter) : nullptr;
 }

@@ -3,6 +3,7 @@
 #include "backends/sdl/keys.h"
 #include "backends/sdl/pads.h"
 #include "backends/sdl/presenter.h"
+#include "boards/gpu/gl_context.h"
 #include "core/devices.h"
 
 #include <cstdio>
@@ -90,17 +91,10 @@ SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t fla
     return created;
 }
 
-void AskForContext() {
-    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 3);
-    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 3);
-    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
-    SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
-}
-
 }  // namespace
 
 bool OpenGameWindow(const char* title, const Options& options) {
-    AskForContext();
+    AskForGlContext();
     window = CreateWindow(title, options, SDL_WINDOW_OPENGL);
     if (window) presenter = MakeGlPresenter(window);
     if (!presenter) {

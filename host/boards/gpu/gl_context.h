@@ -1,0 +1,16 @@
+// The OpenGL 3.3 core context in which everything is drawn: the game window's, or without one that of a window which
+// is never shown.
+#pragma once
+
+#include "boards/gpu/gl.h"
+
+#include <string>
+
+// For SDL's next window that draws with OpenGL.
+void AskForGlContext();
+
+// Makes the functions of gl.h usable on this thread, as often as wanted. False: `error` says why there is no context.
+bool EnterGl(std::string& error);
+void LeaveGl();  // closes the hidden window, if there is one
+
+bool GlIsSoftware();  // the processor draws, not a graphics card
