@@ -34,4 +34,7 @@ const Machine HeadlessMachine = {
     .setMouseCaptured = [](bool) {},
     .messageBox = ShowOnStandardError,
     .hasWindow = [] { return false; },
+    .openSound = nullptr,
+    .playSound = nullptr,
+    .closeSound = nullptr,
 };
