@@ -115,7 +115,7 @@ int main() {
     const Brushes brushes = BuildBrushes(map, materials);
     const LevelSettings settings = ReadSettings(map, std::nullopt);
     const std::vector<PointLight> lights = ReadLights(map);
-    const LightSources sources{settings, lights, brushes, materials, level.placement};
+    const LightSources sources{map.name, settings, lights, brushes, materials, level.placement};
     const auto bake = [&](int threads) {
         return LightWorld(level.world, sources, {LightQuality::Full, threads, {}}).rays;
     };

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int SOURCE_COUNT = 4;
+constexpr int SOURCE_COUNT = 3;
 constexpr int BUTTON_COUNT = 4;
 constexpr uint8_t STATE_DOWN = 0x80;
 

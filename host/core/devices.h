@@ -6,7 +6,7 @@
 
 // Who holds a key down. Each source has its own table and they are ORed, so that one source's release never lets go
 // of another's key.
-enum class KeySource { Keyboard, AlternateKey, Pad, Script };
+enum class KeySource { Keyboard, Pad, Script };
 
 void DeviceKey(KeySource source, uint8_t scanCode, bool down);
 void DeviceMouseMotion(int x, int y, int wheel);                  // summed until the game reads the mouse

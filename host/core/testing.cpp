@@ -1,6 +1,5 @@
 #include "core/testing.h"
 
-#include "core/cd_drive.h"
 #include "core/clock.h"
 #include "core/data_folder.h"
 #include "core/display.h"
@@ -56,9 +55,6 @@ const Machine TEST_MACHINE = {
     .setMouseCaptured = [](bool captured) { TestMachine.mouseCaptured = captured; },
     .messageBox = ShowBox,
     .hasWindow = [] { return true; },
-    .openSound = [](std::string&) { return TestMachine.soundOpens; },
-    .playSound = [](std::shared_ptr<TrackReader> track) { TestMachine.sounds.push_back(std::move(track)); },
-    .closeSound = [] {},
 };
 
 }  // namespace
@@ -66,7 +62,6 @@ const Machine TEST_MACHINE = {
 void UseTestMachine() {
     TestMachine = {};
     CurrentMachine = &TEST_MACHINE;
-    ResetCdDrive();
     ResetRun();
     ResetMessages();
     ResetInputState();

@@ -8,6 +8,9 @@ constexpr size_t SLOTS_MAX = 140;         // of the engine's 150; the others are
 constexpr int SLOTS_AT_PLACE_MAX = 30;    // lights that the character takes
 constexpr size_t PLACES = 200;            // of play, at which they are counted
 constexpr size_t CORNER_POLYGONS = 8191;  // greatest polygon that a contribution can name
+constexpr int GATHERED_MAX = 1000;        // points that a dynamic light reaches
+constexpr double SHOT_RADIUS = 500;       // of the dynamic light of a shot
+constexpr double BYTES_MAX = 1000;        // that a light may add to a surface beside it
 const char* const REBUILD = "build the level again with mapc";
 
 bool IsLightByte(int8_t value) {
@@ -67,6 +70,7 @@ public:
         if (level_.world) {
             CheckNamedRecords();
             CheckCrowding();
+            CheckShots();
         }
     }
 
@@ -75,12 +79,15 @@ private:
         report_.Problem(level_.SlotPath(), place, wrong, remedy);
     }
 
+    static std::string PlaceOf(size_t number, const LightSlotRecord& slot) {
+        return fmt::format("slot {} at {}", number, Describe(Widened(slot.position)));
+    }
+
     void CheckSlot(size_t number) {
         const LightSlotRecord& slot = lights_.slots[number];
         if (slot.type == LIGHT_FREE) return;
-        const std::string place =
-            fmt::format("slot {} at {}", number, Describe({slot.position[0], slot.position[1], slot.position[2]}));
-        const bool known = slot.type == LIGHT_PASSIVE || (slot.type >= LIGHT_RAMP && slot.type <= LIGHT_FLICKER);
+        const std::string place = PlaceOf(number, slot);
+        const bool known = slot.type >= LIGHT_RAMP && slot.type <= LIGHT_PASSIVE;
         if (!known) Problem(place, fmt::format("is of the unknown type {}", slot.type), REBUILD);
         const double squared = double{slot.radius} * double{slot.radius};
         if (!(slot.radius > 0) || !(std::abs(slot.radiusSquared - squared) <= 1e-5 * squared)) {
@@ -90,23 +97,68 @@ private:
         if (slot.lowIntensity > slot.highIntensity) {
             Problem(place, "has a low intensity above its high one", "exchange the light's two intensities");
         }
-    }
-
-    void CheckNamedRecords() {
-        const WorldFile& world = *level_.world;
-        for (const LightSlotRecord& slot : lights_.slots) {
-            for (int i = slot.firstPoint; i < slot.firstPoint + slot.pointCount; ++i)
-                CheckContribution(lights_.points[static_cast<size_t>(i)], world.points.size(), "point");
-            for (int i = slot.firstCorner; i < slot.firstCorner + slot.cornerCount; ++i) {
-                const LightContribution& corner = lights_.corners[static_cast<size_t>(i)];
-                CheckContribution(corner, 8 * std::min(world.polygons.size(), CORNER_POLYGONS + 1), "corner");
+        CheckCycle(slot, place);
+        const bool gathers = slot.type == LIGHT_DYNAMIC || slot.type == LIGHT_DYNAMIC_RAMP;
+        if (slot.pointCount + slot.cornerCount > 0 && (gathers || slot.type == LIGHT_PASSIVE))
+            Problem(place, "has contributions, which its type never uses", REBUILD);
+        if (gathers && level_.world) {
+            const auto reached = PointsWithin(Widened(slot.position), slot.radius);
+            if (reached > GATHERED_MAX) {
+                Problem(place, fmt::format("reaches {} points, at most {}", reached, GATHERED_MAX),
+                        "give the light a smaller radius");
             }
         }
     }
 
-    void CheckContribution(const LightContribution& contribution, size_t limit, const char* kind) {
-        if (contribution.index < limit && std::isfinite(contribution.weight)) return;
-        Problem(fmt::format("{} {}", kind, contribution.index), "is no part of the world, or has no weight", REBUILD);
+    void CheckCycle(const LightSlotRecord& slot, const std::string& place) {
+        const bool ramps = slot.type == LIGHT_RAMP || slot.type == LIGHT_DYNAMIC_RAMP;
+        const bool blinks = slot.type == LIGHT_BLINK;
+        const bool inRange = slot.intensity >= slot.lowIntensity && slot.intensity <= slot.highIntensity;
+        if (slot.phase < 0 || slot.phase > 1 || slot.timer < 0 || ((ramps || blinks) && !inRange))
+            Problem(place, "starts outside of its cycle", REBUILD);
+        const bool moves = slot.lowIntensity >= slot.highIntensity || (slot.stepUp > 0 && slot.stepDown < 0);
+        if ((ramps && !moves) || (blinks && (slot.highTime < 1 || slot.lowTime < 1)))
+            Problem(place, "has a cycle that stands still", REBUILD);
+    }
+
+    auto PointsWithin(const Vec3& centre, double radius) const -> std::ptrdiff_t {
+        const std::vector<WorldPoint>& points = level_.world->points;
+        return std::count_if(points.begin(), points.end(), [&](const WorldPoint& point) {
+            return LengthSquared(Widened(point.position) - centre) <= radius * radius;
+        });
+    }
+
+    void CheckNamedRecords() {
+        const WorldFile& world = *level_.world;
+        for (size_t number = 0; number < lights_.slots.size(); ++number) {
+            const LightSlotRecord& slot = lights_.slots[number];
+            for (int i = slot.firstPoint; i < slot.firstPoint + slot.pointCount; ++i)
+                CheckContribution(number, lights_.points[static_cast<size_t>(i)], world.points.size(), "point");
+            for (int i = slot.firstCorner; i < slot.firstCorner + slot.cornerCount; ++i) {
+                const LightContribution& corner = lights_.corners[static_cast<size_t>(i)];
+                CheckContribution(number, corner, 8 * std::min(world.polygons.size(), CORNER_POLYGONS + 1), "corner");
+            }
+        }
+    }
+
+    void CheckContribution(size_t number, const LightContribution& contribution, size_t limit, const char* kind) {
+        const LightSlotRecord& slot = lights_.slots[number];
+        const std::string place = fmt::format("{}, {} {}", PlaceOf(number, slot), kind, contribution.index);
+        if (contribution.index >= limit) Problem(place, "is no part of the world", REBUILD);
+        const float most = slot.type == LIGHT_FLICKER ? 3 : std::max(slot.intensity, slot.highIntensity);
+        const double bytes = double{contribution.weight} * double{most} * 64;
+        if (!(std::abs(bytes) <= BYTES_MAX))
+            Problem(place, fmt::format("gets {} light bytes, {} at most are of use", bytes, BYTES_MAX), REBUILD);
+    }
+
+    void CheckShots() {
+        for (const Vec3& place : PlacesOfPlay(level_.number, FacesOf(*level_.world), PLACES)) {
+            const auto reached = PointsWithin(place, SHOT_RADIUS);
+            if (reached <= GATHERED_MAX) continue;
+            report_.Note(level_.SlotPath(), "at " + Describe(place),
+                         fmt::format("a shot reaches {} points and lights {} of them", reached, GATHERED_MAX),
+                         "simplify the brushes around it");
+        }
     }
 
     void CheckCrowding() {

@@ -5,6 +5,8 @@
 #include "mapc/bake_threads.h"
 
 #include <map>
+#include <numeric>
+#include <optional>
 
 namespace {
 
@@ -152,6 +154,7 @@ public:
 
     BakedLight Bake() {
         light_.resize(receivers_.list.size());
+        changing_.assign(input_.changing.size(), light_);
         spots_.resize(light_.size());
         rays_.resize(light_.size());
         if (options_.quality != LightQuality::None) FindLight();
@@ -165,14 +168,17 @@ private:
 
     void FindLight() {
         ForAll(light_.size(), options_.threads, [this](size_t i) { light_[i] = Direct(i); });
-        LightBuried();
+        LightBuried(light_);
+        for (std::vector<double>& light : changing_)
+            LightBuried(light);
         FindReflections();
         std::vector<double> indirect(light_.size());
         ForAll(
             light_.size(), options_.threads, [&](size_t i) { indirect[i] = Indirect(i); }, options_.progress);
         for (size_t i = 0; i < light_.size(); ++i)
             light_[i] += indirect[i];
-        LightBuried();
+        LightBuried(light_);
+        FindPlaces();
     }
 
     // What comes straight from lamps, the sun and shining surfaces.
@@ -187,6 +193,8 @@ private:
         double sum = FromSun(receiver, spots, rays);
         for (const Lamp& lamp : input_.lamps)
             sum += FromLamp(lamp, receiver, spots, rays);
+        for (size_t i = 0; i < changing_.size(); ++i)
+            changing_[i][number] = FromLamp(input_.changing[i], receiver, spots, rays);
         for (size_t i = 0; i < glows_.size(); ++i)
             sum += FromGlow(glows_[i].triangle, glows_[i].light, spots.near[i % spots.near.size()], receiver.outward,
                             rays);
@@ -250,17 +258,21 @@ private:
         return std::min(most, light) * cosines * scene_.Passed(spot, spot + way);
     }
 
-    // The surroundings as a spot sees them.
     double Indirect(size_t number) {
         const Spots& spots = spots_[number];
         if (spots.near.empty() || receivers_.list[number].light > 0) return 0;
+        return FromAround(spots.near, receivers_.list[number].outward, rays_[number]);
+    }
+
+    // The surroundings as spots see them.
+    double FromAround(const std::vector<Vec3>& spots, const Vec3& outward, size_t& rays) const {
         const Surroundings& around = input_.surroundings;
-        const SurfaceFrame frame(receivers_.list[number].outward);
+        const SurfaceFrame frame(outward);
         double open = 0;
         double sky = 0;
         double reflected = 0;
         for (size_t i = 0; i < directions_.size(); ++i) {
-            const Vec3& spot = spots.near[i % spots.near.size()];
+            const Vec3& spot = spots[i % spots.size()];
             const Vec3 direction = frame.Turned(directions_[i]);
             const RayHit hit = scene_.Trace(spot, direction);
             if (hit.meets == Meets::Sky) {
@@ -272,15 +284,15 @@ private:
                     reflected += hit.passed * reflections_[hit.triangle].At(spot + direction * hit.distance);
             }
         }
-        rays_[number] += directions_.size();
+        rays += directions_.size();
         return (around.ambient * open + around.sky * sky + around.bounce * reflected) /
                static_cast<double>(directions_.size());
     }
 
     // Where no spot sees anything, the light of the corners beside it.
-    void LightBuried() {
-        std::vector<double> sums(light_.size(), 0);
-        std::vector<double> counts(light_.size(), 0);
+    void LightBuried(std::vector<double>& light) const {
+        std::vector<double> sums(light.size(), 0);
+        std::vector<double> counts(light.size(), 0);
         for (const WorldPolygon& polygon : input_.world.polygons) {
             const size_t first = polygon.firstCorner;
             for (size_t i = first; i < first + polygon.cornerCount; ++i) {
@@ -288,14 +300,48 @@ private:
                     const size_t to = receivers_.ofCorner[i];
                     const size_t from = receivers_.ofCorner[k];
                     if (to == NONE || !spots_[to].near.empty() || spots_[from].near.empty()) continue;
-                    sums[to] += light_[from];
+                    sums[to] += light[from];
                     ++counts[to];
                 }
             }
         }
-        for (size_t i = 0; i < light_.size(); ++i) {
-            if (counts[i] > 0) light_[i] = sums[i] / counts[i];
+        for (size_t i = 0; i < light.size(); ++i) {
+            if (counts[i] > 0) light[i] = sums[i] / counts[i];
         }
+    }
+
+    void FindPlaces() {
+        std::vector<std::optional<PlaceLight>> places(input_.floors.size());
+        std::vector<size_t> rays(places.size());
+        ForAll(places.size(), options_.threads, [&](size_t i) { places[i] = AtPlace(input_.floors[i], rays[i]); });
+        for (std::optional<PlaceLight>& place : places) {
+            if (place) places_.push_back(std::move(*place));
+        }
+        placeRays_ = std::accumulate(rays.begin(), rays.end(), size_t{0});
+    }
+
+    std::optional<PlaceLight> AtPlace(const Vec3& floor, size_t& rays) const {
+        PlaceLight light{floor + Vec3{0, PLAYER_MIDDLE, 0}, {}};
+        ++rays;
+        const bool hasRoom = scene_.Passed(floor + Vec3{0, 1, 0}, light.place) > 0;
+        if (!hasRoom) return std::nullopt;
+        for (const auto* lamps : {&input_.lamps, &input_.changing}) {
+            for (const Lamp& lamp : *lamps)
+                light.lamps.push_back(AtPlace(lamp, light.place, rays));
+        }
+        const RayHit hit = scene_.Trace(light.place, input_.surroundings.toSun);
+        if (hit.meets == Meets::Sky) light.sun = input_.surroundings.sun * hit.passed;
+        light.above = FromAround({light.place}, {0, 1, 0}, rays);
+        for (const Vec3& side : {Vec3{1, 0, 0}, Vec3{-1, 0, 0}, Vec3{0, 0, 1}, Vec3{0, 0, -1}})
+            light.around += FromAround({light.place}, side, rays) / 4;
+        return light;
+    }
+
+    double AtPlace(const Lamp& lamp, const Vec3& place, size_t& rays) const {
+        const double distance = Length(lamp.position - place);
+        if (distance >= lamp.radius) return 0;
+        ++rays;
+        return lamp.brightness * (1 - distance / lamp.radius) * scene_.Passed(place, lamp.position);
     }
 
     void FindReflections() {
@@ -308,22 +354,28 @@ private:
     }
 
     BakedLight Result() const {
+        BakedLight baked{FieldOf(light_), {}, places_, input_.surroundings.toSun, placeRays_};
+        for (const std::vector<double>& light : changing_)
+            baked.changing.push_back(FieldOf(light));
+        baked.rays = std::accumulate(rays_.begin(), rays_.end(), baked.rays);
+        return baked;
+    }
+
+    LightField FieldOf(const std::vector<double>& light) const {
         const WorldFile& world = input_.world;
-        BakedLight baked;
+        LightField field;
         for (const size_t receiver : receivers_.ofPoint)
-            baked.points.push_back(receiver == NONE ? 0 : light_[receiver]);
+            field.points.push_back(receiver == NONE ? 0 : light[receiver]);
         for (size_t i = 0; i < world.polygons.size(); ++i) {
             const WorldPolygon& polygon = world.polygons[i];
             if (polygon.shading != WORLD_CORNER_LIGHT) continue;
-            baked.corners.resize(i + 1);
+            field.corners.resize(i + 1);
             for (size_t k = 0; k < polygon.cornerCount; ++k) {
                 const size_t receiver = receivers_.ofCorner[polygon.firstCorner + k];
-                if (receiver != NONE) baked.corners[i][k] = light_[receiver];
+                if (receiver != NONE) field.corners[i][k] = light[receiver];
             }
         }
-        for (const size_t rays : rays_)
-            baked.rays += rays;
-        return baked;
+        return field;
     }
 
     const BakeInput& input_;
@@ -335,8 +387,11 @@ private:
     std::vector<Glow> glows_;
     std::vector<Spots> spots_;
     std::vector<double> light_;
-    std::vector<size_t> rays_;  // of each receiver, so that the threads need not share a counter
+    std::vector<std::vector<double>> changing_;  // by lamp
+    std::vector<size_t> rays_;                   // of each receiver, so that the threads need not share a counter
     std::vector<Reflection> reflections_;
+    std::vector<PlaceLight> places_;
+    size_t placeRays_ = 0;
 };
 
 }  // namespace

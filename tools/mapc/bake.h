@@ -48,13 +48,33 @@ struct BakeInput {
     const WorldFile& world;
     std::vector<SurfaceLook> looks;  // by texture slot
     std::vector<Winding> sky;        // faces that the sky shows through
-    std::vector<Lamp> lamps;
+    std::vector<Lamp> lamps;         // that always burn
     Surroundings surroundings;
+    std::vector<Lamp> changing{};  // each gets a field to itself, of what it sends straight
+    std::vector<Vec3> floors{};    // places that a player may stand on
+};
+
+struct LightField {
+    std::vector<double> points;                  // one a point of the world
+    std::vector<std::array<double, 8>> corners;  // one a polygon up to the last with corner light
+};
+
+constexpr double PLAYER_MIDDLE = 110;  // above the floor that the player stands on
+
+// The light on the middle of a player, as light bytes of a surface that faces where it comes from.
+struct PlaceLight {
+    Vec3 place;
+    std::vector<double> lamps;  // one each; the changing ones come last
+    double sun = 0;
+    double above = 0;   // from the surroundings, on a surface that looks up
+    double around = 0;  // and on one that looks to a side
 };
 
 struct BakedLight {
-    std::vector<double> points;                  // one a point of the world
-    std::vector<std::array<double, 8>> corners;  // one a polygon up to the last with corner light
+    LightField steady;  // all light but that of changing lamps
+    std::vector<LightField> changing;
+    std::vector<PlaceLight> places;  // above the floors, where a player has the room
+    Vec3 toSun;                      // unit
     size_t rays = 0;
 };
 

@@ -77,6 +77,7 @@ void AddLight(const LightSources& sources, const BakeOptions& options, CompiledL
     const auto begin = std::chrono::steady_clock::now();
     LitWorld lit = LightWorld(compiled.world, sources, options);
     compiled.light = std::move(lit.file);
+    compiled.slots = std::move(lit.slots);
     compiled.rays = lit.rays;
     compiled.lightSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
@@ -138,12 +139,12 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
 
     Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes);
-    const LightSources sources{settings, lights, brushes, list.materials, compiled.placement};
+    const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
         const LightGrid grid{settings.subdivide / settings.scale, settings.scale};
         const WorldFile whole = CutOnWholeGrid(map, tree, brushes, compiled.placement, grid);
-        const LitWorld lit = LightWorld(whole, sources, {LightQuality::Fast, bake.threads, {}});
-        TessellateWhereLightBends(tree, brushes.planes, grid, {whole, lit.file.pointLight, compiled.placement},
+        const std::vector<int8_t> light = BrightestLight(whole, sources, bake.threads);
+        TessellateWhereLightBends(tree, brushes.planes, grid, {whole, light, compiled.placement},
                                   settings.lightTolerance);
     }
     const Mesh mesh = MeshOf(tree, brushes);

@@ -1,6 +1,7 @@
 #include "mapc/light.h"
 
 #include "formats/error.h"
+#include "mapc/light_slots.h"
 
 #include <fmt/format.h>
 
@@ -43,13 +44,18 @@ std::vector<Winding> SkyFaces(const Brushes& brushes, const Placement& placement
     return faces;
 }
 
+std::vector<Lamp> LampsOf(const std::vector<PointLight>& lights, const Placement& placement) {
+    std::vector<Lamp> lamps;
+    for (const PointLight& light : lights)
+        lamps.push_back({placement.ToEngine(light.origin), light.brightness, light.radius * placement.scale});
+    return lamps;
+}
+
+// Without lamps.
 BakeInput InputOf(const WorldFile& world, const LightSources& sources) {
     const LevelSettings& settings = sources.settings;
     const Placement& placement = sources.placement;
     BakeInput input{world, LooksOf(sources.materials), SkyFaces(sources.brushes, placement), {}, {}};
-    for (const PointLight& light : sources.lights) {
-        input.lamps.push_back({placement.ToEngine(light.origin), light.brightness, light.radius * placement.scale});
-    }
     const Vec3 toSun = placement.Turned(-settings.sunDirection);
     input.surroundings = {toSun * (1 / Length(toSun)), settings.sun,   settings.skyLight, settings.ambient,
                           settings.ambientDistance,    settings.bounce};
@@ -61,6 +67,13 @@ int8_t LightByte(double light) {
     const double above = light - PRESSED_FROM;
     const double pressed = above > 0 ? PRESSED_FROM + ROOM * above / (ROOM + above) : light;
     return static_cast<int8_t>(std::clamp(std::floor(pressed + 0.5), 0.0, LIGHT_MAX));
+}
+
+std::vector<int8_t> LightBytes(const std::vector<double>& light, double exposure) {
+    std::vector<int8_t> bytes;
+    for (const double value : light)
+        bytes.push_back(LightByte(value * exposure));
+    return bytes;
 }
 
 void SetLevelValues(const LevelSettings& settings, LightMapFile& file) {
@@ -95,17 +108,28 @@ void CheckLights(const MapFile& map, const Brushes& brushes, const std::vector<P
 }
 
 LitWorld LightWorld(const WorldFile& world, const LightSources& sources, const BakeOptions& options) {
-    const BakedLight baked = BakeLight(InputOf(world, sources), options);
+    const LampsByStyle lamps = SortLamps(sources.lights);
+    BakeInput input = InputOf(world, sources);
+    input.lamps = LampsOf(lamps.steady, sources.placement);
+    input.changing = LampsOf(lamps.changing, sources.placement);
+    input.floors = FloorsOf(world);
+    const BakedLight baked = BakeLight(input, options);
     const double exposure = sources.settings.exposure;
     LitWorld lit;
     lit.rays = baked.rays;
-    for (const double light : baked.points)
-        lit.file.pointLight.push_back(LightByte(light * exposure));
-    for (const auto& corners : baked.corners) {
+    lit.file.pointLight = LightBytes(baked.steady.points, exposure);
+    for (const auto& corners : baked.steady.corners) {
         auto& bytes = lit.file.cornerLight.emplace_back();
         std::transform(corners.begin(), corners.end(), bytes.begin(),
                        [&](double light) { return LightByte(light * exposure); });
     }
     SetLevelValues(sources.settings, lit.file);
+    lit.slots = MakeLightSlots(baked, {sources.mapName, world, lamps, sources.placement, exposure});
     return lit;
+}
+
+std::vector<int8_t> BrightestLight(const WorldFile& world, const LightSources& sources, int threads) {
+    BakeInput input = InputOf(world, sources);
+    input.lamps = LampsOf(sources.lights, sources.placement);
+    return LightBytes(BakeLight(input, {LightQuality::Fast, threads, {}}).steady.points, sources.settings.exposure);
 }

@@ -224,6 +224,16 @@ double NumberKey(const MapFile& map, const MapEntity& entity, const std::string&
     return value;
 }
 
+double NumberKeyIn(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing, double least,
+                   double most) {
+    const double value = NumberKey(map, entity, name, ifMissing);
+    if (value < least || value > most) {
+        Refuse(map.name, entity.Find(name)->line, fmt::format("the key {} is {}", name, value),
+               fmt::format("use {} to {}", least, most));
+    }
+    return value;
+}
+
 std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const std::string& name) {
     const MapKey* key = entity.Find(name);
     if (!key) return std::nullopt;

@@ -56,4 +56,6 @@ MapFile ReadMapFile(const std::filesystem::path& path);
 
 // Values of keys; a missing key gives the default, a malformed one a ContentError that names the key's line.
 double NumberKey(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing);
+double NumberKeyIn(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing, double least,
+                   double most);  // also a ContentError beyond least and most
 std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const std::string& name);

@@ -6,19 +6,6 @@
 
 namespace {
 
-constexpr double LIGHT_DEFAULT = 100;
-constexpr double RADIUS_DEFAULT = 800;
-
-double InRange(const MapFile& map, const MapEntity& entity, const char* name, double ifMissing, double least,
-               double most) {
-    const double value = NumberKey(map, entity, name, ifMissing);
-    if (value < least || value > most) {
-        Refuse(map.name, entity.Find(name)->line, fmt::format("the key {} is {}", name, value),
-               fmt::format("use {} to {}", least, most));
-    }
-    return value;
-}
-
 void ReadColour(const MapFile& map, const MapEntity& entity, const char* name, std::array<int, 3>& colour) {
     const std::optional<Vec3> vector = VectorKey(map, entity, name);
     if (!vector) return;
@@ -43,21 +30,6 @@ void ReadDarkColour(const MapFile& map, const MapEntity& world, const std::optio
            "leave the key out, or change the dark colour of the textures");
 }
 
-// Weights of the eye for red, green and blue; the engine's light has no colour.
-double BrightnessOf(const Vec3& colour) {
-    const double most = std::max({colour.x, colour.y, colour.z}) > 1 ? 255 : 1;
-    return (0.299 * colour.x + 0.587 * colour.y + 0.114 * colour.z) / most;
-}
-
-PointLight LightOf(const MapFile& map, const MapEntity& entity) {
-    const std::optional<Vec3> origin = VectorKey(map, entity, "origin");
-    if (!origin) Refuse(map.name, entity.line, "a light has no origin", "place it in the map");
-    PointLight light{*origin, InRange(map, entity, "light", LIGHT_DEFAULT, -127, 1000),
-                     InRange(map, entity, "radius", RADIUS_DEFAULT, 1, 100000), entity.line};
-    if (const std::optional<Vec3> colour = VectorKey(map, entity, "_color")) light.brightness *= BrightnessOf(*colour);
-    return light;
-}
-
 }  // namespace
 
 LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<int, 3>>& dark) {
@@ -67,7 +39,7 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     }
     const MapEntity& world = map.entities[0];
     const auto number = [&](const char* name, double ifMissing, double least, double most) {
-        return InRange(map, world, name, ifMissing, least, most);
+        return NumberKeyIn(map, world, name, ifMissing, least, most);
     };
     settings.scale = number("scale", settings.scale, 0.01, 100);
     settings.subdivide = number("subdivide", settings.subdivide, 0, 8192);
@@ -95,14 +67,6 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     ReadColour(map, world, "bright_color", settings.brightColour);
     ReadDarkColour(map, world, dark, settings.darkColour);
     return settings;
-}
-
-std::vector<PointLight> ReadLights(const MapFile& map) {
-    std::vector<PointLight> lights;
-    for (const MapEntity& entity : map.entities) {
-        if (entity.ClassName() == "light") lights.push_back(LightOf(map, entity));
-    }
-    return lights;
 }
 
 void CheckEntities(const MapFile& map) {

@@ -1,4 +1,4 @@
-// What the map itself says about its level: the keys of worldspawn and the light entities.
+// What the map itself says about its level: the keys of worldspawn.
 #pragma once
 
 #include "mapc/map_file.h"
@@ -27,15 +27,7 @@ struct LevelSettings {
     std::array<int, 3> darkColour{0, 0, 0};  // "dark_color": of darkness and distance; else as the materials have it
 };
 
-struct PointLight {
-    Vec3 origin;            // map space
-    double brightness = 0;  // "light", times the brightness of "_color": light byte at the lamp
-    double radius = 0;      // "radius": map units to where it has faded to nothing
-    int line = 0;
-};
-
 // dark: the colour that the level's palette was made for. ContentError for a key out of its range, and for a dark_color
 // that is another one.
 LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<int, 3>>& dark);
-std::vector<PointLight> ReadLights(const MapFile& map);  // in map order
-void CheckEntities(const MapFile& map);                  // ContentError for a class that is not known
+void CheckEntities(const MapFile& map);  // ContentError for a class that is not known

@@ -34,7 +34,4 @@ const Machine HeadlessMachine = {
     .setMouseCaptured = [](bool) {},
     .messageBox = ShowOnStandardError,
     .hasWindow = [] { return false; },
-    .openSound = nullptr,
-    .playSound = nullptr,
-    .closeSound = nullptr,
 };

@@ -165,7 +165,3 @@ constexpr auto SCAN_CODES = BuildTable();
 uint8_t ScanCodeOf(SDL_Scancode key) {
     return key < SDL_NUM_SCANCODES ? SCAN_CODES[key] : uint8_t{0};
 }
-
-uint8_t AlternateCodeOf(SDL_Scancode key) {
-    return key == SDL_SCANCODE_X ? ScanCodeOf(SDL_SCANCODE_RCTRL) : uint8_t{0};
-}

@@ -1,7 +1,6 @@
 #include "backends/sdl/sdl_machine.h"
 
 #include "backends/sdl/pads.h"
-#include "backends/sdl/sound.h"
 #include "backends/sdl/window.h"
 
 #include <SDL.h>
@@ -34,7 +33,6 @@ bool DriverUsable() {
 }
 
 void Stop() {
-    CloseSound();
     StopPads();
     CloseGameWindow();
     SDL_Quit();
@@ -117,7 +115,4 @@ const Machine SdlMachine = {
     .setMouseCaptured = CapturePointer,
     .messageBox = MessageBox,
     .hasWindow = GameWindowOpen,
-    .openSound = OpenSound,
-    .playSound = PlayTrack,
-    .closeSound = CloseSound,
 };

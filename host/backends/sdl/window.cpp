@@ -51,10 +51,8 @@ void HandleWindowEvent(const SDL_WindowEvent& event) {
 }
 
 void HandleKey(const SDL_KeyboardEvent& event) {
-    if (event.repeat != 0) return;
-    const bool down = event.state == SDL_PRESSED;
-    if (const uint8_t code = ScanCodeOf(event.keysym.scancode)) DeviceKey(KeySource::Keyboard, code, down);
-    if (const uint8_t code = AlternateCodeOf(event.keysym.scancode)) DeviceKey(KeySource::AlternateKey, code, down);
+    const uint8_t code = ScanCodeOf(event.keysym.scancode);
+    if (code != 0 && event.repeat == 0) DeviceKey(KeySource::Keyboard, code, event.state == SDL_PRESSED);
 }
 
 void HandleMouseButton(const SDL_MouseButtonEvent& event) {

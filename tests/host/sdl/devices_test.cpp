@@ -101,18 +101,6 @@ TEST_F(SdlDevices, KeysGoDownAndUpAndDoNotRepeat) {
     EXPECT_FALSE(Down(UP));
 }
 
-TEST_F(SdlDevices, XIsTheRightCtrlKeyToo) {
-    constexpr uint8_t X = 0x2D, RIGHT_CTRL = 0x9D;
-    PushKey(SDL_SCANCODE_X, true);
-    EXPECT_TRUE(Down(RIGHT_CTRL));
-    EXPECT_TRUE(Down(X));
-    PushKey(SDL_SCANCODE_RCTRL, true);
-    PushKey(SDL_SCANCODE_RCTRL, false);
-    EXPECT_TRUE(Down(RIGHT_CTRL)) << "still held with X";
-    PushKey(SDL_SCANCODE_X, false);
-    EXPECT_FALSE(Down(RIGHT_CTRL));
-}
-
 TEST_F(SdlPad, ReleasingOneSourceKeepsTheKeyOfAnother) {
     Button(SDL_CONTROLLER_BUTTON_DPAD_UP, true);
     Axis(SDL_CONTROLLER_AXIS_LEFTY, -30000);

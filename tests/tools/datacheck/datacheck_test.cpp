@@ -237,7 +237,14 @@ TEST(Datacheck, TellsFaultsOfLight) {
         {"and its square", [](LevelData& l) { l.slots->slots[0].radius = 0; }},
         {"above its high one", [](LevelData& l) { l.slots->slots[0].lowIntensity = 3; }},
         {"point 60000: is no part", [](LevelData& l) { l.slots->points[0].index = 60000; }},
-        {"corner 8: is no part", [](LevelData& l) { l.slots->corners[0].weight = NAN; }},
+        {"corner 8: gets nan light bytes", [](LevelData& l) { l.slots->corners[0].weight = NAN; }},
+        {"has a cycle that stands still", [](LevelData& l) { l.slots->slots[0].type = LIGHT_BLINK; }},
+        {"starts outside of its cycle",
+         [](LevelData& l) {
+             l.slots->slots[0].type = LIGHT_RAMP;
+             l.slots->slots[0].intensity = 2.5F;
+         }},
+        {"which its type never uses", [](LevelData& l) { l.slots->slots[0].type = LIGHT_DYNAMIC; }},
         {"31 slots reach the character",
          [](LevelData& l) {
              const LightSlotRecord lamp = l.slots->slots[0];

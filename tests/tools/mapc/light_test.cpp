@@ -152,11 +152,13 @@ TEST(Light, NeighboursAgreeOnTheirBorder) {
 }
 
 TEST(Light, NumberOfThreadsDoesNotMatter) {
-    const MapBuilder map = RoomWithSkylight().Light("50 60 70").Key("sun", "60").Key("sky_light", "9");
+    MapBuilder map = RoomWithSkylight().Light("50 60 70").Key("sun", "60").Key("sky_light", "9");
+    map.Light("-50 60 70", "\"style\" \"ramp\"\n").Light("0 0 300", "\"style\" \"flicker\"\n");
     const CompiledLevel one = Compile(map, 3, {LightQuality::Full, 1, {}});
     for (const int threads : {2, 3}) {
         const CompiledLevel several = Compile(map, 3, {LightQuality::Full, threads, {}});
         EXPECT_EQ(EncodeLightMap(several.light), EncodeLightMap(one.light));
+        EXPECT_EQ(EncodeLightSlots(several.slots), EncodeLightSlots(one.slots));
         EXPECT_EQ(several.rays, one.rays);
     }
 }

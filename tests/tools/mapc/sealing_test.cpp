@@ -129,7 +129,7 @@ TEST(Sealing, ALeakLeavesThePathForTheEditorAndNothingElse) {
     compile(RoomWithHole().Box({512, 224, 96}, {528, 288, 160}));
     EXPECT_FALSE(std::filesystem::exists(folder / "out/hole.pts"));
     EXPECT_GT(ReadWorldFile(folder / "out/hole.bgm").polygons.size(), 10U);
-    EXPECT_EQ(ReadLightSlotFile(folder / "out/lights.alt").slots.size(), 0U);
+    EXPECT_EQ(ReadLightSlotFile(folder / "out/lights.alt").slots.size(), 4U);
     EXPECT_EQ(ReadLightMapFile(folder / "out/lights.lmp").pointLight.size(),
               ReadWorldFile(folder / "out/hole.bgm").points.size());
 }

@@ -1,0 +1,38 @@
+// The light slots of a level (lights.alt): lamps that change, with what each adds to points and corners, and slots that
+// only light the character. Those are chosen so that over all places of play the character is lit as the place is: the
+// engine lets slots shine through walls and lights the character by nothing else.
+#pragma once
+
+#include "formats/light_files.h"
+#include "mapc/bake.h"
+#include "mapc/map_lights.h"
+#include "mapc/placement.h"
+
+constexpr size_t SLOTS_MAX = 140;                 // of the engine's 150; the others are left to shots
+constexpr size_t CONTRIBUTIONS_MAX = 32767;       // of points, and of corners, of all lights together
+constexpr size_t CORNER_POLYGONS_MAX = 8192;      // a contribution cannot name corners of later polygons
+constexpr size_t GATHERED_POINTS_MAX = 1000;      // that a dynamic light reaches
+constexpr size_t SLOTS_AT_PLACE_MAX = 30;         // that light the character at once
+constexpr double FLICKER_INTENSITY = 2.49609375;  // the mean of what the engine throws
+
+// The lamps of a map by how they are baked, each in map order.
+struct LampsByStyle {
+    std::vector<PointLight> steady;
+    std::vector<PointLight> changing;  // ramp, blink, flicker
+    std::vector<PointLight> dynamic;   // both kinds
+};
+LampsByStyle SortLamps(const std::vector<PointLight>& lights);
+
+// Places on the floors of a world, spread over it.
+std::vector<Vec3> FloorsOf(const WorldFile& world);
+
+struct SlotSources {
+    const std::string& map;  // its name in messages
+    const WorldFile& world;
+    const LampsByStyle& lamps;  // as they were given to the bake
+    const Placement& placement;
+    double exposure = 1;
+};
+
+// ContentError with the line of the light that goes beyond one of the limits above.
+LightSlotFile MakeLightSlots(const BakedLight& baked, const SlotSources& sources);
