@@ -116,19 +116,6 @@ TEST_F(ProbeTest, InsideARoomTheDistanceIsThatOfTheBox) {
     }
 }
 
-TEST_F(ProbeTest, WalkEndsWithTheFirstSubtreeThatIsHit) {
-    // The wall of the front side reaches into the back side, where a nearer one stands: trees of a compiler never do
-    // this, and it shows which side is walked first.
-    const int16_t front = world.AddLeaf({FacingSquare({0, 0, 200}, SOUTH, 50)});
-    const int16_t back = world.AddLeaf({FacingSquare({0, 0, 50}, SOUTH, 50)});
-    world.AddNode({1, 0, 0, 0}, front, back);
-    world.Publish();
-    EXPECT_FLOAT_EQ(CameraRayDistance({0.5f, 0, 0}, {0.5f, 0, 250}), 200.0f);
-    EXPECT_FLOAT_EQ(CameraRayDistance({-1.5f, 0, 0}, {-1.5f, 0, 250}), 50.0f);
-    // The side is that of the start cut to whole numbers: -0.5 counts as 0, in front.
-    EXPECT_FLOAT_EQ(CameraRayDistance({-0.5f, 0, 0}, {-0.5f, 0, 250}), 200.0f);
-}
-
 TEST_F(FollowCamera, RestsBehindAndAboveThePlayerInTheOpen) {
     Build({});
     PlayerActor.position = {1000, 200, -500};
@@ -211,37 +198,3 @@ TEST_F(FreeCamera, MovesAndLooksByTheButtons) {
     }
 }
 
-TEST_F(FreeCamera, FliesByTheRotationOfTheFrameBefore) {
-    CameraMode = CAMERA_FREE;
-    Update(1);  // builds the rotation
-    CameraState.yawAccumulator = 360.0f;
-    CameraState.moveZ = 10.9f;
-    UpdateCamera();
-    EXPECT_EQ(CameraPos.z, 10.0f);  // straight ahead still, and whole units only
-    EXPECT_EQ(CameraPos.x, 0.0f);
-    EXPECT_EQ(CameraAngles.y, 90.0f);
-    CameraState.moveZ = 10.9f;
-    UpdateCamera();
-    EXPECT_EQ(CameraPos.x, -10.0f);
-    EXPECT_EQ(CameraPos.z, 10.0f);
-}
-
-TEST_F(CameraTest, ViewMatrixTakesTheCameraToTheOriginAndForwardToZ) {
-    Build({});
-    ScreenAspect = 1.25f;
-    CameraMode = CAMERA_FOLLOW;
-    PlayerActor.position = {500, 0, 700};
-    PlayerActor.angles.y = 30.0f;
-    Update(60);
-    const auto view = [](const Vec3& p, int row) {
-        const float* m = ViewMatrix.rotation.m + 3 * row;
-        const float t[] = {ViewMatrix.translation.x, ViewMatrix.translation.y, ViewMatrix.translation.z};
-        return m[0] * p.x + m[1] * p.y + m[2] * p.z + t[row];
-    };
-    const Vec3 head = {500, 60, 700}, above = {500, 70, 700};
-    for (int row = 0; row < 3; row++)
-        EXPECT_NEAR(view(CameraPos, row), 0.0, 1e-3);
-    EXPECT_NEAR(view(head, 0), 0.0, 1e-2);
-    EXPECT_NEAR(view(head, 2), 230.0, 1e-2);
-    EXPECT_NEAR(view(above, 1) - view(head, 1), 12.5, 1e-2);  // stretched by the aspect
-}

@@ -13,23 +13,6 @@ protected:
     Actor actor{};
 };
 
-TEST_F(ActorTest, AddActorKeepsTheMotionAndAFullListTakesNoMore) {
-    actor.angles = {0, 40, 0};
-    actor.velocity = {1, 2, 3};
-    actor.state = 13;
-    actor.blendDuration = 75;
-    actor.layerTimes[1] = 300;
-    for (int i = 0; i < ACTOR_LIST_SIZE + 3; i++)
-        AddActor(actor, nullptr, nullptr, -15, 507, 1599, nullptr);
-    EXPECT_EQ(ActorCount, ACTOR_LIST_SIZE);
-    EXPECT_EQ(actor.position.z, 1599.0f);
-    EXPECT_EQ(actor.state, 0);
-    EXPECT_EQ(actor.blendDuration, 0);
-    EXPECT_EQ(actor.layerTimes[1], 10u);
-    EXPECT_EQ(actor.angles.y, 40.0f);
-    EXPECT_EQ(actor.velocity.z, 3.0f);
-}
-
 TEST_F(ActorTest, MeshFacesWhereTheActorMoves) {
     actor.position = {100, -20, 3};
     for (const float heading : {0.0f, 30.0f, 90.0f, 180.0f, -100.0f, 725.0f}) {

@@ -88,17 +88,6 @@ TEST_F(Animation, OnlyTheFirstBonesPositionMovesTheSkeletonAndPopsReturnToThePar
     EXPECT_NEAR(bones_[2].world.r[0], 1.0, 1e-12);  // not turned by its sibling
 }
 
-TEST_F(Animation, ABoneTurnsAboutItsPivot) {
-    std::vector<BoneTrackSource> bones = {StillBone(), StillBone(4.0, 0.0, 0.0), StillBone()};
-    bones[1].rotations[0].q = QUARTER_ABOUT_Y;
-    Load(AnimationImage(100, {0, 1, -3}, bones));
-    PoseAt(10);
-    double pivot[3] = {4.0, 0.0, 0.0};
-    RotateDVector(pivot, bones_[1].world.r);
-    EXPECT_NEAR(pivot[0] + bones_[1].world.t[0], 4.0, 1e-12);
-    EXPECT_NEAR(pivot[2] + bones_[1].world.t[2], 0.0, 1e-12);
-}
-
 TEST_F(Animation, ABlendStartsFromTheLastUnblendedPoseAndStoresNothing) {
     Load(AnimationImage(200, {0, -3}, OneTurningBone()));
     PoseAt(110);

@@ -167,12 +167,4 @@ TEST_F(Bins, LightsInRangeAreTurnedIntoTheCharactersFrame) {
         slot.type = LIGHT_FREE;
 }
 
-TEST_F(Bins, ATriangleSeenAlmostEdgeOnFacesAway) {
-    AddTriangle({0, 0, 50}, {0, 10, 50}, {10, 0, 50});  // normal towards -z
-    const uint32_t p = WorldGeometry.used.points - 3;
-    EXPECT_GT(FacingSide(p, p + 1, p + 2, {0, 0, 0}), 0);
-    EXPECT_LT(FacingSide(p, p + 1, p + 2, {0, 0, 100}), 0);
-    EXPECT_EQ(FacingSide(p, p + 1, p + 2, {0, 0, 50.005f}), 0);
-}
-
 }  // namespace

@@ -66,21 +66,6 @@ protected:
     IDirectDrawSurface* offscreen_ = nullptr;
 };
 
-TEST_F(Display, AFlipExchangesTheMemoryAndShowsTheNewFront) {
-    Open(640, 480, 16);
-    EXPECT_EQ(FrontPicture(), nullptr);
-    Fill(back_, 0xF800);
-    EXPECT_EQ(primary_->Flip(nullptr, DDFLIP_WAIT), DD_OK);
-    ASSERT_NE(FrontPicture(), nullptr);
-    EXPECT_EQ(FrontPicture()->width, 640);
-    EXPECT_EQ(FrontPicture()->pixels[0], 0xFF0000u) << "full red stays full";
-    EXPECT_EQ(Corner(back_, 1, 2), (std::vector<uint8_t>{0, 0})) << "what was shown before is in the back buffer";
-    Fill(back_, 0x07E0);
-    primary_->Flip(nullptr, DDFLIP_WAIT);
-    EXPECT_EQ(FrontPicture()->pixels[640 * 480 - 1], 0x00FF00u);
-    EXPECT_EQ(Corner(back_, 1, 2), (std::vector<uint8_t>{0x00, 0xF8}));
-}
-
 TEST_F(Display, APaletteChangesThePictureBeingShownAtOnce) {
     Open(320, 240, 8);
     Fill(back_, 255);
@@ -122,37 +107,6 @@ TEST_F(Display, BlitsStretchToTheNearestPixelAndStayInsideTheirRectangles) {
         EXPECT_NE(back_->Blt(&bad, offscreen_, nullptr, DDBLT_WAIT, nullptr), DD_OK);
         EXPECT_NE(Fill(back_, 9, &bad), DD_OK);
     }
-}
-
-TEST_F(Display, ALockedSurfaceIsBusy) {
-    Open(640, 480, 16);
-    DDSURFACEDESC description{};
-    description.dwSize = sizeof description;
-    ASSERT_EQ(offscreen_->Lock(nullptr, &description, DDLOCK_WAIT, nullptr), DD_OK);
-    EXPECT_GE(description.lPitch, 1280);
-    EXPECT_EQ(description.lPitch % 4, 0);
-    HDC context = nullptr;
-    EXPECT_EQ(offscreen_->GetDC(&context), DDERR_SURFACEBUSY);
-    EXPECT_EQ(offscreen_->Lock(nullptr, &description, DDLOCK_WAIT, nullptr), DDERR_SURFACEBUSY);
-    EXPECT_EQ(back_->Blt(nullptr, offscreen_, nullptr, DDBLT_WAIT, nullptr), DDERR_SURFACEBUSY);
-    EXPECT_EQ(offscreen_->Unlock(nullptr), DD_OK);
-    ASSERT_EQ(offscreen_->GetDC(&context), DD_OK);
-    EXPECT_EQ(Fill(offscreen_, 0), DDERR_SURFACEBUSY);
-    EXPECT_EQ(offscreen_->ReleaseDC(context), DD_OK);
-    EXPECT_EQ(Fill(offscreen_, 0), DD_OK);
-}
-
-TEST_F(Display, LostSurfacesAreTheFlipChainsAndComeBackOneByOne) {
-    Open(320, 240, 8);
-    LoseSurfaces();
-    EXPECT_EQ(back_->IsLost(), DDERR_SURFACELOST);
-    EXPECT_EQ(back_->Blt(nullptr, offscreen_, nullptr, DDBLT_WAIT, nullptr), DDERR_SURFACELOST);
-    EXPECT_EQ(offscreen_->IsLost(), DD_OK);
-    EXPECT_EQ(Fill(offscreen_, 1), DD_OK);
-    EXPECT_EQ(primary_->Restore(), DD_OK);
-    EXPECT_EQ(primary_->Flip(nullptr, DDFLIP_WAIT), DDERR_SURFACELOST);
-    EXPECT_EQ(back_->Restore(), DD_OK);
-    EXPECT_EQ(primary_->Flip(nullptr, DDFLIP_WAIT), DD_OK);
 }
 
 }  // namespace

@@ -107,16 +107,4 @@ TEST_F(Input, LosingTheFocusLosesTheDevicesAndLetsGoOfEverything) {
     EXPECT_EQ(PollKeys(), DIERR_INPUTLOST) << "though it is back before the poll";
 }
 
-TEST_F(Input, TheClockMovesAtEachReadingAndEachKeyboardPollOnly) {
-    EXPECT_EQ(GetTickCount(), 1u);
-    PollKeys();
-    PollMouse();
-    EXPECT_EQ(GetTickCount(), 3u);
-    keyboard_->Unacquire();
-    PollKeys();
-    EXPECT_EQ(GetTickCount(), 5u) << "a loop that polls without the focus must not stand still";
-    SetTestClock(0xFFFFFFFF);
-    EXPECT_EQ(GetTickCount(), 0u);
-}
-
 }  // namespace

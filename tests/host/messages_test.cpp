@@ -50,17 +50,6 @@ TEST_F(Messages, ComeInOrderAndQuitComesLastAndOnce) {
     EXPECT_EQ(message_.message, WM_QUIT) << "a record is left alone when there is no message";
 }
 
-TEST_F(Messages, AChangeOfFocusIsToldOnce) {
-    DeviceFocus(true);
-    EXPECT_FALSE(Peek());
-    DeviceFocus(false);
-    DeviceFocus(false);
-    ASSERT_TRUE(Peek());
-    EXPECT_EQ(message_.message, WM_ACTIVATEAPP);
-    EXPECT_EQ(message_.wParam, 0u);
-    EXPECT_FALSE(Peek());
-}
-
 TEST_F(Messages, WaitingEndsWithAMessageThatWasNotThereAtTheLastPeek) {
     EXPECT_FALSE(Peek());
     int turns = 0;
@@ -76,26 +65,6 @@ TEST_F(Messages, WaitingEndsWithAMessageThatWasNotThereAtTheLastPeek) {
     turns = 0;
     EXPECT_TRUE(WaitMessage());
     EXPECT_EQ(turns, 3);
-}
-
-TEST_F(Messages, AChangeOfModeIsToldAndMeasured) {
-    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 1024);
-    IDirectDraw* directDraw = nullptr;
-    DirectDrawCreate(nullptr, &directDraw, nullptr);
-    directDraw->SetCooperativeLevel(window_, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN);
-    EXPECT_EQ(directDraw->SetDisplayMode(640, 480, 24), DDERR_UNSUPPORTEDMODE);
-    EXPECT_FALSE(Peek());
-    EXPECT_EQ(directDraw->SetDisplayMode(640, 480, 16), DD_OK);
-    ASSERT_TRUE(Peek());
-    EXPECT_EQ(message_.message, WM_DISPLAYCHANGE);
-    EXPECT_EQ(message_.wParam, 16u);
-    EXPECT_EQ(LOWORD(message_.lParam), 640);
-    EXPECT_EQ(HIWORD(message_.lParam), 480);
-    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 480);
-    directDraw->Release();
-    ASSERT_TRUE(Peek());
-    EXPECT_EQ(LOWORD(message_.lParam), 1024);
-    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 768);
 }
 
 }  // namespace

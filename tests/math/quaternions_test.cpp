@@ -49,24 +49,6 @@ TEST(Quaternions, MatrixFormsRotateLikeTheQuaternion) {
     }
 }
 
-TEST(Quaternions, ProductsFollowTheOrderOfRotations) {
-    std::mt19937 random(3);
-    const Quat a = RandomUnit(random);
-    const Quat b = RandomUnit(random);
-    const double v[3] = {0.5, 2.0, -1.0};
-    Quat ab;
-    QuatMultiply(a, b, ab);
-    double once[3], inner[3], twice[3];
-    QuatRotateVector(ab, v, once);
-    QuatRotateVector(b, v, inner);
-    QuatRotateVector(a, inner, twice);
-    for (int k = 0; k < 3; ++k)
-        EXPECT_NEAR(once[k], twice[k], 1e-14);
-    Quat identity;
-    QuatMultiplyConj(a, a, identity);
-    EXPECT_LT(Distance(identity, {1.0, 0.0, 0.0, 0.0}), 1e-14);
-}
-
 TEST(Quaternions, AxisAndAngleComeBackWithAPositiveScalar) {
     Quat q;
     testing::internal::CaptureStdout();

@@ -69,31 +69,6 @@ TEST(Rotation, AxesTurnYThenXThenZ) {
     }
 }
 
-TEST(Rotation, TransposeUndoesTheRotation) {
-    std::mt19937 random(3);
-    std::uniform_real_distribution<float> angle(-1e6f, 1e6f), component(-1000.0f, 1000.0f);
-    for (int i = 0; i < 1000; i++) {
-        Matrix3 m;
-        RotationFromAngles(angle(random), angle(random), angle(random), m);
-        const Vec3 v = {component(random), component(random), component(random)};
-        RotateVector(v.x, v.y, v.z, m);
-        const Vec3 turned = RotatedVector;
-        EXPECT_NEAR(Length(turned), Length(v), 1e-3);
-        RotateVectorT(turned.x, turned.y, turned.z, m);
-        ExpectNear(RotatedVector, v, 1e-3);
-    }
-}
-
-TEST(Rotation, IntegerFormsTruncateTheFinishedSums) {
-    const Matrix3 m = {{0.9f, 0.9f, 0.9f, -0.9f, -0.9f, -0.9f, 0.0f, 0.0f, 3e9f}};
-    RotateIntVector(1, 1, 1, m);
-    EXPECT_EQ(RotatedIntVector.x, 2);   // 2.7, not three times 0
-    EXPECT_EQ(RotatedIntVector.y, -2);  // -2.7, not -3
-    EXPECT_EQ(RotatedIntVector.z, std::numeric_limits<int32_t>::min());
-    RotateIntVectorT(3, 0, 0, m);
-    EXPECT_EQ(RotatedIntVector.z, 2);
-}
-
 TEST(GeometryPasses, PointOnPlaneIsInFrontInAllFourSideTests) {
     TinyWorld world;
     const int16_t leaf = world.AddLeaf({{{5, 0, 0}, {5, 0, 1}, {5, 1, 0}}});
@@ -107,21 +82,6 @@ TEST(GeometryPasses, PointOnPlaneIsInFrontInAllFourSideTests) {
         EXPECT_EQ(PolySideOfPoint(0, x, 7, 8), side) << x;
         EXPECT_EQ(PolySideOfCamera(0), side) << x;
     }
-}
-
-TEST(GeometryPasses, PlaneFollowsTheRightHandRuleAndTheStoredNormal) {
-    const Corners tilted = {{100.3f, 50.7f, 20.1f}, {107.9f, 50.7f, 33.3f}, {91.1f, 58.8f, 21.9f}};
-    TinyWorld world;
-    world.AddLeaf({tilted, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 0, 0}, {1, 0, 0}, {1, 0, 0}}});
-    world.Publish();  // computes the planes
-    const PlaneRecord* planes = WorldGeometry.planes;
-    EXPECT_NEAR(Length({planes[0].nx, planes[0].ny, planes[0].nz}), 1.0, 1e-6);
-    EXPECT_EQ(planes[0].d, -(100.3f * planes[0].nx + 50.7f * planes[0].ny + 20.1f * planes[0].nz));
-    for (const Vec3& p : tilted)
-        EXPECT_NEAR(planes[0].nx * p.x + planes[0].ny * p.y + planes[0].nz * p.z + planes[0].d, 0.0, 1e-4);
-    EXPECT_EQ(planes[1].nz, 1.0f);
-    EXPECT_EQ(planes[2].nx, 0.0f) << "a line";
-    EXPECT_EQ(planes[2].d, 0.0f);
 }
 
 TEST(GeometryPasses, VertexNormalsAverageThePlanesOfTheirPolygons) {
@@ -146,17 +106,3 @@ TEST(GeometryPasses, VertexNormalsAverageThePlanesOfTheirPolygons) {
     PoolForget();
 }
 
-TEST(Transforms, ConcatAppliesTheSecondFirst) {
-    const Transform quarterAboutZ = {{0, 1, 0, -1, 0, 0, 0, 0, 1}, {100, 0, 0}};  // x -> y, y -> -x
-    Transform shift;
-    TransformIdentity(shift);
-    shift.t[0] = 1.0;
-    shift.t[1] = 2.0;
-    Transform both;
-    TransformConcat(quarterAboutZ, shift, both);
-    double point[3] = {10, 20, 30};
-    RotateDVector(point, both.r);
-    EXPECT_EQ(point[0] + both.t[0], 78.0);  // (11, 22, 30) turned: (-22, 11, 30), and 100 to the right
-    EXPECT_EQ(point[1] + both.t[1], 11.0);
-    EXPECT_EQ(point[2] + both.t[2], 30.0);
-}

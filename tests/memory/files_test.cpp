@@ -65,16 +65,6 @@ TEST_F(Files, NumbersAreBigEndianAndBytesPastTheEndCountAsMinusOne) {
     EXPECT_FALSE(ReadBlock(memory, 1));
 }
 
-TEST_F(Files, BlocksAndTheBytesLeft) {
-    OpenStream("23456789");
-    char block[8] = {};
-    EXPECT_TRUE(ReadBlock(block, 5));
-    EXPECT_EQ(BytesLeft(), 3u);
-    EXPECT_FALSE(ReadBlock(block, 5));
-    EXPECT_STREQ(block, "78956");  // what arrived, and the rest as it was
-    EXPECT_EQ(BytesLeft(), 0u);
-}
-
 TEST_F(Files, WholeFileByTheGamesPathAndNoChangeOfThePoolOnFailure) {
     Write("large", std::string(sizeof(memory), 'x'));
     EXPECT_EQ(LoadMalloc("large"), nullptr);
@@ -94,11 +84,3 @@ TEST_F(Files, WholeFileByTheGamesPathAndNoChangeOfThePoolOnFailure) {
     EXPECT_NE(LoadMalloc("empty"), nullptr) << "a block without data";
 }
 
-TEST_F(Files, ThreeGigabytesAreTooLarge) {
-    Write("huge", "");
-    std::error_code error;
-    fs::resize_file(folder / "huge", 3ull << 30, error);  // takes no space on the disk
-    if (error) GTEST_SKIP() << error.message();
-    EXPECT_EQ(FileSize("huge"), -1);
-    EXPECT_EQ(LoadMalloc("huge"), nullptr);
-}

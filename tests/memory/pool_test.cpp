@@ -120,19 +120,6 @@ TEST_F(Pool, RequestsThatFitExactlyOrNotAtAllAreRefused) {
     EXPECT_EQ(PoolMalloc(0), nullptr);
 }
 
-TEST_F(Pool, FreeingWhatIsNoBlockDoesNothing) {
-    auto* block = static_cast<uint8_t*>(PoolMalloc(256));
-    std::memset(block, 0, 256);
-    const uint32_t before = PoolFreeTotal();
-    uint8_t elsewhere[128] = {};
-    for (void* data :
-         {static_cast<void*>(nullptr), static_cast<void*>(block + 64), static_cast<void*>(block + 1),
-          static_cast<void*>(memory), static_cast<void*>(memory + sizeof(memory)), static_cast<void*>(elsewhere)})
-        EXPECT_EQ(PoolFree(data), 0u);
-    EXPECT_EQ(PoolFreeTotal(), before);
-    EXPECT_EQ(PoolFree(block), 256u);
-}
-
 TEST(PoolRange, UnalignedRangesAreCutInwards) {
     alignas(32) static uint8_t memory[1024];
     std::memset(memory, 0xEE, sizeof(memory));

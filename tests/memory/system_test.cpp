@@ -77,18 +77,6 @@ std::string ShutdownOutput() {
 
 }  // namespace
 
-TEST_F(System, InitGivesAFreshPoolAndClearsEveryFlag) {
-    GlideInitialised = GlideHardwareReady = GlideWindowOpen = 1;
-    EXPECT_TRUE(SystemInit());
-    EXPECT_EQ(PoolReady + FileLayerReady + TimerStarted, 3);
-    EXPECT_EQ(GlideInitialised + GlideHardwareReady + GlideWindowOpen, 0);
-    EXPECT_TRUE(IsWholePool(PoolFreeTotal()));
-    const auto* bytes = static_cast<const uint8_t*>(PoolMalloc(1000));
-    ASSERT_NE(bytes, nullptr);
-    for (int i = 0; i < 1000; i++)
-        ASSERT_EQ(bytes[i], 0x55);
-}
-
 TEST_F(System, ShutdownReportsTheFreeBytesClosesTheDisplayAndMayBeRepeated) {
     SystemInit();
     ScreenResIndex = 0;

@@ -169,19 +169,3 @@ TEST_F(DisplayTest, FillsTheScreenTheRightWayUp) {
     }
 }
 
-TEST_F(DisplayTest, BadFilesDrawNothing) {
-    ASSERT_TRUE(OpenFrontEnd());
-    std::string noSignature = BitmapBytes(2), bitsAtTheEnd = BitmapBytes(2);
-    noSignature[1] = 'A';
-    bitsAtTheEnd[10] = 70;
-    for (const std::string& bytes : {std::string(), std::string("B"), std::string("BM"), BitmapBytes(2).substr(0, 54),
-                                     noSignature, bitsAtTheEnd}) {
-        WriteFile("bad.bmp", bytes);
-        BitmapInfo info;
-        EXPECT_EQ(LoadBitmapFile("bad.bmp", info), nullptr) << bytes.size();
-        EXPECT_EQ(info.bits, nullptr);
-    }
-    EXPECT_EQ(ShowBitmap("missing.bmp"), 1);
-    PresentDisplay();
-    EXPECT_EQ(PixelShown(320, 240), 0u);
-}

@@ -41,20 +41,6 @@ TEST_F(InputTest, KeyIsHitOnlyInThePollThatSeesItGoDown) {
     }
 }
 
-TEST_F(InputTest, FailedPollKeepsTheStateAndHitsNothing) {
-    Press(DIK_SPACE);
-    DeviceMouseMotion(5, 6, 0);
-    Poll();
-    DeviceFocus(false);
-    Poll();
-    EXPECT_TRUE(KeyDown(DIK_SPACE));
-    EXPECT_FALSE(KeyHit(DIK_SPACE));
-    EXPECT_EQ(MouseInput.xMotion, 5);
-    DeviceFocus(true);
-    Poll();
-    EXPECT_FALSE(KeyDown(DIK_SPACE));
-}
-
 TEST_F(InputTest, ControlsOfEachKey) {
     const std::pair<std::vector<uint8_t>, uint16_t> rows[] = {
         {{}, 0},          {{0xC8}, 0x0001}, {{0xD0}, 0x0002},       {{0xCB}, 0x0004},

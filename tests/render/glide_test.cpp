@@ -111,18 +111,6 @@ TEST_F(Glide, OpensItsOwnScreenWhateverTheSoftwareWouldUse) {
     EXPECT_EQ(ScreenWidth, 320);
 }
 
-TEST_F(Glide, PolygonsCoverWhatTheProjectionSays) {
-    DrawSquare(500, FULL);
-    SwapScreen();
-    int drawn = 0;
-    for (int i = 0; i < 640 * 480; i++)
-        drawn += FrontPicture()->pixels[i] != 0;
-    // 320 +- 316.8 / 2 and 240 +- 237.6 / 2, on sixteenths of a pixel.
-    EXPECT_EQ(drawn, 316 * 238);
-    EXPECT_EQ(Shown(162, 121), 0xFFFFFFu);
-    EXPECT_EQ(Shown(477, 358), 0xFFFFFFu);
-}
-
 TEST_F(Glide, LightDarkensBelowItsMiddleAndAddsAbove) {
     EXPECT_EQ(ColourOf(FULL, 1), 0xFF0000u);
     EXPECT_EQ(ColourOf(FULL / 2, 1), 0x800000u);
@@ -172,23 +160,6 @@ TEST_F(Glide, FogAndTheSkysStates) {
     FogNearDistance = 6000;
     ReloadFogTable();
     EXPECT_EQ(ColourOf(FULL, 0, 5700), 0xFFFFFFu);
-}
-
-TEST_F(Glide, LinesHaveTwiceThePalettesLevels) {
-    LineColour = 0x1FF;
-    DrawLine3D(-10, 0, 100, 10, 0, 100);
-    SwapScreen();
-    const uint8_t* colour = TextureImage + TEXTURE_PALETTE_OFFSET + 3 * 255;
-    EXPECT_EQ(Shown(320, 240), static_cast<uint32_t>(2 * colour[0] << 16 | 2 * colour[1] << 8 | 2 * colour[2]));
-    EXPECT_NE(Shown(289, 240), 0u);
-    EXPECT_EQ(Shown(286, 240), 0u);
-}
-
-TEST_F(Glide, ScreenshotsAreNumbered) {
-    OpenedFiles.clear();
-    SaveScreenshot();
-    SaveScreenshot();
-    EXPECT_EQ(OpenedFiles, (std::vector<std::string>{"3DFX_00.raw", "3DFX_01.raw"}));
 }
 
 }  // namespace

@@ -127,28 +127,6 @@ TEST_F(Pipeline, ProjectionTruncatesToFixedPixelsWithRowsDownwards) {
     EXPECT_NE(point.screen.fixed.x, before);
 }
 
-TEST_F(Pipeline, OutcodesChooseBetweenRejectingDrawingAndClipping) {
-    const struct {
-        const char* rule;
-        uint8_t codes[3];
-        int drawn;
-        bool clips;
-    } cases[] = {{"all beyond the far limit", {OUT_DEPTH, OUT_DEPTH | OUT_TOP, OUT_DEPTH}, 0, false},
-                 {"some beyond the far limit", {OUT_DEPTH, 0, 0}, 1, false},
-                 {"all inside", {0, 0, 0}, 1, false},
-                 {"outside of different planes", {OUT_RIGHT, 0, OUT_LEFT | OUT_DEPTH}, 1, true}};
-    for (const auto& c : cases) {
-        MakeWorld();
-        const int32_t number = AppendPolygon(Triangle());
-        std::copy_n(c.codes, 3, WorldGeometry.outcodes);
-        SubmittedPolygons = 0;
-        DrawPolygonAuto(number);
-        EXPECT_EQ(static_cast<int>(SubmittedPolygons), c.drawn) << c.rule;
-        EXPECT_EQ(ShadedPolygons, c.drawn) << c.rule;
-        EXPECT_EQ(WorldGeometry.polygons[WorldGeometry.fixed.polygons].cornerCount != 0, c.clips) << c.rule;
-    }
-}
-
 TEST_F(Pipeline, TexturesWithHolesOrTheFlagAreDrawnTransparent) {
     std::fill_n(TextureImage + TextureRecords()[0].texelOffset, 64 * 256, uint8_t{0});
     const int32_t number = AppendPolygon({{-50, 50, 100, 0, 0, 0}, {-50, -50, 100, 0, 0, 0}, {50, -50, 100, 0, 0, 0}});

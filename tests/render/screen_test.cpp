@@ -28,13 +28,6 @@ protected:
     }
 };
 
-TEST_F(Lines, ClearingFillsTheLowerHalfInsideThePitch) {
-    ClearFrame();
-    const std::vector<uint8_t> pixels = FramePixels();
-    EXPECT_EQ(std::count(pixels.begin(), pixels.begin() + 320 * 120, 0), 320 * 120);
-    EXPECT_EQ(std::count(pixels.begin() + 320 * 120, pixels.end(), 0xFE), 320 * 120);
-}
-
 TEST_F(Lines, EveryColumnOrRowOfTheLongerSideGetsOnePixel) {
     const struct {
         int32_t x1, y1, x2, y2;
@@ -68,19 +61,6 @@ TEST_F(Lines, SegmentsAreCutAtTheSidesOfTheView) {
     EXPECT_EQ(Drawn(), 318 - 160 + 1);
     DrawLine3D(0, 10, -50, 0, 10, 150);  // through the eye plane
     EXPECT_GT(Drawn(), 90);
-}
-
-TEST_F(Lines, OutlinesShowPolygonsThatFaceTheCamera) {
-    const int32_t polygon = AppendPolygon(
-        {{-50, 50, 100, 0, 0, 0}, {-50, -50, 100, 0, 0, 0}, {50, -50, 100, 0, 0, 0}, {50, 50, 100, 0, 0, 0}});
-    WorldGeometry.planes[0] = {0, 0, 1, -100};
-    CameraPos = {0, 0, 0};
-    ViewMatrix.rotation = {{1, 0, 0, 0, 1, 0, 0, 0, 1}};
-    DrawPolygonOutline(polygon);
-    EXPECT_EQ(Drawn(), 2 * (239 - 80) + 2 * (179 - 60));
-    CameraPos.z = 100;  // in the plane
-    DrawPolygonOutline(polygon);
-    EXPECT_EQ(Drawn(), 0);
 }
 
 }  // namespace

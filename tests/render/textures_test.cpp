@@ -67,16 +67,6 @@ TEST_F(Textures, TruncatedFilesAndBadRecordsAreRefused) {
     }
 }
 
-TEST_F(Textures, NoBytesCanCrashTheLoader) {
-    std::mt19937 random(11);
-    std::vector<uint8_t> file = TwoTextures();
-    for (int i = 0; i < 60; i++) {
-        std::generate_n(file.begin() + 2, 4000, random);
-        file[0] = static_cast<uint8_t>(1 + random() % 3);
-        LoadError(file);
-    }
-}
-
 TEST_F(Textures, APolygonWrapsWhenOneCornerLeavesItsTexture) {
     const auto quad = [](float u, float v, uint8_t texture = 0) {
         return AppendPolygon({{0, 0, 1, 0, 0, 0}, {0, 0, 1, 16 * 256, 8 * 256, 0}, {0, 0, 1, u, v, 0}}, texture);
@@ -124,17 +114,6 @@ TEST_F(Textures, ShadesRunFromTheDarkColourOverTheColourItselfToTheBrightOne) {
     PlainBrightening = 1;
     BuildFadePalette();
     EXPECT_EQ(ShadeTable[127 * 256 + 0], 62);
-}
-
-TEST_F(Textures, ALaterColourMustBeatTheTruncatedDistance) {
-    std::vector<uint8_t> file = TwoTextures();
-    std::fill_n(file.begin() + TEXTURE_PALETTE_OFFSET, 768, uint8_t{63});
-    // Half way to black, colour 1 asks for (10, 10, 10).
-    SetColour(file, 1, {20, 20, 20});
-    SetColour(file, 2, {11, 10, 12});  // squared distance 0.64 + 1.21 x 4 = 5.48, kept as 5
-    SetColour(file, 3, {8, 11, 11});   // 0.64 x 4 + 1.44 + 1.21 = 5.21: nearer, but not below 5
-    ASSERT_EQ(LoadError(file), "");
-    EXPECT_EQ(ShadeTable[32 * 256 + 1], 2);
 }
 
 }  // namespace

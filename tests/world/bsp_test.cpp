@@ -4,9 +4,9 @@
 #include "memory/files.h"
 #include "platform/timer.h"
 #include "render/render_tables.h"
-#include "support/box_grid.h"
 #include "support/pool_fixture.h"
 #include "support/throwing_fatal.h"
+#include "support/tiny_world.h"
 #include "world/bsp_check.h"
 #include "world/world_tables.h"
 
@@ -56,21 +56,14 @@ protected:
 };
 
 TEST_F(WorldFile, IsLoadedRecordForRecord) {
-    TinyWorld world;
-    PublishBoxGrid(world, 6, 100.0f, 1);
-    const GeometryCounts counts = WorldGeometry.file;
-    const std::vector<uint8_t> expected = WorldFileBytes();
-    for (uint32_t i = 0; i < WorldGeometry.leafCount; ++i)
-        WorldGeometry.leaves[i].frameStamp = 1;
-    std::vector<uint8_t> bytes = WorldFileBytes();  // a stamp in the file must not count as drawn
-    bytes.push_back(0xEE);                          // bytes after the last table are nobody's business
+    std::ifstream level(SOURCE_FOLDER "/tests/levels/data/game/data/levels/level1/assault.bgm", std::ios::binary);
+    const std::vector<uint8_t> expected{std::istreambuf_iterator<char>(level), {}};
+    std::vector<uint8_t> bytes = expected;
+    bytes.push_back(0xEE);  // bytes after the last table are nobody's business
     FrameCount = 77;
-    WorldGeometry = {};
     LoadBspWorld(FileOf(bytes));
-
     EXPECT_EQ(WorldFileBytes(), expected);
-    EXPECT_EQ(std::memcmp(&WorldGeometry.file, &counts, sizeof counts), 0);
-    EXPECT_EQ(std::memcmp(&WorldGeometry.used, &counts, sizeof counts), 0);
+    EXPECT_EQ(std::memcmp(&WorldGeometry.used, &WorldGeometry.file, sizeof(GeometryCounts)), 0);
     EXPECT_EQ(FrameCount, 1);
 }
 
@@ -216,29 +209,6 @@ TEST(PolyFrames, AreTheRotationOfTheInvertedNormal) {
         for (int i = 0; i < 5; ++i)
             EXPECT_NEAR(found[i], expected[i], 1e-6) << "row " << &row - cases << ", field " << i;
     }
-}
-
-TEST(NodeRadii, ReachTheFarthestCornerFromTheBoxCentreOfEachNodeItself) {
-    TinyWorld world;
-    const int16_t wall = world.AddLeaf({{{10, 0, 0}, {10, 0, 8}, {10, 6, 8}, {10, 6, 0}}});
-    const int16_t floor = world.AddLeaf({{{0, 0, 0}, {0, 0, -8}, {-8, 0, 0}}});
-    const int16_t lower = world.AddNode({1, 0, 0, 0}, world.AddLeaf({}), floor);
-    world.AddNode({1, 0, 0, 0}, wall, lower);
-    world.Publish();
-    WorldGeometry.nodes[0].centre = {0, 0, 0};
-    WorldGeometry.nodes[1].centre = {-8, 0, 3};
-    WorldGeometry.leaves[0].centre = {10, 3, 4};
-    WorldGeometry.leaves[2].radius = 99;
-    ScreenAspect = 1.5f;
-    GenerateNodeRadii();
-    ScreenAspect = 1.0f;
-
-    EXPECT_FLOAT_EQ(WorldGeometry.nodes[0].radius, std::sqrt(200.0f));  // grandchildren count
-    EXPECT_FLOAT_EQ(WorldGeometry.nodes[1].radius, std::sqrt(64.0f + 121.0f));
-    EXPECT_FLOAT_EQ(WorldGeometry.leaves[0].radius, 5.0f);
-    EXPECT_FLOAT_EQ(WorldGeometry.leaves[0].radiusRoot2, 5.0f * 1.414213562f);
-    EXPECT_FLOAT_EQ(WorldGeometry.leaves[0].radiusAspect, 7.5f * 1.414213562f);
-    EXPECT_EQ(WorldGeometry.leaves[2].radius, 0.0f);
 }
 
 }  // namespace

@@ -146,36 +146,6 @@ TEST_F(LightMap, FadesWithDepthInSoftwareOnly) {
     }
 }
 
-TEST_F(LightMap, UsesRaisedBytesOnlyInTheirFrame) {
-    WorldGeometry.pointLight[0] = 90;
-    WorldGeometry.pointLightStamps[0] = FrameCount;
-    EXPECT_EQ(Shade()[0], 122.0f);
-    NextFrame();
-    EXPECT_EQ(Shade()[0], 42.0f);
-
-    UseCornerLight();
-    CornerLight[1] = 90;
-    CornerLightBase[1] = 7;
-    WorldGeometry.cornerLightStamps[1] = FrameCount;
-    EXPECT_EQ(Shade(), (Levels{32, 122, 32, 32}));
-    NextFrame();
-    EXPECT_EQ(Shade(), (Levels{32, 39, 32, 32}));
-}
-
-TEST_F(LightMap, ShadesAPointOncePerFrameButEachCornerByItself) {
-    Shade();
-    WorldGeometry.pointLightBase[0] = 50;
-    EXPECT_EQ(Shade()[0], 42.0f) << "cached for the frame";
-    NextFrame();
-    EXPECT_EQ(Shade()[0], 82.0f);
-    UseCornerLight();
-    CornerLightBase[0] = 5;
-    EXPECT_EQ(Shade()[0], 37.0f) << "the cache is for point light only";
-    WorldGeometry.polygons[0].shading = 2;
-    CornerLightBase[0] = 9;
-    EXPECT_EQ(Shade()[0], 37.0f) << "other kinds keep what they have";
-}
-
 TEST_F(LightMap, HasNoCornerBytesBeyondItsTable) {
     WorldGeometry.file.polygons = CORNER_LIGHT_POLYGONS + 1;
     std::vector<uint16_t> stamps(CornerLightStampCount());

@@ -262,28 +262,6 @@ TEST(Datacheck, TellsFaultsOfTextures) {
     });
 }
 
-TEST(Datacheck, NotesWallsThatAreCutLow) {
-    LevelData level = SoundLevel(HOUSE);
-    WorldFile& world = *level.world;
-    const size_t wall = FirstWall(world);
-    const double floor = LevelSlotOf(HOUSE).floor;
-    // Lower the wall to 40 above the floor, and stand its old self above the cut.
-    const WorldPolygon whole = world.polygons[wall];
-    world.polygons.push_back(whole);
-    world.polygons.back().firstCorner = static_cast<uint16_t>(world.corners.size());
-    for (size_t k = 0; k < whole.cornerCount; ++k) {
-        WorldPoint point{CornerOf(world, wall, k), {}};
-        world.corners.push_back({static_cast<uint32_t>(world.points.size()), 0, 0});
-        if (point.position[1] < static_cast<float>(floor) + 41) point.position[1] = static_cast<float>(floor) + 40;
-        world.points.push_back(point);
-    }
-    for (size_t k = 0; k < whole.cornerCount; ++k) {
-        float& height = CornerOf(world, wall, k)[1];
-        if (height > static_cast<float>(floor) + 41) height = static_cast<float>(floor) + 40;
-    }
-    EXPECT_NE(FindingsOf(level).find("note: level3/house.bgm: wall at"), std::string::npos) << FindingsOf(level);
-}
-
 TEST(Datacheck, CountsTheEnginesMemoryAsItIsTaken) {
     WorldFile world;
     world.nodes.resize(4000);
@@ -300,16 +278,6 @@ TEST(Datacheck, CountsTheEnginesMemoryAsItIsTaken) {
     world.planes.resize(62000);
     world.polygons.resize(20000);
     EXPECT_STREQ(ReplayPool(world, 95, 12, 400000).failedFor, "the frame");
-}
-
-TEST(Datacheck, TellsOftenRepeatedFaultsOnlyAFewTimes) {
-    LevelData level = SoundLevel(HOUSE);
-    for (WorldPolygon& polygon : level.world->polygons)
-        polygon.texture = 93;
-    Report report;
-    CheckTextures(level, report);
-    EXPECT_EQ(report.Lines().size(), 6U);
-    EXPECT_NE(report.Lines().back().find(" more)"), std::string::npos);
 }
 
 class DataFolder : public testing::Test {

@@ -104,15 +104,3 @@ TEST(PaintPicture, FaultsNameTheLineAndTheRemedy) {
     }
 }
 
-TEST(Shrink, AveragesWholeBlocksAndLeavesOutTheRest) {
-    Image image(5, 2);
-    for (int x = 0; x < 5; ++x) {
-        for (int y = 0; y < 2; ++y)
-            image.At(x, y) = {static_cast<uint8_t>(50 * x), static_cast<uint8_t>(100 * y), 7, 255};
-    }
-    const Image small = Shrink(image, 2);
-    ASSERT_EQ(small.width, 2);
-    ASSERT_EQ(small.height, 1);
-    EXPECT_EQ(small.At(0, 0), (Rgba{25, 50, 7, 255}));
-    EXPECT_EQ(small.At(1, 0), (Rgba{125, 50, 7, 255}));
-}

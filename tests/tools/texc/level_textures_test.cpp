@@ -98,18 +98,6 @@ TEST(CompileTextures, HolesAreIndexZeroAndBlackIsNot) {
     EXPECT_EQ(Find(compiled.list, "solid").flags, 0U);
 }
 
-TEST(CompileTextures, TheSkinFollowsTheWorld) {
-    Picture("trousers", Image(32, 16, {40, 80, 160, 255}));
-    Picture("face", Image(16, 16, {220, 160, 120, 255}));
-    LevelTextures level = Level({});
-    level.skin = {"trousers", "face"};
-    const TextureFile textures = CompileTextures(level, FOLDER).textures;
-    EXPECT_EQ(textures.slots[93].width, 32);
-    EXPECT_EQ(textures.slots[94].width, 16);
-    EXPECT_NEAR(textures.palette[textures.Texel(textures.slots[93], 3, 3)][2] * 255 / 63, 160, 6);
-    EXPECT_NEAR(textures.palette[textures.Texel(textures.slots[94], 3, 3)][0] * 255 / 63, 220, 6);
-}
-
 TEST(CompileTextures, TheListSaysHowLightTakesAMaterial) {
     Image image(8, 8, {200, 100, 0, 255});
     for (int x = 0; x < 8; ++x) {

@@ -132,31 +132,6 @@ TEST(PaintMaterial, PatternsMeetThemselvesAtTheBorders) {
     }
 }
 
-TEST(PaintMaterial, LightComesFromTheUpperLeft) {
-    const Image image =
-        Paint("size = [32, 32]\n[[layer]]\npattern = 'fill'\ncolour = '#808080'\n[[layer]]\npattern = 'box'\n"
-              "rect = [8, 8, 24, 24]\nbevel = 3\nmode = 'relief'\nraise = 3\n");
-    EXPECT_GT(image.At(9, 16).r, image.At(16, 16).r + 20) << "left slope";
-    EXPECT_GT(image.At(16, 9).r, image.At(16, 16).r + 20) << "upper slope";
-    EXPECT_LT(image.At(22, 16).r + 20, image.At(16, 16).r) << "right slope";
-    EXPECT_LT(image.At(16, 22).r + 20, image.At(16, 16).r) << "lower slope";
-}
-
-TEST(PaintMaterial, MovingMaterialsHaveFourDifferentPicturesInAClosedCircle) {
-    const Image strip = Paint("size = [32, 32]\nmoving = true\n[[layer]]\npattern = 'noise'\nboil = 2\n"
-                              "colour = ['#000000', '#ffffff']\n");
-    ASSERT_EQ(strip.height, 4 * 32);
-    const auto difference = [&](int a, int b) {
-        int64_t sum = 0;
-        for (int i = 0; i < 32 * 32; ++i)
-            sum += std::abs(strip.At(i % 32, a * 32 + i / 32).r - strip.At(i % 32, b * 32 + i / 32).r);
-        return sum;
-    };
-    for (int i = 0; i < 3; ++i)
-        EXPECT_GT(difference(i, i + 1), 0);
-    EXPECT_LT(difference(3, 0), 2 * difference(2, 3)) << "the last picture leads back to the first";
-}
-
 TEST(PaintMaterial, ABaseIsPaintedFirstAndCountsAsASource) {
     Recipe("base", "size = [16, 16]\n[[layer]]\npattern = 'fill'\ncolour = '#ff0000'\n");
     const PaintedMaterial material = PaintMaterial(
