@@ -197,4 +197,3 @@ TEST_F(FreeCamera, MovesAndLooksByTheButtons) {
         EXPECT_TRUE(std::equal(found, found + 4, expected)) << row.what;
     }
 }
-

@@ -1,7 +1,7 @@
 #include "character/mesh.h"
 #include "character/skin.h"
 
-#include "file_builders.h"
+#include "formats/character_files.h"
 #include "math/vectors.h"
 #include "support/pool_fixture.h"
 #include "support/throwing_fatal.h"
@@ -10,8 +10,12 @@
 
 namespace {
 
-const std::vector<Vec3> POINTS = {{0, 0, 0}, {0, 50, 0}, {50, 0, 0}, {50, 50, 10}};
-const std::vector<FaceSource> FACES = {{0, 1, 2, 0}, {2, 1, 3, 200}};
+using Bytes = std::vector<uint8_t>;
+
+CharacterMesh TwoTriangles(uint32_t bones) {
+    return {bones, {{0, 0, 0}, {0, 50, 0}, {50, 0, 0}, {50, 50, 10}}, {{0, 1, 2}, {2, 1, 3}}};
+}
+const std::vector<SkinTriangle> SKIN = {{0, {{{0, 0}, {1, 1}, {2, 2}}}}, {200, {{{256, 0}, {257, 1}, {258, 2}}}}};
 
 class CharacterFiles : public PoolFixture {
 protected:
@@ -19,12 +23,6 @@ protected:
         PoolFixture::SetUp();
         world_.AddLeaf({{{-500, 0, -500}, {500, 0, -500}, {500, 0, 500}, {-500, 0, 500}}});
         world_.Publish();
-        Restart();
-    }
-
-    void Restart() {
-        FreshPool(0x10000);
-        WorldGeometry.used = WorldGeometry.fixed = WorldGeometry.file;
         CharPointBase = WorldGeometry.used.points;
         CharPolyBase = WorldGeometry.used.polygons;
     }
@@ -42,7 +40,7 @@ protected:
 
 TEST_F(CharacterFiles, TheMeshStandsBehindTheWorldInEveryTable) {
     const GeometryCounts before = WorldGeometry.used;
-    LoadFrom(MeshImage(3, POINTS, FACES), CoordinatesImage(FACES));
+    LoadFrom(EncodeMesh(TwoTriangles(3)), EncodeSkin(SKIN));
     const PolyRecord second = WorldGeometry.polygons[mesh_.firstPolygon + 1];
     EXPECT_EQ(second.texture, (200 + 93) & 0xFF);
     EXPECT_EQ(second.flags, 0);
@@ -57,20 +55,10 @@ TEST_F(CharacterFiles, TheMeshStandsBehindTheWorldInEveryTable) {
     EXPECT_EQ(mesh_.bones[2].world.r[4], 1.0);
 }
 
-TEST_F(CharacterFiles, DamagedMeshesAreRefusedAndNothingElse) {
-    const Bytes mesh = MeshImage(3, POINTS, FACES);
-    const Bytes coordinates = CoordinatesImage(FACES);
-    ExpectDamageIsRefused(mesh, 3, "No", [&](const Bytes& bytes) {
-        Restart();
-        LoadFrom(bytes, coordinates);
-    });
-    ExpectDamageIsRefused(coordinates, 7, "No", [&](const Bytes& bytes) {
-        Restart();
-        LoadFrom(mesh, bytes);
-    });
-    std::vector<Vec3> many(SPARE_POINTS + 1, Vec3{});
-    Restart();
-    EXPECT_THROW(LoadFrom(MeshImage(3, many, FACES), coordinates), FatalThrown);
+TEST_F(CharacterFiles, WhatDoesNotFitIsRefused) {
+    CharacterMesh mesh = TwoTriangles(3);
+    mesh.points.resize(SPARE_POINTS + 1);
+    EXPECT_THROW(LoadFrom(EncodeMesh(mesh), EncodeSkin(SKIN)), FatalThrown);
     EXPECT_THROW(LoadMesh("none.msh", mesh_, "none.tuv"), FatalThrown);
 }
 
@@ -79,7 +67,7 @@ class Skinning : public CharacterFiles {
 protected:
     void SetUp() override {
         CharacterFiles::SetUp();
-        LoadFrom(MeshImage(22, POINTS, FACES), CoordinatesImage(FACES));
+        LoadFrom(EncodeMesh(TwoTriangles(22)), EncodeSkin(SKIN));
         mesh_.bones[3].world.t[0] = 10.0;
         actor_.mesh = &mesh_;
         actor_.states = &state_;
@@ -87,8 +75,8 @@ protected:
         record_.hiddenBlock = 255;
     }
 
-    std::vector<WeightBlockSource> Blocks() const {
-        std::vector<WeightBlockSource> blocks(22);
+    std::vector<WeightBlock> Blocks() const {
+        std::vector<WeightBlock> blocks(22);
         blocks[0].hard = {0, 1};
         blocks[1].soft = {{0, 32768}, {1, 0}};
         return blocks;
@@ -110,7 +98,7 @@ protected:
 };
 
 TEST_F(Skinning, SoftPointsBlendWithWhatEarlierBlocksGaveThem) {
-    Skin(WeightsImage(Blocks()));
+    Skin(EncodeWeights(Blocks()));
     EXPECT_EQ(X(0), 5.0f);
     EXPECT_EQ(X(1), 0.0f);
 }
@@ -119,18 +107,15 @@ TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
     record_.hiddenBlock = 0;
     for (uint32_t p = 0; p < 4; ++p)
         WorldGeometry.viewPoints[mesh_.firstPoint + p] = {};
-    Skin(WeightsImage(Blocks(), 4));
+    Bytes weights = EncodeWeights(Blocks());
+    weights[3] = 4;  // the version with matrix numbers
+    size_t at = 8;
+    for (const WeightBlock& block : Blocks()) {
+        weights.insert(weights.begin() + static_cast<std::ptrdiff_t>(at), {7, 0});
+        at += 2 + 4 + 2 * block.hard.size() + 4 * block.soft.size();
+    }
+    Skin(weights);
     EXPECT_EQ(X(0), 5.0f);  // half of bone 3's place, half of what it held
-}
-
-TEST_F(Skinning, EveryCutOrAlteredWeightFileLoadsOrIsRefused) {
-    testing::internal::CaptureStdout();
-    ExpectDamageIsRefused(WeightsImage(Blocks()), 1, "Not a valid weights file", [this](const Bytes& bytes) {
-        FreshPool(0x10000);
-        actor_.weights = LoadWeights(FileOf(bytes), mesh_);
-        SkinActor(actor_);
-    });
-    testing::internal::GetCapturedStdout();
 }
 
 }  // namespace

@@ -105,4 +105,3 @@ TEST(GeometryPasses, VertexNormalsAverageThePlanesOfTheirPolygons) {
     EXPECT_THROW(GenerateVertexNormals(), FatalThrown) << "the pool is full";
     PoolForget();
 }
-

@@ -83,4 +83,3 @@ TEST_F(Files, WholeFileByTheGamesPathAndNoChangeOfThePoolOnFailure) {
     EXPECT_EQ(FileSize("empty"), 0);
     EXPECT_NE(LoadMalloc("empty"), nullptr) << "a block without data";
 }
-

@@ -168,4 +168,3 @@ TEST_F(DisplayTest, FillsTheScreenTheRightWayUp) {
         EXPECT_EQ(PixelShown(0, 240) & 0xF80000, height > 0 ? 0xF80000u : 0u);
     }
 }
-

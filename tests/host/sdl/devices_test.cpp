@@ -142,4 +142,3 @@ TEST_F(SdlPad, RightStickTurnsAsTheMouseWithItsLeftButton) {
     TakeMouse(mouse);
     EXPECT_EQ(mouse.rgbButtons[0], 0);
 }
-

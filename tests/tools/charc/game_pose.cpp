@@ -7,6 +7,41 @@
 
 namespace {
 
+using Quat = std::array<double, 4>;                   // w x y z
+using Matrix = std::array<std::array<double, 4>, 3>;  // of column vectors
+
+Matrix Multiply(const Matrix& a, const Matrix& b) {
+    Matrix product{};
+    for (size_t i = 0; i < 3; ++i) {
+        for (size_t j = 0; j < 4; ++j) {
+            for (size_t k = 0; k < 3; ++k)
+                product[i][j] += a[i][k] * b[k][j];
+        }
+        product[i][3] += a[i][3];
+    }
+    return product;
+}
+
+Matrix Rotation(const Quat& q) {
+    const auto& [w, x, y, z] = q;
+    return {{{w * w + x * x - y * y - z * z, 2 * (x * y - w * z), 2 * (x * z + w * y), 0},
+             {2 * (x * y + w * z), w * w - x * x + y * y - z * z, 2 * (y * z - w * x), 0},
+             {2 * (x * z - w * y), 2 * (y * z + w * x), w * w - x * x - y * y + z * z, 0}}};
+}
+
+Matrix Moved(Matrix m, const Vec& t) {
+    for (size_t i = 0; i < 3; ++i)
+        m[i][3] += t[i];
+    return m;
+}
+
+Vec Apply(const Matrix& m, const Vec& p) {
+    Vec r;
+    for (size_t i = 0; i < 3; ++i)
+        r[i] = m[i][0] * p[0] + m[i][1] * p[1] + m[i][2] * p[2] + m[i][3];
+    return r;
+}
+
 Quat SlerpAsStored(const Quat& a, const Quat& b, double t) {
     t = std::clamp(t, 0.0, 1.0);
     const double dot = a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
@@ -41,20 +76,6 @@ Vec PositionAt(const std::vector<PositionKey>& keys, double time) {
     return p;
 }
 
-}  // namespace
-
-GameCharacter DecodeAll(const std::vector<OutputFile>& files) {
-    GameCharacter character;
-    for (const OutputFile& file : files) {
-        const std::string end = file.name.substr(file.name.size() - 4);
-        if (end == ".msh") character.mesh = DecodeMesh(file.content, file.name);
-        if (end == ".tuv") character.skins[file.name] = DecodeSkin(file.content, file.name);
-        if (end == ".wei") character.blocks = DecodeWeights(file.content, file.name);
-        if (end == ".anm") character.clips[file.name] = DecodeAnimation(file.content, file.name);
-    }
-    return character;
-}
-
 std::array<Matrix, CHARACTER_BONES> BonesAt(const CharacterAnimation& animation, double time) {
     std::array<Matrix, CHARACTER_BONES> bones{};
     Matrix current{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
@@ -80,6 +101,20 @@ std::array<Matrix, CHARACTER_BONES> BonesAt(const CharacterAnimation& animation,
     return bones;
 }
 
+}  // namespace
+
+GameCharacter DecodeAll(const std::vector<OutputFile>& files) {
+    GameCharacter character;
+    for (const OutputFile& file : files) {
+        const std::string end = file.name.substr(file.name.size() - 4);
+        if (end == ".msh") character.mesh = DecodeMesh(file.content, file.name);
+        if (end == ".tuv") character.skins[file.name] = DecodeSkin(file.content, file.name);
+        if (end == ".wei") character.blocks = DecodeWeights(file.content, file.name);
+        if (end == ".anm") character.clips[file.name] = DecodeAnimation(file.content, file.name);
+    }
+    return character;
+}
+
 std::vector<Vec> PointsAt(const GameCharacter& character, const std::string& clip, double time) {
     const auto bones = BonesAt(character.clips.at(clip), time);
     std::vector<Vec> points(character.mesh.points.size(), Vec{1e9, 1e9, 1e9});  // where nothing has put them yet
@@ -99,21 +134,4 @@ std::vector<Vec> PointsAt(const GameCharacter& character, const std::string& cli
         }
     }
     return points;
-}
-
-std::vector<std::array<double, CHARACTER_BONES>> Shares(const GameCharacter& character) {
-    std::vector<std::array<double, CHARACTER_BONES>> shares(character.mesh.points.size());
-    for (size_t b = 0; b < character.blocks.size(); ++b) {
-        const size_t bone = CHARACTER_BLOCK_BONES[b];
-        for (const uint16_t point : character.blocks[b].hard) {
-            shares[point] = {};
-            shares[point][bone] = 1;
-        }
-        for (const SoftPoint& soft : character.blocks[b].soft) {
-            for (double& share : shares[soft.point])
-                share *= 1 - soft.weight / 65536.0;
-            shares[soft.point][bone] += soft.weight / 65536.0;
-        }
-    }
-    return shares;
 }

@@ -1,10 +1,14 @@
 // What the game makes of a character's files: a pose by its rules of keys, pivots and blocks.
 #pragma once
 
-#include "foreign_rig.h"
 #include "formats/character_files.h"
 
+#include <array>
 #include <map>
+#include <string>
+#include <vector>
+
+using Vec = std::array<double, 3>;
 
 struct GameCharacter {
     CharacterMesh mesh;
@@ -16,7 +20,4 @@ struct GameCharacter {
 struct OutputFile;
 GameCharacter DecodeAll(const std::vector<OutputFile>& files);
 
-std::array<Matrix, CHARACTER_BONES> BonesAt(const CharacterAnimation& animation, double time);
 std::vector<Vec> PointsAt(const GameCharacter& character, const std::string& clip, double time);
-// Share of each bone in each point, as the blocks blend it.
-std::vector<std::array<double, CHARACTER_BONES>> Shares(const GameCharacter& character);

