@@ -2,21 +2,11 @@
 // facing +z.
 #pragma once
 
-#include "charc/transform.h"
+#include "gltf/gltf_file.h"
 
 #include <filesystem>
 #include <string>
 #include <vector>
-
-struct ModelNode {
-    std::string name;
-    int parent = -1;
-    Vector translation;
-    Quaternion rotation;
-    Vector scale{1, 1, 1};
-    bool hasMatrix = false;  // then `matrix` stands for the three above, which no animation moves
-    Affine matrix;
-};
 
 struct ModelJoint {
     int node = 0;
@@ -54,8 +44,7 @@ struct ModelClip {
 
 struct Model {
     std::string file;
-    std::vector<ModelNode> nodes;
-    std::vector<int> order;  // of the nodes, parents first
+    GltfNodes nodes;
     std::vector<ModelJoint> joints;
     std::vector<ModelVertex> vertices;
     std::vector<std::array<uint32_t, 3>> triangles;

@@ -46,7 +46,7 @@ Value Sample(const ModelChannel& channel, double seconds) {
     return {q.x, q.y, q.z, q.w};
 }
 
-void Apply(const ModelChannel& channel, double seconds, ModelNode& node) {
+void Apply(const ModelChannel& channel, double seconds, GltfNode& node) {
     const Value v = Sample(channel, seconds);
     switch (channel.target) {
     case ChannelTarget::TRANSLATION: node.translation = {v[0], v[1], v[2]}; break;
@@ -55,26 +55,15 @@ void Apply(const ModelChannel& channel, double seconds, ModelNode& node) {
     }
 }
 
-std::vector<Affine> ToWorld(const std::vector<ModelNode>& nodes, const std::vector<int>& order) {
-    std::vector<Affine> world(nodes.size());
-    for (const int index : order) {
-        const ModelNode& node = nodes[static_cast<size_t>(index)];
-        const Affine local = node.hasMatrix ? node.matrix : FromParts(node.translation, node.rotation, node.scale);
-        Affine& place = world[static_cast<size_t>(index)];
-        place = node.parent < 0 ? local : world[static_cast<size_t>(node.parent)] * local;
-    }
-    return world;
-}
-
 }  // namespace
 
 std::vector<Affine> RestPose(const Model& model) {
-    return ToWorld(model.nodes, model.order);
+    return PlacesOf(model.nodes);
 }
 
 std::vector<Affine> PoseAt(const Model& model, const ModelClip& clip, double seconds) {
-    std::vector<ModelNode> nodes = model.nodes;
+    GltfNodes nodes = model.nodes;
     for (const ModelChannel& channel : clip.channels)
-        Apply(channel, seconds, nodes[static_cast<size_t>(channel.node)]);
-    return ToWorld(nodes, model.order);
+        Apply(channel, seconds, nodes.nodes[static_cast<size_t>(channel.node)]);
+    return PlacesOf(nodes);
 }

@@ -11,7 +11,7 @@
 namespace {
 
 std::string JointName(const Model& model, size_t joint) {
-    return model.nodes[static_cast<size_t>(model.joints[joint].node)].name;
+    return model.nodes.nodes[static_cast<size_t>(model.joints[joint].node)].name;
 }
 
 std::string List(const std::vector<std::string>& names) {
@@ -55,8 +55,8 @@ std::vector<int> NameBones(const Model& model, const CharacterRecipe& recipe) {
 
 // The first node above with a bone.
 int BoneAbove(const Model& model, const std::map<int, int>& boneOfNode, int node) {
-    for (node = model.nodes[static_cast<size_t>(node)].parent; node >= 0;
-         node = model.nodes[static_cast<size_t>(node)].parent) {
+    for (node = model.nodes.nodes[static_cast<size_t>(node)].parent; node >= 0;
+         node = model.nodes.nodes[static_cast<size_t>(node)].parent) {
         if (const auto found = boneOfNode.find(node); found != boneOfNode.end()) return found->second;
     }
     return -1;

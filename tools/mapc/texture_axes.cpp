@@ -1,6 +1,6 @@
 #include "mapc/texture_axes.h"
 
-#include "mapc/angles.h"
+#include "maths/angles.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 // What the records of a world hold: texture coordinates, placement, light, the order in a leaf.
 #include "map_builder.h"
-#include "mapc/angles.h"
+#include "maths/angles.h"
 #include "mapc/fan.h"
 #include "world_checks.h"
 

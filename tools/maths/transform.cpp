@@ -1,4 +1,4 @@
-#include "charc/transform.h"
+#include "maths/transform.h"
 
 double Dot(const Quaternion& a, const Quaternion& b) {
     return a.w * b.w + a.x * b.x + a.y * b.y + a.z * b.z;

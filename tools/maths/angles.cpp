@@ -1,4 +1,4 @@
-#include "mapc/angles.h"
+#include "maths/angles.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,0 +1,20 @@
+// The generated layers of a sky, each read from its table of the description and added to a shape.
+#pragma once
+
+#include "formats/settings.h"
+#include "skyc/sky_shape.h"
+
+constexpr float SKY_NEAREST = 100;    // distance from the eye
+constexpr float SKY_FARTHEST = 6000;  // the accelerator's depth ends there
+constexpr float SKY_RADIUS = 1500;    // of layers that name none; the accelerator's fog begins at 1900
+
+// Bands around the eye from one elevation to the next. All bands of a dome meet without a gap.
+void AddDome(const Settings& layer, float radius, SkyShape& shape);
+// A level sheet overhead that hangs lower toward its rim.
+void AddSheet(const Settings& layer, SkyShape& shape);
+// A picture that faces the eye: sun, moon, a planet.
+void AddDisc(const Settings& layer, float radius, SkyShape& shape);
+// Many small pictures, scattered evenly.
+void AddStars(const Settings& layer, float radius, SkyShape& shape);
+// A mesh out of a .glb, beside the description.
+void AddModel(const Settings& layer, SkyShape& shape);

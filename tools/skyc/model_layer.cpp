@@ -1,0 +1,69 @@
+#include "formats/error.h"
+#include "gltf/gltf_file.h"
+#include "maths/angles.h"
+#include "skyc/layers.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+
+namespace {
+
+constexpr float UNITS_PER_METRE = 100;
+
+// From the model to the sky: its front, +z, is where the player comes from.
+class ModelLayer {
+public:
+    ModelLayer(const std::filesystem::path& path, double scale, double bearing)
+        : file_(path), scale_(scale), turn_(SineCosineOfDegrees(bearing)) {}
+
+    void Read(SkyShape& shape) const {
+        const GltfNodes nodes = file_.Nodes();
+        const std::vector<Affine> places = PlacesOf(nodes);
+        const size_t before = shape.size();
+        for (size_t i = 0; i < nodes.nodes.size(); ++i) {
+            const int mesh = file_.Data().nodes[i].mesh;
+            if (mesh < 0) continue;
+            for (const tinygltf::Primitive& primitive : file_.Pick(file_.Data().meshes, mesh, "mesh").primitives) {
+                if (IsTriangles(primitive)) AddTriangles(primitive, places[i], shape);
+            }
+        }
+        if (shape.size() == before) file_.RefuseFile("has no triangles", "export a mesh");
+    }
+
+private:
+    Vector ToSky(const Vector& p) const {
+        const double x = p.x, z = -p.z;
+        return Vector{x * turn_.cosine + z * turn_.sine, p.y, z * turn_.cosine - x * turn_.sine} * scale_;
+    }
+
+    void AddTriangles(const tinygltf::Primitive& primitive, const Affine& place, SkyShape& shape) const {
+        const GltfNumbers positions = file_.Attribute(primitive, "POSITION", 3, 0);
+        const GltfNumbers uv = file_.Attribute(primitive, "TEXCOORD_0", 2, positions.Count());
+        if (primitive.material < 0) file_.RefuseFile("has a mesh without material", "give it one of the level's names");
+        const std::string& material = file_.Pick(file_.Data().materials, primitive.material, "material").name;
+        const std::vector<uint32_t> corners = file_.TriangleCorners(primitive, positions.Count());
+        const bool mirrored = Determinant(place) < 0;
+        for (size_t i = 0; i < corners.size(); i += 3) {
+            SkyPolygon polygon{material, {}, false};
+            for (const size_t k : {0, mirrored ? 2 : 1, mirrored ? 1 : 2}) {
+                const size_t vertex = corners[i + k];
+                const double* p = positions[vertex];
+                polygon.corners.push_back({ToSky(place({p[0], p[1], p[2]})), uv[vertex][0], uv[vertex][1]});
+            }
+            shape.push_back(std::move(polygon));
+        }
+    }
+
+    GltfFile file_;
+    double scale_;
+    SineCosine turn_;
+};
+
+}  // namespace
+
+void AddModel(const Settings& layer, SkyShape& shape) {
+    const std::filesystem::path path = std::filesystem::path(layer.File()).parent_path() / layer.NeedText("file");
+    const auto scale = static_cast<double>(layer.Number("scale", UNITS_PER_METRE, 0.001f, 100000));
+    ModelLayer(path, scale, static_cast<double>(layer.Number("bearing", 0, -360, 360))).Read(shape);
+}
