@@ -82,6 +82,7 @@ private:
         level.light = Load(level.LightPath(), true, DecodeLightMap);
         level.slots = Load(level.SlotPath(), false, DecodeLightSlots);
         level.textures = Load(level.TexturePath(), true, DecodeTextureFile);
+        level.sky = Load(level.SkyPath(), HasSky(number), DecodeStaticObject);
         if (const size_t bytes = CharacterBytes(); bytes > 0) level.characterBytes = bytes;
         return level;
     }
@@ -122,6 +123,7 @@ void CheckLevel(const LevelData& level, Report& report) {
     if (level.light) CheckLight(level, report);
     if (level.slots) CheckLightSlots(level, report);
     if (level.textures) CheckTextures(level, report);
+    if (level.sky) CheckSky(level, report);
 }
 
 void CheckDataFolder(const fs::path& folder, Report& report) {

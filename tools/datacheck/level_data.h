@@ -2,6 +2,7 @@
 #pragma once
 
 #include "formats/light_files.h"
+#include "formats/static_object_file.h"
 #include "formats/texture_file.h"
 #include "formats/world_file.h"
 #include "mapc/geometry.h"
@@ -18,12 +19,14 @@ struct LevelData {
     std::optional<LightMapFile> light;
     std::optional<LightSlotFile> slots;
     std::optional<TextureFile> textures;
+    std::optional<StaticObjectFile> sky;
     size_t characterBytes = 450000;  // of engine memory: what the character is planned to take while it has no files
 
     std::string WorldPath() const;
     std::string LightPath() const { return folder + "/lights.lmp"; }
     std::string SlotPath() const { return folder + "/lights.alt"; }
     std::string TexturePath() const { return folder + "/texture.bin"; }
+    std::string SkyPath() const { return folder + "/sky.sob"; }
 };
 
 // What is built into the game.

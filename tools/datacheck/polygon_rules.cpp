@@ -13,8 +13,23 @@ constexpr double LEAST_AREA = 1e-3;      // of the first three corners, doubled
 const char* const REBUILD = "build the world again with mapc";
 const char* const REPAIR = "move the map's vertices apart, or onto one plane";
 
-// What is wrong with the corners as they lie in space; empty: nothing.
-std::string FaultOf(const WorldFace& face) {
+std::string FaultOf(const WorldPolygon& polygon) {
+    const bool cornerLight = polygon.shading == WORLD_CORNER_LIGHT;
+    if (!cornerLight && polygon.shading != WORLD_POINT_LIGHT) return "has an unknown kind of light";
+    const size_t most = cornerLight ? CORNERS_MAX_CORNER_LIGHT : CORNERS_MAX_POINT_LIGHT;
+    if (polygon.cornerCount < 3 || polygon.cornerCount > most) {
+        return fmt::format("has {} corners, 3 to {} are possible with its kind of light", polygon.cornerCount, most);
+    }
+    return "";
+}
+
+bool IsPlace(const WorldVector& v) {
+    return std::all_of(v.begin(), v.end(), [](float x) { return std::abs(x) <= FARTHEST; });
+}
+
+}  // namespace
+
+std::string FaultOfShape(const WorldFace& face) {
     const size_t count = face.corners.size();
     if (std::abs(Length(face.normal) - 1) > 1e-3) return "its plane's normal is not of length 1";
     Vec3 own;
@@ -39,22 +54,6 @@ std::string FaultOf(const WorldFace& face) {
     return "";
 }
 
-std::string FaultOf(const WorldPolygon& polygon) {
-    const bool cornerLight = polygon.shading == WORLD_CORNER_LIGHT;
-    if (!cornerLight && polygon.shading != WORLD_POINT_LIGHT) return "has an unknown kind of light";
-    const size_t most = cornerLight ? CORNERS_MAX_CORNER_LIGHT : CORNERS_MAX_POINT_LIGHT;
-    if (polygon.cornerCount < 3 || polygon.cornerCount > most) {
-        return fmt::format("has {} corners, 3 to {} are possible with its kind of light", polygon.cornerCount, most);
-    }
-    return "";
-}
-
-bool IsPlace(const WorldVector& v) {
-    return std::all_of(v.begin(), v.end(), [](float x) { return std::abs(x) <= FARTHEST; });
-}
-
-}  // namespace
-
 bool CheckPolygons(const LevelData& level, Report& report) {
     const WorldFile& world = *level.world;
     const std::string file = level.WorldPath();
@@ -68,7 +67,7 @@ bool CheckPolygons(const LevelData& level, Report& report) {
         const std::string place = fmt::format("polygon {} at {}", i, Describe(faces[i].Centre()));
         if (const std::string record = FaultOf(world.polygons[i]); !record.empty()) {
             refuse(place, record, REBUILD);
-        } else if (const std::string shape = FaultOf(faces[i]); !shape.empty()) {
+        } else if (const std::string shape = FaultOfShape(faces[i]); !shape.empty()) {
             refuse(place, shape, REPAIR);
         }
     }

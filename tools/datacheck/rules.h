@@ -21,5 +21,10 @@ void CheckWalking(const LevelData& level, Report& report);
 void CheckLight(const LevelData& level, Report& report);       // lights.lmp against the world
 void CheckLightSlots(const LevelData& level, Report& report);  // lights.alt against the world
 void CheckTextures(const LevelData& level, Report& report);    // texture.bin, and the world's use of it
+void CheckSky(const LevelData& level, Report& report);         // sky.sob, and its use of texture.bin
+
+constexpr size_t WORLD_TEXTURES = 93;  // slots from here on are the character's
+// What is wrong with the corners as they lie in space; empty: nothing.
+std::string FaultOfShape(const WorldFace& face);
 
 void CheckLevel(const LevelData& level, Report& report);  // all of the above, as far as the files are there

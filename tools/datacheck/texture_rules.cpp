@@ -5,7 +5,6 @@
 namespace {
 
 constexpr size_t LEAST_COUNT = 95;     // world, sky and the character's two
-constexpr uint8_t WORLD_LAST = 92;     // slots from here on are the character's
 constexpr size_t ANIMATED_FIRST = 10;  // shown until the first cycle
 constexpr size_t ANIMATED_LAST = 14;
 
@@ -36,9 +35,9 @@ void CheckAnimatedSlots(const LevelData& level, Report& report) {
 void CheckUse(const LevelData& level, Report& report) {
     for (size_t i = 0; i < level.world->polygons.size(); ++i) {
         const uint8_t texture = level.world->polygons[i].texture;
-        if (texture <= WORLD_LAST && texture < level.textures->slots.size()) continue;
+        if (texture < WORLD_TEXTURES && texture < level.textures->slots.size()) continue;
         report.Problem(level.WorldPath(), fmt::format("polygon {}", i),
-                       fmt::format("uses texture {}, the world's end at {}", texture, WORLD_LAST),
+                       fmt::format("uses texture {}, the world's end at {}", texture, WORLD_TEXTURES - 1),
                        "use a material of a lower slot");
     }
 }

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <filesystem>
 
 namespace {
@@ -46,7 +47,9 @@ private:
         const bool mirrored = Determinant(place) < 0;
         for (size_t i = 0; i < corners.size(); i += 3) {
             SkyPolygon polygon{material, {}, false};
-            for (const size_t k : {0, mirrored ? 2 : 1, mirrored ? 1 : 2}) {
+            const std::array<size_t, 3> order =
+                mirrored ? std::array<size_t, 3>{0, 2, 1} : std::array<size_t, 3>{0, 1, 2};
+            for (const size_t k : order) {
                 const size_t vertex = corners[i + k];
                 const double* p = positions[vertex];
                 polygon.corners.push_back({ToSky(place({p[0], p[1], p[2]})), uv[vertex][0], uv[vertex][1]});

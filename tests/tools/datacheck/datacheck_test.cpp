@@ -34,6 +34,22 @@ TextureFile TexturesOf(size_t count) {
     return file;
 }
 
+// A box of six sides around the eye, its pictures without holes.
+StaticObjectFile BoxedSky() {
+    StaticObjectFile sky;
+    for (int i = 0; i < 8; ++i)
+        sky.points.push_back({i & 1 ? 500.f : -500.f, i & 2 ? 577.f : -423.f, i & 4 ? 500.f : -500.f});
+    const uint16_t sides[6][4] = {{4, 5, 7, 6}, {1, 0, 2, 3}, {5, 1, 3, 7}, {0, 4, 6, 2}, {6, 7, 3, 2}, {0, 1, 5, 4}};
+    const WorldVector normals[6] = {{0, 0, 1}, {0, 0, -1}, {1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}};
+    for (size_t i = 0; i < 6; ++i) {
+        StaticObjectPolygon side{0, {normals[i], i == 4 ? -577.f : i == 5 ? -423.f : -500.f}, {}};
+        for (const uint16_t point : sides[i])
+            side.corners.push_back({point, 0, 0});
+        sky.polygons.push_back(side);
+    }
+    return sky;
+}
+
 LightSlotRecord Lamp(float x, float y, float z) {
     LightSlotRecord slot;
     slot.type = LIGHT_FLICKER;
@@ -58,6 +74,7 @@ LevelData SoundLevel(int number) {
     level.slots->slots = {Lamp(static_cast<float>(start.x), static_cast<float>(start.y), static_cast<float>(start.z))};
     level.slots->points = {{3, 0.2f}};
     level.slots->corners = {{8, 0.2f}};
+    level.sky = BoxedSky();
     return level;
 }
 
@@ -90,8 +107,8 @@ struct Mutation {
     std::function<void(LevelData&)> damage;
 };
 
-void ExpectEachIsTold(const std::vector<Mutation>& mutations) {
-    const LevelData sound = SoundLevel(HOUSE);
+void ExpectEachIsTold(const std::vector<Mutation>& mutations, int number = HOUSE) {
+    const LevelData sound = SoundLevel(number);
     for (const Mutation& mutation : mutations) {
         LevelData level = sound;
         mutation.damage(level);
@@ -104,6 +121,29 @@ void ExpectEachIsTold(const std::vector<Mutation>& mutations) {
 TEST(Datacheck, TellsNothingOfASoundLevel) {
     EXPECT_EQ(FindingsOf(SoundLevel(HOUSE)), "");
     EXPECT_EQ(FindingsOf(SoundLevel(1)), "");
+}
+
+TEST(Datacheck, TellsFaultsOfTheSky) {
+    const std::vector<Mutation> mutations = {
+        {"the sky has a hole", [](LevelData& l) { l.sky->polygons.pop_back(); }},
+        {"the sky has a hole",
+         [](LevelData& l) {
+             l.sky->polygons[2].texture = 20;
+             l.textures->pages[0][8 * 256 + 4 * 8] = 0;
+         }},
+        {"clockwise",
+         [](LevelData& l) { std::reverse(l.sky->polygons[0].corners.begin(), l.sky->polygons[0].corners.end()); }},
+        {"is turned away from the eye",
+         [](LevelData& l) {
+             StaticObjectPolygon& side = l.sky->polygons[0];
+             std::reverse(side.corners.begin(), side.corners.end());
+             side.plane = {{0, 0, -1}, 500};
+         }},
+        {"from the eye", [](LevelData& l) { l.sky->points[0][0] = -9000; }},
+        {"uses texture 93", [](LevelData& l) { l.sky->polygons[1].texture = 93; }},
+        {"no texture coordinates", [](LevelData& l) { l.sky->polygons[1].corners[2].u = NAN; }},
+    };
+    ExpectEachIsTold(mutations, 1);
 }
 
 TEST(Datacheck, TellsFaultsOfTheTree) {
@@ -291,6 +331,7 @@ protected:
             WriteWholeFile(at / fs::path(level.WorldPath()).filename(), EncodeWorld(*level.world));
             WriteWholeFile(at / "Lights.LMP", EncodeLightMap(*level.light));
             WriteWholeFile(at / "lights.alt", EncodeLightSlots(*level.slots));
+            WriteWholeFile(at / "sky.sob", EncodeStaticObject(*level.sky, "sky.sob"));
             WriteWholeFile(at / "texture.bin", EncodeTextureFile(*level.textures));
         }
         for (const char* name :
