@@ -59,6 +59,7 @@ void WriteTriangle(const std::vector<float>& numbers) {
     gltf.nodes.emplace_back().mesh = 0;
     gltf.nodes[0].translation = {0, 1, 0};
     gltf.scenes.emplace_back().nodes = {0};
+    fs::create_directories(FOLDER);
     tinygltf::TinyGLTF().WriteGltfSceneToFile(&gltf, (FOLDER / "sky.glb").string(), true, true, false, true);
 }
 
