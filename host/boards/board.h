@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 constexpr int32_t BOARD_WIDTH = 640;
@@ -66,11 +67,15 @@ struct TextureImage {
 
 struct Board {
     const char* name;
-    bool (*open)();  // false: it cannot be used
+    bool (*open)(std::string& error);  // false: it cannot be used
     void (*close)();
     void (*loadTexture)(uint32_t texture, TextureImage image);  // 0..1023; replaces it for all later frames
     void (*draw)(const BoardFrame& frame);                      // into the back buffer
+    void (*finish)();                                           // waits until all is drawn
     void (*swap)();
-    // The front buffer, 0x00RRGGBB, BOARD_HEIGHT rows of `pitch` pixels; as it is until the next swap.
+    uint32_t (*scale)();  // how many times BOARD_WIDTH x BOARD_HEIGHT its picture is
+    // The front buffer, 0x00RRGGBB, rows of `pitch` pixels; as it is until the next swap.
     const uint32_t* (*front)(uint32_t& pitch);
+    // The same as a texture of OpenGL, upper row first. Null: the board has none.
+    uint32_t (*frontTexture)();
 };

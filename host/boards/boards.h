@@ -6,4 +6,7 @@
 
 extern const Board* CurrentBoard;  // null: the machine has none
 
-void ChooseBoard(BoardChoice choice);
+// Without a window the choice `auto` is the cpu board: its pictures are the same everywhere.
+void ChooseBoard(const Options& options, bool hasWindow);
+// `auto` settles which one is current. False: one line on standard error says why it cannot be opened.
+bool OpenBoard();

@@ -69,21 +69,48 @@ void AddClear(BoardAction action, uint32_t value) {
     frame.runs.push_back({action, 0, 0, 0, value});
 }
 
-void ShowBoardFront() {
+FrontBuffer ReadBoardFront() {
+    const uint32_t scale = CurrentBoard->scale();
     uint32_t pitch = 0;
     const uint32_t* pixels = CurrentBoard->front(pitch);
-    ShowFront({reinterpret_cast<const uint8_t*>(pixels), pitch * 4, BOARD_WIDTH, BOARD_HEIGHT, 32, nullptr});
+    return {
+        reinterpret_cast<const uint8_t*>(pixels), pitch * 4, BOARD_WIDTH * scale, BOARD_HEIGHT * scale, 32, nullptr};
+}
+
+void ShowBoardFront() {
+    const uint32_t scale = CurrentBoard->scale();
+    if (CurrentBoard->frontTexture)
+        ShowFrontTexture({CurrentBoard->frontTexture(), BOARD_WIDTH * scale, BOARD_HEIGHT * scale, ReadBoardFront});
+    else
+        ShowFront(ReadBoardFront());
+}
+
+// Of a larger picture the mean of the pixels that lie in one of 640 x 480.
+uint16_t HighColour(const uint32_t* corner, uint32_t pitch, uint32_t scale) {
+    uint32_t red = 0;
+    uint32_t green = 0;
+    uint32_t blue = 0;
+    for (uint32_t y = 0; y < scale; ++y) {
+        for (uint32_t x = 0; x < scale; ++x) {
+            const uint32_t rgb = corner[size_t{y} * pitch + x];
+            red += rgb >> 16 & 0xFF;
+            green += rgb >> 8 & 0xFF;
+            blue += rgb & 0xFF;
+        }
+    }
+    const uint32_t count = scale * scale;
+    return static_cast<uint16_t>((red / count & 0xF8) << 8 | (green / count & 0xFC) << 3 | blue / count >> 3);
 }
 
 void ReadFront() {
+    const uint32_t scale = CurrentBoard->scale();
     uint32_t pitch = 0;
     const uint32_t* row = CurrentBoard->front(pitch);
     readBack.resize(READ_BACK_STRIDE / 2 * BOARD_HEIGHT);
     uint16_t* out = readBack.data();
-    for (int32_t y = 0; y < BOARD_HEIGHT; ++y, row += pitch, out += READ_BACK_STRIDE / 2)
-        std::transform(row, row + BOARD_WIDTH, out, [](uint32_t rgb) {
-            return static_cast<uint16_t>((rgb >> 8 & 0xF800) | (rgb >> 5 & 0x7E0) | (rgb >> 3 & 0x1F));
-        });
+    for (int32_t y = 0; y < BOARD_HEIGHT; ++y, row += size_t{pitch} * scale, out += READ_BACK_STRIDE / 2)
+        for (uint32_t x = 0; x < BOARD_WIDTH; ++x)
+            out[x] = HighColour(row + x * scale, pitch, scale);
 }
 
 }  // namespace
@@ -122,7 +149,7 @@ FxBool grSstWinOpen(HostWindow*, GrScreenResolution_t, GrScreenRefresh_t, GrColo
                     int32_t colourBuffers, int32_t auxiliaryBuffers) {
     grSstWinClose();
     if (!CurrentBoard || colourBuffers != 2 || auxiliaryBuffers < 0 || auxiliaryBuffers > 1) return FXFALSE;
-    if (!CurrentBoard->open()) return FXFALSE;
+    if (!OpenBoard()) return FXFALSE;
     Glide = {};
     Glide.isOpen = true;
     StateChanged();
@@ -139,7 +166,9 @@ void grSstWinClose() {
 }
 
 void grSstIdle() {
-    if (Glide.isOpen) FlushFrame();
+    if (!Glide.isOpen) return;
+    FlushFrame();
+    CurrentBoard->finish();
 }
 
 void grDrawTriangle(const GrVertex* a, const GrVertex* b, const GrVertex* c) {

@@ -39,8 +39,8 @@ bool LoadOptionScript(const Options& options, Script& script) {
 }
 
 void OpenMachine(Options& options) {
-    ChooseBoard(options.board);
     StartMachine(options);
+    ChooseBoard(options, CurrentMachine != &HeadlessMachine);
     if (CurrentMachine != &HeadlessMachine) return;
     if (!options.headless) std::fprintf(stderr, "tarnwick: no window can be opened; running without one\n");
     options.headless = true;

@@ -49,6 +49,8 @@ bool TakeRenderer(std::string_view value, Options& options) {
 bool TakeBoard(std::string_view value, Options& options) {
     if (value == "auto")
         options.board = BoardChoice::Auto;
+    else if (value == "gpu")
+        options.board = BoardChoice::Gpu;
     else if (value == "cpu")
         options.board = BoardChoice::Cpu;
     else if (value == "none")
@@ -86,8 +88,12 @@ const OptionEntry OPTIONS[] = {
     {"--level", "1..8", "choose this level at the start", TakeLevel},
     {"--renderer", "software|accelerator", "choose this renderer at the start (software with --headless and --level)",
      TakeRenderer},
-    {"--board", "auto|cpu|none", "the accelerator's board; none: the game draws by itself, whatever the renderer",
+    {"--board", "auto|gpu|cpu|none",
+     "the accelerator's board: gpu draws with OpenGL, cpu with the processor; auto takes gpu where there is a graphics "
+     "card and a window; none: the game draws by itself, whatever the renderer",
      TakeBoard},
+    {"--board-scale", "1..8", "how many times 640x480 the gpu board's picture is",
+     [](std::string_view value, Options& options) { return TakeNumber(value, 1, 8, options.boardScale); }},
     {"--headless", nullptr, "no window, no sound, a clock that moves only when it is read",
      [](std::string_view, Options& options) { return options.headless = true; }},
     {"--script", "FILE", "play the input written in FILE",

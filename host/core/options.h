@@ -11,7 +11,7 @@ struct ShotRequest {
 };
 
 enum class RendererChoice { Unset, Software, Accelerator };
-enum class BoardChoice { Auto, Cpu, None };
+enum class BoardChoice { Auto, Gpu, Cpu, None };
 
 // Paths are as given: relative to the folder the program was called from.
 struct Options {
@@ -23,6 +23,7 @@ struct Options {
     int level = 0;            // 1..8; 0: chosen by hand
     RendererChoice renderer = RendererChoice::Unset;
     BoardChoice board = BoardChoice::Auto;
+    uint32_t boardScale = 1;  // of the gpu board's picture
     bool headless = false;
     std::string script;
     uint32_t frames = 0;  // 0: no limit

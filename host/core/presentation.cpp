@@ -6,6 +6,7 @@
 namespace {
 
 FrontBuffer shown{};
+FrontTexture shownTexture{};  // 0: `shown` is the picture
 bool converted = true;
 std::vector<uint32_t> pixels;
 Picture picture{};
@@ -51,29 +52,51 @@ void CopyTrueColour() {
 void Convert() {
     if (converted) return;
     converted = true;
+    if (shownTexture.name != 0) shown = shownTexture.read();
     pixels.resize(size_t{shown.width} * shown.height);
     shown.bits == 8 ? ConvertIndexed() : shown.bits == 16 ? ConvertHighColour() : CopyTrueColour();
     picture = {pixels.data(), static_cast<int>(shown.width), static_cast<int>(shown.height)};
+}
+
+void Present() {
+    if (!CurrentMachine->present) return;
+    Convert();
+    CurrentMachine->present(picture);
 }
 
 }  // namespace
 
 void ShowFront(const FrontBuffer& front) {
     shown = front;
+    shownTexture = {};
     converted = false;
     ++presents;
-    if (!CurrentMachine->present) return;
-    Convert();
-    CurrentMachine->present(picture);
+    Present();
+}
+
+void ShowFrontTexture(const FrontTexture& front) {
+    shownTexture = front;
+    converted = false;
+    ++presents;
+    if (!CurrentMachine->presentTexture ||
+        !CurrentMachine->presentTexture(front.name, static_cast<int>(front.width), static_cast<int>(front.height)))
+        Present();
 }
 
 void FreezeFront() {
     Convert();
+    if (shownTexture.name == 0) return;
+    shownTexture = {};
+    Present();
 }
 
 const Picture* FrontPicture() {
     Convert();
     return picture.pixels ? &picture : nullptr;
+}
+
+bool FrontIsReproducible() {
+    return shownTexture.name == 0;
 }
 
 uint32_t PresentCount() {
@@ -83,5 +106,6 @@ uint32_t PresentCount() {
 void ResetPresentation() {
     converted = true;
     picture = {};
+    shownTexture = {};
     presents = 0;
 }

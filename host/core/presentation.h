@@ -15,9 +15,18 @@ struct FrontBuffer {
     const PALETTEENTRY* palette;  // 8 bits only
 };
 
+// A picture that lies in a texture of OpenGL, upper row first. `read` fetches its pixels.
+struct FrontTexture {
+    uint32_t name;
+    uint32_t width, height;
+    FrontBuffer (*read)();
+};
+
 // Shows it. The memory must stay as it is until the next call or FreezeFront.
 void ShowFront(const FrontBuffer& front);
-void FreezeFront();             // the memory is about to go: the picture stays on the screen
-const Picture* FrontPicture();  // valid until the next ShowFront; null before the first
-uint32_t PresentCount();        // calls of ShowFront so far
+void ShowFrontTexture(const FrontTexture& front);  // the same for the texture
+void FreezeFront();                                // the memory is about to go: the picture stays on the screen
+const Picture* FrontPicture();                     // valid until the next ShowFront; null before the first
+bool FrontIsReproducible();                        // the same input gives the same pixels on every machine
+uint32_t PresentCount();                           // pictures shown so far
 void ResetPresentation();

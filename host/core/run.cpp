@@ -133,7 +133,9 @@ void ResetRun() {
 bool HostEndOfFrame(const HostFrameReport& report) {
     ++framesPlayed;
     if (framesPlayed <= framesAsked || ScriptFramesPending()) lastEvent = ClockNow();
-    if (trace) std::fprintf(trace, "%s\n", TraceLine(framesPlayed, report, FrontPicture()).c_str());
+    if (trace)
+        std::fprintf(trace, "%s\n",
+                     TraceLine(framesPlayed, report, FrontIsReproducible() ? FrontPicture() : nullptr).c_str());
     for (const ShotRequest& shot : frameShots)
         if (shot.frame == framesPlayed) WriteShot(shot.file);
     return (frameLimit != 0 && framesPlayed >= frameLimit) || CloseRequested();

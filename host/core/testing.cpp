@@ -52,6 +52,7 @@ const Machine TEST_MACHINE = {
     .createWindow = [](const char*) { return TestMachine.windowOpens; },
     .desktopSize = DesktopSize,
     .present = nullptr,
+    .presentTexture = nullptr,
     .setMouseCaptured = [](bool captured) { TestMachine.mouseCaptured = captured; },
     .messageBox = ShowBox,
     .hasWindow = [] { return true; },

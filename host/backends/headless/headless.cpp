@@ -31,6 +31,7 @@ const Machine HeadlessMachine = {
     .createWindow = [](const char*) { return true; },
     .desktopSize = DesktopSize,
     .present = nullptr,
+    .presentTexture = nullptr,
     .setMouseCaptured = [](bool) {},
     .messageBox = ShowOnStandardError,
     .hasWindow = [] { return false; },

@@ -66,8 +66,8 @@ public:
         }
         enlargementPlace = gl::GetUniformLocation(program, "enlargement");
         gl::GenVertexArrays(1, &vertexArray);
-        gl::GenTextures(1, &texture);
-        gl::BindTexture(GL_TEXTURE_2D, texture);
+        gl::GenTextures(1, &ownTexture);
+        gl::BindTexture(GL_TEXTURE_2D, ownTexture);
         gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
         gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
         gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -77,14 +77,20 @@ public:
     }
 
     void Show(const Picture& picture) override {
-        width = picture.width;
-        height = picture.height;
         gl::ActiveTexture(GL_TEXTURE0);
-        gl::BindTexture(GL_TEXTURE_2D, texture);
+        gl::BindTexture(GL_TEXTURE_2D, ownTexture);
         gl::PixelStorei(GL_UNPACK_ALIGNMENT, 4);
-        gl::TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
-                       picture.pixels);
+        gl::TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, picture.width, picture.height, 0, GL_BGRA,
+                       GL_UNSIGNED_INT_8_8_8_8_REV, picture.pixels);
+        ShowTexture(ownTexture, picture.width, picture.height);
+    }
+
+    bool ShowTexture(uint32_t shownTexture, int textureWidth, int textureHeight) override {
+        texture = shownTexture;
+        width = textureWidth;
+        height = textureHeight;
         ShowAgain();
+        return true;
     }
 
     void ShowAgain() override {
@@ -116,7 +122,8 @@ private:
 
     SDL_Window* window;
     SDL_GLContext context;
-    GLuint program = 0, vertexArray = 0, texture = 0;
+    GLuint program = 0, vertexArray = 0, ownTexture = 0;
+    GLuint texture = 0;  // shown
     GLint enlargementPlace = -1;
     int width = 0, height = 0;
 };

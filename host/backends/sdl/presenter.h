@@ -12,6 +12,8 @@ class Presenter {
 public:
     virtual ~Presenter() = default;
     virtual void Show(const Picture& picture) = 0;
+    // A texture of OpenGL, which stays until the next picture. False: drawn without OpenGL.
+    virtual bool ShowTexture(uint32_t texture, int width, int height) = 0;
     virtual void ShowAgain() = 0;  // the latest picture at the window's size of now; nothing before the first Show
 };
 

@@ -112,6 +112,7 @@ const Machine SdlMachine = {
     .createWindow = CreateGameWindow,
     .desktopSize = DesktopSize,
     .present = ShowPicture,
+    .presentTexture = ShowTexture,
     .setMouseCaptured = CapturePointer,
     .messageBox = MessageBox,
     .hasWindow = GameWindowOpen,

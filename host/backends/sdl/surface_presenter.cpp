@@ -15,6 +15,8 @@ public:
         ShowAgain();
     }
 
+    bool ShowTexture(uint32_t, int, int) override { return false; }
+
     void ShowAgain() override {
         SDL_Surface* target = SDL_GetWindowSurface(window);  // a new one after each change of size
         if (pixels.empty() || !target) return;

@@ -127,6 +127,10 @@ void ShowPicture(const Picture& picture) {
     if (presenter) presenter->Show(picture);
 }
 
+bool ShowTexture(uint32_t texture, int width, int height) {
+    return presenter && presenter->ShowTexture(texture, width, height);
+}
+
 void CapturePointer(bool captured) {
     pointerWanted = captured;
     UpdatePointer();

@@ -7,6 +7,7 @@ bool OpenGameWindow(const char* title, const Options& options);  // false: a lin
 void CloseGameWindow();
 bool GameWindowOpen();
 void ShowPicture(const Picture& picture);
+bool ShowTexture(uint32_t texture, int width, int height);   // of OpenGL; false: the window has nothing to do with it
 void CapturePointer(bool captured);                          // hold and hide it while the window has the focus
 void PumpWindowEvents();                                     // everything pending, into core/devices.h
 void ShowMessageBox(const char* text, const char* caption);  // returns when it was closed

@@ -28,7 +28,7 @@ std::vector<uint32_t> back, front;
 std::vector<uint16_t> depth;
 std::vector<CpuTexture> textures;
 
-bool Open() {
+bool Open(std::string&) {
     back.assign(BUFFER_PIXELS, 0);
     front.assign(BUFFER_PIXELS, 0);
     depth.assign(BUFFER_PIXELS, 0xFFFF);
@@ -176,6 +176,9 @@ const Board CpuBoard = {
     .close = Close,
     .loadTexture = LoadTexture,
     .draw = Draw,
+    .finish = [] {},
     .swap = [] { std::swap(back, front); },
+    .scale = [] { return 1U; },
     .front = Front,
+    .frontTexture = nullptr,
 };

@@ -1,8 +1,10 @@
-// An open screen on the cpu board, in the state in which a game draws its world, and what tests draw there.
+// An open screen on a board, in the state in which a game draws its world, and what tests draw there.
 #pragma once
 
 #include "boards/boards.h"
 #include "boards/cpu/cpu_board.h"
+#include "boards/gpu/gl_context.h"
+#include "boards/gpu/gpu_board.h"
 #include "core/presentation.h"
 #include "core/testing.h"
 #include "host/glide.h"
@@ -14,9 +16,13 @@
 
 class BoardTest : public testing::Test {
 protected:
+    virtual const Board* TheBoard() { return &CpuBoard; }
+
     void SetUp() override {
         UseTestMachine();
-        CurrentBoard = &CpuBoard;
+        std::string error;
+        if (TheBoard() == &GpuBoard && !EnterGl(error)) GTEST_SKIP() << error;
+        CurrentBoard = TheBoard();
         grGlideInit();
         ASSERT_TRUE(grSstWinOpen(nullptr, GR_RESOLUTION_640x480, GR_REFRESH_60Hz, GR_COLORFORMAT_ARGB,
                                  GR_ORIGIN_UPPER_LEFT, 2, 1));

@@ -10,9 +10,14 @@ namespace {
 constexpr uint16_t WHITE = 0x7FFF;
 constexpr uint16_t HOLE = 0xFFFF;
 
-using Drawing = BoardTest;
+class Drawing : public BoardTest, public testing::WithParamInterface<const Board*> {
+protected:
+    const Board* TheBoard() override { return GetParam(); }
+};
+INSTANTIATE_TEST_SUITE_P(Boards, Drawing, testing::Values(&CpuBoard, &GpuBoard),
+                         [](const auto& row) { return std::string(row.param->name); });
 
-TEST_F(Drawing, LeftAndUpperEdgesBelongToATriangleRightAndLowerOnesDoNot) {
+TEST_P(Drawing, LeftAndUpperEdgesBelongToATriangleRightAndLowerOnesDoNot) {
     MakePlain(WHITE);
     DrawQuad(10.5F, 20.5F, 14.5F, 24.5F);
     const Shown shown = SwapAndClear();
@@ -27,7 +32,7 @@ TEST_F(Drawing, LeftAndUpperEdgesBelongToATriangleRightAndLowerOnesDoNot) {
     EXPECT_NE(moved.At(14, 24), 0U);
 }
 
-TEST_F(Drawing, TrianglesOfAMeshShareNoPixelAndLeaveNoGap) {
+TEST_P(Drawing, TrianglesOfAMeshShareNoPixelAndLeaveNoGap) {
     MakePlain(WHITE);
     constexpr int SIDE = 6;
     std::mt19937 random(7);
@@ -59,7 +64,7 @@ TEST_F(Drawing, TrianglesOfAMeshShareNoPixelAndLeaveNoGap) {
         }
 }
 
-TEST_F(Drawing, CullingRemovesOneWindingAndWhatHasNoArea) {
+TEST_P(Drawing, CullingRemovesOneWindingAndWhatHasNoArea) {
     MakePlain(WHITE);
     const GrVertex a = Vertex(10, 10), b = Vertex(10, 40), c = Vertex(40, 40), beyond = Vertex(3000, 10);
     const auto pixels = [&](const GrVertex& last, bool clockwise) {
@@ -80,7 +85,7 @@ TEST_F(Drawing, CullingRemovesOneWindingAndWhatHasNoArea) {
     EXPECT_EQ(pixels(endless, false), 0);
 }
 
-TEST_F(Drawing, ATriangleLargerThanTheScreenIsCutAtItsEdges) {
+TEST_P(Drawing, ATriangleLargerThanTheScreenIsCutAtItsEdges) {
     MakePlain(WHITE);
     DrawQuad(-2000, -2000, 2000, 2000);
     EXPECT_EQ(SwapAndClear().Count(), 640 * 480);
@@ -89,7 +94,7 @@ TEST_F(Drawing, ATriangleLargerThanTheScreenIsCutAtItsEdges) {
 }
 
 // Depth codes, seen through what the depth buffer has been cleared to.
-TEST_F(Drawing, DepthIsAFloatingPointNumberOfSixteenBits) {
+TEST_P(Drawing, DepthIsAFloatingPointNumberOfSixteenBits) {
     MakePlain(WHITE);
     const struct {
         float w;
@@ -108,7 +113,7 @@ TEST_F(Drawing, DepthIsAFloatingPointNumberOfSixteenBits) {
     EXPECT_EQ(SwapAndClear().Count(), 0) << "out of the buffer's range";
 }
 
-TEST_F(Drawing, TheNearerPixelStaysAndOfEqualOnesTheFirst) {
+TEST_P(Drawing, TheNearerPixelStaysAndOfEqualOnesTheFirst) {
     const GrMipMapId_t white = MakePlain(WHITE);
     const GrMipMapId_t red = MakePlain(0x7C00);
     DrawQuad(10, 10, 20, 20, 100);
@@ -124,7 +129,7 @@ TEST_F(Drawing, TheNearerPixelStaysAndOfEqualOnesTheFirst) {
     EXPECT_EQ(Swap().At(15, 15), 0xFF0000U) << "the nearer one has left no depth";
 }
 
-TEST_F(Drawing, DepthIsClearedOnlyWhileItIsWritten) {
+TEST_P(Drawing, DepthIsClearedOnlyWhileItIsWritten) {
     MakePlain(WHITE);
     DrawQuad(10, 10, 20, 20, 50);
     grDepthMask(FXFALSE);
@@ -137,7 +142,7 @@ TEST_F(Drawing, DepthIsClearedOnlyWhileItIsWritten) {
     EXPECT_EQ(Swap().At(15, 15), 0xFFFFFFU);
 }
 
-TEST_F(Drawing, PixelsWithoutTheReferenceAlphaAreHoles) {
+TEST_P(Drawing, PixelsWithoutTheReferenceAlphaAreHoles) {
     MakePlain(0xFFFF, GR_TEXFMT_RGB_565);
     DrawQuad(10, 10, 20, 20);
     EXPECT_EQ(SwapAndClear().Count(), 0) << "no alpha is full alpha";
@@ -156,7 +161,7 @@ TEST_F(Drawing, PixelsWithoutTheReferenceAlphaAreHoles) {
     EXPECT_EQ(Swap().Count(), 100);
 }
 
-TEST_F(Drawing, TheVertexScalesTheTexelAndAddsItsAlpha) {
+TEST_P(Drawing, TheVertexScalesTheTexelAndAddsItsAlpha) {
     MakePlain(0x3E10);  // red 0x7B, green 0x84, blue 0x84
     const auto drawn = [](float r, float g, float b, float a) {
         std::vector<GrVertex> corners = {Vertex(10, 10), Vertex(10, 20), Vertex(20, 20)};
@@ -179,7 +184,7 @@ TEST_F(Drawing, TheVertexScalesTheTexelAndAddsItsAlpha) {
     EXPECT_EQ(drawn(255, 255, 255, 252), 0x7B8484U) << "this one takes no alpha";
 }
 
-TEST_F(Drawing, TexelsLieInPerspectiveColoursDoNot) {
+TEST_P(Drawing, TexelsLieInPerspectiveColoursDoNot) {
     MakeTexture(GR_TEXFMT_ARGB_4444, GR_LOD_256, GR_LOD_256, GR_ASPECT_1x1,
                 [](uint32_t, uint32_t x, uint32_t) { return static_cast<uint16_t>(x / 16 << 8); });
     GrVertex left[] = {Vertex(0, 0, 100, 0, 0), Vertex(0, 100, 100, 0, 0)};
@@ -195,7 +200,7 @@ TEST_F(Drawing, TexelsLieInPerspectiveColoursDoNot) {
     EXPECT_NEAR(static_cast<int>(middle & 0xFF), 64, 1);
 }
 
-TEST_F(Drawing, TexturesRepeatOrEndWithTheirEdge) {
+TEST_P(Drawing, TexturesRepeatOrEndWithTheirEdge) {
     const auto leftHalf = [](uint32_t, uint32_t x, uint32_t) { return x < 8 ? WHITE : uint16_t{0x001F}; };
     const GrMipMapId_t handle = MakeTexture(GR_TEXFMT_ARGB_1555, GR_LOD_16, GR_LOD_16, GR_ASPECT_2x1, leftHalf);
     const auto row = [](GrTextureClampMode_t mode) {
@@ -213,7 +218,7 @@ TEST_F(Drawing, TexturesRepeatOrEndWithTheirEdge) {
     EXPECT_EQ(FrontPicture()->pixels[40], FrontPicture()->pixels[30 * 640 + 40]);
 }
 
-TEST_F(Drawing, TheLevelNearestToOneTexelAPixelIsTaken) {
+TEST_P(Drawing, TheLevelNearestToOneTexelAPixelIsTaken) {
     // Level n of 256 >> n texels is of green 16 n.
     const auto level = [](uint32_t lod, uint32_t, uint32_t) { return static_cast<uint16_t>(lod << 4); };
     const auto lodOf = [](float pixels) {
@@ -231,7 +236,7 @@ TEST_F(Drawing, TheLevelNearestToOneTexelAPixelIsTaken) {
     EXPECT_EQ(lodOf(8), 5U) << "the longer side counts";
 }
 
-TEST_F(Drawing, FogMixesInItsColourByDepth) {
+TEST_P(Drawing, FogMixesInItsColourByDepth) {
     GrFog_t table[GR_FOG_TABLE_SIZE];
     guFogGenerateLinear(table, 21739.13F, 99956.52F);
     grFogTable(table);
@@ -257,7 +262,7 @@ TEST_F(Drawing, FogMixesInItsColourByDepth) {
     EXPECT_EQ(Swap().At(15, 15), 0x0000FFU);
 }
 
-TEST_F(Drawing, LinesHoldBothEndsAndNothingHidesThem) {
+TEST_P(Drawing, LinesHoldBothEndsAndNothingHidesThem) {
     MakePlain(WHITE);
     DrawQuad(0, 0, 100, 100, 1.5F);
     const auto line = [](float x1, float y1, float x2, float y2) {
@@ -278,7 +283,7 @@ TEST_F(Drawing, LinesHoldBothEndsAndNothingHidesThem) {
         EXPECT_EQ(shown.At(x, y), 0x7E0000U) << x;
 }
 
-TEST_F(Drawing, TheReadBackIsThePictureLastSwapped) {
+TEST_P(Drawing, TheReadBackIsThePictureLastSwapped) {
     grBufferClear(0x00FF8410, 0, 0xFFFF);
     Swap();
     grBufferClear(0x00FFFFFF, 0, 0xFFFF);
@@ -302,8 +307,9 @@ TEST_F(Drawing, TheReadBackIsThePictureLastSwapped) {
 }
 
 // Triangles of all sizes and directions, through every state.
-TEST_F(Drawing, TheFastWayAndSeveralThreadsGiveTheSameBytes) {
-    const auto draw = [] {
+class Boards : public BoardTest {
+protected:
+    static std::vector<uint32_t> DrawEverything() {
         std::mt19937 random(3);
         const auto number = [&](float least, float most) {
             return least + (most - least) * static_cast<float>(random() % 65536) / 65536;
@@ -339,25 +345,83 @@ TEST_F(Drawing, TheFastWayAndSeveralThreadsGiveTheSameBytes) {
                 if (random() % 16 == 0) corners[static_cast<size_t>(k)].oow = number(-1, 0);
             }
             DrawFan(corners);
+            if (i % 20 == 0) grDrawLine(&corners[0], &corners[1]);
         }
         const Shown shown = Swap();
         return std::vector<uint32_t>(shown.picture->pixels, shown.picture->pixels + 640 * 480);
-    };
+    }
+
+    // Pixels of which a channel differs by more than `steps`.
+    static size_t Differing(const std::vector<uint32_t>& a, const std::vector<uint32_t>& b, int steps) {
+        size_t count = 0;
+        for (size_t i = 0; i < a.size(); ++i) {
+            const auto differs = [&](int shift) {
+                return std::abs(static_cast<int>(a[i] >> shift & 0xFF) - static_cast<int>(b[i] >> shift & 0xFF)) >
+                       steps;
+            };
+            count += differs(16) || differs(8) || differs(0);
+        }
+        return count;
+    }
+};
+
+TEST_F(Boards, TheFastWayAndSeveralThreadsGiveTheSameBytes) {
     CpuBoardUsesAvx2 = false;
     CpuBoardThreads = 1;
     TearDown();
     SetUp();
-    const std::vector<uint32_t> portable = draw();
+    const std::vector<uint32_t> portable = DrawEverything();
     CpuBoardUsesAvx2 = CpuBoardHasAvx2();
     CpuBoardThreads = 3;
     TearDown();
     SetUp();
-    const std::vector<uint32_t> fast = draw();
-    size_t different = 0;
-    for (size_t i = 0; i < fast.size(); ++i)
-        different += fast[i] != portable[i];
-    EXPECT_EQ(different, 0U);
+    const std::vector<uint32_t> fast = DrawEverything();
+    EXPECT_EQ(Differing(fast, portable, 0), 0U);
     EXPECT_GT(std::count_if(fast.begin(), fast.end(), [](uint32_t pixel) { return pixel != 0; }), 100000);
+}
+
+class GpuBoardPictures : public Boards {
+protected:
+    const Board* TheBoard() override { return board; }
+    void Reopen(const Board* other, uint32_t scale) {
+        TearDown();
+        board = other;
+        GpuBoardScale = scale;
+        SetUp();
+    }
+    void TearDown() override {
+        Boards::TearDown();
+        GpuBoardScale = 1;
+    }
+    const Board* board = &GpuBoard;
+};
+
+TEST_F(GpuBoardPictures, AreThoseOfTheCpuBoardButForRounding) {
+    const std::vector<uint32_t> gpu = DrawEverything();
+    Reopen(&CpuBoard, 1);
+    const std::vector<uint32_t> cpu = DrawEverything();
+    EXPECT_LT(Differing(gpu, cpu, 2), gpu.size() / 500) << "where an edge, a hole or a mip level begins";
+}
+
+TEST_F(GpuBoardPictures, AreReadBackAtTheirUsualSizeWhateverTheScale) {
+    Reopen(&GpuBoard, 3);
+    MakePlain(WHITE);
+    DrawQuad(10.5F, 20.5F, 14.5F, 24.5F);
+    const Shown shown = Swap();
+    EXPECT_EQ(shown.picture->width, 3 * 640);
+    EXPECT_EQ(shown.Count(), 9 * 16);
+    GrLfbInfo_t info{};
+    info.size = sizeof info;
+    ASSERT_TRUE(
+        grLfbLock(GR_LFB_READ_ONLY, GR_BUFFER_FRONTBUFFER, GR_LFBWRITEMODE_ANY, GR_ORIGIN_UPPER_LEFT, FXTRUE, &info));
+    const auto* row =
+        reinterpret_cast<const uint16_t*>(static_cast<const uint8_t*>(info.lfbPtr) + 22 * info.strideInBytes);
+    EXPECT_EQ(row[9], 0);
+    EXPECT_EQ(row[10] >> 11, 255 * 6 / 9 >> 3) << "a third of it is not covered";
+    EXPECT_EQ(row[12], 0xFFFF);
+    const uint32_t first = FrontPicture()->pixels[0];
+    grSstWinClose();
+    EXPECT_EQ(FrontPicture()->pixels[0], first);
 }
 
 }  // namespace

@@ -1,0 +1,77 @@
+// The one program of the gpu board, for all states. Colours are counted in 0..255 throughout, as the cpu board does.
+#pragma once
+
+// The upper row of the picture lies at the bottom of OpenGL's, and so comes first in memory; that also makes upper
+// edges belong to a triangle. With w always 1 everything is interpolated linearly on the screen.
+inline const char* const GPU_VERTEX_PROGRAM = R"(#version 330 core
+layout(location = 0) in vec2 place;        // pixels
+layout(location = 1) in vec3 perspective;  // 1 / W, s / W, t / W
+layout(location = 2) in vec4 colour;
+uniform bool isLine;
+out vec3 overW;
+out vec4 vertexColour;
+void main() {
+    vec2 pixels = isLine ? place : floor(place * 16.0 + 0.5) / 16.0;
+    gl_Position = vec4(pixels * vec2(2.0 / 640.0, 2.0 / 480.0) - 1.0, 0.0, 1.0);
+    overW = perspective;
+    vertexColour = colour;
+}
+)";
+
+inline const char* const GPU_FRAGMENT_PROGRAM = R"(#version 330 core
+in vec3 overW;
+in vec4 vertexColour;
+out vec4 pixel;
+
+uniform bool isLine;         // nothing but its colour
+uniform sampler2D map;
+uniform vec2 mapScale;       // from s and t to 0..1
+uniform ivec2 lods;          // of the map's largest and smallest level
+uniform int alphaReference;  // -1: no test
+uniform bool addsAlpha;
+uniform bool hasFog;
+uniform vec3 fogColour;
+uniform vec2 fog[64];        // entry, and what leads to the next one
+
+// Four bits of exponent, twelve of mantissa.
+int depthOf(float oow) {
+    int bits = floatBitsToInt(oow);
+    return bits <= 0 ? 0xFFFF : clamp((0x3F800000 - bits + 0x7FF) >> 11, 0, 0xFFFF);
+}
+
+// The level whose texels are nearest to the size of pixels, counted from the largest one.
+float levelAt(vec2 st, float w) {
+    vec3 toRight = dFdx(overW);
+    vec3 down = dFdy(overW);
+    vec2 perColumn = (toRight.yz - st * toRight.x) * w;
+    vec2 perRow = (down.yz - st * down.x) * w;
+    float longer = max(dot(perColumn, perColumn), dot(perRow, perRow));
+    int exponent = (floatBitsToInt(longer) >> 23 & 0xFF) - 127;
+    return float(clamp((exponent + 1) >> 1, lods.x, lods.y) - lods.x);
+}
+
+vec3 foggy(vec3 colour, int depth) {
+    vec2 entry = fog[depth >> 10];
+    float share = (entry.x + entry.y * float(depth >> 2 & 0xFF) / 256.0) / 255.0;
+    return floor(mix(colour, fogColour, share) + 0.5);
+}
+
+void main() {
+    vec4 scales = roundEven(clamp(vertexColour, 0.0, 255.0));
+    if (isLine) {
+        pixel = vec4(scales.rgb / 255.0, 0.0);
+        gl_FragDepth = 0.0;
+        return;
+    }
+    int depth = depthOf(overW.x);
+    float w = 1.0 / overW.x;
+    vec2 st = overW.yz * w;
+    vec4 texel = floor(textureLod(map, st * mapScale, levelAt(st, w)) * 255.0 + 0.5);
+    if (alphaReference >= 0 && int(texel.a) != alphaReference) discard;
+    vec3 colour = floor(texel.rgb * (scales.rgb + 1.0) / 256.0);
+    if (addsAlpha) colour = min(colour + scales.a, 255.0);
+    if (hasFog) colour = foggy(colour, depth);
+    pixel = vec4(colour / 255.0, 0.0);
+    gl_FragDepth = float(depth) / 65535.0;
+}
+)";
