@@ -17,8 +17,8 @@
 #include "render/submit.h"
 #include "render/textures.h"
 #include "world/bsp.h"
+#include "world/draw/draw_sky.h"
 #include "world/draw/render_world.h"
-#include "world/static_object.h"
 #include "world/world_tables.h"
 
 #include <CLI/CLI.hpp>

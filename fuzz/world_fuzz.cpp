@@ -3,43 +3,16 @@
 #include "math/vectors.h"
 #include "platform/timer.h"
 #include "records/character_records.h"
-#include "render/raster.h"
 #include "render/render_tables.h"
 #include "support/game_file.h"
+#include "support/software_frame.h"
 #include "support/view.h"
 #include "world/bsp.h"
 #include "world/collision.h"
 #include "world/draw/render_world.h"
 #include "world/world_tables.h"
 
-#include <vector>
-
 namespace {
-
-std::vector<uint8_t> frame;
-std::vector<uint8_t> textures;
-std::vector<uint8_t> remap(256);
-
-void SetUpScreen() {
-    if (!frame.empty()) return;
-    BuildReciprocalTable();
-    ScreenWidth = FramePitch = 320;
-    ScreenHeight = 240;
-    frame.resize(320 * 240);
-    FrameBuffer = frame.data();
-    ProjectionScaleX = 316.8f;
-    ProjectionScaleY = 237.6f;
-    ScreenAspect = ProjectionScaleX / ProjectionScaleY;
-    ScreenCentreX = 160.0f;
-    ScreenCentreY = 120.0f;
-    FarDistance = FadeDistance = 5000.0f;
-
-    textures.resize(TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord) + TEXTURE_PAGE_SIZE);
-    TextureImage = textures.data();
-    TextureCount = 1;
-    TextureRemap = remap.data();
-    TextureRecords()[0] = {TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord), 0, 0, 0, 0, 0, 64, 64};
-}
 
 void LookFrom(const Vec3& eye, float yaw) {
     LookFrom(eye, 15.0f, yaw);
@@ -66,7 +39,7 @@ void WalkFrom(const Vec3& place) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    SetUpScreen();
+    SetUpSoftwareFrame();
     try {
         LoadBspWorld(BeginGameFile(data, size));
     } catch (const FatalThrown&) {

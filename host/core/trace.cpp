@@ -31,11 +31,10 @@ public:
 
     void Reals(const char* name, std::span<const float> values) {
         Name(name);
-        char separator = '[';
+        line_ += '[';
         for (const float value : values) {
-            line_ += separator;
+            if (line_.back() != '[') line_ += ',';
             AddReal(value);
-            separator = ',';
         }
         line_ += ']';
     }
@@ -94,6 +93,8 @@ std::string TraceLine(uint32_t frame, const HostFrameReport& report, const Pictu
     writer.Reals("camera", report.camera);
     writer.Reals("angles", report.cameraAngles);
     writer.Whole("polys", report.polygons);
+    writer.Reals("lights", report.lights);
+    writer.Reals("shots", report.shots);
     for (const HostStateSpan& state : report.extra)
         writer.State(state);
     return writer.End(picture);

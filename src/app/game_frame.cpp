@@ -15,11 +15,12 @@
 #include "render/screen.h"
 #include "render/submit.h"
 #include "world/bsp.h"
+#include "world/draw/draw_sky.h"
 #include "world/draw/render_world.h"
-#include "world/static_object.h"
 #include "world/world_tables.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -41,7 +42,24 @@ void CountFrame() {
     if (FrameCount == 0x8000) FillStamps(0);
 }
 
-HostFrameReport DescribeFrame() {
+// Keeps what the spans of the report refer to.
+struct ReportedLists {
+    std::vector<float> lights, shots;
+};
+
+ReportedLists ListLightsAndShots() {
+    ReportedLists lists;
+    for (const LightSlot& slot : LightSlots) {
+        if (slot.type >= LIGHT_RAMP && slot.type <= LIGHT_DYNAMIC_RAMP) lists.lights.push_back(slot.intensity);
+    }
+    for (const Shot& shot : Shots) {
+        if (shot.state == SHOT_FLYING)
+            lists.shots.insert(lists.shots.end(), {shot.position.x, shot.position.y, shot.position.z});
+    }
+    return lists;
+}
+
+HostFrameReport DescribeFrame(const ReportedLists& lists) {
     const Actor& player = PlayerActor;
     return {
         .ticks = FrameTicks,
@@ -56,7 +74,9 @@ HostFrameReport DescribeFrame() {
         .camera = {CameraPos.x, CameraPos.y, CameraPos.z},
         .cameraAngles = {CameraAngles.x, CameraAngles.y, CameraAngles.z},
         .polygons = SubmittedPolygons,
-        .extra = {{&RandState, sizeof RandState}, {LightSlots, sizeof LightSlots}},
+        .lights = lists.lights,
+        .shots = lists.shots,
+        .extra = {{&RandState, sizeof RandState}, {LightSlots, sizeof LightSlots}, {Shots, sizeof Shots}},
     };
 }
 
@@ -79,7 +99,7 @@ bool GameFrame() {
     RenderWorld();
     if (locked) UnlockSurface();
     SwapScreen();
-    const bool hostEnds = HostEndOfFrame(DescribeFrame());
+    const bool hostEnds = HostEndOfFrame(DescribeFrame(ListLightsAndShots()));
     CountFrame();
     FrameLimiter();
     FrameStep();

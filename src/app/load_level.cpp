@@ -35,7 +35,6 @@ void ResetLevelState(int32_t index) {
     CameraPos = CAMERA_START_POSITION;
     CameraAngles = CAMERA_START_ANGLES;
     ActorCount = 0;
-    SkyObject = {};
     // Only the accelerator's light map sets it, and the keys keep FadeDistance above it.
     if (!GlideActive()) FogNearDistance = 0.0f;
 }

@@ -59,15 +59,6 @@ bool ValidCoordinates(const uint8_t* image, uint32_t bytes, uint32_t faceCount) 
     return true;
 }
 
-bool FitsGeometry(const MeshPart& part) {
-    const GeometryCounts& file = WorldGeometry.file;
-    const GeometryCounts& used = WorldGeometry.used;
-    return CharPointBase + uint64_t{part.pointCount} <= file.points + SPARE_POINTS &&
-           CharPolyBase + uint64_t{part.faceCount} <= file.polygons + SPARE_POLYGONS &&
-           used.planes + uint64_t{part.faceCount} <= file.planes + SPARE_PLANES &&
-           used.polyVertices + 3ull * part.faceCount <= file.polyVertices + SPARE_POLY_VERTICES;
-}
-
 void ResetBones(MeshRecord& mesh) {
     for (uint32_t b = 0; b < mesh.boneCount; ++b) {
         BoneRecord& bone = mesh.bones[b];
@@ -120,7 +111,8 @@ void LoadMesh(const char* meshPath, MeshRecord& mesh, const char* coordinatesPat
         FatalError(0, "Not a valid TUV file", coordinatesPath);
     }
     mesh.bones = static_cast<BoneRecord*>(PoolMalloc(mesh.boneCount * uint32_t{sizeof(BoneRecord)}));
-    if (!mesh.bones || !FitsGeometry(part)) FatalError(0, "No room for the mesh", meshPath);
+    const GeometryCounts needed = {part.faceCount, part.faceCount, part.pointCount, 3 * part.faceCount};
+    if (!mesh.bones || !GeometryHasRoomFor(needed)) FatalError(0, "No room for the mesh", meshPath);
     ResetBones(mesh);
     mesh.pointCount = static_cast<uint16_t>(part.pointCount);
     mesh.faceCount = static_cast<uint16_t>(part.faceCount);

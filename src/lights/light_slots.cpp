@@ -1,10 +1,232 @@
 #include "lights/light_slots.h"
 
+#include "camera/camera_tables.h"
+#include "math/convert.h"
+#include "math/random.h"
+#include "memory/fatal.h"
+#include "memory/files.h"
+#include "platform/timer.h"
+#include "world/world_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
 LightSlot LightSlots[LIGHT_SLOT_COUNT];
 
-void LoadLightSlots(const char* /*path*/) {
-    for (LightSlot& slot : LightSlots)
-        slot.type = LIGHT_FREE;
+namespace {
+
+constexpr float LEVEL_SCALE = 64.0f;  // light bytes an intensity of 1
+constexpr float DIMMEST = 0.01f;      // dynamic lights below this touch nothing
+constexpr int32_t BRIGHTEST = 127;
+constexpr float SPAWNED_RADIUS = 500.0f;
+
+constexpr int32_t FLICKER_BITS = 127;
+constexpr float FLICKER_BASE = 256.0f;
+constexpr float FLICKER_SCALE = 128.0f;
+constexpr int32_t FLICKER_TIME_BITS = 7;
+
+struct ContributionList {
+    uint16_t targets[LIGHT_CONTRIBUTION_LIMIT];
+    float weights[LIGHT_CONTRIBUTION_LIMIT];
+};
+ContributionList PointContributions;
+ContributionList CornerContributions;
+
+struct GatheredPoint {
+    uint16_t point;
+    float weight;
+};
+GatheredPoint Gathered[GATHERED_POINT_LIMIT];
+
+bool ReadContributions(ContributionList& list, uint32_t count, uint32_t targetCount) {
+    if (!ReadBlock(list.targets, count * uint32_t{sizeof list.targets[0]})) return false;
+    if (!ReadBlock(list.weights, count * uint32_t{sizeof list.weights[0]})) return false;
+    for (uint32_t i = 0; i < count; ++i) {
+        if (list.targets[i] >= targetCount || !std::isfinite(list.weights[i])) return false;
+    }
+    return true;
 }
 
-void UpdateLights() {}
+bool LiesInList(int32_t first, int32_t count, int32_t listLength) {
+    return first >= 0 && count >= 0 && first <= listLength - count;
+}
+
+bool IsValid(const LightSlot& slot, int32_t contributions) {
+    const Vec3 place = slot.position;
+    const double numbers[] = {
+        place.x,     place.y,       place.z,           slot.radius,       slot.intensity, slot.highIntensity,
+        slot.stepUp, slot.stepDown, slot.lowIntensity, slot.radiusSquared};
+    return LiesInList(slot.firstPoint, slot.pointCount, contributions) &&
+           LiesInList(slot.firstCorner, slot.cornerCount, contributions) &&
+           std::all_of(std::begin(numbers), std::end(numbers), [](double number) { return std::isfinite(number); });
+}
+
+bool ReadLightSlots() {
+    const auto slots = static_cast<int16_t>(ReadWord());
+    const auto contributions = static_cast<int16_t>(ReadWord());
+    ReadWord();
+    if (slots < 0 || slots > LIGHT_SLOT_COUNT || contributions < 0) return false;
+    if (!ReadBlock(LightSlots, static_cast<uint32_t>(slots) * uint32_t{sizeof(LightSlot)})) return false;
+    const auto count = static_cast<uint32_t>(contributions);
+    return std::all_of(LightSlots, LightSlots + slots,
+                       [&](const LightSlot& slot) { return IsValid(slot, contributions); }) &&
+           ReadContributions(PointContributions, count, WorldGeometry.file.points) &&
+           ReadContributions(CornerContributions, count, 8 * WorldGeometry.file.polygons);
+}
+
+// The first light of a frame starts from the base, the others add.
+void Raise(int8_t& current, int8_t base, uint16_t& stamp, float amount) {
+    const int8_t start = stamp == FrameCount ? current : base;
+    const int32_t raised = TruncToInt(amount + static_cast<float>(start));
+    current = static_cast<int8_t>(std::clamp(raised, 0, BRIGHTEST));
+    stamp = FrameCount;
+}
+
+void RaisePoint(uint32_t point, float amount) {
+    Raise(WorldGeometry.pointLight[point], WorldGeometry.pointLightBase[point], WorldGeometry.pointLightStamps[point],
+          amount);
+}
+
+void RaiseCorner(uint32_t entry, float amount) {
+    Raise(CornerLight[entry], CornerLightBase[entry], WorldGeometry.cornerLightStamps[entry], amount);
+}
+
+void ApplyContributions(const LightSlot& slot) {
+    const float scale = slot.intensity;
+    for (int32_t i = slot.firstPoint; i < slot.firstPoint + slot.pointCount; ++i)
+        RaisePoint(PointContributions.targets[i], PointContributions.weights[i] * scale * LEVEL_SCALE);
+    for (int32_t i = slot.firstCorner; i < slot.firstCorner + slot.cornerCount; ++i)
+        RaiseCorner(CornerContributions.targets[i], CornerContributions.weights[i] * scale * LEVEL_SCALE);
+}
+
+// The world's points within the radius; how many. Those of sky and character are left out.
+int GatherPoints(const LightSlot& slot) {
+    const Vec3 place = slot.position;
+    const float radius = slot.radius;
+    const double radiusSquared = slot.radiusSquared;
+    int count = 0;
+    for (uint32_t i = 0; i < WorldGeometry.file.points && count < GATHERED_POINT_LIMIT; ++i) {
+        const Vec3& point = WorldGeometry.points[i].position;
+        const float dx = std::fabs(place.x - point.x);
+        const float dy = std::fabs(place.y - point.y);
+        const float dz = std::fabs(place.z - point.z);
+        if (!(dx < radius && dy < radius && dz < radius)) continue;
+        const float distanceSquared = dx * dx + dy * dy + dz * dz;
+        if (!(double{distanceSquared} <= radiusSquared)) continue;
+        Gathered[count++] = {static_cast<uint16_t>(i), 1.0f - std::sqrt(distanceSquared) / radius};
+    }
+    return count;
+}
+
+// By weight x scale + flat.
+void RaisePointsAround(const LightSlot& slot, float scale, float flat) {
+    if (!(slot.intensity >= DIMMEST)) return;
+    const int count = GatherPoints(slot);
+    for (int i = 0; i < count; ++i)
+        RaisePoint(Gathered[i].point, Gathered[i].weight * scale + flat);
+}
+
+void Ramp(LightSlot& slot) {
+    if (slot.phase == 0) {
+        slot.intensity += slot.stepUp;
+        if (slot.intensity > slot.highIntensity) {
+            slot.intensity = slot.highIntensity;
+            slot.phase = 1;
+        }
+    } else if (slot.phase == 1) {
+        slot.intensity += slot.stepDown;
+        if (slot.lowIntensity > slot.intensity) {
+            slot.intensity = slot.lowIntensity;
+            slot.phase = 0;
+        }
+    }
+}
+
+// A file's timer may be anything, so the count wraps.
+void CountDown(LightSlot& slot) {
+    slot.timer = static_cast<int32_t>(static_cast<uint32_t>(slot.timer) - 1);
+}
+
+void Blink(LightSlot& slot) {
+    CountDown(slot);
+    if (slot.timer >= 1) return;
+    if (slot.phase == 1) {
+        slot.phase = 0;
+        slot.intensity = slot.lowIntensity;
+        slot.timer = slot.lowTime;
+    } else if (slot.phase == 0) {
+        slot.phase = 1;
+        slot.intensity = slot.highIntensity;
+        slot.timer = slot.highTime;
+    }
+}
+
+void Flicker(LightSlot& slot) {
+    CountDown(slot);
+    if (slot.timer > 0) return;
+    slot.intensity = (static_cast<float>(Rand() & FLICKER_BITS) + FLICKER_BASE) / FLICKER_SCALE;
+    slot.timer = Rand() & FLICKER_TIME_BITS;
+}
+
+void UpdateLight(LightSlot& slot) {
+    switch (slot.type) {
+    case LIGHT_RAMP:
+        Ramp(slot);
+        ApplyContributions(slot);
+        break;
+    case LIGHT_BLINK:
+        Blink(slot);
+        ApplyContributions(slot);
+        break;
+    case LIGHT_FLICKER:
+        Flicker(slot);
+        ApplyContributions(slot);
+        break;
+    case LIGHT_DYNAMIC: RaisePointsAround(slot, slot.intensity * LEVEL_SCALE, 0.0f); break;
+    case LIGHT_DYNAMIC_RAMP:
+        Ramp(slot);
+        RaisePointsAround(slot, 0.0f, LEVEL_SCALE);
+        break;
+    default: break;
+    }
+}
+
+}  // namespace
+
+void LoadLightSlots(const char* path) {
+    for (LightSlot& slot : LightSlots)
+        slot.type = LIGHT_FREE;
+    ReadStream = OpenGameFile(path, "rb");
+    if (!ReadStream) return;
+    const bool valid = ReadLightSlots();
+    CloseReadStream();
+    if (!valid) FatalError(0, "Not a valid light slot file", path);
+}
+
+void UpdateLights() {
+    for (LightSlot& slot : LightSlots)
+        UpdateLight(slot);
+}
+
+int32_t SpawnLight() {
+    for (int32_t i = 1; i < LIGHT_SLOT_COUNT; ++i) {
+        LightSlot& slot = LightSlots[i];
+        if (slot.type != LIGHT_FREE) continue;
+        slot.type = LIGHT_DYNAMIC;
+        slot.position = CameraPos;
+        slot.radius = SPAWNED_RADIUS;
+        slot.radiusSquared = double{SPAWNED_RADIUS} * SPAWNED_RADIUS;
+        slot.intensity = 1.0f;
+        return i;
+    }
+    return -1;
+}
+
+void SetLightPosition(int32_t slot, float x, float y, float z) {
+    if (slot >= 0) LightSlots[slot].position = {x, y, z};
+}
+
+void FreeLight(int32_t slot) {
+    if (slot >= 0) LightSlots[slot].type = LIGHT_FREE;
+}

@@ -33,6 +33,11 @@ std::FILE* OpenGameFile(const char* path, const char* mode) {
     return HostOpenFile(path, mode);
 }
 
+void CloseReadStream() {
+    std::fclose(ReadStream);
+    ReadStream = nullptr;
+}
+
 int32_t FileSize(const char* path) {
     std::FILE* file = OpenGameFile(path, "rb");
     if (!file) return -1;

@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <cstdio>
 
-extern std::FILE* ReadStream;  // the loader that opens a file sets it, closes it and sets it to null
+extern std::FILE* ReadStream;  // set by the loader that opens a file
+void CloseReadStream();        // there must be one; null afterwards
 
 std::FILE* OpenGameFile(const char* path, const char* mode);  // null: no such file, or a folder
 int32_t FileSize(const char* path);                           // bytes; -1: cannot be opened, or 2 GiB and more

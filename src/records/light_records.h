@@ -7,11 +7,18 @@
 #include <cstdint>
 
 constexpr int LIGHT_SLOT_COUNT = 150;
+
+// Types; those from 7 on, and any other value, light the character only.
 constexpr int32_t LIGHT_FREE = -1;
+constexpr int32_t LIGHT_RAMP = 2;          // phase 0: up to highIntensity, phase 1: down to lowIntensity
+constexpr int32_t LIGHT_BLINK = 3;         // phase 1: highIntensity for highTime, phase 0: lowIntensity for lowTime
+constexpr int32_t LIGHT_FLICKER = 4;       // intensity 2..3 at random for 0..7 frames
+constexpr int32_t LIGHT_DYNAMIC = 5;       // raises the points in its radius, the near ones more
+constexpr int32_t LIGHT_DYNAMIC_RAMP = 6;  // a ramp that raises all points in its radius alike, whatever its intensity
 
 struct [[gnu::packed]] LightSlot {
-    int32_t type;  // LIGHT_FREE; 2 ramp, 3 blink, 4 flicker, 5 dynamic, 6 dynamic ramp, 7 and 8 passive
-    int32_t phase;
+    int32_t type;
+    int32_t phase;                    // 0 or 1
     int32_t pointCount, cornerCount;  // contributions
     int32_t firstPoint, firstCorner;
     int32_t timer;  // frames

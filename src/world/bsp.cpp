@@ -30,8 +30,7 @@ uint32_t PolygonCapacity() {
 }
 
 [[noreturn]] void RefuseWorld(const char* message, const char* path) {
-    std::fclose(ReadStream);
-    ReadStream = nullptr;
+    CloseReadStream();
     FatalError(0, message, path);
 }
 
@@ -150,8 +149,7 @@ void LoadBspWorld(const char* path) {
     ReadHeader(path);
     if (!AllocateTables()) RefuseWorld("Not enough memory for the BSP file", path);
     if (!ReadTables() || !BspTablesAreValid()) RefuseWorld("Not a valid BSP file", path);
-    std::fclose(ReadStream);
-    ReadStream = nullptr;
+    CloseReadStream();
 
     WorldGeometry.used = WorldGeometry.file;
     FrameCount = 1;

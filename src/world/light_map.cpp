@@ -24,11 +24,6 @@ constexpr float GLIDE_FOG_NEAR = 2000.0f;
 constexpr float GLIDE_FADE_DISTANCE = 9196.0f;
 constexpr float GLIDE_FAR_DISTANCE = 5796.0f;
 
-void CloseReadStream() {
-    std::fclose(ReadStream);
-    ReadStream = nullptr;
-}
-
 int16_t ReadSignedWord() {
     return static_cast<int16_t>(ReadWord());
 }

@@ -46,6 +46,19 @@ struct WorldGeometryTables {
 };
 extern WorldGeometryTables WorldGeometry;
 
+// Whether loaders may append as much, the clipper's scratch left free.
+inline bool GeometryHasRoomFor(const GeometryCounts& more) {
+    const GeometryCounts& file = WorldGeometry.file;
+    const GeometryCounts& used = WorldGeometry.used;
+    const auto fits = [](uint32_t usedCount, uint64_t moreCount, uint32_t fileCount, uint32_t spare) {
+        return usedCount + moreCount + CLIP_SCRATCH_ENTRIES <= fileCount + uint64_t{spare};
+    };
+    return fits(used.planes, more.planes, file.planes, SPARE_PLANES) &&
+           fits(used.polygons, more.polygons, file.polygons, SPARE_POLYGONS) &&
+           fits(used.points, more.points, file.points, SPARE_POINTS) &&
+           fits(used.polyVertices, more.polyVertices, file.polyVertices, SPARE_POLY_VERTICES);
+}
+
 // Eight entries a polygon; at least as many as a light slot's 16-bit corner numbers can name.
 inline uint32_t CornerLightStampCount() {
     const uint32_t polygons = WorldGeometry.file.polygons + SPARE_POLYGONS;

@@ -15,11 +15,12 @@ TEST(Trace, ALineHasItsFieldsInOrderAndNoNumberThatIsNone) {
     frame.position[1] = 0.1f;
     frame.slope = std::numeric_limits<float>::quiet_NaN();
     frame.camera[2] = -1e30f;
+    frame.shots = frame.position;
     const std::string line = TraceLine(1, frame, nullptr);
     EXPECT_TRUE(line.starts_with(
         "{\"frame\":1,\"ticks\":0,\"level\":0,\"state\":0,\"pos\":[0,0.100000001,0],\"vel\":[0,0,0],\"heading\":0,"
         "\"contact\":0,\"slope\":null,\"time0\":0,\"camera\":[0,0,-1.00000002e+30],\"angles\":[0,0,0],\"polys\":0,"
-        "\"digest\":"))
+        "\"lights\":[],\"shots\":[0,0.100000001,0],\"digest\":"))
         << line;
     EXPECT_TRUE(line.ends_with("\",\"pixels\":null}")) << "no picture was shown";
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 struct HostStateSpan {
     const void* data;
@@ -22,8 +23,10 @@ struct HostFrameReport {
     uint32_t time0;  // animation clock of layer 0
     float camera[3];
     float cameraAngles[3];
-    uint32_t polygons;       // SubmitPolygon calls
-    HostStateSpan extra[4];  // further state for the digest: random numbers, light slots, shots
+    uint32_t polygons;              // SubmitPolygon calls
+    std::span<const float> lights;  // intensities of the lights that animate or move, in the order of their slots
+    std::span<const float> shots;   // x, y, z of each that flies; both spans last until HostEndOfFrame returns
+    HostStateSpan extra[4];         // further state for the digest: random numbers, light slots, shots
 };
 
 // Called right after the picture is presented. True: end the program through the normal way out.

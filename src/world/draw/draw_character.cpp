@@ -6,7 +6,6 @@
 #include "math/convert.h"
 #include "math/vectors.h"
 #include "platform/timer.h"
-#include "render/pipeline.h"
 #include "world/draw/outcodes.h"
 #include "world/light_map.h"
 #include "world/world_tables.h"
@@ -37,23 +36,6 @@ float MeanDepth(const PolyRecord& polygon) {
     return static_cast<float>(sum) / static_cast<float>(polygon.cornerCount);
 }
 
-void DrawByOutcodes(int32_t index) {
-    const PolyRecord& polygon = WorldGeometry.polygons[index];
-    uint8_t outsideAll = 0xFF;
-    uint8_t outsideAny = 0;
-    for (uint32_t k = 0; k < polygon.cornerCount; ++k) {
-        const uint8_t code = WorldGeometry.outcodes[WorldGeometry.polyVertices[polygon.firstVertex + k].point];
-        outsideAll &= code;
-        outsideAny |= code;
-    }
-    if (outsideAll != 0) return;
-    if ((outsideAny & OUT_SIDES) != 0) {
-        DrawMeshPolygonClipped(index, outsideAny);
-    } else {
-        DrawMeshPolygon(index);
-    }
-}
-
 }  // namespace
 
 void DrawCharacterInLeaf(int32_t leaf) {
@@ -64,6 +46,6 @@ void DrawCharacterInLeaf(int32_t leaf) {
         InsertByDepth(MeanDepth(WorldGeometry.polygons[polygon]), static_cast<int16_t>(polygon));
     }
     for (int32_t k = DepthList[0].next; DepthList[k].depth != DEPTH_LIST_TAIL; k = DepthList[k].next) {
-        DrawByOutcodes(DepthList[k].polygon);
+        DrawMeshByOutcodes(DepthList[k].polygon);
     }
 }

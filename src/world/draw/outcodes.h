@@ -1,4 +1,4 @@
-// Where a point in view space lies outside the frustum |x| <= z, |y| <= z.
+// Where points in view space lie outside the frustum |x| <= z, |y| <= z, and drawing by it.
 #pragma once
 
 #include "records/world_records.h"
@@ -13,3 +13,6 @@ inline uint8_t SideOutcode(const ViewPoint& view) {
     if (view.y < -view.z) code |= OUT_BOTTOM;
     return static_cast<uint8_t>(code);
 }
+
+// A polygon whose corners are shaded and have outcodes: drawn, clipped or left out.
+void DrawMeshByOutcodes(int32_t polygon);

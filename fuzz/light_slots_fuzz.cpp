@@ -1,0 +1,33 @@
+// lights.alt of a small world: what is loaded can be let run, and lights the character.
+#include "character/actor.h"
+#include "lights/light_slots.h"
+#include "platform/timer.h"
+#include "support/game_file.h"
+#include "support/tiny_world.h"
+
+namespace {
+
+TinyWorld world;
+
+void PublishWorld() {
+    if (WorldGeometry.nodes != nullptr) return;
+    world.AddLeaf({FacingSquare({0, 0, 100}, {0, 0, -1}, 10)});
+    world.Publish();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    PublishWorld();
+    try {
+        LoadLightSlots(BeginGameFile(data, size));
+    } catch (const FatalThrown&) {
+        return 0;
+    }
+    for (int i = 0; i < 4; ++i) {
+        ++FrameCount;
+        UpdateLights();
+        GatherActorLights(0.0f, 0.0f, 90.0f);
+    }
+    return 0;
+}

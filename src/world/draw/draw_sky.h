@@ -1,0 +1,6 @@
+// The sky, drawn before the world.
+#pragma once
+
+// Draws SkyObject turned with the camera but never moved with it, its polygons in their order and all at one light;
+// the world covers it. Nothing while FogSwitch is 0.
+void DrawSky();

@@ -1,0 +1,245 @@
+// lights.alt, the types of lights frame by frame, and the light bytes they raise.
+#include "lights/light_slots.h"
+
+#include "camera/camera_tables.h"
+#include "math/random.h"
+#include "platform/timer.h"
+#include "support/pool_fixture.h"
+#include "support/throwing_fatal.h"
+#include "support/tiny_world.h"
+#include "world/world_tables.h"
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+
+namespace {
+
+constexpr uint32_t POINTS = 1200;
+
+struct Contribution {
+    uint16_t target;
+    float weight;
+};
+
+void AppendBig(std::vector<uint8_t>& bytes, size_t value) {
+    bytes.insert(bytes.end(), {static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)});
+}
+
+template <class Value>
+void Append(std::vector<uint8_t>& bytes, const Value& value) {
+    const auto* first = reinterpret_cast<const uint8_t*>(&value);
+    bytes.insert(bytes.end(), first, first + sizeof value);
+}
+
+void AppendList(std::vector<uint8_t>& bytes, const std::vector<Contribution>& list) {
+    for (const Contribution& entry : list)
+        Append(bytes, entry.target);
+    for (const Contribution& entry : list)
+        Append(bytes, entry.weight);
+}
+
+std::vector<uint8_t> SlotFile(const std::vector<LightSlot>& slots, const std::vector<Contribution>& points = {},
+                              const std::vector<Contribution>& corners = {}) {
+    std::vector<uint8_t> bytes;
+    AppendBig(bytes, slots.size());
+    AppendBig(bytes, points.size());
+    AppendBig(bytes, 0xABCD);
+    for (const LightSlot& slot : slots)
+        Append(bytes, slot);
+    AppendList(bytes, points);
+    AppendList(bytes, corners);
+    return bytes;
+}
+
+LightSlot Slot(int32_t type) {
+    LightSlot slot = {};
+    slot.type = type;
+    return slot;
+}
+
+// A world of POINTS points on a line, one unit apart, of base light 20, and one wall.
+class Lights : public PoolFixture {
+protected:
+    void SetUp() override {
+        PoolFixture::SetUp();
+        std::vector<Corners> strips;
+        for (uint32_t i = 0; i < POINTS / 4; ++i) {
+            const auto x = static_cast<float>(4 * i);
+            strips.push_back({{x, 0, 0}, {x + 1, 0, 0}, {x + 2, 0, 0}, {x + 3, 0, 0}});
+        }
+        world_.AddLeaf(strips);
+        world_.Publish();
+        std::fill_n(WorldGeometry.pointLightBase, POINTS, int8_t{20});
+        std::fill_n(CornerLightBase, 16, int8_t{30});
+        Load({});
+        FrameCount = 5;
+        RandState = RAND_SEED;
+    }
+
+    void Load(const std::vector<LightSlot>& slots, const std::vector<Contribution>& points = {},
+              const std::vector<Contribution>& corners = {}) {
+        LoadLightSlots(FileOf(SlotFile(slots, points, corners)));
+    }
+
+    // The point's light byte in a new frame.
+    int LightAt(uint32_t point) {
+        const bool raised = WorldGeometry.pointLightStamps[point] == FrameCount;
+        return raised ? WorldGeometry.pointLight[point] : WorldGeometry.pointLightBase[point];
+    }
+
+    void NextFrame() {
+        ++FrameCount;
+        UpdateLights();
+    }
+
+    std::vector<float> Intensities(int frames) {
+        std::vector<float> intensities;
+        for (int i = 0; i < frames; ++i) {
+            NextFrame();
+            intensities.push_back(LightSlots[0].intensity);
+        }
+        return intensities;
+    }
+
+    TinyWorld world_;
+};
+
+using Row = std::vector<float>;
+
+TEST_F(Lights, RampBlinkAndFlickerFrameByFrame) {
+    LightSlot ramp = Slot(LIGHT_RAMP);
+    ramp.intensity = 0.5f;
+    ramp.highIntensity = 1.0f;
+    ramp.lowIntensity = 0.25f;
+    ramp.stepUp = 0.375f;
+    ramp.stepDown = -0.5f;
+    Load({ramp});
+    EXPECT_EQ(Intensities(6), (Row{0.875f, 1.0f, 0.5f, 0.25f, 0.625f, 1.0f})) << "a turning frame only clamps";
+
+    LightSlot blink = ramp;
+    blink.type = LIGHT_BLINK;
+    blink.timer = 1;
+    blink.phase = 1;
+    blink.highTime = 2;
+    blink.lowTime = 3;
+    Load({blink});
+    EXPECT_EQ(Intensities(7), (Row{0.25f, 0.25f, 0.25f, 1.0f, 1.0f, 0.25f, 0.25f}));
+
+    Load({Slot(LIGHT_FLICKER)});
+    RandState = 77;
+    std::vector<float> expected;
+    while (expected.size() < 40) {
+        const float intensity = static_cast<float>((Rand() & 127) + 256) / 128.0f;
+        expected.insert(expected.end(), static_cast<size_t>(std::max(1, Rand() & 7)), intensity);
+    }
+    expected.resize(40);
+    RandState = 77;
+    EXPECT_EQ(Intensities(40), expected);
+}
+
+TEST_F(Lights, AddUpFromTheBaseInEachFrameWithinTheRangeOfAByte) {
+    LightSlot lamp = Slot(LIGHT_RAMP);
+    lamp.intensity = lamp.highIntensity = lamp.lowIntensity = 1.0f;
+    lamp.pointCount = 3;
+    lamp.cornerCount = 1;
+    lamp.firstCorner = 2;
+    LightSlot second = lamp;
+    second.firstPoint = 2;
+    second.pointCount = 1;
+    Load({lamp, second}, {{7, 0.5f}, {8, 3.0f}, {9, -0.255f}}, {{0, 0}, {0, 0}, {11, 0.25f}});
+    for (int frame = 0; frame < 2; ++frame) {
+        NextFrame();
+        EXPECT_EQ(LightAt(7), 20 + 32);
+        EXPECT_EQ(LightAt(8), 127);
+        EXPECT_EQ(LightAt(9), 0) << "20 - 16.32 is 3, and then less than nothing";
+        EXPECT_EQ(CornerLight[11], 30 + 16 + 16);
+        EXPECT_EQ(WorldGeometry.cornerLightStamps[11], FrameCount);
+    }
+    ++FrameCount;
+    EXPECT_EQ(LightAt(7), 20) << "no light yet in this frame";
+}
+
+TEST_F(Lights, DynamicLightsRaiseWhatIsWithinTheirRadius) {
+    LightSlot light = Slot(LIGHT_DYNAMIC);
+    light.position = {100, 0, 0};
+    light.radius = 8.0f;
+    light.radiusSquared = 64.0;
+    light.intensity = 0.5f;
+    Load({light});
+    NextFrame();
+    EXPECT_EQ(LightAt(100), 20 + 32);
+    EXPECT_EQ(LightAt(104), 20 + 16);
+    EXPECT_EQ(LightAt(93), 20 + 4);
+    EXPECT_EQ(LightAt(108), 20);
+
+    LightSlots[0].intensity = 0.0099f;
+    NextFrame();
+    EXPECT_NE(WorldGeometry.pointLightStamps[100], FrameCount);
+    LightSlots[0].intensity = 100.0f;
+    LightSlots[0].radius = 5000.0f;
+    LightSlots[0].radiusSquared = 25e6;
+    WorldGeometry.used.points = WorldGeometry.file.points + 1;
+    NextFrame();
+    EXPECT_EQ(LightAt(999), 127);
+    EXPECT_EQ(LightAt(1000), 20) << "a thousand points at most";
+
+    light.type = LIGHT_DYNAMIC_RAMP;
+    light.stepUp = 0.25f;
+    light.highIntensity = 2.0f;
+    Load({light});
+    NextFrame();
+    EXPECT_EQ(LightSlots[0].intensity, 0.75f);
+    EXPECT_EQ(LightAt(107), 20 + 64) << "whatever weight and intensity";
+}
+
+TEST_F(Lights, SlotsAreHandedOutFromTheSecondOn) {
+    CameraPos = {1, 2, 3};
+    for (int32_t slot = 1; slot < LIGHT_SLOT_COUNT; ++slot)
+        EXPECT_EQ(SpawnLight(), slot);
+    EXPECT_EQ(SpawnLight(), -1);
+    EXPECT_EQ(LightSlots[0].type, LIGHT_FREE);
+    FreeLight(-1);
+    SetLightPosition(-1, 9, 9, 9);
+    FreeLight(70);
+    EXPECT_EQ(SpawnLight(), 70);
+    const LightSlot spawned = LightSlots[70];
+    EXPECT_EQ(spawned.type, LIGHT_DYNAMIC);
+    EXPECT_EQ(spawned.position.z, 3.0f);
+    EXPECT_EQ(spawned.radiusSquared, 250000.0);
+    LoadLightSlots("there is no such file");
+    EXPECT_EQ(SpawnLight(), 1) << "a level load frees them all";
+}
+
+TEST_F(Lights, ADamagedFileIsRefused) {
+    using Change = std::function<void(LightSlot&, Contribution&)>;
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const Change changes[] = {
+        [](LightSlot& s, Contribution&) { s.firstPoint = 2; },
+        [](LightSlot& s, Contribution&) { s.firstPoint = -1; },
+        [](LightSlot& s, Contribution&) { s.pointCount = -1; },
+        [](LightSlot& s, Contribution&) { s.cornerCount = std::numeric_limits<int32_t>::max(); },
+        [&](LightSlot& s, Contribution&) { s.radius = nan; },
+        [&](LightSlot&, Contribution& c) { c.weight = nan; },
+        [](LightSlot&, Contribution& c) { c.target = POINTS; },
+    };
+    LightSlot slot = Slot(LIGHT_RAMP);
+    slot.pointCount = slot.cornerCount = 1;
+    const auto load = [&](const std::vector<uint8_t>& bytes) { LoadLightSlots(FileOf(bytes)); };
+    EXPECT_NO_THROW(load(SlotFile({slot}, {{0, 1}}, {{0, 1}})));
+    for (const Change& change : changes) {
+        LightSlot damaged = slot;
+        Contribution entry = {0, 1};
+        change(damaged, entry);
+        EXPECT_THROW(load(SlotFile({damaged}, {entry}, {{0, 1}})), FatalThrown) << &change - changes;
+    }
+    std::vector<uint8_t> bytes = SlotFile({slot}, {{0, 1}}, {{8 * POINTS / 4, 1}});
+    EXPECT_THROW(load(bytes), FatalThrown) << "a corner of no polygon";
+    bytes = SlotFile({slot}, {{0, 1}}, {{0, 1}});
+    bytes.pop_back();
+    EXPECT_THROW(load(bytes), FatalThrown);
+    EXPECT_THROW(load(SlotFile(std::vector<LightSlot>(151, slot))), FatalThrown);
+    EXPECT_THROW(load({0, 0, 0xFF, 0xFF, 0, 0}), FatalThrown);
+}
+
+}  // namespace
