@@ -3,7 +3,6 @@
 #include "boards/cpu/crew.h"
 #include "boards/cpu/triangle.h"
 
-#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <memory>
@@ -13,17 +12,25 @@ namespace {
 constexpr size_t BUFFER_PIXELS = size_t{CPU_PITCH} * BOARD_HEIGHT;
 constexpr uint32_t RGB_MASK = 0xFFFFFF;
 
-// The picture is drawn in bands of rows, each by one thread in the order of the frame: how many threads there are shows
-// nowhere. More bands than threads even out their work.
+constexpr int32_t NO_FOG = 0x10000;  // no depth code reaches it
+constexpr int32_t FOG_ENTRY_CODES = 0x400;
+
 constexpr unsigned MOST_THREADS = 4;
-constexpr int32_t BANDS_PER_THREAD = 3;
+
+// The picture is drawn in bands of rows, each by one thread in the order of the frame: how many threads there are shows
+// nowhere. So many even out the threads' work, and leave one's pixels in its cache.
+constexpr int32_t BANDS = 12;
+static_assert(BOARD_HEIGHT % BANDS == 0);
 
 struct Band {
-    int32_t first, end;  // rows
+    int32_t first, end;               // rows
+    std::vector<uint32_t> triangles;  // that may reach it: the numbers of their first vertices, in the frame's order
 };
 
 std::unique_ptr<Crew> crew;
 
+std::array<Band, BANDS> bands;
+std::vector<FillState> states;  // of the frame
 std::vector<uint32_t> back, front;
 std::vector<uint16_t> depth;
 std::vector<CpuTexture> textures;
@@ -32,6 +39,8 @@ bool Open(std::string&) {
     back.assign(BUFFER_PIXELS, 0);
     front.assign(BUFFER_PIXELS, 0);
     depth.assign(BUFFER_PIXELS, 0xFFFF);
+    for (int32_t i = 0; i < BANDS; ++i)
+        bands[static_cast<size_t>(i)] = {BOARD_HEIGHT * i / BANDS, BOARD_HEIGHT * (i + 1) / BANDS, {}};
     const unsigned threads = std::clamp(CpuBoardThreads, 1U, MOST_THREADS);
     if (!crew || crew->Size() != threads) crew = std::make_unique<Crew>(threads - 1);
     return true;
@@ -44,58 +53,41 @@ void Close() {
 }
 
 void LoadTexture(uint32_t number, TextureImage image) {
-    if (textures.size() <= number) textures.resize(number + 1);
-    CpuTexture& texture = textures[number];
-    texture.image = std::move(image);
-    texture.firstLod = texture.image.firstLod;
-    texture.lastLod = texture.firstLod + static_cast<int32_t>(texture.image.levels.size()) - 1;
-    const TextureLevel& largest = texture.image.levels.front();
-    // One side of a small level of a long map may no longer shrink; the map still spans it from end to end.
-    const float longer = static_cast<float>(std::max(largest.width, largest.height));
-    for (int32_t lod = texture.firstLod; lod <= texture.lastLod; ++lod) {
-        const TextureLevel& level = texture.image.levels[static_cast<size_t>(lod - texture.firstLod)];
-        const float unit = longer / 256.0F * 128.0F;
-        texture.levels[lod] = {level.texels.data(),
-                               static_cast<int32_t>(level.width) - 1,
-                               static_cast<int32_t>(level.height) - 1,
-                               std::countr_zero(level.width),
-                               unit * static_cast<float>(level.width) / static_cast<float>(largest.width),
-                               unit * static_cast<float>(level.height) / static_cast<float>(largest.height)};
-    }
+    if (textures.size() <= number) textures.resize(number + 1, CpuTexture{-1, -1, {}, {}});
+    textures[number] = MakeCpuTexture(image);
+}
+
+// Entries of 0 at the beginning of the table leave everything as it is.
+int32_t FirstFog(const FogTable& fog) {
+    const auto first = std::find_if(fog.entries.begin(), fog.entries.end(), [](uint8_t entry) { return entry != 0; });
+    if (first == fog.entries.end()) return NO_FOG;
+    return std::max(static_cast<int32_t>(first - fog.entries.begin()) - 1, 0) * FOG_ENTRY_CODES;
 }
 
 FillState Prepare(const BoardState& state) {
     FillState fill{};
-    fill.texture = &textures[state.texture];
+    // What draws lines only has no texture.
+    if (state.texture < textures.size()) fill.texture = &textures[state.texture];
     fill.wrapS = state.wrapS;
     fill.wrapT = state.wrapT;
     fill.testsDepth = state.testsDepth;
     fill.writesDepth = state.writesDepth;
     fill.alphaReference = state.testsAlpha ? state.alphaReference : -1;
-    fill.addMask = state.addsAlpha ? RGB_MASK : 0;
-    fill.hasFog = state.hasFog;
+    fill.addsAlpha = state.addsAlpha;
+    fill.fogFrom = state.hasFog ? FirstFog(state.fog) : NO_FOG;
     fill.fogColour = state.fog.colour;
-    for (size_t i = 0; i < 64; ++i) {
-        const int32_t entry = state.fog.entries[i];
-        const int32_t next = state.fog.entries[std::min<size_t>(i + 1, 63)];
-        fill.fog[i] = entry + (next - entry) * 65536;
-    }
+    const auto share = [&](size_t i) { return state.fog.entries[std::min<size_t>(i, 63)] * 32767 / 255; };
+    for (size_t i = 0; i < 64; ++i)
+        fill.fog[i] = share(i) + (share(i + 1) - share(i)) * 65536;
     return fill;
 }
 
-bool Reaches(const BoardVertex* corners, const Band& band) {
-    const auto [top, bottom] = std::minmax({corners[0].y, corners[1].y, corners[2].y});
-    return bottom >= static_cast<float>(band.first) && top <= static_cast<float>(band.end);
-}
-
-void DrawTriangles(const BoardState& state, const BoardVertex* corners, uint32_t count, const Band& band) {
-    const FillState fill = Prepare(state);
-    const Target target{back.data(), depth.data()};
-    FillTriangle* const fillTriangle = CpuBoardUsesAvx2 ? FillTriangleAvx2 : FillTrianglePortable;
+void DrawTriangle(const FillState& state, const BoardVertex* corners, const Band& band) {
     Triangle triangle;
-    for (uint32_t i = 0; i + 3 <= count; i += 3)
-        if (Reaches(corners + i, band) && SetUpTriangle(corners + i, triangle))
-            fillTriangle(fill, triangle, target, band.first, band.end);
+    if (!SetUpTriangle(corners, triangle)) return;
+    FillTriangle* const fill = CpuBoardUsesAvx2 ? FillTriangleAvx2 : FillTrianglePortable;
+    fill(state, triangle, {back.data(), depth.data()}, std::max(triangle.firstRow, band.first),
+         std::min(triangle.endRow, band.end));
 }
 
 uint32_t ChannelBetween(float from, float to, float part) {
@@ -131,10 +123,14 @@ void Clear(std::vector<Pixel>& buffer, const Band& band, uint32_t value) {
 }
 
 void DrawBand(const BoardFrame& frame, const Band& band) {
+    auto next = band.triangles.begin();
     for (const BoardRun& run : frame.runs) {
         const BoardVertex* vertices = frame.vertices.data() + run.first;
         switch (run.action) {
-        case BoardAction::Triangles: DrawTriangles(frame.states[run.state], vertices, run.count, band); break;
+        case BoardAction::Triangles:
+            for (; next != band.triangles.end() && *next < run.first + run.count; ++next)
+                DrawTriangle(states[run.state], frame.vertices.data() + *next, band);
+            break;
         case BoardAction::Lines:
             for (uint32_t i = 0; i + 2 <= run.count; i += 2)
                 DrawLine(vertices[i], vertices[i + 1], band);
@@ -145,11 +141,33 @@ void DrawBand(const BoardFrame& frame, const Band& band) {
     }
 }
 
+// All bands are equally high.
+void SortTriangles(const BoardFrame& frame) {
+    for (Band& band : bands)
+        band.triangles.clear();
+    const auto bandOf = [](float y) {
+        const float row = std::clamp(y, 0.0F, static_cast<float>(BOARD_HEIGHT - 1));
+        return static_cast<int32_t>(row) / (bands.front().end - bands.front().first);
+    };
+    for (const BoardRun& run : frame.runs) {
+        if (run.action != BoardAction::Triangles) continue;
+        for (uint32_t i = run.first; i + 3 <= run.first + run.count; i += 3) {
+            const BoardVertex* corners = &frame.vertices[i];
+            const auto [top, bottom] = std::minmax({corners[0].y, corners[1].y, corners[2].y});
+            if (bottom < 0 || top > static_cast<float>(BOARD_HEIGHT)) continue;
+            const int32_t last = bandOf(bottom);
+            for (int32_t band = bandOf(top); band <= last; ++band)
+                bands[static_cast<size_t>(band)].triangles.push_back(i);
+        }
+    }
+}
+
 void Draw(const BoardFrame& frame) {
-    const int32_t bands = crew->Size() == 1 ? 1 : static_cast<int32_t>(crew->Size()) * BANDS_PER_THREAD;
-    crew->Run(bands, [&](int band) {
-        DrawBand(frame, {BOARD_HEIGHT * band / bands, BOARD_HEIGHT * (band + 1) / bands});
-    });
+    states.clear();
+    for (const BoardState& state : frame.states)
+        states.push_back(Prepare(state));
+    SortTriangles(frame);
+    crew->Run(static_cast<int>(bands.size()), [&](int i) { DrawBand(frame, bands[static_cast<size_t>(i)]); });
 }
 
 const uint32_t* Front(uint32_t& pitch) {

@@ -1,8 +1,9 @@
 // Inside of the cpu board: a triangle made ready, its rows, and what fills them. The fill routines differ in speed
-// only: each does the same float operations on a pixel in the same order, so that each gives the same bytes.
+// only: each does the same operations on a pixel in the same order, so that each gives the same bytes.
 #pragma once
 
 #include "boards/board.h"
+#include "boards/cpu/texture.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -11,31 +12,16 @@ constexpr int32_t GROUP = 8;  // pixels filled at once
 // A group may begin at the last pixel of a row; what lies beyond the row's end is stored as it was.
 constexpr int32_t CPU_PITCH = BOARD_WIDTH + 2 * GROUP;
 
-enum Value { VALUE_OOW, VALUE_SOW, VALUE_TOW, VALUE_RED, VALUE_GREEN, VALUE_BLUE, VALUE_ALPHA, VALUE_COUNT = 8 };
-
-struct MipLevel {
-    const uint32_t* texels;
-    int32_t lastColumn, lastRow;  // also the masks that wrap around
-    int32_t rowShift;             // log2 of the width
-    float scaleS, scaleT;         // from texture units to 1/128 texel
-};
-
-struct CpuTexture {
-    TextureImage image;  // no levels: not loaded
-    int32_t firstLod, lastLod;
-    MipLevel levels[BOARD_LODS];  // by LOD, firstLod..lastLod
-};
-
 // A BoardState made ready for filling.
 struct FillState {
     const CpuTexture* texture;
     bool wrapS, wrapT;
     bool testsDepth, writesDepth;
     int32_t alphaReference;  // -1: no test
-    uint32_t addMask;        // 0x00FFFFFF where the vertex's alpha is added to the colour, else 0
-    bool hasFog;
+    bool addsAlpha;
+    int32_t fogFrom;  // depth code below which there is no fog; 0x10000: nowhere is any
     uint32_t fogColour;
-    int32_t fog[64];  // entry in the low half, what leads to the next one in the high half
+    int32_t fog[64];  // share of the fog, 1/32767, in the low half; what leads to the next entry in the high half
 };
 
 struct Target {
@@ -43,76 +29,57 @@ struct Target {
     uint16_t* depth;
 };
 
-// Where an edge crosses the centre lines of the rows: the first column whose centre does not lie left of it.
+// The column of an edge in each row: the first one whose centre does not lie left of it is the whole part.
 struct Edge {
-    int32_t x, y, dx, dy;  // upper end and extent, 1/16 pixels
+    double start, perRow;
+    double At(int32_t row) const { return start + perRow * row; }
 };
 
-class EdgeWalk {
-public:
-    EdgeWalk(const Edge& edge, int32_t row) : divisor_(16 * edge.dy) {
-        const int64_t numerator =
-            int64_t{edge.x - 8} * edge.dy + int64_t{16 * row + 8 - edge.y} * edge.dx + divisor_ - 1;
-        // Both fit a double, and so near to a whole number no quotient lies that it could be rounded to one.
-        const double quotient = static_cast<double>(numerator) / divisor_;
-        column_ = static_cast<int32_t>(quotient);
-        if (column_ > quotient) --column_;
-        rest_ = static_cast<int32_t>(numerator - int64_t{column_} * divisor_);
-        step_ = edge.dx / edge.dy - (edge.dx % edge.dy < 0);
-        restStep_ = 16 * (edge.dx - step_ * edge.dy);
-    }
-    int32_t Column() const { return column_; }
-    void NextRow() {
-        column_ += step_;
-        rest_ += restStep_;
-        if (rest_ < divisor_) return;
-        rest_ -= divisor_;
-        ++column_;
-    }
+enum Plane { PLANE_OOW, PLANE_SOW, PLANE_TOW, PLANE_COUNT = 4 };
+enum Channel { CHANNEL_BLUE, CHANNEL_GREEN, CHANNEL_RED, CHANNEL_ALPHA, CHANNEL_COUNT };
 
-private:
-    int32_t divisor_;
-    int32_t column_, rest_;
-    int32_t step_, restStep_;
-};
-
+// Values at the centres of pixels: (origin + perRow x row) + perColumn x column.
 struct Triangle {
-    // Values at the centre of a pixel: (origin + perRow x rows) + perColumn x columns, both counted from the origin.
-    double origin[VALUE_COUNT], perColumn[VALUE_COUNT], perRow[VALUE_COUNT];
-    float columnStep[VALUE_COUNT], rowStep[VALUE_COUNT];
-    double x, y;    // of the origin, pixels
-    Edge edges[3];  // the one from top to bottom, and the upper and the lower one on the other side
+    double origin[PLANE_COUNT], perRow[PLANE_COUNT], perColumn[PLANE_COUNT];
+    float columnStep[PLANE_COUNT];
+    // 1/65536, modulo 2^32. The whole part: alpha rounded, of colours that plus one.
+    uint32_t colourOrigin[CHANNEL_COUNT], colourPerRow[CHANNEL_COUNT], colourPerColumn[CHANNEL_COUNT];
+    // Twice how far s and t go from one pixel to the next, but for the factor W x W: along a row this is the same
+    // everywhere in it, down a column everywhere in that.
+    double alongRow[2], alongRowPerRow[2];
+    float downColumn[2], downColumnPerColumn[2];
+    Edge longEdge, upperEdge, lowerEdge;  // from top to bottom; the two on the other side
     bool longEdgeIsLeft;
-    int32_t firstRow, middleRow, endRow;
+    int32_t firstRow, endRow;
 };
 
-// False: it has no area.
+// False: it has no pixel.
 bool SetUpTriangle(const BoardVertex* corners, Triangle& triangle);
 
-// Calls fill(row, begin, end) for each row inside firstRow..endRow that has pixels.
-template <typename Fill>
-inline void WalkRows(const Triangle& triangle, int32_t firstRow, int32_t endRow, Fill fill) {
-    int32_t row = std::max(firstRow, triangle.firstRow);
-    const int32_t end = std::min(endRow, triangle.endRow);
-    if (row >= end) return;
-    EdgeWalk along(triangle.edges[0], row);
-    for (int half = 1; half <= 2; ++half) {
-        const int32_t halfEnd = half == 1 ? std::min(end, triangle.middleRow) : end;
-        if (row >= halfEnd) continue;
-        EdgeWalk across(triangle.edges[half], row);
-        for (; row < halfEnd; ++row, along.NextRow(), across.NextRow()) {
-            const int32_t left = triangle.longEdgeIsLeft ? along.Column() : across.Column();
-            const int32_t right = triangle.longEdgeIsLeft ? across.Column() : along.Column();
-            const int32_t begin = std::max(left, 0);
-            const int32_t stop = std::min(right, BOARD_WIDTH);
-            if (begin < stop) fill(row, begin, stop);
-        }
-    }
+// The pixels begin..end - 1 of a row.
+struct Span {
+    int32_t begin, end;
+};
+
+inline Span SpanOf(const Triangle& triangle, int32_t row) {
+    const double along = triangle.longEdge.At(row);
+    const double upper = triangle.upperEdge.At(row);
+    const double lower = triangle.lowerEdge.At(row);
+    const double left = triangle.longEdgeIsLeft ? along : std::max(upper, lower);
+    const double right = triangle.longEdgeIsLeft ? std::min(upper, lower) : along;
+    return {static_cast<int32_t>(std::clamp<double>(left, 0, BOARD_WIDTH)),
+            static_cast<int32_t>(std::clamp<double>(right, 0, BOARD_WIDTH))};
+}
+
+// The square of twice how far s and t go from one pixel to the next, but for the factor W^4. A LOD is half its binary
+// exponent, less one.
+inline float SquareAlongRow(const Triangle& triangle, int32_t row) {
+    const double s = triangle.alongRow[0] + triangle.alongRowPerRow[0] * row;
+    const double t = triangle.alongRow[1] + triangle.alongRowPerRow[1] * row;
+    return static_cast<float>(s * s + t * t);
 }
 
 using FillTriangle = void(const FillState& state, const Triangle& triangle, const Target& target, int32_t firstRow,
                           int32_t endRow);
 FillTriangle FillTrianglePortable;
 FillTriangle FillTriangleAvx2;  // needs CpuBoardHasAvx2()
-
-constexpr float TEXEL_LIMIT = 1e9F;  // 1/128 texels; positions are cut off there
