@@ -9,18 +9,10 @@ namespace {
 
 constexpr double SAMPLE_SECONDS = 0.004;
 
-// Of this thread, so that other programs cost only what they push out of the caches.
-double ThreadSeconds() {
+double Now(clockid_t clock) {
     timespec now;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    clock_gettime(clock, &now);
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
-double Seconds(const std::function<void()>& work, int repeats) {
-    const double start = ThreadSeconds();
-    for (int i = 0; i < repeats; i++)
-        work();
-    return ThreadSeconds() - start;
 }
 
 double Quantile(std::vector<double> samples, double part) {
@@ -30,6 +22,14 @@ double Quantile(std::vector<double> samples, double part) {
 }
 
 }  // namespace
+
+double Rounds::Seconds(const std::function<void()>& work, int repeats) const {
+    const clockid_t id = clock == Clock::Thread ? CLOCK_THREAD_CPUTIME_ID : CLOCK_MONOTONIC;
+    const double start = Now(id);
+    for (int i = 0; i < repeats; i++)
+        work();
+    return Now(id) - start;
+}
 
 size_t Rounds::Add(std::string name, double units, std::function<void()> work) {
     int repeats = 1;

@@ -9,6 +9,11 @@
 
 class Rounds {
 public:
+    // Of this thread, so that other programs cost only what they push out of the caches; or of the wall, for work that
+    // several threads do.
+    enum class Clock { Thread, Wall };
+    explicit Rounds(Clock measuredBy = Clock::Thread) : clock(measuredBy) {}
+
     // Work that treats `units` things (pixels, bytes, polygons) a call; returns its number.
     size_t Add(std::string name, double units, std::function<void()> work);
 
@@ -25,6 +30,7 @@ public:
 
 private:
     double Ratio(size_t work, size_t floor) const { return Median(work) / Median(floor); }
+    double Seconds(const std::function<void()>& work, int repeats) const;
     void PrintTime(size_t work) const;
 
     struct Work {
@@ -34,5 +40,6 @@ private:
         int repeats;
         std::vector<double> samples;
     };
+    Clock clock;
     std::vector<Work> works;
 };

@@ -12,9 +12,6 @@ namespace {
 constexpr size_t BUFFER_PIXELS = size_t{CPU_PITCH} * BOARD_HEIGHT;
 constexpr uint32_t RGB_MASK = 0xFFFFFF;
 
-constexpr int32_t NO_FOG = 0x10000;  // no depth code reaches it
-constexpr int32_t FOG_ENTRY_CODES = 0x400;
-
 constexpr unsigned MOST_THREADS = 4;
 
 // The picture is drawn in bands of rows, each by one thread in the order of the frame: how many threads there are shows
@@ -57,13 +54,6 @@ void LoadTexture(uint32_t number, TextureImage image) {
     textures[number] = MakeCpuTexture(image);
 }
 
-// Entries of 0 at the beginning of the table leave everything as it is.
-int32_t FirstFog(const FogTable& fog) {
-    const auto first = std::find_if(fog.entries.begin(), fog.entries.end(), [](uint8_t entry) { return entry != 0; });
-    if (first == fog.entries.end()) return NO_FOG;
-    return std::max(static_cast<int32_t>(first - fog.entries.begin()) - 1, 0) * FOG_ENTRY_CODES;
-}
-
 FillState Prepare(const BoardState& state) {
     FillState fill{};
     // What draws lines only has no texture.
@@ -74,11 +64,12 @@ FillState Prepare(const BoardState& state) {
     fill.writesDepth = state.writesDepth;
     fill.alphaReference = state.testsAlpha ? state.alphaReference : -1;
     fill.addsAlpha = state.addsAlpha;
-    fill.fogFrom = state.hasFog ? FirstFog(state.fog) : NO_FOG;
-    fill.fogColour = state.fog.colour;
+    fill.hasFog = state.hasFog;
+    const uint64_t colour = state.fog.colour;
+    fill.fogChannels = (colour & 0xFF) | (colour & 0xFF00) << 8 | (colour & 0xFF0000) << 16;
     const auto share = [&](size_t i) { return state.fog.entries[std::min<size_t>(i, 63)] * 32767 / 255; };
     for (size_t i = 0; i < 64; ++i)
-        fill.fog[i] = share(i) + (share(i + 1) - share(i)) * 65536;
+        fill.fog[i] = {static_cast<int16_t>(share(i)), static_cast<int16_t>(share(i + 1) - share(i))};
     return fill;
 }
 

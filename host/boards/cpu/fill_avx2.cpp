@@ -20,6 +20,8 @@ struct Channels {
 struct Setting {
     const FillState& state;
     const Triangle& triangle;
+    const MipLevel* level;  // of the last group, and its LOD: the next one's is likely the same
+    __m256i lod;
     __m256 steps[PLANE_TOW + 1];
     __m256i colourOffsets[4];  // of pixels 0 and 4, 1 and 5, 2 and 6, 3 and 7
     __m128i colourStep;
@@ -46,7 +48,9 @@ AVX2_INLINE __m128i Times(__m128i colours, int32_t count) {
 }
 
 AVX2_INLINE Setting MakeSetting(const FillState& state, const Triangle& triangle) {
-    Setting setting{state, triangle, {}, {}, LoadColours(triangle.colourPerColumn)};
+    const int32_t lod = state.texture->firstLod;
+    Setting setting{state, triangle, &state.texture->levels[lod],          _mm256_set1_epi32(lod),
+                    {},    {},       LoadColours(triangle.colourPerColumn)};
     for (int plane = 0; plane <= PLANE_TOW; ++plane)
         setting.steps[plane] = _mm256_set1_ps(triangle.columnStep[plane]);
     const __m256i step = Broadcast(setting.colourStep);
@@ -115,11 +119,6 @@ AVX2_INLINE Channels SpreadWords(__m256i pixels) {
     return {_mm256_unpacklo_epi32(words, words), _mm256_unpackhi_epi32(words, words)};
 }
 
-AVX2_INLINE Channels Unpack(__m256i pixels) {
-    const __m256i zero = _mm256_setzero_si256();
-    return {_mm256_unpacklo_epi8(pixels, zero), _mm256_unpackhi_epi8(pixels, zero)};
-}
-
 // The share, 1/32768, of the way.
 AVX2_INLINE __m256i Mix(__m256i from, __m256i to, __m256i share) {
     return _mm256_add_epi16(from, _mm256_mulhrs_epi16(_mm256_sub_epi16(to, from), share));
@@ -139,7 +138,7 @@ AVX2_INLINE Channels Sample(const FillState& state, const MipLevel& level, __m25
     alignas(32) int32_t index[GROUP];
     _mm256_store_si256(reinterpret_cast<__m256i*>(index),
                        _mm256_madd_epi16(place, _mm256_set1_epi32(1 << 16 | level.pitch)));
-    const __m256i part = _mm256_and_si256(v, _mm256_set1_epi32(127));
+    const __m256i part = _mm256_srli_epi16(_mm256_slli_epi16(v, 9), 9);
     const __m256i weights = _mm256_add_epi16(_mm256_mullo_epi16(part, _mm256_set1_epi32(255)), _mm256_set1_epi32(128));
     const auto taps = [&](int i) AVX2_CODE {
         const auto load = [&](int pixel) AVX2_CODE {
@@ -149,7 +148,7 @@ AVX2_INLINE Channels Sample(const FillState& state, const MipLevel& level, __m25
         const __m256i pairs = _mm256_inserti128_si256(_mm256_castsi128_si256(load(i)), load(i + 4), 1);
         return _mm256_maddubs_epi16(SpreadBytes(weights, i), pairs);
     };
-    const Channels partS = SpreadWords(_mm256_slli_epi32(_mm256_and_si256(u, _mm256_set1_epi32(127)), 8));
+    const Channels partS = SpreadWords(_mm256_srli_epi16(_mm256_slli_epi16(u, 9), 1));
     return {Filter(taps(0), taps(1), partS.low), Filter(taps(2), taps(3), partS.high)};
 }
 
@@ -171,16 +170,19 @@ AVX2_INLINE Channels Sample(const FillState& state, const MipLevel& level, __m25
     return texels;
 }
 
-AVX2_INLINE Channels Texels(const Setting& setting, const Row& row, __m256 oow, __m256 columns, __m256i drawn) {
+AVX2_INLINE Channels Texels(Setting& setting, const Row& row, __m256 oow, __m256 columns, __m256i drawn) {
     const FillState& state = setting.state;
     const __m256 w = _mm256_div_ps(_mm256_set1_ps(1.0F), oow);
     const __m256 s = _mm256_mul_ps(At(setting, row, PLANE_SOW, columns), w);
     const __m256 t = _mm256_mul_ps(At(setting, row, PLANE_TOW, columns), w);
     const __m256i lods = Lods(setting, row, w, columns);
-    const __m128i first = _mm256_castsi256_si128(lods);
-    const __m256i differ = _mm256_xor_si256(lods, _mm256_broadcastd_epi32(first));
-    if (_mm256_testz_si256(differ, drawn)) return Sample(state, state.texture->levels[_mm_cvtsi128_si32(first)], s, t);
-    return SampleLevels(state, lods, s, t, drawn);
+    if (!_mm256_testz_si256(_mm256_xor_si256(lods, setting.lod), drawn)) {
+        setting.lod = _mm256_broadcastd_epi32(_mm256_castsi256_si128(lods));
+        setting.level = &state.texture->levels[_mm256_cvtsi256_si32(lods)];
+        if (!_mm256_testz_si256(_mm256_xor_si256(lods, setting.lod), drawn))
+            return SampleLevels(state, lods, s, t, drawn);
+    }
+    return Sample(state, *setting.level, s, t);
 }
 
 AVX2_INLINE Channels VertexColours(const Setting& setting, const Row& row, int32_t column) {
@@ -203,13 +205,31 @@ AVX2_INLINE __m256i Combine(const FillState& state, __m256i texels, __m256i vert
     return _mm256_min_epi16(_mm256_add_epi16(scaled, alphas), _mm256_set1_epi16(255));
 }
 
-AVX2_INLINE Channels ApplyFog(const FillState& state, Channels colours, __m256i depths) {
-    const __m256i entries = _mm256_i32gather_epi32(state.fog, _mm256_srli_epi32(depths, 10), 4);
-    const __m256i fraction = _mm256_and_si256(_mm256_slli_epi32(depths, 14), _mm256_set1_epi32(0xFF0000));
-    const __m256i factors = _mm256_or_si256(fraction, _mm256_set1_epi32(256));
-    const Channels shares = SpreadWords(_mm256_srli_epi32(_mm256_madd_epi16(entries, factors), 8));
-    const Channels fog = Unpack(_mm256_set1_epi32(static_cast<int32_t>(state.fogColour)));
-    return {Mix(colours.low, fog.low, shares.low), Mix(colours.high, fog.high, shares.high)};
+// The share of fog, 1/32768, of eight depth codes.
+AVX2_INLINE __m128i FogShares(const FillState& state, __m128i depths, __m128i drawn) {
+    const __m128i entries = _mm_srli_epi16(depths, 10);
+    const __m128i differ = _mm_xor_si128(entries, _mm_broadcastw_epi16(entries));
+    const __m128i fraction = _mm_srli_epi16(_mm_slli_epi16(depths, 6), 1);
+    __m128i shares, steps;
+    if (_mm_testz_si128(differ, drawn)) {
+        const FogEntry& entry = state.fog[_mm_extract_epi16(entries, 0)];
+        shares = _mm_set1_epi16(entry.share);
+        steps = _mm_set1_epi16(entry.step);
+    } else {
+        const __m256i both = _mm256_i32gather_epi32(reinterpret_cast<const int*>(state.fog),
+                                                    _mm256_cvtepu16_epi32(entries), sizeof(FogEntry));
+        const __m256i low = _mm256_srai_epi32(_mm256_slli_epi32(both, 16), 16);
+        const __m256i high = _mm256_srai_epi32(both, 16);
+        shares = _mm_packs_epi32(_mm256_castsi256_si128(low), _mm256_extracti128_si256(low, 1));
+        steps = _mm_packs_epi32(_mm256_castsi256_si128(high), _mm256_extracti128_si256(high, 1));
+    }
+    return _mm_add_epi16(shares, _mm_mulhrs_epi16(steps, fraction));
+}
+
+AVX2_INLINE Channels ApplyFog(const FillState& state, Channels colours, __m128i depths, __m128i drawn) {
+    const Channels shares = SpreadWords(_mm256_cvtepu16_epi32(FogShares(state, depths, drawn)));
+    const __m256i fog = _mm256_set1_epi64x(static_cast<int64_t>(state.fogChannels));
+    return {Mix(colours.low, fog, shares.low), Mix(colours.high, fog, shares.high)};
 }
 
 AVX2_INLINE __m256i WithReference(Channels texels, int32_t reference) {
@@ -218,7 +238,7 @@ AVX2_INLINE __m256i WithReference(Channels texels, int32_t reference) {
 }
 
 // Pixels column .. column + 7 of the row, of which those inside are drawn.
-AVX2_INLINE void FillGroup(const Setting& setting, const Row& row, int32_t column, __m128i inside, uint32_t* colour,
+AVX2_INLINE void FillGroup(Setting& setting, const Row& row, int32_t column, __m128i inside, uint32_t* colour,
                            uint16_t* depth) {
     const FillState& state = setting.state;
     const __m256 columns =
@@ -237,11 +257,9 @@ AVX2_INLINE void FillGroup(const Setting& setting, const Row& row, int32_t colum
     if (state.alphaReference >= 0) drawn = _mm256_and_si256(drawn, WithReference(texels, state.alphaReference));
     const Channels vertex = VertexColours(setting, row, column);
     Channels colours = {Combine(state, texels.low, vertex.low), Combine(state, texels.high, vertex.high)};
-    const __m256i wideDepths = _mm256_cvtepu16_epi32(depths);
-    const __m256i clear = _mm256_cmpgt_epi32(_mm256_set1_epi32(state.fogFrom), wideDepths);
-    if (!_mm256_testc_si256(clear, drawn)) colours = ApplyFog(state, colours, wideDepths);
-    const __m256i pixels =
-        _mm256_and_si256(_mm256_packus_epi16(colours.low, colours.high), _mm256_set1_epi32(0xFFFFFF));
+    if (state.hasFog) colours = ApplyFog(state, colours, depths, inside);
+    const __m256i packed = _mm256_packus_epi16(colours.low, colours.high);
+    const __m256i pixels = _mm256_srli_epi32(_mm256_slli_epi32(packed, 8), 8);
     auto* const place = reinterpret_cast<__m256i*>(colour);
     _mm256_storeu_si256(place, _mm256_blendv_epi8(_mm256_loadu_si256(place), pixels, drawn));
     if (!state.writesDepth) return;
@@ -253,7 +271,7 @@ AVX2_INLINE void FillGroup(const Setting& setting, const Row& row, int32_t colum
 
 AVX2_CODE void FillTriangleAvx2(const FillState& state, const Triangle& triangle, const Target& target,
                                 int32_t firstRow, int32_t endRow) {
-    const Setting setting = MakeSetting(state, triangle);
+    Setting setting = MakeSetting(state, triangle);
     const __m128i lanes = _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7);
     for (int32_t y = firstRow; y < endRow; ++y) {
         const Span span = SpanOf(triangle, y);

@@ -81,13 +81,12 @@ uint32_t Combine(const FillState& state, uint32_t texel, const uint32_t* vertex)
 }
 
 uint32_t ApplyFog(const FillState& state, uint32_t colour, uint32_t depth) {
-    const int32_t entry = state.fog[depth >> 10];
-    const int32_t next = (entry >> 16) * static_cast<int32_t>(depth >> 2 & 0xFF);
-    const int32_t share = ((entry & 0xFFFF) * 256 + next) >> 8;
+    const FogEntry& entry = state.fog[depth >> 10];
+    const int32_t share = entry.share + Scale(entry.step, static_cast<int32_t>(depth & 0x3FF) << 5);
     uint32_t result = 0;
     for (int channel = 0; channel < CHANNEL_ALPHA; ++channel) {
         const auto from = static_cast<int32_t>(ByteOf(colour, channel));
-        const auto to = static_cast<int32_t>(ByteOf(state.fogColour, channel));
+        const auto to = static_cast<int32_t>(state.fogChannels >> 16 * channel & 0xFF);
         result |= static_cast<uint32_t>(from + Scale(to - from, share)) << 8 * channel;
     }
     return result;
@@ -127,7 +126,7 @@ void FillPixel(const FillState& state, const Triangle& triangle, const Row& row,
     for (int k = 0; k < CHANNEL_COUNT; ++k)
         vertex[k] = row.colours[k] + triangle.colourPerColumn[k] * static_cast<uint32_t>(i);
     colour = Combine(state, texel, vertex);
-    if (static_cast<int32_t>(newDepth) >= state.fogFrom) colour = ApplyFog(state, colour, newDepth);
+    if (state.hasFog) colour = ApplyFog(state, colour, newDepth);
     if (state.writesDepth) depth = static_cast<uint16_t>(newDepth);
 }
 

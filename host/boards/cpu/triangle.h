@@ -12,6 +12,11 @@ constexpr int32_t GROUP = 8;  // pixels filled at once
 // A group may begin at the last pixel of a row; what lies beyond the row's end is stored as it was.
 constexpr int32_t CPU_PITCH = BOARD_WIDTH + 2 * GROUP;
 
+// Of the fog's colour, 1/32768, where a depth code is a multiple of 1024, and how much more at the next one.
+struct FogEntry {
+    int16_t share, step;
+};
+
 // A BoardState made ready for filling.
 struct FillState {
     const CpuTexture* texture;
@@ -19,9 +24,9 @@ struct FillState {
     bool testsDepth, writesDepth;
     int32_t alphaReference;  // -1: no test
     bool addsAlpha;
-    int32_t fogFrom;  // depth code below which there is no fog; 0x10000: nowhere is any
-    uint32_t fogColour;
-    int32_t fog[64];  // share of the fog, 1/32767, in the low half; what leads to the next entry in the high half
+    bool hasFog;
+    uint64_t fogChannels;  // 16 bits each: blue lowest, green, red
+    FogEntry fog[64];
 };
 
 struct Target {
@@ -67,8 +72,8 @@ inline Span SpanOf(const Triangle& triangle, int32_t row) {
     const double lower = triangle.lowerEdge.At(row);
     const double left = triangle.longEdgeIsLeft ? along : std::max(upper, lower);
     const double right = triangle.longEdgeIsLeft ? std::min(upper, lower) : along;
-    return {static_cast<int32_t>(std::clamp<double>(left, 0, BOARD_WIDTH)),
-            static_cast<int32_t>(std::clamp<double>(right, 0, BOARD_WIDTH))};
+    const auto onScreen = [](double column) { return std::min<double>(std::max<double>(column, 0), BOARD_WIDTH); };
+    return {static_cast<int32_t>(onScreen(left)), static_cast<int32_t>(onScreen(right))};
 }
 
 // The square of twice how far s and t go from one pixel to the next, but for the factor W^4. A LOD is half its binary

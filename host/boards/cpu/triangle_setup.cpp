@@ -1,7 +1,6 @@
 #include "boards/cpu/triangle.h"
 
 #include <bit>
-#include <cmath>
 #include <utility>
 
 namespace {
@@ -24,19 +23,28 @@ int32_t RowFrom(int32_t y) {
 
 // The quotient lies half a step of its divisor above what it should be: no error of rounding reaches a whole number.
 Edge MakeEdge(const Corner& top, const Corner& bottom) {
-    const int32_t dx = bottom.x - top.x;
-    const int32_t dy = bottom.y - top.y;
-    const int64_t numerator = int64_t{top.x + 8} * dy + int64_t{8 - top.y} * dx;
-    const double inverse = 1 / (16.0 * dy);
-    return {(static_cast<double>(numerator) - 0.5) * inverse, 16.0 * dx * inverse};
+    const double dx = bottom.x - top.x;
+    const double dy = bottom.y - top.y;
+    const double inverse = 1 / (16 * dy);
+    return {((top.x + 8) * dy + (8 - top.y) * dx - 0.5) * inverse, 16 * dx * inverse};
 }
 
-// How a value goes over the screen, from its differences to two corners. In double precision: on a sliver the
+// Four values at once, in loops that compilers turn into vector instructions.
+struct Four {
+    double of[4];
+};
+static_assert(PLANE_COUNT == 4 && CHANNEL_COUNT == 4);
+
+struct Planes {
+    Four origin, perRow, perColumn;
+};
+
+// How values go over the screen, from their differences to two corners. In double precision: on a sliver the
 // differences of floats would be worth nothing.
 class Slopes {
 public:
-    Slopes(const Corner& a, const Corner& b, const Corner& c, int64_t area) {
-        const double scale = 16.0 / static_cast<double>(area);
+    Slopes(const Corner& a, const Corner& b, const Corner& c, double area) {
+        const double scale = 16 / area;
         xB_ = (b.x - a.x) * scale;
         yB_ = (b.y - a.y) * scale;
         xC_ = (c.x - a.x) * scale;
@@ -44,13 +52,17 @@ public:
         columns_ = 0.5 - a.x / 16.0;
         rows_ = 0.5 - a.y / 16.0;
     }
-    // Origin is the centre of the screen's first pixel.
-    void Of(double atA, double atB, double atC, double& origin, double& perRow, double& perColumn) const {
-        const double toB = atB - atA;
-        const double toC = atC - atA;
-        perColumn = toB * yC_ - toC * yB_;
-        perRow = toC * xB_ - toB * xC_;
-        origin = atA + perColumn * columns_ + perRow * rows_;
+    // The origin is the centre of the screen's first pixel.
+    Planes Of(const Four& atA, const Four& atB, const Four& atC) const {
+        Planes planes;
+        for (int i = 0; i < 4; ++i) {
+            const double toB = atB.of[i] - atA.of[i];
+            const double toC = atC.of[i] - atA.of[i];
+            planes.perColumn.of[i] = toB * yC_ - toC * yB_;
+            planes.perRow.of[i] = toC * xB_ - toB * xC_;
+            planes.origin.of[i] = atA.of[i] + planes.perColumn.of[i] * columns_ + planes.perRow.of[i] * rows_;
+        }
+        return planes;
     }
 
 private:
@@ -58,49 +70,54 @@ private:
     double columns_, rows_;
 };
 
-void SetUpPlanes(const Slopes& slopes, const BoardVertex& a, const BoardVertex& b, const BoardVertex& c,
-                 Triangle& triangle) {
-    const auto setUp = [&](Plane plane, double atA, double atB, double atC) {
-        slopes.Of(atA, atB, atC, triangle.origin[plane], triangle.perRow[plane], triangle.perColumn[plane]);
-        triangle.columnStep[plane] = static_cast<float>(triangle.perColumn[plane]);
+void SetUpPlanes(const Slopes& slopes, const Corner* corners, Triangle& triangle) {
+    const auto at = [](const Corner& corner) {
+        return Four{{corner.vertex->oow, corner.vertex->sow, corner.vertex->tow, 0}};
     };
-    setUp(PLANE_OOW, a.oow, b.oow, c.oow);
-    setUp(PLANE_SOW, a.sow, b.sow, c.sow);
-    setUp(PLANE_TOW, a.tow, b.tow, c.tow);
-    const auto determinant = [](const double* first, const double* second, int plane) {
-        return 2 * (first[plane] * second[PLANE_OOW] - second[plane] * first[PLANE_OOW]);
+    const Planes planes = slopes.Of(at(corners[0]), at(corners[1]), at(corners[2]));
+    for (int i = 0; i < PLANE_COUNT; ++i) {
+        triangle.origin[i] = planes.origin.of[i];
+        triangle.perRow[i] = planes.perRow.of[i];
+        triangle.perColumn[i] = planes.perColumn.of[i];
+        triangle.columnStep[i] = static_cast<float>(planes.perColumn.of[i]);
+    }
+    const auto determinant = [](const Four& first, const Four& second, int plane) {
+        return 2 * (first.of[plane] * second.of[PLANE_OOW] - second.of[plane] * first.of[PLANE_OOW]);
     };
     for (const int i : {0, 1}) {
         const int plane = PLANE_SOW + i;
-        const double twist = determinant(triangle.perColumn, triangle.perRow, plane);
-        triangle.alongRow[i] = determinant(triangle.perColumn, triangle.origin, plane);
+        const double twist = determinant(planes.perColumn, planes.perRow, plane);
+        triangle.alongRow[i] = determinant(planes.perColumn, planes.origin, plane);
         triangle.alongRowPerRow[i] = twist;
-        triangle.downColumn[i] = static_cast<float>(determinant(triangle.perRow, triangle.origin, plane));
+        triangle.downColumn[i] = static_cast<float>(determinant(planes.perRow, planes.origin, plane));
         triangle.downColumnPerColumn[i] = static_cast<float>(-twist);
     }
 }
 
-// To the nearest, modulo 2^32: the sum has no room for a fraction.
-uint32_t Fixed(double value) {
-    constexpr double LIMIT = 1125899906842624.0;  // 2^50
-    return static_cast<uint32_t>(std::bit_cast<uint64_t>(std::clamp(value * 65536, -LIMIT, LIMIT) + 6 * LIMIT));
+// To the nearest 1/65536, modulo 2^32: the sum has no room for a finer fraction. Only on slivers that hold hardly a
+// pixel can a value be too large for this.
+void ToFixed(const Four& values, uint32_t* fixed) {
+    constexpr double SHIFTER = 6755399441055744.0;  // 1.5 x 2^52
+    for (int i = 0; i < CHANNEL_COUNT; ++i)
+        fixed[i] = static_cast<uint32_t>(std::bit_cast<uint64_t>(values.of[i] * 65536 + SHIFTER));
 }
 
-void SetUpColours(const Slopes& slopes, const BoardVertex& a, const BoardVertex& b, const BoardVertex& c,
-                  Triangle& triangle) {
-    const auto setUp = [&](Channel channel, float atA, float atB, float atC, double added) {
+void SetUpColours(const Slopes& slopes, const Corner* corners, Triangle& triangle) {
+    const auto at = [](const Corner& corner) {
         constexpr float LIMIT = 16384;
-        double origin, perRow, perColumn;
-        slopes.Of(std::clamp(atA, -LIMIT, LIMIT), std::clamp(atB, -LIMIT, LIMIT), std::clamp(atC, -LIMIT, LIMIT),
-                  origin, perRow, perColumn);
-        triangle.colourOrigin[channel] = Fixed(origin + added);
-        triangle.colourPerRow[channel] = Fixed(perRow);
-        triangle.colourPerColumn[channel] = Fixed(perColumn);
+        const BoardVertex& vertex = *corner.vertex;
+        Four colour{{vertex.b, vertex.g, vertex.r, vertex.a}};
+        for (double& value : colour.of)
+            value = std::min<double>(std::max<double>(value, -LIMIT), LIMIT);
+        return colour;
     };
-    setUp(CHANNEL_BLUE, a.b, b.b, c.b, 1.5);
-    setUp(CHANNEL_GREEN, a.g, b.g, c.g, 1.5);
-    setUp(CHANNEL_RED, a.r, b.r, c.r, 1.5);
-    setUp(CHANNEL_ALPHA, a.a, b.a, c.a, 0.5);
+    Planes planes = slopes.Of(at(corners[0]), at(corners[1]), at(corners[2]));
+    constexpr Four ADDED{{1.5, 1.5, 1.5, 0.5}};
+    for (int i = 0; i < CHANNEL_COUNT; ++i)
+        planes.origin.of[i] += ADDED.of[i];
+    ToFixed(planes.origin, triangle.colourOrigin);
+    ToFixed(planes.perRow, triangle.colourPerRow);
+    ToFixed(planes.perColumn, triangle.colourPerColumn);
 }
 
 }  // namespace
@@ -115,8 +132,7 @@ bool SetUpTriangle(const BoardVertex* vertices, Triangle& triangle) {
     if (middle.y < top.y) std::swap(top, middle);
     triangle.firstRow = std::max(RowFrom(top.y), 0);
     triangle.endRow = std::min(RowFrom(bottom.y), BOARD_HEIGHT);
-    const int64_t area =
-        int64_t{middle.x - top.x} * (bottom.y - top.y) - int64_t{bottom.x - top.x} * (middle.y - top.y);
+    const double area = double(middle.x - top.x) * (bottom.y - top.y) - double(bottom.x - top.x) * (middle.y - top.y);
     if (area == 0 || triangle.firstRow >= triangle.endRow) return false;
     triangle.longEdgeIsLeft = area > 0;
     // An edge along a row bounds nothing.
@@ -125,7 +141,7 @@ bool SetUpTriangle(const BoardVertex* vertices, Triangle& triangle) {
     triangle.upperEdge = top.y == middle.y ? nowhere : MakeEdge(top, middle);
     triangle.lowerEdge = middle.y == bottom.y ? nowhere : MakeEdge(middle, bottom);
     const Slopes slopes(top, middle, bottom, area);
-    SetUpPlanes(slopes, *top.vertex, *middle.vertex, *bottom.vertex, triangle);
-    SetUpColours(slopes, *top.vertex, *middle.vertex, *bottom.vertex, triangle);
+    SetUpPlanes(slopes, corners, triangle);
+    SetUpColours(slopes, corners, triangle);
     return true;
 }
