@@ -10,7 +10,6 @@
 namespace {
 
 constexpr size_t BUFFER_PIXELS = size_t{CPU_PITCH} * BOARD_HEIGHT;
-constexpr uint32_t RGB_MASK = 0xFFFFFF;
 
 constexpr unsigned MOST_THREADS = 4;
 
