@@ -26,7 +26,6 @@ bool OpenOnGraphicsCard(std::string& error) {
     if (!EnterGl(error)) return false;
     if (!GlIsSoftware()) return GpuBoard.open(error);
     error = "there is no graphics card behind OpenGL";
-    LeaveGl();
     return false;
 }
 

@@ -26,11 +26,20 @@ bool OpenHiddenWindow() {
     return context != nullptr;
 }
 
+void CloseContext() {
+    if (context) SDL_GL_DeleteContext(context);
+    if (window) SDL_DestroyWindow(window);
+    if (startedVideo) SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    context = nullptr;
+    window = nullptr;
+    startedVideo = false;
+}
+
 // Drawing off the screen needs no display, and is tried first. SDL_VIDEODRIVER, when set, decides both times.
 bool OpenContext() {
     if (SDL_WasInit(SDL_INIT_VIDEO)) return OpenHiddenWindow();
     if (StartVideo("offscreen") && OpenHiddenWindow()) return true;
-    LeaveGl();
+    CloseContext();
     return StartVideo(nullptr) && OpenHiddenWindow();
 }
 
@@ -47,17 +56,8 @@ bool EnterGl(std::string& error) {
     if (SDL_WasInit(SDL_INIT_VIDEO) && SDL_GL_GetCurrentContext()) return LoadGl(error);
     if (OpenContext()) return LoadGl(error);
     error = std::string("no OpenGL 3.3 context: ") + SDL_GetError();
-    LeaveGl();
+    CloseContext();
     return false;
-}
-
-void LeaveGl() {
-    if (context) SDL_GL_DeleteContext(context);
-    if (window) SDL_DestroyWindow(window);
-    if (startedVideo) SDL_QuitSubSystem(SDL_INIT_VIDEO);
-    context = nullptr;
-    window = nullptr;
-    startedVideo = false;
 }
 
 bool GlIsSoftware() {

@@ -130,16 +130,12 @@ void Close() {
     gl::DeleteVertexArrays(1, &vertexArray);
     gl::DeleteProgram(program);
     frontPixels = {};
-    LeaveGl();
 }
 
 bool Open(std::string& error) {
     if (!EnterGl(error)) return false;
     program = LinkGlProgram(GPU_VERTEX_PROGRAM, GPU_FRAGMENT_PROGRAM, error);
-    if (program == 0) {
-        LeaveGl();
-        return false;
-    }
+    if (program == 0) return false;
     uniforms = FindUniforms();
     MakeVertexArray();
     MakeSamplers();
