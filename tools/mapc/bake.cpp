@@ -345,10 +345,15 @@ private:
     }
 
     void FindReflections() {
+        std::vector<double> light = light_;
+        for (size_t i = 0; i < light.size(); ++i) {
+            for (size_t lamp = 0; lamp < changing_.size(); ++lamp)
+                light[i] += changing_[lamp][i] * input_.changing[lamp].mean;
+        }
         for (size_t i = 0; i < fans_.polygons.size(); ++i) {
             std::array<double, 3> reflected{};
             for (size_t k = 0; k < 3 && LookOf(i).light == 0; ++k)
-                reflected[k] = light_[receivers_.ofCorner[fans_.corners[i][k]]] * LookOf(i).reflectance;
+                reflected[k] = light[receivers_.ofCorner[fans_.corners[i][k]]] * LookOf(i).reflectance;
             reflections_.push_back(ReflectionOf(fans_.surfaces.solid[i], reflected[0], reflected[1], reflected[2]));
         }
     }

@@ -13,6 +13,7 @@ struct Lamp {
     Vec3 position;
     double brightness = 0;  // light byte right beside it, on a surface that faces it; negative darkens
     double radius = 0;      // where it has faded to nothing, linearly
+    double mean = 1;        // of one that changes: the part of its brightness in the mean of time, which bounces
 };
 
 // How the material of a texture slot looks to light.
@@ -71,7 +72,7 @@ struct PlaceLight {
 };
 
 struct BakedLight {
-    LightField steady;  // all light but that of changing lamps
+    LightField steady;  // all light but what changing lamps send straight
     std::vector<LightField> changing;
     std::vector<PlaceLight> places;  // above the floors, where a player has the room
     Vec3 toSun;                      // unit

@@ -47,7 +47,8 @@ std::vector<Winding> SkyFaces(const Brushes& brushes, const Placement& placement
 std::vector<Lamp> LampsOf(const std::vector<PointLight>& lights, const Placement& placement) {
     std::vector<Lamp> lamps;
     for (const PointLight& light : lights)
-        lamps.push_back({placement.ToEngine(light.origin), light.brightness, light.radius * placement.scale});
+        lamps.push_back(
+            {placement.ToEngine(light.origin), light.brightness, light.radius * placement.scale, MeanOf(light)});
     return lamps;
 }
 

@@ -93,3 +93,10 @@ std::vector<PointLight> ReadLights(const MapFile& map) {
     }
     return lights;
 }
+
+double MeanOf(const PointLight& light) {
+    if (light.style == LightStyle::Ramp) return (1 + light.low) / 2;
+    if (light.style == LightStyle::Blink)
+        return (light.highTime + light.low * light.lowTime) / static_cast<double>(light.highTime + light.lowTime);
+    return 1;
+}

@@ -29,3 +29,4 @@ struct PointLight {
 
 // In map order. ContentError for a key out of its range and for one that the light's style has no use for.
 std::vector<PointLight> ReadLights(const MapFile& map);
+double MeanOf(const PointLight& light);  // the part of its brightness that it has in the mean of its cycle

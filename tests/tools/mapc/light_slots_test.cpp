@@ -5,13 +5,15 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace {
 
 // A lamp 202 above the middle of the floor of a dark room of 1024 x 1024 x 512.
-MapBuilder RoomWithLamp(const std::string& keys) {
+MapBuilder RoomWithLamp(const std::string& keys, const std::string& bounce = "0") {
     MapBuilder map;
     map.Room({-512, -512, 0}, {512, 512, 512}).Start("300 300 100");
-    map.Key("ambient", "0").Key("bounce", "0").Key("light_tolerance", "0");
+    map.Key("ambient", "0").Key("bounce", bounce).Key("light_tolerance", "0");
     return map.Light("0 0 202", "\"light\" \"60\"\n\"radius\" \"800\"\n" + keys);
 }
 
@@ -133,6 +135,17 @@ TEST(LightSlots, AFlickeringLampIsItsLightInTheMean) {
     EXPECT_NEAR(AddedAt(level, flicker, 2.49609375F, {0, 0, 0}), 45, 1e-3);
     EXPECT_NEAR(OnCharacter(level.slots, {0, 110, 0}), 53, 10);  // 60 x (1 - 92 / 800)
     EXPECT_LT(OnCharacter(level.slots, {500, 110, 500}), 20);
+}
+
+TEST(LightSlots, WhatBouncesIsAlwaysThere) {
+    const auto bounced = [](const std::string& style) {
+        const CompiledLevel level = Compile(RoomWithLamp(style, "4"), 0, {});
+        return std::accumulate(level.light.pointLight.begin(), level.light.pointLight.end(), 0);
+    };
+    const int blinking = bounced(Style("blink", "\"high_time\" \"10\"\n\"low_time\" \"10\"\n"));
+    const int ramping = bounced(Style("ramp", "\"low\" \"1\"\n"));
+    EXPECT_GT(blinking, 0);
+    EXPECT_NEAR(ramping, 2 * blinking, blinking / 5);
 }
 
 TEST(LightSlots, CornersAreLitLikePointsAndShadowsStay) {
