@@ -6,9 +6,8 @@
 #include "tools/mapc/map_builder.h"
 
 #include "mapc/bake_spots.h"
+#include "mapc/ray_tracer.h"
 #include "tools/mapc/generated_map.h"
-
-#include <embree3/rtcore.h>
 
 #include <algorithm>
 #include <chrono>
@@ -26,24 +25,18 @@ Vec3 Widened(const WorldVector& v) {
 // The same world and the rays that the bake sends from every fourth point, given to the ray tracer directly.
 class BareRays {
 public:
-    explicit BareRays(const WorldFile& world)
-        : device_(rtcNewDevice("isa=sse4.2,threads=1")), scene_(rtcNewScene(device_)) {
-        rtcSetSceneFlags(scene_, RTC_SCENE_FLAG_ROBUST);
-        AddTriangles(world);
+    explicit BareRays(const WorldFile& world) {
+        tracer_.Add(0, TrianglesOf(world));
+        tracer_.Commit();
         const std::vector<Vec3> directions = HemisphereDirections(DIRECTIONS);
         for (size_t i = 0; i < world.points.size(); i += 4) {
             const Vec3 outward = -Widened(world.points[i].normal);
+            const Vec3 spot = Widened(world.points[i].position) + outward * SPOT_HEIGHT;
             const SurfaceFrame frame(outward);
             for (const Vec3& direction : directions)
-                AddRay(Widened(world.points[i].position) + outward * SPOT_HEIGHT, frame.Turned(direction));
+                rays_.push_back(RayOf(spot, frame.Turned(direction), 1e6F));
         }
     }
-    ~BareRays() {
-        rtcReleaseScene(scene_);
-        rtcReleaseDevice(device_);
-    }
-    BareRays(const BareRays&) = delete;
-    BareRays& operator=(const BareRays&) = delete;
 
     size_t Count() const { return rays_.size(); }
 
@@ -53,49 +46,25 @@ public:
         for (const RTCRay& ray : rays_) {
             RTCRayHit traced{ray, {}};
             traced.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-            rtcIntersect1(scene_, &context, &traced);
+            rtcIntersect1(tracer_.Scene(), &context, &traced);
             hits_ += traced.hit.geomID == 0;
         }
     }
 
 private:
-    void AddTriangles(const WorldFile& world) {
-        std::vector<std::array<unsigned, 3>> triangles;
+    static std::vector<RayTriangle> TrianglesOf(const WorldFile& world) {
+        std::vector<RayTriangle> triangles;
         for (const WorldPolygon& polygon : world.polygons) {
-            const auto point = [&](size_t k) { return world.corners[polygon.firstCorner + k].point; };
+            const auto place = [&](size_t k) {
+                return Widened(world.points[world.corners[polygon.firstCorner + k].point].position);
+            };
             for (size_t k = 2; k < polygon.cornerCount; ++k)
-                triangles.push_back({point(0), point(k), point(k - 1)});
+                triangles.push_back({place(0), place(k), place(k - 1)});
         }
-        RTCGeometry geometry = rtcNewGeometry(device_, RTC_GEOMETRY_TYPE_TRIANGLE);
-        auto* place = static_cast<float*>(
-            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 12, world.points.size()));
-        for (const WorldPoint& point : world.points)
-            place = std::copy(point.position.begin(), point.position.end(), place);
-        auto* corner = static_cast<unsigned*>(
-            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 12, triangles.size()));
-        for (const auto& triangle : triangles)
-            corner = std::copy(triangle.begin(), triangle.end(), corner);
-        rtcCommitGeometry(geometry);
-        rtcAttachGeometry(scene_, geometry);
-        rtcReleaseGeometry(geometry);
-        rtcCommitScene(scene_);
+        return triangles;
     }
 
-    void AddRay(const Vec3& from, const Vec3& direction) {
-        RTCRay ray{};
-        ray.org_x = static_cast<float>(from.x);
-        ray.org_y = static_cast<float>(from.y);
-        ray.org_z = static_cast<float>(from.z);
-        ray.dir_x = static_cast<float>(direction.x);
-        ray.dir_y = static_cast<float>(direction.y);
-        ray.dir_z = static_cast<float>(direction.z);
-        ray.tfar = 1e6F;
-        ray.mask = ~0U;
-        rays_.push_back(ray);
-    }
-
-    RTCDevice device_;
-    RTCScene scene_;
+    RayTracer tracer_;
     std::vector<RTCRay> rays_;
     size_t hits_ = 0;
 };

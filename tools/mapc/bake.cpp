@@ -138,7 +138,16 @@ Reflection ReflectionOf(const RayTriangle& triangle, double a, double b, double 
 struct Glow {
     RayTriangle triangle;
     double light = 0;
+    double reachSquared = 0;  // beyond it is not worth a ray
 };
+
+Vec3 CentreOf(const RayTriangle& triangle) {
+    return (triangle[0] + triangle[1] + triangle[2]) * (1.0 / 3);
+}
+
+Glow GlowOf(const RayTriangle& triangle, double light) {
+    return {triangle, light, light * Length(FrontOf(triangle)) / (2 * PI * LIGHT_MIN)};
+}
 
 class Baker {
 public:
@@ -148,7 +157,7 @@ public:
           directions_(HemisphereDirections(options.quality == LightQuality::Fast ? RAYS_FAST : RAYS)) {
         for (size_t i = 0; i < fans_.polygons.size(); ++i) {
             const double light = LookOf(i).light;
-            if (light > 0) glows_.push_back({fans_.surfaces.solid[i], light});
+            if (light > 0) glows_.push_back(GlowOf(fans_.surfaces.solid[i], light));
         }
     }
 
@@ -195,9 +204,11 @@ private:
             sum += FromLamp(lamp, receiver, spots, rays);
         for (size_t i = 0; i < changing_.size(); ++i)
             changing_[i][number] = FromLamp(input_.changing[i], receiver, spots, rays);
-        for (size_t i = 0; i < glows_.size(); ++i)
-            sum += FromGlow(glows_[i].triangle, glows_[i].light, spots.near[i % spots.near.size()], receiver.outward,
-                            rays);
+        for (size_t i = 0; i < glows_.size(); ++i) {
+            const Vec3& spot = spots.near[i % spots.near.size()];
+            if (LengthSquared(CentreOf(glows_[i].triangle) - spot) < glows_[i].reachSquared)
+                sum += FromGlow(glows_[i].triangle, glows_[i].light, spot, receiver.outward, rays);
+        }
         return sum;
     }
 
@@ -234,7 +245,7 @@ private:
                     size_t& rays) const {
         const auto& [a, b, c] = triangle;
         const Vec3 front = FrontOf(triangle);
-        const Vec3 way = (a + b + c) * (1.0 / 3) - spot;
+        const Vec3 way = CentreOf(triangle) - spot;
         const bool seen = Dot(front, way) < 0 &&
                           (Dot(a - spot, outward) > 0 || Dot(b - spot, outward) > 0 || Dot(c - spot, outward) > 0);
         if (!seen) return 0;

@@ -1,18 +1,12 @@
 #include "mapc/bake_rays.h"
 
-#include <embree3/rtcore.h>
-#include <fmt/format.h>
-
-#include <limits>
-#include <stdexcept>
+#include "mapc/ray_tracer.h"
 
 namespace {
 
 constexpr unsigned SOLID = 0;
 constexpr unsigned SKY = 1;
 constexpr unsigned VEIL = 2;
-// One set of instructions everywhere: the results of different ones differ.
-constexpr const char* DEVICE_SETTINGS = "isa=sse4.2,threads=1";
 constexpr float FARTHEST = 1e6F;
 constexpr float SAME_DISTANCE = 1e-5F;
 constexpr float BEFORE_END = 0.999F;  // of the way: what lies at the end itself is not between
@@ -60,83 +54,19 @@ double PassedVeils(const VeiledQuery& query, const std::vector<double>& cover, f
     return passed;
 }
 
-RTCRay RayOf(const Vec3& from, const Vec3& direction, float far) {
-    RTCRay ray{};
-    ray.org_x = static_cast<float>(from.x);
-    ray.org_y = static_cast<float>(from.y);
-    ray.org_z = static_cast<float>(from.z);
-    ray.dir_x = static_cast<float>(direction.x);
-    ray.dir_y = static_cast<float>(direction.y);
-    ray.dir_z = static_cast<float>(direction.z);
-    ray.tfar = far;
-    ray.mask = ~0U;
-    return ray;
-}
-
 }  // namespace
 
-struct RayScene::Tracer {
-    RTCDevice device = nullptr;
-    RTCScene scene = nullptr;
-
-    Tracer() = default;
-    Tracer(const Tracer&) = delete;
-    Tracer& operator=(const Tracer&) = delete;
-    ~Tracer() {
-        rtcReleaseScene(scene);
-        rtcReleaseDevice(device);
-    }
-
-    void Check() const {
-        const RTCError error = rtcGetDeviceError(device);
-        if (error != RTC_ERROR_NONE) {
-            throw std::runtime_error(fmt::format("the ray tracer fails with error {}", static_cast<int>(error)));
-        }
-    }
-
-    void Add(unsigned id, const std::vector<RayTriangle>& triangles) {
-        if (triangles.empty()) return;
-        RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
-        auto* corner = static_cast<float*>(
-            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 12, triangles.size() * 3));
-        auto* index = static_cast<unsigned*>(
-            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 12, triangles.size()));
-        Check();
-        unsigned next = 0;
-        for (const RayTriangle& triangle : triangles) {
-            for (const Vec3& p : triangle) {
-                for (int axis = 0; axis < 3; ++axis)
-                    *corner++ = static_cast<float>(p[axis]);
-                *index++ = next++;
-            }
-        }
-        if (id == VEIL) {
-            rtcSetGeometryUserData(geometry, const_cast<std::vector<RayTriangle>*>(&triangles));
-            rtcSetGeometryIntersectFilterFunction(geometry, GoThrough);
-            rtcSetGeometryOccludedFilterFunction(geometry, GoThrough);
-        }
-        rtcCommitGeometry(geometry);
-        rtcAttachGeometryByID(scene, geometry, id);
-        rtcReleaseGeometry(geometry);
-    }
-};
-
-RayScene::RayScene(RaySurfaces surfaces) : surfaces_(std::move(surfaces)), tracer_(std::make_unique<Tracer>()) {
+RayScene::RayScene(RaySurfaces surfaces) : surfaces_(std::move(surfaces)), tracer_(std::make_unique<RayTracer>()) {
     for (const RayTriangle& triangle : surfaces_.solid) {
         const Vec3 front = FrontOf(triangle);
         const double length = Length(front);
         const Vec3 normal = length > 0 ? front * (1 / length) : Vec3{};
         solidPlanes_.push_back({normal, Dot(normal, triangle[0])});
     }
-    tracer_->device = rtcNewDevice(DEVICE_SETTINGS);
-    tracer_->Check();
-    tracer_->scene = rtcNewScene(tracer_->device);
-    rtcSetSceneFlags(tracer_->scene, RTC_SCENE_FLAG_ROBUST);  // nothing slips through between two triangles
     tracer_->Add(SOLID, surfaces_.solid);
     tracer_->Add(SKY, surfaces_.sky);
-    tracer_->Add(VEIL, surfaces_.veils);
-    rtcCommitScene(tracer_->scene);
-    tracer_->Check();
+    tracer_->Add(VEIL, surfaces_.veils, GoThrough);
+    tracer_->Commit();
 }
 
 RayScene::~RayScene() = default;
@@ -146,7 +76,7 @@ RayHit RayScene::Trace(const Vec3& from, const Vec3& direction) const {
     RTCRayHit traced;
     traced.ray = RayOf(from, direction, FARTHEST);
     traced.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-    rtcIntersect1(tracer_->scene, &query.context, &traced);
+    rtcIntersect1(tracer_->Scene(), &query.context, &traced);
     RayHit hit;
     hit.passed = PassedVeils(query, surfaces_.veilCover, traced.ray.tfar);
     if (traced.hit.geomID == RTC_INVALID_GEOMETRY_ID) return hit;
@@ -165,6 +95,6 @@ RayHit RayScene::Trace(const Vec3& from, const Vec3& direction) const {
 double RayScene::Passed(const Vec3& from, const Vec3& to) const {
     VeiledQuery query;
     RTCRay ray = RayOf(from, to - from, BEFORE_END);
-    rtcOccluded1(tracer_->scene, &query.context, &ray);
+    rtcOccluded1(tracer_->Scene(), &query.context, &ray);
     return ray.tfar < 0 ? 0 : PassedVeils(query, surfaces_.veilCover, 1);
 }

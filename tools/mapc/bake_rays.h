@@ -2,13 +2,9 @@
 // itself, so that the ray tracer's rounding, which differs between processors, decides nothing.
 #pragma once
 
-#include "mapc/geometry.h"
+#include "mapc/ray_tracer.h"
 
-#include <array>
 #include <memory>
-#include <vector>
-
-using RayTriangle = std::array<Vec3, 3>;  // (b - a) x (c - a) points to its front
 
 struct RaySurfaces {
     std::vector<RayTriangle> solid;
@@ -42,8 +38,7 @@ public:
     double Passed(const Vec3& from, const Vec3& to) const;
 
 private:
-    struct Tracer;
     RaySurfaces surfaces_;
     std::vector<Plane> solidPlanes_;
-    std::unique_ptr<Tracer> tracer_;
+    std::unique_ptr<RayTracer> tracer_;
 };
