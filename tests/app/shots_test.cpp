@@ -75,7 +75,7 @@ TEST_F(ShotsInARoom, AreFiredInTheFirstFrameAndEveryTwentiethWhileTheKeyIsHeld) 
 TEST_F(ShotsInARoom, FlyAheadAndUpwardsForThirtyFrames) {
     PlayerActor.position = {1, 2, 3};
     FireShot();
-    EXPECT_EQ(LightSlots[1].type, LIGHT_DYNAMIC);
+    EXPECT_EQ(int32_t{LightSlots[1].type}, LIGHT_DYNAMIC);
     for (int frame = 1; frame <= 30; ++frame)
         UpdateShots();
     const Shot shot = Shots[0];

@@ -189,7 +189,7 @@ TEST_F(Lights, DynamicLightsRaiseWhatIsWithinTheirRadius) {
     light.highIntensity = 2.0f;
     Load({light});
     NextFrame();
-    EXPECT_EQ(LightSlots[0].intensity, 0.75f);
+    EXPECT_EQ(float{LightSlots[0].intensity}, 0.75f);
     EXPECT_EQ(LightAt(107), 20 + 64) << "whatever weight and intensity";
 }
 
@@ -198,15 +198,15 @@ TEST_F(Lights, SlotsAreHandedOutFromTheSecondOn) {
     for (int32_t slot = 1; slot < LIGHT_SLOT_COUNT; ++slot)
         EXPECT_EQ(SpawnLight(), slot);
     EXPECT_EQ(SpawnLight(), -1);
-    EXPECT_EQ(LightSlots[0].type, LIGHT_FREE);
+    EXPECT_EQ(int32_t{LightSlots[0].type}, LIGHT_FREE);
     FreeLight(-1);
     SetLightPosition(-1, 9, 9, 9);
     FreeLight(70);
     EXPECT_EQ(SpawnLight(), 70);
     const LightSlot spawned = LightSlots[70];
-    EXPECT_EQ(spawned.type, LIGHT_DYNAMIC);
-    EXPECT_EQ(spawned.position.z, 3.0f);
-    EXPECT_EQ(spawned.radiusSquared, 250000.0);
+    EXPECT_EQ(int32_t{spawned.type}, LIGHT_DYNAMIC);
+    EXPECT_EQ(Vec3{spawned.position}.z, 3.0f);
+    EXPECT_EQ(double{spawned.radiusSquared}, 250000.0);
     LoadLightSlots("there is no such file");
     EXPECT_EQ(SpawnLight(), 1) << "a level load frees them all";
 }

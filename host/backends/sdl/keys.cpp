@@ -55,7 +55,7 @@ constexpr KeyPair KEYS[] = {
     {SDL_SCANCODE_BACKSLASH, 0x2B},
     {SDL_SCANCODE_NONUSHASH, 0x2B},
     {SDL_SCANCODE_Z, 0x2C},
-    {SDL_SCANCODE_X, 0x2D},
+    {SDL_SCANCODE_X, 0x9D},  // right Ctrl, which many keyboards lack; the game has no other use for X
     {SDL_SCANCODE_C, 0x2E},
     {SDL_SCANCODE_V, 0x2F},
     {SDL_SCANCODE_B, 0x30},

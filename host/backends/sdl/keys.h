@@ -1,4 +1,4 @@
-// The keyboard by key position.
+// The keyboard by key position. X stands in for right Ctrl.
 #pragma once
 
 #include <SDL.h>
