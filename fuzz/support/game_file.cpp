@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -21,14 +22,26 @@ struct Block {
 std::vector<Block> blocks;
 uint32_t taken;
 
-int memoryFile = -1;
-std::string memoryPath;
+struct MemoryFile {
+    int descriptor;
+    std::string path;
+};
+std::deque<MemoryFile> files;  // made once, used again for every input
+size_t filesInUse;
 
-void InstallMachine() {
-    UseTestMachine();
-    memoryFile = memfd_create("input", 0);
-    if (memoryFile < 0) std::abort();
-    memoryPath = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(memoryFile);
+void MakeFile() {
+    if (files.empty()) UseTestMachine();
+    const int descriptor = memfd_create("input", 0);
+    if (descriptor < 0) std::abort();
+    files.push_back({descriptor, "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor)});
+}
+
+const char* NextFile(const uint8_t* data, size_t size) {
+    if (filesInUse == files.size()) MakeFile();
+    const MemoryFile& file = files[filesInUse++];
+    if (ftruncate(file.descriptor, 0) != 0) std::abort();
+    if (pwrite(file.descriptor, data, size, 0) != static_cast<ssize_t>(size)) std::abort();
+    return file.path.c_str();
 }
 
 }  // namespace
@@ -75,8 +88,11 @@ void PoolForget() {
 }
 
 const char* BeginGameFile(const uint8_t* data, size_t size) {
-    if (memoryFile < 0) InstallMachine();
     PoolForget();
-    if (ftruncate(memoryFile, 0) != 0 || pwrite(memoryFile, data, size, 0) != static_cast<ssize_t>(size)) std::abort();
-    return memoryPath.c_str();
+    filesInUse = 0;
+    return NextFile(data, size);
+}
+
+const char* AddGameFile(const std::vector<uint8_t>& bytes) {
+    return NextFile(bytes.data(), bytes.size());
 }

@@ -8,7 +8,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 // Empties the pool, installs the test machine at the first call, and gives the path of a file that holds the input
 // until the next call.
 const char* BeginGameFile(const uint8_t* data, size_t size);
+
+// Another file beside it, as long.
+const char* AddGameFile(const std::vector<uint8_t>& bytes);
