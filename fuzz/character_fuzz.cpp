@@ -6,6 +6,7 @@
 #include "character/mesh.h"
 #include "character/skin.h"
 #include "formats/character_files.h"
+#include "memory/pool.h"
 #include "platform/timer.h"
 #include "render/raster.h"
 #include "render/render_tables.h"
@@ -62,12 +63,15 @@ void SetUpScreen() {
 
 // Two leaves, so that the character is split.
 void MakeWorld() {
-    world.emplace();
-    const int16_t right = world->AddLeaf({FacingSquare({200, 0, 300}, {0, 0, -1}, 100)});
-    const int16_t left = world->AddLeaf({FacingSquare({-200, 0, 300}, {0, 0, -1}, 100)});
-    world->AddNode({1, 0, 0, 0}, right, left);
-    world->Publish();
-    GenerateNodeRadii();
+    if (!world) {
+        world.emplace();
+        const int16_t right = world->AddLeaf({FacingSquare({200, 0, 300}, {0, 0, -1}, 100)});
+        const int16_t left = world->AddLeaf({FacingSquare({-200, 0, 300}, {0, 0, -1}, 100)});
+        world->AddNode({1, 0, 0, 0}, right, left);
+        world->Publish();
+        GenerateNodeRadii();
+    }
+    WorldGeometry.used = WorldGeometry.fixed = WorldGeometry.file;
     CharPointBase = WorldGeometry.used.points;
     CharPolyBase = WorldGeometry.used.polygons;
 }
@@ -81,6 +85,26 @@ void Draw(Actor& actor, uint32_t time) {
     RenderWorld();
 }
 
+void LoadAndDraw(const CharacterFiles& files) {
+    MeshRecord mesh = {};
+    AnimRecord animation = {};
+    AnimFileEntry entries[] = {{"", &animation}, {nullptr, nullptr}};
+    StateRecord states[1] = {};
+    states[0].animations[1] = states[0].animations[2] = -1;
+    Actor actor = {};
+    const char* meshPath = BeginGameFile(files.mesh.data(), files.mesh.size());
+    LoadMesh(meshPath, mesh, AddGameFile(files.coordinates));
+    AddActor(actor, &mesh, states, 0, 0, 0, entries);
+    ActorCount = 0;
+    actor.weights = LoadWeights(AddGameFile(files.weights), mesh);
+    LoadAnimation(AddGameFile(files.animation), animation, mesh);
+    FrameTicks = 4;
+    UpdateActorBase(actor);
+    Draw(actor, 35);
+    actor.blendDuration = 50;
+    Draw(actor, 20);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -90,28 +114,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CharacterFiles files = SoundFiles();
     std::vector<uint8_t>* const kinds[] = {&files.mesh, &files.coordinates, &files.weights, &files.animation};
     kinds[data[0] % 4]->assign(data + 1, data + size);
-
-    MeshRecord mesh = {};
-    AnimRecord animation = {};
-    AnimFileEntry entries[] = {{"", &animation}, {nullptr, nullptr}};
-    StateRecord states[1] = {};
-    states[0].animations[1] = states[0].animations[2] = -1;
-    Actor actor = {};
     try {
-        const char* meshPath = BeginGameFile(files.mesh.data(), files.mesh.size());
-        LoadMesh(meshPath, mesh, AddGameFile(files.coordinates));
-        AddActor(actor, &mesh, states, 0, 0, 0, entries);
-        ActorCount = 0;
-        actor.weights = LoadWeights(AddGameFile(files.weights), mesh);
-        LoadAnimation(AddGameFile(files.animation), animation, mesh);
-    } catch (const FatalThrown&) {
-        return 0;
+        LoadAndDraw(files);
+    } catch (const FatalThrown&) {  // refused
     }
-    FrameTicks = 4;
-    UpdateActorBase(actor);
-    for (const uint32_t time : {10u, 35u, 99u})
-        Draw(actor, time);
-    actor.blendDuration = 50;
-    Draw(actor, 30);
+    PoolForget();
     return 0;
 }

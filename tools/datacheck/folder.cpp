@@ -1,5 +1,6 @@
 #include "datacheck/folder.h"
 
+#include "charc/recipe.h"
 #include "datacheck/rules.h"
 #include "formats/binary.h"
 #include "formats/error.h"
@@ -52,6 +53,7 @@ public:
         }
         for (int number = 1; number <= LEVEL_COUNT; ++number)
             CheckLevel(LoadLevel(number), report_);
+        CheckCharacter(LoadCharacter(), report_);
         for (const char* const picture : PICTURES)
             CheckPicture(picture);
     }
@@ -83,8 +85,27 @@ private:
         level.slots = Load(level.SlotPath(), false, DecodeLightSlots);
         level.textures = Load(level.TexturePath(), true, DecodeTextureFile);
         level.sky = Load(level.SkyPath(), HasSky(number), DecodeStaticObject);
+        for (size_t i = 0; level.textures && i < level.textures->slots.size(); ++i) {
+            if (auto picture = Load(level.GlideTexturePath(i), true, DecodeGlideTexture))
+                level.glideTextures.emplace(i, *picture);
+        }
         if (const size_t bytes = CharacterBytes(); bytes > 0) level.characterBytes = bytes;
         return level;
+    }
+
+    CharacterData LoadCharacter() {
+        CharacterData character;
+        character.mesh = Load(character.MeshPath(), true, DecodeMesh);
+        character.weights = Load(character.WeightsPath(), true, DecodeWeights);
+        for (const std::string file : CHARACTER_SKIN_FILES) {
+            const std::string path = character.folder + "/" + file;
+            if (auto skin = Load(path, true, DecodeSkin)) character.skins.emplace(path, std::move(*skin));
+        }
+        for (const std::string file : CHARACTER_CLIP_FILES) {
+            const std::string path = character.folder + "/" + file;
+            if (auto clip = Load(path, true, DecodeAnimation)) character.clips.emplace(path, std::move(*clip));
+        }
+        return character;
     }
 
     // What stays in memory of the character: clips, weights and bones; 0 without its files.

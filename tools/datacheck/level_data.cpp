@@ -11,6 +11,10 @@ constexpr double MISS = std::numeric_limits<double>::infinity();
 
 }  // namespace
 
+std::string LevelData::GlideTexturePath(size_t texture) const {
+    return fmt::format("{}/glidetex/{:02}.3df", folder, texture);
+}
+
 std::string LevelData::WorldPath() const {
     return fmt::format("{}/{}.bgm", folder, LevelSlotOf(number).worldName);
 }

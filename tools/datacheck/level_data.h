@@ -1,12 +1,14 @@
 // One level's files as they were read, and what the rules measure of its world, in engine space and double precision.
 #pragma once
 
+#include "formats/glide_texture.h"
 #include "formats/light_files.h"
 #include "formats/static_object_file.h"
 #include "formats/texture_file.h"
 #include "formats/world_file.h"
 #include "mapc/geometry.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +21,7 @@ struct LevelData {
     std::optional<LightMapFile> light;
     std::optional<LightSlotFile> slots;
     std::optional<TextureFile> textures;
+    std::map<size_t, GlideTexture> glideTextures;  // by texture
     std::optional<StaticObjectFile> sky;
     size_t characterBytes = 450000;  // of engine memory: what the character is planned to take while it has no files
 
@@ -26,6 +29,7 @@ struct LevelData {
     std::string LightPath() const { return folder + "/lights.lmp"; }
     std::string SlotPath() const { return folder + "/lights.alt"; }
     std::string TexturePath() const { return folder + "/texture.bin"; }
+    std::string GlideTexturePath(size_t texture) const;
     std::string SkyPath() const { return folder + "/sky.sob"; }
 };
 

@@ -1,6 +1,7 @@
 // The rules that the engine's data must keep, by subject. Each check tells a Report what it finds.
 #pragma once
 
+#include "datacheck/character_data.h"
 #include "datacheck/level_data.h"
 #include "datacheck/report.h"
 
@@ -20,11 +21,13 @@ void CheckWalking(const LevelData& level, Report& report);
 
 void CheckLight(const LevelData& level, Report& report);       // lights.lmp against the world
 void CheckLightSlots(const LevelData& level, Report& report);  // lights.alt against the world
-void CheckTextures(const LevelData& level, Report& report);    // texture.bin, and the world's use of it
+void CheckTextures(const LevelData& level, Report& report);    // texture.bin, glidetex, and the world's use of them
 void CheckSky(const LevelData& level, Report& report);         // sky.sob, and its use of texture.bin
 
 constexpr size_t WORLD_TEXTURES = 93;  // slots from here on are the character's
 // What is wrong with the corners as they lie in space; empty: nothing.
 std::string FaultOfShape(const WorldFace& face);
+
+void CheckCharacter(const CharacterData& character, Report& report);  // mesh, skins, weights and clips
 
 void CheckLevel(const LevelData& level, Report& report);  // all of the above, as far as the files are there

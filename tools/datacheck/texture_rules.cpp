@@ -42,6 +42,25 @@ void CheckUse(const LevelData& level, Report& report) {
     }
 }
 
+// The game scales the coordinates of both renderers by the sizes in texture.bin.
+void CheckGlideTextures(const LevelData& level, Report& report) {
+    for (const auto& [number, picture] : level.glideTextures) {
+        if (number >= level.textures->slots.size()) continue;
+        const TextureSlot& slot = level.textures->slots[number];
+        if (picture.width != slot.width || picture.height != slot.height) {
+            report.Problem(level.GlideTexturePath(number), "",
+                           fmt::format("is {} x {} texels, in texture.bin {} x {}", picture.width, picture.height,
+                                       slot.width, slot.height),
+                           "build the textures again");
+        }
+        if (picture.smallest != 1) {
+            report.Problem(level.GlideTexturePath(number), "",
+                           fmt::format("ends with a level of {} texels", picture.smallest),
+                           "add smaller ones, down to one texel");
+        }
+    }
+}
+
 }  // namespace
 
 void CheckTextures(const LevelData& level, Report& report) {
@@ -51,5 +70,6 @@ void CheckTextures(const LevelData& level, Report& report) {
                        "fill the unused slots with a small picture");
     }
     if (count > ANIMATED_LAST) CheckAnimatedSlots(level, report);
+    CheckGlideTextures(level, report);
     if (level.world) CheckUse(level, report);
 }

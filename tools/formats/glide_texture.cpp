@@ -1,15 +1,21 @@
 #include "formats/glide_texture.h"
 
 #include "formats/binary.h"
+#include "formats/error.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdio>
 #include <numeric>
 
 namespace {
+
+constexpr std::ptrdiff_t HEADER_LIMIT = 80;
+const char* const REMEDY = "build the textures again with texc";
 
 // Light of a texel, times the part of it that is solid.
 struct Light {
@@ -125,4 +131,28 @@ std::vector<uint8_t> EncodeGlideTexture(const std::vector<Image>& levels) {
         for (const Rgba& pixel : level.pixels)
             file.BigU16(Argb1555(pixel));
     return file.bytes;
+}
+
+GlideTexture DecodeGlideTexture(const std::vector<uint8_t>& content, const std::string& fileName) {
+    const std::string head(content.begin(),
+                           content.begin() + std::min<std::ptrdiff_t>(HEADER_LIMIT, std::ssize(content)));
+    unsigned smallest = 0, largest = 0, across = 0, down = 0;
+    int headerBytes = 0;
+    std::sscanf(head.c_str(), "3df v1.1\nargb1555\nlod range: %3u %3u\naspect ratio: %1u %1u%n", &smallest, &largest,
+                &across, &down, &headerBytes);
+    const auto isSide = [](unsigned side, unsigned most) { return std::has_single_bit(side) && side <= most; };
+    if (headerBytes == 0 || !isSide(largest, 256) || !isSide(smallest, largest) || !isSide(across, 8) ||
+        !isSide(down, 8) || std::min(across, down) != 1) {
+        Refuse(fileName, 0, "is no texture of 16-bit texels with sides that are powers of two", REMEDY);
+    }
+    const unsigned longer = std::max(across, down);
+    size_t texels = 0;
+    for (unsigned side = largest; side >= smallest; side /= 2)
+        texels += std::max<size_t>(1, side * across / longer) * std::max<size_t>(1, side * down / longer);
+    const size_t expected = static_cast<size_t>(headerBytes) + 1 + 2 * texels;
+    if (content.size() != expected) {
+        Refuse(fileName, 0, fmt::format("has {} bytes instead of {}", content.size(), expected), REMEDY);
+    }
+    return {static_cast<int>(largest * across / longer), static_cast<int>(largest * down / longer),
+            static_cast<int>(smallest)};
 }

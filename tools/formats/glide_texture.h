@@ -6,6 +6,7 @@
 #include "formats/image.h"
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 // All levels down to one texel, starting with the picture itself, whose sides are powers of two up to 256 and at most
@@ -14,3 +15,11 @@
 std::vector<Image> MakeMipLevels(const Image& picture);
 
 std::vector<uint8_t> EncodeGlideTexture(const std::vector<Image>& levels);
+
+struct GlideTexture {
+    int width = 0, height = 0;  // of the largest level
+    int smallest = 0;           // longer side of the smallest
+};
+
+// ContentError for another format than the above, sides that are no powers of two up to 256, and missing texels.
+GlideTexture DecodeGlideTexture(const std::vector<uint8_t>& content, const std::string& fileName);

@@ -15,6 +15,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+const fs::path ANIMS = SOURCE_FOLDER "/tests/levels/data/game/data/anims";
+
 constexpr int HOUSE = 3;  // a level without a sky
 
 // A hall with a step, a pillar and a lamp; some walls are lit at their corners.
@@ -299,7 +301,53 @@ TEST(Datacheck, TellsFaultsOfTextures) {
         {"differs in size", [](LevelData& l) { l.textures->slots[12].width = 16; }},
         {"differs from texture 14",
          [](LevelData& l) { l.textures->pages[0][size_t{l.textures->slots[14].x} + 2] = 9; }},
+        {"/03.3df: is 8 x 4 texels",
+         [](LevelData& l) {
+             l.glideTextures[3] = {8, 4, 1};
+         }},
+        {"ends with a level of 2",
+         [](LevelData& l) {
+             l.glideTextures[3] = {8, 8, 2};
+         }},
     });
+}
+
+CharacterData SoundCharacter() {
+    CharacterData character;
+    character.mesh = DecodeMesh(ReadWholeFile(ANIMS / "zero.msh"), "zero.msh");
+    character.weights = DecodeWeights(ReadWholeFile(ANIMS / "zero.wei"), "zero.wei");
+    character.skins["zero.tuv"] = DecodeSkin(ReadWholeFile(ANIMS / "zero.tuv"), "zero.tuv");
+    character.clips["zerorun.anm"] = DecodeAnimation(ReadWholeFile(ANIMS / "zerorun.anm"), "zerorun.anm");
+    return character;
+}
+
+TEST(Datacheck, TellsFaultsOfTheCharacter) {
+    const std::pair<const char*, std::function<void(CharacterData&)>> rows[] = {
+        {"has 21 bones", [](auto& c) { c.mesh->boneCount = 21; }},
+        {"points: 501", [](auto& c) { c.mesh->points.resize(501); }},
+        {"the mesh 1", [](auto& c) { c.mesh->triangles.resize(1); }},
+        {"the skin's texture 2", [](auto& c) { c.skins["zero.tuv"][5].texture = 2; }},
+        {"has 21 blocks", [](auto& c) { c.weights->pop_back(); }},
+        {"is no point of the mesh", [](auto& c) { (*c.weights)[0].hard[0] = 60000; }},
+        {"is blended before it is placed", [](auto& c) { std::reverse(c.weights->begin(), c.weights->end()); }},
+        {"is moved by no bone", [](auto& c) { (*c.weights)[0].hard.pop_back(); }},
+        {"is placed more than once", [](auto& c) { (*c.weights)[0].hard.push_back((*c.weights)[0].hard[0]); }},
+        {"tracks for 21 bones", [](auto& c) { c.clips["zerorun.anm"].bones.pop_back(); }},
+        {"is posed 2 times", [](auto& c) { c.clips["zerorun.anm"].commands.push_back(7); }},
+        {"is no rotation", [](auto& c) { c.clips["zerorun.anm"].bones[3].rotations[1].rotation[0] += 1; }},
+    };
+    const CharacterData sound = SoundCharacter();
+    const auto findingsOf = [](const CharacterData& character) {
+        Report report;
+        CheckCharacter(character, report);
+        return Joined(report);
+    };
+    EXPECT_EQ(findingsOf(sound), "");
+    for (const auto& [expected, damage] : rows) {
+        CharacterData character = sound;
+        damage(character);
+        EXPECT_NE(findingsOf(character).find(expected), std::string::npos) << expected;
+    }
 }
 
 TEST(Datacheck, CountsTheEnginesMemoryAsItIsTaken) {
@@ -325,6 +373,7 @@ protected:
     void SetUp() override {
         folder_ = fs::temp_directory_path() / "tarnwick_datacheck_test";
         fs::remove_all(folder_);
+        const std::vector<uint8_t> glideTexture = EncodeGlideTexture(MakeMipLevels(Image(8, 8)));
         for (int number = 1; number <= LEVEL_COUNT; ++number) {
             const LevelData level = SoundLevel(number);
             const fs::path at = folder_ / "game/data/levels" / level.folder;
@@ -333,7 +382,10 @@ protected:
             WriteWholeFile(at / "lights.alt", EncodeLightSlots(*level.slots));
             WriteWholeFile(at / "sky.sob", EncodeStaticObject(*level.sky, "sky.sob"));
             WriteWholeFile(at / "texture.bin", EncodeTextureFile(*level.textures));
+            for (size_t i = 0; i < level.textures->slots.size(); ++i)
+                WriteWholeFile(folder_ / "game/data/levels" / level.GlideTexturePath(i), glideTexture);
         }
+        fs::copy(ANIMS, folder_ / "game/data/anims");
         for (const char* name :
              {"Title.Bmp", "Options.Bmp", "LoadSave.Bmp", "Lang.Bmp", "Select01.bmp", "Select02.bmp"})
             WriteWholeFile(folder_ / "FrontEnd" / name, EncodeBitmap(Image(640, 480)));
@@ -357,10 +409,14 @@ TEST_F(DataFolder, IsCheckedFileByFile) {
     fs::resize_file(folder_ / "game/data/levels/level2/texture.bin", 5000);
     WriteWholeFile(folder_ / "FrontEnd/Lang.Bmp", EncodeBitmap(Image(640, 400)));
     WriteWholeFile(folder_ / "FrontEnd/Title.Bmp", {'B', 'M'});
+    fs::remove(folder_ / "game/data/levels/level4/glidetex/07.3df");
+    fs::resize_file(folder_ / "game/data/levels/level4/glidetex/08.3df", 100);
+    fs::remove(folder_ / "game/data/anims/zerorun.anm");
     const std::string findings = Findings();
-    EXPECT_EQ(std::count(findings.begin(), findings.end(), '\n'), 4) << findings;
+    EXPECT_EQ(std::count(findings.begin(), findings.end(), '\n'), 7) << findings;
     for (const char* expected :
-         {"level6/swamp.bgm: is missing", "level2/texture.bin: ", "FrontEnd/Lang.Bmp: is 640 x 400", "Title.Bmp: "})
+         {"level6/swamp.bgm: is missing", "level2/texture.bin: ", "FrontEnd/Lang.Bmp: is 640 x 400", "Title.Bmp: ",
+          "level4/glidetex/07.3df: is missing", "level4/glidetex/08.3df: has 100 bytes", "zerorun.anm: is missing"})
         EXPECT_NE(findings.find(expected), std::string::npos) << expected << " in\n" << findings;
 }
 
