@@ -5,6 +5,7 @@
 #include <SDL_opengl.h>
 #include <SDL_opengl_glext.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -16,6 +17,7 @@ constexpr int HEIGHT = 480;
 
 SDL_Window* window;
 SDL_GLContext context;
+float fogNearW, fogFarW;
 std::vector<GLsizei> counts;  // of vertices
 
 void MakeTarget() {
@@ -41,24 +43,53 @@ void MakeTexture(const std::vector<uint32_t>& texels) {
                  texels.data());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    glEnable(GL_TEXTURE_2D);
 }
 
-void SetFog(float nearW, float farW) {
-    const float colour[] = {0.6F, 0.7F, 0.8F, 1};
-    glFogfv(GL_FOG_COLOR, colour);
-    glFogi(GL_FOG_MODE, GL_LINEAR);
-    glFogi(GL_FOG_COORD_SRC, GL_FOG_COORD);
-    glFogf(GL_FOG_START, nearW);
-    glFogf(GL_FOG_END, farW);
-    glEnable(GL_FOG);
+constexpr const char* VERTEX_SHADER = R"(#version 120
+attribute vec4 place;
+attribute vec2 texel;
+attribute float fogShare;
+attribute vec4 colour;
+varying vec2 st;
+varying vec4 tint;
+varying float fog;
+void main() {
+    gl_Position = place;
+    st = texel;
+    tint = colour;
+    fog = fogShare;
+})";
+
+constexpr const char* FRAGMENT_SHADER = R"(#version 120
+uniform sampler2D image;
+varying vec2 st;
+varying vec4 tint;
+varying float fog;
+void main() {
+    gl_FragColor = vec4(mix(texture2D(image, st).rgb * tint.rgb, vec3(0.6, 0.7, 0.8), fog), 1.0);
+})";
+
+void MakeProgram() {
+    const GLuint program = glCreateProgram();
+    const auto add = [program](GLenum kind, const char* source) {
+        const GLuint shader = glCreateShader(kind);
+        glShaderSource(shader, 1, &source, nullptr);
+        glCompileShader(shader);
+        glAttachShader(program, shader);
+    };
+    add(GL_VERTEX_SHADER, VERTEX_SHADER);
+    add(GL_FRAGMENT_SHADER, FRAGMENT_SHADER);
+    constexpr const char* NAMES[] = {"place", "texel", "fogShare", "colour"};
+    for (GLuint i = 0; i < std::size(NAMES); ++i)
+        glBindAttribLocation(program, i, NAMES[i]);
+    glLinkProgram(program);
+    glUseProgram(program);
 }
 
 struct ClipVertex {
     float position[4];
     float texture[2];
-    float w;
+    float fog;
     uint8_t colour[4];
 };
 
@@ -66,19 +97,20 @@ ClipVertex ToClip(const PeerVertex& vertex) {
     const float w = vertex.w;
     return {{(vertex.x * 2 / WIDTH - 1) * w, (vertex.y * 2 / HEIGHT - 1) * w, w - 2, w},
             {vertex.s / PEER_TEXTURE_SIDE, vertex.t / PEER_TEXTURE_SIDE},
-            w,
+            std::clamp((w - fogNearW) / (fogFarW - fogNearW), 0.0F, 1.0F),
             {vertex.colour[0], vertex.colour[1], vertex.colour[2], vertex.colour[3]}};
 }
 
 void PointToVertices() {
-    const auto at = [](size_t offset) { return reinterpret_cast<const void*>(offset); };
-    glVertexPointer(4, GL_FLOAT, sizeof(ClipVertex), at(offsetof(ClipVertex, position)));
-    glTexCoordPointer(2, GL_FLOAT, sizeof(ClipVertex), at(offsetof(ClipVertex, texture)));
-    glFogCoordPointer(GL_FLOAT, sizeof(ClipVertex), at(offsetof(ClipVertex, w)));
-    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(ClipVertex), at(offsetof(ClipVertex, colour)));
-    for (const GLenum array :
-         std::initializer_list<GLenum>{GL_VERTEX_ARRAY, GL_TEXTURE_COORD_ARRAY, GL_FOG_COORD_ARRAY, GL_COLOR_ARRAY})
-        glEnableClientState(array);
+    const auto point = [](GLuint attribute, GLint size, GLenum type, size_t offset) {
+        glVertexAttribPointer(attribute, size, type, type == GL_UNSIGNED_BYTE, sizeof(ClipVertex),
+                              reinterpret_cast<const void*>(offset));
+        glEnableVertexAttribArray(attribute);
+    };
+    point(0, 4, GL_FLOAT, offsetof(ClipVertex, position));
+    point(1, 2, GL_FLOAT, offsetof(ClipVertex, texture));
+    point(2, 1, GL_FLOAT, offsetof(ClipVertex, fog));
+    point(3, 4, GL_UNSIGNED_BYTE, offsetof(ClipVertex, colour));
 }
 
 }  // namespace
@@ -97,7 +129,9 @@ bool OpenPeer(int threads, const std::vector<uint32_t>& texels, float fogNear, f
     }
     MakeTarget();
     MakeTexture(texels);
-    SetFog(fogNear, fogFar);
+    MakeProgram();
+    fogNearW = fogNear;
+    fogFarW = fogFar;
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LESS);
     return true;
