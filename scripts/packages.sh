@@ -4,7 +4,8 @@
 set -u
 
 # What is needed, how to find it, and the Debian package that has it. program: on the path. module: known to
-# pkg-config. header: found by the compiler. font: a font file. runtime: a library of clang's own.
+# pkg-config. header: found by the compiler. font: a font file. runtime: a library of clang's own. library: known to the
+# loader. driver: OpenGL's, that draws without a graphics card.
 PLAY="
 program c++          g++
 program cmake        cmake
@@ -30,6 +31,8 @@ module  gtest        libgtest-dev
 module  x11          libx11-dev
 program Xvfb         xvfb
 program xdotool      xdotool
+library libEGL.so.1  libegl1
+driver  swrast       libgl1-mesa-dri
 "
 
 present() {  # kind name
@@ -38,6 +41,8 @@ present() {  # kind name
     module) command -v pkg-config >/dev/null && pkg-config --exists "$2" ;;
     header) echo "#include <$2>" | c++ -E -x c++ - >/dev/null 2>&1 ;;
     font) find /usr/share/fonts -name "$2.ttf" 2>/dev/null | grep -q . ;;
+    library) /sbin/ldconfig -p | grep -q "$2" ;;
+    driver) ls /usr/lib/*/dri/"$2"_dri.so >/dev/null 2>&1 ;;
     runtime) ! command -v clang++ >/dev/null || ls "$(clang++ -print-runtime-dir)/libclang_rt.$2"* >/dev/null 2>&1 ;;
     esac
 }

@@ -3,45 +3,18 @@
 //
 //     TARNWICK_RENEW_GOLDENS=1 build/tests/test_golden && git diff --stat tests/golden
 
+#include "golden/pictures.h"
 #include "program/run_program.h"
 
 #include <gtest/gtest.h>
-#include <png.h>
 
 #include <cstdlib>
-#include <vector>
 
 namespace fs = std::filesystem;
 
 namespace {
 
 const fs::path GOLDENS = SOURCE_FOLDER "/tests/golden";
-
-struct Pixels {
-    uint32_t width = 0;
-    uint32_t height = 0;
-    std::vector<uint8_t> rgb;
-};
-
-Pixels ReadPng(const fs::path& file) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    Pixels pixels;
-    if (!png_image_begin_read_from_file(&image, file.c_str())) return pixels;
-    image.format = PNG_FORMAT_RGB;
-    pixels = {image.width, image.height, std::vector<uint8_t>(PNG_IMAGE_SIZE(image))};
-    if (!png_image_finish_read(&image, nullptr, pixels.rgb.data(), 0, nullptr)) return {};
-    return pixels;
-}
-
-size_t DifferingPixels(const Pixels& a, const Pixels& b) {
-    if (a.rgb.empty() || a.width != b.width || a.height != b.height) return SIZE_MAX;
-    size_t count = 0;
-    for (size_t i = 0; i < a.rgb.size(); i += 3) {
-        count += a.rgb[i] != b.rgb[i] || a.rgb[i + 1] != b.rgb[i + 1] || a.rgb[i + 2] != b.rgb[i + 2];
-    }
-    return count;
-}
 
 struct GoldenLevel {
     const char* name;  // of the script, and before the frame's number in its pictures' names
@@ -68,7 +41,7 @@ TEST_P(Golden, FramesAreAsRecorded) {
         if (std::getenv("TARNWICK_RENEW_GOLDENS")) {
             fs::copy_file(entry.path(), golden, fs::copy_options::overwrite_existing);
         }
-        EXPECT_EQ(DifferingPixels(ReadPng(golden), ReadPng(entry.path())), 0u)
+        EXPECT_EQ(DifferingPixels(ReadPng(golden), ReadPng(entry.path()), 0), 0u)
             << "now " << entry.path() << ", recorded " << golden;
         compared += 1;
     }

@@ -13,9 +13,9 @@ ProgramRun::ProgramRun() : folder_(testing::TempDir()) {
     fs::create_directory(folder_ / "empty");
 }
 
-ProgramResult ProgramRun::Run(const std::string& arguments) const {
-    const std::string command = "cd '" + folder_.string() + "' && timeout 100 '" BUILD_FOLDER "/tarnwick' --headless " +
-                                arguments + " >stdout.txt 2>stderr.txt";
+ProgramResult ProgramRun::Run(const std::string& arguments, const std::string& program) const {
+    const std::string command = "cd '" + folder_.string() + "' && timeout 100 '" BUILD_FOLDER "/" + program +
+                                "' --headless " + arguments + " >stdout.txt 2>stderr.txt";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), Read("stdout.txt"), Read("stderr.txt")};
 }

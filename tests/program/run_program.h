@@ -15,7 +15,8 @@ class ProgramRun {
 public:
     ProgramRun();
 
-    ProgramResult Run(const std::string& arguments) const;  // shell words
+    // Shell words; `program` is of the build folder.
+    ProgramResult Run(const std::string& arguments, const std::string& program = "tarnwick") const;
     void Write(const std::string& name, const std::string& text) const;
     std::string Read(const std::string& name) const;
     const std::filesystem::path& Folder() const { return folder_; }

@@ -1,42 +1,45 @@
 #include "boards/gpu/gpu_lines.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr float TO_RIGHT_AND_DOWN = 1.0F / 64;  // where a line runs midway between two pixels
+// A line that runs midway between two pixels takes the right or the lower one. The smallest step that every OpenGL
+// tells apart.
+constexpr float TO_RIGHT_AND_DOWN = 1.0F / 256;
 
-// `part` of the way from the centre of one end's pixel to that of the other.
-BoardVertex Between(const BoardVertex& from, const BoardVertex& to, float part) {
-    const auto centre = [](float pixels) { return std::floor(pixels) + 0.5F; };
-    BoardVertex vertex{};
-    vertex.x = std::lerp(centre(from.x), centre(to.x), part);
-    vertex.y = std::lerp(centre(from.y), centre(to.y), part);
-    vertex.r = std::lerp(from.r, to.r, part);
-    vertex.g = std::lerp(from.g, to.g, part);
-    vertex.b = std::lerp(from.b, to.b, part);
+BoardVertex Moved(BoardVertex vertex, float x, float y) {
+    vertex.x += x;
+    vertex.y += y;
     return vertex;
 }
 
-void AppendLine(const BoardVertex& from, const BoardVertex& to, std::vector<BoardVertex>& triangles) {
-    const float columns = std::fabs(std::floor(to.x) - std::floor(from.x));
-    const float rows = std::fabs(std::floor(to.y) - std::floor(from.y));
-    const bool isSteep = rows > columns;
-    const float steps = std::max({columns, rows, 1.0F});
-    BoardVertex begin = Between(from, to, -0.5F / steps);
-    BoardVertex end = Between(from, to, 1 + 0.5F / steps);
-    if (columns == 0 && rows == 0) {
-        begin.x -= 0.5F;
-        end.x += 0.5F;
-    }
-    const auto aside = [isSteep](BoardVertex vertex, float distance) {
-        (isSteep ? vertex.x : vertex.y) += distance + TO_RIGHT_AND_DOWN;
-        return vertex;
-    };
-    const BoardVertex corners[4] = {aside(begin, -0.5F), aside(begin, 0.5F), aside(end, 0.5F), aside(end, -0.5F)};
+void AppendQuad(const BoardVertex (&corners)[4], std::vector<BoardVertex>& triangles) {
     for (const int corner : {0, 1, 2, 0, 2, 3})
         triangles.push_back(corners[corner]);
+}
+
+void AppendPixel(const BoardVertex& centre, std::vector<BoardVertex>& triangles) {
+    AppendQuad({Moved(centre, -0.5F, -0.5F), Moved(centre, -0.5F, 0.5F), Moved(centre, 0.5F, 0.5F),
+                Moved(centre, 0.5F, -0.5F)},
+               triangles);
+}
+
+// A strip one pixel wide from centre to centre; the pixels at its ends, of which it covers one at most, on their own.
+void AppendLine(BoardVertex from, BoardVertex to, std::vector<BoardVertex>& triangles) {
+    for (BoardVertex* end : {&from, &to}) {
+        end->x = std::floor(end->x) + 0.5F;
+        end->y = std::floor(end->y) + 0.5F;
+    }
+    const bool isSteep = std::fabs(to.y - from.y) > std::fabs(to.x - from.x);
+    const auto aside = [isSteep](const BoardVertex& end, float distance) {
+        return isSteep ? Moved(end, distance, 0) : Moved(end, 0, distance);
+    };
+    const float before = -0.5F + TO_RIGHT_AND_DOWN;
+    const float behind = 0.5F + TO_RIGHT_AND_DOWN;
+    AppendQuad({aside(from, before), aside(from, behind), aside(to, behind), aside(to, before)}, triangles);
+    AppendPixel(from, triangles);
+    AppendPixel(to, triangles);
 }
 
 }  // namespace

@@ -1,0 +1,213 @@
+// The two frozen test levels with the accelerator: what the game asks of it, and what the boards make of that.
+// Recorded things are renewed like the others, see golden_test.cpp.
+#include "golden/pictures.h"
+#include "program/run_program.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const fs::path GOLDENS = SOURCE_FOLDER "/tests/golden";
+
+struct Level {
+    const char* name;
+    int number;
+};
+
+// One run for each kind of test: every case looks at it.
+class Accelerator : public testing::TestWithParam<Level> {
+protected:
+    std::string Options(const std::string& script) const {
+        return "--data " SOURCE_FOLDER "/tests/levels/data --renderer accelerator --level " +
+               std::to_string(GetParam().number) + " --script " + script;
+    }
+    ProgramRun program;
+};
+
+// ---- The calls
+
+using Calls = std::vector<std::string>;  // a line each, a triangle with its corners
+
+class GlideCalls : public Accelerator {
+protected:
+    void SetUp() override {
+        // Turned to a wall, for a frame of few polygons; the outline view and back; a second game.
+        program.Write("keys.txt", "20 tap F6\n20 button left down\n20 mouse 1000 0\n60 tap W\n64 tap W\n70 tap ESCAPE\n"
+                                  "9000ms tap SPACE\n9100ms tap F" +
+                                      std::to_string(GetParam().number) + "\n9200ms tap F12\n80 quit\n");
+        const ProgramResult result = program.Run(Options("keys.txt"), "tests/glide_recorder");
+        ASSERT_EQ(result.status, 0) << result.errors;
+        std::ifstream file(program.Folder() / "glide_calls.txt");
+        for (std::string line; std::getline(file, line);)
+            line.starts_with(' ') ? calls.back() += "\n" + line : calls.emplace_back(line);
+    }
+
+    static std::string Name(const std::string& call) { return call.substr(0, call.find_first_of(" \n")); }
+
+    // Where each game begins.
+    std::vector<size_t> Starts() const {
+        std::vector<size_t> starts;
+        for (size_t i = 0; i < calls.size(); ++i)
+            if (calls[i] == "grGlideInit") starts.push_back(i);
+        return starts;
+    }
+
+    Calls Frame(size_t number) const {
+        Calls frame;
+        size_t swaps = 0;
+        for (const std::string& call : calls) {
+            if (swaps == number + 1) frame.push_back(call);
+            swaps += call.starts_with("grBufferSwap");
+        }
+        return frame;
+    }
+
+    // What each kind of call has set last, up to the end of a frame; textures change all the time.
+    std::map<std::string, std::string> StatesAfter(size_t frame) const {
+        std::map<std::string, std::string> states;
+        size_t swaps = 0;
+        for (const std::string& call : calls) {
+            swaps += call.starts_with("grBufferSwap");
+            if (swaps == frame + 2) break;
+            if (!call.starts_with("grDraw") && !call.starts_with("guTex") && !call.starts_with("grTexClamp"))
+                states[Name(call)] = call;
+        }
+        return states;
+    }
+
+    Calls calls;
+};
+INSTANTIATE_TEST_SUITE_P(Levels, GlideCalls, testing::Values(Level{"alpha", 1}, Level{"beta", 2}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(GlideCalls, AreThoseRecorded) {
+    std::string frame;
+    for (const std::string& call : Frame(58))
+        frame += call + "\n";
+    const fs::path golden = GOLDENS / (std::string(GetParam().name) + "_glide_calls.txt");
+    if (std::getenv("TARNWICK_RENEW_GOLDENS")) std::ofstream(golden) << frame;
+    std::stringstream recorded;
+    recorded << std::ifstream(golden).rdbuf();
+    std::istringstream now(frame);
+    int number = 1;
+    for (std::string was, is; std::getline(recorded, was); ++number) {
+        std::getline(now, is);
+        ASSERT_EQ(is, was) << golden << ":" << number;
+    }
+    EXPECT_GT(number, 200);
+    EXPECT_TRUE(now.peek() == EOF) << "there are more";
+}
+
+TEST_P(GlideCalls, SelectATextureOnceForARunOfPolygons) {
+    std::string selected;
+    size_t triangles = 0;
+    for (const std::string& call : calls) {
+        if (call == "grGlideInit") selected.clear();
+        if (call.starts_with("guTexSource ")) {
+            ASSERT_NE(call, selected);
+            selected = call;
+        }
+        triangles += call.starts_with("grDrawTriangle");
+    }
+    EXPECT_GT(triangles, 10000u);
+}
+
+TEST_P(GlideCalls, LeaveTheStatesAsTheyWereAfterTheOutlineView) {
+    EXPECT_EQ(StatesAfter(68), StatesAfter(58));
+    EXPECT_NE(StatesAfter(62), StatesAfter(58));
+    std::set<std::string> drawn;
+    for (const std::string& call : Frame(62))
+        drawn.insert(Name(call));
+    EXPECT_TRUE(drawn.contains("grDrawLine"));
+    EXPECT_FALSE(drawn.contains("grDrawTriangle"));
+}
+
+TEST_P(GlideCalls, SetUpASecondGameLikeTheFirst) {
+    const std::vector<size_t> starts = Starts();
+    ASSERT_EQ(starts.size(), 2u);
+    bool fogIsDefined = false;  // the first table is made of what was left behind, and made again once all is known
+    for (size_t i = 0; !calls[starts[0] + i].starts_with("guTexSource"); ++i) {
+        const std::string& call = calls[starts[0] + i];
+        if (fogIsDefined || Name(call) != "grFogTable") {
+            ASSERT_EQ(calls[starts[1] + i], call) << i;
+        }
+        fogIsDefined |= Name(call) == "grFogTable";
+    }
+    const Calls shutDown(calls.begin() + static_cast<long>(starts[1]) - 3,
+                         calls.begin() + static_cast<long>(starts[1]));
+    EXPECT_EQ(shutDown, (Calls{"grSstWinClose", "grSstIdle", "grGlideShutdown"}));
+}
+
+// ---- The pictures
+
+class AcceleratorPictures : public Accelerator {
+protected:
+    // By the names of the shots in the level's script; none: this board cannot be had.
+    std::map<std::string, Pixels> Play(const std::string& board) {
+        const ProgramResult result = program.Run(
+            Options(SOURCE_FOLDER "/tests/golden/" + std::string(GetParam().name) + ".txt") + " --board " + board);
+        errors = result.errors;
+        std::map<std::string, Pixels> pictures;
+        for (const fs::directory_entry& entry : fs::directory_iterator(program.Folder())) {
+            const std::string name = entry.path().stem();
+            if (result.status == 0 && name.starts_with(GetParam().name)) pictures[name] = ReadPng(entry.path());
+        }
+        return pictures;
+    }
+    std::string errors;
+};
+INSTANTIATE_TEST_SUITE_P(Levels, AcceleratorPictures, testing::Values(Level{"alpha", 1}, Level{"beta", 2}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(AcceleratorPictures, OfTheCpuBoardAreAsRecordedAndOfTheGpuBoardTheSame) {
+    const std::map<std::string, Pixels> cpu = Play("cpu");
+    ASSERT_GE(cpu.size(), 4u) << errors;
+    for (const auto& [name, picture] : cpu) {
+        const fs::path golden = GOLDENS / (name + "_accelerator.png");
+        if (!fs::exists(golden)) continue;  // some are enough
+        if (std::getenv("TARNWICK_RENEW_GOLDENS")) WritePng(golden, Halved(picture));
+        EXPECT_EQ(DifferingPixels(Halved(picture), ReadPng(golden), 1), 0u) << name;
+    }
+    const std::map<std::string, Pixels> gpu = Play("gpu");
+    if (errors.find("no OpenGL") != errors.npos) GTEST_SKIP() << errors;
+    ASSERT_EQ(gpu.size(), cpu.size()) << errors;
+    for (const auto& [name, picture] : gpu)
+        EXPECT_LT(DifferingPixels(picture, cpu.at(name), 2), 100u) << name << ": of 640 x 480";
+}
+
+// Outlines over the lower half, which the software renderer clears: each pixel of one renderer's has one of the
+// other's within two pixels of 320 x 240.
+TEST_P(AcceleratorPictures, ShowEdgesWhereTheSoftwareRendererShowsThem) {
+    const Pixels software = ReadPng(GOLDENS / "alpha_192.png");
+    if (GetParam().number != 1) GTEST_SKIP() << "there are no outlines in this script";
+    const Pixels glide = Play("cpu")["alpha_192"];
+    ASSERT_EQ(glide.width, 2 * software.width) << errors;
+    const auto isSoftwareLine = [&](uint32_t x, uint32_t y) {
+        return !std::equal(software.At(x, y), software.At(x, y) + 3, software.At(0, software.height - 1));
+    };
+    size_t seen = 0;
+    for (uint32_t y = software.height + 6; y < glide.height - 6; ++y) {
+        for (uint32_t x = 6; x < glide.width - 6; ++x) {
+            if (glide.At(x, y)[0] + glide.At(x, y)[1] + glide.At(x, y)[2] == 0) continue;
+            ++seen;
+            bool found = false;
+            for (uint32_t row = y / 2 - 2; row <= y / 2 + 2; ++row)
+                for (uint32_t column = x / 2 - 2; column <= x / 2 + 2; ++column)
+                    found |= isSoftwareLine(column, row);
+            EXPECT_TRUE(found) << x << " " << y;
+        }
+    }
+    EXPECT_GT(seen, 1000u);
+}
+
+}  // namespace
