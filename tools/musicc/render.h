@@ -1,0 +1,13 @@
+// A score as sound.
+#pragma once
+
+#include "musicc/score.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+// Stereo samples of 16 bits, left first. The last leads on to the first.
+std::vector<int16_t> RenderScore(const Score& score);
+// The name's end says how: .flac, .ogg or .wav.
+void WriteSound(const std::filesystem::path& path, const std::vector<int16_t>& samples);
