@@ -14,6 +14,7 @@ program pkg-config   pkg-config
 module  sdl2         libsdl2-dev
 module  gl           libgl-dev
 module  libpng       libpng-dev
+module  sndfile      libsndfile1-dev
 module  fmt          libfmt-dev
 module  CLI11        libcli11-dev
 module  imagequant   libimagequant-dev

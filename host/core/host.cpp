@@ -2,6 +2,7 @@
 
 #include "backends/headless/headless.h"
 #include "boards/boards.h"
+#include "core/cd_drive.h"
 #include "core/data_folder.h"
 #include "core/log.h"
 #include "core/machine.h"
@@ -56,6 +57,7 @@ int HostMain(int argumentCount, char** arguments, GameMain gameMain) {
     Script script;
     if (!LoadOptionScript(options, script) || !StartLog(options)) return STATUS_WRONG_INPUT;
     OpenMachine(options);
+    SetDiscFolder(options.disc);
     if (!FindData(options.data) || !StartRun(options, std::move(script))) {
         CurrentMachine->stop();
         return STATUS_WRONG_INPUT;

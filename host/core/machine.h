@@ -3,8 +3,11 @@
 #pragma once
 
 #include "core/options.h"
+#include "core/track_reader.h"
 
 #include <cstdint>
+#include <memory>
+#include <string>
 
 // A picture as it is shown: 32-bit pixels 0x00RRGGBB, rows top to bottom without gaps.
 struct Picture {
@@ -34,6 +37,11 @@ struct Machine {
     void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
     int (*messageBox)(const char* text, const char* caption);
     bool (*hasWindow)();  // a message box can be seen
+
+    // The sound of the CD drive. All three null: the drive works all the same, and nobody hears it.
+    bool (*openSound)(std::string& problem);
+    void (*playSound)(std::shared_ptr<TrackReader> track);  // over and over; null: silence
+    void (*closeSound)();
 };
 
 extern const Machine* CurrentMachine;  // the headless one until HostMain has chosen; never null

@@ -1,5 +1,6 @@
 #include "core/messages.h"
 
+#include "core/cd_drive.h"
 #include "core/clock.h"
 #include "core/devices.h"
 #include "core/display.h"
@@ -113,6 +114,7 @@ int MessageBoxA(HWND, const char* text, const char* caption, UINT) {
 BOOL PeekMessageA(MSG* message, HWND, UINT, UINT, UINT remove) {
     AtPeek();
     CurrentMachine->pump();
+    TurnCdDrive();
     arrivalsAtPeek = arrivals;
     if (!queue.empty()) {
         *message = queue.front();
@@ -143,6 +145,7 @@ BOOL WaitMessage() {
     while (arrivals == arrivalsAtPeek) {
         ReadClock();
         AtWait();
+        TurnCdDrive();
         if (arrivals != arrivalsAtPeek) break;
         CurrentMachine->wait();
         CurrentMachine->pump();

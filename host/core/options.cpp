@@ -80,6 +80,8 @@ struct OptionEntry {
 const OptionEntry OPTIONS[] = {
     {"--data", "DIR", "folder that holds game/ and FrontEnd/",
      [](std::string_view value, Options& options) { return TakeText(value, options.data); }},
+    {"--disc", "DIR", "folder of the music, track02 and so on (by default disc in the data folder)",
+     [](std::string_view value, Options& options) { return TakeText(value, options.disc); }},
     {"--log", "FILE", "write the game's standard output and the host's log lines to FILE",
      [](std::string_view value, Options& options) { return TakeText(value, options.log); }},
     {"--window", "WxH", "play in a window of this size, 320x240 and up", TakeWindow},
@@ -155,5 +157,6 @@ OptionsResult ParseOptions(int argumentCount, char** arguments, Options& options
         }
     }
     if (options.data.empty()) options.data = TARNWICK_DEFAULT_DATA;
+    if (options.disc.empty()) options.disc = options.data + "/disc";
     return OptionsResult::Run;
 }

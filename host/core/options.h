@@ -16,6 +16,7 @@ enum class BoardChoice { Auto, Gpu, Cpu, None };
 // Paths are as given: relative to the folder the program was called from.
 struct Options {
     std::string data;     // folder that holds game/ and FrontEnd/
+    std::string disc;     // folder of the music; by default `disc` in the data folder
     std::string log;      // file for the game's standard output and the host's log lines
     int windowWidth = 0;  // 0: full screen
     int windowHeight = 0;

@@ -1,5 +1,6 @@
 #include "core/testing.h"
 
+#include "core/cd_drive.h"
 #include "core/clock.h"
 #include "core/data_folder.h"
 #include "core/display.h"
@@ -56,6 +57,9 @@ const Machine TEST_MACHINE = {
     .setMouseCaptured = [](bool captured) { TestMachine.mouseCaptured = captured; },
     .messageBox = ShowBox,
     .hasWindow = [] { return true; },
+    .openSound = [](std::string&) { return TestMachine.soundOpens; },
+    .playSound = [](std::shared_ptr<TrackReader> track) { TestMachine.sounds.push_back(std::move(track)); },
+    .closeSound = [] {},
 };
 
 }  // namespace
@@ -63,6 +67,7 @@ const Machine TEST_MACHINE = {
 void UseTestMachine() {
     TestMachine = {};
     CurrentMachine = &TEST_MACHINE;
+    ResetCdDrive();
     ResetRun();
     ResetMessages();
     ResetInputState();

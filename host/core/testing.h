@@ -3,13 +3,16 @@
 // core/display.h.
 #pragma once
 
+#include "core/track_reader.h"
+
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 // Installs the machine and resets everything: the clock at 0, no window, no message, nothing down, the focus held, the
-// desktop's mode, no picture, data folder ".".
+// desktop's mode, no picture, no disc, data folder ".".
 void UseTestMachine();
 
 // What the test machine does, and what was done to it. UseTestMachine resets it.
@@ -21,6 +24,8 @@ struct TestMachineState {
     std::function<void()> onPoll;  // each keyboard poll, before the keys are read
     std::vector<std::string> messageBoxes;  // texts shown
     bool mouseCaptured = false;
+    bool soundOpens = true;                            // the CD drive finds a sound device
+    std::vector<std::shared_ptr<TrackReader>> sounds;  // that were begun; null: silence
 };
 extern TestMachineState TestMachine;
 

@@ -1,8 +1,10 @@
 // The whole program from its command line: how it starts, ends, and what it leaves behind.
 #include "run_program.h"
+#include "support/sound_file.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <sstream>
 #include <vector>
 
@@ -113,6 +115,26 @@ TEST_F(ProgramWithLevel, TheSameInputGivesTheSameFrames) {
     EXPECT_EQ(Lines(program.Read("1.jsonl")).size(), 120u);
     EXPECT_EQ(program.Read("1.jsonl"), program.Read("2.jsonl"));
     EXPECT_EQ(program.Read("1.png"), program.Read("2.png"));
+}
+
+TEST_F(ProgramWithLevel, MusicGoesRoundAndChangesNothing) {
+    std::filesystem::create_directory(program.Folder() / "disc");
+    WriteSound((program.Folder() / "disc/Track03.FLAC").string(), FLAC, 44100, 2, Triangle(44100 * 3 / 2, 2));
+    EXPECT_EQ(Play("--frames 60 --trace 1.jsonl --disc disc --log log").status, 0);
+    Play("--frames 60 --trace 2.jsonl --disc empty");
+    EXPECT_EQ(program.Read("1.jsonl"), program.Read("2.jsonl"));
+    const std::string log = program.Read("log");
+    size_t place = 0;
+    for (const char* event : {"cd: open, last track 4", "cd: play track 3, 1500 ms", "cd: notify successful, track 3",
+                              "cd: replay track 3", "cd: stop", "cd: notify aborted, track 3", "cd: close"}) {
+        place = log.find(event, place);
+        ASSERT_NE(place, std::string::npos) << event << " is missing, or out of order, in:\n" << log;
+    }
+    unsigned start = 0, end = 0;
+    std::sscanf(log.substr(log.rfind('\n', log.find("cd: play")) + 1).c_str(), "host: %u ms", &start);
+    std::sscanf(log.substr(log.rfind('\n', log.find("cd: notify")) + 1).c_str(), "host: %u ms", &end);
+    EXPECT_GE(end - start, 1500u);
+    EXPECT_LE(end - start, 1500u + 64u) << "taken at the end of a frame";
 }
 
 TEST_F(ProgramWithLevel, EscapeLeadsBackToTheFrontEndAndIntoAnotherGame) {

@@ -35,4 +35,7 @@ const Machine HeadlessMachine = {
     .setMouseCaptured = [](bool) {},
     .messageBox = ShowOnStandardError,
     .hasWindow = [] { return false; },
+    .openSound = nullptr,
+    .playSound = nullptr,
+    .closeSound = nullptr,
 };

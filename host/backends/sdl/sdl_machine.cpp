@@ -1,6 +1,7 @@
 #include "backends/sdl/sdl_machine.h"
 
 #include "backends/sdl/pads.h"
+#include "backends/sdl/sound.h"
 #include "backends/sdl/window.h"
 
 #include <SDL.h>
@@ -33,6 +34,7 @@ bool DriverUsable() {
 }
 
 void Stop() {
+    CloseSound();
     StopPads();
     CloseGameWindow();
     SDL_Quit();
@@ -116,4 +118,7 @@ const Machine SdlMachine = {
     .setMouseCaptured = CapturePointer,
     .messageBox = MessageBox,
     .hasWindow = GameWindowOpen,
+    .openSound = OpenSound,
+    .playSound = PlayTrack,
+    .closeSound = CloseSound,
 };
