@@ -41,12 +41,12 @@ public:
     size_t Count() const { return rays_.size(); }
 
     void Trace() {
-        RTCIntersectContext context;
-        rtcInitIntersectContext(&context);
+        RayContext context;
+        InitRayContext(context);
         for (const RTCRay& ray : rays_) {
             RTCRayHit traced{ray, {}};
             traced.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-            rtcIntersect1(tracer_.Scene(), &context, &traced);
+            tracer_.Intersect(context, traced);
             hits_ += traced.hit.geomID == 0;
         }
     }

@@ -4,8 +4,8 @@
 set -u
 
 # What is needed, how to find it, and the Debian package that has it. program: on the path. module: known to
-# pkg-config. header: found by the compiler. font: a font file. runtime: a library of clang's own. library: known to the
-# loader. driver: OpenGL's, that draws without a graphics card.
+# pkg-config. header: found by the compiler, one of those between the bars. font: a font file. runtime: a library of
+# clang's own. library: known to the loader. driver: OpenGL's, that draws without a graphics card.
 PLAY="
 program c++          g++
 program cmake        cmake
@@ -22,12 +22,12 @@ module  freetype2    libfreetype-dev
 module  tomlplusplus libtomlplusplus-dev
 header  tiny_gltf.h  libtinygltf-dev
 header  meshoptimizer.h libmeshoptimizer-dev
-header  embree3/rtcore.h libembree-dev
+header  embree4/rtcore.h|embree3/rtcore.h libembree-dev
 font    DejaVuSans   fonts-dejavu-core
 "
 CHECK="
 program clang++      clang
-runtime fuzzer       libclang-rt-14-dev
+runtime fuzzer       libclang-rt-VERSION-dev
 module  gtest        libgtest-dev
 module  x11          libx11-dev
 program Xvfb         xvfb
@@ -40,7 +40,13 @@ present() {  # kind name
     case $1 in
     program) command -v "$2" >/dev/null ;;
     module) command -v pkg-config >/dev/null && pkg-config --exists "$2" ;;
-    header) echo "#include <$2>" | c++ -E -x c++ - >/dev/null 2>&1 ;;
+    header)
+        local header
+        for header in ${2//|/ }; do
+            echo "#include <$header>" | c++ -E -x c++ - >/dev/null 2>&1 && return
+        done
+        return 1
+        ;;
     font) find /usr/share/fonts -name "$2.ttf" 2>/dev/null | grep -q . ;;
     library) /sbin/ldconfig -p | grep -q "$2" ;;
     driver) ls /usr/lib/*/dri/"$2"_dri.so >/dev/null 2>&1 ;;
@@ -53,6 +59,7 @@ find_missing() {  # sets names and packages
     while read -r kind name package; do
         [ -z "$kind" ] && continue
         present "$kind" "$name" && continue
+        [ "$kind" = runtime ] && package=${package/VERSION/$(clang++ -dumpversion | cut -d. -f1)}
         names+=("$name") packages+=("$package")
     done <<<"$needed"
 }
@@ -62,9 +69,17 @@ as_root() {
 }
 
 install_missing() {
-    export DEBIAN_FRONTEND=noninteractive
-    as_root apt-get install -y "${packages[@]}" && return
-    as_root apt-get update && as_root apt-get install -y "${packages[@]}"
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y "${packages[@]}" && return
+    as_root apt-get update && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y "${packages[@]}"
+}
+
+# Those that the system's lists do not have: it is too old, or nothing like Debian.
+unknown_packages() {
+    local package
+    apt-cache show g++ >/dev/null 2>&1 || return  # no lists at all
+    for package in "${packages[@]}"; do
+        apt-cache show "$package" >/dev/null 2>&1 || echo -n " $package"
+    done
 }
 
 needed=$PLAY
@@ -86,7 +101,12 @@ fi
 if [ ${#names[@]} != 0 ]; then
     tail -n 5 "$log"
     echo "Missing here: ${names[*]}"
-    echo "Please install them; on Debian and Ubuntu: sudo apt-get install ${packages[*]}"
+    unknown=$(unknown_packages)
+    if [ -n "$unknown" ]; then
+        echo "This system has no package$unknown; Debian 12 and Ubuntu 24.04 have them all, Ubuntu 22.04 has not"
+    else
+        echo "Please install them; on Debian and Ubuntu: sudo apt-get install ${packages[*]}"
+    fi
 fi
 rm -f "$log"
 [ ${#names[@]} = 0 ]

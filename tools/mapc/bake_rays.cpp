@@ -18,11 +18,11 @@ struct VeilHit {
 
 // A ray and the veils that it has gone through, in no order.
 struct VeiledQuery {
-    RTCIntersectContext context;  // first, so that the ray tracer's pointer to it leads here
+    RayContext context;  // first, so that the ray tracer's pointer to it leads here
     std::array<VeilHit, 16> hits;
     ptrdiff_t count = 0;
 
-    VeiledQuery() { rtcInitIntersectContext(&context); }
+    VeiledQuery() { InitRayContext(context); }
 };
 
 // Called for each veil that a ray meets: remembers it and lets the ray go on.
@@ -76,7 +76,7 @@ RayHit RayScene::Trace(const Vec3& from, const Vec3& direction) const {
     RTCRayHit traced;
     traced.ray = RayOf(from, direction, FARTHEST);
     traced.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-    rtcIntersect1(tracer_->Scene(), &query.context, &traced);
+    tracer_->Intersect(query.context, traced);
     RayHit hit;
     hit.passed = PassedVeils(query, surfaces_.veilCover, traced.ray.tfar);
     if (traced.hit.geomID == RTC_INVALID_GEOMETRY_ID) return hit;
@@ -95,6 +95,6 @@ RayHit RayScene::Trace(const Vec3& from, const Vec3& direction) const {
 double RayScene::Passed(const Vec3& from, const Vec3& to) const {
     VeiledQuery query;
     RTCRay ray = RayOf(from, to - from, BEFORE_END);
-    rtcOccluded1(tracer_->Scene(), &query.context, &ray);
+    tracer_->FindOccluder(query.context, ray);
     return ray.tfar < 0 ? 0 : PassedVeils(query, surfaces_.veilCover, 1);
 }

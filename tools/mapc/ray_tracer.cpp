@@ -59,6 +59,42 @@ void RayTracer::Commit() {
     Check();
 }
 
+#if RTC_VERSION_MAJOR == 3
+
+void InitRayContext(RayContext& context) {
+    rtcInitIntersectContext(&context);
+}
+
+void RayTracer::Intersect(RayContext& context, RTCRayHit& ray) const {
+    rtcIntersect1(scene_, &context, &ray);
+}
+
+void RayTracer::FindOccluder(RayContext& context, RTCRay& ray) const {
+    rtcOccluded1(scene_, &context, &ray);
+}
+
+#else
+
+void InitRayContext(RayContext& context) {
+    rtcInitRayQueryContext(&context);
+}
+
+void RayTracer::Intersect(RayContext& context, RTCRayHit& ray) const {
+    RTCIntersectArguments arguments;
+    rtcInitIntersectArguments(&arguments);
+    arguments.context = &context;
+    rtcIntersect1(scene_, &ray, &arguments);
+}
+
+void RayTracer::FindOccluder(RayContext& context, RTCRay& ray) const {
+    RTCOccludedArguments arguments;
+    rtcInitOccludedArguments(&arguments);
+    arguments.context = &context;
+    rtcOccluded1(scene_, &ray, &arguments);
+}
+
+#endif
+
 RTCRay RayOf(const Vec3& from, const Vec3& direction, float farthest) {
     RTCRay ray{};
     ray.org_x = static_cast<float>(from.x);

@@ -3,12 +3,24 @@
 
 #include "mapc/geometry.h"
 
+#if __has_include(<embree4/rtcore.h>)
+#include <embree4/rtcore.h>
+#else
 #include <embree3/rtcore.h>
+#endif
 
 #include <array>
 #include <vector>
 
 using RayTriangle = std::array<Vec3, 3>;  // (b - a) x (c - a) points to its front
+
+// Version 3 of the library, and those after it.
+#if RTC_VERSION_MAJOR == 3
+using RayContext = RTCIntersectContext;
+#else
+using RayContext = RTCRayQueryContext;
+#endif
+void InitRayContext(RayContext& context);
 
 class RayTracer {
 public:
@@ -21,7 +33,11 @@ public:
     // where they are.
     void Add(unsigned geometry, const std::vector<RayTriangle>& triangles, RTCFilterFunctionN passes = nullptr);
     void Commit();  // after the last Add
-    RTCScene Scene() const { return scene_; }
+
+    // Both with the context that goes to the functions `passes`. geomID stays RTC_INVALID_GEOMETRY_ID, or tfar becomes
+    // negative with something in the way.
+    void Intersect(RayContext& context, RTCRayHit& ray) const;
+    void FindOccluder(RayContext& context, RTCRay& ray) const;
 
 private:
     void Check() const;
