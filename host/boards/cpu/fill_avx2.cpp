@@ -138,14 +138,17 @@ AVX2_INLINE Channels Sample(const FillState& state, const MipLevel& level, __m25
     alignas(32) int32_t index[GROUP];
     _mm256_store_si256(reinterpret_cast<__m256i*>(index),
                        _mm256_madd_epi16(place, _mm256_set1_epi32(1 << 16 | level.pitch)));
+    const auto at = [&](int32_t pair) AVX2_CODE {
+        return reinterpret_cast<const __m128i*>(level.pairs + int64_t{TEXEL_PAIR_BYTES} * pair);
+    };
+    // The next row of the screen most likely takes the next row of texels.
+    for (const int pixel : {0, GROUP - 1})
+        _mm_prefetch(reinterpret_cast<const char*>(at(index[pixel] + level.pitch)), _MM_HINT_T0);
     const __m256i part = _mm256_srli_epi16(_mm256_slli_epi16(v, 9), 9);
     const __m256i weights = _mm256_add_epi16(_mm256_mullo_epi16(part, _mm256_set1_epi32(255)), _mm256_set1_epi32(128));
     const auto taps = [&](int i) AVX2_CODE {
-        const auto load = [&](int pixel) AVX2_CODE {
-            return _mm_loadu_si128(
-                reinterpret_cast<const __m128i*>(level.pairs + int64_t{TEXEL_PAIR_BYTES} * index[pixel]));
-        };
-        const __m256i pairs = _mm256_inserti128_si256(_mm256_castsi128_si256(load(i)), load(i + 4), 1);
+        const __m256i pairs = _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(at(index[i]))),
+                                                      _mm_loadu_si128(at(index[i + 4])), 1);
         return _mm256_maddubs_epi16(SpreadBytes(weights, i), pairs);
     };
     const Channels partS = SpreadWords(_mm256_srli_epi16(_mm256_slli_epi16(u, 9), 1));
