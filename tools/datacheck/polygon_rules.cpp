@@ -6,6 +6,7 @@
 namespace {
 
 constexpr double PLANE_TOLERANCE = 0.15;  // of a corner from its polygon's plane
+constexpr double DENT_TOLERANCE = 0.15;   // of a corner into its polygon: welding moves each by up to 0.1
 constexpr double SHORTEST_EDGE = 0.099;
 constexpr double SAME_DIRECTION = 0.99;  // least cosine between the stored normal and the corners' own
 constexpr float FARTHEST = 26000;        // coordinate at which collision still measures distances
@@ -45,9 +46,9 @@ std::string FaultOfShape(const WorldFace& face) {
     }
     if (Dot(own, face.normal) < SAME_DIRECTION * Length(own)) return "its corners run clockwise seen from outside";
     for (size_t k = 0; k < count; ++k) {
-        const Vec3 edge = face.corners[(k + 1) % count] - face.corners[k];
-        const Vec3 out = Cross(edge, face.normal);
-        if (Dot(face.corners[(k + 2) % count] - face.corners[k], out) > PLANE_TOLERANCE * Length(out)) {
+        const Vec3 chord = face.corners[(k + 2) % count] - face.corners[k];
+        const Vec3 out = Cross(chord, face.normal);
+        if (Dot(face.corners[(k + 1) % count] - face.corners[k], out) < -DENT_TOLERANCE * Length(out)) {
             return "it is not convex";
         }
     }

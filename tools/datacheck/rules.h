@@ -15,9 +15,11 @@ void CheckBoxes(const LevelData& level, Report& report);  // boxes, cells and ra
 
 // Seen along random rays: painter's order, and walls without holes.
 void CheckSight(const LevelData& level, Report& report);
+void CheckPaintersOrder(const LevelData& level, Report& report);  // the first half of it
 
 // Where the player stands: the start, steps and walls as the movement takes them, polygons touched at once.
 void CheckWalking(const LevelData& level, Report& report);
+void CheckContactOrder(const LevelData& level, Report& report);  // a part of it: steps are walked up, not into
 
 void CheckLight(const LevelData& level, Report& report);       // lights.lmp against the world
 void CheckLightSlots(const LevelData& level, Report& report);  // lights.alt against the world

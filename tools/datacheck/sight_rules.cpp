@@ -76,7 +76,27 @@ private:
     std::vector<size_t> order_;
 };
 
-void CheckPaintersOrder(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
+// Software never clears the upper half of the frame, and nobody may fall out of the world. Where there is a sky, only
+// the ground is sure to be closed.
+void CheckClosed(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
+    Dice dice;
+    for (const Vec3& eye : PlacesOfPlay(level.number, faces, PLACES)) {
+        for (int ray = 0; ray < RAYS_PER_EYE; ++ray) {
+            Vec3 direction = dice.Direction();
+            if (HasSky(level.number)) direction = {0.4 * direction.x, -1, 0.4 * direction.z};
+            if (!std::isinf(NearestHit(faces, eye, direction, -HOLE_WIDTH))) continue;
+            report.Problem(
+                level.WorldPath(), "seen from " + Describe(eye),
+                fmt::format("the world is open towards ({:.2f} {:.2f} {:.2f})", direction.x, direction.y, direction.z),
+                "close it with a wall or a floor");
+        }
+    }
+}
+
+}  // namespace
+
+void CheckPaintersOrder(const LevelData& level, Report& report) {
+    const std::vector<WorldFace> faces = FacesOf(*level.world);
     Box box;
     for (const WorldPoint& point : level.world->points)
         box.Add(Widened(point.position));
@@ -108,27 +128,7 @@ void CheckPaintersOrder(const LevelData& level, const std::vector<WorldFace>& fa
     }
 }
 
-// Software never clears the upper half of the frame, and nobody may fall out of the world. Where there is a sky, only
-// the ground is sure to be closed.
-void CheckClosed(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
-    Dice dice;
-    for (const Vec3& eye : PlacesOfPlay(level.number, faces, PLACES)) {
-        for (int ray = 0; ray < RAYS_PER_EYE; ++ray) {
-            Vec3 direction = dice.Direction();
-            if (HasSky(level.number)) direction = {0.4 * direction.x, -1, 0.4 * direction.z};
-            if (!std::isinf(NearestHit(faces, eye, direction, -HOLE_WIDTH))) continue;
-            report.Problem(
-                level.WorldPath(), "seen from " + Describe(eye),
-                fmt::format("the world is open towards ({:.2f} {:.2f} {:.2f})", direction.x, direction.y, direction.z),
-                "close it with a wall or a floor");
-        }
-    }
-}
-
-}  // namespace
-
 void CheckSight(const LevelData& level, Report& report) {
-    const std::vector<WorldFace> faces = FacesOf(*level.world);
-    CheckPaintersOrder(level, faces, report);
-    CheckClosed(level, faces, report);
+    CheckPaintersOrder(level, report);
+    CheckClosed(level, FacesOf(*level.world), report);
 }

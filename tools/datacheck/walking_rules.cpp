@@ -44,24 +44,6 @@ Contact ContactOf(const WorldFace& face) {
     return HeightOf(face) <= STEP_HEIGHT ? Contact::Riser : Contact::Wall;
 }
 
-void CheckContactOrder(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
-    for (size_t l = 0; l < level.world->leaves.size(); ++l) {
-        const WorldLeaf& leaf = level.world->leaves[l];
-        Contact last = Contact::Tread;
-        for (size_t i = leaf.firstPolygon; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
-            const Contact contact = ContactOf(faces[i]);
-            if (contact == Contact::Ceiling) continue;
-            if (contact < last) {
-                report.Problem(level.WorldPath(), fmt::format("leaf {}, polygon {}", l, i),
-                               "comes after a riser or wall that must be touched last",
-                               "order the leaf's polygons: treads, walls, risers");
-                break;
-            }
-            last = contact;
-        }
-    }
-}
-
 // Whether one may stand before the wall on a floor no more than SPLIT_HEIGHT below the edge.
 bool FloorIsNear(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& edge) {
     const Vec3 eye = edge - wall.normal * BEFORE_WALL;
@@ -114,10 +96,29 @@ void CheckContacts(const LevelData& level, Report& report) {
 
 }  // namespace
 
+void CheckContactOrder(const LevelData& level, Report& report) {
+    const std::vector<WorldFace> faces = FacesOf(*level.world);
+    for (size_t l = 0; l < level.world->leaves.size(); ++l) {
+        const WorldLeaf& leaf = level.world->leaves[l];
+        Contact last = Contact::Tread;
+        for (size_t i = leaf.firstPolygon; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
+            const Contact contact = ContactOf(faces[i]);
+            if (contact == Contact::Ceiling) continue;
+            if (contact < last) {
+                report.Problem(level.WorldPath(), fmt::format("leaf {}, polygon {}", l, i),
+                               "comes after a riser or wall that must be touched last",
+                               "order the leaf's polygons: treads, walls, risers");
+                break;
+            }
+            last = contact;
+        }
+    }
+}
+
 void CheckWalking(const LevelData& level, Report& report) {
     const std::vector<WorldFace> faces = FacesOf(*level.world);
     CheckStart(level, faces, report);
-    CheckContactOrder(level, faces, report);
+    CheckContactOrder(level, report);
     NoteSplitWalls(level, faces, report);
     CheckContacts(level, report);
 }

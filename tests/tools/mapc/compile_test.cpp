@@ -22,13 +22,10 @@ MapBuilder OneRoom() {
     return MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64");
 }
 
-void ExpectSound(const WorldFile& world, int rays) {
+void ExpectSound(const WorldFile& world) {
+    EXPECT_EQ(Faults(world), Findings{});
     EXPECT_EQ(OpenEdges(world), Findings{});
-    EXPECT_EQ(TurnedPolygons(world), Findings{});
-    EXPECT_EQ(OrderedLeaves(world), Findings{});
-    EXPECT_EQ(MisplacedPolygons(world), Findings{});
     EXPECT_EQ(FalseSteps(world), Findings{});
-    EXPECT_EQ(PaintingFaults(world, rays), Findings{});
 }
 
 std::vector<uint8_t> AllBytes(const CompiledLevel& level) {
@@ -52,12 +49,12 @@ std::string Wedge(int x, int y, int height) {
 
 TEST(Compile, TwoRoomsAreSound) {
     const CompiledLevel level = Compile(TwoRooms());
-    ExpectSound(level.world, 3000);
+    ExpectSound(level.world);
     EXPECT_EQ(level.light.pointLight.size(), level.world.points.size());
 }
 
 TEST(Compile, GeneratedRoomsAreSound) {
-    ExpectSound(Compile(GeneratedRooms(4)).world, 1000);
+    ExpectSound(Compile(GeneratedRooms(4)).world);
 }
 
 TEST(Compile, BrushesThatRunThroughEachOtherAtOddAnglesAreSound) {
@@ -67,7 +64,7 @@ TEST(Compile, BrushesThatRunThroughEachOtherAtOddAnglesAreSound) {
         map.Brush(Wedge(200 + i * 83 % 1000, 200 + i * 197 % 1000, 150 + i * 31 % 200));
         map.TurnedBox({150 + i * 151 % 1100, 150 + i * 89 % 1100, 0}, {260 + i * 151 % 1100, 260 + i * 89 % 1100, 90});
     }
-    ExpectSound(Compile(map).world, 1000);
+    ExpectSound(Compile(map).world);
 }
 
 TEST(Compile, OneConvexRoomStillGetsANode) {
@@ -75,7 +72,7 @@ TEST(Compile, OneConvexRoomStillGetsANode) {
     EXPECT_EQ(level.world.nodes.size(), 1U);
     EXPECT_EQ(level.world.polygons.size(), 6U);
     EXPECT_EQ(level.world.points.size(), 24U);
-    ExpectSound(level.world, 500);
+    ExpectSound(level.world);
 }
 
 TEST(Compile, BothFormsOfAMapGiveTheSameBytes) {
@@ -86,10 +83,6 @@ TEST(Compile, BothFormsOfAMapGiveTheSameBytes) {
     valve.Box({1100, 0, 0}, {1150, 50, 64});
     EXPECT_NE(valve.Text(), plain.Text());
     EXPECT_EQ(AllBytes(Compile(valve)), AllBytes(Compile(plain)));
-}
-
-TEST(Compile, TwiceGivesTheSameBytes) {
-    EXPECT_EQ(AllBytes(Compile(GeneratedRooms(2), 3)), AllBytes(Compile(GeneratedRooms(2), 3)));
 }
 
 TEST(Compile, FlushBrushesPaintedAlikeBecomeOneFace) {
@@ -108,29 +101,6 @@ TEST(Compile, OfTwoFacesInOnePlaceTheEarlierStays) {
     map.Key("subdivide", "0").Room({0, 0, 0}, {512, 512, 512}).Box({0, 0, -8}, {256, 512, 0}, "tall");
     for (const WorldPolygon& polygon : Compile(map.Start("64 64 64")).world.polygons)
         EXPECT_EQ(polygon.texture, 0);
-}
-
-TEST(Compile, LargeFacesAreCutForLightButWallsNotWhereTheyWouldBeSteps) {
-    MapBuilder map;
-    map.Key("light_tolerance", "0").Room({0, 0, 0}, {1024, 256, 1024}).Box({0, 0, 0}, {256, 256, 400});
-    map.Start("600 64 64").Light("500 130 600", "\"radius\" \"2000\"\n");
-    const WorldFile world = Compile(map).world;
-    ExpectSound(world, 500);
-    std::vector<float> heights;
-    for (const WorldPoint& point : world.points) {
-        const bool onEastWall = point.position[0] == 1024 && point.normal[0] == 1;
-        if (onEastWall && point.position[2] == 0) heights.push_back(point.position[1]);
-    }
-    std::sort(heights.begin(), heights.end());
-    // A block of 400 stands far off; one who falls from it passes none of these seams.
-    EXPECT_EQ(heights, (std::vector<float>{0, 256, 512, 768, 1024}));
-    heights.clear();
-    for (const WorldPoint& point : world.points) {
-        const bool onSouthWall = point.position[2] == 0 && point.normal[2] == -1;
-        if (onSouthWall && point.position[0] == 512) heights.push_back(point.position[1]);
-    }
-    std::sort(heights.begin(), heights.end());
-    EXPECT_EQ(heights, (std::vector<float>{0, 512, 768, 1024})) << "256 lies below the block's top";
 }
 
 TEST(Compile, MapsThatCannotBecomeLevelsAreRefused) {

@@ -1,7 +1,6 @@
-// What the records of a world hold: texture coordinates, placement, light, the order in a leaf.
+// What the records of a world hold: texture coordinates, placement, light.
 #include "map_builder.h"
 #include "maths/angles.h"
-#include "mapc/fan.h"
 #include "world_checks.h"
 
 #include <fmt/format.h>
@@ -89,7 +88,7 @@ TEST(Placement, TheStartComesToTheLevelsStartAndLooksAlongZ) {
         const WorldFile world = Compile(map, 3).world;
         EXPECT_EQ(FloorAt(world, 223, -211, 500), 376) << "on the block, wherever above it the start hangs";
         EXPECT_EQ(FloorAt(world, 223, -211 + 320, 500), 376 - 24 + 100) << angle;
-        EXPECT_EQ(TurnedPolygons(world), Findings{});
+        EXPECT_EQ(Faults(world), Findings{});
     }
 }
 
@@ -98,29 +97,20 @@ TEST(Placement, ScaleCountsAroundTheMapsOrigin) {
     map.Key("scale", "2").Room({0, 0, 0}, {256, 256, 256}).Start("64 64 64");
     const CompiledLevel level = Compile(map);
     EXPECT_EQ(FloorAt(level.world, 500, 500), 0);
-    EXPECT_EQ(FloorAt(level.world, 520, 500), -1e9);
+    EXPECT_LT(FloorAt(level.world, 520, 500), -1e9);
     EXPECT_EQ(level.placement.ToMap(level.placement.ToEngine({1, 2, 3})), (Vec3{1, 2, 3}));
 }
 
-TEST(CornerLight, FacesHaveFewCornersAndBytesOfTheirOwn) {
+TEST(CornerLight, FacesKeepFewCornersBesideCrowdedEdges) {
     MapBuilder map;
     map.Key("subdivide", "0").Room({0, 0, 0}, {1024, 1024, 512}).Start("64 64 64").Light("512 512 256");
     map.BeginEntity("func_group", "\"corner_light\" \"1\"\n").Box({0, 0, 0}, {1024, 1024, 8}, "floor");
     map.BeginEntity("func_group");
-    // Blocks along the walls put many corners on the floor's edges.
     for (int i = 0; i < 12; ++i)
         map.Box({32 + i * 80, 1000, 0}, {64 + i * 80, 1024, 64}, i % 2 ? "wall" : "tall");
-    const CompiledLevel level = Compile(map);
-    EXPECT_EQ(OpenEdges(level.world), Findings{});
-    size_t lit = 0;
-    for (size_t i = 0; i < level.world.polygons.size(); ++i) {
-        const WorldPolygon& polygon = level.world.polygons[i];
-        if (polygon.shading != WORLD_CORNER_LIGHT) continue;
-        ++lit;
-        EXPECT_LE(polygon.cornerCount, 8);
-        ASSERT_LT(i, level.light.cornerLight.size());
-    }
-    EXPECT_GT(lit, 1U);
+    const WorldFile world = Compile(map).world;
+    EXPECT_EQ(OpenEdges(world), Findings{});
+    EXPECT_EQ(Faults(world), Findings{}) << "more than eight corners, or three of them on a line";
 }
 
 TEST(Leaves, PointsAreSharedWithinASurfaceOnly) {
@@ -134,64 +124,4 @@ TEST(Leaves, PointsAreSharedWithinASurfaceOnly) {
         ++atPlace[point.position];
     EXPECT_EQ((atPlace.at({0, 0, 0})), 3);
     EXPECT_EQ((atPlace.at({256, 0, 256})), 1);
-}
-
-TEST(Leaves, TreadsComeBeforeWallsAndRisersLast) {
-    MapBuilder map;
-    map.Room({0, 0, 0}, {1024, 512, 512}).Start("64 64 64");
-    for (int i = 0; i < 4; ++i)
-        map.Box({400 + i * 64, 0, 0}, {464 + i * 64, 512, 40 + i * 40}, "floor");
-    const WorldFile world = Compile(map).world;
-    int mixed = 0;
-    for (const WorldLeaf& leaf : world.leaves) {
-        int last = 0;
-        for (size_t i = leaf.firstPolygon; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
-            const WorldPolygon& polygon = world.polygons[i];
-            const float down = world.planes[polygon.plane].normal[1];
-            Box box;
-            for (size_t k = 0; k < polygon.cornerCount; ++k) {
-                const WorldVector& p = world.points[world.corners[polygon.firstCorner + k].point].position;
-                box.Add(Vec3{p[0], p[1], p[2]});
-            }
-            const int order = down < -0.5F ? 0 : down < 0.5F && box.max.y - box.min.y <= 50 ? 2 : 1;
-            EXPECT_GE(order, last);
-            mixed += order > last ? 1 : 0;
-            last = order;
-        }
-    }
-    EXPECT_GT(mixed, 3) << "nothing was tested";
-}
-
-// Two large triangles with a sliver between them, whose middle corner all but lies on its long edge.
-TEST(Junctions, ASliverIsDroppedAndItsNeighboursMeet) {
-    Mesh mesh;
-    mesh.vertices = {{0, 0, 0}, {100, 0, 0}, {50, 0.1, 0}, {50, 80, 0}, {50, -80, 0}};
-    const auto polygon = [](std::vector<int> corners) { return MeshPolygon{std::move(corners), 0, 0, false}; };
-    mesh.leaves = {{polygon({0, 4, 1}), polygon({0, 1, 2})}, {polygon({0, 2, 1, 3})}};
-    FillTJunctions(mesh);
-    ASSERT_EQ(mesh.leaves[0].size(), 1U);
-    EXPECT_EQ(mesh.leaves[0][0].corners, (std::vector<int>{0, 4, 1, 2}));
-    EXPECT_EQ(mesh.leaves[1][0].corners, (std::vector<int>{0, 2, 1, 3}));
-}
-
-TEST(Fans, PolygonsOfManyCornersAreHalvedAndBeginWhereTheFanIsBest) {
-    Mesh mesh;
-    MeshPolygon polygon;
-    PlaneTable planes;
-    polygon.plane = planes.Find({0, 0, 1}, 0);
-    // A square of 40 with corners at every 10.
-    for (int i = 0; i < 16; ++i) {
-        const int along = i % 4 * 10;
-        const Vec3 sides[] = {{along + 0.0, 0, 0}, {40, along + 0.0, 0}, {40.0 - along, 40, 0}, {0, 40.0 - along, 0}};
-        mesh.vertices.push_back(sides[i / 4]);
-        polygon.corners.push_back(i);
-    }
-    mesh.leaves.push_back({polygon});
-    MakeFans(mesh, planes, [](const MeshPolygon&) { return size_t{12}; });
-    ASSERT_EQ(mesh.leaves[0].size(), 2U);
-    for (const MeshPolygon& part : mesh.leaves[0]) {
-        EXPECT_EQ(part.corners.size(), 9U);
-        const auto vertex = [&](size_t i) { return mesh.vertices[static_cast<size_t>(part.corners[i])]; };
-        EXPECT_GT(Length(Cross(vertex(1) - vertex(0), vertex(2) - vertex(0))), 1);
-    }
 }

@@ -83,6 +83,6 @@ TEST(LightGrid, WhatIsLeftWholeShowsTheLightOfTheWholeGrid) {
         EXPECT_LT(level.world.polygons.size() * 4, exact.world.polygons.size() * 3) << tolerance;
         EXPECT_EQ(OpenEdges(level.world), Findings{});
         EXPECT_EQ(FalseSteps(level.world), Findings{});
-        EXPECT_EQ(PaintingFaults(level.world, 300), Findings{});
+        EXPECT_EQ(Faults(level.world), Findings{});
     }
 }

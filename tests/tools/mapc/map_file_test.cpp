@@ -13,24 +13,6 @@ std::string MapWithFace(const std::string& face) {
 
 }  // namespace
 
-TEST(MapText, BothFormsOfAFaceAreRead) {
-    const MapFile map = ParseMap(MapWithFace(std::string(FACE) + "8 -16 30 2 0.5 // comment\n" + FACE +
-                                             "[ 0 1 0 8 ] [ 0 0 -1 -16.25 ] 30 2 0.5 1 2 300"),
-                                 "test.map");
-    ASSERT_EQ(map.entities.size(), 1U);
-    ASSERT_EQ(map.entities[0].brushes.size(), 1U);
-    const std::vector<MapFace>& faces = map.entities[0].brushes[0].faces;
-    ASSERT_EQ(faces.size(), 2U);
-    EXPECT_FALSE(faces[0].hasAxes);
-    EXPECT_EQ(faces[0].vOffset, -16);
-    EXPECT_EQ(faces[0].rotation, 30);
-    EXPECT_TRUE(faces[1].hasAxes);
-    EXPECT_EQ(faces[1].vAxis, (Vec3{0, 0, -1}));
-    EXPECT_EQ(faces[1].vOffset, -16.25);
-    EXPECT_EQ(faces[1].vScale, 0.5);
-    EXPECT_EQ(faces[1].line, 5);
-}
-
 TEST(MapText, BadTextIsRefusedWithItsLine) {
     const std::pair<std::string, const char*> cases[] = {
         {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 zero 1 ) wall 0 0 0 1 1"), "test.map:4: \"zero\" is not a number"},

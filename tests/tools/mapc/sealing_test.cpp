@@ -82,10 +82,7 @@ TEST(Sealing, SkyFacesAreLeftOutAndTheOutsideIsDropped) {
     for (const WorldPoint& point : world.points) {
         EXPECT_TRUE(IsInRoom({point.position[0], point.position[2], point.position[1]}));
     }
-    // Only the rim of the hole has no neighbour.
-    EXPECT_GE(OpenEdges(world).size(), 4U);
-    for (const WorldPoint& point : world.points)
-        EXPECT_LE(point.position[0], 512);
+    EXPECT_GE(OpenEdges(world).size(), 4U) << "only the rim of the hole has no neighbour";
 }
 
 TEST(Sealing, HollowsThatNobodyReachesAreDropped) {
@@ -100,12 +97,9 @@ TEST(Sealing, ClipAndCutoutHideNothingAndAreThereToTouch) {
     EXPECT_EQ(CountSlot(clip, 6), 5U);
     EXPECT_EQ(CountSlot(clip, 0), 6U) << "an invisible brush cuts what is seen";
     const WorldFile grate = Compile(room().Box({200, 200, 0}, {264, 264, 64}, "grate").Start("64 64 64")).world;
-    EXPECT_EQ(PaintingFaults(grate, 2000), Findings{});
+    EXPECT_EQ(Faults(grate), Findings{});
     // The floor below the grate is still there: it shows through the holes.
-    double floor = 0;
-    for (const std::string& edge : OpenEdges(grate))
-        floor += edge.empty() ? 0 : 1;
-    EXPECT_EQ(floor, 4) << "only the lower rim of the grate has no neighbour";
+    EXPECT_EQ(OpenEdges(grate).size(), 4U) << "only the lower rim of the grate has no neighbour";
 }
 
 TEST(Sealing, ALeakLeavesThePathForTheEditorAndNothingElse) {
