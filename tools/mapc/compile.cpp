@@ -4,6 +4,7 @@
 #include "mapc/emit.h"
 #include "mapc/fan.h"
 #include "mapc/light.h"
+#include "mapc/light_slots.h"
 #include "mapc/merge.h"
 #include "mapc/sealing.h"
 #include "mapc/tessellate.h"
@@ -78,6 +79,8 @@ void AddLight(const LightSources& sources, const BakeOptions& options, CompiledL
     LitWorld lit = LightWorld(compiled.world, sources, options);
     compiled.light = std::move(lit.file);
     compiled.slots = std::move(lit.slots);
+    for (const Count& count : CountSlots(compiled.slots))
+        compiled.counts.push_back(count);
     compiled.rays = lit.rays;
     compiled.lightSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }

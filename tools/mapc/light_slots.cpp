@@ -332,3 +332,9 @@ std::vector<Vec3> FloorsOf(const WorldFile& world) {
 LightSlotFile MakeLightSlots(const BakedLight& baked, const SlotSources& sources) {
     return SlotMaker(baked, sources).Make();
 }
+
+std::vector<Count> CountSlots(const LightSlotFile& file) {
+    return {{"light slots", file.slots.size(), SLOTS_MAX},
+            {"points that changing lights reach", file.points.size(), CONTRIBUTIONS_MAX},
+            {"corners that changing lights reach", file.corners.size(), CONTRIBUTIONS_MAX}};
+}

@@ -5,6 +5,7 @@
 
 #include "formats/light_files.h"
 #include "mapc/bake.h"
+#include "mapc/limits.h"
 #include "mapc/map_lights.h"
 #include "mapc/placement.h"
 
@@ -36,3 +37,4 @@ struct SlotSources {
 
 // ContentError with the line of the light that goes beyond one of the limits above.
 LightSlotFile MakeLightSlots(const BakedLight& baked, const SlotSources& sources);
+std::vector<Count> CountSlots(const LightSlotFile& file);
