@@ -110,7 +110,8 @@ Layer::Layer(const Settings& settings, uint32_t seed)
     }
     settings.Finish();
     const bool coloured = mode_ == Mode::Paint || mode_ == Mode::Shade || mode_ == Mode::Glow;
-    if (coloured && ramp_.empty() && settings.Text("pattern", "") != "picture") {
+    const std::string pattern = settings.Text("pattern", "");
+    if (coloured && ramp_.empty() && pattern != "picture" && pattern != "material") {
         settings.RefuseTable("the layer has no colour",
                              "add colour = \"#rrggbb\", or mode = \"relief\" for shape only");
     }

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int MAX_BASES = 4;
+constexpr int MAX_DEPTH = 4;  // of recipes that paint others
 
 struct Recipe {
     int width = 128, height = 128, pictures = 1;
@@ -39,19 +39,26 @@ void ReadHead(const Settings& text, Recipe& recipe) {
     finish.brightness = text.Number("brightness", finish.brightness, 0, 4);
 }
 
+Recipe ReadRecipe(const std::filesystem::path& path, int depth);
+
+// The recipe that a key names; one without layers when there is no such key.
+Recipe ReadNamed(const Settings& text, const std::string& key, int depth) {
+    const std::string name = text.Text(key, "");
+    if (name.empty()) return {};
+    if (depth == MAX_DEPTH) text.RefuseKey(key, "goes round in a circle or too deep", "paint it from layers");
+    return ReadRecipe(MaterialRecipe(text.File(), name), depth + 1);
+}
+
 Recipe ReadRecipe(const std::filesystem::path& path, int depth) {
     const Settings text = Settings::Load(path);
-    Recipe recipe;
-    const std::string base = text.Text("base", "");
-    if (!base.empty()) {
-        if (depth == MAX_BASES) text.RefuseKey("base", "goes round in a circle or too deep", "paint it from layers");
-        recipe = ReadRecipe(path.parent_path() / (base + ".toml"), depth + 1);
-    }
+    Recipe recipe = ReadNamed(text, "base", depth);
     recipe.sources.push_back(path);
     ReadHead(text, recipe);
     const auto seed = static_cast<uint32_t>(text.Int("seed", 1, 0, 1'000'000));
     uint32_t index = 0;
     for (const Settings& layer : text.Tables("layer")) {
+        const Recipe shown = ReadNamed(layer, "material", depth);  // first, for it refuses circles
+        recipe.sources.insert(recipe.sources.end(), shown.sources.begin(), shown.sources.end());
         recipe.layers.emplace_back(layer, Hash(seed, index++));
         const std::string picture = layer.Text("file", "");
         if (!picture.empty()) recipe.sources.push_back(path.parent_path() / picture);
@@ -62,6 +69,10 @@ Recipe ReadRecipe(const std::filesystem::path& path, int depth) {
 }
 
 }  // namespace
+
+std::filesystem::path MaterialRecipe(const std::filesystem::path& beside, const std::string& name) {
+    return beside.parent_path() / (name + ".toml");
+}
 
 PaintedMaterial PaintMaterial(const std::filesystem::path& path) {
     Recipe recipe = ReadRecipe(path, 0);

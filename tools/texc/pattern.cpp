@@ -19,7 +19,7 @@ constexpr Entry PATTERNS[] = {
     {"bricks", Make<BricksPattern>},     {"stones", Make<StonesPattern>},   {"scatter", Make<ScatterPattern>},
     {"box", Make<BoxPattern>},           {"band", Make<BandPattern>},       {"discs", Make<DiscsPattern>},
     {"polygon", Make<PolygonPattern>},   {"stripes", Make<StripesPattern>}, {"edges", Make<EdgesPattern>},
-    {"crevices", Make<CrevicesPattern>}, {"picture", Make<PicturePattern>},
+    {"crevices", Make<CrevicesPattern>}, {"picture", Make<PicturePattern>}, {"material", Make<MaterialPattern>},
 };
 
 }  // namespace

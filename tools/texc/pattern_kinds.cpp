@@ -1,5 +1,7 @@
 #include "texc/pattern_kinds.h"
 
+#include "texc/material.h"
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -329,14 +331,49 @@ Sample EdgesPattern::At(const Spot& spot, const Moment&) const {
     return {strength, strength, strength, strength, 0, {}};
 }
 
-PicturePattern::PicturePattern(const Settings& settings)
-    : image_(ReadPng(std::filesystem::path(settings.File()).parent_path() / settings.NeedText("file"))) {}
+namespace {
 
-Sample PicturePattern::At(const Spot& spot, const Moment&) const {
-    const Rgba& pixel = image_.At(WrapInt(FloorInt(spot.x), image_.width), WrapInt(FloorInt(spot.y), image_.height));
+Sample SampleOf(const Rgba& pixel) {
     const auto channel = [](uint8_t byte) { return static_cast<float>(byte) / 255; };
     const float cover = channel(pixel.a);
     const Colour colour{channel(pixel.r), channel(pixel.g), channel(pixel.b)};
     const float grey = (colour[0] + colour[1] + colour[2]) / 3;
     return {cover, grey, cover, grey, 0, colour};
+}
+
+Sample Between(const Sample& a, const Sample& b, float part) {
+    Sample mean{Mix(a.cover, b.cover, part),
+                Mix(a.value, b.value, part),
+                Mix(a.strength, b.strength, part),
+                Mix(a.profile, b.profile, part),
+                0,
+                Colour{}};
+    for (size_t c = 0; c < 3; ++c)
+        (*mean.colour)[c] = Mix((*a.colour)[c], (*b.colour)[c], part);
+    return mean;
+}
+
+}  // namespace
+
+PicturePattern::PicturePattern(const Settings& settings)
+    : image_(ReadPng(std::filesystem::path(settings.File()).parent_path() / settings.NeedText("file"))) {}
+
+Sample PicturePattern::At(const Spot& spot, const Moment&) const {
+    return SampleOf(image_.At(WrapInt(FloorInt(spot.x), image_.width), WrapInt(FloorInt(spot.y), image_.height)));
+}
+
+MaterialPattern::MaterialPattern(const Settings& settings)
+    : image_(PaintMaterial(MaterialRecipe(settings.File(), settings.NeedText("material"))).picture),
+      zoom_(settings.Number("zoom", 1, 0.25F, 4)) {}
+
+Sample MaterialPattern::At(const Spot& spot, const Moment&) const {
+    const float x = spot.x / zoom_ - 0.5F;
+    const float y = spot.y / zoom_ - 0.5F;
+    const auto pixel = [&](int right, int down) {
+        return SampleOf(
+            image_.At(WrapInt(FloorInt(x) + right, image_.width), WrapInt(FloorInt(y) + down, image_.height)));
+    };
+    const float across = x - static_cast<float>(FloorInt(x));
+    const float down = y - static_cast<float>(FloorInt(y));
+    return Between(Between(pixel(0, 0), pixel(1, 0), across), Between(pixel(0, 1), pixel(1, 1), across), down);
 }

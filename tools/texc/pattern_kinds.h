@@ -172,3 +172,14 @@ public:
 private:
     Image image_;
 };
+
+// Another recipe's finished picture, smoothed where it is drawn larger or smaller.
+class MaterialPattern : public Pattern {
+public:
+    explicit MaterialPattern(const Settings& settings);
+    Sample At(const Spot& spot, const Moment&) const override;
+
+private:
+    Image image_;
+    float zoom_;  // texels here for one of the material
+};
