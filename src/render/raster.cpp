@@ -57,18 +57,95 @@ void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*
     }
 }
 
-void FillRows(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero) {
+// The rows that the points cover, as far as they lie inside the frame.
+void FindRows(const EdgePoint* points, int count) {
+    int32_t first = EDGE_TABLE_ROWS;
+    int32_t end = -EDGE_TABLE_ROWS;
+    for (int i = 0; i < count; i++) {
+        first = std::min(first, points[i].row);
+        end = std::max(end, points[i].row);
+    }
+    FirstRow = std::max(first, 0);
+    EndRow = std::min({end, ScreenHeight, EDGE_TABLE_ROWS});
+}
+
+void WalkEdges(const EdgePoint* points, int count) {
+    for (int i = 0; i < count; i++) {
+        const EdgePoint& from = points[i];
+        const EdgePoint& to = points[i + 1 < count ? i + 1 : 0];
+        if (to.y < from.y)
+            WalkEdge(to, from, &EdgeRow::right);
+        else
+            WalkEdge(from, to, &EdgeRow::left);
+    }
+}
+
+int MakeEdgePoints(const PolyRecord& polygon, EdgePoint* points) {
+    const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
+    for (int i = 0; i < polygon.cornerCount; i++)
+        points[i] = MakeEdgePoint(corners[i]);
+    return polygon.cornerCount;
+}
+
+void FillRows(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover) {
 #ifdef __x86_64__
-    if (UseAvx2Spans) return FillRowsAvx2(rows, texture, texelZero);
+    if (UseAvx2Spans) return FillRowsAvx2(rows, texture, texelZero, cover);
 #endif
-    FillRowsPortable(rows, texture, texelZero);
+    FillRowsPortable(rows, texture, texelZero, cover);
+}
+
+// Polygons that wait to be drawn front to back.
+struct KeptPolygon {
+    SpanTexture texture;
+    TexelZero texelZero;
+    int firstPoint, pointCount;
+};
+constexpr int MOST_KEPT = 4096;
+constexpr int MOST_KEPT_POINTS = 6 * MOST_KEPT;
+KeptPolygon kept[MOST_KEPT];
+EdgePoint keptPoints[MOST_KEPT_POINTS];
+int keptCount, keptPointCount;
+bool isKeeping;
+CoverRow cover[COVER_ROWS];
+
+bool RowIsFull(int32_t row) {
+    return cover[row].Holds(0, ScreenWidth);
+}
+
+void DrawKeptPolygon(const KeptPolygon& polygon) {
+    const EdgePoint* points = keptPoints + polygon.firstPoint;
+    FindRows(points, polygon.pointCount);
+    while (FirstRow < EndRow && RowIsFull(FirstRow))
+        FirstRow++;
+    while (FirstRow < EndRow && RowIsFull(EndRow - 1))
+        EndRow--;
+    if (FirstRow >= EndRow) return;
+    WalkEdges(points, polygon.pointCount);
+    FillRows({EdgeTable, FirstRow, EndRow}, polygon.texture, polygon.texelZero, cover);
+}
+
+void DrawKept() {
+    std::memset(cover, 0, sizeof(CoverRow) * static_cast<size_t>(ScreenHeight));
+    while (keptCount > 0)
+        DrawKeptPolygon(kept[--keptCount]);
+    keptPointCount = 0;
+}
+
+// What has been kept so far lies behind all that is still to come, so it may be drawn whenever there is no more room.
+void Keep(const PolyRecord& polygon, const SpanTexture& texture, TexelZero texelZero) {
+    if (keptCount == MOST_KEPT || keptPointCount + polygon.cornerCount > MOST_KEPT_POINTS) DrawKept();
+    const int count = MakeEdgePoints(polygon, keptPoints + keptPointCount);
+    kept[keptCount++] = {texture, texelZero, keptPointCount, count};
+    keptPointCount += count;
 }
 
 void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
-    const TextureRecord* texture = PolygonTexture(*polygon);
-    if (texture == nullptr || FrameBuffer == nullptr || !BuildEdgeTable(polygon)) return;
-    const uint32_t mask = (texture->height - 1u) * TEXTURE_PAGE_PITCH + (texture->width - 1u);
-    FillRows({EdgeTable, FirstRow, EndRow}, {TextureImage + texture->texelOffset, mask}, texelZero);
+    const TextureRecord* record = PolygonTexture(*polygon);
+    if (record == nullptr || FrameBuffer == nullptr) return;
+    const uint32_t mask = (record->height - 1u) * TEXTURE_PAGE_PITCH + (record->width - 1u);
+    const SpanTexture texture = {TextureImage + record->texelOffset, mask};
+    if (isKeeping) return Keep(*polygon, texture, texelZero);
+    if (BuildEdgeTable(polygon)) FillRows({EdgeTable, FirstRow, EndRow}, texture, texelZero, nullptr);
 }
 
 }  // namespace
@@ -89,28 +166,11 @@ void BuildReciprocalTable() {
 }
 
 bool BuildEdgeTable(const PolyRecord* polygon) {
-    const int count = polygon->cornerCount;
-    const PolyVertex* corners = WorldGeometry.polyVertices + polygon->firstVertex;
     EdgePoint points[MAX_CORNERS];
-    int32_t first = EDGE_TABLE_ROWS;
-    int32_t end = -EDGE_TABLE_ROWS;
-    for (int i = 0; i < count; i++) {
-        points[i] = MakeEdgePoint(corners[i]);
-        first = std::min(first, points[i].row);
-        end = std::max(end, points[i].row);
-    }
-    FirstRow = std::max(first, 0);
-    EndRow = std::min({end, ScreenHeight, EDGE_TABLE_ROWS});
+    const int count = MakeEdgePoints(*polygon, points);
+    FindRows(points, count);
     if (FirstRow >= EndRow) return false;
-
-    for (int i = 0; i < count; i++) {
-        const EdgePoint& from = points[i];
-        const EdgePoint& to = points[i + 1 < count ? i + 1 : 0];
-        if (to.y < from.y)
-            WalkEdge(to, from, &EdgeRow::right);
-        else
-            WalkEdge(from, to, &EdgeRow::left);
-    }
+    WalkEdges(points, count);
     return true;
 }
 
@@ -120,4 +180,13 @@ void RasterPolygon(const PolyRecord* polygon) {
 
 void RasterPolygonTransparent(const PolyRecord* polygon) {
     RasterTextured(polygon, TexelZero::Skipped);
+}
+
+void BeginBackToFront() {
+    isKeeping = ScreenWidth <= COVER_COLUMNS && ScreenHeight <= COVER_ROWS;
+}
+
+void EndBackToFront() {
+    if (isKeeping) DrawKept();
+    isKeeping = false;
 }

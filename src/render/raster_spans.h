@@ -3,6 +3,7 @@
 #pragma once
 
 #include "records/texture_records.h"
+#include "render/raster_cover.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -46,8 +47,10 @@ inline int32_t CeilFixed(int32_t fixed) {
     return static_cast<int32_t>((int64_t{fixed} + 0xFFFF) >> 16);
 }
 
-void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero);
-void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero);  // needs HasAvx2()
+// With `cover`, by row of the frame, only pixels that it does not hold are drawn, and it takes them in.
+void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover = nullptr);
+void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero,
+                  CoverRow* cover = nullptr);  // needs HasAvx2()
 
 bool HasAvx2();            // of this processor
 extern bool UseAvx2Spans;  // HasAvx2() unless a test or benchmark changes it

@@ -21,13 +21,15 @@ struct alignas(16) Word {
     uint16_t offsets[WORD_PIXELS];  // of the texels
     uint16_t shades[WORD_PIXELS];   // light level x 256
     uint8_t* pixels;
-    int32_t count;    // of an incomplete word
-    int32_t retreat;  // it is stored this much further left, to end inside the frame
+    uint8_t count;    // of an incomplete word
+    uint8_t retreat;  // it is stored this much further left, to end inside the frame
+    uint8_t covered;  // its pixels that are left as they are, one bit each
 };
 
 constexpr int32_t BATCH_PIXELS = 640;  // longer spans are left to the portable routine
 constexpr int32_t BATCH_WORDS = BATCH_PIXELS / WORD_PIXELS;
-constexpr int32_t BATCH_PARTS = 40;
+constexpr int32_t BATCH_PARTS = 120;
+constexpr int32_t SPAN_MOST_PARTS = BATCH_WORDS + 1;
 
 // Complete and incomplete words lie apart, so that drawing them takes no branch that depends on a span's length. A
 // block writes two complete words and keeps as many as it has.
@@ -35,6 +37,13 @@ struct Batch {
     Word words[BATCH_WORDS + 2];
     Word parts[BATCH_PARTS];
     int32_t wordCount, partCount;
+};
+
+// Where a span lies in the frame.
+struct Place {
+    uint8_t* pixels;
+    int32_t x;
+    const CoverRow* cover;  // null: nothing is covered
 };
 
 // u, v and light of a pixel in the low three lanes, 8.8 fixed point.
@@ -71,72 +80,102 @@ AVX2_CODE inline void PutWord(Word& word, uint8_t* pixels, __m128i offsets, __m1
     word.pixels = pixels;
 }
 
-// 1..16 pixels.
-AVX2_CODE inline void AddBlock(Batch& batch, uint8_t* pixels, int32_t count, Values value, Values step,
-                               uint32_t textureMask) {
+struct Block {
+    __m128i offsets[2], shades[2];  // of two words
+};
+
+AVX2_CODE inline Block MakeBlock(Values value, Values step, uint32_t textureMask) {
     const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
     const __m256i column = _mm256_srli_epi16(AtPixels<0>(value, step), 8);
     const __m256i line = _mm256_and_si256(AtPixels<1>(value, step), highByte);
     const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(textureMask));
     const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
     const __m256i shades = _mm256_and_si256(AtPixels<2>(value, step), highByte);
-    const __m128i offsetHalves[2] = {_mm256_castsi256_si128(offsets), _mm256_extracti128_si256(offsets, 1)};
-    const __m128i shadeHalves[2] = {_mm256_castsi256_si128(shades), _mm256_extracti128_si256(shades, 1)};
-    Word* const words = batch.words + batch.wordCount;
-    PutWord(words[0], pixels, offsetHalves[0], shadeHalves[0]);
-    PutWord(words[1], pixels + WORD_PIXELS, offsetHalves[1], shadeHalves[1]);
-    const int32_t complete = count / WORD_PIXELS;
-    const int32_t rest = count % WORD_PIXELS;
-    batch.wordCount += complete;
-    if (rest == 0) return;
-    const __m128i isSecond = _mm_set1_epi32(-complete);
-    Word& part = batch.parts[batch.partCount++];
-    PutWord(part, pixels + complete * WORD_PIXELS, _mm_blendv_epi8(offsetHalves[0], offsetHalves[1], isSecond),
-            _mm_blendv_epi8(shadeHalves[0], shadeHalves[1], isSecond));
-    part.count = rest;
+    return {{_mm256_castsi256_si128(offsets), _mm256_extracti128_si256(offsets, 1)},
+            {_mm256_castsi256_si128(shades), _mm256_extracti128_si256(shades, 1)}};
 }
 
-AVX2_CODE inline void AddShortSpan(Batch& batch, uint8_t* pixels, int32_t count, __m128 start, __m128 right,
+// A part of a word that lies at column x.
+AVX2_CODE inline void AddPart(Batch& batch, const Block& block, int32_t word, const Place& place, int32_t count,
+                              uint32_t covered) {
+    const __m128i isSecond = _mm_set1_epi32(-word);
+    Word& part = batch.parts[batch.partCount++];
+    PutWord(part, place.pixels, _mm_blendv_epi8(block.offsets[0], block.offsets[1], isSecond),
+            _mm_blendv_epi8(block.shades[0], block.shades[1], isSecond));
+    part.count = static_cast<uint8_t>(count);
+    part.retreat = static_cast<uint8_t>(std::max(0, place.x + WORD_PIXELS - ScreenWidth));
+    part.covered = static_cast<uint8_t>(covered);
+}
+
+// 1..16 pixels of which some are covered.
+AVX2_CODE inline void AddCoveredBlock(Batch& batch, const Block& block, const Place& place, int32_t count,
+                                      uint32_t covered) {
+    for (int32_t word = 0; word * WORD_PIXELS < count; word++) {
+        const int32_t skipped = word * WORD_PIXELS;
+        const int32_t rest = std::min(count - skipped, WORD_PIXELS);
+        const uint32_t bits = covered >> skipped & 0xFF;
+        const uint32_t all = 0xFFu >> (WORD_PIXELS - rest);
+        const Place at = {place.pixels + skipped, place.x + skipped, nullptr};
+        if ((bits & all) == 0 && rest == WORD_PIXELS)
+            PutWord(batch.words[batch.wordCount++], at.pixels, block.offsets[word], block.shades[word]);
+        else if ((bits & all) != all)
+            AddPart(batch, block, word, at, rest, bits);
+    }
+}
+
+// 1..16 pixels.
+AVX2_CODE inline void AddBlock(Batch& batch, const Place& place, int32_t count, Values value, Values step,
+                               uint32_t textureMask) {
+    const Block block = MakeBlock(value, step, textureMask);
+    const uint32_t covered = place.cover != nullptr ? place.cover->At(place.x) : 0;
+    if (covered != 0) return AddCoveredBlock(batch, block, place, count, covered);
+    Word* const words = batch.words + batch.wordCount;
+    PutWord(words[0], place.pixels, block.offsets[0], block.shades[0]);
+    PutWord(words[1], place.pixels + WORD_PIXELS, block.offsets[1], block.shades[1]);
+    const int32_t complete = count / WORD_PIXELS;
+    batch.wordCount += complete;
+    if (count % WORD_PIXELS == 0) return;
+    const int32_t skipped = complete * WORD_PIXELS;
+    AddPart(batch, block, complete, {place.pixels + skipped, place.x + skipped, nullptr}, count % WORD_PIXELS, 0);
+}
+
+AVX2_CODE inline void AddShortSpan(Batch& batch, const Place& place, int32_t count, __m128 start, __m128 right,
                                    float perPixel, uint32_t textureMask) {
     // One division serves both ends.
     const __m128 depths = _mm_div_ps(_mm_set1_ps(1.0f), _mm_unpackhi_ps(start, right));
     const __m128 startDepth = _mm_permute_ps(depths, _MM_SHUFFLE(2, 2, 2, 2));
     const Values value = _mm_cvtps_epi32(_mm_mul_ps(start, startDepth));
     const Values step = StepTowards(_mm_mul_ps(right, LastLane(depths)), value, perPixel);
-    AddBlock(batch, pixels, count, value, step, textureMask);
+    AddBlock(batch, place, count, value, step, textureMask);
 }
 
-AVX2_CODE inline void AddLongSpan(Batch& batch, uint8_t* pixels, int32_t count, __m128 position, __m128 right,
+AVX2_CODE inline void AddLongSpan(Batch& batch, Place place, int32_t count, __m128 position, __m128 right,
                                   __m128 change, float perPixel, uint32_t textureMask) {
     const __m128 blockChange = _mm_mul_ps(_mm_mul_ps(_mm_set1_ps(SPAN_BLOCK), change), _mm_set1_ps(perPixel));
     Values value = DividedByDepth(position);
-    for (; count >= SPAN_BLOCK; count -= SPAN_BLOCK, pixels += SPAN_BLOCK) {
+    for (; count >= SPAN_BLOCK; count -= SPAN_BLOCK, place.pixels += SPAN_BLOCK, place.x += SPAN_BLOCK) {
         position = _mm_add_ps(position, blockChange);
         const Values end = DividedByDepth(position);
-        AddBlock(batch, pixels, SPAN_BLOCK, value, _mm_srai_epi32(_mm_sub_epi32(end, value), 4), textureMask);
+        AddBlock(batch, place, SPAN_BLOCK, value, _mm_srai_epi32(_mm_sub_epi32(end, value), 4), textureMask);
         value = end;
     }
     if (count == 0) return;
     const Values step = StepTowards(_mm_div_ps(right, LastLane(right)), value, ReciprocalTable[count]);
-    AddBlock(batch, pixels, count, value, step, textureMask);
+    AddBlock(batch, place, count, value, step, textureMask);
 }
 
-AVX2_CODE inline void AddRow(Batch& batch, const EdgeRow& row, uint8_t* pixels, int32_t begin, int32_t count,
+AVX2_CODE inline void AddRow(Batch& batch, const EdgeRow& row, const Place& place, int32_t count,
                              uint32_t textureMask) {
     const float perPixel = ReciprocalTable[count];
-    const float preStep = static_cast<float>(begin * 65536 - row.left.x) / 65536;
+    const float preStep = static_cast<float>(place.x * 65536 - row.left.x) / 65536;
     const __m128 left = _mm_loadu_ps(&row.left.u);
     const __m128 right = _mm_loadu_ps(&row.right.u);
     const __m128 change = _mm_sub_ps(right, left);
     const __m128 start = _mm_add_ps(left, _mm_mul_ps(change, _mm_set1_ps(preStep * perPixel)));
     if (count < SPAN_BLOCK)
-        AddShortSpan(batch, pixels, count, start, right, perPixel, textureMask);
+        AddShortSpan(batch, place, count, start, right, perPixel, textureMask);
     else
-        AddLongSpan(batch, pixels, count, start, right, change, perPixel, textureMask);
-    if (count % WORD_PIXELS != 0) {
-        const int32_t wordEnd = begin + (count | (WORD_PIXELS - 1)) + 1;
-        batch.parts[batch.partCount - 1].retreat = std::max(0, wordEnd - ScreenWidth);
-    }
+        AddLongSpan(batch, place, count, start, right, change, perPixel, textureMask);
 }
 
 // One pixel a byte; `found` are their texels.
@@ -181,6 +220,23 @@ AVX2_CODE inline void StoreWord(uint8_t* destination, Pixels pixels) {
     _mm_storel_epi64(Destination(destination), pixels.colours);
 }
 
+// 0xFF for each bit.
+AVX2_CODE inline __m128i BytesOf(uint32_t bits) {
+    const __m128i bit = _mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201));
+    return _mm_cmpeq_epi8(_mm_and_si128(_mm_set1_epi8(static_cast<char>(bits)), bit), bit);
+}
+
+// Takes the pixels of a word in whose texels are not 0.
+AVX2_CODE inline void CoverFound(CoverRow* cover, const Word& word, int32_t count, Pixels pixels) {
+    const ptrdiff_t place = word.pixels - FrameBuffer;
+    CoverRow& row = cover[place / FramePitch];
+    const int32_t x = static_cast<int32_t>(place % FramePitch);
+    const int holes = _mm_movemask_epi8(_mm_cmpeq_epi8(pixels.found, _mm_setzero_si128()));
+    for (int32_t i = 0; i < count; i++) {
+        if ((holes >> i & 1) == 0) row.Add(x + i, x + i + 1);
+    }
+}
+
 // The first pixels of a word; what lies beside them is stored as it was.
 template <TexelZero ZERO>
 AVX2_CODE inline void StorePart(const Word& word, Pixels pixels) {
@@ -191,6 +247,7 @@ AVX2_CODE inline void StorePart(const Word& word, Pixels pixels) {
     __m128i kept = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask));
     kept = _mm_or_si128(kept, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask + WORD_PIXELS - word.count)));
     const __m128i shift = _mm_cvtsi32_si128(8 * word.retreat);
+    kept = _mm_or_si128(kept, _mm_sll_epi64(BytesOf(word.covered), shift));
     if (ZERO == TexelZero::Skipped) {
         const __m128i holes = _mm_cmpeq_epi8(pixels.found, _mm_setzero_si128());
         kept = _mm_or_si128(kept, _mm_sll_epi64(holes, shift));
@@ -201,16 +258,23 @@ AVX2_CODE inline void StorePart(const Word& word, Pixels pixels) {
 }
 
 template <TexelZero ZERO>
-AVX2_CODE inline void DrawBatch(Batch& batch, const uint8_t* texels) {
-    for (int32_t i = 0; i < batch.wordCount; i++)
-        StoreWord<ZERO>(batch.words[i].pixels, ShadeWord(batch.words[i], texels));
-    for (int32_t i = 0; i < batch.partCount; i++)
-        StorePart<ZERO>(batch.parts[i], ShadeWord(batch.parts[i], texels));
+AVX2_CODE inline void DrawBatch(Batch& batch, const uint8_t* texels, CoverRow* cover) {
+    for (int32_t i = 0; i < batch.wordCount; i++) {
+        const Pixels pixels = ShadeWord(batch.words[i], texels);
+        StoreWord<ZERO>(batch.words[i].pixels, pixels);
+        if (ZERO == TexelZero::Skipped && cover != nullptr) CoverFound(cover, batch.words[i], WORD_PIXELS, pixels);
+    }
+    for (int32_t i = 0; i < batch.partCount; i++) {
+        const Word& part = batch.parts[i];
+        const Pixels pixels = ShadeWord(part, texels);
+        StorePart<ZERO>(part, pixels);
+        if (ZERO == TexelZero::Skipped && cover != nullptr) CoverFound(cover, part, part.count, pixels);
+    }
     batch.wordCount = batch.partCount = 0;
 }
 
 template <TexelZero ZERO>
-AVX2_CODE void FillRows(const EdgeRows& rows, SpanTexture texture) {
+AVX2_CODE void FillRows(const EdgeRows& rows, SpanTexture texture, CoverRow* cover) {
     Batch batch;
     batch.wordCount = batch.partCount = 0;
     for (int32_t y = rows.first; y < rows.end; y++) {
@@ -220,24 +284,26 @@ AVX2_CODE void FillRows(const EdgeRows& rows, SpanTexture texture) {
         const int32_t count = end - begin;
         if (count <= 0) continue;
         if (begin < 0 || end > ScreenWidth || count > BATCH_PIXELS) {
-            FillRowsPortable({rows.table, y, y + 1}, texture, ZERO);
+            FillRowsPortable({rows.table, y, y + 1}, texture, ZERO, cover);
             continue;
         }
-        if (batch.wordCount + count / WORD_PIXELS > BATCH_WORDS || batch.partCount == BATCH_PARTS)
-            DrawBatch<ZERO>(batch, texture.texels);
+        if (cover != nullptr && cover[y].Holds(begin, end)) continue;
+        if (batch.wordCount + count / WORD_PIXELS > BATCH_WORDS || batch.partCount + SPAN_MOST_PARTS > BATCH_PARTS)
+            DrawBatch<ZERO>(batch, texture.texels, cover);
         uint8_t* const pixels = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch + begin;
-        AddRow(batch, row, pixels, begin, count, texture.mask);
+        AddRow(batch, row, {pixels, begin, cover != nullptr ? cover + y : nullptr}, count, texture.mask);
+        if (ZERO == TexelZero::Drawn && cover != nullptr) cover[y].Add(begin, end);
     }
-    DrawBatch<ZERO>(batch, texture.texels);
+    DrawBatch<ZERO>(batch, texture.texels, cover);
 }
 
 }  // namespace
 
-void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero) {
+void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover) {
     if (texelZero == TexelZero::Drawn)
-        FillRows<TexelZero::Drawn>(rows, texture);
+        FillRows<TexelZero::Drawn>(rows, texture, cover);
     else
-        FillRows<TexelZero::Skipped>(rows, texture);
+        FillRows<TexelZero::Skipped>(rows, texture, cover);
 }
 
 #endif

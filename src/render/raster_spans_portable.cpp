@@ -100,6 +100,23 @@ void AddLongSpan(Batch& batch, uint8_t* row, int32_t x, int32_t count, const Edg
     AddRun(batch, row, x, count, value, step);
 }
 
+// Where the cover does not hold the pixels yet.
+template <TexelZero ZERO>
+void DrawRunBehind(Run run, SpanTexture texture, CoverRow* cover) {
+    const ptrdiff_t place = run.pixels - FrameBuffer;
+    CoverRow& row = cover[place / FramePitch];
+    const int32_t x = static_cast<int32_t>(place % FramePitch);
+    SpanValues value = run.value;
+    for (int32_t i = 0; i < run.count; i++) {
+        const uint8_t texel = texture.texels[((value.v & 0xFF00) | (value.u >> 8 & 0xFF)) & texture.mask];
+        if ((ZERO == TexelZero::Drawn || texel != 0) && !row.Holds(x + i, x + i + 1)) {
+            run.pixels[i] = ShadeTable[(value.light & 0xFF00) | texel];
+            row.Add(x + i, x + i + 1);
+        }
+        value = Advanced(value, run.step, 1);
+    }
+}
+
 // By value: as far as the compiler knows, the pixels written could change what is passed by reference.
 template <TexelZero ZERO>
 void DrawRun(Run run, SpanTexture texture) {
@@ -113,14 +130,18 @@ void DrawRun(Run run, SpanTexture texture) {
 }
 
 template <TexelZero ZERO>
-void DrawBatch(Batch& batch, const SpanTexture& texture) {
-    for (int32_t i = 0; i < batch.count; i++)
-        DrawRun<ZERO>(batch.runs[i], texture);
+void DrawBatch(Batch& batch, const SpanTexture& texture, CoverRow* cover) {
+    for (int32_t i = 0; i < batch.count; i++) {
+        if (cover != nullptr)
+            DrawRunBehind<ZERO>(batch.runs[i], texture, cover);
+        else
+            DrawRun<ZERO>(batch.runs[i], texture);
+    }
     batch.count = 0;
 }
 
 template <TexelZero ZERO>
-void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
+void FillRows(const EdgeRows& rows, const SpanTexture& texture, CoverRow* cover) {
     Batch batch;
     batch.count = 0;
     for (int32_t y = rows.first; y < rows.end; y++) {
@@ -129,7 +150,7 @@ void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
         const int32_t x = CeilFixed(left.x);
         const int32_t count = CeilFixed(right.x) - x;
         if (count <= 0 || count >= RECIPROCAL_COUNT) continue;
-        if (batch.count + SpanBlocks(count) > SPAN_MOST_BLOCKS) DrawBatch<ZERO>(batch, texture);
+        if (batch.count + SpanBlocks(count) > SPAN_MOST_BLOCKS) DrawBatch<ZERO>(batch, texture, cover);
         const float preStep = static_cast<float>(int64_t{x} * 65536 - left.x) / 65536;
         const EdgeHalf start = SpanStart(left, right, preStep * ReciprocalTable[count]);
         uint8_t* const row = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch;
@@ -138,14 +159,14 @@ void FillRows(const EdgeRows& rows, const SpanTexture& texture) {
         else
             AddLongSpan(batch, row, x, count, left, start, right);
     }
-    DrawBatch<ZERO>(batch, texture);
+    DrawBatch<ZERO>(batch, texture, cover);
 }
 
 }  // namespace
 
-void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero) {
+void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover) {
     if (texelZero == TexelZero::Drawn)
-        FillRows<TexelZero::Drawn>(rows, texture);
+        FillRows<TexelZero::Drawn>(rows, texture, cover);
     else
-        FillRows<TexelZero::Skipped>(rows, texture);
+        FillRows<TexelZero::Skipped>(rows, texture, cover);
 }

@@ -126,6 +126,27 @@ TEST_F(Raster, SurvivesAnyInputAlikeOnEveryProcessor) {
     }
 }
 
+// Sparse enough to leave gaps at first, then more than are kept at once.
+TEST_P(Raster, DrawsTheSamePictureFrontToBack) {
+    for (const int count : {12, 60, 5000}) {
+        const std::mt19937 before = random;
+        std::vector<uint8_t> pictures[2];
+        for (std::vector<uint8_t>& picture : pictures) {
+            random = before;
+            FillFrame(0x77);
+            if (&picture != pictures) BeginBackToFront();
+            for (int i = 0; i < count; i++) {
+                const ScreenCorners corners = Round(Uniform(-20, 220), Uniform(-20, 80), std::exp(Uniform(0, 5)), 5);
+                const PolyRecord* polygon = MakePolygon(corners, Texture());
+                i % 2 == 0 ? RasterPolygonTransparent(polygon) : RasterPolygon(polygon);
+            }
+            EndBackToFront();
+            picture = FramePixels();
+        }
+        EXPECT_EQ(pictures[0], pictures[1]) << count << " polygons";
+    }
+}
+
 // A frame that ends at a page which must not be touched, and polygons that end in its last pixels.
 TEST_F(Raster, TouchesNothingBehindTheLastPixel) {
     const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
