@@ -1,5 +1,6 @@
 #include "mapc/emit.h"
 
+#include <algorithm>
 #include <map>
 #include <tuple>
 #include <unordered_map>
@@ -94,26 +95,26 @@ private:
         return static_cast<uint32_t>(entry->second);
     }
 
-    // Of the contacts in a leaf the last decides how a step is taken: treads come first, then walls, risers last.
-    int ContactOrder(const MeshPolygon& polygon) const {
+    // Where polygons of a leaf are touched at once, each has its own say in how a step is taken, and what comes after a
+    // step lifts the player to its own top: treads come first, then walls, risers last, the tallest first among each.
+    std::pair<int, double> ContactOrder(const MeshPolygon& polygon) const {
         const double up = brushes_.planes[polygon.plane].normal.z;
-        if (up > TREAD_SLOPE) return 0;
+        if (up > TREAD_SLOPE) return {0, 0};
         Box box;
         for (const int corner : polygon.corners)
             box.Add(mesh_.vertices[static_cast<size_t>(corner)]);
         const bool low = (box.max.z - box.min.z) * placement_.scale <= STEP_HEIGHT;
-        return up > -STEEP && low ? 2 : 1;
+        return {up > -STEEP && low ? 2 : 1, -box.max.z};
     }
 
-    void EmitLeaf(const std::vector<MeshPolygon>& polygons) {
+    void EmitLeaf(std::vector<MeshPolygon> polygons) {
         WorldLeaf leaf;
         leaf.firstPolygon = static_cast<uint16_t>(world_.polygons.size());
         leaf.polygonCount = static_cast<uint16_t>(polygons.size());
-        for (int order = 0; order < 3; ++order) {
-            for (const MeshPolygon& polygon : polygons) {
-                if (ContactOrder(polygon) == order) EmitPolygon(polygon);
-            }
-        }
+        std::stable_sort(polygons.begin(), polygons.end(),
+                         [&](const MeshPolygon& a, const MeshPolygon& b) { return ContactOrder(a) < ContactOrder(b); });
+        for (const MeshPolygon& polygon : polygons)
+            EmitPolygon(polygon);
         leafBoxes_.push_back(BoxOfLeaf(polygons));
         SetLeafBox(polygons, leaf);
         world_.leaves.push_back(leaf);
