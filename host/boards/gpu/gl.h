@@ -65,7 +65,6 @@
     F(Uniform1i, UNIFORM1I)                                                                                            \
     F(Uniform2f, UNIFORM2F)                                                                                            \
     F(Uniform2fv, UNIFORM2FV)                                                                                          \
-    F(Uniform2i, UNIFORM2I)                                                                                            \
     F(Uniform3f, UNIFORM3F)                                                                                            \
     F(UseProgram, USEPROGRAM)                                                                                          \
     F(VertexAttribPointer, VERTEXATTRIBPOINTER)                                                                        \

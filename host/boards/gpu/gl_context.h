@@ -9,8 +9,8 @@
 // For SDL's next window that draws with OpenGL.
 void AskForGlContext();
 
-// Makes the functions of gl.h usable on this thread, as often as wanted; the hidden window stays until the program ends.
-// False: `error` says why there is no context.
+// Makes the functions of gl.h usable on this thread, as often as wanted; the hidden window stays until the program
+// ends. False: `error` says why there is no context.
 bool EnterGl(std::string& error);
 
 bool GlIsSoftware();  // the processor draws, not a graphics card

@@ -15,14 +15,8 @@ uint32_t GpuBoardScale = 1;
 
 namespace {
 
-struct GpuTexture {
-    GLuint name = 0;
-    GLint firstLod = 0, lastLod = 0;
-    GLfloat scaleS = 0, scaleT = 0;  // from texture units to 0..1
-};
-
 struct Uniforms {
-    GLint isLine, mapScale, lods, alphaReference, addsAlpha, hasFog, fogColour, fog;
+    GLint isLine, alphaReference, addsAlpha, hasFog, fogColour, fog;
 };
 
 struct Buffer {
@@ -34,7 +28,7 @@ GLuint samplers[4];  // wrapping in s: 1, in t: 2
 Uniforms uniforms;
 Buffer back, front;
 GLsizei width = 0, height = 0;
-std::vector<GpuTexture> textures;
+std::vector<GLuint> textures;
 
 std::vector<uint32_t> frontPixels;
 bool frontIsRead = false;
@@ -45,8 +39,7 @@ std::optional<BoardState> current;
 
 Uniforms FindUniforms() {
     const auto find = [](const char* name) { return gl::GetUniformLocation(program, name); };
-    return {find("isLine"),    find("mapScale"), find("lods"),      find("alphaReference"),
-            find("addsAlpha"), find("hasFog"),   find("fogColour"), find("fog")};
+    return {find("isLine"), find("alphaReference"), find("addsAlpha"), find("hasFog"), find("fogColour"), find("fog")};
 }
 
 void MakeVertexArray() {
@@ -116,8 +109,7 @@ bool MakeBuffers(std::string& error) {
 }
 
 void Close() {
-    for (const GpuTexture& texture : textures)
-        gl::DeleteTextures(1, &texture.name);
+    gl::DeleteTextures(static_cast<GLsizei>(textures.size()), textures.data());
     textures.clear();
     for (Buffer* buffer : {&back, &front}) {
         gl::DeleteFramebuffers(1, &buffer->frame);
@@ -147,10 +139,9 @@ bool Open(std::string& error) {
 
 void LoadTexture(uint32_t number, TextureImage image) {
     if (textures.size() <= number) textures.resize(number + 1);
-    GpuTexture& texture = textures[number];
-    if (texture.name == 0) gl::GenTextures(1, &texture.name);
+    if (textures[number] == 0) gl::GenTextures(1, &textures[number]);
     gl::ActiveTexture(GL_TEXTURE0);
-    gl::BindTexture(GL_TEXTURE_2D, texture.name);
+    gl::BindTexture(GL_TEXTURE_2D, textures[number]);
     gl::PixelStorei(GL_UNPACK_ALIGNMENT, 4);
     const auto levels = static_cast<GLint>(image.levels.size());
     for (GLint i = 0; i < levels; ++i) {
@@ -160,13 +151,6 @@ void LoadTexture(uint32_t number, TextureImage image) {
                        level.texels.data());
     }
     gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, levels - 1);
-    const auto across = static_cast<GLfloat>(image.levels.front().width);
-    const auto down = static_cast<GLfloat>(image.levels.front().height);
-    const GLfloat longer = std::max(across, down);
-    texture.firstLod = image.firstLod;
-    texture.lastLod = image.firstLod + levels - 1;
-    texture.scaleS = longer / (256 * across);
-    texture.scaleT = longer / (256 * down);
 }
 
 void SetFog(const FogTable& fog) {
@@ -180,13 +164,6 @@ void SetFog(const FogTable& fog) {
                   static_cast<GLfloat>(fog.colour >> 8 & 0xFF), static_cast<GLfloat>(fog.colour & 0xFF));
 }
 
-void SetTexture(uint32_t number) {
-    const GpuTexture& texture = textures[number];
-    gl::BindTexture(GL_TEXTURE_2D, texture.name);
-    gl::Uniform2f(uniforms.mapScale, texture.scaleS, texture.scaleT);
-    gl::Uniform2i(uniforms.lods, texture.firstLod, texture.lastLod);
-}
-
 void SetDepthTest(const BoardState& state) {
     if (state.testsDepth || state.writesDepth)
         gl::Enable(GL_DEPTH_TEST);
@@ -198,7 +175,7 @@ void SetDepthTest(const BoardState& state) {
 
 void SetState(const BoardState& state) {
     const auto changes = [&](auto BoardState::*field) { return !current || state.*field != (*current).*field; };
-    if (changes(&BoardState::texture)) SetTexture(state.texture);
+    if (changes(&BoardState::texture)) gl::BindTexture(GL_TEXTURE_2D, textures[state.texture]);
     if (changes(&BoardState::wrapS) || changes(&BoardState::wrapT))
         gl::BindSampler(0, samplers[(state.wrapS ? 1 : 0) + (state.wrapT ? 2 : 0)]);
     if (changes(&BoardState::addsAlpha)) gl::Uniform1i(uniforms.addsAlpha, state.addsAlpha);

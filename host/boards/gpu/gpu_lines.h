@@ -1,4 +1,5 @@
-// Lines as triangles that cover the same pixels: one in each column, or in each row of a steep line, both ends included.
+// Lines as triangles that cover the same pixels: one in each column, or in each row of a steep line, both ends
+// included.
 #pragma once
 
 #include "boards/board.h"

@@ -25,8 +25,6 @@ out vec4 pixel;
 
 uniform bool isLine;         // nothing but its colour
 uniform sampler2D map;
-uniform vec2 mapScale;       // from s and t to 0..1
-uniform ivec2 lods;          // of the map's largest and smallest level
 uniform int alphaReference;  // -1: no test
 uniform bool addsAlpha;
 uniform bool hasFog;
@@ -39,15 +37,25 @@ int depthOf(float oow) {
     return bits <= 0 ? 0xFFFF : clamp((0x3F800000 - bits + 0x7FF) >> 11, 0, 0xFFFF);
 }
 
-// The level whose texels are nearest to the size of pixels, counted from the largest one.
-float levelAt(vec2 st, float w) {
+// Of the power of two that is not greater.
+int exponentOf(float value) {
+    return (floatBitsToInt(value) >> 23 & 0xFF) - 127;
+}
+
+// The level whose texels are nearest to the size of pixels, were the largest one 256 texels long.
+int lodAt(vec2 st, float w) {
     vec3 toRight = dFdx(overW);
     vec3 down = dFdy(overW);
     vec2 perColumn = (toRight.yz - st * toRight.x) * w;
     vec2 perRow = (down.yz - st * down.x) * w;
-    float longer = max(dot(perColumn, perColumn), dot(perRow, perRow));
-    int exponent = (floatBitsToInt(longer) >> 23 & 0xFF) - 127;
-    return float(clamp((exponent + 1) >> 1, lods.x, lods.y) - lods.x);
+    return (exponentOf(max(dot(perColumn, perColumn), dot(perRow, perRow))) + 1) >> 1;
+}
+
+vec4 texelAt(vec2 st, float w) {
+    vec2 size = vec2(textureSize(map, 0));
+    float longer = max(size.x, size.y);
+    int level = lodAt(st, w) - 8 + exponentOf(longer);  // OpenGL keeps to those there are
+    return textureLod(map, st / 256.0 * longer / size, float(level));
 }
 
 vec3 foggy(vec3 colour, int depth) {
@@ -66,7 +74,7 @@ void main() {
     int depth = depthOf(overW.x);
     float w = 1.0 / overW.x;
     vec2 st = overW.yz * w;
-    vec4 texel = floor(textureLod(map, st * mapScale, levelAt(st, w)) * 255.0 + 0.5);
+    vec4 texel = floor(texelAt(st, w) * 255.0 + 0.5);
     if (alphaReference >= 0 && int(texel.a) != alphaReference) discard;
     vec3 colour = floor(texel.rgb * (scales.rgb + 1.0) / 256.0);
     if (addsAlpha) colour = min(colour + scales.a, 255.0);
