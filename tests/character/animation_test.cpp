@@ -157,16 +157,4 @@ TEST_F(Animation, AnImpulseStandsAloneInItsFrameAndTheGroundDriveNeedsGround) {
     EXPECT_EQ(actor_.localMove.z, 0.0f);
 }
 
-TEST_F(Animation, AHigherLayerTakesTheBonesThatTheLowerOneLeavesStill) {
-    std::vector<BoneTracks> still = {StillBone(), StillBone(), StillBone()};
-    std::vector<BoneTracks> waving = still;
-    waving[1].rotations = {{10, NO_TURN}, {110, QUARTER_ABOUT_Y}};
-    Load(AnimationImage(200, {0, 1}, still), records_[0]);
-    Load(AnimationImage(200, {0, 1}, waving), records_[1]);
-    states_[0].animations[1] = 1;
-    actor_.layerTimes[1] = 110;
-    PoseAt(10);
-    EXPECT_NEAR(bones_[1].world.r[0], 0.0, 1e-6);
-}
-
 }  // namespace

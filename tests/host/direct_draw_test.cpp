@@ -66,29 +66,6 @@ protected:
     IDirectDrawSurface* offscreen_ = nullptr;
 };
 
-TEST_F(Display, APaletteChangesThePictureBeingShownAtOnce) {
-    Open(320, 240, 8);
-    Fill(back_, 255);
-    primary_->Flip(nullptr, DDFLIP_WAIT);
-    EXPECT_EQ(FrontPicture()->pixels[0], 0xFFFFFFu) << "the system's last colour";
-    PALETTEENTRY entries[256] = {};
-    entries[255] = {252, 8, 4, PC_NOCOLLAPSE};
-    IDirectDrawPalette* palette = nullptr;
-    ASSERT_EQ(directDraw_->CreatePalette(DDPCAPS_8BIT, entries, &palette, nullptr), DD_OK);
-    EXPECT_EQ(primary_->SetPalette(palette), DD_OK);
-    EXPECT_EQ(FrontPicture()->pixels[0], 0xFC0804u);
-    entries[255].peRed = 16;
-    const uint32_t presents = PresentCount();
-    EXPECT_EQ(palette->SetEntries(0, 0, 256, entries), DD_OK);
-    EXPECT_EQ(FrontPicture()->pixels[0], 0x100804u);
-    EXPECT_EQ(PresentCount(), presents + 1);
-    EXPECT_NE(palette->SetEntries(0, 1, 256, entries), DD_OK);
-    palette->Release();  // the surface holds it still
-    primary_->Release();
-    primary_ = nullptr;
-    EXPECT_EQ(FrontPicture()->pixels[320 * 240 - 1], 0x100804u) << "it stays when the surfaces are gone";
-}
-
 TEST_F(Display, BlitsStretchToTheNearestPixelAndStayInsideTheirRectangles) {
     Open(320, 240, 8);
     const RECT left{0, 0, 1, 1};

@@ -3,20 +3,13 @@
 #include "math/vectors.h"
 
 #include "camera/camera_tables.h"
-#include "memory/pool.h"
-#include "support/throwing_fatal.h"
 #include "support/tiny_world.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <random>
 #include <vector>
 
 namespace {
-
-float Length(const Vec3& v) {
-    return std::hypot(v.x, v.y, v.z);
-}
 
 void ExpectNear(const Vec3& a, const Vec3& b, double tolerance) {
     EXPECT_NEAR(a.x, b.x, tolerance);
@@ -82,26 +75,4 @@ TEST(GeometryPasses, PointOnPlaneIsInFrontInAllFourSideTests) {
         EXPECT_EQ(PolySideOfPoint(0, x, 7, 8), side) << x;
         EXPECT_EQ(PolySideOfCamera(0), side) << x;
     }
-}
-
-TEST(GeometryPasses, VertexNormalsAverageThePlanesOfTheirPolygons) {
-    TinyWorld world;
-    // A floor of two squares along x = 0 and a wall that stands at its end.
-    world.AddLeaf({{{0, 0, 0}, {1, 0, 0}, {1, 0, 1}, {0, 0, 1}},
-                   {{0, 0, 1}, {1, 0, 1}, {1, 0, 2}, {0, 0, 2}},
-                   {{0, 0, 1}, {0, 1, 0}, {0, 0, 0}}});
-    world.Publish();
-    std::vector<uint8_t> pool(1 << 20);
-    PoolInit(pool.data(), pool.data() + pool.size());
-    const uint32_t freeBefore = PoolFreeTotal();
-    GenerateVertexNormals();
-    EXPECT_EQ(PoolFreeTotal(), freeBefore);
-    const WorldPoint* points = WorldGeometry.points;
-    ExpectNear(points[1].normal, {0, -1, 0}, 1e-6);
-    EXPECT_NEAR(Length(points[0].normal), std::sqrt(0.5), 1e-6);  // one floor, one wall
-    EXPECT_NEAR(std::abs(points[3].normal.y), 2.0 / 3.0, 1e-6);   // two floors, one wall
-    EXPECT_NEAR(std::abs(points[3].normal.x), 1.0 / 3.0, 1e-6);
-    PoolMalloc(PoolFreeTotal() - 64);
-    EXPECT_THROW(GenerateVertexNormals(), FatalThrown) << "the pool is full";
-    PoolForget();
 }

@@ -103,22 +103,6 @@ TEST_F(DisplayTest, WithoutAFittingModeNothingStaysOpenAndCallsAreHarmless) {
     EXPECT_EQ(ShowBitmap("small.bmp"), 1);
 }
 
-TEST_F(DisplayTest, ModeTableSkipsNeighbouringDoublesAndStopsAtItsLimit) {
-    std::vector<ScreenMode> modes = {{640, 480, 16}, {640, 480, 16}, {640, 480, 8}, {640, 480, 16}};
-    SetScreenModes(modes);
-    ASSERT_TRUE(OpenFrontEnd());
-    EXPECT_EQ(DisplayModeCount, 3);
-    CloseDisplay();
-    for (uint32_t i = 0; i < 200; i++)
-        modes.push_back({1000 + i, 1000, 16});
-    SetScreenModes(modes);
-    for (int i = 0; i < 2; i++) {
-        ASSERT_TRUE(OpenFrontEnd());
-        EXPECT_EQ(DisplayModeCount, DISPLAY_MODE_LIMIT);
-        CloseDisplay();
-    }
-}
-
 TEST_F(DisplayTest, LostSurfacesAreRestoredAndTheFlipTriedAgain) {
     ASSERT_TRUE(OpenSoftwareDisplay(window));
     Fill(1);
@@ -130,31 +114,6 @@ TEST_F(DisplayTest, LostSurfacesAreRestoredAndTheFlipTriedAgain) {
     EXPECT_EQ(FlipCount(), 2u);
     PresentDisplay();
     EXPECT_EQ(PixelShown(0, 0), 0x800000u);  // system colour 1
-}
-
-TEST_F(DisplayTest, PaletteRangeScalesSixBitsAndKeepsTheSystemColoursOutsideIt) {
-    ASSERT_TRUE(OpenSoftwareDisplay(window));
-    EXPECT_EQ(Display.mode.right, 320);
-    uint8_t colours[256 * 3];
-    for (size_t i = 0; i < sizeof(colours); i++)
-        colours[i] = static_cast<uint8_t>(i % 64);
-    struct Row {
-        uint8_t first, last, index;
-        uint32_t shown;
-    };
-    const Row rows[] = {
-        {5, 254, 4, 0x000080},                           // system colours
-        {5, 254, 255, 0xFFFFFF}, {5, 254, 5, 0x3C4044},  // 4 x (15, 16, 17)
-        {5, 254, 21, 0xFC0004},                          // 4 x (63, 0, 1)
-        {0, 255, 255, 0xF4F8FC},                         // 4 x (61, 62, 63)
-        {9, 9, 254, 0x00FFFF},
-    };
-    for (const Row& row : rows) {
-        ASSERT_TRUE(SetPaletteRange(colours, Display, row.first, row.last));
-        Fill(row.index);
-        PresentDisplay();
-        EXPECT_EQ(PixelShown(319, 239), row.shown) << int{row.index};
-    }
 }
 
 TEST_F(DisplayTest, FillsTheScreenTheRightWayUp) {

@@ -58,15 +58,3 @@ TEST_F(InputTest, ControlsOfEachKey) {
             Press(key, false);
     }
 }
-
-TEST_F(InputTest, MouseSummaryCutsMotionTo16Bits) {
-    DeviceMouseMotion(-3, 70000, 120);
-    DeviceMouseButton(KeySource::Keyboard, 0, true);
-    DeviceMouseButton(KeySource::Keyboard, 1, true);
-    Poll();
-    EXPECT_EQ(MouseInput.left, 1);
-    EXPECT_EQ(MouseInput.right, 2);
-    EXPECT_EQ(MouseInput.buttons, 3);
-    EXPECT_EQ(MouseInput.xMotion, -3);
-    EXPECT_EQ(MouseInput.yMotion, 70000 - 65536);
-}

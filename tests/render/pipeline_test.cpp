@@ -36,11 +36,6 @@ std::vector<ViewCorner> Clip(int32_t number, uint8_t planes) {
     return corners;
 }
 
-// Inside 90 degrees on three sides, the second corner at x.
-std::vector<ViewCorner> Triangle(float x = 20) {
-    return {{-20, -20, 100, 0, 0, 0}, {x, -20, 100, 640, 0, 1000}, {0, 20, 100, 320, 640, 2000}};
-}
-
 TEST_F(Pipeline, CrossingsLieOnThePlaneWithAttributesInProportion) {
     const uint8_t planes[] = {OUT_RIGHT, OUT_LEFT, OUT_TOP, OUT_BOTTOM};
     for (int plane = 0; plane < 4; plane++) {
@@ -99,47 +94,6 @@ TEST_F(Pipeline, ClippingAddsFourCornersAtMostAndCanLeaveNone) {
     behind.point = 4711;
     EXPECT_TRUE(Clip(AppendPolygon(comb), OUT_SIDES).empty());
     EXPECT_EQ(behind.point, 4711u);
-}
-
-TEST_F(Pipeline, ProjectionTruncatesToFixedPixelsWithRowsDownwards) {
-    DrawMeshPolygon(AppendPolygon({{-3, 5, 20, 0, 0, 0}, {7, -11, 30, 0, 0, 0}, {1, 1, 0, 0, 0, 0}}));
-    for (uint32_t i = 0; i < 2; i++) {
-        const ViewPoint& point = WorldGeometry.viewPoints[i];
-        EXPECT_NEAR(point.screen.fixed.x, (point.x * 158.4 / point.z + 160) * 65536, 4);
-        EXPECT_NEAR(point.screen.fixed.y, (-point.y * 118.8 / point.z + 120) * 65536, 4);
-        EXPECT_EQ(point.inverseDepth, 1 / point.z);
-    }
-    EXPECT_EQ(WorldGeometry.viewPoints[2].screen.fixed.x, 160 * 65536) << "at the eye";
-    EXPECT_EQ(WorldGeometry.viewPoints[2].inverseDepth, 0);
-
-    const int32_t number = AppendPolygon(Triangle(180));
-    DrawMeshPolygonClipped(number, OUT_RIGHT);
-    ViewPoint& point = WorldGeometry.viewPoints[3];
-    const ViewPoint& crossing = WorldGeometry.viewPoints[WorldGeometry.fixed.points];
-    const int32_t before = point.screen.fixed.x, crossingBefore = crossing.screen.fixed.y;
-    point.x -= 5;
-    WorldGeometry.viewPoints[4].y -= 5;
-    DrawMeshPolygonClipped(number, OUT_RIGHT);
-    EXPECT_EQ(point.screen.fixed.x, before) << "a point is projected once a frame";
-    EXPECT_NE(crossing.screen.fixed.y, crossingBefore) << "a crossing every time";
-    FrameCount++;
-    DrawMeshPolygon(number);
-    EXPECT_NE(point.screen.fixed.x, before);
-}
-
-TEST_F(Pipeline, TexturesWithHolesOrTheFlagAreDrawnTransparent) {
-    std::fill_n(TextureImage + TextureRecords()[0].texelOffset, 64 * 256, uint8_t{0});
-    const int32_t number = AppendPolygon({{-50, 50, 100, 0, 0, 0}, {-50, -50, 100, 0, 0, 0}, {50, -50, 100, 0, 0, 0}});
-    DrawMeshPolygon(number);
-    const auto leavesBackground = [&](uint8_t transparency, uint32_t flags) {
-        TextureRecords()[0].isTransparent = transparency;
-        FillFrame(0x77);
-        SubmitPolygon(&WorldGeometry.polygons[number], flags);
-        return FramePixels() == std::vector<uint8_t>(320 * 240, 0x77);
-    };
-    EXPECT_FALSE(leavesBackground(0, 0));
-    EXPECT_TRUE(leavesBackground(1, 0));
-    EXPECT_TRUE(leavesBackground(0, DRAW_TRANSPARENT));
 }
 
 }  // namespace

@@ -14,8 +14,6 @@
 #include <random>
 
 int ShadedPolygons;
-std::map<std::string, std::vector<uint8_t>> GlideFiles;
-std::vector<std::string> OpenedFiles;
 
 namespace {
 
@@ -99,11 +97,8 @@ uint16_t FrameCount;
 DisplayContext Display;
 uint8_t DisplayState;
 
-std::FILE* HostOpenFile(const char* path, const char* mode) {
-    OpenedFiles.push_back(path);
-    if (mode[0] == 'w') return std::tmpfile();
-    std::vector<uint8_t>& file = std::string(path).ends_with(".3df") ? GlideFiles[path] : File;
-    return file.empty() ? nullptr : fmemopen(file.data(), file.size(), "rb");
+std::FILE* HostOpenFile(const char*, const char*) {
+    return File.empty() ? nullptr : fmemopen(File.data(), File.size(), "rb");
 }
 
 bool OpenSoftwareDisplay(HWND) {

@@ -4,8 +4,7 @@
 #include "records/texture_records.h"
 #include "support/tiny_world.h"
 
-#include <map>
-#include <string>
+#include <vector>
 
 struct TestTexture {
     uint8_t page, x, y, width, height;
@@ -24,11 +23,7 @@ std::vector<uint8_t> FramePixels();  // rows of ScreenWidth
 bool GuardsAreIntact();
 void FillFrame(uint8_t colour);
 
-// Makes the bytes the file that every path but those of GlideFiles names; loads it with LoadTextureFile from a fresh
-// pool.
+// Makes the bytes the file that every path names; loads it with LoadTextureFile from a fresh pool.
 void LoadTextures(const std::vector<uint8_t>& file);
-
-extern std::map<std::string, std::vector<uint8_t>> GlideFiles;  // by the game's path; others of .3df are missing
-extern std::vector<std::string> OpenedFiles;                    // paths, since somebody cleared them
 
 extern int ShadedPolygons;  // calls of ShadePolygon since MakeWorld

@@ -67,34 +67,6 @@ TEST_F(Textures, TruncatedFilesAndBadRecordsAreRefused) {
     }
 }
 
-TEST_F(Textures, APolygonWrapsWhenOneCornerLeavesItsTexture) {
-    const auto quad = [](float u, float v, uint8_t texture = 0) {
-        return AppendPolygon({{0, 0, 1, 0, 0, 0}, {0, 0, 1, 16 * 256, 8 * 256, 0}, {0, 0, 1, u, v, 0}}, texture);
-    };
-    const int32_t numbers[] = {quad(5, 5), quad(-1, 5), quad(5, 8 * 256 + 1), quad(-1, -1, 2)};  // no texture 2
-    WorldGeometry.polygons[numbers[0]].flags = POLY_WRAPS | 1;
-    ASSERT_EQ(LoadError(TwoTextures()), "");
-    const int expected[] = {1, POLY_WRAPS, POLY_WRAPS, 0};
-    for (int i = 0; i < 4; i++)
-        EXPECT_EQ(+WorldGeometry.polygons[numbers[i]].flags, expected[i]) << i;
-}
-
-TEST_F(Textures, AcceleratorUnitsSpanTheLargerSide) {
-    ASSERT_EQ(LoadError(MakeTextureFile({{0, 0, 0, 64, 32}, {0, 0, 0, 0, 32}}, 1)), "");
-    const int32_t number = AppendPolygon({{0, 0, 1, 63 * 256, 31 * 256, 0}, {0, 0, 1, 62 * 256, 16 * 256, 0}});
-    std::copy_n(WorldGeometry.polyVertices, 2, WorldGeometry.alternateVertices);
-    for (int pass = 0; pass < 2; pass++) {  // corners shared by two polygons are converted once
-        L_CreateGlideUVs();
-        EXPECT_EQ(WorldGeometry.polyVertices[0].u, 255);
-        EXPECT_EQ(WorldGeometry.polyVertices[0].v, 127.5f);
-    }
-    WorldGeometry.polygons[number].flags = POLY_WRAPS;
-    L_CreateGlideUVs();
-    EXPECT_EQ(WorldGeometry.polyVertices[0].u, 63.0f * 255 / 64);
-    WorldGeometry.polygons[number].texture = 1;
-    EXPECT_THROW(L_CreateGlideUVs(), FatalThrown);
-}
-
 void SetColour(std::vector<uint8_t>& file, int index, std::array<uint8_t, 3> rgb) {
     std::copy(rgb.begin(), rgb.end(), file.begin() + TEXTURE_PALETTE_OFFSET + index * 3);
 }

@@ -67,23 +67,6 @@ TEST_F(WorldFile, IsLoadedRecordForRecord) {
     EXPECT_EQ(FrameCount, 1);
 }
 
-TEST_F(WorldFile, LeavesNoStampOrSpareRecordToThePoolsOldContent) {
-    LoadBspWorld(FileOf(TwoLeavesFile()));
-    const uint32_t lastPoint = WorldGeometry.file.points + SPARE_POINTS - 1;
-    EXPECT_EQ(WorldGeometry.viewPoints[lastPoint].transformStamp, 0u);
-    EXPECT_EQ(WorldGeometry.viewPoints[lastPoint].projectionStamp, 0u);
-    EXPECT_EQ(WorldGeometry.cornerLightStamps[8 * 8192 - 1], 0);  // the last that a light slot can name
-    EXPECT_EQ(WorldGeometry.polygons[WorldGeometry.file.polygons + SPARE_POLYGONS - 1].flags, 0);
-
-    FillStamps(0xFFFF);
-    EXPECT_EQ(WorldGeometry.leaves[1].frameStamp, 0xFFFF);
-    EXPECT_EQ(WorldGeometry.cornerLightStamps[CornerLightStampCount() - 1], 0xFFFF);
-    EXPECT_EQ(IntensityCacheStamps[INTENSITY_CACHE_SIZE - 1], 0xFFFF);
-    ResetViewCache();
-    EXPECT_EQ(WorldGeometry.viewPoints[WorldGeometry.used.points - 1].projectionStamp, 0u);
-    EXPECT_EQ(WorldGeometry.viewPoints[lastPoint].projectionStamp, 0xFFFFu);
-}
-
 TEST_F(WorldFile, IsRefusedWhenItsHeadOrLengthIsWrong) {
     const std::vector<uint8_t> good = TwoLeavesFile();
     const auto refusalWith = [&](size_t offset, uint8_t value) {

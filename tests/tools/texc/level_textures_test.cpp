@@ -28,23 +28,6 @@ const Material& Find(const std::vector<Material>& list, const std::string& name)
     return *std::find_if(list.begin(), list.end(), [&](const Material& m) { return m.name == name; });
 }
 
-// Mean squared distance of what is shown from what was painted, lit at a level of 64, in 6-bit steps.
-double ErrorAtLevel(const Image& image, const Palette& palette, int level) {
-    double sum = 0;
-    for (const Rgba& p : image.pixels) {
-        double best = 1e9;
-        for (const auto& entry : palette) {
-            double d = 0;
-            const int wanted[3] = {p.r * level / 64, p.g * level / 64, p.b * level / 64};
-            for (size_t c = 0; c < 3; ++c)
-                d += (entry[c] - wanted[c] / 4.05) * (entry[c] - wanted[c] / 4.05);
-            best = std::min(best, d);
-        }
-        sum += best;
-    }
-    return sum / static_cast<double>(image.pixels.size());
-}
-
 }  // namespace
 
 TEST(CompileTextures, AnimatedSlotsShowTheFourPicturesInTurn) {
@@ -86,49 +69,12 @@ TEST(CompileTextures, HolesAreIndexZeroAndBlackIsNot) {
     EXPECT_EQ(Find(compiled.list, "solid").flags, 0U);
 }
 
-TEST(CompileTextures, TheListSaysHowLightTakesAMaterial) {
-    Image image(8, 8, {200, 100, 0, 255});
-    for (int x = 0; x < 8; ++x) {
-        image.At(x, 0) = {0, 0, 0, 0};
-        image.At(x, 1) = {10, 100, 19, 255};
-        image.At(x, 2) = {10, 100, 19, 255};
-    }
-    Picture("striped", image);
-    LevelTextures level = Level({"striped"});
-    level.light["striped"] = 60;
-    const Material material = Find(CompileTextures(level, FOLDER).list, "striped");
-    EXPECT_EQ(material.colour, (Rgba{(5 * 200 + 2 * 10) / 7, 100, 2 * 19 / 7, 255}));
-    EXPECT_EQ(material.cover, 87);
-    EXPECT_EQ(material.light, 60);
-}
-
 TEST(CompileTextures, FaultsNameTheFileAndTheRemedy) {
     Picture("odd", Image(24, 16));
     for (const auto& [level, text] : {std::pair{Level({"odd"}), "odd.png: is 24 x 16"},
                                       {Level({"nowhere"}), "nowhere.png"},
                                       {Level({}, "odd"), "below each other"}})
         EXPECT_NE(MessageOf([&] { CompileTextures(level, FOLDER); }).find(text), std::string::npos);
-}
-
-TEST(CompileTextures, NamesLeadToTheirPicturesAsLongAsThereAreSlots) {
-    std::vector<std::string> names;
-    for (int i = 0; i < 88; ++i) {
-        names.push_back(fmt::format("m{}", i));
-        Picture(names.back(), Image(16, 8 << i % 3, {static_cast<uint8_t>(20 * (i % 12) + 10), 80, 0, 255}));
-    }
-    EXPECT_NE(MessageOf([&] { CompileTextures(Level(names), FOLDER); }).find("'m87' finds no free slot"),
-              std::string::npos);
-    names.pop_back();
-    const CompiledTextures compiled = CompileTextures(Level(names), FOLDER);
-    for (int i = 0; i < 87; ++i) {
-        const Material& material = Find(compiled.list, names[static_cast<size_t>(i)]);
-        EXPECT_TRUE(material.slot < 10 || material.slot > 14) << "an animated slot";
-        const TextureSlot& slot = compiled.textures.slots[static_cast<size_t>(material.slot)];
-        EXPECT_EQ(slot.height, 8 << i % 3);
-        EXPECT_EQ(material.height, slot.height);
-        const auto& colour = compiled.textures.palette[compiled.textures.Texel(slot, 3, 3)];
-        EXPECT_NEAR(colour[0] * 255 / 63, 20 * (i % 12) + 10, 6) << i;
-    }
 }
 
 TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
@@ -140,16 +86,6 @@ TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
         WriteWholeFile(FOLDER / "textures.toml", {text, text + std::string(text).size()});
         EXPECT_THROW(ReadLevelTextures(FOLDER / "textures.toml"), ContentError) << text;
     }
-}
-
-TEST(ChoosePalette, ServesDimlyLitTexelsToo) {
-    Image image(64, 64);
-    for (int i = 0; i < 64 * 64; ++i)
-        image.pixels[static_cast<size_t>(i)] = {255, static_cast<uint8_t>(i % 64 * 4), static_cast<uint8_t>(i / 64 * 4),
-                                                255};
-    const Palette palette = ChoosePalette({{{&image, 1}}, {0, 0, 0, 255}, {0, 0, 0, 255}});
-    EXPECT_LT(ErrorAtLevel(image, palette, 64), 12);
-    EXPECT_LT(ErrorAtLevel(image, palette, 26), 6) << "without shaded copies the only dark colour near would be black";
 }
 
 TEST(PackPages, NoTwoOverlapAndNoneLeavesItsPage) {

@@ -57,26 +57,6 @@ protected:
     std::vector<int> leavesWithCharacter_;
 };
 
-TEST_F(RenderedWorld, DrawsTheFarSideOfEachPlaneFirst) {
-    PublishNearAndFar(Square({0, 0, 400}, 10), Square({0, 0, 600}, 10));
-    EXPECT_EQ(Render(), (List{~1, ~0}));
-    EXPECT_EQ(PipelineLog(), "d1 d0");
-    LookFrom({0, 0, 500}, 0, 0);  // on the plane: the front child counts as the eye's side
-    EXPECT_EQ(Render(), (List{~1}));
-    LookFrom({0, 0, 1000}, 0, 180);
-    EXPECT_EQ(Render(), (List{~0, ~1}));
-    EXPECT_EQ(PipelineLog(), "") << "both polygons turn their back to the eye";
-}
-
-TEST_F(RenderedWorld, ClipsOnlyPolygonsOfCrossingLeavesThatCrossASide) {
-    PublishNearAndFar(Square({380, 0, 400}, 40), Square({0, 0, 600}, 10));
-    EXPECT_EQ(Render(), (List{~1, 0}));
-    EXPECT_EQ(PipelineLog(), "d1 c0/1");
-    FarDistance = 590.0f;  // wholly beyond it: rejected by its outcodes
-    EXPECT_EQ(Render(), (List{~1, 0}));
-    EXPECT_EQ(PipelineLog(), "c0/1");
-}
-
 TEST_F(RenderedWorld, PutsTheCharacterBehindAWallItStandsBehind) {
     PublishNearAndFar(Square({0, 0, 400}, 10), Square({0, 0, 600}, 10));
     leavesWithCharacter_ = {0};
