@@ -79,8 +79,8 @@ TEST_F(Textures, ShadesRunFromTheDarkColourOverTheColourItselfToTheBrightOne) {
         SetColour(file, i, {i, i, i});
     SetColour(file, 100, {30, 30, 30});  // a second copy of colour 30
     ASSERT_EQ(LoadError(file), "");
-    const int rows[][3] = {{0, 40, 0},    {32, 40, 20}, {64, 40, 40}, {64, 100, 30},
-                           {127, 20, 33}, {127, 0, 0},  {128, 40, 0}};  // 33 = 20 + 43 x 20/63 x 63/64
+    const int rows[][3] = {{0, 40, 0},    {32, 40, 20},  {64, 40, 40},
+                           {64, 100, 30}, {127, 20, 33}, {127, 0, 0}};  // 33 = 20 + 43 x 20/63 x 63/64
     for (const auto& [level, colour, shade] : rows)
         EXPECT_EQ(ShadeTable[level * 256 + colour], shade) << level << ' ' << colour;
     PlainBrightening = 1;
