@@ -71,10 +71,11 @@ TEST(CompileTextures, HolesAreIndexZeroAndBlackIsNot) {
 
 TEST(CompileTextures, FaultsNameTheFileAndTheRemedy) {
     Picture("odd", Image(24, 16));
-    for (const auto& [level, text] : {std::pair{Level({"odd"}), "odd.png: is 24 x 16"},
-                                      {Level({"nowhere"}), "nowhere.png"},
-                                      {Level({}, "odd"), "below each other"}})
-        EXPECT_NE(MessageOf([&] { CompileTextures(level, FOLDER); }).find(text), std::string::npos);
+    const std::pair<LevelTextures, const char*> rows[] = {{Level({"odd"}), "odd.png: is 24 x 16"},
+                                                          {Level({"nowhere"}), "nowhere.png"},
+                                                          {Level({}, "odd"), "below each other"}};
+    for (const auto& row : rows)
+        EXPECT_NE(MessageOf([&] { CompileTextures(row.first, FOLDER); }).find(row.second), std::string::npos);
 }
 
 TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {
