@@ -87,11 +87,6 @@ TEST_F(ShotsInARoom, FlyAheadAndUpwardsForThirtyFrames) {
     EXPECT_EQ(light.z, shot.position.z);
     UpdateShots();
     EXPECT_EQ(Flying() + Lights(), 0);
-
-    PlayerActor.angles.y = 90.0f;
-    ClearShots();
-    FireShot();
-    EXPECT_NEAR(Shots[0].velocity.x, -75.0f * std::cos(8.0f * DEGREE), 0.01f);
 }
 
 TEST_F(ShotsInARoom, EndAtTheFirstWall) {

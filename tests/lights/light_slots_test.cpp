@@ -10,7 +10,6 @@
 #include "world/world_tables.h"
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 
 namespace {
@@ -32,13 +31,6 @@ void Append(std::vector<uint8_t>& bytes, const Value& value) {
     bytes.insert(bytes.end(), first, first + sizeof value);
 }
 
-void AppendList(std::vector<uint8_t>& bytes, const std::vector<Contribution>& list) {
-    for (const Contribution& entry : list)
-        Append(bytes, entry.target);
-    for (const Contribution& entry : list)
-        Append(bytes, entry.weight);
-}
-
 std::vector<uint8_t> SlotFile(const std::vector<LightSlot>& slots, const std::vector<Contribution>& points = {},
                               const std::vector<Contribution>& corners = {}) {
     std::vector<uint8_t> bytes;
@@ -47,8 +39,12 @@ std::vector<uint8_t> SlotFile(const std::vector<LightSlot>& slots, const std::ve
     AppendBig(bytes, 0xABCD);
     for (const LightSlot& slot : slots)
         Append(bytes, slot);
-    AppendList(bytes, points);
-    AppendList(bytes, corners);
+    for (const auto& list : {points, corners}) {
+        for (const Contribution& entry : list)
+            Append(bytes, entry.target);
+        for (const Contribution& entry : list)
+            Append(bytes, entry.weight);
+    }
     return bytes;
 }
 
@@ -82,7 +78,6 @@ protected:
         LoadLightSlots(FileOf(SlotFile(slots, points, corners)));
     }
 
-    // The point's light byte in a new frame.
     int LightAt(uint32_t point) {
         const bool raised = WorldGeometry.pointLightStamps[point] == FrameCount;
         return raised ? WorldGeometry.pointLight[point] : WorldGeometry.pointLightBase[point];
@@ -199,8 +194,6 @@ TEST_F(Lights, SlotsAreHandedOutFromTheSecondOn) {
         EXPECT_EQ(SpawnLight(), slot);
     EXPECT_EQ(SpawnLight(), -1);
     EXPECT_EQ(int32_t{LightSlots[0].type}, LIGHT_FREE);
-    FreeLight(-1);
-    SetLightPosition(-1, 9, 9, 9);
     FreeLight(70);
     EXPECT_EQ(SpawnLight(), 70);
     const LightSlot spawned = LightSlots[70];
@@ -212,34 +205,24 @@ TEST_F(Lights, SlotsAreHandedOutFromTheSecondOn) {
 }
 
 TEST_F(Lights, ADamagedFileIsRefused) {
-    using Change = std::function<void(LightSlot&, Contribution&)>;
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const Change changes[] = {
-        [](LightSlot& s, Contribution&) { s.firstPoint = 2; },
-        [](LightSlot& s, Contribution&) { s.firstPoint = -1; },
-        [](LightSlot& s, Contribution&) { s.pointCount = -1; },
-        [](LightSlot& s, Contribution&) { s.cornerCount = std::numeric_limits<int32_t>::max(); },
-        [&](LightSlot& s, Contribution&) { s.radius = nan; },
-        [&](LightSlot&, Contribution& c) { c.weight = nan; },
-        [](LightSlot&, Contribution& c) { c.target = POINTS; },
-    };
     LightSlot slot = Slot(LIGHT_RAMP);
     slot.pointCount = slot.cornerCount = 1;
-    const auto load = [&](const std::vector<uint8_t>& bytes) { LoadLightSlots(FileOf(bytes)); };
-    EXPECT_NO_THROW(load(SlotFile({slot}, {{0, 1}}, {{0, 1}})));
-    for (const Change& change : changes) {
-        LightSlot damaged = slot;
-        Contribution entry = {0, 1};
-        change(damaged, entry);
-        EXPECT_THROW(load(SlotFile({damaged}, {entry}, {{0, 1}})), FatalThrown) << &change - changes;
-    }
-    std::vector<uint8_t> bytes = SlotFile({slot}, {{0, 1}}, {{8 * POINTS / 4, 1}});
-    EXPECT_THROW(load(bytes), FatalThrown) << "a corner of no polygon";
-    bytes = SlotFile({slot}, {{0, 1}}, {{0, 1}});
-    bytes.pop_back();
-    EXPECT_THROW(load(bytes), FatalThrown);
-    EXPECT_THROW(load(SlotFile(std::vector<LightSlot>(151, slot))), FatalThrown);
-    EXPECT_THROW(load({0, 0, 0xFF, 0xFF, 0, 0}), FatalThrown);
+    LightSlot outside = slot, overflowing = slot, unreal = slot;
+    outside.firstPoint = 1;
+    overflowing.cornerCount = std::numeric_limits<int32_t>::max();
+    unreal.radius = std::numeric_limits<float>::quiet_NaN();
+    std::vector<uint8_t> shorter = SlotFile({slot}, {{0, 1}}, {{0, 1}});
+    shorter.pop_back();
+    const std::vector<uint8_t> files[] = {SlotFile({outside}, {{0, 1}}, {{0, 1}}),
+                                          SlotFile({overflowing}, {{0, 1}}, {{0, 1}}),
+                                          SlotFile({unreal}, {{0, 1}}, {{0, 1}}),
+                                          SlotFile({slot}, {{POINTS, 1}}, {{0, 1}}),
+                                          SlotFile({slot}, {{0, 1}}, {{2 * POINTS, 1}}),
+                                          SlotFile(std::vector<LightSlot>(151, Slot(LIGHT_FREE))),
+                                          {0, 0, 0xFF, 0xFF, 0, 0},
+                                          shorter};
+    for (const std::vector<uint8_t>& file : files)
+        EXPECT_THROW(LoadLightSlots(FileOf(file)), FatalThrown) << &file - files;
 }
 
 }  // namespace
