@@ -137,6 +137,17 @@ TEST_F(ProgramWithLevel, MusicGoesRoundAndChangesNothing) {
     EXPECT_LE(end - start, 1500u + 64u) << "taken at the end of a frame";
 }
 
+TEST_F(ProgramWithLevel, SaysWhichBoardCannotBeHadAndWhy) {
+    setenv("SDL_VIDEODRIVER", "dummy", 1);
+    const ProgramResult gpu = Play("--renderer accelerator --board gpu --frames 2");
+    unsetenv("SDL_VIDEODRIVER");
+    EXPECT_EQ(gpu.status, 255);
+    EXPECT_TRUE(Says(gpu.errors, "the gpu board cannot be used: no OpenGL 3.3 context: ")) << gpu.errors;
+    const ProgramResult cpu = Play("--renderer accelerator --board-scale 2 --frames 2");
+    EXPECT_EQ(cpu.status, 0);
+    EXPECT_TRUE(Says(cpu.errors, "the cpu board draws 640 x 480 only")) << cpu.errors;
+}
+
 TEST_F(ProgramWithLevel, EscapeLeadsBackToTheFrontEndAndIntoAnotherGame) {
     program.Write("keys.txt", "20 tap ESCAPE\n9000ms tap SPACE\n9100ms tap F3\n9200ms tap F11\n");
     const ProgramResult result = Play("--script keys.txt --frames 100 --trace t.jsonl");

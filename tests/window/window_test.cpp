@@ -121,6 +121,25 @@ TEST_F(Window, FillsTheScreenByDefaultAndKeepsThePictureInProportionAtEverySize)
     EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 200, 400, 500); }));
 }
 
+TEST_F(Window, ShowsTheGpuBoardsPictureAtEverySizeAndWhenTheFocusComesBack) {
+    desktop->StartGame(
+        {"--window", "640x480", "--level", "1", "--renderer", "accelerator", "--board", "gpu", "--board-scale", "2"});
+    const auto shown = [&] {
+        const ScreenPicture screen = desktop->Screen();
+        return screen.Black(0, 0, 100, 600) && screen.Black(900, 0, 1000, 600) && !screen.Black(110, 10, 120, 590) &&
+               !screen.Black(880, 10, 890, 590);
+    };
+    EXPECT_TRUE(WaitFor([&] { return desktop->TracedFrames() > 5; })) << Output();
+    desktop->ResizeGame(1000, 600);
+    EXPECT_TRUE(WaitFor(shown));
+    desktop->TakeFocus();
+    desktop->GiveFocus();
+    AwaitFrames(5);
+    EXPECT_TRUE(WaitFor(shown));
+    desktop->PressCloseButton();
+    EXPECT_EQ(desktop->GameStatus(), 0) << Output();
+}
+
 TEST_F(Window, CloseButtonEndsTheProgramInLevelAndLevelChoice) {
     for (const bool inLevel : {false, true}) {
         desktop->StartGame({"--window", "640x480"});
