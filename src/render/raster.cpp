@@ -108,16 +108,32 @@ int keptCount, keptPointCount;
 bool isKeeping;
 CoverRow cover[COVER_ROWS];
 
-bool RowIsFull(int32_t row) {
-    return cover[row].Holds(0, ScreenWidth);
+struct Columns {
+    int32_t begin, end;
+};
+
+// No span of the polygon reaches beyond these columns of the frame. Steps round, and wrap far outside.
+Columns ColumnsOf(const EdgePoint* points, int count) {
+    constexpr int32_t FAR_AWAY = 4096 * 65536;
+    constexpr int32_t MARGIN = 2;
+    Columns columns = {ScreenWidth, 0};
+    for (int i = 0; i < count; i++) {
+        const EdgePoint& point = points[i];
+        if (point.x < -FAR_AWAY || point.x > FAR_AWAY || point.y < -FAR_AWAY || point.y > FAR_AWAY)
+            return {0, ScreenWidth};
+        columns.begin = std::min(columns.begin, (point.x >> 16) - MARGIN);
+        columns.end = std::max(columns.end, (point.x >> 16) + 1 + MARGIN);
+    }
+    return {std::max(columns.begin, 0), std::min(columns.end, ScreenWidth)};
 }
 
 void DrawKeptPolygon(const KeptPolygon& polygon) {
     const EdgePoint* points = keptPoints + polygon.firstPoint;
     FindRows(points, polygon.pointCount);
-    while (FirstRow < EndRow && RowIsFull(FirstRow))
+    const Columns columns = ColumnsOf(points, polygon.pointCount);
+    while (FirstRow < EndRow && cover[FirstRow].Holds(columns.begin, columns.end))
         FirstRow++;
-    while (FirstRow < EndRow && RowIsFull(EndRow - 1))
+    while (FirstRow < EndRow && cover[EndRow - 1].Holds(columns.begin, columns.end))
         EndRow--;
     if (FirstRow >= EndRow) return;
     WalkEdges(points, polygon.pointCount);

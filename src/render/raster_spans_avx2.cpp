@@ -153,13 +153,21 @@ AVX2_CODE inline void AddLongSpan(Batch& batch, Place place, int32_t count, __m1
                                   __m128 change, float perPixel, uint32_t textureMask) {
     const __m128 blockChange = _mm_mul_ps(_mm_mul_ps(_mm_set1_ps(SPAN_BLOCK), change), _mm_set1_ps(perPixel));
     Values value = DividedByDepth(position);
+    bool isKnown = true;  // the value at the position; blocks that are covered need none
     for (; count >= SPAN_BLOCK; count -= SPAN_BLOCK, place.pixels += SPAN_BLOCK, place.x += SPAN_BLOCK) {
+        const __m128 begin = position;
         position = _mm_add_ps(position, blockChange);
-        const Values end = DividedByDepth(position);
-        AddBlock(batch, place, SPAN_BLOCK, value, _mm_srai_epi32(_mm_sub_epi32(end, value), 4), textureMask);
-        value = end;
+        const bool isCovered = place.cover != nullptr && place.cover->Holds(place.x, place.x + SPAN_BLOCK);
+        if (!isCovered) {
+            if (!isKnown) value = DividedByDepth(begin);
+            const Values end = DividedByDepth(position);
+            AddBlock(batch, place, SPAN_BLOCK, value, _mm_srai_epi32(_mm_sub_epi32(end, value), 4), textureMask);
+            value = end;
+        }
+        isKnown = !isCovered;
     }
     if (count == 0) return;
+    if (!isKnown) value = DividedByDepth(position);
     const Values step = StepTowards(_mm_div_ps(right, LastLane(right)), value, ReciprocalTable[count]);
     AddBlock(batch, place, count, value, step, textureMask);
 }
