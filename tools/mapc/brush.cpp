@@ -1,6 +1,7 @@
 #include "mapc/brush.h"
 
 #include "formats/error.h"
+#include "mapc/terrain.h"
 
 #include <fmt/format.h>
 
@@ -19,10 +20,11 @@ public:
 
     void Add(const MapEntity& entity) {
         const std::string name = entity.ClassName();
+        if (name == "func_terrain") return AddTerrain(entity);
         const bool detail = name == "func_detail";
         if (!detail && name != "worldspawn" && name != "func_group") {
             Refuse(map_.name, entity.line, fmt::format("a {} cannot have brushes", name),
-                   "move them to the world, or make them a func_group or func_detail");
+                   "move them to the world, or make them a func_group, func_detail or func_terrain");
         }
         const bool cornerLight = NumberKey(map_, entity, "corner_light", 0) != 0;
         for (const MapBrush& brush : entity.brushes)
@@ -65,6 +67,16 @@ private:
         }
         const Vec3 unit = normal * (1 / length);
         return {unit, Dot(unit, a)};
+    }
+
+    void AddTerrain(const MapEntity& entity) {
+        const Terrain terrain = BuildTerrain(map_, entity);
+        for (const MapBrush& prism : terrain.prisms)
+            Add(prism, true, false);
+        for (const double x : terrain.columns)
+            out_.terrainLines.push_back(out_.planes.Find({1, 0, 0}, x));
+        for (const double y : terrain.rows)
+            out_.terrainLines.push_back(out_.planes.Find({0, 1, 0}, y));
     }
 
     static BrushKind KindOf(const MapBrush& brush, const std::vector<const Material*>& materials, bool detail) {

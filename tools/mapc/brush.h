@@ -36,8 +36,9 @@ struct Brushes {
     std::vector<Brush> list;  // by rank
     std::vector<FaceTexture> textures;
     PlaneTable planes;
+    std::vector<int> terrainLines;  // planes of the grids of terrains
 };
 
-// The brushes of worldspawn, func_group and func_detail. ContentError for a brush without volume or open, a texture
-// that is not in the list and an unknown entity with brushes.
+// The brushes of worldspawn, func_group and func_detail, and those that terrains become. ContentError for a brush
+// without volume or open, a texture that is not in the list and an unknown entity with brushes.
 Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials);

@@ -38,7 +38,8 @@ bool FacesFront(const Face& face, int plane, const PlaneTable& planes) {
 
 class TreeBuilder {
 public:
-    TreeBuilder(PlaneTable& planes, TreeKind kind) : planes_(planes), kind_(kind) {}
+    TreeBuilder(PlaneTable& planes, TreeKind kind, const std::vector<int>& terrainLines = {})
+        : planes_(planes), kind_(kind), terrainLines_(terrainLines) {}
 
     Tree Build(std::vector<Face> faces) {
         const int root = AddSubtree(std::move(faces), 1);
@@ -126,6 +127,8 @@ private:
             for (const int plane : GridPlanes(faces))
                 tryPlane(plane);
         }
+        for (const int plane : terrainLines_)
+            tryPlane(plane);
         for (size_t i = 0; !best && i < candidates.size(); ++i)
             tryPlane(candidates[i]);
         return best;
@@ -199,6 +202,7 @@ private:
 
     PlaneTable& planes_;
     TreeKind kind_;
+    const std::vector<int> terrainLines_;
     Tree tree_;
     std::vector<int> stamps_;  // by plane: the node that last listed it
     int stamp_ = 0;
@@ -210,8 +214,8 @@ Tree BuildSealingTree(std::vector<Face> faces, PlaneTable& planes) {
     return TreeBuilder(planes, TreeKind::Sealing).Build(std::move(faces));
 }
 
-Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes) {
-    return TreeBuilder(planes, TreeKind::Drawing).Build(std::move(faces));
+Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes, const std::vector<int>& terrainLines) {
+    return TreeBuilder(planes, TreeKind::Drawing, terrainLines).Build(std::move(faces));
 }
 
 bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes) {

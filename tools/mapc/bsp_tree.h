@@ -24,8 +24,9 @@ Tree BuildSealingTree(std::vector<Face> faces, PlaneTable& planes);
 
 // Splits until the faces of each leaf may be drawn in any order, from any eye: of each two, either both lie in front of
 // the other (a convex room) or both behind (a convex solid), so that no ray meets two of them from their front. A face
-// in a node's plane goes to the side it faces. Hidden faces take part without a say.
-Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes);
+// in a node's plane goes to the side it faces. Hidden faces take part without a say. The
+// terrain's grid divides it without cutting anything.
+Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes, const std::vector<int>& terrainLines = {});
 
 // Whether two faces never overlap on the screen when both are seen from the front.
 bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes);

@@ -141,7 +141,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     CompiledLevel compiled;
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
 
-    Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes);
+    Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes, brushes.terrainLines);
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
         const LightGrid grid{settings.subdivide / settings.scale, settings.scale};

@@ -23,6 +23,7 @@ public:
 
     WorldFile Emit() {
         FindPlaneAnchors();
+        FindSmoothNormals();
         for (const auto& leaf : mesh_.leaves)
             EmitLeaf(leaf);
         for (const TreeNode& node : tree_.nodes)
@@ -60,9 +61,7 @@ private:
     // Welding can turn the plane of a sliver, and a plane that disagrees with its corners has no solid behind it.
     uint16_t PlaneOf(const MeshPolygon& polygon) {
         constexpr double AGREES = 0.995;  // cosine
-        Winding winding;
-        for (const int vertex : polygon.corners)
-            winding.push_back(mesh_.vertices[static_cast<size_t>(vertex)]);
+        const Winding winding = WindingOf(polygon);
         const Vec3 normal = WindingNormal(winding);
         const double length = Length(normal);
         if (length == 0 || Dot(normal, brushes_.planes[polygon.plane].normal) >= AGREES * length) {
@@ -84,13 +83,43 @@ private:
         return static_cast<int>(entry->second);
     }
 
-    // Faces of one plane share a point's light; faces that meet at an angle do not.
-    uint32_t PointOf(int vertex, int plane) {
-        const uint64_t key = (uint64_t{static_cast<uint32_t>(vertex)} << 32) | static_cast<uint32_t>(plane);
+    bool IsSmooth(const MeshPolygon& polygon) const {
+        return brushes_.textures[static_cast<size_t>(polygon.texture)].smooth;
+    }
+
+    // Of the terrain's faces around each vertex, large ones count more.
+    void FindSmoothNormals() {
+        for (const auto& leaf : mesh_.leaves) {
+            for (const MeshPolygon& polygon : leaf) {
+                if (!IsSmooth(polygon)) continue;
+                const Vec3 normal = WindingNormal(WindingOf(polygon));
+                for (const int vertex : polygon.corners)
+                    smoothNormals_[vertex] = smoothNormals_[vertex] + normal;
+            }
+        }
+    }
+
+    Winding WindingOf(const MeshPolygon& polygon) const {
+        Winding winding;
+        for (const int vertex : polygon.corners)
+            winding.push_back(mesh_.vertices[static_cast<size_t>(vertex)]);
+        return winding;
+    }
+
+    Vec3 NormalAt(int vertex, const MeshPolygon& polygon) const {
+        if (!IsSmooth(polygon)) return brushes_.planes[polygon.plane].normal;
+        const Vec3& sum = smoothNormals_.at(vertex);
+        return sum * (1 / Length(sum));
+    }
+
+    // Faces of one plane share a point's light, and those of a terrain; others that meet at an angle do not.
+    uint32_t PointOf(int vertex, const MeshPolygon& polygon) {
+        const uint32_t group = IsSmooth(polygon) ? UINT32_MAX : static_cast<uint32_t>(polygon.plane);
+        const uint64_t key = (uint64_t{static_cast<uint32_t>(vertex)} << 32) | group;
         const auto [entry, isNew] = pointNumbers_.try_emplace(key, world_.points.size());
         if (isNew) {
             const WorldVector position = placement_.ToFile(mesh_.vertices[static_cast<size_t>(vertex)]);
-            world_.points.push_back({position, Narrowed(-placement_.Turned(brushes_.planes[plane].normal))});
+            world_.points.push_back({position, Narrowed(-placement_.Turned(NormalAt(vertex, polygon)))});
         }
         return static_cast<uint32_t>(entry->second);
     }
@@ -130,7 +159,7 @@ private:
         polygon.plane = PlaneOf(source);
         for (const int vertex : source.corners) {
             const Vec3& p = mesh_.vertices[static_cast<size_t>(vertex)];
-            world_.corners.push_back({PointOf(vertex, source.plane), static_cast<float>(texture.U(p)) + 0.0F,
+            world_.corners.push_back({PointOf(vertex, source), static_cast<float>(texture.U(p)) + 0.0F,
                                       static_cast<float>(texture.V(p)) + 0.0F});
         }
         world_.polygons.push_back(polygon);
@@ -219,6 +248,7 @@ private:
     std::vector<Box> leafBoxes_;  // tight, engine space
     std::map<std::tuple<float, float, float, float>, size_t> planeNumbers_;
     std::unordered_map<uint64_t, size_t> pointNumbers_;  // by vertex and plane; only looked up
+    std::map<int, Vec3> smoothNormals_;                  // by vertex, of any length
 };
 
 }  // namespace

@@ -23,6 +23,7 @@ struct MapFace {
     double rotation = 0;  // degrees; of no effect with hasAxes
     double uScale = 0;    // map units per texel
     double vScale = 0;
+    bool smooth = false;  // of a terrain: lit as one surface with its neighbours
     int line = 0;
 };
 

@@ -82,6 +82,7 @@ FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& m
     FaceTexture texture;
     texture.material = &material;
     texture.line = face.line;
+    texture.smooth = face.smooth;
     Vec3 u = face.uAxis;
     Vec3 v = face.vAxis;
     if (!face.hasAxes) {
@@ -98,8 +99,9 @@ FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& m
 }
 
 bool PaintAlike(const FaceTexture& a, const FaceTexture& b) {
-    return a.material == b.material && a.cornerLight == b.cornerLight && SameAxis(a.uAxis, b.uAxis) &&
-           SameAxis(a.vAxis, b.vAxis) && IsWholeNumber((a.uOffset - b.uOffset) / a.material->width) &&
+    return !a.smooth && !b.smooth && a.material == b.material && a.cornerLight == b.cornerLight &&
+           SameAxis(a.uAxis, b.uAxis) && SameAxis(a.vAxis, b.vAxis) &&
+           IsWholeNumber((a.uOffset - b.uOffset) / a.material->width) &&
            IsWholeNumber((a.vOffset - b.vOffset) / a.material->height);
 }
 

@@ -9,6 +9,7 @@ constexpr double UNITS_PER_TEXEL = 2;  // where the map gives no scale
 
 struct FaceTexture {
     const Material* material = nullptr;
+    bool smooth = false;       // a terrain's: points are shared whatever the angle, and faces not merged
     bool cornerLight = false;  // a light byte per corner instead of per point
     Vec3 uAxis, vAxis;         // texels per map unit
     double uOffset = 0;        // texels

@@ -1,0 +1,15 @@
+// Terrain (func_terrain): a height image laid over a box, cut into upright prisms of three sides. They are brushes like
+// any others, so they join what stands in them or beside them without a gap.
+#pragma once
+
+#include "mapc/map_file.h"
+
+struct Terrain {
+    std::vector<MapBrush> prisms;       // the faces on top are smooth
+    std::vector<double> columns, rows;  // x and y of the grid's lines, rising
+};
+
+// Keys: `image`, beside the map; `steep` and `steep_from` (35 degrees), `high` and `high_from` (map units above the
+// box's bottom): textures that take the place of the box's top on such ground. The image's upper border is north, white
+// the top of the box, black its bottom; where all is black there is none.
+Terrain BuildTerrain(const MapFile& map, const MapEntity& entity);
