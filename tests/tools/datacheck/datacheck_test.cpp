@@ -93,13 +93,6 @@ std::string FindingsOf(const LevelData& level) {
     return Joined(report);
 }
 
-size_t FirstWall(const WorldFile& world) {
-    for (size_t i = 0; i < world.polygons.size(); ++i) {
-        if (world.planes[world.polygons[i].plane].normal[1] == 0) return i;
-    }
-    return 0;
-}
-
 WorldVector& CornerOf(WorldFile& world, size_t polygon, size_t corner) {
     return world.points[world.corners[world.polygons[polygon].firstCorner + corner].point].position;
 }
@@ -225,7 +218,13 @@ TEST(Datacheck, TellsFaultsOfBoxesAndOrder) {
                  std::reverse(l.world->polygons.begin() + leaf.firstPolygon,
                               l.world->polygons.begin() + leaf.firstPolygon + leaf.polygonCount);
          }},
-        {"the world is open", [](LevelData& l) { l.world->polygons[FirstWall(*l.world)] = l.world->polygons[0]; }},
+        {"the world is open",
+         [](LevelData& l) {
+             const WorldPolygon floor = l.world->polygons[0];
+             for (WorldPolygon& polygon : l.world->polygons) {
+                 if (l.world->planes[polygon.plane].normal[1] == 0) polygon = floor;
+             }
+         }},
         {"above its floor",
          [](LevelData& l) {
              for (WorldPoint& point : l.world->points)
