@@ -55,8 +55,10 @@ void DrawFrame() {
     if (FrameCount == 0x8000) FillStamps(0);
     SubmittedPolygons = 0;
     ClearFrame();
+    BeginBackToFront();
     if (SkyFlag != 0) DrawSky();
     RenderWorld();
+    EndBackToFront();
 }
 
 // Spread over the level, in the order of its leaves, and looking around in equal turns.

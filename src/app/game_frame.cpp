@@ -12,6 +12,7 @@
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
+#include "render/raster.h"
 #include "render/screen.h"
 #include "render/submit.h"
 #include "world/bsp.h"
@@ -93,10 +94,12 @@ bool GameFrame() {
     ClearFrame();
     UpdatePlayer();
     TextureCycle();
+    BeginBackToFront();
     if (SkyFlag != 0) DrawSky();
     UpdateShots();
     UpdateLights();
     RenderWorld();
+    EndBackToFront();
     if (locked) UnlockSurface();
     SwapScreen();
     const bool hostEnds = HostEndOfFrame(DescribeFrame(ListLightsAndShots()));

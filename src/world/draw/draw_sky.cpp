@@ -4,7 +4,6 @@
 #include "math/vectors.h"
 #include "platform/timer.h"
 #include "render/glide_screen.h"
-#include "render/raster.h"
 #include "render/render_tables.h"
 #include "world/draw/outcodes.h"
 #include "world/world_tables.h"
@@ -37,7 +36,6 @@ void DrawSkyPolygon(int32_t index) {
 void DrawSky() {
     if (FogSwitch == 0) return;
     SetSkyStates(true);
-    BeginBackToFront();
     for (int32_t i = 0; i < SkyObject.pointCount; ++i)
         TurnPoint(static_cast<uint32_t>(SkyObject.firstPoint + i));
     for (int32_t i = 0; i < SkyObject.polygonCount; ++i)

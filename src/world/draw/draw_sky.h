@@ -2,6 +2,5 @@
 #pragma once
 
 // Draws SkyObject turned with the camera but never moved with it, its polygons in their order and all at one light;
-// the world covers it. The software renderer keeps it until RenderWorld ends, and draws what the world leaves of it.
-// Nothing while FogSwitch is 0.
+// the world covers it. Nothing while FogSwitch is 0.
 void DrawSky();

@@ -7,7 +7,6 @@
 #include "platform/timer.h"
 #include "render/lines.h"
 #include "render/pipeline.h"
-#include "render/raster.h"
 #include "render/render_tables.h"
 #include "world/draw/draw_character.h"
 #include "world/draw/outcodes.h"
@@ -275,7 +274,5 @@ void RenderWorld() {
         return;
     }
     CollectLeaves(0);
-    BeginBackToFront();
     DrawRenderList();
-    EndBackToFront();
 }
