@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr double PI = 3.141592653589793;
-
 Quat RandomUnit(std::mt19937& random) {
     std::uniform_real_distribution<double> component(-1.0, 1.0);
     Quat q = {component(random), component(random), component(random), component(random)};

@@ -69,7 +69,7 @@ void PushKey(SDL_Scancode key, bool down, bool repeat = false) {
     SDL_PushEvent(&event);
 }
 
-constexpr uint8_t UP = 0xC8, RIGHT = 0xCD, SPACE = 0x39;
+constexpr uint8_t UP = 0xC8, RIGHT = 0xCD;
 
 }  // namespace
 
