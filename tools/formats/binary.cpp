@@ -78,12 +78,14 @@ std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path) {
 
 void WriteWholeFile(const std::filesystem::path& path, const std::vector<uint8_t>& content) {
     if (std::filesystem::is_regular_file(path) && ReadWholeFile(path) == content) return;
-    if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path());
+    std::error_code error;  // what fails shows in the writing
+    if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), error);
     const std::filesystem::path temporary = path.string() + ".part";
-    {
-        std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
-        stream.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
-        if (!stream) Refuse(path.string(), 0, "cannot be written", "check the folder's permissions and the free space");
-    }
-    std::filesystem::rename(temporary, path);
+    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
+    stream.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
+    stream.close();
+    error.clear();
+    if (stream) std::filesystem::rename(temporary, path, error);
+    if (!stream || error)
+        Refuse(path.string(), 0, "cannot be written", "check the folder's permissions and the free space");
 }
