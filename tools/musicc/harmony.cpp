@@ -56,8 +56,9 @@ std::optional<Tone> ParseTone(std::string_view text) {
     return tone;
 }
 
-Step ParseStep(std::string_view word, size_t bar) {
+Step ParseStep(const std::string_view written, size_t bar) {
     Step step;
+    std::string_view word = written;
     for (; !word.empty() && (word.back() == '!' || word.back() == '?'); word.remove_suffix(1))
         step.velocity = word.back() == '!' ? ACCENT : SOFT;
     if (word == ".") return step;
@@ -68,7 +69,7 @@ Step ParseStep(std::string_view word, size_t bar) {
         const auto tone = ParseTone(word.substr(start, end - start));
         if (!tone)
             throw PatternProblem{
-                fmt::format("has '{}' in bar {}, which is no note", word, bar + 1),
+                fmt::format("has '{}' in bar {}, which is no note", written, bar + 1),
                 "write notes as e4 or f#3, tones of the chord as 0 to 9 or *, rests as . and - to hold"};
         step.tones.push_back(*tone);
         start = end + 1;
@@ -145,7 +146,7 @@ std::vector<Step> ParseHits(std::string_view text, size_t stepsPerBar) {
             constexpr float VELOCITIES[] = {1.0f, 1.0f, ACCENT, SOFT};
             steps.push_back({{}, false, VELOCITIES[kind]});
             if (kind > 0) steps.back().tones.push_back({Tone::Pitch});
-        } else if (letter != ' ' && letter != '\n') {
+        } else if (std::string_view(" \t\r\n").find(letter) == std::string_view::npos) {
             throw PatternProblem{fmt::format("has '{}' in bar {}", letter, steps.size() / stepsPerBar + 1),
                                  "write hits as x, X or o and rests as ."};
         }

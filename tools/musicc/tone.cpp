@@ -63,6 +63,7 @@ double SineOfTurns(double turns) {
     const auto index = static_cast<size_t>(place);
     return table.At(index) + (table.At(index + 1) - table.At(index)) * (place - static_cast<double>(index));
 }
+
 double PowerOfTwo(double exponent) {
     const double whole = std::floor(exponent);
     const double x = (exponent - whole) * LN_2;

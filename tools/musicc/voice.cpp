@@ -9,6 +9,7 @@ namespace {
 constexpr int MOST_VOICES = 9;
 constexpr int64_t CONTROL_STEP = 32;  // samples between changes of pitch and cutoff
 constexpr int64_t LONGEST_TAIL = 30 * SAMPLE_RATE;
+constexpr double HIGHEST_STEP = 0.5;  // turns a sample: what is higher cannot be played
 constexpr double MIDDLE_C = 60.0;
 constexpr int64_t BURST_STEP = SAMPLE_RATE * 11 / 1000;
 
@@ -61,7 +62,7 @@ private:
         const double full = static_cast<double>(synth_.vibrato[2]);
         const double depth = static_cast<double>(synth_.vibrato[0]) * (seconds < full ? seconds / full : 1.0);
         pitch += depth / 100.0 * SineOfTurns(static_cast<double>(synth_.vibrato[1]) * seconds);
-        step_ = FrequencyOf(pitch) / SAMPLE_RATE;
+        step_ = std::min(FrequencyOf(pitch) / SAMPLE_RATE, HIGHEST_STEP);
         const double octaves = static_cast<double>(note_.brightness) +
                                static_cast<double>(synth_.sweep) * static_cast<double>(modulated_) +
                                static_cast<double>(synth_.follow) * (pitch - MIDDLE_C) / 12.0;
