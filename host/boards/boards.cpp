@@ -48,7 +48,8 @@ void ChooseBoard(const Options& options, bool hasWindow) {
 bool OpenBoard() {
     std::string error;
     if (!(isAutomatic ? OpenAutomatically(error) : CurrentBoard->open(error))) {
-        std::fprintf(stderr, "tarnwick: the %s board cannot be used: %s\n", CurrentBoard->name, error.c_str());
+        std::fprintf(stderr, "tarnwick: the %s board cannot be used: %s; with --board cpu the processor draws\n",
+                     CurrentBoard->name, error.c_str());
         return false;
     }
     HostLog("board: %s", CurrentBoard->name);

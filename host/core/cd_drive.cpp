@@ -78,7 +78,7 @@ void Abort() {
 bool DiscInDrive() {
     if (!disc) disc = ReadDisc(folder);
     if (!disc->tracks.empty()) return true;
-    LogOnce("no music: there are no tracks in " + folder);
+    LogOnce("no music: there are no tracks (track02 and so on) in " + folder);
     return false;
 }
 

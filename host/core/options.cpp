@@ -84,7 +84,7 @@ const OptionEntry OPTIONS[] = {
      [](std::string_view value, Options& options) { return TakeText(value, options.disc); }},
     {"--log", "FILE", "write the game's standard output and the host's log lines to FILE",
      [](std::string_view value, Options& options) { return TakeText(value, options.log); }},
-    {"--window", "WxH", "play in a window of this size, 320x240 and up", TakeWindow},
+    {"--window", "WxH, 320x240 and up", "play in a window of this size", TakeWindow},
     {"--fullscreen", nullptr, "play on the whole screen (the default)",
      [](std::string_view, Options& options) { return options.fullscreen = true; }},
     {"--level", "1..8", "choose this level at the start", TakeLevel},

@@ -51,7 +51,7 @@ TEST(CommandLine, RefusesWhatItDoesNotKnowInOneLine) {
         {{"--frames", "0"}, "--frames wants N, not \"0\""},
         {{"--frames", "4294967296"}, "--frames wants N, not \"4294967296\""},
         {{"--frames", "10x"}, "--frames wants N, not \"10x\""},
-        {{"--window", "800x"}, "--window wants WxH, not \"800x\""},
+        {{"--window", "800x"}, "--window wants WxH, 320x240 and up, not \"800x\""},
         {{"--shot", "5:"}, "--shot wants FRAME:FILE.png, not \"5:\""},
         {{"--data", ""}, "--data wants DIR, not \"\""},
     };
