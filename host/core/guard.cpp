@@ -23,7 +23,7 @@ constexpr Fault FAULTS[] = {{SIGSEGV, EXCEPTION_ACCESS_VIOLATION},
                             {SIGILL, EXCEPTION_ILLEGAL_INSTRUCTION}};
 
 sigjmp_buf resumePoint;
-volatile std::sig_atomic_t guarded = 0;
+thread_local volatile std::sig_atomic_t guarded = 0;  // a fault of a helping thread cannot be resumed: it ends all
 
 // On a stack of its own: the fault may be that the usual one is used up.
 void OnFault(int signal) {

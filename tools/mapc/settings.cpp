@@ -72,8 +72,8 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
 void CheckEntities(const MapFile& map) {
     for (const MapEntity& entity : map.entities) {
         const std::string name = entity.ClassName();
-        const bool known = name == "worldspawn" || name == "func_group" || name == "func_detail" || name == "func_terrain" || name == "light" ||
-                           name.starts_with("info_");
+        const bool known = name == "worldspawn" || name == "func_group" || name == "func_detail" ||
+                           name == "func_terrain" || name == "light" || name.starts_with("info_");
         if (known) continue;
         Refuse(map.name, entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + name,
                "use worldspawn, func_group, func_detail, func_terrain, light and info_*");
