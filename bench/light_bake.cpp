@@ -5,9 +5,9 @@
 #include "rounds.h"
 #include "tools/mapc/map_builder.h"
 
+#include "generated_map.h"
 #include "mapc/bake_spots.h"
 #include "mapc/ray_tracer.h"
-#include "tools/mapc/generated_map.h"
 
 #include <algorithm>
 #include <chrono>

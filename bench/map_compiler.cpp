@@ -1,7 +1,7 @@
 // The map compiler on generated maps of about 800 and 3,300 brushes. What to look at: the larger one's time, and how
 // many times the smaller one's it is.
+#include "generated_map.h"
 #include "rounds.h"
-#include "tools/mapc/generated_map.h"
 
 #include <cstdio>
 

@@ -3,6 +3,8 @@
 
 #include "formats/error.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 template <class Action>
@@ -13,4 +15,11 @@ std::string MessageOf(Action&& action) {
         return error.what();
     }
     return "no error";
+}
+
+// The message holds `part`.
+template <class Action>
+void ExpectRefusal(const std::string& part, Action&& action) {
+    const std::string message = MessageOf(action);
+    EXPECT_NE(message.find(part), std::string::npos) << "expected: " << part << "\nsaid: " << message;
 }

@@ -47,6 +47,6 @@ TEST(MaterialList, BadLinesAreRefusedWithFileAndLine) {
     };
     for (const auto& [text, expected] : cases) {
         WriteWholeFile(LIST, {text, text + std::string(text).size()});
-        EXPECT_NE(MessageOf([] { ReadMaterialList(LIST); }).find(expected), std::string::npos) << text;
+        ExpectRefusal(expected, [] { ReadMaterialList(LIST); });
     }
 }

@@ -107,21 +107,3 @@ std::string MapBuilder::Text() const {
 CompiledLevel Compile(const MapBuilder& builder, int level, const BakeOptions& bake) {
     return CompileMap(ParseMap(builder.Text(), "test.map"), {TestMaterials()}, level, bake);
 }
-
-std::string RefusalOf(const MapBuilder& builder, int level) {
-    try {
-        Compile(builder, level);
-    } catch (const ContentError& error) {
-        return error.what();
-    }
-    return "accepted";
-}
-
-std::string RefusalOf(const std::string& mapText) {
-    try {
-        CompileMap(ParseMap(mapText, "test.map"), {TestMaterials()}, 0, FAST_LIGHT);
-    } catch (const ContentError& error) {
-        return error.what();
-    }
-    return "accepted";
-}

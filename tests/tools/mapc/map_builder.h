@@ -41,5 +41,3 @@ private:
 
 const BakeOptions FAST_LIGHT{LightQuality::Fast, 1, {}};
 CompiledLevel Compile(const MapBuilder& builder, int level = 0, const BakeOptions& bake = FAST_LIGHT);
-std::string RefusalOf(const MapBuilder& builder, int level = 0);  // "accepted" when it compiles
-std::string RefusalOf(const std::string& mapText);

@@ -75,7 +75,7 @@ TEST(CompileTextures, FaultsNameTheFileAndTheRemedy) {
                                                           {Level({"nowhere"}), "nowhere.png"},
                                                           {Level({}, "odd"), "below each other"}};
     for (const auto& row : rows)
-        EXPECT_NE(MessageOf([&] { CompileTextures(row.first, FOLDER); }).find(row.second), std::string::npos);
+        ExpectRefusal(row.second, [&] { CompileTextures(row.first, FOLDER); });
 }
 
 TEST(ReadLevelTextures, RefusesNamesThatWouldClash) {

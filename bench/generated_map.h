@@ -1,7 +1,7 @@
 // Maps of any size, always the same for the same size: a square of rooms with doorways, pillars, stairs and crates.
 #pragma once
 
-#include "map_builder.h"
+#include "tools/mapc/map_builder.h"
 
 // About 32 brushes a room.
 MapBuilder GeneratedRooms(int roomsPerSide);
