@@ -1,22 +1,10 @@
 // lights.lmp of a small world.
 #include "support/game_file.h"
-#include "support/tiny_world.h"
+#include "support/small_world.h"
 #include "world/light_map.h"
 
-namespace {
-
-TinyWorld world;
-
-void PublishWorld() {
-    if (WorldGeometry.nodes != nullptr) return;
-    world.AddLeaf({FacingSquare({0, 0, 100}, {0, 0, -1}, 10)});
-    world.Publish();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    PublishWorld();
+    PublishSmallWorld();
     try {
         LoadLightMap(BeginGameFile(data, size));
     } catch (const FatalThrown&) {

@@ -3,22 +3,10 @@
 #include "lights/light_slots.h"
 #include "platform/timer.h"
 #include "support/game_file.h"
-#include "support/tiny_world.h"
-
-namespace {
-
-TinyWorld world;
-
-void PublishWorld() {
-    if (WorldGeometry.nodes != nullptr) return;
-    world.AddLeaf({FacingSquare({0, 0, 100}, {0, 0, -1}, 10)});
-    world.Publish();
-}
-
-}  // namespace
+#include "support/small_world.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    PublishWorld();
+    PublishSmallWorld();
     try {
         LoadLightSlots(BeginGameFile(data, size));
     } catch (const FatalThrown&) {

@@ -2,34 +2,18 @@
 #include "math/vectors.h"
 #include "platform/timer.h"
 #include "support/game_file.h"
+#include "support/small_world.h"
 #include "support/software_frame.h"
-#include "support/tiny_world.h"
 #include "support/view.h"
 #include "world/draw/draw_sky.h"
 #include "world/static_object.h"
 
 #include <utility>
 
-namespace {
-
-TinyWorld world;
-GeometryCounts worldCounts;
-
-void PublishWorld() {
-    if (WorldGeometry.nodes == nullptr) {
-        world.AddLeaf({FacingSquare({0, 0, 100}, {0, 0, -1}, 10)});
-        world.Publish();
-        worldCounts = WorldGeometry.used;
-    }
-    WorldGeometry.used = WorldGeometry.fixed = worldCounts;
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     SetUpSoftwareFrame();
     const char* const path = BeginGameFile(data, size);
-    PublishWorld();
+    PublishSmallWorld();
     try {
         LoadStaticObject(path);
     } catch (const FatalThrown&) {

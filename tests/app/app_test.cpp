@@ -43,7 +43,10 @@ protected:
         UseGlide = 0;
         testing::internal::CaptureStdout();
     }
-    void TearDown() override { testing::internal::GetCapturedStdout(); }
+    void TearDown() override {
+        StopInput(Input);
+        testing::internal::GetCapturedStdout();
+    }
 
     void OpenWindow() {
         MainWindow = OpenTestWindow();

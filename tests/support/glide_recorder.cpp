@@ -38,26 +38,10 @@ void grGlideInit() {
     handles = 0;
 }
 
-void grGlideShutdown() {
-    Record("grGlideShutdown");
-}
-
-void grSstSelect(int32_t board) {
-    Record("grSstSelect", board);
-}
-
 FxBool grSstWinOpen(HostWindow*, GrScreenResolution_t resolution, GrScreenRefresh_t refresh, GrColorFormat_t format,
                     GrOriginLocation_t origin, int32_t colourBuffers, int32_t auxiliaryBuffers) {
     Record("grSstWinOpen", resolution, refresh, format, origin, colourBuffers, auxiliaryBuffers);
     return FXTRUE;
-}
-
-void grSstWinClose() {
-    Record("grSstWinClose");
-}
-
-void grSstIdle() {
-    Record("grSstIdle");
 }
 
 void grDrawTriangle(const GrVertex* a, const GrVertex* b, const GrVertex* c) {
@@ -71,76 +55,55 @@ void grDrawLine(const GrVertex* a, const GrVertex* b) {
     Record("grDrawLine", a->x, a->y, b->x, b->y, a->r, a->g, a->b);
 }
 
-void grBufferClear(uint32_t colour, uint8_t alpha, uint16_t depth) {
-    Record("grBufferClear", colour, alpha, depth);
-}
-
-void grBufferSwap(int32_t interval) {
-    Record("grBufferSwap", interval);
-}
-
 int32_t grBufferNumPending() {
     return 0;
-}
-
-void grCullMode(GrCullMode_t mode) {
-    Record("grCullMode", mode);
-}
-
-void grDepthBufferMode(GrDepthBufferMode_t mode) {
-    Record("grDepthBufferMode", mode);
-}
-
-void grDepthBufferFunction(GrCmpFnc_t function) {
-    Record("grDepthBufferFunction", function);
-}
-
-void grDepthMask(FxBool writes) {
-    Record("grDepthMask", writes);
-}
-
-void grAlphaTestFunction(GrCmpFnc_t function) {
-    Record("grAlphaTestFunction", function);
-}
-
-void grAlphaTestReferenceValue(uint8_t value) {
-    Record("grAlphaTestReferenceValue", value);
-}
-
-void grTexCombine(GrChipID_t unit, GrCombineFunction_t rgb, GrCombineFactor_t rgbFactor, GrCombineFunction_t alpha,
-                  GrCombineFactor_t alphaFactor, FxBool invertRgb, FxBool invertAlpha) {
-    Record("grTexCombine", unit, rgb, rgbFactor, alpha, alphaFactor, invertRgb, invertAlpha);
-}
-
-void grAlphaCombine(GrCombineFunction_t function, GrCombineFactor_t factor, GrCombineLocal_t local,
-                    GrCombineOther_t other, FxBool invert) {
-    Record("grAlphaCombine", function, factor, local, other, invert);
-}
-
-void grColorCombine(GrCombineFunction_t function, GrCombineFactor_t factor, GrCombineLocal_t local,
-                    GrCombineOther_t other, FxBool invert) {
-    Record("grColorCombine", function, factor, local, other, invert);
-}
-
-void grFogMode(GrFogMode_t mode) {
-    Record("grFogMode", mode);
-}
-
-void grFogColorValue(uint32_t colour) {
-    Record("grFogColorValue", colour);
 }
 
 void grFogTable(const GrFog_t* table) {
     Record("grFogTable", table[0], table[GR_FOG_TABLE_SIZE - 2], table[GR_FOG_TABLE_SIZE - 1]);
 }
 
-void grTexClampMode(GrChipID_t unit, GrTextureClampMode_t s, GrTextureClampMode_t t) {
-    Record("grTexClampMode", unit, s, t);
-}
-
-void grTexMipMapMode(GrChipID_t unit, GrMipMapMode_t mode, FxBool blendLevels) {
-    Record("grTexMipMapMode", unit, mode, blendLevels);
-}
+// The calls that only carry numbers.
+#define RECORD0(CALL)                                                                                                  \
+    void CALL() {                                                                                                      \
+        Record(#CALL);                                                                                                 \
+    }
+#define RECORD1(CALL, A)                                                                                               \
+    void CALL(A a) {                                                                                                   \
+        Record(#CALL, a);                                                                                              \
+    }
+#define RECORD3(CALL, A, B, C)                                                                                         \
+    void CALL(A a, B b, C c) {                                                                                         \
+        Record(#CALL, a, b, c);                                                                                        \
+    }
+#define RECORD5(CALL, A, B, C, D, E)                                                                                   \
+    void CALL(A a, B b, C c, D d, E e) {                                                                               \
+        Record(#CALL, a, b, c, d, e);                                                                                  \
+    }
+#define RECORD7(CALL, A, B, C, D, E, F, G)                                                                             \
+    void CALL(A a, B b, C c, D d, E e, F f, G g) {                                                                     \
+        Record(#CALL, a, b, c, d, e, f, g);                                                                            \
+    }
+RECORD0(grGlideShutdown)
+RECORD0(grSstWinClose)
+RECORD0(grSstIdle)
+RECORD1(grSstSelect, int32_t)
+RECORD1(grBufferSwap, int32_t)
+RECORD1(grCullMode, GrCullMode_t)
+RECORD1(grDepthBufferMode, GrDepthBufferMode_t)
+RECORD1(grDepthBufferFunction, GrCmpFnc_t)
+RECORD1(grDepthMask, FxBool)
+RECORD1(grAlphaTestFunction, GrCmpFnc_t)
+RECORD1(grAlphaTestReferenceValue, uint8_t)
+RECORD1(grFogMode, GrFogMode_t)
+RECORD1(grFogColorValue, uint32_t)
+RECORD3(grBufferClear, uint32_t, uint8_t, uint16_t)
+RECORD3(grTexClampMode, GrChipID_t, GrTextureClampMode_t, GrTextureClampMode_t)
+RECORD3(grTexMipMapMode, GrChipID_t, GrMipMapMode_t, FxBool)
+RECORD5(grAlphaCombine, GrCombineFunction_t, GrCombineFactor_t, GrCombineLocal_t, GrCombineOther_t, FxBool)
+RECORD5(grColorCombine, GrCombineFunction_t, GrCombineFactor_t, GrCombineLocal_t, GrCombineOther_t, FxBool)
+RECORD7(grTexCombine, GrChipID_t, GrCombineFunction_t, GrCombineFactor_t, GrCombineFunction_t, GrCombineFactor_t,
+        FxBool, FxBool)
 
 FxBool gu3dfGetInfo(const char* gamePath, Gu3dfInfo* info) {
     Record(gamePath);

@@ -104,6 +104,7 @@ struct Mutation {
 
 void ExpectEachIsTold(const std::vector<Mutation>& mutations, int number = HOUSE) {
     const LevelData sound = SoundLevel(number);
+    EXPECT_EQ(FindingsOf(sound), "");
     for (const Mutation& mutation : mutations) {
         LevelData level = sound;
         mutation.damage(level);
@@ -113,36 +114,29 @@ void ExpectEachIsTold(const std::vector<Mutation>& mutations, int number = HOUSE
     }
 }
 
-TEST(Datacheck, TellsNothingOfASoundLevel) {
-    EXPECT_EQ(FindingsOf(SoundLevel(HOUSE)), "");
-    EXPECT_EQ(FindingsOf(SoundLevel(1)), "");
-}
-
 TEST(Datacheck, TellsFaultsOfTheSky) {
-    const std::vector<Mutation> mutations = {
-        {"the sky has a hole", [](LevelData& l) { l.sky->polygons.pop_back(); }},
-        {"the sky has a hole",
-         [](LevelData& l) {
-             l.sky->polygons[2].texture = 20;
-             l.textures->pages[0][8 * 256 + 4 * 8] = 0;
-         }},
-        {"clockwise",
-         [](LevelData& l) { std::reverse(l.sky->polygons[0].corners.begin(), l.sky->polygons[0].corners.end()); }},
-        {"is turned away from the eye",
-         [](LevelData& l) {
-             StaticObjectPolygon& side = l.sky->polygons[0];
-             std::reverse(side.corners.begin(), side.corners.end());
-             side.plane = {{0, 0, -1}, 500};
-         }},
-        {"from the eye", [](LevelData& l) { l.sky->points[0][0] = -9000; }},
-        {"uses texture 93", [](LevelData& l) { l.sky->polygons[1].texture = 93; }},
-        {"no texture coordinates", [](LevelData& l) { l.sky->polygons[1].corners[2].u = NAN; }},
-    };
-    ExpectEachIsTold(mutations, 1);
+    ExpectEachIsTold(
+        {
+            {"the sky has a hole", [](LevelData& l) { l.sky->polygons.pop_back(); }},
+            {"the sky has a hole",
+             [](LevelData& l) {
+                 l.sky->polygons[2].texture = 20;
+                 l.textures->pages[0][8 * 256 + 4 * 8] = 0;
+             }},
+            {"is turned away from the eye",
+             [](LevelData& l) {
+                 StaticObjectPolygon& side = l.sky->polygons[0];
+                 std::reverse(side.corners.begin(), side.corners.end());
+                 side.plane = {{0, 0, -1}, 500};
+             }},
+            {"from the eye", [](LevelData& l) { l.sky->points[0][0] = -9000; }},
+        },
+        1);
 }
 
-TEST(Datacheck, TellsFaultsOfTheTree) {
+TEST(Datacheck, TellsEachFaultOfALevel) {
     ExpectEachIsTold({
+        // the tree
         {"reaches a node twice", [](LevelData& l) { l.world->nodes[0].front = 0; }},
         {"is empty", [](LevelData& l) { l.world->nodes.clear(); }},
         {"is not reached",
@@ -156,11 +150,7 @@ TEST(Datacheck, TellsFaultsOfTheTree) {
              for (WorldLeaf& leaf : l.world->leaves)
                  leaf.firstPolygon = 0;
          }},
-    });
-}
-
-TEST(Datacheck, TellsFaultsOfPolygons) {
-    ExpectEachIsTold({
+        // polygons
         {"clockwise",
          [](LevelData& l) {
              const WorldPolygon& p = l.world->polygons[0];
@@ -168,49 +158,21 @@ TEST(Datacheck, TellsFaultsOfPolygons) {
                           l.world->corners.begin() + p.firstCorner + p.cornerCount);
          }},
         {"off its plane", [](LevelData& l) { l.world->planes[l.world->polygons[2].plane].offset += 1; }},
-        {"length 1",
-         [](LevelData& l) {
-             l.world->planes[l.world->polygons[2].plane].normal = {0.5f, 0, 0};
-         }},
         {"shorter than 0.1", [](LevelData& l) { CornerOf(*l.world, 1, 0) = CornerOf(*l.world, 1, 1); }},
-        {"on a line",
-         [](LevelData& l) {
-             const WorldVector a = CornerOf(*l.world, 1, 0);
-             const WorldVector b = CornerOf(*l.world, 1, 2);
-             CornerOf(*l.world, 1, 1) = {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
-         }},
         {"not convex",
          [](LevelData& l) {
              const size_t first = l.world->polygons[1].firstCorner;
              std::swap(l.world->corners[first + 1], l.world->corners[first + 2]);
          }},
         {"3 to 12 are possible", [](LevelData& l) { l.world->polygons[0].cornerCount = 2; }},
-        {"3 to 8 are possible",
-         [](LevelData& l) {
-             l.world->polygons[0].cornerCount = 9;
-             l.world->polygons[0].shading = WORLD_CORNER_LIGHT;
-         }},
         {"unknown kind of light", [](LevelData& l) { l.world->polygons[0].shading = 2; }},
         {"from the origin", [](LevelData& l) { l.world->points[0].position[1] = NAN; }},
         {"no texture coordinates", [](LevelData& l) { l.world->corners[0].u = INFINITY; }},
         {"uses texture 93", [](LevelData& l) { l.world->polygons[0].texture = 93; }},
-    });
-}
-
-TEST(Datacheck, TellsFaultsOfBoxesAndOrder) {
-    ExpectEachIsTold({
+        // boxes and order
         {"its box leaves out a corner:", [](LevelData& l) { l.world->leaves[0].halfExtents[1] -= 1; }},
         {"its box leaves out a corner below it", [](LevelData& l) { l.world->nodes[0].centre[0] += 5; }},
         {"cell of the tree", [](LevelData& l) { std::swap(l.world->nodes[0].front, l.world->nodes[0].back); }},
-        {"reaches only",
-         [](LevelData& l) {  // a crate's worth of hall
-             for (WorldPoint& point : l.world->points) {
-                 for (float& v : point.position)
-                     v *= 0.04f;
-             }
-             for (WorldLeaf& leaf : l.world->leaves)
-                 leaf.centre = CornerOf(*l.world, leaf.firstPolygon, 0);
-         }},
         {"is drawn over polygon", [](LevelData& l) { std::swap(l.world->nodes[0].front, l.world->nodes[0].back); }},
         {"must be touched last",
          [](LevelData& l) {
@@ -219,11 +181,9 @@ TEST(Datacheck, TellsFaultsOfBoxesAndOrder) {
                               l.world->polygons.begin() + leaf.firstPolygon + leaf.polygonCount);
          }},
         {"the world is open",
-         [](LevelData& l) {
-             const WorldPolygon floor = l.world->polygons[0];
-             for (WorldPolygon& polygon : l.world->polygons) {
-                 if (l.world->planes[polygon.plane].normal[1] == 0) polygon = floor;
-             }
+         [](LevelData& l) {  // upwards
+             for (WorldPolygon& polygon : l.world->polygons)
+                 if (l.world->planes[polygon.plane].normal[1] > 0) polygon = l.world->polygons[0];
          }},
         {"above its floor",
          [](LevelData& l) {
@@ -232,17 +192,7 @@ TEST(Datacheck, TellsFaultsOfBoxesAndOrder) {
              for (WorldPlane& plane : l.world->planes)
                  plane.offset -= 5 * plane.normal[1];
          }},
-    });
-}
-
-TEST(Datacheck, TellsWhatIsTooLarge) {
-    ExpectEachIsTold({
-        {"polygons at one point: ",
-         [](LevelData& l) {
-             for (WorldCorner& corner : l.world->corners)
-                 corner.point = 0;
-             l.world->corners.resize(300);
-         }},
+        // sizes
         {"planes: 62001",
          [](LevelData& l) {
              l.world->planes.resize(62001, {{1, 0, 0}, 0});
@@ -259,11 +209,7 @@ TEST(Datacheck, TellsWhatIsTooLarge) {
                  world.polygons.insert(world.polygons.end(), 151, first);
              }
          }},
-    });
-}
-
-TEST(Datacheck, TellsFaultsOfLight) {
-    ExpectEachIsTold({
+        // light
         {"beyond 0 to 127", [](LevelData& l) { l.light->pointLight[2] = -1; }},
         {"the world has", [](LevelData& l) { l.light->pointLight.pop_back(); }},
         {"no bytes for it", [](LevelData& l) { l.world->polygons[1].shading = WORLD_CORNER_LIGHT; }},
@@ -291,11 +237,7 @@ TEST(Datacheck, TellsFaultsOfLight) {
              const LightSlotRecord lamp = l.slots->slots[0];
              l.slots->slots.assign(31, lamp);
          }},
-    });
-}
-
-TEST(Datacheck, TellsFaultsOfTextures) {
-    ExpectEachIsTold({
+        // textures
         {"94 textures, 95 are needed", [](LevelData& l) { l.textures->slots.pop_back(); }},
         {"differs in size", [](LevelData& l) { l.textures->slots[12].width = 16; }},
         {"differs from texture 14",
