@@ -202,6 +202,10 @@ void Settings::RefuseKey(const std::string& key, const std::string& problem, con
     Refuse(file_, LineOf(node ? *node : Table(table_)), fmt::format("'{}' {}", key, problem), remedy);
 }
 
+int Settings::Line() const {
+    return LineOf(Table(table_));
+}
+
 void Settings::RefuseTable(const std::string& problem, const std::string& remedy) const {
-    Refuse(file_, LineOf(Table(table_)), problem, remedy);
+    Refuse(file_, Line(), problem, remedy);
 }

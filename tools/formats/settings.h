@@ -34,6 +34,7 @@ public:
 
     void Finish() const;
     [[noreturn]] void RefuseKey(const std::string& key, const std::string& problem, const std::string& remedy) const;
+    int Line() const;  // where this table begins
     [[noreturn]] void RefuseTable(const std::string& problem, const std::string& remedy) const;
 
 private:

@@ -24,7 +24,7 @@ public:
     SkyCompiler(const std::vector<Material>& materials, const std::string& file) : materials_(materials), file_(file) {}
 
     void Add(const SkyPolygon& polygon) {
-        const Material& material = MaterialOf(polygon.material);
+        const Material& material = MaterialOf(polygon);
         StaticObjectPolygon result;
         result.texture = static_cast<uint8_t>(material.slot);
         result.plane = PlaneOf(polygon);
@@ -39,14 +39,16 @@ public:
     StaticObjectFile Take() { return std::move(object_); }
 
 private:
-    const Material& MaterialOf(const std::string& name) const {
+    const Material& MaterialOf(const SkyPolygon& polygon) const {
+        const std::string& name = polygon.material;
         const auto found = std::find_if(materials_.begin(), materials_.end(),
                                         [&](const Material& material) { return material.name == name; });
         if (found == materials_.end()) {
-            Refuse(file_, 0, fmt::format("the level has no material '{}'", name), "add it to its textures.toml");
+            Refuse(file_, polygon.line, fmt::format("the level has no material '{}'", name),
+                   "add it to its textures.toml");
         }
         if (found->flags & (MATERIAL_CLIP | MATERIAL_SKY) || found->slot > UINT8_MAX) {
-            Refuse(file_, 0, fmt::format("'{}' is never drawn", name), "name another material");
+            Refuse(file_, polygon.line, fmt::format("'{}' is never drawn", name), "name another material");
         }
         return *found;
     }
@@ -54,7 +56,7 @@ private:
     [[noreturn]] void RefusePolygon(const SkyPolygon& polygon, const std::string& problem,
                                     const std::string& remedy) const {
         const Vector& p = polygon.corners[0].place;
-        Refuse(file_, 0,
+        Refuse(file_, polygon.line,
                fmt::format("a polygon of '{}' at ({:.0f} {:.0f} {:.0f}) {}", polygon.material, p.x, p.y, p.z, problem),
                remedy);
     }
@@ -111,7 +113,10 @@ SkyShape ReadSky(const std::filesystem::path& description) {
     const Settings settings = Settings::Load(description);
     const float ofAll = settings.Number("radius", SKY_RADIUS, SKY_NEAREST, SKY_FARTHEST);
     SkyShape shape;
-    for (const Settings& layer : settings.Tables("layer")) {
+    const std::vector<Settings> layers = settings.Tables("layer");
+    if (layers.empty()) settings.RefuseTable("the sky has no layers", "add a [[layer]] with a kind");
+    for (const Settings& layer : layers) {
+        const size_t before = shape.size();
         const auto radius = [&] { return layer.Number("radius", ofAll, SKY_NEAREST, SKY_FARTHEST); };
         layer.NeedText("kind");
         switch (layer.Choice("kind", "dome", {"dome", "sheet", "disc", "stars", "model"})) {
@@ -122,6 +127,8 @@ SkyShape ReadSky(const std::filesystem::path& description) {
         default: AddModel(layer, shape); break;
         }
         layer.Finish();
+        for (size_t i = before; i < shape.size(); ++i)
+            shape[i].line = layer.Line();
     }
     settings.Finish();
     return shape;
