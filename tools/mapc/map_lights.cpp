@@ -47,20 +47,13 @@ const StyleName& StyleOf(const MapFile& map, const MapEntity& entity) {
     Refuse(map.name, key->line, fmt::format("the light has the unknown style \"{}\"", key->value), "use " + known);
 }
 
-// A misspelt key would leave the light as if it had none. Editors begin those of their own with an underscore.
-void CheckKeys(const MapFile& map, const MapEntity& entity, const StyleName& style) {
-    const std::vector<const char*> ofAll{"classname", "origin", "light", "radius", "style"};
-    const std::vector<const char*> ofCycles{"low", "rise", "fall", "high_time", "low_time", "start"};
-    for (const MapKey& key : entity.keys) {
-        const auto isOneOf = [&](const std::vector<const char*>& names) {
-            return std::find(names.begin(), names.end(), key.name) != names.end();
-        };
-        if (key.name.starts_with('_') || isOneOf(ofAll) || isOneOf(style.keys)) continue;
-        if (!isOneOf(ofCycles)) {
-            Refuse(map.name, key.line, fmt::format("the light has the unknown key {}", key.name),
-                   "correct its name, or leave it out");
-        }
-        Refuse(map.name, key.line, fmt::format("the key {} means nothing to a light of style {}", key.name, style.name),
+void RefuseIdleKeys(const MapFile& map, const MapEntity& entity, const StyleName& style) {
+    for (const char* name : {"low", "rise", "fall", "high_time", "low_time", "start"}) {
+        const bool used = std::any_of(style.keys.begin(), style.keys.end(),
+                                      [&](const char* key) { return std::string(key) == name; });
+        const MapKey* key = entity.Find(name);
+        if (used || !key) continue;
+        Refuse(map.name, key->line, fmt::format("the key {} means nothing to a light of style {}", name, style.name),
                "leave it out, or change the style");
     }
 }
@@ -69,7 +62,7 @@ PointLight LightOf(const MapFile& map, const MapEntity& entity) {
     const std::optional<Vec3> origin = VectorKey(map, entity, "origin");
     if (!origin) Refuse(map.name, entity.line, "a light has no origin", "place it in the map");
     const StyleName& style = StyleOf(map, entity);
-    CheckKeys(map, entity, style);
+    RefuseIdleKeys(map, entity, style);
     const auto number = [&](const char* name, double ifMissing, double least, double most) {
         return NumberKeyIn(map, entity, name, ifMissing, least, most);
     };

@@ -27,7 +27,6 @@ struct PointLight {
     int line = 0;
 };
 
-// In map order. ContentError for a key out of its range and for one that is unknown or that the
-// light's style has no use for.
+// In map order. ContentError for a key out of its range and for one that the light's style has no use for.
 std::vector<PointLight> ReadLights(const MapFile& map);
 double MeanOf(const PointLight& light);  // the part of its brightness that it has in the mean of its cycle

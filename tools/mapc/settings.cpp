@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace {
 
 void ReadColour(const MapFile& map, const MapEntity& entity, const char* name, std::array<int, 3>& colour) {
@@ -28,6 +30,50 @@ void ReadDarkColour(const MapFile& map, const MapEntity& world, const std::optio
            fmt::format("dark_color is {} {} {}, but the level's textures are made for {} {} {}", colour[0], colour[1],
                        colour[2], (*ofMaterials)[0], (*ofMaterials)[1], (*ofMaterials)[2]),
            "leave the key out, or change the dark colour of the textures");
+}
+
+struct EntityClass {
+    std::string name;
+    std::vector<std::string> keys;
+};
+
+const std::vector<EntityClass> ENTITY_CLASSES{
+    {"worldspawn",
+     {"scale",
+      "subdivide",
+      "light_tolerance",
+      "light_level",
+      "contrast",
+      "fade_distance",
+      "far_distance",
+      "light_mode",
+      "plain_brightening",
+      "bright_color",
+      "dark_color",
+      "ambient",
+      "ambient_distance",
+      "sun",
+      "sun_direction",
+      "sky_light",
+      "bounce",
+      "exposure",
+      "mapversion",
+      "message",
+      "wad"}},  // the last three are editors'
+    {"func_group", {"corner_light"}},
+    {"func_detail", {"corner_light"}},
+    {"func_terrain", {"image", "steep", "steep_from", "high", "high_from"}},
+    {"light", {"origin", "light", "radius", "style", "low", "rise", "fall", "high_time", "low_time", "start"}},
+};
+
+// A misspelt key would go unnoticed. Editors begin those of their own with an underscore, and lights have a _color.
+void CheckKeys(const MapFile& map, const MapEntity& entity, const std::vector<std::string>& known) {
+    for (const MapKey& key : entity.keys) {
+        if (key.name == "classname" || key.name.starts_with('_')) continue;
+        if (std::find(known.begin(), known.end(), key.name) != known.end()) continue;
+        Refuse(map.name, key.line, fmt::format("unknown key {} of a {}", key.name, entity.ClassName()),
+               fmt::format("correct its name, or leave it out; known are {}", fmt::join(known, ", ")));
+    }
 }
 
 }  // namespace
@@ -72,10 +118,13 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
 void CheckEntities(const MapFile& map) {
     for (const MapEntity& entity : map.entities) {
         const std::string name = entity.ClassName();
-        const bool known = name == "worldspawn" || name == "func_group" || name == "func_detail" ||
-                           name == "func_terrain" || name == "light" || name.starts_with("info_");
-        if (known) continue;
-        Refuse(map.name, entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + name,
-               "use worldspawn, func_group, func_detail, func_terrain, light and info_*");
+        if (name.starts_with("info_")) continue;
+        const auto known = std::find_if(ENTITY_CLASSES.begin(), ENTITY_CLASSES.end(),
+                                        [&](const EntityClass& entityClass) { return entityClass.name == name; });
+        if (known == ENTITY_CLASSES.end()) {
+            Refuse(map.name, entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + name,
+                   "use worldspawn, func_group, func_detail, func_terrain, light and info_*");
+        }
+        CheckKeys(map, entity, known->keys);
     }
 }

@@ -30,4 +30,4 @@ struct LevelSettings {
 // dark: the colour that the level's palette was made for. ContentError for a key out of its range, and for a dark_color
 // that is another one.
 LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<int, 3>>& dark);
-void CheckEntities(const MapFile& map);  // ContentError for a class that is not known
+void CheckEntities(const MapFile& map);  // ContentError for a class or key that is not known

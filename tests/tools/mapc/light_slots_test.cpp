@@ -212,7 +212,7 @@ TEST(LightSlots, LimitsHoldAtTheirBorders) {
 TEST(LightSlots, KeysThatMeanNothingAreRefused) {
     const std::pair<std::string, const char*> cases[] = {
         {Style("strobe"), "unknown style \"strobe\": use steady, ramp, blink"},
-        {"\"stile\" \"blink\"\n", "the light has the unknown key stile"},
+        {"\"stile\" \"blink\"\n", "unknown key stile of a light"},
         {"\"rise\" \"9\"\n", "the key rise means nothing to a light of style steady"},
         {Style("ramp", "\"high_time\" \"9\"\n"), "the key high_time means nothing to a light of style ramp"},
         {Style("ramp", "\"low\" \"1.5\"\n"), "the key low is 1.5: use 0 to 1"},
