@@ -1,11 +1,35 @@
 #include "texc/contact_sheet.h"
 
+#include "texc/palette.h"
+
 namespace {
 
 constexpr int SQUARE = 192;  // one and a half of the largest texture
 constexpr int GAP = 8;
 constexpr int PICTURES_A_ROW = 6;
 constexpr Rgba BACKGROUND{255, 0, 255, 255};  // shows through holes
+constexpr int UNCHANGED = 64;                 // level of light
+constexpr std::array<int, 5> STRIP_LEVELS{16, 40, UNCHANGED, 88, 112};
+
+using PaletteColour = std::array<uint8_t, 3>;  // 0..63
+
+Rgba ToRgba(const PaletteColour& colour) {
+    const auto byte = [&](size_t c) { return static_cast<uint8_t>(colour[c] * 4); };
+    return {byte(0), byte(1), byte(2), 255};
+}
+
+// Darker it fades to the dark colour, brighter to white, bright colours more.
+Rgba Lit(const PaletteColour& colour, int level, const std::array<int, 3>& dark) {
+    const int sum = colour[0] + colour[1] + colour[2];
+    PaletteColour lit;
+    for (size_t c = 0; c < 3; ++c) {
+        const int value = colour[c];
+        lit[c] = static_cast<uint8_t>(level <= UNCHANGED
+                                          ? dark[c] + (value - dark[c]) * level / UNCHANGED
+                                          : value + (63 - value) * sum * (level - UNCHANGED) / (3 * 63 * UNCHANGED));
+    }
+    return ToRgba(lit);
+}
 
 }  // namespace
 
@@ -27,15 +51,18 @@ Image ContactSheet(const std::vector<Image>& pictures) {
     return sheet;
 }
 
-Image ShowTexture(const TextureFile& file, const TextureSlot& slot) {
-    Image image(slot.width, slot.height);
-    for (int y = 0; y < slot.height; ++y) {
-        for (int x = 0; x < slot.width; ++x) {
-            const uint8_t texel = file.Texel(slot, x, y);
-            const auto& colour = file.palette[texel];
-            const auto byte = [&](size_t c) { return static_cast<uint8_t>(colour[c] * 4); };
-            image.At(x, y) = {byte(0), byte(1), byte(2), static_cast<uint8_t>(texel == 0 ? 0 : 255)};
+Image ShowLit(const TextureFile& file, const TextureSlot& slot, const std::array<int, 3>& dark) {
+    Image wanted(SQUARE, SQUARE, {0, 0, 0, 0});
+    for (int y = 0; y < SQUARE; ++y) {
+        for (int x = 0; x < SQUARE; ++x) {
+            const uint8_t texel = file.Texel(slot, x % slot.width, y % slot.height);
+            const int level = STRIP_LEVELS[static_cast<size_t>(x) * STRIP_LEVELS.size() / SQUARE];
+            if (texel != 0) wanted.At(x, y) = Lit(file.palette[texel], level, dark);
         }
     }
-    return image;
+    const std::vector<uint8_t> shown = ToPalette(wanted, file.palette);
+    for (size_t i = 0; i < shown.size(); ++i) {
+        if (shown[i] != 0) wanted.pixels[i] = ToRgba(file.palette[shown[i]]);
+    }
+    return wanted;
 }

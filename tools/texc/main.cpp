@@ -39,7 +39,8 @@ void CompileLevel(const Options& options) {
     if (!options.sheet.empty()) {
         std::vector<Image> shown;
         for (const TextureSlot& slot : compiled.textures.slots) {
-            if (slot != compiled.textures.slots[SLOT_CLIP]) shown.push_back(ShowTexture(compiled.textures, slot));
+            if (slot != compiled.textures.slots[SLOT_CLIP])
+                shown.push_back(ShowLit(compiled.textures, slot, compiled.dark));
         }
         WritePng(options.sheet, ContactSheet(shown));
     }
@@ -71,7 +72,8 @@ int main(int argc, char** argv) {
     level->add_option("--texture", options.texture, "texture.bin to write")->required();
     level->add_option("--accelerator", options.accelerator, "Folder for the accelerator's textures to write");
     level->add_option("--materials", options.list, "Material list for mapc to write")->required();
-    level->add_option("--sheet", options.sheet, "Contact sheet in the level's palette to write (.png)");
+    level->add_option("--sheet", options.sheet,
+                      "Contact sheet in the level's palette, at five levels of light, to write (.png)");
     CLI::App* sheet = app.add_subcommand("sheet", "Put painted materials side by side");
     sheet->add_option("pictures", options.sheetPictures, "The pictures (.png)")->required();
     sheet->add_option("-o,--output", options.sheet, "The contact sheet (.png)")->required();
