@@ -122,7 +122,7 @@ TEST_F(FollowCamera, StopsTwentyInFrontOfAWall) {
     };
     for (const Row& row : {Row{100, 80}, Row{249, 229}, Row{260, 230}, Row{10, -10}}) {
         TinyWorld slab;
-        slab.AddLeaf(BlockSides({-500, -500, -row.wall - 8}, {500, 500, -row.wall}));
+        slab.AddLeaf({FacingSquare({0, 0, -row.wall}, NORTH, 500)});
         slab.Publish();
         UpdateCamera();
         EXPECT_NEAR(CameraPos.z, -row.camera, 1e-2) << row.wall;

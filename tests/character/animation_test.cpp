@@ -84,22 +84,6 @@ TEST_F(Animation, KeysInterpolateAndHoldAtBothEnds) {
     EXPECT_NEAR(bones_[0].position[1], 9.0, 1e-12);
 }
 
-TEST_F(Animation, OnlyTheFirstBonesPositionMovesTheSkeletonAndPopsReturnToTheParent) {
-    std::vector<BoneTracks> bones = {StillBone(), StillBone(0.0, 10.0, 0.0), StillBone(0.0, 20.0, 0.0)};
-    bones[0].positions[0] = {10, {1.0, 2.0, 3.0}};
-    bones[1].positions[0] = {10, {100.0, 100.0, 100.0}};
-    bones[1].rotations[0].rotation = QUARTER_ABOUT_Y;
-    Load(AnimationImage(100, {0, -1, 1, -2, 2}, bones));
-    PoseAt(10);
-    for (const BoneRecord& bone : bones_) {
-        EXPECT_NEAR(bone.world.t[0], 1.0, 1e-12);
-        EXPECT_NEAR(bone.world.t[1], 2.0, 1e-12);
-        EXPECT_NEAR(bone.world.t[2], 3.0, 1e-12);
-    }
-    EXPECT_NEAR(bones_[1].world.r[0], 0.0, 1e-12);
-    EXPECT_NEAR(bones_[2].world.r[0], 1.0, 1e-12);  // not turned by its sibling
-}
-
 TEST_F(Animation, ABlendStartsFromTheLastUnblendedPoseAndStoresNothing) {
     Load(AnimationImage(200, {0}, OneTurningBone()));
     PoseAt(110);

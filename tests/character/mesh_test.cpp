@@ -97,12 +97,6 @@ protected:
     Actor actor_{};
 };
 
-TEST_F(Skinning, SoftPointsBlendWithWhatEarlierBlocksGaveThem) {
-    Skin(EncodeWeights(Blocks()));
-    EXPECT_EQ(X(0), 5.0f);
-    EXPECT_EQ(X(1), 0.0f);
-}
-
 TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
     record_.hiddenBlock = 0;
     for (uint32_t p = 0; p < 4; ++p)

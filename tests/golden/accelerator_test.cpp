@@ -195,29 +195,4 @@ TEST_P(AcceleratorPictures, OfTheCpuBoardAreAsRecordedAndOfTheGpuBoardTheSame) {
         EXPECT_LT(DifferingPixels(picture, cpu.at(name), 2), 100u) << name << ": of 640 x 480";
 }
 
-// Outlines over the lower half, which the software renderer clears: each pixel of one renderer's has one of the
-// other's within two pixels of 320 x 240.
-TEST_P(AcceleratorPictures, ShowEdgesWhereTheSoftwareRendererShowsThem) {
-    const Pixels software = ReadPng(GOLDENS / "alpha_192.png");
-    if (GetParam().number != 1) GTEST_SKIP() << "there are no outlines in this script";
-    const Pixels glide = Play("cpu")["alpha_192"];
-    ASSERT_EQ(glide.width, 2 * software.width) << errors;
-    const auto isSoftwareLine = [&](uint32_t x, uint32_t y) {
-        return !std::equal(software.At(x, y), software.At(x, y) + 3, software.At(0, software.height - 1));
-    };
-    size_t seen = 0;
-    for (uint32_t y = software.height + 6; y < glide.height - 6; ++y) {
-        for (uint32_t x = 6; x < glide.width - 6; ++x) {
-            if (glide.At(x, y)[0] + glide.At(x, y)[1] + glide.At(x, y)[2] == 0) continue;
-            ++seen;
-            bool found = false;
-            for (uint32_t row = y / 2 - 2; row <= y / 2 + 2; ++row)
-                for (uint32_t column = x / 2 - 2; column <= x / 2 + 2; ++column)
-                    found |= isSoftwareLine(column, row);
-            EXPECT_TRUE(found) << x << " " << y;
-        }
-    }
-    EXPECT_GT(seen, 1000u);
-}
-
 }  // namespace

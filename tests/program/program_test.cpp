@@ -35,15 +35,6 @@ TEST_F(Program, MissingLevelEndsItNamingFileAndFolder) {
     EXPECT_EQ(result.output.find("No .BSP"), std::string::npos) << "standard output holds the game's own lines only";
 }
 
-TEST_F(Program, EveryLevelNamesItsOwnWorld) {
-    const char* worlds[] = {"level1\\assault.bgm", "level2\\bigone.bgm", "level3\\house.bgm", "level4\\soulflum.bgm",
-                            "level5\\dside.bgm",   "level6\\swamp.bgm",  "level7\\wild.bgm",  "level8\\assault.bgm"};
-    for (int level = 1; level <= 8; level++) {
-        const ProgramResult result = RunWithoutData("--level " + std::to_string(level) + " --frames 1");
-        EXPECT_TRUE(Says(result.errors, worlds[level - 1]));
-    }
-}
-
 TEST_F(Program, EscapeInTheFrontEndEndsIt) {
     program.Write("keys.txt", "100ms tap ESCAPE\n");
     const ProgramResult result = RunWithoutData("--script keys.txt");

@@ -33,15 +33,14 @@ Box BoxOf(const Record& record) {
 }
 
 // Of a side whose viewer stands at `towardsViewer` from it: the quad of the box's corners.
-Corners BoxSide(const Vec3& a, const Vec3& b, const Vec3& towardsViewer, bool onViewersSide) {
+Corners RoomSide(const Vec3& a, const Vec3& b, const Vec3& towardsViewer) {
     const Vec3 middle = {(a.x + b.x) / 2, (a.y + b.y) / 2, (a.z + b.z) / 2};
     const Vec3 half = {(b.x - a.x) / 2, (b.y - a.y) / 2, (b.z - a.z) / 2};
-    const float away = onViewersSide ? 1.0f : -1.0f;
     Corners corners = FacingSquare({0, 0, 0}, towardsViewer, 1.0f);
     for (Vec3& corner : corners) {
-        corner.x = middle.x + half.x * (corner.x + away * towardsViewer.x);
-        corner.y = middle.y + half.y * (corner.y + away * towardsViewer.y);
-        corner.z = middle.z + half.z * (corner.z + away * towardsViewer.z);
+        corner.x = middle.x + half.x * (corner.x - towardsViewer.x);
+        corner.y = middle.y + half.y * (corner.y - towardsViewer.y);
+        corner.z = middle.z + half.z * (corner.z - towardsViewer.z);
     }
     return corners;
 }
@@ -50,14 +49,6 @@ template <class Record>
 void AppendRecords(std::vector<uint8_t>& bytes, const Record* records, uint32_t count) {
     const auto* first = reinterpret_cast<const uint8_t*>(records);
     bytes.insert(bytes.end(), first, first + count * sizeof(Record));
-}
-
-std::vector<Corners> BoxSides(const Vec3& lowest, const Vec3& highest, bool fromOutside) {
-    std::vector<Corners> sides;
-    for (const Vec3& axis :
-         {Vec3{1, 0, 0}, Vec3{-1, 0, 0}, Vec3{0, 1, 0}, Vec3{0, -1, 0}, Vec3{0, 0, 1}, Vec3{0, 0, -1}})
-        sides.push_back(BoxSide(lowest, highest, axis, fromOutside));
-    return sides;
 }
 
 }  // namespace
@@ -92,11 +83,11 @@ Corners FacingSquare(const Vec3& centre, const Vec3& towardsViewer, float halfSi
 }
 
 std::vector<Corners> RoomSides(const Vec3& lowest, const Vec3& highest) {
-    return BoxSides(lowest, highest, false);
-}
-
-std::vector<Corners> BlockSides(const Vec3& lowest, const Vec3& highest) {
-    return BoxSides(lowest, highest, true);
+    std::vector<Corners> sides;
+    for (const Vec3& axis :
+         {Vec3{1, 0, 0}, Vec3{-1, 0, 0}, Vec3{0, 1, 0}, Vec3{0, -1, 0}, Vec3{0, 0, 1}, Vec3{0, 0, -1}})
+        sides.push_back(RoomSide(lowest, highest, axis));
+    return sides;
 }
 
 int32_t AppendPolygon(const std::vector<ViewCorner>& corners, uint8_t texture) {

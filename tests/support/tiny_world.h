@@ -14,9 +14,8 @@ using Corners = std::vector<Vec3>;  // counter-clockwise as seen from the visibl
 // A square of 2 x halfSize, visible from the side that `towardsViewer` (along one axis) points to.
 Corners FacingSquare(const Vec3& centre, const Vec3& towardsViewer, float halfSize);
 
-// The six sides of a box, visible from inside (a room) or from outside (a block).
+// The six sides of a box, visible from inside.
 std::vector<Corners> RoomSides(const Vec3& lowest, const Vec3& highest);
-std::vector<Corners> BlockSides(const Vec3& lowest, const Vec3& highest);
 
 // A polygon in camera space behind all that WorldGeometry uses, with a point of its own for every corner, outcodes of
 // the four sides and plane 0. Returns its number.

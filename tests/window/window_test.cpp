@@ -139,12 +139,3 @@ TEST_F(Window, ShowsTheGpuBoardsPictureAtEverySizeAndWhenTheFocusComesBack) {
     desktop->PressCloseButton();
     EXPECT_EQ(desktop->GameStatus(), 0) << Output();
 }
-
-TEST_F(Window, CloseButtonEndsTheProgramInLevelAndLevelChoice) {
-    for (const bool inLevel : {false, true}) {
-        desktop->StartGame({"--window", "640x480"});
-        inLevel ? desktop->ChooseFirstLevel() : desktop->Key("space");
-        desktop->PressCloseButton();
-        EXPECT_EQ(desktop->GameStatus(), 0) << inLevel;
-    }
-}

@@ -9,10 +9,6 @@
 
 namespace {
 
-CharacterMesh Tetrahedron() {
-    return {3, {{0, 0, 0}, {1, 0, 0}, {0, 2, 0}, {0, 0, -3.5F}}, {{0, 1, 2}, {0, 2, 3}, {0, 3, 1}, {1, 3, 2}}};
-}
-
 CharacterAnimation Nod() {
     CharacterAnimation animation;
     animation.length = 90;
@@ -28,15 +24,6 @@ CharacterAnimation Nod() {
 
 }  // namespace
 
-TEST(CharacterFileLayout, ReadsBackWhatItWrote) {
-    EXPECT_EQ(DecodeMesh(EncodeMesh(Tetrahedron()), "a"), Tetrahedron());
-    EXPECT_EQ(DecodeAnimation(EncodeAnimation(Nod()), "a"), Nod());
-    const std::vector<SkinTriangle> skin{{1, {{{0, 1}, {2, 3}, {4, 5}}}}, {0, {{{9, 8}, {7, 6}, {5, 4}}}}};
-    EXPECT_EQ(DecodeSkin(EncodeSkin(skin), "a"), skin);
-    const std::vector<WeightBlock> blocks{{{0, 3}, {}}, {{}, {{3, 65535}, {0, 1}}}};
-    EXPECT_EQ(DecodeWeights(EncodeWeights(blocks), "a"), blocks);
-}
-
 TEST(CharacterFileLayout, AnimationsThatTheGameCouldNotPlayAreRefused) {
     const struct {
         const char* fault;
@@ -51,6 +38,7 @@ TEST(CharacterFileLayout, AnimationsThatTheGameCouldNotPlayAreRefused) {
         {"push without pop", [](auto& a) { a.commands[3] = COMMAND_PUSH; }},
         {"bone that is not there", [](auto& a) { a.commands[4] = 3; }},
     };
+    EXPECT_EQ(DecodeAnimation(EncodeAnimation(Nod()), "a"), Nod());
     for (const auto& row : rows) {
         CharacterAnimation animation = Nod();
         row.make(animation);

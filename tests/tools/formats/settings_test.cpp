@@ -6,25 +6,6 @@
 
 #include <functional>
 
-TEST(Settings, ReadsEachKindAndKeepsFallbacksAsTheyAre) {
-    const Settings s =
-        Settings::Parse("n = 3\nx = 0.5\nb = true\nt = 'hi'\nc = ['#102030', '#fffefd']\np = [[1, 2], [3, 4]]\n"
-                        "[[sub]]\nn = 1\n[[sub]]\nn = 2\n",
-                        "a.toml");
-    EXPECT_EQ(s.Int("n", 0, 0, 9), 3);
-    EXPECT_EQ(s.Number("n", 0, 0, 9), 3.0F) << "a whole number is a number";
-    EXPECT_EQ(s.Number("x", 0, 0, 1), 0.5F);
-    EXPECT_TRUE(s.Flag("b", false));
-    EXPECT_EQ(s.Text("t", ""), "hi");
-    EXPECT_EQ(ReadColours(s, "c"), (std::vector<Rgba>{{16, 32, 48, 255}, {255, 254, 253, 255}}));
-    EXPECT_EQ(s.Numbers("p"), (std::vector<float>{1, 2, 3, 4}));
-    const std::vector<Settings> sub = s.Tables("sub");
-    ASSERT_EQ(sub.size(), 2U);
-    EXPECT_EQ(sub[1].NeedInt("n", 0, 9), 2);
-    EXPECT_EQ(s.Int("missing", -7, 0, 9), -7);
-    EXPECT_NO_THROW(s.Finish());
-}
-
 TEST(Settings, RefusalsNameFileLineAndKey) {
     const struct {
         const char* text;

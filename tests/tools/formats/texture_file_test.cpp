@@ -7,20 +7,12 @@ namespace {
 
 TextureFile TwoTextures() {
     TextureFile file;
-    for (size_t i = 0; i < 256; ++i)
-        file.palette[i] = {static_cast<uint8_t>(i % 64), static_cast<uint8_t>(i / 4), 7};
     file.slots = {{0, 16, 32, 64, 8}, {1, 128, 128, 128, 128}};
     file.pages.assign(2, std::vector<uint8_t>(TEXTURE_PAGE_SIZE, 0));
-    for (size_t i = 0; i < TEXTURE_PAGE_SIZE; ++i)
-        file.pages[1][i] = static_cast<uint8_t>(i * 7 / 256);
     return file;
 }
 
 }  // namespace
-
-TEST(TextureFileLayout, ReadsBackWhatItWrote) {
-    EXPECT_EQ(DecodeTextureFile(EncodeTextureFile(TwoTextures()), "texture.bin"), TwoTextures());
-}
 
 TEST(TextureFileLayout, RefusesWhatTheGameCouldNotUse) {
     const std::vector<uint8_t> whole = EncodeTextureFile(TwoTextures());
@@ -40,7 +32,6 @@ TEST(TextureFileLayout, RefusesWhatTheGameCouldNotUse) {
     for (const auto& row : rows) {
         std::vector<uint8_t> bytes = whole;
         bytes[row.offset] = row.byte;
-        const std::string message = MessageOf([&] { DecodeTextureFile(bytes, "texture.bin"); });
-        EXPECT_NE(message.find(row.text), std::string::npos) << row.text << ": " << message;
+        ExpectRefusal(row.text, [&] { DecodeTextureFile(bytes, "texture.bin"); });
     }
 }

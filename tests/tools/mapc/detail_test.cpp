@@ -1,12 +1,10 @@
 // What the records of a world hold: texture coordinates, placement, light.
 #include "map_builder.h"
-#include "maths/angles.h"
 #include "world_checks.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <map>
 
 namespace {
@@ -63,16 +61,6 @@ TEST(TextureCoordinates, APictureThatFitsStaysHalfATexelInside) {
     const auto corners = CornersOfSlot(Compile(RoomWithFace("floor 0 0 0 8 8")).world, 1);
     EXPECT_EQ(corners.at({0, 0, 512}), Texel(128, 128));
     EXPECT_EQ(corners.at({512, 0, 0}), Texel(64 * 256 - 128, 64 * 256 - 128));
-}
-
-TEST(TextureCoordinates, SineAndCosineAgreeWithTheLibrary) {
-    for (int degrees = -720; degrees <= 720; degrees += 5) {
-        const SineCosine own = SineCosineOfDegrees(degrees);
-        EXPECT_NEAR(own.sine, std::sin(degrees * M_PI / 180), 1e-14);
-        EXPECT_NEAR(own.cosine, std::cos(degrees * M_PI / 180), 1e-14);
-    }
-    EXPECT_EQ(SineCosineOfDegrees(90).cosine, 0);
-    EXPECT_EQ(SineCosineOfDegrees(-90).sine, -1);
 }
 
 TEST(Placement, TheStartComesToTheLevelsStartAndLooksAlongZ) {

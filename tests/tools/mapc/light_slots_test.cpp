@@ -42,57 +42,6 @@ double OnCharacter(const LightSlotFile& file, const Vec3& place) {
     return sum;
 }
 
-// A bake as it comes out of a world without geometry.
-struct MadeUp {
-    WorldFile world;
-    BakedLight baked;
-    LampsByStyle lamps;
-
-    LightSlotFile Make() const {
-        const std::string name = "made.map";
-        return MakeLightSlots(baked, {name, world, lamps, Placement{}, 1});
-    }
-};
-
-PointLight LampAt(const Vec3& place, LightStyle style, int line) {
-    PointLight light{place, 60, 100, style};
-    light.line = line;
-    return light;
-}
-
-// Steady lamps, each with a place of play that it lights, `apart` from each other.
-MadeUp SteadyLamps(int count, double apart) {
-    MadeUp made;
-    for (int i = 0; i < count; ++i) {
-        made.lamps.steady.push_back(LampAt({i * apart, 0, 0}, LightStyle::Steady, i + 1));
-        std::vector<double> light(static_cast<size_t>(count), apart > 0 ? 0 : 40);
-        light[static_cast<size_t>(i)] = 40;
-        made.baked.places.push_back({{i * apart, 10, 0}, light});
-    }
-    return made;
-}
-
-MadeUp LampThatChanges(size_t points, size_t cornerPolygon) {
-    MadeUp made;
-    made.lamps.changing.push_back(LampAt({0, 0, 0}, LightStyle::Blink, 7));
-    made.world.points.resize(1);
-    made.world.corners.resize(1);
-    made.world.polygons.resize(cornerPolygon + 1);
-    LightField field{std::vector<double>(points, 20), {}};
-    field.corners.resize(cornerPolygon + 1);
-    field.corners.back()[3] = 20;
-    made.baked.changing.push_back(field);
-    return made;
-}
-
-MadeUp DynamicLamp(size_t points) {
-    MadeUp made;
-    made.lamps.dynamic.push_back(LampAt({0, 0, 0}, LightStyle::Dynamic, 9));
-    made.world.points.assign(points, {{0, 60, 80}, {}});
-    made.world.points.push_back({{0, 101, 0}, {}});
-    return made;
-}
-
 }  // namespace
 
 TEST(LightSlots, ARampAddsWhatASteadyLampWouldAtItsBrightest) {
@@ -178,35 +127,16 @@ TEST(LightSlots, TheCharacterIsLitAsThePlaceIs) {
 }
 
 TEST(LightSlots, TheSunIsAFarSlotAsStrongAsItsShareOfThePlaces) {
-    MadeUp made;
-    made.baked.toSun = {0.6, 0.8, 0};
-    made.baked.places = {{{0, 0, 0}, {}, 90}, {{200, 0, 0}, {}, 30}};
-    const LightSlotFile file = made.Make();
+    BakedLight baked;
+    baked.toSun = {0.6, 0.8, 0};
+    baked.places = {{{0, 0, 0}, {}, 90}, {{200, 0, 0}, {}, 30}};
+    const WorldFile world;
+    const LampsByStyle lamps;
+    const LightSlotFile file = MakeLightSlots(baked, {"made.map", world, lamps, Placement{}, 1});
     ASSERT_EQ(file.slots.size(), 1U);
     EXPECT_EQ(file.slots[0].type, LIGHT_PASSIVE);
     EXPECT_EQ(file.slots[0].position, (std::array<float, 3>{60100, 80000, 0}));
     EXPECT_NEAR(OnCharacter(file, {0, 0, 0}), 60, 0.1);
-}
-
-TEST(LightSlots, LimitsHoldAtTheirBorders) {
-    const struct {
-        MadeUp fits, exceeds;
-        const char* message;
-    } cases[] = {
-        {SteadyLamps(140, 1000), SteadyLamps(141, 1000), "made.map:141: this light needs the slot 141 of 140"},
-        {SteadyLamps(30, 0), SteadyLamps(31, 0), "31 lights reach the player at (0 0 10), at most 30"},
-        {LampThatChanges(32767, 8191), LampThatChanges(32768, 0),
-         "made.map:7: the changing lights up to this one "
-         "reach 32768 points, at most 32767"},
-        {LampThatChanges(1, 8191), LampThatChanges(1, 8192),
-         "made.map:7: this light changes the corner light of "
-         "polygon 8192"},
-        {DynamicLamp(1000), DynamicLamp(1001), "made.map:9: this dynamic light reaches 1001 points"},
-    };
-    for (const auto& row : cases) {
-        EXPECT_NO_THROW(row.fits.Make()) << row.message;
-        ExpectRefusal(row.message, [&] { row.exceeds.Make(); });
-    }
 }
 
 TEST(LightSlots, KeysThatMeanNothingAreRefused) {
