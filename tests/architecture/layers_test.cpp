@@ -64,16 +64,12 @@ void ExpectNone(const std::vector<Include>& includes, const string& reason,
                           << reason;
 }
 
-bool StartsWith(const string& text, const string& start) {
-    return text.rfind(start, 0) == 0;
-}
-
 bool IsTables(const string& path) {
     return path.find("_tables.") != string::npos;
 }
 
 bool AllowedEverywhere(const string& path) {
-    return StartsWith(path, "host/") || StartsWith(path, "records/") || IsTables(path);
+    return path.starts_with("host/") || path.starts_with("records/") || IsTables(path);
 }
 
 // The place in LAYERS of the longest folder that `path` (from src/) lies in; -1: none of them.
@@ -81,7 +77,7 @@ int LayerOf(const string& path) {
     int layer = -1;
     size_t longest = 0;
     for (size_t i = 0; i < LAYERS.size(); i++) {
-        if (!StartsWith(path, LAYERS[i] + "/") || LAYERS[i].size() < longest) continue;
+        if (!path.starts_with(LAYERS[i] + "/") || LAYERS[i].size() < longest) continue;
         layer = static_cast<int>(i);
         longest = LAYERS[i].size();
     }
@@ -93,7 +89,7 @@ bool Exists(const std::vector<string>& roots, const string& path) {
 }
 
 bool NamesDeviceLibrary(const Include& include) {
-    return StartsWith(include.path, "SDL") || StartsWith(include.path, "GL/") || StartsWith(include.path, "EGL/");
+    return include.path.starts_with("SDL") || include.path.starts_with("GL/") || include.path.starts_with("EGL/");
 }
 
 }  // namespace
@@ -110,7 +106,7 @@ TEST(Layers, TablesAndRecordsAreDataOnly) {
     ExpectNone(IncludesBelow("src"), "tables and records include only tables, records and the host's interfaces",
                [](const Include& include) {
                    const string file = include.line.file.substr(4);
-                   const bool data = IsTables(file) || StartsWith(file, "records/");
+                   const bool data = IsTables(file) || file.starts_with("records/");
                    return data && include.quoted && !AllowedEverywhere(include.path);
                });
 }
@@ -131,8 +127,8 @@ TEST(Layers, OnlyOneBackEndAndTheBoardKnowTheDeviceLibraries) {
     ExpectNone(IncludesBelow("host"), "windows, devices and graphics belong to host/backends/sdl and host/boards/gpu",
                [](const Include& include) {
                    const string& file = include.line.file;
-                   return NamesDeviceLibrary(include) && !StartsWith(file, "host/backends/sdl/") &&
-                          !StartsWith(file, "host/boards/gpu");
+                   return NamesDeviceLibrary(include) && !file.starts_with("host/backends/sdl/") &&
+                          !file.starts_with("host/boards/gpu");
                });
 }
 
@@ -141,17 +137,16 @@ TEST(Layers, ToolsHaveTheirOwnReadersAndWriters) {
                [](const Include& include) { return include.quoted && !Exists({"tools"}, include.path); });
 }
 
-TEST(Layers, GlobalsAreDeclaredInHeaders) {
+TEST(Layers, GlobalsAreDeclaredInHeadersAndAnglesGoThroughThePortableTrigonometry) {
     static const std::regex declaration(R"(^\s*extern\s+[^"])");
-    for (const SourceLine& line : LinesBelow("src"))
-        if (fs::path(line.file).extension() == ".cpp" && std::regex_search(line.text, declaration))
-            ADD_FAILURE() << line.file << ":" << line.number << ": " << line.text << "\n  declare it in its own header";
-}
-
-TEST(Layers, AnglesGoThroughThePortableTrigonometry) {
     static const std::regex call(R"(\b(sin|cos|tan|asin|acos|atan|atan2|sincos)f?\s*\()");
-    for (const SourceLine& line : LinesBelow("src"))
-        if (!StartsWith(line.file, "src/math/trig.") && std::regex_search(line.text, call))
-            ADD_FAILURE() << line.file << ":" << line.number << ": " << line.text
-                          << "\n  the C library's differ between processors: use math/trig.h";
+    for (const SourceLine& line : LinesBelow("src")) {
+        const auto refuse = [&](const char* remedy) {
+            ADD_FAILURE() << line.file << ":" << line.number << ": " << line.text << "\n  " << remedy;
+        };
+        if (line.file.ends_with(".cpp") && std::regex_search(line.text, declaration))
+            refuse("declare it in its own header");
+        if (!line.file.starts_with("src/math/trig.") && std::regex_search(line.text, call))
+            refuse("the C library's differ between processors: use math/trig.h");
+    }
 }

@@ -72,7 +72,6 @@ TEST_F(ProbeTest, OneWallRows) {
         {"faces the start", FacingSquare({0, 0, 100}, SOUTH, 50), origin, ahead, 100},
         {"beyond the end, on the line", FacingSquare({0, 0, 400}, SOUTH, 50), origin, ahead, 400},
         {"turns its back", FacingSquare({0, 0, 100}, NORTH, 50), origin, ahead, 250},
-        {"behind the start", FacingSquare({0, 0, -100}, NORTH, 50), origin, ahead, 250},
         {"parallel to the line", FacingSquare({10, 0, 100}, WEST, 50), origin, ahead, 250},
         {"an edge of no length bounds nothing",
          {{-9, -9, 100}, {9, -9, 100}, {9, 9, 100}, {9, 9, 100}, {-9, 9, 100}},
@@ -88,7 +87,6 @@ TEST_F(ProbeTest, OneWallRows) {
          {2999.9998f, 0, 250},
          100},
         {"no length", FacingSquare({0, 0, 100}, SOUTH, 50), origin, origin, 0},
-        {"slanting line", FacingSquare({0, 0, 30}, SOUTH, 500), origin, {40, 0, 30}, 50},
     };
     for (const Row& row : rows) {
         TinyWorld one;

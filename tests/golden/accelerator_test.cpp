@@ -53,14 +53,6 @@ protected:
 
     static std::string Name(const std::string& call) { return call.substr(0, call.find_first_of(" \n")); }
 
-    // Where each game begins.
-    std::vector<size_t> Starts() const {
-        std::vector<size_t> starts;
-        for (size_t i = 0; i < calls.size(); ++i)
-            if (calls[i] == "grGlideInit") starts.push_back(i);
-        return starts;
-    }
-
     Calls Frame(size_t number) const {
         Calls frame;
         size_t swaps = 0;
@@ -109,21 +101,6 @@ TEST_P(GlideCalls, AreThoseRecorded) {
 
 using AGamesGlideCalls = GlideCalls;
 
-TEST_F(AGamesGlideCalls, SelectATextureOnceForARunOfPolygons) {
-    Play(1, "30 quit\n");
-    std::string selected;
-    size_t triangles = 0;
-    for (const std::string& call : calls) {
-        if (call == "grGlideInit") selected.clear();
-        if (call.starts_with("guTexSource ")) {
-            ASSERT_NE(call, selected);
-            selected = call;
-        }
-        triangles += call.starts_with("grDrawTriangle");
-    }
-    EXPECT_GT(triangles, 10000u);
-}
-
 TEST_F(AGamesGlideCalls, LeaveTheStatesAsTheyWereAfterTheOutlineView) {
     Play(1, TURNED_TO_A_WALL + "60 tap W\n64 tap W\n70 quit\n");
     EXPECT_EQ(StatesAfter(68), StatesAfter(58));
@@ -137,7 +114,9 @@ TEST_F(AGamesGlideCalls, LeaveTheStatesAsTheyWereAfterTheOutlineView) {
 
 TEST_F(AGamesGlideCalls, SetUpASecondGameLikeTheFirst) {
     Play(1, "10 tap ESCAPE\n9000ms tap SPACE\n9100ms tap F1\n9200ms tap F12\n20 quit\n");
-    const std::vector<size_t> starts = Starts();
+    std::vector<size_t> starts;  // of the games
+    for (size_t i = 0; i < calls.size(); ++i)
+        if (calls[i] == "grGlideInit") starts.push_back(i);
     ASSERT_EQ(starts.size(), 2u);
     bool fogIsDefined = false;  // the first table is made of what was left behind, and made again once all is known
     for (size_t i = 0; !calls[starts[0] + i].starts_with("guTexSource"); ++i) {
@@ -162,12 +141,12 @@ protected:
     }
 #endif
     // By the names of the shots in the level's script; none: this board cannot be had.
-    std::map<std::string, Pixels> Play(const std::string& board) {
+    std::map<std::string, Image> Play(const std::string& board) {
         const ProgramResult result = program.Run(
             Options(GetParam().number, SOURCE_FOLDER "/tests/golden/" + std::string(GetParam().name) + ".txt") +
             " --board " + board);
         errors = result.errors;
-        std::map<std::string, Pixels> pictures;
+        std::map<std::string, Image> pictures;
         for (const fs::directory_entry& entry : fs::directory_iterator(program.Folder())) {
             const std::string name = entry.path().stem();
             if (result.status == 0 && name.starts_with(GetParam().name)) pictures[name] = ReadPng(entry.path());
@@ -180,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(Levels, AcceleratorPictures, LEVELS,
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_P(AcceleratorPictures, OfTheCpuBoardAreAsRecordedAndOfTheGpuBoardTheSame) {
-    const std::map<std::string, Pixels> cpu = Play("cpu");
+    const std::map<std::string, Image> cpu = Play("cpu");
     ASSERT_GE(cpu.size(), 4u) << errors;
     for (const auto& [name, picture] : cpu) {
         const fs::path golden = GOLDENS / (name + "_accelerator.png");
@@ -188,7 +167,7 @@ TEST_P(AcceleratorPictures, OfTheCpuBoardAreAsRecordedAndOfTheGpuBoardTheSame) {
         if (std::getenv("TARNWICK_RENEW_GOLDENS")) WritePng(golden, Halved(picture));
         EXPECT_EQ(DifferingPixels(Halved(picture), ReadPng(golden), 1), 0u) << name;
     }
-    const std::map<std::string, Pixels> gpu = Play("gpu");
+    const std::map<std::string, Image> gpu = Play("gpu");
     if (errors.find("no OpenGL") != errors.npos) GTEST_SKIP() << errors;
     ASSERT_EQ(gpu.size(), cpu.size()) << errors;
     for (const auto& [name, picture] : gpu)

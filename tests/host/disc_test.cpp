@@ -64,13 +64,6 @@ TEST_F(DiscFolder, ThreeFormatsGiveTheSameSamplesOverAndOver) {
     const std::vector<int16_t> read = ReadAll(*reader, 500);
     EXPECT_EQ(read[0], wave[441 * 2]);
     EXPECT_EQ(read[441 * 2], wave[441 * 2]) << "the span begins again";
-    WriteSound(Path("mono.wav"), WAV, 8000, 1, Triangle(100, 1));
-    EXPECT_EQ(ReadAll(*TrackReader::Open(Path("mono.wav"), problem_), 100), ([] {
-                  std::vector<int16_t> both;
-                  for (const short sample : Triangle(100, 1))
-                      both.insert(both.end(), 2, sample);
-                  return both;
-              }()));
 }
 
 TEST_F(DiscFolder, WhatIsNoTrackIsLeftOutAndNamesMayBeInAnyCase) {

@@ -2,43 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 namespace {
-
-TEST(ScriptText, EveryActionIsRead) {
-    Script script;
-    std::string error;
-    ASSERT_TRUE(ParseScript("# a walk\r\n"
-                            "120 down UP\t# and run\r\n"
-                            "\n"
-                            "121 up NUMPADENTER\n"
-                            " 0ms tap SPACE\n"
-                            "3500ms mouse -32768 32767\n"
-                            "5 button right down\n"
-                            "6 button left up\n"
-                            "7 focus gained\n"
-                            "8 wait 200\n"
-                            "9 shot out/a.png\n"
-                            "4294967295 quit",
-                            "walk.txt", script, error))
-        << error;
-    std::ostringstream read;
-    for (const ScriptLine& line : script.lines)
-        read << line.number << ' ' << line.when << (line.isFrame ? " " : "ms ") << static_cast<int>(line.action) << ' '
-             << int{line.code} << ' ' << line.x << ' ' << line.y << ' ' << line.on << ' ' << line.milliseconds << ' '
-             << line.file << '\n';
-    EXPECT_EQ(read.str(), "2 120 0 200 0 0 0 0 \n"
-                          "4 121 1 156 0 0 0 0 \n"
-                          "5 0ms 2 57 0 0 0 0 \n"
-                          "6 3500ms 3 0 -32768 32767 0 0 \n"
-                          "7 5 4 1 0 0 1 0 \n"
-                          "8 6 4 0 0 0 0 0 \n"
-                          "9 7 5 0 0 0 1 0 \n"
-                          "10 8 6 0 0 0 0 200 \n"
-                          "11 9 7 0 0 0 0 0 out/a.png\n"
-                          "12 4294967295 8 0 0 0 0 0 \n");
-}
 
 TEST(ScriptText, AWrongLineIsNamedWithWhatWasExpected) {
     const std::pair<const char*, const char*> CASES[] = {

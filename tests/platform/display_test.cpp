@@ -3,13 +3,14 @@
 #include "core/display.h"
 #include "core/presentation.h"
 #include "core/testing.h"
+#include "formats/binary.h"
+#include "formats/image.h"
 #include "platform/image.h"
 #include "render/render_tables.h"
 #include "support/test_window.h"
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -44,24 +45,17 @@ protected:
     HWND window = nullptr;
 };
 
-// A file header, an info header and 2 x 2 pixels of 24 bits: the first stored row red, the second blue.
-std::string BitmapBytes(int32_t height) {
-    std::string file(70, '\0');
-    const auto put = [&file](size_t offset, int32_t value) { std::memcpy(&file[offset], &value, sizeof(value)); };
-    file[0] = 'B';
-    file[1] = 'M';
-    put(10, 54);
-    put(14, 40);
-    put(18, 2);
-    put(22, height);
-    file[26] = 1;
-    file[28] = 24;
-    file[54 + 2] = file[54 + 5] = file[62] = file[62 + 3] = '\xFF';
+// 2 x 2 pixels: the first stored row red, the second blue.
+std::vector<uint8_t> BitmapBytes(int32_t height) {
+    Image picture(2, 2, {0, 0, 255, 255});
+    picture.At(0, 1) = picture.At(1, 1) = {255, 0, 0, 255};
+    std::vector<uint8_t> file = EncodeBitmap(picture);
+    std::memcpy(&file[22], &height, sizeof height);
     return file;
 }
 
-void WriteFile(const std::string& name, const std::string& bytes) {
-    std::ofstream(std::filesystem::path(::testing::TempDir()) / name, std::ios::binary) << bytes;
+void WriteFile(const std::string& name, const std::vector<uint8_t>& bytes) {
+    WriteWholeFile(std::filesystem::path(::testing::TempDir()) / name, bytes);
 }
 
 }  // namespace

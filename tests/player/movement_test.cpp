@@ -137,17 +137,17 @@ TEST(Movement, LeapsCarryTheMeasuredDistance) {
     } rows[] = {{1, {414.0f, 441.0f}, {509.0f, 539.0f}},
                 {2, {384.0f, 437.0f}, {498.0f, 555.0f}},
                 {4, {429.0f, 494.0f}, {582.0f, 655.0f}}};
+    const auto expectLength = [](float length, const float(&range)[2]) {
+        EXPECT_GE(length, range[0] * 0.95f);
+        EXPECT_LE(length, range[1] * 1.05f);
+    };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.ticks);
         Walker walker(FLAT, row.ticks, {0.0f, 115.0f, 0.0f});
         walker.Frames(60, RUN);
-        const float tapped = Jump(walker, 0, RUN).length;
-        EXPECT_GE(tapped, row.tapped[0] * 0.95f);
-        EXPECT_LE(tapped, row.tapped[1] * 1.05f);
+        expectLength(Jump(walker, 0, RUN).length, row.tapped);
         walker.Frames(100, RUN);
-        const float held = Jump(walker, CTL_SPACE, RUN).length;
-        EXPECT_GE(held, row.held[0] * 0.95f);
-        EXPECT_LE(held, row.held[1] * 1.05f);
+        expectLength(Jump(walker, CTL_SPACE, RUN).length, row.held);
     }
 }
 

@@ -2,36 +2,25 @@
 
 #include "render/lines.h"
 #include "render/pipeline.h"
-#include "render/render_tables.h"
 
-std::vector<PipelineCall> PipelineCalls;
+std::string PipelineLog;
 
-void DrawPolygon(int32_t polygon) {
-    PipelineCalls.push_back({'d', polygon, 0});
+namespace {
+
+void Record(const std::string& call) {
+    PipelineLog += (PipelineLog.empty() ? "" : " ") + call;
 }
 
-void DrawPolygonClipped(int32_t polygon, uint8_t edgeMask) {
-    PipelineCalls.push_back({'c', polygon, edgeMask});
-}
+}  // namespace
 
 void DrawMeshPolygon(int32_t polygon) {
-    PipelineCalls.push_back({'D', polygon, 0});
+    Record("D" + std::to_string(polygon));
 }
 
 void DrawMeshPolygonClipped(int32_t polygon, uint8_t edgeMask) {
-    PipelineCalls.push_back({'C', polygon, edgeMask});
+    Record("C" + std::to_string(polygon) + "/" + std::to_string(edgeMask));
 }
 
-void DrawPolygonOutline(int32_t polygon) {
-    PipelineCalls.push_back({'o', polygon, LineColour});
-}
-
-std::string PipelineLog() {
-    std::string log;
-    for (const PipelineCall& call : PipelineCalls) {
-        if (!log.empty()) log += ' ';
-        log += call.kind + std::to_string(call.polygon);
-        if (call.detail != 0) log += '/' + std::to_string(call.detail);
-    }
-    return log;
-}
+void DrawPolygon(int32_t) {}
+void DrawPolygonClipped(int32_t, uint8_t) {}
+void DrawPolygonOutline(int32_t) {}

@@ -1,6 +1,5 @@
 // A sound level and data folder, and one broken rule at a time.
 #include "datacheck/folder.h"
-#include "datacheck/pool_replay.h"
 #include "datacheck/rules.h"
 #include "formats/binary.h"
 #include "formats/image.h"
@@ -265,24 +264,6 @@ TEST(Datacheck, TellsFaultsOfTheCharacter) {
         damage(character);
         EXPECT_NE(findingsOf(character).find(expected), std::string::npos) << expected;
     }
-}
-
-TEST(Datacheck, CountsTheEnginesMemoryAsItIsTaken) {
-    WorldFile world;
-    world.nodes.resize(4000);
-    world.leaves.resize(4000);
-    world.planes.resize(3000);
-    world.polygons.resize(8000);
-    world.points.resize(10000);
-    world.corners.resize(34000);
-    const PoolUse typical = ReplayPool(world, 95, 12, 400000);
-    EXPECT_EQ(typical.failedFor, nullptr);
-    EXPECT_NEAR(static_cast<double>(typical.free), 8388544 - 5.8e6, 300000);
-    world.corners.resize(52000);
-    world.points.resize(25000);
-    world.planes.resize(62000);
-    world.polygons.resize(20000);
-    EXPECT_STREQ(ReplayPool(world, 95, 12, 400000).failedFor, "the frame");
 }
 
 class DataFolder : public testing::Test {

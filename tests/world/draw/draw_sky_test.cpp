@@ -34,11 +34,11 @@ protected:
     }
 
     std::string Draw(const Vec3& eye, float pitch, float yaw) {
-        PipelineCalls.clear();
+        PipelineLog.clear();
         ++FrameCount;
         LookFrom(eye, pitch, yaw);
         DrawSky();
-        return PipelineLog();
+        return PipelineLog;
     }
 
     TinyWorld world_;

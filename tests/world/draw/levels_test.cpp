@@ -15,9 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
-#include <map>
 #include <random>
 
 namespace {
@@ -224,35 +222,6 @@ protected:
         FarDistance = 60000.0f;
     }
 };
-
-// Every leaf at most once, every marked leaf's character exactly once and right beside a leaf that is listed.
-TEST_P(CompiledLevel, ListsNothingTwice) {
-    std::mt19937 random(1);
-    for (const Vec3& eye : PlacesOverFloors()) {
-        FrameCount++;
-        size_t marked = 0;
-        for (uint32_t i = 0; i < WorldGeometry.leafCount; ++i) {
-            const bool mark = random() % 4 == 0;
-            WorldGeometry.leaves[i].frameStamp = mark ? FrameCount : uint16_t{0};
-            marked += mark;
-        }
-        LookFrom(eye, 20, static_cast<float>(random() % 360));
-        RenderWorld();
-        std::map<int32_t, int> places[2];  // of leaves, of characters
-        for (int i = 0; i < RenderListCount; ++i) {
-            const int32_t entry = WorldGeometry.renderList[i];
-            const bool isCharacter = entry >= CHARACTER_ENTRY;
-            const int32_t leaf = isCharacter ? entry - CHARACTER_ENTRY : entry < 0 ? ~entry : entry;
-            ASSERT_TRUE(places[isCharacter].emplace(leaf, i).second) << "leaf " << leaf;
-        }
-        ASSERT_EQ(places[1].size(), marked);
-        for (const auto& [leaf, place] : places[0]) {
-            const auto character = places[1].find(leaf);
-            if (character == places[1].end()) continue;
-            ASSERT_EQ(std::abs(character->second - place), 1) << "leaf " << leaf;
-        }
-    }
-}
 
 TEST_P(CompiledLevel, ShowsTheNearestPolygonOnEveryLineOfSight) {
     const PaintersOrder order = CheckPaintersOrder();

@@ -4,7 +4,6 @@
 #include "character/character_tables.h"
 #include "platform/timer.h"
 #include "render/render_tables.h"
-#include "support/pipeline_spy.h"
 #include "support/tiny_world.h"
 #include "support/view.h"
 #include "world/bsp.h"
@@ -31,7 +30,6 @@ protected:
         FogSwitch = FOG_SWITCH_ON;
         PlayerActor = {};
         FrameCount = 1;
-        PipelineCalls.clear();
         LookFrom({0, 0, 0}, 0, 0);
     }
 
@@ -44,7 +42,6 @@ protected:
     }
 
     List Render() {
-        PipelineCalls.clear();
         ++FrameCount;
         for (const int leaf : leavesWithCharacter_) {
             WorldGeometry.leaves[leaf].frameStamp = FrameCount;
