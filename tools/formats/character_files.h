@@ -36,44 +36,37 @@ struct CharacterMesh {
     uint32_t boneCount = CHARACTER_BONES;
     std::vector<std::array<float, 3>> points;
     std::vector<std::array<uint32_t, 3>> triangles;
-    bool operator==(const CharacterMesh&) const = default;
 };
 
 struct SkinTriangle {
     uint32_t texture = 0;                           // counted from the first skin slot
     std::array<std::array<float, 2>, 3> corners{};  // u, v in 1/256 texel
-    bool operator==(const SkinTriangle&) const = default;
 };
 
 struct SoftPoint {
     uint16_t point = 0;
     uint16_t weight = 0;  // 1/65536
-    bool operator==(const SoftPoint&) const = default;
 };
 
 struct WeightBlock {
     std::vector<uint16_t> hard;
     std::vector<SoftPoint> soft;
-    bool operator==(const WeightBlock&) const = default;
 };
 
 struct RotationKey {
     uint32_t time = CHARACTER_FIRST_TIME;
     std::array<double, 4> rotation{1, 0, 0, 0};  // w x y z
-    bool operator==(const RotationKey&) const = default;
 };
 
 struct PositionKey {
     uint32_t time = CHARACTER_FIRST_TIME;
     std::array<double, 3> position{};
-    bool operator==(const PositionKey&) const = default;
 };
 
 struct BoneTracks {
     std::array<double, 3> pivot{};
     std::vector<RotationKey> rotations;
     std::vector<PositionKey> positions;
-    bool operator==(const BoneTracks&) const = default;
 };
 
 constexpr int32_t COMMAND_PUSH = -1;
@@ -84,7 +77,6 @@ struct CharacterAnimation {
     uint32_t hiddenBlock = CHARACTER_NO_HIDDEN_BLOCK;
     std::vector<int32_t> commands;  // bones, COMMAND_PUSH and COMMAND_POP; without the end mark
     std::vector<BoneTracks> bones;
-    bool operator==(const CharacterAnimation&) const = default;
 };
 
 std::vector<uint8_t> EncodeMesh(const CharacterMesh& mesh);

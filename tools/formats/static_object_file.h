@@ -28,7 +28,6 @@ struct StaticObjectCorner {
     uint16_t point = 0;
     float u = 0;  // 1/256 texel
     float v = 0;
-    bool operator==(const StaticObjectCorner&) const = default;
 };
 
 struct StaticObjectPolygon {
