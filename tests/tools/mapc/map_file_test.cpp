@@ -19,7 +19,7 @@ TEST(MapText, BadTextIsRefusedWithItsLine) {
         {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 zero 1 ) wall 0 0 0 1 1"), "test.map:4: \"zero\" is not a number"},
         {MapWithFace("( 0 0 0 ) ( 0 1 0 ) wall 0 0 0 1 1"), "test.map:4: \"wall\" instead of \"(\""},
         {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) ( 1 0 0 ) wall"), "test.map:4: a face in a form"},
-        {MapWithFace(std::string(FACE) + "[ 0 1 0 8 ] 0 0 0 1 1"), "test.map:4: \"0\" instead of \"[\""},
+        {MapWithFace(std::string(FACE).append("[ 0 1 0 8 ] 0 0 0 1 1")), "test.map:4: \"0\" instead of \"[\""},
         {MapWithFace("patchDef2\n{"), "test.map:4: \"patchDef2\" where a face should begin"},
         {"{\n\"classname\" \"worldspawn\n}", "test.map:2: a quoted text has no end"},
         {"{\n\"classname\"\n}", "test.map:3: a key without a value"},
