@@ -9,7 +9,7 @@ constexpr int32_t COVER_COLUMNS = 1024;  // wider frames are drawn back to front
 constexpr int32_t COVER_ROWS = 1024;
 
 struct CoverRow {
-    uint64_t words[COVER_COLUMNS / 64 + 1];  // the last is for reading beyond the end
+    uint64_t words[COVER_COLUMNS / 64 + 1];  // the last is for what reaches beyond the end
 
     // Of 16 pixels from column x on, the first in the lowest bit.
     uint32_t At(int32_t x) const {
@@ -31,6 +31,13 @@ struct CoverRow {
     void Add(int32_t begin, int32_t end) {
         for (int32_t x = begin; x < end; x = (x | 63) + 1)
             words[x >> 6] |= WordMask(x, end);
+    }
+
+    // Of up to 16 pixels from column x on those whose bit is set, the first in the lowest.
+    void AddBits(int32_t x, uint32_t bits) {
+        const int32_t shift = x & 63;
+        words[x >> 6] |= uint64_t{bits} << shift;
+        words[(x >> 6) + 1] |= uint64_t{bits} >> 1 >> (63 - shift);
     }
 
 private:

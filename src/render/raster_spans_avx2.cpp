@@ -236,13 +236,12 @@ AVX2_CODE inline __m128i BytesOf(uint32_t bits) {
 
 // Takes the pixels of a word in whose texels are not 0.
 AVX2_CODE inline void CoverFound(CoverRow* cover, const Word& word, int32_t count, Pixels pixels) {
-    const ptrdiff_t place = word.pixels - FrameBuffer;
-    CoverRow& row = cover[place / FramePitch];
-    const int32_t x = static_cast<int32_t>(place % FramePitch);
+    // In 32 bits: a division of 64 takes longer than all the rest.
+    const auto place = static_cast<uint32_t>(word.pixels - FrameBuffer);
+    const auto pitch = static_cast<uint32_t>(FramePitch);
     const int holes = _mm_movemask_epi8(_mm_cmpeq_epi8(pixels.found, _mm_setzero_si128()));
-    for (int32_t i = 0; i < count; i++) {
-        if ((holes >> i & 1) == 0) row.Add(x + i, x + i + 1);
-    }
+    const uint32_t found = ~static_cast<uint32_t>(holes) & (0xFFu >> (WORD_PIXELS - count));
+    cover[place / pitch].AddBits(static_cast<int32_t>(place % pitch), found);
 }
 
 // The first pixels of a word; what lies beside them is stored as it was.
