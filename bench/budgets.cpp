@@ -63,7 +63,9 @@ void DrawFrame(bool withCharacter) {
     if (FrameCount == 0x8000) FillStamps(0);
     ClearFrame();
     if (withCharacter) DrawActorAt(0);
+    BeginBackToFront();
     RenderWorld();
+    EndBackToFront();
 }
 
 // Where a sphere as large as a move's query touches most.

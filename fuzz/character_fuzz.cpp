@@ -82,7 +82,9 @@ void Draw(Actor& actor, uint32_t time) {
     PoseActor(actor);
     DrawActor(actor);
     LookFrom({0, 0, -300}, 0, 0);
+    BeginBackToFront();
     RenderWorld();
+    EndBackToFront();
 }
 
 void LoadAndDraw(const CharacterFiles& files) {

@@ -3,6 +3,7 @@
 #include "math/vectors.h"
 #include "platform/timer.h"
 #include "records/character_records.h"
+#include "render/raster.h"
 #include "render/render_tables.h"
 #include "support/game_file.h"
 #include "support/software_frame.h"
@@ -17,7 +18,9 @@ namespace {
 void LookFrom(const Vec3& eye, float yaw) {
     LookFrom(eye, 15.0f, yaw);
     ++FrameCount;
+    BeginBackToFront();
     RenderWorld();
+    EndBackToFront();
     CameraRayDistance(eye, {eye.x + 100.0f, eye.y + 60.0f, eye.z - 200.0f});
 }
 
