@@ -66,14 +66,7 @@ GLuint MakeVertexArray(const std::vector<GrVertex>& triangles) {
     gl::BindBuffer(GL_ARRAY_BUFFER, buffer);
     gl::BufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(BoardVertex)), vertices.data(),
                    GL_STATIC_DRAW);
-    const auto attribute = [](GLuint location, GLint count, size_t offset) {
-        gl::EnableVertexAttribArray(location);
-        gl::VertexAttribPointer(location, count, GL_FLOAT, GL_FALSE, sizeof(BoardVertex),
-                                reinterpret_cast<const void*>(offset));
-    };
-    attribute(0, 2, offsetof(BoardVertex, x));
-    attribute(1, 3, offsetof(BoardVertex, oow));
-    attribute(2, 4, offsetof(BoardVertex, r));
+    DescribeVertices();
     return array;
 }
 

@@ -47,14 +47,7 @@ void MakeVertexArray() {
     gl::BindVertexArray(vertexArray);
     gl::GenBuffers(1, &vertexBuffer);
     gl::BindBuffer(GL_ARRAY_BUFFER, vertexBuffer);
-    const auto attribute = [](GLuint location, GLint count, size_t offset) {
-        gl::EnableVertexAttribArray(location);
-        gl::VertexAttribPointer(location, count, GL_FLOAT, GL_FALSE, sizeof(BoardVertex),
-                                reinterpret_cast<const void*>(offset));
-    };
-    attribute(0, 2, offsetof(BoardVertex, x));
-    attribute(1, 3, offsetof(BoardVertex, oow));
-    attribute(2, 4, offsetof(BoardVertex, r));
+    DescribeVertices();
 }
 
 void MakeSamplers() {

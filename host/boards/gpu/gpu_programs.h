@@ -1,6 +1,11 @@
 // The one program of the gpu board, for all states. Colours are counted in 0..255 throughout, as the cpu board does.
 #pragma once
 
+#include "boards/board.h"
+#include "boards/gpu/gl.h"
+
+#include <cstddef>
+
 // The upper row of the picture lies at the bottom of OpenGL's, and so comes first in memory; that also makes upper
 // edges belong to a triangle. With w always 1 everything is interpolated linearly on the screen.
 inline const char* const GPU_VERTEX_PROGRAM = R"(#version 330 core
@@ -17,6 +22,18 @@ void main() {
     vertexColour = colour;
 }
 )";
+
+// Of the bound vertex array: its bound buffer holds BoardVertex records.
+inline void DescribeVertices() {
+    const auto attribute = [](GLuint location, GLint count, size_t offset) {
+        gl::EnableVertexAttribArray(location);
+        gl::VertexAttribPointer(location, count, GL_FLOAT, GL_FALSE, sizeof(BoardVertex),
+                                reinterpret_cast<const void*>(offset));
+    };
+    attribute(0, 2, offsetof(BoardVertex, x));
+    attribute(1, 3, offsetof(BoardVertex, oow));
+    attribute(2, 4, offsetof(BoardVertex, r));
+}
 
 inline const char* const GPU_FRAGMENT_PROGRAM = R"(#version 330 core
 in vec3 overW;
