@@ -21,6 +21,7 @@ module  imagequant   libimagequant-dev
 module  freetype2    libfreetype-dev
 module  tomlplusplus libtomlplusplus-dev
 header  tiny_gltf.h  libtinygltf-dev
+header  nlohmann/json.hpp nlohmann-json3-dev
 header  meshoptimizer.h libmeshoptimizer-dev
 header  embree4/rtcore.h|embree3/rtcore.h libembree-dev
 font    DejaVuSans   fonts-dejavu-core
