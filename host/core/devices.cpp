@@ -32,9 +32,12 @@ LONG TakeSum(int64_t& sum) {
     return taken;
 }
 
+SourceState& StateOf(KeySource source) {
+    return sources[static_cast<int>(source)];
+}
+
 void LetGo() {
-    for (SourceState& source : sources)
-        source = {};
+    StateOf(KeySource::Keyboard) = StateOf(KeySource::Script) = {};
     pulses.reset();
     std::fill(std::begin(motion), std::end(motion), 0);
 }
@@ -42,10 +45,11 @@ void LetGo() {
 }  // namespace
 
 void DeviceKey(KeySource source, uint8_t scanCode, bool down) {
-    sources[static_cast<int>(source)].keys[scanCode] = down;
+    StateOf(source).keys[scanCode] = down;
 }
 
 void DeviceMouseMotion(int x, int y, int wheel) {
+    if (!focused) return;
     motion[0] += x;
     motion[1] += y;
     motion[2] += wheel;
@@ -53,7 +57,7 @@ void DeviceMouseMotion(int x, int y, int wheel) {
 
 void DeviceMouseButton(KeySource source, int button, bool down) {
     if (button < 0 || button >= BUTTON_COUNT) return;
-    sources[static_cast<int>(source)].buttons[static_cast<size_t>(button)] = down;
+    StateOf(source).buttons[static_cast<size_t>(button)] = down;
 }
 
 void DeviceFocus(bool gained) {
@@ -119,6 +123,7 @@ uint32_t FocusLosses() {
 
 void ResetInputState() {
     LetGo();
+    StateOf(KeySource::Pad) = {};
     focused = true;
     mouseAcquired = false;
 }

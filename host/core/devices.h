@@ -9,10 +9,10 @@
 enum class KeySource { Keyboard, Pad, Script };
 
 void DeviceKey(KeySource source, uint8_t scanCode, bool down);
-void DeviceMouseMotion(int x, int y, int wheel);                  // summed until the game reads the mouse
+void DeviceMouseMotion(int x, int y, int wheel);  // summed until the game reads the mouse; without the focus dropped
 void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle; others are ignored
 // The window has the focus from its creation on, until the first loss. A change posts WM_ACTIVATEAPP; a loss lets go
-// of all keys and of the mouse.
+// of the keyboard and the mouse. What a pad holds acts again after it: pads report without the focus too.
 void DeviceFocus(bool gained);
 // The window's close button: presses the left Windows key again and again until the program ends. Where the game
 // takes no messages it does not look at that key, so there the process ends at once, with status 0.

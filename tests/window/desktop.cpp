@@ -4,6 +4,7 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/keysym.h>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -198,6 +199,16 @@ void Desktop::PressCloseButton() {
     event.xclient.data.l[1] = CurrentTime;
     XSendEvent(display, event.xclient.window, False, NoEventMask, &event);
     XSync(display, False);
+}
+
+void Desktop::PressAltF4() {
+    const int f4 = XKeysymToKeycode(display, XK_F4);
+    XGrabKey(display, f4, AnyModifier, DefaultRootWindow(display), False, GrabModeAsync, GrabModeAsync);
+    XSync(display, False);
+    Input("keydown alt keydown F4");
+    PressCloseButton();
+    Input("keyup F4 keyup alt");
+    XUngrabKey(display, f4, AnyModifier, DefaultRootWindow(display));
 }
 
 ScreenPicture Desktop::Screen() {

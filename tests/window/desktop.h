@@ -39,6 +39,7 @@ public:
     void GiveFocus();  // to the game's
     void ResizeGame(int width, int height);
     void PressCloseButton();
+    void PressAltF4();  // as a window manager takes it: it keeps F4, and asks the window to close
     ScreenPicture Screen();
 
 private:

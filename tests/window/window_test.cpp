@@ -93,7 +93,7 @@ TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
     desktop->Input("mouseup 1");
 }
 
-TEST_F(Window, WaitsWhileAnotherWindowHasTheFocus) {
+TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
     StartLevel();
     desktop->TakeFocus();
     Rest(500);
@@ -104,6 +104,8 @@ TEST_F(Window, WaitsWhileAnotherWindowHasTheFocus) {
     desktop->Input("keyup F8");
     desktop->GiveFocus();
     AwaitFrames(20);
+    desktop->PressAltF4();
+    AwaitFrames(30);
     desktop->PressCloseButton();
     EXPECT_EQ(desktop->GameStatus(), 0);
     EXPECT_EQ(Output().find("Camera Coords"), std::string::npos);

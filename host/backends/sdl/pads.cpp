@@ -121,6 +121,7 @@ void StopPads() {
     while (!pads.empty())
         RemovePad(pads.begin()->first);
     ReportKeys();
+    TurnWithPads(0);
 }
 
 void HandlePadEvent(const SDL_Event& event) {

@@ -8,7 +8,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <thread>
 
 namespace {
@@ -24,13 +23,8 @@ uint32_t lastClock = 0, lastKeyboardPoll = 0, lastTurn = 0;
 
 // SDL's drivers that show nothing are taken only when SDL_VIDEODRIVER asks for them; SDL itself also falls back to
 // them, and a game would run unseen.
-bool ShowsNothing(const char* driver) {
-    return std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0;
-}
-
 bool DriverUsable() {
-    const char* driver = SDL_GetCurrentVideoDriver();
-    return driver && (!ShowsNothing(driver) || SDL_getenv("SDL_VIDEODRIVER"));
+    return !DisplayIsUnseen() || (SDL_GetCurrentVideoDriver() && SDL_getenv("SDL_VIDEODRIVER"));
 }
 
 void Stop() {
@@ -93,7 +87,7 @@ void DesktopSize(int* width, int* height) {
 
 int MessageBox(const char* text, const char* caption) {
     // Where nothing is shown SDL looks for a dialog program, and may wait for it without end.
-    if (ShowsNothing(SDL_GetCurrentVideoDriver())) {
+    if (DisplayIsUnseen()) {
         std::fprintf(stderr, "%s: %s\n", caption, text);
     } else {
         ShowMessageBox(text, caption);

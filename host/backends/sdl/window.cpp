@@ -6,13 +6,17 @@
 #include "boards/gpu/gl_context.h"
 #include "core/devices.h"
 
+#include <bitset>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
+#include <optional>
 
 namespace {
 
 constexpr int SMALLEST_WIDTH = 320, SMALLEST_HEIGHT = 240;
 constexpr int WHEEL_NOTCH = 120;
+constexpr uint32_t ALT_F4_MS = 250;  // from the release of Alt to a close request that it made
 
 SDL_Window* window = nullptr;
 std::unique_ptr<Presenter> presenter;
@@ -22,6 +26,9 @@ std::unique_ptr<Presenter> presenter;
 bool focused = true;
 bool pointerWanted = false;
 bool pointerHeld = false;
+
+std::bitset<SDL_NUM_SCANCODES> keysHeld;
+std::optional<uint32_t> altReleased;  // the latest time, in ms of SDL's clock
 
 void UpdatePointer() {
     const bool hold = window && focused && pointerWanted;
@@ -34,6 +41,7 @@ void UpdatePointer() {
 void ChangeFocus(bool gained) {
     if (focused == gained) return;
     focused = gained;
+    if (!gained) keysHeld.reset();
     UpdatePointer();
     DeviceFocus(gained);
 }
@@ -41,7 +49,9 @@ void ChangeFocus(bool gained) {
 void HandleWindowEvent(const SDL_WindowEvent& event) {
     switch (event.event) {
     case SDL_WINDOWEVENT_FOCUS_GAINED: ChangeFocus(true); break;
-    case SDL_WINDOWEVENT_FOCUS_LOST: ChangeFocus(false); break;
+    case SDL_WINDOWEVENT_FOCUS_LOST:
+        if (!DisplayIsUnseen()) ChangeFocus(false);  // there is nothing there that it could come back from
+        break;
     case SDL_WINDOWEVENT_EXPOSED:
     case SDL_WINDOWEVENT_SIZE_CHANGED:
         if (presenter) presenter->ShowAgain();
@@ -50,9 +60,33 @@ void HandleWindowEvent(const SDL_WindowEvent& event) {
     }
 }
 
+// Several keys may stand for one of the game's, as X and right Ctrl do: it stays down until all of them are up.
+bool AnyKeyHeld(uint8_t scanCode) {
+    for (int key = 0; key < SDL_NUM_SCANCODES; key++)
+        if (keysHeld[static_cast<size_t>(key)] && ScanCodeOf(static_cast<SDL_Scancode>(key)) == scanCode) return true;
+    return false;
+}
+
+bool IsAlt(SDL_Scancode key) {
+    return key == SDL_SCANCODE_LALT || key == SDL_SCANCODE_RALT;
+}
+
 void HandleKey(const SDL_KeyboardEvent& event) {
-    const uint8_t code = ScanCodeOf(event.keysym.scancode);
-    if (code != 0 && event.repeat == 0) DeviceKey(KeySource::Keyboard, code, event.state == SDL_PRESSED);
+    const SDL_Scancode key = event.keysym.scancode;
+    const uint8_t scanCode = ScanCodeOf(key);
+    if (scanCode == 0 || event.repeat != 0) return;
+    keysHeld[key] = event.state == SDL_PRESSED;
+    if (IsAlt(key) && event.state == SDL_RELEASED) altReleased = event.timestamp;
+    DeviceKey(KeySource::Keyboard, scanCode, AnyKeyHeld(scanCode));
+}
+
+// Alt is a key of the game, so Alt+F4 must not end it. A window manager keeps F4 to itself and sends a close request;
+// all that shows here is that Alt is held, or was until a moment before. The window's close button cannot be meant: the
+// game holds the pointer while it has the focus.
+void HandleCloseRequest(uint32_t time) {
+    const bool altHeld = keysHeld[SDL_SCANCODE_LALT] || keysHeld[SDL_SCANCODE_RALT];
+    if (altHeld || (altReleased && time - *altReleased <= ALT_F4_MS)) return;
+    DeviceCloseRequest();
 }
 
 void HandleMouseButton(const SDL_MouseButtonEvent& event) {
@@ -64,7 +98,7 @@ void HandleMouseButton(const SDL_MouseButtonEvent& event) {
 
 void HandleEvent(const SDL_Event& event) {
     switch (event.type) {
-    case SDL_QUIT: DeviceCloseRequest(); break;
+    case SDL_QUIT: HandleCloseRequest(event.quit.timestamp); break;
     case SDL_WINDOWEVENT: HandleWindowEvent(event.window); break;
     case SDL_KEYDOWN:
     case SDL_KEYUP: HandleKey(event.key); break;
@@ -92,6 +126,11 @@ SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t fla
 }
 
 }  // namespace
+
+bool DisplayIsUnseen() {
+    const char* driver = SDL_GetCurrentVideoDriver();
+    return !driver || std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0;
+}
 
 bool OpenGameWindow(const char* title, const Options& options) {
     AskForGlContext();

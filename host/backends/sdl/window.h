@@ -3,6 +3,7 @@
 
 #include "core/machine.h"
 
+bool DisplayIsUnseen();  // SDL runs one of its drivers that show nothing, or none
 bool OpenGameWindow(const char* title, const Options& options);  // false: a line on standard error says why
 void CloseGameWindow();
 bool GameWindowOpen();

@@ -1,6 +1,8 @@
 // Keys, mouse and controllers of the machine with a window, as the game polls them. No window is opened.
 #include "backends/sdl/keys.h"
 #include "backends/sdl/sdl_machine.h"
+#include "core/closing.h"
+#include "core/devices.h"
 #include "core/input_state.h"
 #include "core/key_names.h"
 
@@ -69,7 +71,20 @@ void PushKey(SDL_Scancode key, bool down, bool repeat = false) {
     SDL_PushEvent(&event);
 }
 
-constexpr uint8_t UP = 0xC8, RIGHT = 0xCD;
+void QueueAt(uint32_t milliseconds, SDL_Event event) {
+    event.common.timestamp = milliseconds;
+    SDL_PeepEvents(&event, 1, SDL_ADDEVENT, 0, 0);
+}
+
+SDL_Event AltKey(bool down) {
+    SDL_Event event{};
+    event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
+    event.key.state = down ? SDL_PRESSED : SDL_RELEASED;
+    event.key.keysym.scancode = SDL_SCANCODE_LALT;
+    return event;
+}
+
+constexpr uint8_t UP = 0xC8, RIGHT = 0xCD, RIGHT_CTRL = 0x9D;
 
 }  // namespace
 
@@ -100,6 +115,40 @@ TEST_F(SdlDevices, KeysGoDownAndUpAndDoNotRepeat) {
     EXPECT_TRUE(Down(0x9C));
     PushKey(SDL_SCANCODE_UP, true, true);  // held in another window before
     EXPECT_FALSE(Down(UP));
+}
+
+TEST_F(SdlDevices, KeyThatTwoKeysStandForStaysDownUntilBothAreUp) {
+    PushKey(SDL_SCANCODE_RCTRL, true);
+    PushKey(SDL_SCANCODE_X, true);
+    PushKey(SDL_SCANCODE_X, false);
+    EXPECT_TRUE(Down(RIGHT_CTRL));
+    PushKey(SDL_SCANCODE_RCTRL, false);
+    EXPECT_FALSE(Down(RIGHT_CTRL));
+}
+
+TEST_F(SdlDevices, CloseRequestComesThroughUnlessAltMadeIt) {
+    SDL_Event close{};
+    close.type = SDL_QUIT;
+    ResetClosing();
+    QueueAt(1000, AltKey(true));
+    QueueAt(2000, close);
+    QueueAt(2100, AltKey(false));
+    QueueAt(2200, close);
+    SdlMachine.pump();
+    EXPECT_FALSE(CloseRequested());
+    QueueAt(2500, close);
+    SdlMachine.pump();
+    EXPECT_TRUE(CloseRequested());
+    ResetClosing();
+}
+
+TEST_F(SdlDevices, DriverThatShowsNothingNeverLosesTheFocus) {
+    SDL_Event loss{};
+    loss.type = SDL_WINDOWEVENT;
+    loss.window.event = SDL_WINDOWEVENT_FOCUS_LOST;
+    SDL_PushEvent(&loss);
+    SdlMachine.pump();
+    EXPECT_TRUE(HasFocus());
 }
 
 TEST_F(SdlPad, ReleasingOneSourceKeepsTheKeyOfAnother) {
@@ -142,4 +191,19 @@ TEST_F(SdlPad, RightStickTurnsAsTheMouseWithItsLeftButton) {
     SdlMachine.pump();
     TakeMouse(mouse);
     EXPECT_EQ(mouse.rgbButtons[0], 0);
+}
+
+TEST_F(SdlPad, WhatIsHeldThroughALossOfFocusActsAgainAfterIt) {
+    Axis(SDL_CONTROLLER_AXIS_LEFTX, 32767);
+    Axis(SDL_CONTROLLER_AXIS_RIGHTX, 32767);
+    SdlMachine.pump();
+    DeviceFocus(false);
+    SDL_Delay(60);
+    SdlMachine.pump();
+    DeviceFocus(true);
+    DIMOUSESTATE mouse{};
+    TakeMouse(mouse);
+    EXPECT_EQ(mouse.lX, 0);
+    EXPECT_EQ(mouse.rgbButtons[0], 0x80);
+    EXPECT_TRUE(Down(RIGHT));
 }
