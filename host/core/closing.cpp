@@ -1,6 +1,7 @@
 #include "core/closing.h"
 
 #include "core/input_state.h"
+#include "core/process.h"
 #include "core/run.h"
 
 namespace {
@@ -18,18 +19,18 @@ void RequestClose() {
 }
 
 bool CloseRequested() {
-    return requested;
+    return requested || EndingSignal() != 0;
 }
 
 void CloseAtPoll() {
-    if (!requested) return;
+    if (!CloseRequested()) return;
     if (PollsSincePeek() > POLLS_WITHOUT_PUMP) EndRun(0);
     pressed = !pressed;
     if (pressed) PulseKey(DIK_LWIN);
 }
 
 void CloseAtWait() {
-    if (requested) EndRun(0);
+    if (CloseRequested()) EndRun(0);
 }
 
 void ResetClosing() {

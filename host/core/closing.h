@@ -1,4 +1,4 @@
-// A request to end the program, by the window's close button, a script or the end of a run.
+// A request to end the program, by the window's close button, a script, the end of a run or a signal (core/process.h).
 #pragma once
 
 void RequestClose();

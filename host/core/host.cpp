@@ -6,6 +6,7 @@
 #include "core/data_folder.h"
 #include "core/log.h"
 #include "core/machine.h"
+#include "core/process.h"
 #include "core/run.h"
 #include "host/files.h"
 
@@ -51,6 +52,7 @@ void OpenMachine(Options& options) {
 }  // namespace
 
 int HostMain(int argumentCount, char** arguments, GameMain gameMain) {
+    OpenStandardStreams();
     Options options;
     const OptionsResult asked = ParseOptions(argumentCount, arguments, options);
     if (asked != OptionsResult::Run) return asked == OptionsResult::Done ? EXIT_SUCCESS : STATUS_WRONG_INPUT;
@@ -63,9 +65,7 @@ int HostMain(int argumentCount, char** arguments, GameMain gameMain) {
         return STATUS_WRONG_INPUT;
     }
     std::atexit([] { FinishRun(); });
+    WatchSignals();
     char commandLine[] = "";
-    const int status = gameMain(INSTANCE, nullptr, commandLine, SW_SHOW);
-    const bool complete = FinishRun();
-    CurrentMachine->stop();
-    return complete ? status : EXIT_FAILURE;
+    EndRun(gameMain(INSTANCE, nullptr, commandLine, SW_SHOW));
 }

@@ -1,5 +1,7 @@
 #include "core/log.h"
 
+#include "core/output.h"
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -8,6 +10,7 @@
 namespace {
 
 std::FILE* logStream = nullptr;
+std::string outputName = "standard output";
 
 }  // namespace
 
@@ -22,7 +25,12 @@ bool StartLog(const Options& options) {
         return false;
     }
     logStream = stdout;
+    outputName = "the log " + options.log;
     return true;
+}
+
+bool FinishLog() {
+    return FlushOutput(stdout, outputName);
 }
 
 void HostLog(const char* format, ...) {

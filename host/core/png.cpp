@@ -2,7 +2,22 @@
 
 #include <png.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <vector>
+
+namespace {
+
+// What was named may be a device, which stays.
+void RemoveHalfAPicture(const std::string& file) {
+    std::error_code ignored;
+    if (std::filesystem::symlink_status(file, ignored).type() == std::filesystem::file_type::regular)
+        std::filesystem::remove(file, ignored);
+}
+
+}  // namespace
 
 bool WritePng(const std::string& file, const Picture& picture, std::string& error) {
     const auto width = static_cast<size_t>(picture.width);
@@ -18,7 +33,12 @@ bool WritePng(const std::string& file, const Picture& picture, std::string& erro
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGB;
-    if (png_image_write_to_file(&image, file.c_str(), 0, rgb.data(), 0, nullptr)) return true;
-    error = image.message;
-    return false;
+    errno = 0;
+    std::FILE* stream = std::fopen(file.c_str(), "wb");
+    const bool written =
+        stream && png_image_write_to_stdio(&image, stream, 0, rgb.data(), 0, nullptr) && std::fflush(stream) == 0;
+    error = errno != 0 ? std::strerror(errno) : image.message;
+    if (stream) std::fclose(stream);
+    if (stream && !written) RemoveHalfAPicture(file);
+    return written;
 }

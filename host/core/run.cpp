@@ -3,8 +3,11 @@
 #include "core/clock.h"
 #include "core/closing.h"
 #include "core/front_end.h"
+#include "core/log.h"
 #include "core/machine.h"
+#include "core/output.h"
 #include "core/presentation.h"
+#include "core/process.h"
 #include "core/script_player.h"
 #include "core/shots.h"
 #include "core/trace.h"
@@ -47,12 +50,10 @@ bool OpenTrace(const std::string& file) {
 
 bool CloseTrace() {
     if (!trace) return true;
-    const bool written = !std::ferror(trace);
-    const bool closed = std::fclose(trace) == 0;
+    const bool complete = FlushOutput(trace, "the trace " + tracePath);
+    std::fclose(trace);
     trace = nullptr;
-    if (written && closed) return true;
-    std::fprintf(stderr, "tarnwick: the trace %s is not complete: %s\n", tracePath.c_str(), std::strerror(errno));
-    return false;
+    return complete;
 }
 
 void EndWhenIdle() {
@@ -76,12 +77,15 @@ bool FinishRun() {
     if (!underWay) return true;
     underWay = false;
     if (framesPlayed < framesAsked) std::fprintf(stderr, "ended after %u of %u frames\n", framesPlayed, framesAsked);
-    return CloseTrace() && !ShotsFailed();
+    const bool traceComplete = CloseTrace();
+    const bool logComplete = FinishLog();
+    return traceComplete && logComplete && !ShotsFailed();
 }
 
 void EndRun(int status) {
     const bool complete = FinishRun();
     CurrentMachine->stop();
+    EndBySignal();
     std::exit(complete ? status : EXIT_FAILURE);
 }
 

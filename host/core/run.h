@@ -15,9 +15,9 @@ constexpr uint32_t RUN_IDLE_END = 60000;
 // False: the trace cannot be written; one line on standard error has said so.
 bool StartRun(const Options& options, Script script);
 // Ends the trace and says on standard error how many of the frames asked for were played, if fewer. Only the first
-// call of a run does anything. False: a picture or the trace could not be written.
+// call of a run does anything. False: a picture, the trace or the log could not be written.
 bool FinishRun();
-// The orderly end from inside the game: FinishRun, the machine stops, the process exits.
+// The orderly end: FinishRun, the machine stops, the process exits, by a signal if that is what asked for the end.
 [[noreturn]] void EndRun(int status);
 
 uint32_t FramesPlayed();

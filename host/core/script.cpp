@@ -1,15 +1,27 @@
 #include "core/script.h"
 
 #include "core/key_names.h"
+#include "core/text_file.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
-#include <cstdio>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
 using Words = std::vector<std::string_view>;
+
+constexpr size_t LONGEST_SCRIPT = 16;  // MiB
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+constexpr size_t LONGEST_QUOTE = 80;
+
+// For a message: cut short, and without what a terminal would take for a command.
+std::string Quote(std::string_view word) {
+    std::string quote(word.substr(0, LONGEST_QUOTE));
+    std::replace_if(
+        quote.begin(), quote.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, '?');
+    return '"' + quote + (word.size() > LONGEST_QUOTE ? "...\"" : "\"");
+}
 
 Words SplitLine(std::string_view line) {
     line = line.substr(0, line.find('#'));
@@ -101,13 +113,12 @@ const ActionEntry* FindAction(std::string_view word) {
 
 // An empty text: the line is good.
 std::string ParseLine(const Words& words, ScriptLine& line) {
-    if (!TakeWhen(words[0], line))
-        return "\"" + std::string(words[0]) + "\" is neither a frame from 1 on (120) nor a time (3500ms)";
-    if (words.size() < 2) return "an action is missing after \"" + std::string(words[0]) + "\"";
+    if (!TakeWhen(words[0], line)) return Quote(words[0]) + " is neither a frame from 1 on (120) nor a time (3500ms)";
+    if (words.size() < 2) return "an action is missing after " + Quote(words[0]);
     const ActionEntry* entry = FindAction(words[1]);
     if (!entry)
-        return "unknown action \"" + std::string(words[1]) +
-               "\"; there are down, up, tap, mouse, button, focus, wait, shot and quit";
+        return "unknown action " + Quote(words[1]) +
+               "; there are down, up, tap, mouse, button, focus, wait, shot and quit";
     line.action = entry->action;
     if (words.size() != 2 + entry->arguments || !entry->take(words, line))
         return "expected " + std::string(entry->expected);
@@ -117,6 +128,7 @@ std::string ParseLine(const Words& words, ScriptLine& line) {
 }  // namespace
 
 bool ParseScript(std::string_view text, const std::string& name, Script& script, std::string& error) {
+    if (text.starts_with(BYTE_ORDER_MARK)) text.remove_prefix(BYTE_ORDER_MARK.size());
     for (uint32_t number = 1; !text.empty(); ++number) {
         const size_t end = text.find('\n');
         const Words words = SplitLine(text.substr(0, end));
@@ -135,11 +147,6 @@ bool ParseScript(std::string_view text, const std::string& name, Script& script,
 }
 
 bool LoadScript(const std::string& file, Script& script, std::string& error) {
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (!stream || text.empty()) {
-        error = file + ": cannot be read, or is empty";
-        return false;
-    }
-    return ParseScript(text, file, script, error);
+    std::string text;
+    return ReadTextFile(file, LONGEST_SCRIPT, text, error) && ParseScript(text, file, script, error);
 }

@@ -1,4 +1,4 @@
-// Input written down: one action a line, `#` begins a comment.
+// Input written down: one action a line, `#` begins a comment; at most 16 MiB, with or without a byte-order mark.
 //   <when> down|up|tap KEY            KEY: a key of core/key_names.h; tap: down for exactly one keyboard poll
 //   <when> mouse DX DY                counts, y downwards, -32768..32767 each; they reach one mouse poll
 //   <when> button left|right down|up

@@ -33,4 +33,17 @@ TEST(ScriptText, AWrongLineIsNamedWithWhatWasExpected) {
     }
 }
 
+TEST(ScriptText, AByteOrderMarkIsSkippedAndALongWordCutShort) {
+    Script script;
+    std::string error;
+    EXPECT_TRUE(ParseScript("\xEF\xBB\xBF"
+                            "1 quit\n",
+                            "a.txt", script, error))
+        << error;
+    EXPECT_FALSE(ParseScript("1 " + std::string(1000, 'x') + "\x1B\n", "a.txt", script, error));
+    EXPECT_LT(error.size(), 250u);
+    EXPECT_FALSE(ParseScript("\x1B[2J\n", "a.txt", script, error));
+    EXPECT_TRUE(error.starts_with("a.txt:1: \"?[2J\" is")) << error;
+}
+
 }  // namespace

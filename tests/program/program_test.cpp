@@ -49,10 +49,14 @@ TEST_F(Program, KeysOfAScriptReachTheFrontEnd) {
 
 TEST_F(Program, WhatCannotBeUsedEndsWithStatusTwo) {
     program.Write("bad", "1 quit\n2 press UP\n");
+    program.Write("long", std::string((16 << 20) + 1, ' '));
     const std::pair<const char*, const char*> rows[] = {
         {"--levle 3", "tarnwick: unknown option \"--levle\""},
         {"--script bad", "bad:2: unknown action \"press\""},
-        {"--script missing", "missing: cannot be read"},
+        {"--script missing", "missing: cannot be read: No such file"},
+        {"--script empty", "empty: cannot be read: it is neither a file nor a pipe"},
+        {"--script /dev/zero", "/dev/zero: cannot be read: it is neither a file nor a pipe"},
+        {"--script long", "long: cannot be read: it is longer than 16 MiB"},
         {"--trace none/trace", "tarnwick: cannot write the trace none/trace: "},
         {"--log none/log", "tarnwick: cannot write the log none/log: "},
         {"--data nowhere", "tarnwick: There is no data folder nowhere"},
@@ -95,6 +99,38 @@ TEST_F(ProgramWithLevel, PlaysTheFramesAskedFor) {
     EXPECT_TRUE(Says(trace[59], "\"frame\":60,\"ticks\":4"));
     EXPECT_EQ(trace[59].find("\"polys\":0,"), std::string::npos) << "the level is in view";
     EXPECT_FALSE(program.Read("a.png").empty());
+}
+
+TEST_F(ProgramWithLevel, ASignalEndsItWithTraceAndLogWhole) {
+    for (const auto& [signal, status] : {std::pair{"HUP", 129}, {"INT", 130}, {"TERM", 143}}) {
+        const ProgramResult result = program.Interrupt(
+            "--data '" SOURCE_FOLDER "/tests/levels/data' --level 2 --frames 1000000 --trace t.jsonl --log log", signal,
+            "t.jsonl");
+        EXPECT_EQ(result.status, status) << signal;
+        EXPECT_TRUE(Says(result.errors, " of 1000000 frames"));
+        EXPECT_TRUE(program.Read("t.jsonl").ends_with("}\n"));
+        EXPECT_TRUE(program.Read("log").ends_with("Free Mem when running. 5746304 \n")) << program.Read("log");
+    }
+}
+
+TEST_F(ProgramWithLevel, AFullDiskIsToldAndNeverRemoved) {
+    std::filesystem::create_symlink("/dev/full", program.Folder() / "full");
+    for (const auto& [arguments, error] : {std::pair{"--trace full", "the trace full is not complete: No space left"},
+                                           {"--log full", "the log full is not complete: No space left"},
+                                           {"--shot 2:full", "cannot write the picture full: No space left"}}) {
+        const ProgramResult result = Play(std::string("--frames 2 ") + arguments);
+        EXPECT_EQ(result.status, 1) << arguments;
+        EXPECT_TRUE(Says(result.errors, error));
+        EXPECT_TRUE(std::filesystem::is_symlink(program.Folder() / "full")) << arguments;
+    }
+}
+
+TEST_F(ProgramWithLevel, NothingElseGetsWhatIsWrittenToAClosedStandardOutput) {
+    Play("--frames 3 --trace t.jsonl >&-; true");
+    const std::vector<std::string> trace = Lines(program.Read("t.jsonl"));
+    ASSERT_EQ(trace.size(), 3u);
+    for (const std::string& line : trace)
+        EXPECT_TRUE(line.starts_with("{\"frame\":")) << line;
 }
 
 TEST_F(ProgramWithLevel, TheSameInputGivesTheSameFrames) {

@@ -14,8 +14,23 @@ ProgramRun::ProgramRun() : folder_(testing::TempDir()) {
 }
 
 ProgramResult ProgramRun::Run(const std::string& arguments, const std::string& program) const {
-    const std::string command = "cd '" + folder_.string() + "' && timeout 100 '" BUILD_FOLDER "/" + program +
-                                "' --headless " + arguments + " >stdout.txt 2>stderr.txt";
+    return Await(CommandLine(arguments, program));
+}
+
+// A shell has its background commands ignore SIGINT; `env` undoes that.
+ProgramResult ProgramRun::Interrupt(const std::string& arguments, const std::string& signal,
+                                    const std::string& file) const {
+    fs::remove(folder_ / file);
+    return Await(CommandLine(arguments, "tarnwick") + " & until [ -s " + file + " ]; do sleep 0.1; done; kill -" +
+                 signal + " $!; wait $!");
+}
+
+std::string ProgramRun::CommandLine(const std::string& arguments, const std::string& program) const {
+    return "cd '" + folder_.string() + "' || exit; timeout 100 env --default-signal=INT '" BUILD_FOLDER "/" + program +
+           "' --headless " + arguments + " >stdout.txt 2>stderr.txt";
+}
+
+ProgramResult ProgramRun::Await(const std::string& command) const {
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), Read("stdout.txt"), Read("stderr.txt")};
 }

@@ -17,10 +17,15 @@ public:
 
     // Shell words; `program` is of the build folder.
     ProgramResult Run(const std::string& arguments, const std::string& program = "tarnwick") const;
+    // The same, with the signal (INT) sent once `file` has something in it, which the program writes.
+    ProgramResult Interrupt(const std::string& arguments, const std::string& signal, const std::string& file) const;
     void Write(const std::string& name, const std::string& text) const;
     std::string Read(const std::string& name) const;
     const std::filesystem::path& Folder() const { return folder_; }
 
 private:
+    std::string CommandLine(const std::string& arguments, const std::string& program) const;
+    ProgramResult Await(const std::string& command) const;
+
     std::filesystem::path folder_;
 };
