@@ -109,7 +109,7 @@ TEST_F(ProgramWithLevel, ASignalEndsItWithTraceAndLogWhole) {
         EXPECT_EQ(result.status, status) << signal;
         EXPECT_TRUE(Says(result.errors, " of 1000000 frames"));
         EXPECT_TRUE(program.Read("t.jsonl").ends_with("}\n"));
-        EXPECT_TRUE(program.Read("log").ends_with("Free Mem when running. 5746304 \n")) << program.Read("log");
+        EXPECT_TRUE(Says(program.Read("log"), "Free Mem when running.")) << "the last line";
     }
 }
 
