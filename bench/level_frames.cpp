@@ -7,6 +7,7 @@
 #include "boards/gpu/gl_context.h"
 #include "boards/gpu/gpu_board.h"
 #include "host/host.h"
+#include "records/levels.h"
 #include "rounds.h"
 
 #include <sys/wait.h>
@@ -20,7 +21,6 @@
 namespace {
 
 constexpr int RECORDED_FRAME = 80;
-constexpr int LEVELS = 8;
 constexpr int ROUNDS = 15;
 constexpr double MOST_MILLISECONDS = 1000.0 / 60;
 
@@ -175,7 +175,7 @@ int main(int argumentCount, char** arguments) {
             levels.push_back(std::atoi(arguments[i]));
     }
     if (levels.empty())
-        for (int level = 1; level <= LEVELS; ++level)
+        for (int level = 1; level <= LEVEL_COUNT; ++level)
             levels.push_back(level);
     for (const int level : levels) {
         Level = level;

@@ -1,5 +1,6 @@
 // A map as an editor writes it, compiled as far as it goes.
 #include "mapc/map_builder.h"
+#include "records/levels.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

@@ -10,30 +10,31 @@ int32_t CurrentLevel;
 namespace {
 
 constexpr uint32_t TEXTURE_COLOUR = 0x00404040;
-constexpr uint32_t DUSK_FOG = 0x00FA821E;
-
-// DIRECTORY and WORLD are literals, so that each path is one literal.
-#define LEVEL(DIRECTORY, WORLD, X, Y, Z, SKIN, SKY, TICKS, FOG)                                                        \
-    {                                                                                                                  \
-        "game\\data\\levels\\" DIRECTORY "\\texture.bin", "game\\data\\levels\\" DIRECTORY "\\" WORLD,                 \
-            "game\\data\\levels\\" DIRECTORY "\\sky.sob", "game\\data\\levels\\" DIRECTORY "\\lights.lmp",             \
-            "game\\data\\levels\\" DIRECTORY "\\lights.alt", 0, 0.9f, 0.33f, {X, Y, Z}, SKIN, SKY, TICKS,              \
-            TEXTURE_COLOUR, 0.0f, 5000.0f, FOG                                                                         \
-    }
+// Each path is one literal.
+#define LEVEL_PATH(NUMBER, FILE) "game\\data\\levels\\level" #NUMBER "\\" FILE
+#define LEVEL(NUMBER, WORLD, X, Y, Z, FLOOR, SKIN, SKY, TICKS, FOG, TRACK, KEY)                                        \
+    {.textureFile = LEVEL_PATH(NUMBER, "texture.bin"),                                                                 \
+     .worldFile = LEVEL_PATH(NUMBER, #WORLD ".bgm"),                                                                   \
+     .skyFile = LEVEL_PATH(NUMBER, "sky.sob"),                                                                         \
+     .lightMapFile = LEVEL_PATH(NUMBER, "lights.lmp"),                                                                 \
+     .lightSlotFile = LEVEL_PATH(NUMBER, "lights.alt"),                                                                \
+     .unused0 = 0,                                                                                                     \
+     .unused1 = 0.9f,                                                                                                  \
+     .unused2 = 0.33f,                                                                                                 \
+     .start = {X, Y, Z},                                                                                               \
+     .skin = static_cast<uint16_t>(LevelSkin::SKIN),                                                                   \
+     .hasSky = static_cast<uint16_t>(LevelSky::SKY),                                                                   \
+     .minFrameTicks = TICKS,                                                                                           \
+     .textureColour = TEXTURE_COLOUR,                                                                                  \
+     .unused3 = 0.0f,                                                                                                  \
+     .unused4 = 5000.0f,                                                                                               \
+     .fogColour = FOG},
 
 }  // namespace
 
-const LevelInfo LevelTable[LEVEL_COUNT] = {
-    LEVEL("level1", "assault.bgm", 3837, -1103, 12788, 0, 1, 4, DUSK_FOG),
-    LEVEL("level2", "bigone.bgm", 3837, -1103, 12788, 1, 1, 4, 0),
-    LEVEL("level3", "house.bgm", 223, 488, -211, 0, 0, 1, 0),
-    LEVEL("level4", "soulflum.bgm", 1068, -731, 1663, 1, 0, 1, 0),
-    LEVEL("level5", "dside.bgm", -15, 507, 1599, 1, 1, 1, 0),
-    LEVEL("level6", "swamp.bgm", 3444, 408, 4976, 0, 1, 2, DUSK_FOG),
-    LEVEL("level7", "wild.bgm", 327, -317, -384, 0, 0, 2, 0),
-    LEVEL("level8", "assault.bgm", 800, 800, 0, 1, 1, 2, 0),
-};
+const LevelInfo LevelTable[LEVEL_COUNT] = {GAME_LEVELS(LEVEL)};
 #undef LEVEL
+#undef LEVEL_PATH
 
 int32_t LoadedLevel;
 uint16_t SkyFlag;

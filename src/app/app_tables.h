@@ -3,6 +3,7 @@
 
 #include "host/win32.h"
 #include "records/level_info.h"
+#include "records/levels.h"
 
 #include <cstdint>
 
@@ -21,7 +22,6 @@ extern uint8_t GameMode;
 extern uint8_t UseGlide;      // renderer choice: 1 accelerator, 0 software
 extern int32_t CurrentLevel;  // chosen level 0..7; -1 while none is chosen
 
-constexpr int LEVEL_COUNT = 8;
 extern const LevelInfo LevelTable[LEVEL_COUNT];
 extern int32_t LoadedLevel;  // index of the record the other modules read; set by StartGame and LoadLevel
 extern uint16_t SkyFlag;     // of the loaded level

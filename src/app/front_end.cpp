@@ -17,7 +17,11 @@ constexpr DWORD PICTURE_PERIOD = 8000;  // milliseconds
 constexpr uint32_t PICTURE_COUNT = 4;
 constexpr const char* ATTRACT_PICTURES[PICTURE_COUNT] = {"FrontEnd\\Title.Bmp", "FrontEnd\\Options.Bmp",
                                                          "FrontEnd\\LoadSave.Bmp", "FrontEnd\\Lang.Bmp"};
-constexpr uint8_t LEVEL_KEYS[LEVEL_COUNT] = {DIK_F1, DIK_F2, DIK_F3, DIK_F4, DIK_F5, DIK_F6, DIK_F7, DIK_F12};
+constexpr uint8_t LEVEL_KEYS[LEVEL_COUNT] = {
+#define LEVEL(NUMBER, WORLD, X, Y, Z, FLOOR, SKIN, SKY, TICKS, FOG, TRACK, KEY) DIK_##KEY,
+    GAME_LEVELS(LEVEL)
+#undef LEVEL
+};
 
 uint32_t CurrentPicture;
 DWORD PictureShownAt;

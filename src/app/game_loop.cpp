@@ -19,7 +19,6 @@
 namespace {
 
 constexpr int32_t SOFTWARE_SCREEN_RES = 0;  // 320 x 240
-constexpr int32_t FIRST_LEVEL_TRACK = 2;    // even levels; odd levels play the next one
 
 // Rounds to nearest, masks every exception, keeps denormals: whatever a library has left behind.
 void SetFpuSinglePrecision() {
@@ -47,7 +46,7 @@ uint8_t RunGame() {
     GameMode = MODE_PLAYING;
     if (CurrentLevel < 0 || CurrentLevel >= LEVEL_COUNT) CurrentLevel = 0;
     OpenCdAudio();
-    CdTrack = (CurrentLevel & 1) + FIRST_LEVEL_TRACK;
+    CdTrack = static_cast<uint32_t>(LevelRowOf(CurrentLevel + 1).track);
     PlayCdTrack(MainWindow);
     if (StartGame()) {
         RunMessagePump(MODE_PLAYING, GameStep);

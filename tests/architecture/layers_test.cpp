@@ -133,8 +133,9 @@ TEST(Layers, OnlyOneBackEndAndTheBoardKnowTheDeviceLibraries) {
 }
 
 TEST(Layers, ToolsHaveTheirOwnReadersAndWriters) {
-    ExpectNone(IncludesBelow("tools"), "not in tools/",
-               [](const Include& include) { return include.quoted && !Exists({"tools"}, include.path); });
+    ExpectNone(IncludesBelow("tools"), "not in tools/, and not the facts about the game", [](const Include& include) {
+        return include.quoted && include.path != "records/levels.h" && !Exists({"tools"}, include.path);
+    });
 }
 
 TEST(Layers, GlobalsAreDeclaredInHeadersAndAnglesGoThroughThePortableTrigonometry) {

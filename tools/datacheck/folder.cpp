@@ -5,7 +5,7 @@
 #include "formats/binary.h"
 #include "formats/error.h"
 #include "formats/image.h"
-#include "mapc/placement.h"
+#include "records/levels.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "datacheck/level_data.h"
 
-#include "mapc/placement.h"
+#include "records/levels.h"
 
 #include <fmt/format.h>
 
@@ -16,20 +16,21 @@ std::string LevelData::GlideTexturePath(size_t texture) const {
 }
 
 std::string LevelData::WorldPath() const {
-    return fmt::format("{}/{}.bgm", folder, LevelSlotOf(number).worldName);
+    return fmt::format("{}/{}.bgm", folder, LevelRowOf(number).world);
 }
 
 Vec3 StartOf(int level) {
-    const int* start = LevelSlotOf(level).start;
+    const int* start = LevelRowOf(level).start;
     return {static_cast<double>(start[0]), static_cast<double>(start[1]), static_cast<double>(start[2])};
 }
 
 bool HasSky(int level) {
-    return level != 3 && level != 4 && level != 7;
+    return LevelRowOf(level).sky == LevelSky::OPEN;
 }
 
 double LeastLeafRadius(int level) {
-    return level <= 2 ? 80 : level <= 5 ? 50 : 60;
+    const int ticks = LevelRowOf(level).ticks;
+    return ticks == 1 ? 50 : ticks == 2 ? 60 : 80;
 }
 
 Vec3 Widened(const WorldVector& v) {

@@ -8,6 +8,7 @@
 #include "mapc/merge.h"
 #include "mapc/sealing.h"
 #include "mapc/tessellate.h"
+#include "records/levels.h"
 
 #include <fmt/format.h>
 
@@ -162,7 +163,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
 }
 
 std::string CompileToFiles(const CompileFiles& files) {
-    const std::string name = files.level > 0 ? LevelSlotOf(files.level).worldName : files.map.stem().string();
+    const std::string name = files.level > 0 ? LevelRowOf(files.level).world : files.map.stem().string();
     const std::filesystem::path pathFile = files.output / (name + ".pts");
     try {
         const CompiledLevel level =

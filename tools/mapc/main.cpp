@@ -1,6 +1,7 @@
 #include "formats/error.h"
 #include "mapc/bake_threads.h"
 #include "mapc/compile.h"
+#include "records/levels.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

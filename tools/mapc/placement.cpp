@@ -1,24 +1,13 @@
 #include "mapc/placement.h"
 
 #include "formats/error.h"
+#include "records/levels.h"
 
 #include <fmt/format.h>
 
-#include <array>
 #include <optional>
 
 namespace {
-
-constexpr std::array<LevelSlot, LEVEL_COUNT> LEVEL_SLOTS{{
-    {"assault", {3837, -1103, 12788}, -1216},
-    {"bigone", {3837, -1103, 12788}, -1216},
-    {"house", {223, 488, -211}, 376},
-    {"soulflum", {1068, -731, 1663}, -848},
-    {"dside", {-15, 507, 1599}, 392},
-    {"swamp", {3444, 408, 4976}, 296},
-    {"wild", {327, -317, -384}, -432},
-    {"assault", {800, 800, 0}, 688},
-}};
 
 // Where the brush's top is above or below the point, as far as a vertical line through the point meets it.
 std::optional<double> TopOf(const Brush& brush, const PlaneTable& planes, const Vec3& p) {
@@ -54,10 +43,6 @@ double FloorBelow(const MapFile& map, const Brushes& brushes, const PlayerStart&
 }
 
 }  // namespace
-
-const LevelSlot& LevelSlotOf(int level) {
-    return LEVEL_SLOTS[static_cast<size_t>(level - 1)];
-}
 
 Vec3 Placement::Turned(const Vec3& v) const {
     Vec3 turned = v;
@@ -107,10 +92,10 @@ Placement PlaceMap(const MapFile& map, const Brushes& brushes, const PlayerStart
     placement.scale = scale;
     if (level == 0) return placement;
     placement.quarterTurns = (90 - start.angle + 360) / 90 % 4;
-    const LevelSlot& slot = LevelSlotOf(level);
+    const LevelRow& row = LevelRowOf(level);
     const Vec3 origin = placement.Turned(start.origin) * scale;
-    placement.offset[0] = slot.start[0] - origin.x;
-    placement.offset[1] = slot.floor - FloorBelow(map, brushes, start) * scale;
-    placement.offset[2] = slot.start[2] - origin.z;
+    placement.offset[0] = row.start[0] - origin.x;
+    placement.offset[1] = row.floor - FloorBelow(map, brushes, start) * scale;
+    placement.offset[2] = row.start[2] - origin.z;
     return placement;
 }

@@ -7,16 +7,6 @@
 
 #include <string>
 
-constexpr int LEVEL_COUNT = 8;
-
-// What the game has built in for a level.
-struct LevelSlot {
-    const char* worldName;  // of the world file, without ".bgm"
-    int start[3];           // where the player appears, engine units
-    int floor;              // height of the floor that suits the start
-};
-const LevelSlot& LevelSlotOf(int level);  // 1..8
-
 struct Placement {
     int quarterTurns = 0;  // about the vertical, counter-clockwise seen from above
     double scale = 1;      // engine units per map unit

@@ -5,6 +5,7 @@
 #include "formats/image.h"
 #include "mapc/map_builder.h"
 #include "mapc/placement.h"
+#include "records/levels.h"
 
 #include <gtest/gtest.h>
 
