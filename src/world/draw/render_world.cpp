@@ -80,7 +80,11 @@ void BuildViewPlanes() {
 
 template <typename NodeOrLeaf>
 Box BoxOf(const NodeOrLeaf& record) {
-    return {record.centre, record.radiusRoot2, record.radiusAspect, record.halfExtents};
+    const Vec3 half = record.halfExtents;  // of either sign
+    return {record.centre,
+            record.radiusRoot2,
+            record.radiusAspect,
+            {std::fabs(half.x), std::fabs(half.y), std::fabs(half.z)}};
 }
 
 // The exact test, for boxes whose spheres cross a side plane. Of the eight corners only the one least far along a
