@@ -1,5 +1,6 @@
 #include "render/textures.h"
 
+#include "memory/pool.h"
 #include "render/render_tables.h"
 #include "render/scene.h"
 #include "support/throwing_fatal.h"
@@ -65,6 +66,17 @@ TEST_F(Textures, TruncatedFilesAndBadRecordsAreRefused) {
         altered[c.offset] = c.value;
         EXPECT_EQ(LoadError(altered), c.message) << "byte " << c.offset;
     }
+}
+
+TEST_F(Textures, TheRemapTableHasAnEntryForEachTextureAndOthersHaveNone) {
+    LoadTextures(TwoTextures());
+    const uint32_t before = PoolFreeTotal();
+    BuildTextureRemap();
+    EXPECT_EQ(before - PoolFreeTotal(), 64u) << "a granule and a header";
+    TextureRemap[0] = 1;
+    EXPECT_EQ(PolygonTexture({3, 0, 0, 0, 0, 0, 0}), TextureRecords() + 1);
+    for (const uint8_t texture : {uint8_t{2}, uint8_t{255}})
+        EXPECT_EQ(PolygonTexture({3, texture, 0, 0, 0, 0, 0}), nullptr) << +texture;
 }
 
 void SetColour(std::vector<uint8_t>& file, int index, std::array<uint8_t, 3> rgb) {
