@@ -79,6 +79,20 @@ TEST_F(Textures, TheRemapTableHasAnEntryForEachTextureAndOthersHaveNone) {
         EXPECT_EQ(PolygonTexture({3, texture, 0, 0, 0, 0, 0}), nullptr) << +texture;
 }
 
+TEST_F(Textures, AnEmptyOneStopsTheAcceleratorAndNamesItsFile) {
+    std::vector<uint8_t> file = TwoTextures();
+    file[TEXTURE_RECORDS_OFFSET + 10] = 0;  // the first one's width
+    LoadTextures(file);
+    AppendPolygon({{0, 0, 1, 0, 0, 0}, {0, 1, 1, 0, 0, 0}, {1, 0, 1, 0, 0, 0}});
+    try {
+        L_CreateGlideUVs();
+        ADD_FAILURE() << "accepted";
+    } catch (const FatalThrown& fatal) {
+        EXPECT_EQ(fatal.text, "L_CreateGlideUVs - tm_width  = 0.0");
+        EXPECT_TRUE(fatal.path.ends_with("texture.bin")) << fatal.path;
+    }
+}
+
 void SetColour(std::vector<uint8_t>& file, int index, std::array<uint8_t, 3> rgb) {
     std::copy(rgb.begin(), rgb.end(), file.begin() + TEXTURE_PALETTE_OFFSET + index * 3);
 }
