@@ -56,7 +56,7 @@ void SetUpScreen() {
     ScreenAspect = 1.0f;
     FarDistance = FadeDistance = 5000.0f;
     TextureImage = texels.data();
-    TextureCount = 1;
+    TextureCount = 256;  // and all are drawn with the first
     TextureRemap = remap.data();
     TextureRecords()[0] = {TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord), 0, 0, 0, 0, 0, 64, 64};
 }

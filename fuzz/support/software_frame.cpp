@@ -30,7 +30,7 @@ void SetUpSoftwareFrame() {
 
     textures.resize(TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord) + TEXTURE_PAGE_SIZE);
     TextureImage = textures.data();
-    TextureCount = 1;
+    TextureCount = 256;  // and all are drawn with the first
     TextureRemap = remap.data();
     TextureRecords()[0] = {TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord), 0, 0, 0, 0, 0, 64, 64};
 }

@@ -67,6 +67,12 @@ bool TakePair(const std::string& line, const char* pattern, unsigned& first, uns
     return std::sscanf(line.c_str(), pattern, &first, &second) == 2;
 }
 
+bool HasVersion(const std::string& line) {
+    int end = 0;  // of a major and a minor number, whichever they are
+    std::sscanf(line.c_str(), "3df v%*[0-9].%*[0-9]%n", &end);
+    return end > 0;
+}
+
 bool TakeLod(unsigned side, GrLOD_t& lod) {
     if (side > 256 || !std::has_single_bit(side)) return false;
     lod = static_cast<GrLOD_t>(8 - std::countr_zero(side));
@@ -109,7 +115,7 @@ bool ReadTextureHeader(std::FILE* file, Gu3dfInfo& info) {
     unsigned first = 0;
     unsigned second = 0;
     Gu3dfHeader header{};
-    if (!ReadLine(file, line) || !TakePair(line, "3df v%1u.%1u", first, second)) return false;
+    if (!ReadLine(file, line) || !HasVersion(line)) return false;
     if (!ReadFieldLine(file, line) || !TakeFormat(line, header.format)) return false;
     if (!ReadFieldLine(file, line) || !TakePair(line, "lod range: %4u %4u", first, second)) return false;
     if (!TakeLod(first, header.small_lod) || !TakeLod(second, header.large_lod)) return false;

@@ -29,6 +29,7 @@ std::FILE* trace = nullptr;
 std::string tracePath;
 
 uint32_t framesPlayed = 0;
+uint32_t lastDropped = 0;  // of the frame before
 uint32_t pollsSincePeek = 1;
 uint32_t lastEvent = 0;  // clock of the latest thing that was asked for
 
@@ -58,6 +59,13 @@ bool CloseTrace() {
 
 void EndWhenIdle() {
     if (endsByItself && !ScriptTimesPending() && ClockNow() - lastEvent >= RUN_IDLE_END) RequestClose();
+}
+
+// The first frame of a row of them tells enough.
+void LogDropped(uint32_t dropped) {
+    if (dropped > 0 && lastDropped == 0)
+        HostLog("frame %u: no room for %u polygons of the character", framesPlayed, dropped);
+    lastDropped = dropped;
 }
 
 }  // namespace
@@ -129,13 +137,14 @@ void ResetRun() {
     StartFrontEndKeys({});
     frameShots.clear();
     underWay = endsByItself = false;
-    frameLimit = framesAsked = framesPlayed = 0;
+    frameLimit = framesAsked = framesPlayed = lastDropped = 0;
     pollsSincePeek = 1;
     lastEvent = 0;
 }
 
 bool HostEndOfFrame(const HostFrameReport& report) {
     ++framesPlayed;
+    LogDropped(report.dropped);
     if (framesPlayed <= framesAsked || ScriptFramesPending()) lastEvent = ClockNow();
     if (trace)
         std::fprintf(trace, "%s\n",

@@ -41,9 +41,12 @@ public:
 
     void State(const HostStateSpan& state) { digest_.Add(state.data, state.bytes); }
 
-    std::string End(const Picture* picture) {
+    // `dropped` is no part of the digest: it is what a table had no room for, not what the game has done.
+    std::string End(uint32_t dropped, const Picture* picture) {
         Name("digest");
         AddDigest(digest_);
+        Name("dropped");
+        line_ += std::to_string(dropped);
         Name("pixels");
         if (!picture) return line_ + "null}";
         Digest pixels;
@@ -97,5 +100,5 @@ std::string TraceLine(uint32_t frame, const HostFrameReport& report, const Pictu
     writer.Reals("shots", report.shots);
     for (const HostStateSpan& state : report.extra)
         writer.State(state);
-    return writer.End(picture);
+    return writer.End(report.dropped, picture);
 }

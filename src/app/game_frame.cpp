@@ -5,6 +5,7 @@
 #include "app/shots.h"
 #include "app/texture_cycle.h"
 #include "camera/camera.h"
+#include "character/leaf_bins.h"
 #include "host/probe.h"
 #include "lights/light_slots.h"
 #include "math/random.h"
@@ -75,6 +76,7 @@ HostFrameReport DescribeFrame(const ReportedLists& lists) {
         .camera = {CameraPos.x, CameraPos.y, CameraPos.z},
         .cameraAngles = {CameraAngles.x, CameraAngles.y, CameraAngles.z},
         .polygons = SubmittedPolygons,
+        .dropped = DroppedPolygons,
         .lights = lists.lights,
         .shots = lists.shots,
         .extra = {{&RandState, sizeof RandState}, {LightSlots, sizeof LightSlots}, {Shots, sizeof Shots}},
@@ -94,12 +96,12 @@ bool GameFrame() {
     ClearFrame();
     UpdatePlayer();
     TextureCycle();
-    BeginBackToFront();
+    if (!GlideActive()) BeginBackToFront();
     if (SkyFlag != 0) DrawSky();
     UpdateShots();
     UpdateLights();
     RenderWorld();
-    EndBackToFront();
+    if (!GlideActive()) EndBackToFront();
     if (locked) UnlockSurface();
     SwapScreen();
     const bool hostEnds = HostEndOfFrame(DescribeFrame(ListLightsAndShots()));

@@ -7,10 +7,12 @@
 #include "memory/image.h"
 #include "platform/timer.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
+constexpr const char* INVALID_ANIMATION = "Not a valid animation file";
 constexpr uint32_t HEADER_BYTES = 32;
 constexpr uint32_t ROTATION_TRACK_HEADER = 32;
 constexpr uint32_t ROTATION_KEY_BYTES = 36;
@@ -41,9 +43,9 @@ bool ValidTrack(const AnimRecord& record, uint32_t offset, const TrackShape& sha
     for (uint32_t k = 0; k < static_cast<uint32_t>(keys); ++k) {
         const uint32_t key = first + shape.keyBytes * k;
         if (!DoublesFinite(record.image, key + 4, (shape.keyBytes - 4) / 8)) return false;
-        const bool ascends = k == 0 || ImageField<uint32_t>(record.image, key - shape.keyBytes) <
-                                           ImageField<uint32_t>(record.image, key);
-        if (!ascends) return false;
+        const bool goesBack =
+            k > 0 && ImageField<uint32_t>(record.image, key - shape.keyBytes) > ImageField<uint32_t>(record.image, key);
+        if (goesBack) return false;
     }
     return true;
 }
@@ -56,24 +58,25 @@ bool ValidTable(const AnimRecord& record, uint32_t table, const TrackShape& shap
     return true;
 }
 
-// The list ends inside the file, names bones of the mesh, and leaves the matrix stack as it found it.
-bool ValidCommands(const AnimRecord& record, uint32_t boneCount) {
+bool ValidTracks(const AnimRecord& record) {
+    return ValidTable(record, record.rotationTable, ROTATION_TRACK) &&
+           ValidTable(record, record.positionTable, POSITION_TRACK);
+}
+
+// The list ends inside the file and names bones of the mesh that have tracks. It may leave transforms on the stack.
+void CheckCommands(const AnimRecord& record, uint32_t boneCount, const char* path) {
     int depth = 0;
     for (uint64_t offset = HEADER_BYTES; offset + 4 <= record.imageBytes; offset += 4) {
         const auto command = ImageField<int32_t>(record.image, static_cast<uint32_t>(offset));
-        if (command == -3) return depth == 0;
+        if (command == -3) return;
         if (command == -1) depth += 1;
         if (command == -2) depth -= 1;
-        if (command < -3 || depth < 0 || depth > MATRIX_STACK_SIZE) return false;
-        if (command >= 0 && static_cast<uint32_t>(command) >= boneCount) return false;
+        if (depth < 0) FatalError(1, MATRIX_STACK_UNDERFLOW, path);
+        if (depth > MATRIX_STACK_SIZE) FatalError(1, MATRIX_STACK_OVERFLOW, path);
+        const bool isBone = command >= 0 && static_cast<uint32_t>(command) < std::min(boneCount, record.trackCount);
+        if (!isBone && command != -1 && command != -2) break;
     }
-    return false;
-}
-
-bool ValidAnimation(const AnimRecord& record, uint32_t boneCount) {
-    return record.trackCount >= boneCount && record.length > ANIM_START_TIME &&
-           ValidTable(record, record.rotationTable, ROTATION_TRACK) &&
-           ValidTable(record, record.positionTable, POSITION_TRACK) && ValidCommands(record, boneCount);
+    FatalError(0, INVALID_ANIMATION, path);
 }
 
 // Layers 1 and 2 only; layer 0 can also end the state.
@@ -116,13 +119,14 @@ void LoadAnimation(const char* path, AnimRecord& record, const MeshRecord& mesh)
     record.image = static_cast<const uint8_t*>(LoadMalloc(path));
     if (!record.image) FatalError(0, "No Animation File Found", path);
     record.imageBytes = static_cast<uint32_t>(FileSize(path));
-    if (record.imageBytes < HEADER_BYTES) FatalError(0, "Not a valid animation file", path);
+    if (record.imageBytes < HEADER_BYTES) FatalError(0, INVALID_ANIMATION, path);
     record.length = ImageField<uint32_t>(record.image, 4);
     record.trackCount = ImageField<uint32_t>(record.image, 8);
     record.hiddenBlock = ImageField<uint32_t>(record.image, 12);
     record.rotationTable = ImageField<uint32_t>(record.image, 16);
     record.positionTable = ImageField<uint32_t>(record.image, 20);
-    if (!ValidAnimation(record, mesh.boneCount)) FatalError(0, "Not a valid animation file", path);
+    CheckCommands(record, mesh.boneCount, path);
+    if (!ValidTracks(record)) FatalError(0, INVALID_ANIMATION, path);
 }
 
 void LoadAnimations(AnimFileEntry* table, const MeshRecord& mesh) {

@@ -6,7 +6,7 @@
 //   -3 end
 // Both tables: u32 unused, N x u32 track offset. Rotation track: u32 unused, 3 x f64 pivot in the mesh's rest frame,
 // i32 key count, keys of { u32 time, 4 x f64 w x y z }. Position track: u32 unused, i32 key count, keys of { u32 time,
-// 3 x f64 }. Keys ascend in time.
+// 3 x f64 }. Keys never go back in time.
 #pragma once
 
 #include "records/actor_record.h"
@@ -18,7 +18,8 @@ constexpr uint32_t ANIM_TICK_UNITS = 5;   // animation time units a tick, 312.5 
 constexpr uint32_t ANIM_START_TIME = 10;  // where animations start and loops wrap to
 
 // Every entry up to the one without a path. FatalError(0, ...): "No Animation File Found", or "Not a valid animation
-// file" for tracks, keys or commands out of range, or fewer tracks than the mesh has bones.
+// file" for tracks, keys or commands out of range, or a command for a bone that has no tracks or is not in the mesh.
+// FatalError(1, ...): MATRIX_STACK_UNDERFLOW for a pop without a push, MATRIX_STACK_OVERFLOW for too many pushes.
 void LoadAnimations(AnimFileEntry* table, const MeshRecord& mesh);
 void LoadAnimation(const char* path, AnimRecord& record, const MeshRecord& mesh);
 

@@ -1,5 +1,7 @@
 #include "character/depth_list.h"
 
+#include "character/leaf_bins.h"
+
 DepthNode DepthList[DEPTH_LIST_SIZE];
 
 namespace {
@@ -21,7 +23,10 @@ void InitDepthList() {
 }
 
 void InsertByDepth(float depth, int16_t polygon) {
-    if (NextFree >= DEPTH_LIST_SIZE) return;
+    if (NextFree >= DEPTH_LIST_SIZE) {
+        DroppedPolygons += 1;
+        return;
+    }
     depth = BetweenMarkers(depth);
     int32_t k = 0;
     while (DepthList[k].next != -1 && depth <= DepthList[k].depth)

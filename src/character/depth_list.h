@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-constexpr int32_t DEPTH_LIST_SIZE = 2000;  // nodes, the two markers included; what does not fit is dropped
+constexpr int32_t DEPTH_LIST_SIZE = 2000;  // nodes, the two markers included; what does not fit is dropped and counted
 constexpr float DEPTH_LIST_HEAD = 50000.0f;
 constexpr float DEPTH_LIST_TAIL = -50000.0f;
 

@@ -77,17 +77,27 @@ PolyVertex SplitEdge(const PolyVertex& vi, const PolyVertex& vj, float di, float
             vi.intensity + (vj.intensity - vi.intensity) * t};
 }
 
-bool ScratchFits(uint32_t cornerCount) {
-    return NextPolygon < WorldGeometry.file.polygons + SPARE_POLYGONS &&
-           NextPoint + 2 <= WorldGeometry.file.points + SPARE_POINTS &&
-           NextVertex + cornerCount + 2 <= WorldGeometry.file.polyVertices + SPARE_POLY_VERTICES &&
-           cornerCount + 1 <= PIECE_CORNERS;
+bool Crosses(const Corner& from, const Corner& to) {
+    return from.side != Side::On && to.side != Side::On && from.side != to.side;
 }
 
-// The part of the polygon on the kept side, as a new scratch polygon; false when the scratch is full.
+// Whether the piece on the kept side fits the scratch and the pipeline.
+bool PieceFits(const PolyRecord& source, Side kept, const Corner* corners) {
+    uint32_t cornerCount = 0, crossings = 0;
+    for (uint32_t i = 0; i < source.cornerCount; ++i) {
+        cornerCount += corners[i].side == Side::On || corners[i].side == kept;
+        crossings += Crosses(corners[i], corners[i + 1 == source.cornerCount ? 0 : i + 1]);
+    }
+    cornerCount += crossings;
+    return cornerCount <= PIECE_CORNERS && NextPolygon < WorldGeometry.file.polygons + SPARE_POLYGONS &&
+           NextPoint + crossings <= WorldGeometry.file.points + SPARE_POINTS &&
+           NextVertex + cornerCount <= WorldGeometry.file.polyVertices + SPARE_POLY_VERTICES;
+}
+
+// The part of the polygon on the kept side, as a new scratch polygon; false, and dropped, when it does not fit.
 bool SplitPolygon(uint32_t polygon, Side kept, const Corner* corners, uint32_t& piece) {
     const PolyRecord source = WorldGeometry.polygons[polygon];
-    if (!ScratchFits(source.cornerCount)) {
+    if (!PieceFits(source, kept, corners)) {
         DroppedPolygons += 1;
         return false;
     }
@@ -98,9 +108,7 @@ bool SplitPolygon(uint32_t polygon, Side kept, const Corner* corners, uint32_t& 
         const PolyVertex vi = WorldGeometry.polyVertices[source.firstVertex + i];
         const PolyVertex vj = WorldGeometry.polyVertices[source.firstVertex + j];
         if (corners[i].side == Side::On || corners[i].side == kept) WorldGeometry.polyVertices[NextVertex++] = vi;
-        const bool crosses =
-            corners[i].side != Side::On && corners[j].side != Side::On && corners[i].side != corners[j].side;
-        if (crosses) {
+        if (Crosses(corners[i], corners[j])) {
             WorldGeometry.polyVertices[NextVertex++] = SplitEdge(vi, vj, corners[i].distance, corners[j].distance);
         }
     }

@@ -45,12 +45,13 @@ Track PositionTrack(const AnimRecord& record, uint32_t bone) {
     return {record.image, offset + 8, 28, ImageField<uint32_t>(record.image, offset + 4)};
 }
 
-// The first layer that animates this bone, otherwise the last one there is.
+// The first layer that animates this bone, otherwise the last one that has tracks for it: layer 0 always has.
 BoneTracks ChooseLayer(const Actor& actor, uint32_t bone) {
     const StateRecord& state = actor.states[actor.state];
     BoneTracks tracks{};
     for (int layer = 0; layer < 3 && state.animations[layer] != -1; ++layer) {
         const AnimRecord& record = *actor.animations[state.animations[layer]].record;
+        if (bone >= record.trackCount) continue;
         tracks.rotation = RotationTrack(record, bone);
         tracks.position = PositionTrack(record, bone);
         tracks.time = actor.layerTimes[layer];
@@ -145,17 +146,22 @@ void PoseActor(Actor& actor) {
     FirstBoneDone = false;
     CurrentTransform = actor.base;
     if (actor.layerTimes[0] >= static_cast<uint32_t>(actor.blendDuration)) actor.blendDuration = 0;
+    int pushed = 0;
     for (uint32_t offset = COMMAND_LIST;; offset += 4) {
         const auto command = ImageField<int32_t>(record.image, offset);
-        if (command == -3) return;
+        if (command == -3) break;
         if (command == -2) {
             PopMatrix(CurrentTransform);
+            pushed -= 1;
         } else if (command == -1) {
             PushMatrix(CurrentTransform);
+            pushed += 1;
         } else if (actor.blendDuration == 0) {
             EvaluateBone(static_cast<uint32_t>(command), mesh, actor);
         } else {
             EvaluateBlendedBone(static_cast<uint32_t>(command), mesh, actor);
         }
     }
+    for (; pushed > 0; --pushed)  // or they would pile up from frame to frame
+        PopMatrix(CurrentTransform);
 }

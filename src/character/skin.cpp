@@ -1,5 +1,6 @@
 #include "character/skin.h"
 
+#include "host/files.h"
 #include "memory/fatal.h"
 #include "memory/files.h"
 #include "memory/image.h"
@@ -142,7 +143,9 @@ void SkinBlock(const uint8_t* image, const BlockView& block, const SkinMatrix& m
 void* LoadWeights(const char* path, const MeshRecord& mesh) {
     auto* image = static_cast<uint8_t*>(LoadMalloc(path));
     if (!image) {
-        std::printf("Failed to LoadMalloc weights file!\n");
+        const char* const message = "Failed to LoadMalloc weights file!\n";
+        std::fputs(message, stdout);
+        HostReportFatal(message, path);
         std::exit(1);
     }
     if (!ValidWeights(image, static_cast<uint32_t>(FileSize(path)), mesh)) {

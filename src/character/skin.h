@@ -11,8 +11,9 @@
 
 extern const uint8_t BoneOrder[BONE_LIMIT];
 
-// Lists the file on standard output and returns its image. A missing file ends the process with status 1 and "Failed
-// to LoadMalloc weights file!\n"; FatalError(1, "Not a valid weights file") when a count or index is out of range.
+// Lists the file on standard output and returns its image. A missing file ends the process with status 1 and without
+// a shut-down: "Failed to LoadMalloc weights file!\n" on standard output, and on standard error with the path.
+// FatalError(1, "Not a valid weights file") when a count or index is out of range.
 void* LoadWeights(const char* path, const MeshRecord& mesh);
 
 // Rest positions to skinned world positions, into the ViewPoints of the character.

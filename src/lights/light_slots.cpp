@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 LightSlot LightSlots[LIGHT_SLOT_COUNT];
 
@@ -20,6 +19,8 @@ constexpr float LEVEL_SCALE = 64.0f;  // light bytes an intensity of 1
 constexpr float DIMMEST = 0.01f;      // dynamic lights below this touch nothing
 constexpr int32_t BRIGHTEST = 127;
 constexpr float SPAWNED_RADIUS = 500.0f;
+constexpr uint32_t CORNER_NUMBERS = 65536;  // that 16 bits can name
+static_assert(CORNER_NUMBERS <= CORNER_LIGHT_POLYGONS * 8);
 
 constexpr int32_t FLICKER_BITS = 127;
 constexpr float FLICKER_BASE = 256.0f;
@@ -39,27 +40,42 @@ struct GatheredPoint {
 };
 GatheredPoint Gathered[GATHERED_POINT_LIMIT];
 
-bool ReadContributions(ContributionList& list, uint32_t count, uint32_t targetCount) {
-    if (!ReadBlock(list.targets, count * uint32_t{sizeof list.targets[0]})) return false;
-    if (!ReadBlock(list.weights, count * uint32_t{sizeof list.weights[0]})) return false;
-    for (uint32_t i = 0; i < count; ++i) {
+bool ReadContributions(ContributionList& list, uint32_t count) {
+    return ReadBlock(list.targets, count * uint32_t{sizeof list.targets[0]}) &&
+           ReadBlock(list.weights, count * uint32_t{sizeof list.weights[0]});
+}
+
+// A corner may be any: its 16-bit number lies inside the tables, whether the world has the polygon or not.
+bool RunIsValid(const ContributionList& list, int32_t first, int32_t count, int32_t listLength, uint32_t targetCount) {
+    if (count <= 0) return true;
+    if (first < 0 || first > listLength - count) return false;
+    for (int32_t i = first; i < first + count; ++i) {
         if (list.targets[i] >= targetCount || !std::isfinite(list.weights[i])) return false;
     }
     return true;
 }
 
-bool LiesInList(int32_t first, int32_t count, int32_t listLength) {
-    return first >= 0 && count >= 0 && first <= listLength - count;
+template <typename... Numbers>
+bool AllFinite(Numbers... numbers) {
+    return (std::isfinite(numbers) && ...);
 }
 
-bool IsValid(const LightSlot& slot, int32_t contributions) {
+bool ContributionsAreValid(const LightSlot& slot, int32_t listLength) {
+    return RunIsValid(PointContributions, slot.firstPoint, slot.pointCount, listLength, WorldGeometry.file.points) &&
+           RunIsValid(CornerContributions, slot.firstCorner, slot.cornerCount, listLength, CORNER_NUMBERS);
+}
+
+// Of each type only what it uses. Every slot in use lights the character, by its place, radius and intensity.
+bool IsValid(const LightSlot& slot, int32_t listLength) {
+    const int32_t type = slot.type;
+    if (type == LIGHT_FREE) return true;
     const Vec3 place = slot.position;
-    const double numbers[] = {
-        place.x,     place.y,       place.z,           slot.radius,       slot.intensity, slot.highIntensity,
-        slot.stepUp, slot.stepDown, slot.lowIntensity, slot.radiusSquared};
-    return LiesInList(slot.firstPoint, slot.pointCount, contributions) &&
-           LiesInList(slot.firstCorner, slot.cornerCount, contributions) &&
-           std::all_of(std::begin(numbers), std::end(numbers), [](double number) { return std::isfinite(number); });
+    if (!AllFinite(place.x, place.y, place.z, slot.radius, slot.radiusSquared, slot.intensity)) return false;
+    const bool ramps = type == LIGHT_RAMP || type == LIGHT_DYNAMIC_RAMP;
+    if ((ramps || type == LIGHT_BLINK) && !AllFinite(slot.highIntensity, slot.lowIntensity)) return false;
+    if (ramps && !AllFinite(slot.stepUp, slot.stepDown)) return false;
+    const bool contributes = type == LIGHT_RAMP || type == LIGHT_BLINK || type == LIGHT_FLICKER;
+    return !contributes || ContributionsAreValid(slot, listLength);
 }
 
 bool ReadLightSlots() {
@@ -69,10 +85,9 @@ bool ReadLightSlots() {
     if (slots < 0 || slots > LIGHT_SLOT_COUNT || contributions < 0) return false;
     if (!ReadBlock(LightSlots, static_cast<uint32_t>(slots) * uint32_t{sizeof(LightSlot)})) return false;
     const auto count = static_cast<uint32_t>(contributions);
-    return std::all_of(LightSlots, LightSlots + slots,
-                       [&](const LightSlot& slot) { return IsValid(slot, contributions); }) &&
-           ReadContributions(PointContributions, count, WorldGeometry.file.points) &&
-           ReadContributions(CornerContributions, count, 8 * WorldGeometry.file.polygons);
+    return ReadContributions(PointContributions, count) && ReadContributions(CornerContributions, count) &&
+           std::all_of(LightSlots, LightSlots + slots,
+                       [&](const LightSlot& slot) { return IsValid(slot, contributions); });
 }
 
 // The first light of a frame starts from the base, the others add.
@@ -94,10 +109,14 @@ void RaiseCorner(uint32_t entry, float amount) {
 
 void ApplyContributions(const LightSlot& slot) {
     const float scale = slot.intensity;
-    for (int32_t i = slot.firstPoint; i < slot.firstPoint + slot.pointCount; ++i)
+    for (int32_t k = 0; k < slot.pointCount; ++k) {
+        const int32_t i = slot.firstPoint + k;
         RaisePoint(PointContributions.targets[i], PointContributions.weights[i] * scale * LEVEL_SCALE);
-    for (int32_t i = slot.firstCorner; i < slot.firstCorner + slot.cornerCount; ++i)
+    }
+    for (int32_t k = 0; k < slot.cornerCount; ++k) {
+        const int32_t i = slot.firstCorner + k;
         RaiseCorner(CornerContributions.targets[i], CornerContributions.weights[i] * scale * LEVEL_SCALE);
+    }
 }
 
 // The world's points within the radius; how many. Those of sky and character are left out.

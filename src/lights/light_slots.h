@@ -17,8 +17,9 @@ constexpr int GATHERED_POINT_LIMIT = 1000;       // of a dynamic light; the poin
 extern LightSlot LightSlots[LIGHT_SLOT_COUNT];  // packed: read fields by value
 
 // Every slot becomes LIGHT_FREE, then those of the file follow; a missing file leaves them free.
-// FatalError(0, "Not a valid light slot file", path): too short, a count beyond the tables, a run beyond the lists, a
-// target beyond the world's points or corners, or a number that is not finite.
+// FatalError(0, "Not a valid light slot file", path): too short, or a count beyond the tables; a used slot with a
+// number, of those its type uses, that is not finite; a ramp, blink or flicker with a run beyond the lists, or with a
+// contribution to no point of the world or of a weight that is not finite. What no slot uses may be anything.
 void LoadLightSlots(const char* path);
 
 void UpdateLights();  // once a frame, before the world is drawn: moves every slot's time on and raises the light bytes

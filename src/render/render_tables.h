@@ -21,7 +21,7 @@ extern float DepthScale;    // 63000 / FarDistance, set by GameFrame
 
 extern uint8_t* TextureImage;      // texture.bin as loaded; null without a level
 extern uint32_t TextureCount;      // N, 1..500
-extern uint8_t* TextureRemap;      // max(N, 256) bytes, rotated by TextureCycle
+extern uint8_t* TextureRemap;      // N bytes, rotated by TextureCycle; read by RemappedTexture
 extern uint8_t ShadeTable[65536];  // light level x 256 + colour -> colour; rows 0..127 are used
 extern float IntensityTable[128];  // entry i = i x 256
 extern uint32_t LineColour;        // palette index of debug lines, low 8 bits used

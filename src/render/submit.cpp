@@ -47,7 +47,7 @@ GrVertex MakeVertex(const PolyVertex& corner) {
 }
 
 void UseTextureOf(const PolyRecord& polygon) {
-    const uint32_t texture = TextureRemap[polygon.texture];
+    const uint32_t texture = RemappedTexture(polygon.texture);
     if (texture != CurrentTexture) {
         CurrentTexture = texture;
         guTexSource(TextureHandles[texture]);

@@ -66,8 +66,9 @@ bool LeavesTexture(const PolyVertex& corner, const TextureRecord& texture) {
 void ConvertToGlideUnits(const PolyRecord& polygon, const TextureRecord& texture) {
     const float width = texture.width;
     const float height = texture.height;
-    if (width == 0) FatalError(-1, "L_CreateGlideUVs - tm_width  = 0.0");
-    if (height == 0) FatalError(-1, "L_CreateGlideUVs - tm_height = 0.0");
+    const char* const path = LevelTable[LoadedLevel].textureFile;
+    if (width == 0) FatalError(-1, "L_CreateGlideUVs - tm_width  = 0.0", path);
+    if (height == 0) FatalError(-1, "L_CreateGlideUVs - tm_height = 0.0", path);
     const float larger = std::max(width, height);
     for (uint32_t i = polygon.firstVertex; i < uint32_t{polygon.firstVertex} + polygon.cornerCount; i++) {
         float s = WorldGeometry.alternateVertices[i].u / 256;
@@ -98,11 +99,9 @@ int LoadTextureFile(int32_t level) {
 }
 
 void BuildTextureRemap() {
-    // The animated-texture cycle and every polygon's texture byte stay inside the table, whatever the count.
-    const uint32_t entries = std::max(TextureCount, 256u);
-    TextureRemap = static_cast<uint8_t*>(PoolMalloc(entries));
+    TextureRemap = static_cast<uint8_t*>(PoolMalloc(TextureCount));
     if (TextureRemap == nullptr) FatalError(1, "No memory for the texture remap table");
-    for (uint32_t i = 0; i < entries; i++)
+    for (uint32_t i = 0; i < TextureCount; i++)
         TextureRemap[i] = static_cast<uint8_t>(i);
 }
 
@@ -131,8 +130,12 @@ void L_CreateGlideUVs() {
     std::printf("L_CreateGlideUVs Finished!\n\n");
 }
 
+uint8_t RemappedTexture(uint8_t texture) {
+    return texture < TextureCount ? TextureRemap[texture] : texture;
+}
+
 const TextureRecord* PolygonTexture(const PolyRecord& polygon) {
-    const uint8_t index = TextureRemap[polygon.texture];
+    const uint8_t index = RemappedTexture(polygon.texture);
     if (index >= TextureCount) return nullptr;
     const TextureRecord* texture = TextureRecords() + index;
     return texture->width == 0 || texture->height == 0 ? nullptr : texture;

@@ -10,16 +10,18 @@
 constexpr uint32_t BSP_MAGIC = 0x47627370;  // "Gbsp"
 constexpr uint32_t BSP_VERSION = 10;
 constexpr uint32_t BSP_MAX_NODES = 32768;
-constexpr uint32_t BSP_MAX_LEAVES = 16384;  // RenderList entries from here on mean the character in a leaf
-constexpr int BSP_MAX_DEPTH = 1024;         // nodes from the root to a leaf
+constexpr uint32_t BSP_MAX_LEAVES = 16384;         // RenderList entries from here on mean the character in a leaf
+constexpr int BSP_MAX_DEPTH = 1024;                // nodes from the root to a leaf
+constexpr uint32_t BSP_MAX_LEAF_POLYGONS = 65536;  // of all leaves, each counted once for every place it hangs at
 constexpr int BSP_MIN_CORNERS = 3;
 constexpr int BSP_MAX_CORNERS = 12;
 
 // Fills WorldGeometry with the file's contents: file and used counts are set, spare polygon records, light bytes and
 // stamps are 0, FrameCount is 1. Must be the first pool user of a level.
 // FatalError(0, path): "No .BSP file found"; "Old BSP Version"; "Not a valid BSP file": wrong magic, too short, a
-// count or index out of range, a cyclic, shared or too deep node, a corner count outside 3..12, a number that is
-// not finite; "Not enough memory for the BSP file": the pool is too small for the tables.
+// count or index out of range, a cyclic, shared or too deep node, more than BSP_MAX_LEAF_POLYGONS, a corner count
+// outside 3..12, a number that is not finite; "Not enough memory for the BSP file": the pool is too small for the
+// tables.
 void LoadBspWorld(const char* path);
 
 void ComputePolyFrames();         // of the file's polygons; called by LoadBspWorld

@@ -70,12 +70,14 @@ bool PointsAndVerticesAreValid() {
 }
 
 // The walks over the tree are recursive: a node reached twice would make them endless or exponential, and a deep
-// tree would exhaust the stack. Nodes that the root does not reach are harmless.
+// tree would exhaust the stack. A leaf may hang in several places, and is measured and drawn at each of them: many
+// polygons in many places would take hours. Nodes that the root does not reach are harmless.
 bool NodesFormATree() {
     struct Visit {
         int16_t node;
         int depth;
     };
+    uint32_t polygons = 0;
     std::vector<bool> reached(WorldGeometry.nodeCount);
     std::vector<Visit> pending = {{0, 1}};
     while (!pending.empty()) {
@@ -84,8 +86,13 @@ bool NodesFormATree() {
         if (visit.depth > BSP_MAX_DEPTH || reached[static_cast<size_t>(visit.node)]) return false;
         reached[static_cast<size_t>(visit.node)] = true;
         const BspNode& node = WorldGeometry.nodes[visit.node];
-        if (node.frontChild >= 0) pending.push_back({node.frontChild, visit.depth + 1});
-        if (node.backChild >= 0) pending.push_back({node.backChild, visit.depth + 1});
+        for (const int16_t child : {node.frontChild, node.backChild}) {
+            if (child >= 0)
+                pending.push_back({child, visit.depth + 1});
+            else
+                polygons += WorldGeometry.leaves[~child].polygonCount;
+        }
+        if (polygons > BSP_MAX_LEAF_POLYGONS) return false;
     }
     return true;
 }

@@ -8,6 +8,7 @@
 bool BspCountsAreValid();
 uint64_t BspTableBytes();  // of the six tables in the file
 
-// The loaded tables: every index in range, the nodes a tree of at most BSP_MAX_DEPTH levels, 3..12 corners, finite
-// numbers. Radii and point normals are not looked at, since they are overwritten before anything reads them.
+// The loaded tables: every index in range, the nodes a tree of at most BSP_MAX_DEPTH levels whose leaves hold at most
+// BSP_MAX_LEAF_POLYGONS, 3..12 corners, finite numbers. Radii and point normals are not looked at, since they are
+// overwritten before anything reads them.
 bool BspTablesAreValid();

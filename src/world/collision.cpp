@@ -1,5 +1,6 @@
 #include "world/collision.h"
 
+#include "app/app_tables.h"
 #include "math/convert.h"
 #include "math/vectors.h"
 #include "memory/fatal.h"
@@ -64,6 +65,7 @@ bool InsideGrownOutline(const PolyRecord& polygon, const IntVec3& q, int32_t r) 
         const Vec3 m = {e.y * n.z - e.z * n.y, e.z * n.x - e.x * n.z, e.x * n.y - e.y * n.x};
         const float length = std::sqrt(Dot(m, m));
         const Vec3 outward = {m.x / length, m.y / length, m.z / length};
+        if (!std::isfinite(outward.x) || !std::isfinite(outward.y) || !std::isfinite(outward.z)) continue;
         if (Dot(point - from, outward) > static_cast<float>(r)) return false;
     }
     return true;
@@ -77,7 +79,7 @@ struct SphereQuery {
 
 void AppendContact(int32_t polygon) {
     ContactList[ContactCount++] = polygon;
-    if (ContactCount > CONTACT_LIMIT) FatalError(1, "Opps too many faces.\n");
+    if (ContactCount > CONTACT_LIMIT) FatalError(1, "Opps too many faces.\n", LevelTable[LoadedLevel].worldFile);
 }
 
 void GatherLeaf(const BspLeaf& leaf, const SphereQuery& query) {

@@ -9,10 +9,11 @@
 
 constexpr uint32_t STATIC_OBJECT_MAGIC = 0x45736f62;  // "Esob"
 constexpr uint32_t STATIC_OBJECT_VERSION = 9;
+constexpr int STATIC_OBJECT_MAX_CORNERS = 127;  // those with less than 3 or more than 12 are loaded but not drawn
 
 // Appends the object to WorldGeometry, moves the static marks behind it and says in SkyObject where it lies. 1: done;
 // 0: there is no such file, or it is none ("Not a valid .SOB file." on standard output), and SkyObject is empty.
-// FatalError(0, path): "Old SOB Version"; "Not a valid static object file": too short, a corner count outside 3..12, a
-// point beyond its table, a number that is not finite; "No room for the static object": more than WorldGeometry has
-// room for.
+// FatalError(0, path): "Old SOB Version"; "Not a valid static object file": too short, a corner count outside 1..127, a
+// point beyond its table, a position or texture coordinate that is not finite (a plane may be anything, nobody reads
+// it); "No room for the static object": more than WorldGeometry has room for.
 int32_t LoadStaticObject(const char* path);

@@ -1,6 +1,7 @@
 #include "character/animation.h"
 
 #include "formats/character_files.h"
+#include "math/matrix_stack.h"
 #include "math/vectors.h"
 #include "platform/timer.h"
 #include "support/pool_fixture.h"
@@ -82,6 +83,54 @@ TEST_F(Animation, KeysInterpolateAndHoldAtBothEnds) {
     PoseAt(190);
     EXPECT_NEAR(yaw(), 3.14159265 / 2.0, 1e-6);
     EXPECT_NEAR(bones_[0].position[1], 9.0, 1e-12);
+}
+
+TEST_F(Animation, AListThatTheMatrixStackCannotWalkIsRefusedAsTheStackWould) {
+    const auto refusal = [&](const std::vector<int32_t>& commands) {
+        try {
+            Load(AnimationImage(200, commands, OneTurningBone()));
+        } catch (const FatalThrown& fatal) {
+            EXPECT_FALSE(fatal.path.empty());
+            return std::to_string(fatal.code) + fatal.text;
+        }
+        return std::string();
+    };
+    const std::vector<int32_t> deepest(MATRIX_STACK_SIZE, COMMAND_PUSH);
+    std::vector<int32_t> tooDeep = deepest;
+    tooDeep.push_back(COMMAND_PUSH);
+    EXPECT_EQ(refusal({0, COMMAND_PUSH, COMMAND_POP, COMMAND_POP}), "1Matrix stack underflow");
+    EXPECT_EQ(refusal(tooDeep), "1Matrix stack overflow.");
+    EXPECT_EQ(refusal({0, 3}), "0Not a valid animation file") << "a bone that the mesh does not have";
+    EXPECT_EQ(refusal({0, -4}), "0Not a valid animation file");
+    EXPECT_EQ(refusal(deepest), "");
+    for (int frame = 0; frame < 3; ++frame)
+        PoseAt(60);  // what a list leaves on the stack does not pile up
+}
+
+TEST_F(Animation, AClipMayHaveNoLengthFewTracksAndKeysOfOneTime) {
+    const BoneTracks jump = {{0.0, 0.0, 0.0}, {{10, NO_TURN}, {60, NO_TURN}, {60, QUARTER_ABOUT_Y}}, {{10, {1, 2, 3}}}};
+    Load(AnimationImage(0, {0}, {jump}));
+    EXPECT_THROW(Load(AnimationImage(0, {1}, {jump}), records_[1]), FatalThrown) << "a bone without tracks";
+    EXPECT_THROW(Load(AnimationImage(0, {0}, {{{}, {{60, NO_TURN}, {10, NO_TURN}}, {{10, {}}}}}), records_[1]),
+                 FatalThrown)
+        << "keys that go back";
+    PoseAt(60);
+    EXPECT_NEAR(bones_[0].rotation.y, 0.0, 1e-12);
+    PoseAt(61);
+    EXPECT_NEAR(bones_[0].rotation.w, std::sqrt(0.5), 1e-12);
+    states_[0].playModes[0] = PLAY_LOOP;
+    actor_.layerTimes[0] = 10;
+    AdvanceActor(actor_);
+    EXPECT_EQ(actor_.layerTimes[0], 25u) << "a loop that never comes back";
+
+    Load(AnimationImage(200, {0, 1, 2}, {StillBone(), OneTurningBone()[0], StillBone()}));
+    Load(AnimationImage(200, {0}, {jump}), records_[1]);
+    states_[0].animations[1] = 1;
+    actor_.layerTimes[1] = 61;
+    PoseAt(110);
+    EXPECT_NEAR(bones_[0].rotation.w, std::sqrt(0.5), 1e-12) << "from the second layer";
+    EXPECT_NEAR(bones_[1].rotation.y, std::sqrt(0.5), 1e-12) << "from the first, the second has no tracks for it";
+    EXPECT_NEAR(bones_[2].rotation.w, 1.0, 1e-12);
 }
 
 TEST_F(Animation, ABlendStartsFromTheLastUnblendedPoseAndStoresNothing) {

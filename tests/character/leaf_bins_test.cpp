@@ -120,6 +120,34 @@ TEST_F(Bins, PiecesKeepTheAreaTheAttributesAndTheWinding) {
     EXPECT_EQ(DroppedPolygons, 0u);
 }
 
+TEST_F(Bins, APieceOfTwelveCornersIsCutAgainAsLongAsItsPartsHaveNoMore) {
+    std::vector<ViewCorner> corners;
+    for (int i = 0; i < 12; ++i) {
+        const float angle = 0.5235988f * (static_cast<float>(i) + 0.5f);
+        corners.push_back({50 * std::cos(angle), 0, 50 * std::sin(angle), 0, 0, 0});
+    }
+    AppendVisible(static_cast<uint32_t>(AppendPolygon(corners)));
+    Bin();
+    double pieces = 0.0;
+    for (int leaf = 0; leaf < 4; ++leaf) {
+        ASSERT_TRUE(Filled(leaf));
+        pieces += Area(LeafBins[leaf].polygons[0]);
+    }
+    EXPECT_EQ(DroppedPolygons, 0u);
+    EXPECT_NEAR(pieces, 7500.0, 1.0);
+
+    ClearVisibleList();
+    FrameCount++;
+    for (ViewCorner& corner : corners)
+        corner.x = std::max(corner.x + 46, 3.0f);
+    corners[5].x = -20;  // of the others each has a place on the right, and so do the two crossings
+    AppendVisible(static_cast<uint32_t>(AppendPolygon(corners)));
+    Bin({0, 0, 300});
+    EXPECT_TRUE(Filled(2));
+    EXPECT_EQ(LeafBins[2].count, 1);
+    EXPECT_EQ(DroppedPolygons, 1u);
+}
+
 TEST_F(Bins, WhatDoesNotFitIsDroppedAndCounted) {
     AddTriangle({-40, 0, 20}, {50, 0, 20}, {10, 0, 60});
     for (int i = 0; i < 3000; ++i)
@@ -133,6 +161,7 @@ TEST_F(Bins, WhatDoesNotFitIsDroppedAndCounted) {
 }
 
 TEST(DepthListTest, RunsFromFarToNearAndKeepsTheOrderOfEquals) {
+    ClearVisibleList();
     InitDepthList();
     for (const auto& [depth, polygon] : {std::pair{5.0f, 1}, {7.0f, 2}, {5.0f, 3}, {NAN, 4}, {1e9f, 5}})
         InsertByDepth(depth, static_cast<int16_t>(polygon));
@@ -141,7 +170,8 @@ TEST(DepthListTest, RunsFromFarToNearAndKeepsTheOrderOfEquals) {
         order.push_back(DepthList[k].polygon);
     EXPECT_EQ(order, (std::vector<int>{5, 2, 1, 3, 4}));
     for (int i = 0; i < 3000; ++i)
-        InsertByDepth(1.0f, 9);  // more than there is room for
+        InsertByDepth(1.0f, 9);
+    EXPECT_EQ(DroppedPolygons, 5u + 3000u - (DEPTH_LIST_SIZE - 2)) << "more than there is room for";
 }
 
 TEST_F(Bins, LightsInRangeAreTurnedIntoTheCharactersFrame) {

@@ -112,4 +112,9 @@ TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
     EXPECT_EQ(X(0), 5.0f);  // half of bone 3's place, half of what it held
 }
 
+TEST_F(Skinning, MissingWeightsEndTheGameBeforeAnyShutdownAndSaySo) {
+    const auto load = [&] { LoadWeights("game\\data\\anims\\none.wei", mesh_); };
+    EXPECT_EXIT(load(), testing::ExitedWithCode(1), "Failed to LoadMalloc weights file!\n.*none.wei .looked for in ");
+}
+
 }  // namespace

@@ -1,3 +1,4 @@
+#include "core/log.h"
 #include "core/testing.h"
 #include "core/trace.h"
 #include "host/win32.h"
@@ -5,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <limits>
 #include <stdexcept>
 
@@ -22,7 +24,27 @@ TEST(Trace, ALineHasItsFieldsInOrderAndNoNumberThatIsNone) {
         "\"contact\":0,\"slope\":null,\"time0\":0,\"camera\":[0,0,-1.00000002e+30],\"angles\":[0,0,0],\"polys\":0,"
         "\"lights\":[],\"shots\":[0,0.100000001,0],\"digest\":"))
         << line;
-    EXPECT_TRUE(line.ends_with("\",\"pixels\":null}")) << "no picture was shown";
+    EXPECT_TRUE(line.ends_with("\",\"dropped\":0,\"pixels\":null}")) << "no picture was shown";
+    frame.dropped = 7;
+    EXPECT_EQ(TraceLine(1, frame, nullptr), std::string(line).replace(line.rfind("0,\"pixels"), 1, "7"))
+        << "the digest is over what the game has done, not over what it left out";
+}
+
+TEST(Run, TheLogTellsWhenPolygonsBeginToBeDropped) {
+    const auto play = [] {
+        Options options;
+        options.verbose = true;
+        StartLog(options);
+        for (const uint32_t dropped : {0u, 3u, 2u, 0u, 5u}) {
+            HostFrameReport frame{};
+            frame.dropped = dropped;
+            HostEndOfFrame(frame);
+        }
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(play(), testing::ExitedWithCode(0),
+                "^host: frame 2: no room for 3 polygons of the character\n"
+                "host: frame 5: no room for 5 polygons of the character\n$");
 }
 
 TEST(Guard, TurnsFaultsAndExceptionsIntoCodes) {

@@ -204,20 +204,48 @@ TEST_F(Lights, SlotsAreHandedOutFromTheSecondOn) {
     EXPECT_EQ(SpawnLight(), 1) << "a level load frees them all";
 }
 
+TEST_F(Lights, OnlyWhatATypeUsesIsLookedAt) {
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    LightSlot wild = {};
+    wild.firstPoint = wild.firstCorner = std::numeric_limits<int32_t>::max();
+    wild.pointCount = wild.cornerCount = std::numeric_limits<int32_t>::max();
+    wild.highIntensity = wild.lowIntensity = wild.stepUp = wild.stepDown = none;
+    std::vector<LightSlot> slots(4, wild);
+    slots[0].type = LIGHT_FREE;
+    slots[0].radius = slots[0].intensity = none;
+    slots[1].type = 7;
+    slots[2].type = LIGHT_DYNAMIC;
+    slots[3].type = LIGHT_FLICKER;
+    slots[3].pointCount = 0;
+    slots[3].cornerCount = 1;
+    slots[3].firstCorner = 1;
+    Load(slots, {{0xFFFF, none}, {0xFFFF, none}}, {{0xFFFF, none}, {0xFFFF, 1}});
+    NextFrame();
+    EXPECT_EQ(CornerLight[0xFFFF], 127) << "of a polygon that does not exist";
+    EXPECT_EQ(LightAt(POINTS - 1), 20);
+}
+
 TEST_F(Lights, ADamagedFileIsRefused) {
     LightSlot slot = Slot(LIGHT_RAMP);
     slot.pointCount = slot.cornerCount = 1;
-    LightSlot outside = slot, overflowing = slot, unreal = slot;
+    LightSlot outside = slot, overflowing = slot, unreal = slot, passive = slot, ramp = slot, blink = slot;
     outside.firstPoint = 1;
     overflowing.cornerCount = std::numeric_limits<int32_t>::max();
-    unreal.radius = std::numeric_limits<float>::quiet_NaN();
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    unreal.radius = passive.intensity = ramp.stepDown = blink.lowIntensity = none;
+    passive.type = 8;
+    blink.type = LIGHT_BLINK;
     std::vector<uint8_t> shorter = SlotFile({slot}, {{0, 1}}, {{0, 1}});
     shorter.pop_back();
     const std::vector<uint8_t> files[] = {SlotFile({outside}, {{0, 1}}, {{0, 1}}),
                                           SlotFile({overflowing}, {{0, 1}}, {{0, 1}}),
                                           SlotFile({unreal}, {{0, 1}}, {{0, 1}}),
                                           SlotFile({slot}, {{POINTS, 1}}, {{0, 1}}),
-                                          SlotFile({slot}, {{0, 1}}, {{2 * POINTS, 1}}),
+                                          SlotFile({slot}, {{0, 1}}, {{0, none}}),
+                                          SlotFile({slot}, {{0, none}}, {{0, 1}}),
+                                          SlotFile({passive}),
+                                          SlotFile({ramp}, {{0, 1}}, {{0, 1}}),
+                                          SlotFile({blink}, {{0, 1}}, {{0, 1}}),
                                           SlotFile(std::vector<LightSlot>(151, Slot(LIGHT_FREE))),
                                           {0, 0, 0xFF, 0xFF, 0, 0},
                                           shorter};

@@ -1,5 +1,6 @@
 #include "render/textures.h"
 
+#include "memory/pool.h"
 #include "render/render_tables.h"
 #include "render/scene.h"
 #include "support/throwing_fatal.h"
@@ -64,6 +65,31 @@ TEST_F(Textures, TruncatedFilesAndBadRecordsAreRefused) {
         std::vector<uint8_t> altered = file;
         altered[c.offset] = c.value;
         EXPECT_EQ(LoadError(altered), c.message) << "byte " << c.offset;
+    }
+}
+
+TEST_F(Textures, TheRemapTableHasAnEntryForEachTextureAndOthersHaveNone) {
+    LoadTextures(TwoTextures());
+    const uint32_t before = PoolFreeTotal();
+    BuildTextureRemap();
+    EXPECT_EQ(before - PoolFreeTotal(), 64u) << "a granule and a header";
+    TextureRemap[0] = 1;
+    EXPECT_EQ(PolygonTexture({3, 0, 0, 0, 0, 0, 0}), TextureRecords() + 1);
+    for (const uint8_t texture : {uint8_t{2}, uint8_t{255}})
+        EXPECT_EQ(PolygonTexture({3, texture, 0, 0, 0, 0, 0}), nullptr) << +texture;
+}
+
+TEST_F(Textures, AnEmptyOneStopsTheAcceleratorAndNamesItsFile) {
+    std::vector<uint8_t> file = TwoTextures();
+    file[TEXTURE_RECORDS_OFFSET + 10] = 0;  // the first one's width
+    LoadTextures(file);
+    AppendPolygon({{0, 0, 1, 0, 0, 0}, {0, 1, 1, 0, 0, 0}, {1, 0, 1, 0, 0, 0}});
+    try {
+        L_CreateGlideUVs();
+        ADD_FAILURE() << "accepted";
+    } catch (const FatalThrown& fatal) {
+        EXPECT_EQ(fatal.text, "L_CreateGlideUVs - tm_width  = 0.0");
+        EXPECT_TRUE(fatal.path.ends_with("texture.bin")) << fatal.path;
     }
 }
 

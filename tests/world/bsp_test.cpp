@@ -148,6 +148,23 @@ TEST_F(WorldFile, HoldsATreeOfLimitedDepth) {
     EXPECT_EQ(Refusal(chain(3, [](auto& w) { w.nodes[2].backChild = 1; })), INVALID) << "a cycle";
 }
 
+// A chain of nodes that all have the same leaf behind them, which counts once for each.
+TEST_F(WorldFile, HoldsAsManyPolygonsOverAllLeavesAsItsRadiiCanBeMeasuredOf) {
+    const auto chain = [](int depth, const Damage& damage) {
+        TinyWorld world;
+        const int16_t leaf = world.AddLeaf(std::vector<Corners>(64, {{0, 0, 0}, {0, 0, -8}, {-8, 0, 0}}));
+        int16_t child = leaf;
+        for (int i = 0; i < depth; ++i)
+            child = world.AddNode({1, 0, 0, 0}, child, leaf);
+        world.Publish();
+        damage(WorldGeometry);
+        return WorldFileBytes();
+    };
+    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH - 1, [](auto&) {})), "");
+    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH, [](auto&) {})), INVALID);
+    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH, [](auto& w) { w.nodes[0].frontChild = 2; })), "") << "node 1 is not reached";
+}
+
 TEST(WorldCounts, LeaveRoomForTheSpareRecordsInEveryIndex) {
     const auto areValid = [](const std::array<uint32_t, 6>& n) {
         WorldGeometry.nodeCount = n[0];

@@ -20,8 +20,8 @@ void Append(std::vector<uint8_t>& bytes, const Value& value) {
     bytes.insert(bytes.end(), first, first + sizeof value);
 }
 
-// Two triangles of textures 17 and 18 over three points.
-std::vector<uint8_t> SmallSky() {
+// Two polygons of textures 17 and 18 over three points.
+std::vector<uint8_t> SmallSky(uint8_t corners = 3) {
     std::vector<uint8_t> bytes = {'E', 's', 'o', 'b', 0, 0, 0, 9, 0, 0, 0, 2, 0, 0, 0, 3, 0xA, 0xB, 0xC, 0xD};
     for (const Vec3& point : {Vec3{-1.5f, -1, 10}, Vec3{1, -1, 10}, Vec3{0, 1, 10}})
         Append(bytes, point);
@@ -31,8 +31,9 @@ std::vector<uint8_t> SmallSky() {
             Append(bytes, number);
             Append(bytes, 0xDEADBEEF);
         }
-        bytes.push_back(3);
-        for (const uint16_t point : {uint16_t{0}, uint16_t{1}, uint16_t{2}}) {
+        bytes.push_back(corners);
+        for (int k = 0; k < corners; ++k) {
+            const auto point = static_cast<uint16_t>(k % 3);
             Append(bytes, point);
             Append(bytes, static_cast<float>(point) * 128.0f);
             Append(bytes, -1.0f);
@@ -80,6 +81,16 @@ TEST_F(StaticObject, IsAppendedBehindTheWorld) {
     EXPECT_EQ(WorldGeometry.planes[second.plane].d, PLANE[3]);
 }
 
+TEST_F(StaticObject, HasAnyPlanesAndUpTo127CornersAPolygon) {
+    for (const uint8_t corners : {uint8_t{1}, uint8_t{2}, uint8_t{13}, uint8_t{127}}) {
+        const uint32_t before = WorldGeometry.used.polyVertices;
+        std::vector<uint8_t> bytes = SmallSky(corners);
+        std::fill_n(&bytes[FIRST_POLYGON + 3], 32, uint8_t{0xFF});  // the plane's numbers are none
+        EXPECT_EQ(Load(bytes), 1);
+        EXPECT_EQ(WorldGeometry.used.polyVertices, before + 2u * corners);
+    }
+}
+
 TEST_F(StaticObject, WhatIsNoneLeavesALevelWithoutOne) {
     const uint32_t polygons = WorldGeometry.used.polygons;
     SkyObject.polygonCount = 5;
@@ -96,7 +107,7 @@ TEST_F(StaticObject, ADamagedOneIsRefused) {
     const char* const noRoom = "No room for the static object";
     const std::tuple<size_t, uint8_t, const char*> rows[] = {
         {7, 8, "Old SOB Version"},        {POLYGONS_FIELD, 0xFF, invalid}, {POINTS_FIELD, 0xFF, noRoom},
-        {FIRST_POINT + 3, 0xFF, invalid}, {FIRST_CORNER - 1, 2, invalid},  {FIRST_CORNER - 1, 13, invalid},
+        {FIRST_POINT + 3, 0xFF, invalid}, {FIRST_CORNER - 1, 0, invalid},  {FIRST_CORNER - 1, 128, invalid},
         {FIRST_CORNER, 3, invalid},
     };
     const GeometryCounts before = WorldGeometry.used;

@@ -78,7 +78,10 @@ private:
     }
 
     static bool Encloses(const WorldVector& centre, const WorldVector& half, const Box& box) {
-        const Box own{Widened(centre) - Widened(half), Widened(centre) + Widened(half)};
+        Vec3 size = Widened(half);
+        for (int axis = 0; axis < 3; ++axis)
+            size[axis] = std::abs(size[axis]);
+        const Box own{Widened(centre) - size, Widened(centre) + size};
         return own.Holds(box.min, BOX_TOLERANCE) && own.Holds(box.max, BOX_TOLERANCE);
     }
 

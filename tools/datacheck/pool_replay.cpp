@@ -47,7 +47,7 @@ PoolUse ReplayPool(const WorldFile& world, size_t textureCount, size_t texturePa
     }
     pool.Take("the character", characterBytes);
     pool.Take("texture.bin", TEXTURE_HEADER + 12 * textureCount + 65536 * texturePages);
-    pool.Take("the texture table", std::max<size_t>(textureCount, 256));
+    pool.Take("the texture table", textureCount);
     // The counters of the normals are given back before the frame is taken: the larger of the two must fit.
     Pool counters = pool;
     counters.Take("the point normals", std::max(NORMAL_COUNTER_BYTES, 4 * world.points.size()));

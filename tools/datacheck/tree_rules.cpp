@@ -7,12 +7,14 @@
 namespace {
 
 constexpr int DEPTH_MAX = 1024;
+constexpr size_t LEAF_POLYGONS_MAX = 65536;
 const char* const REBUILD = "build the world again with mapc";
 const char* const SIMPLIFY = "leave out or simplify brushes, or raise the key \"subdivide\" of worldspawn";
 
 struct TreeWalk {
     const WorldFile& world;
     std::vector<int> nodeVisits, leafVisits;
+    size_t polygons = 0;  // of the leaves, each as often as it hangs
     int depth = 0;
     bool isTree = true;
 
@@ -24,6 +26,7 @@ struct TreeWalk {
     void Visit(int child, int level) {
         if (child < 0) {
             ++leafVisits[static_cast<size_t>(~child)];
+            polygons += world.leaves[static_cast<size_t>(~child)].polygonCount;
             return;
         }
         const size_t i = static_cast<size_t>(child);
@@ -42,6 +45,12 @@ bool CheckTree(const LevelData& level, Report& report) {
     const std::string file = level.WorldPath();
     if (!walk.isTree) {
         report.Problem(file, "tree", fmt::format("is empty, deeper than {} or reaches a node twice", DEPTH_MAX),
+                       REBUILD);
+        return false;
+    }
+    if (walk.polygons > LEAF_POLYGONS_MAX) {
+        report.Problem(file, "tree",
+                       fmt::format("its leaves hold {} polygons, at most {}", walk.polygons, LEAF_POLYGONS_MAX),
                        REBUILD);
         return false;
     }

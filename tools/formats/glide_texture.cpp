@@ -138,8 +138,8 @@ GlideTexture DecodeGlideTexture(const std::vector<uint8_t>& content, const std::
                            content.begin() + std::min<std::ptrdiff_t>(HEADER_LIMIT, std::ssize(content)));
     unsigned smallest = 0, largest = 0, across = 0, down = 0;
     int headerBytes = 0;
-    std::sscanf(head.c_str(), "3df v1.1\nargb1555\nlod range: %3u %3u\naspect ratio: %1u %1u%n", &smallest, &largest,
-                &across, &down, &headerBytes);
+    std::sscanf(head.c_str(), "3df v%*[0-9].%*[0-9]\nargb1555\nlod range: %3u %3u\naspect ratio: %1u %1u%n", &smallest,
+                &largest, &across, &down, &headerBytes);
     const auto isSide = [](unsigned side, unsigned most) { return std::has_single_bit(side) && side <= most; };
     if (headerBytes == 0 || !isSide(largest, 256) || !isSide(smallest, largest) || !isSide(across, 8) ||
         !isSide(down, 8) || std::min(across, down) != 1) {

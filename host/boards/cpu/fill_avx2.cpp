@@ -212,7 +212,7 @@ AVX2_INLINE __m256i Combine(const FillState& state, __m256i texels, __m256i vert
 AVX2_INLINE __m128i FogShares(const FillState& state, __m128i depths, __m128i drawn) {
     const __m128i entries = _mm_srli_epi16(depths, 10);
     const __m128i differ = _mm_xor_si128(entries, _mm_broadcastw_epi16(entries));
-    const __m128i fraction = _mm_srli_epi16(_mm_slli_epi16(depths, 6), 1);
+    const __m128i fraction = _mm_slli_epi16(_mm_and_si128(depths, _mm_set1_epi16(FOG_FRACTION)), 5);
     __m128i shares, steps;
     if (_mm_testz_si128(differ, drawn)) {
         const FogEntry& entry = state.fog[_mm_extract_epi16(entries, 0)];

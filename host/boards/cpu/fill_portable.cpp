@@ -82,7 +82,7 @@ uint32_t Combine(const FillState& state, uint32_t texel, const uint32_t* vertex)
 
 uint32_t ApplyFog(const FillState& state, uint32_t colour, uint32_t depth) {
     const FogEntry& entry = state.fog[depth >> 10];
-    const int32_t share = entry.share + Scale(entry.step, static_cast<int32_t>(depth & 0x3FF) << 5);
+    const int32_t share = entry.share + Scale(entry.step, static_cast<int32_t>(depth & FOG_FRACTION) << 5);
     uint32_t result = 0;
     for (int channel = 0; channel < CHANNEL_ALPHA; ++channel) {
         const auto from = static_cast<int32_t>(ByteOf(colour, channel));

@@ -16,6 +16,7 @@ constexpr int32_t CPU_PITCH = BOARD_WIDTH + 2 * GROUP;
 struct FogEntry {
     int16_t share, step;
 };
+constexpr int16_t FOG_FRACTION = 0x3FC;  // of a depth code: the eight bits that place it between two entries
 
 // A BoardState made ready for filling.
 struct FillState {

@@ -24,6 +24,7 @@ struct HostFrameReport {
     float camera[3];
     float cameraAngles[3];
     uint32_t polygons;              // SubmitPolygon calls
+    uint32_t dropped;               // of the character: polygons and pieces that a table had no room for
     std::span<const float> lights;  // intensities of the lights that animate or move, in the order of their slots
     std::span<const float> shots;   // x, y, z of each that flies; both spans last until HostEndOfFrame returns
     HostStateSpan extra[4];         // further state for the digest: random numbers, light slots, shots

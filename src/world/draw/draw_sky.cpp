@@ -5,6 +5,7 @@
 #include "platform/timer.h"
 #include "render/glide_screen.h"
 #include "render/render_tables.h"
+#include "world/bsp.h"
 #include "world/draw/outcodes.h"
 #include "world/world_tables.h"
 
@@ -28,7 +29,8 @@ void DrawSkyPolygon(int32_t index) {
     const PolyRecord& polygon = WorldGeometry.polygons[index];
     for (uint32_t k = 0; k < polygon.cornerCount; ++k)
         WorldGeometry.polyVertices[polygon.firstVertex + k].intensity = SKY_INTENSITY;
-    DrawMeshByOutcodes(index);
+    // The pipeline has room for no more corners, and fewer cover nothing.
+    if (polygon.cornerCount >= BSP_MIN_CORNERS && polygon.cornerCount <= BSP_MAX_CORNERS) DrawMeshByOutcodes(index);
 }
 
 }  // namespace

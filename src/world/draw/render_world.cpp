@@ -26,7 +26,7 @@ struct Box {
     Vec3 centre;
     float radius;        // of the sphere test, root 2 larger than the bounding sphere
     float radiusAspect;  // the same in the vertical direction of the view
-    Vec3 halfExtents;
+    Vec3 halfExtents;    // of either sign
 };
 
 // A point q is outside when normal . q > offset.
@@ -86,8 +86,9 @@ Box BoxOf(const NodeOrLeaf& record) {
 // The exact test, for boxes whose spheres cross a side plane. Of the eight corners only the one least far along a
 // plane's normal and the one farthest along it decide; rounding keeps their order.
 BoxResult TestBoxCorners(const Box& box) {
-    const Vec3 low = Difference(box.centre, box.halfExtents);
-    const Vec3 high = Sum(box.centre, box.halfExtents);
+    const Vec3 half = {std::fabs(box.halfExtents.x), std::fabs(box.halfExtents.y), std::fabs(box.halfExtents.z)};
+    const Vec3 low = Difference(box.centre, half);
+    const Vec3 high = Sum(box.centre, half);
     BoxResult result = BOX_INSIDE;
     for (int k = 0; k < VIEW_PLANE_COUNT; ++k) {
         const ViewPlane& plane = viewPlanes[k];

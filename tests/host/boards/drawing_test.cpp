@@ -238,6 +238,15 @@ TEST_P(Drawing, FogMixesInItsColourByDepth) {
         EXPECT_NEAR(pixel >> 16, row.share, 1) << row.w;
         EXPECT_NEAR(pixel & 0xFF, 255 - row.share, 1) << row.w;
     }
+    for (int i = 0; i < GR_FOG_TABLE_SIZE; ++i)
+        table[i] = i % 2 ? 255 : 0;
+    grFogTable(table);
+    const auto fogOf = [](int depth) {  // a code of the octave from 1024 on
+        DrawQuad(10, 10, 20, 20, 8388608.0F / (49152.5F - static_cast<float>(depth)));
+        return SwapAndClear().At(15, 15) >> 16;
+    };
+    for (int depth = 41984; depth < 42084; depth += 4)
+        EXPECT_EQ(fogOf(depth), fogOf(depth + 3)) << "the two lowest bits of " << depth;
     grFogMode(GR_FOG_DISABLE);
     DrawQuad(10, 10, 20, 20, 60000);
     EXPECT_EQ(Swap().At(15, 15), 0x0000FFU);

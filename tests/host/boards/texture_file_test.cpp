@@ -51,6 +51,11 @@ TEST_F(TextureFiles, HeadersTellSizesAndMemory) {
         EXPECT_EQ(info.header.small_lod, row.small);
         EXPECT_EQ(info.mem_required, row.memory);
     }
+    Gu3dfInfo info{};
+    for (const std::string version : {"3df v10.2", "3DF V1.15", "3df v"}) {
+        Write(version + "\nargb1555\nlod range: 1 4\naspect ratio: 1 1\n");
+        EXPECT_EQ(gu3dfGetInfo("a.3df", &info) != FXFALSE, version.size() > 5) << version;
+    }
 }
 
 TEST_F(TextureFiles, EveryFormatGivesItsColourAndAlpha) {

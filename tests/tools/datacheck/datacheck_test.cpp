@@ -140,6 +140,12 @@ TEST(Datacheck, TellsEachFaultOfALevel) {
         {"reaches a node twice", [](LevelData& l) { l.world->nodes[0].front = 0; }},
         {"is empty", [](LevelData& l) { l.world->nodes.clear(); }},
         {"hangs 0 times", [](LevelData& l) { l.world->leaves.push_back(l.world->leaves[0]); }},
+        {"131070 polygons, at most 65536",
+         [](LevelData& l) {
+             l.world->leaves[0].polygonCount = 65535;
+             l.world->nodes = {l.world->nodes[0]};
+             l.world->nodes[0].front = l.world->nodes[0].back = -1;
+         }},
         // polygons
         {"clockwise",
          [](LevelData& l) {
@@ -227,6 +233,17 @@ TEST(Datacheck, TellsEachFaultOfALevel) {
              l.glideTextures[3] = {8, 4, 1};
          }},
     });
+}
+
+TEST(Datacheck, TakesTheSizeOfABoxWhateverItsSign) {
+    LevelData level = SoundLevel(HOUSE);
+    const auto negate = [](auto& record) {
+        for (float& half : record.halfExtents)
+            half = -half;
+    };
+    std::for_each(level.world->nodes.begin(), level.world->nodes.end(), negate);
+    std::for_each(level.world->leaves.begin(), level.world->leaves.end(), negate);
+    EXPECT_EQ(FindingsOf(level), "");
 }
 
 CharacterData SoundCharacter() {

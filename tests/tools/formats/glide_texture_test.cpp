@@ -23,6 +23,9 @@ TEST(GlideTexture, HoldsAHeaderAndTexelsWithAlphaInTheHoles) {
     EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(header.size())), header);
     EXPECT_EQ(std::vector<uint8_t>(bytes.end() - 6, bytes.end()),
               (std::vector<uint8_t>{0x7C, 0x10, 0x84, 0x21, 0x03, 0xE0}));
+    std::vector<uint8_t> later = bytes;
+    later.insert(later.begin() + 8, '0');  // version 1.10
+    EXPECT_EQ(DecodeGlideTexture(later, "00.3df").width, 2);
 }
 
 TEST(GlideTexture, LevelsAreAveragesOfLightAndHolesHaveNone) {

@@ -61,6 +61,15 @@ TEST_F(Sky, TurnsWithTheCameraButDoesNotMoveWithIt) {
     EXPECT_EQ(WorldGeometry.polyVertices[WorldGeometry.polygons[3].firstVertex].intensity, 16128.0f);
 }
 
+TEST_F(Sky, PolygonsThatThePipelineCannotTakeAreNotDrawn) {
+    for (const uint8_t corners : {uint8_t{2}, uint8_t{13}, uint8_t{127}}) {
+        WorldGeometry.polygons[1].cornerCount = corners;
+        EXPECT_EQ(Draw({0, 0, 0}, 0, 0), "C2/2") << +corners;
+    }
+    WorldGeometry.polygons[1].cornerCount = 12;
+    EXPECT_NE(Draw({0, 0, 0}, 0, 0), "C2/2");
+}
+
 TEST_F(Sky, IsNotDrawnAmongOutlines) {
     FogSwitch = 0;
     EXPECT_EQ(Draw({0, 0, 0}, 0, 0), "");

@@ -79,6 +79,18 @@ TEST_F(RenderedWorld, ListsTheCharacterOfCulledLeavesToo) {
     EXPECT_EQ(Render(), (List{})) << "stamps of the last frame";
 }
 
+TEST_F(RenderedWorld, ABoxIsAsLargeWhateverTheSignsOfItsHalfExtents) {
+    PublishNearAndFar(Square({-410, 0, 400}, 30), Square({620, 0, 600}, 30));  // across the sides of the view
+    EXPECT_EQ(Render(), (List{1, 0}));
+    const auto negate = [](auto& record) {
+        const Vec3 half = record.halfExtents;
+        record.halfExtents = {-half.x, -half.y, -half.z};
+    };
+    negate(WorldGeometry.nodes[0]);
+    std::for_each_n(WorldGeometry.leaves, 2, negate);
+    EXPECT_EQ(Render(), (List{1, 0}));
+}
+
 TEST_F(RenderedWorld, SurvivesEyesAndBoxesBeyondAllNumbers) {
     PublishNearAndFar(Square({0, 0, 400}, 10), Square({0, 0, 600}, 10));
     WorldGeometry.leaves[1].centre = {3e38f, -3e38f, 3e38f};
