@@ -25,12 +25,15 @@ class Golden : public testing::TestWithParam<GoldenLevel> {};
 INSTANTIATE_TEST_SUITE_P(Levels, Golden, testing::Values(GoldenLevel{"alpha", 1}, GoldenLevel{"beta", 2}),
                          [](const auto& row) { return std::string(row.param.name); });
 
+std::string Options(const GoldenLevel& level) {
+    return "--data " SOURCE_FOLDER "/tests/levels/data --renderer software --level " + std::to_string(level.number) +
+           " --script " SOURCE_FOLDER "/tests/golden/" + level.name + ".txt";
+}
+
 TEST_P(Golden, FramesAreAsRecorded) {
     const GoldenLevel& level = GetParam();
     const ProgramRun program;
-    const ProgramResult result =
-        program.Run("--data " SOURCE_FOLDER "/tests/levels/data --renderer software --level " +
-                    std::to_string(level.number) + " --script " SOURCE_FOLDER "/tests/golden/" + level.name + ".txt");
+    const ProgramResult result = program.Run(Options(level));
     ASSERT_EQ(result.status, 0) << result.errors;
 
     size_t compared = 0;
@@ -46,6 +49,12 @@ TEST_P(Golden, FramesAreAsRecorded) {
         compared += 1;
     }
     EXPECT_GE(compared, 4u);
+}
+
+TEST_P(Golden, FramesAreFilledPixelByPixel) {
+    const ProgramResult result = ProgramRun().Run(Options(GetParam()), "tests/fill_checker");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_NE(result.output.find("frame 180"), std::string::npos) << result.output;
 }
 
 }  // namespace
