@@ -40,7 +40,7 @@ protected:
         AppendVisible(static_cast<uint32_t>(AppendPolygon(
             {{a.x, a.y, a.z, a.x, a.z, 100}, {b.x, b.y, b.z, b.x, b.z, 100}, {c.x, c.y, c.z, c.x, c.z, 100}}, 95)));
         for (uint32_t p = first; p < first + 3; ++p)
-            WorldGeometry.points[p].normal = {0, 1, 0};
+            WorldGeometry.points[p].normal = {0, WorldGeometry.viewPoints[p].x, 0};
     }
 
     void Bin(Vec3 actor = {0, 0, 0}) { BinActorPolygons(VisibleCount(), actor.x, actor.y, actor.z); }
@@ -110,7 +110,7 @@ TEST_F(Bins, PiecesKeepTheAreaTheAttributesAndTheWinding) {
                 EXPECT_NEAR(corner.u, p.x, 1e-3f);
                 EXPECT_NEAR(corner.v, p.z, 1e-3f);
                 EXPECT_EQ(corner.intensity, 100.0f);
-                EXPECT_EQ(WorldGeometry.points[corner.point].normal.y, 1.0f);
+                EXPECT_NEAR(WorldGeometry.points[corner.point].normal.y, p.x, 1e-3f);
                 EXPECT_LE((leaf & 1 ? -p.x : p.x), 1.0f);
                 EXPECT_LE((leaf & 2 ? -p.z : p.z), 1.0f);
             }
@@ -179,18 +179,20 @@ TEST_F(Bins, LightsInRangeAreTurnedIntoTheCharactersFrame) {
         slot.type = LIGHT_FREE;
     for (int i = 0; i < 40; ++i) {
         LightSlots[i].type = 7;
-        LightSlots[i].position = {0.0f, 0.0f, 100.0f};  // ahead of an actor at heading 0
+        LightSlots[i].position = {60.0f, 0.0f, 80.0f};
         LightSlots[i].radius = 200.0f;
         LightSlots[i].radiusSquared = 40000.0;
         LightSlots[i].intensity = 2.0f;
     }
     LightSlots[0].position = {0.0f, 0.0f, 1000.0f};
-    PlayerActor.angles.y = 0.0f;
+    PlayerActor.angles.y = 90.0f;
     GatherActorLights(0.0f, 0.0f, 0.0f);
     EXPECT_EQ(CharacterLightCount, 30);
-    EXPECT_NEAR(CharacterLightList[0].direction.z, 1.0f, 1e-6f);  // from the light to the actor; the mesh faces -z
+    // From the light to the actor, whose front, +x of the world, is -z of its mesh.
+    EXPECT_NEAR(CharacterLightList[0].direction.x, 0.8f, 1e-6f);
+    EXPECT_NEAR(CharacterLightList[0].direction.z, -0.6f, 1e-6f);
     EXPECT_NEAR(CharacterLightList[0].strength, 1.0f, 1e-6f);
-    GatherActorLights(0.0f, 0.0f, 100.0f);
+    GatherActorLights(60.0f, 0.0f, 80.0f);
     EXPECT_EQ(CharacterLightList[0].strength, 2.0f);
     EXPECT_EQ(CharacterLightList[0].direction.z, 0.0f);
     for (LightSlot& slot : LightSlots)

@@ -58,8 +58,8 @@ TEST_F(CharacterFiles, TheMeshStandsBehindTheWorldInEveryTable) {
 TEST_F(CharacterFiles, WhatDoesNotFitIsRefused) {
     CharacterMesh mesh = TwoTriangles(3);
     mesh.points.resize(SPARE_POINTS + 1);
-    EXPECT_THROW(LoadFrom(EncodeMesh(mesh), EncodeSkin(SKIN)), FatalThrown);
-    EXPECT_THROW(LoadMesh("none.msh", mesh_, "none.tuv"), FatalThrown);
+    EXPECT_EQ(FatalOf([&] { LoadFrom(EncodeMesh(mesh), EncodeSkin(SKIN)); }), "0: No room for the mesh");
+    EXPECT_EQ(FatalOf([&] { LoadMesh("none.msh", mesh_, "none.tuv"); }), "0: No Mesh File Found");
 }
 
 // Two bones: blocks 0 and 1 belong to bones 4 and 3.
@@ -68,7 +68,8 @@ protected:
     void SetUp() override {
         CharacterFiles::SetUp();
         LoadFrom(EncodeMesh(TwoTriangles(22)), EncodeSkin(SKIN));
-        mesh_.bones[3].world.t[0] = 10.0;
+        for (int axis = 0; axis < 3; ++axis)
+            mesh_.bones[3].world.t[axis] = 10.0 * (axis + 1);
         actor_.mesh = &mesh_;
         actor_.states = &state_;
         actor_.animations = &entry_;
@@ -89,8 +90,6 @@ protected:
         SkinActor(actor_);
     }
 
-    float X(uint32_t point) const { return WorldGeometry.viewPoints[mesh_.firstPoint + point].x; }
-
     AnimRecord record_{};
     AnimFileEntry entry_ = {"", &record_};
     StateRecord state_{};
@@ -99,8 +98,9 @@ protected:
 
 TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
     record_.hiddenBlock = 0;
-    for (uint32_t p = 0; p < 4; ++p)
-        WorldGeometry.viewPoints[mesh_.firstPoint + p] = {};
+    ViewPoint& point = WorldGeometry.viewPoints[mesh_.firstPoint];
+    point = {};
+    point.x = point.y = point.z = 4.0f;
     Bytes weights = EncodeWeights(Blocks());
     weights[3] = 4;  // the version with matrix numbers
     size_t at = 8;
@@ -109,7 +109,10 @@ TEST_F(Skinning, AHiddenBlockIsSteppedOverAndSoIsAMatrixNumber) {
         at += 2 + 4 + 2 * block.hard.size() + 4 * block.soft.size();
     }
     Skin(weights);
-    EXPECT_EQ(X(0), 5.0f);  // half of bone 3's place, half of what it held
+    // Half of bone 3's place, and half of what it held: block 0 would have put it at 0 before.
+    EXPECT_EQ(point.x, 7.0f);
+    EXPECT_EQ(point.y, 12.0f);
+    EXPECT_EQ(point.z, 17.0f);
 }
 
 TEST_F(Skinning, MissingWeightsEndTheGameBeforeAnyShutdownAndSaySo) {

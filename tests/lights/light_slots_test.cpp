@@ -168,13 +168,14 @@ TEST_F(Lights, DynamicLightsRaiseWhatIsWithinTheirRadius) {
     EXPECT_EQ(LightAt(93), 20 + 4);
     EXPECT_EQ(LightAt(108), 20);
 
-    LightSlots[0].intensity = 0.0099f;
-    NextFrame();
-    EXPECT_NE(WorldGeometry.pointLightStamps[100], FrameCount);
+    for (const auto& [intensity, touches] : {std::pair{0.0099f, false}, {0.01f, true}}) {
+        LightSlots[0].intensity = intensity;
+        NextFrame();
+        EXPECT_EQ(WorldGeometry.pointLightStamps[100] == FrameCount, touches) << intensity;
+    }
     LightSlots[0].intensity = 100.0f;
     LightSlots[0].radius = 5000.0f;
     LightSlots[0].radiusSquared = 25e6;
-    WorldGeometry.used.points = WorldGeometry.file.points + 1;
     NextFrame();
     EXPECT_EQ(LightAt(999), 127);
     EXPECT_EQ(LightAt(1000), 20) << "a thousand points at most";
@@ -188,8 +189,43 @@ TEST_F(Lights, DynamicLightsRaiseWhatIsWithinTheirRadius) {
     EXPECT_EQ(LightAt(107), 20 + 64) << "whatever weight and intensity";
 }
 
+// A point must lie within the radius along each axis, and within the root of its square in the whole.
+TEST_F(Lights, BothRadiiOfADynamicLightCount) {
+    LightSlot light = Slot(LIGHT_DYNAMIC);
+    light.intensity = 1.0f;
+    const struct {
+        Vec3 position;
+        float radius;
+        double radiusSquared;
+        int raised;
+    } rows[] = {{{100, 0, 0}, 9, 1e6, 64}, {{91, 0, 0}, 9, 1e6, 0},   {{100, 9, 0}, 9, 1e6, 0},
+                {{100, 0, -9}, 9, 1e6, 0}, {{98, 2, -1}, 100, 9, 62}, {{98, 2, -1}, 100, 8.9, 0}};
+    for (const auto& row : rows) {
+        light.position = row.position;
+        light.radius = row.radius;
+        light.radiusSquared = row.radiusSquared;
+        Load({light});
+        NextFrame();
+        EXPECT_EQ(LightAt(100), 20 + row.raised) << &row - rows;
+    }
+}
+
+TEST_F(Lights, PointsOfSkyAndCharacterAreLeftAlone) {
+    LightSlot light = Slot(LIGHT_DYNAMIC);
+    light.intensity = 1.0f;
+    light.radius = 8.0f;
+    light.radiusSquared = 64.0;
+    Load({light});
+    WorldGeometry.used.points = POINTS + 1;
+    WorldGeometry.points[POINTS].position = {0, 0, 0};
+    NextFrame();
+    EXPECT_EQ(LightAt(0), 20 + 64);
+    EXPECT_NE(WorldGeometry.pointLightStamps[POINTS], FrameCount);
+}
+
 TEST_F(Lights, SlotsAreHandedOutFromTheSecondOn) {
     CameraPos = {1, 2, 3};
+    LightSlots[70].intensity = 0.25f;
     for (int32_t slot = 1; slot < LIGHT_SLOT_COUNT; ++slot)
         EXPECT_EQ(SpawnLight(), slot);
     EXPECT_EQ(SpawnLight(), -1);
@@ -200,6 +236,8 @@ TEST_F(Lights, SlotsAreHandedOutFromTheSecondOn) {
     EXPECT_EQ(int32_t{spawned.type}, LIGHT_DYNAMIC);
     EXPECT_EQ(Vec3{spawned.position}.z, 3.0f);
     EXPECT_EQ(double{spawned.radiusSquared}, 250000.0);
+    EXPECT_EQ(float{spawned.radius}, 500.0f);
+    EXPECT_EQ(float{spawned.intensity}, 1.0f);
     LoadLightSlots("there is no such file");
     EXPECT_EQ(SpawnLight(), 1) << "a level load frees them all";
 }
@@ -250,7 +288,7 @@ TEST_F(Lights, ADamagedFileIsRefused) {
                                           {0, 0, 0xFF, 0xFF, 0, 0},
                                           shorter};
     for (const std::vector<uint8_t>& file : files)
-        EXPECT_THROW(LoadLightSlots(FileOf(file)), FatalThrown) << &file - files;
+        EXPECT_EQ(FatalOf([&] { LoadLightSlots(FileOf(file)); }), "0: Not a valid light slot file") << &file - files;
 }
 
 }  // namespace

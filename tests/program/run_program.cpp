@@ -26,7 +26,7 @@ ProgramResult ProgramRun::Interrupt(const std::string& arguments, const std::str
 }
 
 std::string ProgramRun::CommandLine(const std::string& arguments, const std::string& program) const {
-    return "cd '" + folder_.string() + "' || exit; timeout 100 env --default-signal=INT '" BUILD_FOLDER "/" + program +
+    return "cd '" + folder_.string() + "' || exit; timeout 1800 env --default-signal=INT '" BUILD_FOLDER "/" + program +
            "' --headless " + arguments + " >stdout.txt 2>stderr.txt";
 }
 

@@ -1,8 +1,8 @@
-// The polygon pipeline replaced by a record of what is drawn of the sky. Link `pipeline_spy`.
+// The polygon pipeline replaced by a record of what is drawn. Link `pipeline_spy`.
 #pragma once
 
 #include <string>
 
 // "D1 C5/2" and so on, in order, since it was emptied last: D DrawMeshPolygon, C DrawMeshPolygonClipped with its edge
-// mask.
+// mask; W and X the same of the world, DrawPolygon and DrawPolygonClipped; O DrawPolygonOutline with LineColour.
 extern std::string PipelineLog;

@@ -13,3 +13,14 @@ public:
     std::string text;
     std::string path;  // empty: none was given
 };
+
+// How a call ends: "1: Matrix stack overflow.", the code and the text, or "no fatal error".
+template <class Call>
+std::string FatalOf(Call call) {
+    try {
+        call();
+    } catch (const FatalThrown& fatal) {
+        return std::to_string(fatal.code) + ": " + fatal.text;
+    }
+    return "no fatal error";
+}

@@ -20,8 +20,8 @@
 
 namespace {
 
-constexpr int KEY_HELD_MS = 150;  // the slowest levels play 15 frames a second
-constexpr int WAIT_SECONDS = 30;
+constexpr int KEY_HELD_MS = 150;   // the slowest levels play 15 frames a second
+constexpr int WAIT_SECONDS = 600;  // against hanging only
 const char* const TITLE = "Tarnwick";
 
 pid_t Spawn(const std::vector<std::string>& command, const std::string& outputFile, int keptOpen) {

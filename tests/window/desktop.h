@@ -52,5 +52,5 @@ private:
     unsigned long otherWindow = 0;
 };
 
-bool WaitFor(const std::function<bool()>& condition);  // false: not within half a minute
+bool WaitFor(const std::function<bool()>& condition);  // false: not within ten minutes
 void Rest(int milliseconds);

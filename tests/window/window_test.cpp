@@ -96,8 +96,12 @@ TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
 TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
     StartLevel();
     desktop->TakeFocus();
-    Rest(500);
-    const size_t frames = desktop->TracedFrames();
+    size_t frames = 0;
+    EXPECT_TRUE(WaitFor([&] {
+        frames = desktop->TracedFrames();
+        Rest(500);
+        return desktop->TracedFrames() == frames;
+    }));
     desktop->Input("keydown F8");  // for the other window, and never let go there
     Rest(1500);
     EXPECT_EQ(desktop->TracedFrames(), frames);

@@ -8,8 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
+#include <cmath>
 
 namespace {
 
@@ -89,6 +88,10 @@ TEST_F(Collision, OnlyMovesTowardsTheSolidStop) {
     EXPECT_EQ(actor_.position.y, 132.0f);
     Move({0, 70, 0}, {0, 5, 0});  // from below it is passed through
     EXPECT_EQ(actor_.onContact, 0);
+    Move({0, 108, 0}, {20, -0.09f, 0});  // as good as along it
+    EXPECT_EQ(actor_.onContact, 0);
+    Move({0, 108, 0}, {20, -0.11f, 0});
+    EXPECT_EQ(actor_.onContact, 1);
 }
 
 TEST_F(Collision, ASlideKeepsWhatRunsAlongTheWallAndFrictionScalesIt) {
@@ -101,6 +104,47 @@ TEST_F(Collision, ASlideKeepsWhatRunsAlongTheWallAndFrictionScalesIt) {
     EXPECT_NEAR(actor_.velocity.x, 5.0f, 1e-4f);
     EXPECT_NEAR(actor_.velocity.z, 0.0f, 1e-4f);
     EXPECT_NEAR(actor_.contactSlope, 0.0f, 1e-6f);
+}
+
+TEST_F(Collision, TheSlopeIsThatOfTheLastPolygonHit) {
+    Build({Floor(0.0f), Wall(100.0f, 500.0f)});
+    state_.flags = 0;
+    Move({0, 105, 80}, {0, -5, 10});
+    EXPECT_NEAR(actor_.contactSlope, 0.0f, 1e-6f);
+}
+
+// The node that the query's centre is in front of gives its polygons first; touched polygons keep that order.
+TEST_F(Collision, ContactsComeFromTheNearSideOfEachNodeFirst) {
+    const int16_t left = world_.AddLeaf({Floor(0.0f)});
+    const int16_t right = world_.AddLeaf({Floor(1.0f), Floor(2.0f)});
+    world_.AddNode({1, 0, 0, 0}, right, left);
+    Prepare(world_);
+    ASSERT_EQ(WorldSphereContacts(-5, 10, 0, 50), 3);
+    EXPECT_EQ(std::vector<int32_t>(ContactList, ContactList + 4), (std::vector<int32_t>{0, 1, 2, -1}));
+    ASSERT_EQ(WorldSphereContacts(5, 10, 0, 50), 3);
+    EXPECT_EQ(std::vector<int32_t>(ContactList, ContactList + 4), (std::vector<int32_t>{1, 2, 0, -1}));
+}
+
+TEST_F(Collision, ALeafCountsOutToRootTwoOfItsRadius) {
+    Build({Floor(0.0f, 100.0f)});
+    EXPECT_EQ(WorldSphereContacts(0, 190, 0, 195), 1);
+    EXPECT_EQ(WorldSphereContacts(0, 201, 0, 205), 0);
+}
+
+TEST_F(Collision, TheSquareOfTheRadiusWrapsAtThirtyTwoBits) {
+    Build({Floor(0.0f, 100.0f)});  // which 180 units above it only a radius brings into reach
+    EXPECT_EQ(WorldSphereContacts(0, 180, 0, 180), 1);
+    EXPECT_EQ(WorldSphereContacts(0, 180, 0, 65536), 0);
+}
+
+TEST_F(Collision, AMoveGathersHalfItsLengthAnd144Around) {
+    Build({Floor(0.0f)});
+    for (const auto& [distance, contacts] : {std::pair{149.0f, 1}, {150.0f, 0}}) {
+        WorldGeometry.nodes[0].centre = {distance, 14, 0};
+        WorldGeometry.nodes[0].radiusRoot2 = 0;
+        Move({0, 112, 0}, {0, -10, 0});
+        EXPECT_EQ(actor_.onContact, contacts) << distance;
+    }
 }
 
 TEST_F(Collision, ALedgeLiftsByItsHeightAndFourteenMore) {
@@ -123,17 +167,23 @@ TEST_F(Collision, ALedgeLiftsByItsHeightAndFourteenMore) {
         Move({2, 109, 80}, {row.polygons.size() > 1 ? 10.0f : 0.0f, 0, 10});
         EXPECT_GE(actor_.position.y - 109, row.lowestLift) << row.what;
         EXPECT_LE(actor_.position.y - 109, row.highestLift) << row.what;
+        const float kept = row.polygons.size() > 1 ? 5.0f : 0.0f;  // what runs into the last polygon hit is lost
+        EXPECT_NEAR(actor_.velocity.z, kept, 1e-4f) << row.what;
     }
 }
 
-TEST_F(Collision, APocketEndsAfterElevenPasses) {
-    const Corners left = {{-10, 0, 500}, {-10, 0, 0}, {-10, 500, 0}, {-10, 500, 500}};
-    const Corners right = {{10, 0, 0}, {10, 0, 500}, {10, 500, 500}, {10, 500, 0}};
-    Build({left, right, Floor(0.0f)});
+// Between two walls that meet at 30 degrees each pass but the first, which changes nothing, keeps the cosine of it.
+TEST_F(Collision, AWedgeEndsAfterElevenPasses) {
+    const float c = std::cos(3.14159265f / 6), s = 0.5f;
+    const Corners along = {{0, 0, -500}, {0, 0, 500}, {0, 500, 500}, {0, 500, -500}};
+    const Corners across = {
+        {500 * s, 0, 500 * c}, {-500 * s, 0, -500 * c}, {-500 * s, 500, -500 * c}, {500 * s, 500, 500 * c}};
+    Build({along, across});
     state_.flags = 0;
-    Move({0, 105, 200}, {3, -40, 3});
-    EXPECT_LT(std::max({std::abs(actor_.position.x), std::abs(actor_.position.y - 105.0f)}), 45.0f);
-    EXPECT_EQ(actor_.onContact, 1);
+    state_.slideFactor = 1.0f;
+    Move({10, 200, 30}, {-1, 0, -40});
+    EXPECT_NEAR(std::hypot(actor_.velocity.x, actor_.velocity.z), 40 * std::pow(c, 10.0f), 0.01f);
+    EXPECT_EQ(actor_.position.x, 10.0f);
 }
 
 TEST_F(Collision, MoreThanTwoHundredContactsAreFatal) {
@@ -142,6 +192,8 @@ TEST_F(Collision, MoreThanTwoHundredContactsAreFatal) {
         WorldSphereContacts(0, 10, 0, 50);
         ADD_FAILURE() << "accepted";
     } catch (const FatalThrown& fatal) {
+        EXPECT_EQ(fatal.code, 1);
+        EXPECT_EQ(fatal.text, "Opps too many faces.\n");
         EXPECT_TRUE(fatal.path.ends_with(".bgm")) << "the world is to blame";
     }
     WorldGeometry.leaves[0].polygonCount = 200;

@@ -2,6 +2,7 @@
 #include "world/light_map.h"
 
 #include "app/app_tables.h"
+#include "character/character_tables.h"
 #include "platform/timer.h"
 #include "render/device/device.h"
 #include "render/render_tables.h"
@@ -111,7 +112,7 @@ TEST_F(LightMap, ThatIsMissingOrDamagedChangesNothing) {
     damaged.push_back(withCounts({0, 0, 0x23, 0x2D, 0, 0, 0, 1}));  // 9005 of 4 + 9000 points
     damaged.push_back(withCounts({0, 0, 0, 1, 0, 0, 0x4E, 0x21}));  // 20001 polygons
     for (const std::vector<uint8_t>& bytes : damaged) {
-        EXPECT_THROW(LoadLightMap(FileOf(bytes)), FatalThrown) << bytes.size() << " bytes";
+        EXPECT_EQ(FatalOf([&] { LoadLightMap(FileOf(bytes)); }), "0: Not a valid light map file") << bytes.size();
     }
     EXPECT_EQ(WorldGeometry.pointLightBase[0], 10);
     EXPECT_EQ(LightLevel, 0.5f);
@@ -144,6 +145,28 @@ TEST_F(LightMap, FadesWithDepthInSoftwareOnly) {
         FadeDistance = bad;
         EXPECT_EQ(Shade(), (Levels{0, 0, 0, 0})) << "fade distance " << bad;
     }
+}
+
+TEST_F(LightMap, LightsACharactersPointFromTheLampsThatItFaces) {
+    WorldGeometry.points[2].normal = {0, 0, 1};
+    CharacterLightCount = 3;
+    CharacterLightList[0] = {0, {0, 0.6f, 0.8f}, 0.5f};
+    CharacterLightList[1] = {0, {0, 0, -1}, 1.0f};
+    CharacterLightList[2] = {0, {0, 0, 1}, 0.25f};
+    const auto level = [] {
+        ShadeCharacterPoint(2);
+        return IntensityCache[2] / 256.0f;
+    };
+    EXPECT_EQ(level(), 73);  // 32 + (0.4 + 0.25) x 64
+    LightContrast = 0.5f;
+    ApplyLightLevel();
+    EXPECT_EQ(level(), 52);
+    LightMode = 2;
+    ApplyLightLevel();
+    EXPECT_EQ(level(), 75);  // 96 - 20.8
+    GlideWindowOpen = 0;     // half of the way that light fades in
+    EXPECT_EQ(level(), 37);
+    CharacterLightCount = 0;
 }
 
 TEST_F(LightMap, HasNoCornerBytesBeyondItsTable) {

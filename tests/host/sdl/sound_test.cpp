@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <thread>
@@ -26,7 +27,14 @@ TEST(SdlSound, GoesRoundWithoutAGap) {
     std::string problem;
     if (!OpenSound(problem)) GTEST_SKIP() << problem;
     PlayTrack(TrackReader::Open(folder + "/track.flac", problem));
-    std::this_thread::sleep_for(200ms);
+    const auto size = [&] {
+        std::error_code none;
+        const uintmax_t bytes = std::filesystem::file_size(folder + "/played", none);
+        return none ? 0 : bytes;
+    };
+    const auto limit = std::chrono::steady_clock::now() + 10min;  // against hanging only
+    while (size() < 200000 && std::chrono::steady_clock::now() < limit)
+        std::this_thread::sleep_for(10ms);
     CloseSound();
     unsetenv("SDL_AUDIODRIVER");
 
