@@ -105,7 +105,7 @@ run_tests() {
     status=$?
     cat "$place/tests.txt" >>"$log"
     [ $status = 0 ] && return 0
-    first=$(sed -n 's/^\t *[0-9]* - \(.*\) ([A-Za-z ]*)$/\1/p' "$place/tests.txt" | head -n 1)
+    first=$(sed -n 's|^\t *[0-9]* - \([^#]*[^ #]\) .*|\1|p' "$place/tests.txt" | head -n 1)
     [ $status = 124 ] && first='they never end'
     return 1
 }
