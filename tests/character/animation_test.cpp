@@ -143,6 +143,10 @@ TEST_F(Animation, ABlendStartsFromTheLastUnblendedPoseAndStoresNothing) {
     PoseAt(50);
     EXPECT_NEAR(std::acos(bones_[0].world.r[0]), 3.14159265 / 4.0, 1e-6);  // half way to key 0
     EXPECT_EQ(bones_[0].rotation.w, stored.w);
+    actor_.blendDuration = 210;
+    PoseAt(110);
+    EXPECT_NEAR(std::acos(bones_[0].world.r[0]), 3.14159265 / 4.0, 1e-6);  // to key 0 until key 1 is past
+    actor_.blendDuration = 90;
     PoseAt(90);
     EXPECT_EQ(actor_.blendDuration, 0);
     EXPECT_NE(bones_[0].rotation.w, stored.w);

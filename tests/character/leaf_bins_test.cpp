@@ -92,7 +92,7 @@ TEST_F(Bins, PiecesKeepTheAreaTheAttributesAndTheWinding) {
     AddTriangle({-10, 0, 80}, {-80, 0, -20}, {70, 0, 10});
     const double whole = Area(CharPolygon_) + Area(CharPolygon_ + 1);
     const GeometryCounts used = WorldGeometry.used;
-    Bin();
+    Bin({99, 0, -99});  // just near enough to the planes
     double pieces = 0.0;
     std::set<uint16_t> seen;
     for (int leaf = 0; leaf < 4; ++leaf) {

@@ -155,19 +155,13 @@ TEST_F(Lights, AddUpFromTheBaseInEachFrameWithinTheRangeOfAByte) {
     EXPECT_EQ(LightAt(7), 20) << "no light yet in this frame";
 }
 
-TEST_F(Lights, DynamicLightsRaiseWhatIsWithinTheirRadius) {
+TEST_F(Lights, DynamicLightsHaveADimmestIntensityAndAThousandPointsAtMost) {
     LightSlot light = Slot(LIGHT_DYNAMIC);
     light.position = {100, 0, 0};
     light.radius = 8.0f;
     light.radiusSquared = 64.0;
     light.intensity = 0.5f;
     Load({light});
-    NextFrame();
-    EXPECT_EQ(LightAt(100), 20 + 32);
-    EXPECT_EQ(LightAt(104), 20 + 16);
-    EXPECT_EQ(LightAt(93), 20 + 4);
-    EXPECT_EQ(LightAt(108), 20);
-
     for (const auto& [intensity, touches] : {std::pair{0.0099f, false}, {0.01f, true}}) {
         LightSlots[0].intensity = intensity;
         NextFrame();
@@ -192,14 +186,15 @@ TEST_F(Lights, DynamicLightsRaiseWhatIsWithinTheirRadius) {
 // A point must lie within the radius along each axis, and within the root of its square in the whole.
 TEST_F(Lights, BothRadiiOfADynamicLightCount) {
     LightSlot light = Slot(LIGHT_DYNAMIC);
-    light.intensity = 1.0f;
+    light.intensity = 0.5f;
     const struct {
         Vec3 position;
         float radius;
         double radiusSquared;
         int raised;
-    } rows[] = {{{100, 0, 0}, 9, 1e6, 64}, {{91, 0, 0}, 9, 1e6, 0},   {{100, 9, 0}, 9, 1e6, 0},
-                {{100, 0, -9}, 9, 1e6, 0}, {{98, 2, -1}, 100, 9, 62}, {{98, 2, -1}, 100, 8.9, 0}};
+    } rows[] = {{{100, 0, 0}, 9, 1e6, 32}, {{91, 0, 0}, 9, 1e6, 0},   {{100, 9, 0}, 9, 1e6, 0},
+                {{100, 0, -9}, 9, 1e6, 0}, {{98, 2, -1}, 100, 9, 31}, {{106, 0, 0}, 8, 64, 8},
+                {{98, 2, -1}, 100, 8.9, 0}};
     for (const auto& row : rows) {
         light.position = row.position;
         light.radius = row.radius;
