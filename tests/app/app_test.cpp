@@ -164,8 +164,12 @@ TEST_F(App, StampsAreClearedWhenTheFrameCounterWrapsAndPassesItsMiddle) {
     OpenWindow();
     const auto expectAt = [](int count, int stamps) {
         EXPECT_EQ(FrameCount, count);
-        EXPECT_EQ(WorldGeometry.leaves[0].frameStamp, stamps);
-        EXPECT_EQ(WorldGeometry.pointLightStamps[0], stamps);
+        const WorldGeometryTables& world = WorldGeometry;
+        for (const uint32_t stamp : {uint32_t{world.leaves[0].frameStamp}, world.viewPoints[0].transformStamp,
+                                     world.viewPoints[0].projectionStamp, uint32_t{world.pointLightStamps[0]},
+                                     uint32_t{world.characterStamps[0]}, uint32_t{world.cornerLightStamps[0]},
+                                     uint32_t{IntensityCacheStamps[0]}})
+            EXPECT_EQ(stamp, static_cast<uint32_t>(stamps));
     };
     atPoll_ = [&](size_t poll) {
         if (poll == 1) FrameCount = 0xFFFF;

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <array>
-#include <random>
+#include <tuple>
 
 namespace {
 
@@ -48,6 +48,16 @@ TEST_F(Textures, RecordsGetTheirTexelsAndTransparency) {
     EXPECT_EQ(+TextureRecords()[1].texelOffset, texels + 65536 + 252 * 256 + 248);
     EXPECT_EQ(+TextureRecords()[0].isTransparent, 1);
     EXPECT_EQ(+TextureRecords()[1].isTransparent, 0);
+}
+
+TEST_F(Textures, APolygonWrapsWhenACornerLeavesItsTexture) {
+    const std::tuple<float, float, bool> rows[] = {{0, 0, false},   {4096, 2048, false}, {4097, 0, true},
+                                                   {0, 2049, true}, {-1, 0, true},       {0, -1, true}};
+    for (const auto& [u, v, wraps] : rows) {
+        const int32_t polygon = AppendPolygon({{0, 0, 1, u, v, 0}});
+        ASSERT_EQ(LoadError(TwoTextures()), "");
+        EXPECT_EQ(WorldGeometry.polygons[polygon].flags == POLY_WRAPS, wraps) << u << ' ' << v;
+    }
 }
 
 TEST_F(Textures, TruncatedFilesAndBadRecordsAreRefused) {

@@ -94,6 +94,18 @@ TEST_F(LightMap, BringsLightBytesAndLevelValues) {
     EXPECT_EQ(DarkColour[2], 1);
 }
 
+TEST_F(LightMap, HasOtherDistancesAndLessContrastWithTheAccelerator) {
+    for (const auto& [level, contrast] : {std::pair{0, 0.8f}, {1, 0.3f}}) {
+        CurrentLevel = level;
+        LoadLightMap(FileOf(LightMapOf(3)));
+        EXPECT_FLOAT_EQ(LightContrast, -0.5f * contrast);
+    }
+    CurrentLevel = 0;
+    EXPECT_EQ(FogNearDistance, 2000.0f);
+    EXPECT_EQ(FadeDistance, 9196.0f);
+    EXPECT_EQ(FarDistance, 5796.0f);
+}
+
 TEST_F(LightMap, ThatIsMissingOrDamagedChangesNothing) {
     LoadLightMap("no such lights.lmp");
     const std::vector<uint8_t> good = LightMapOf(3);

@@ -111,6 +111,13 @@ TEST_F(RenderedWorld, ClipsWhatCrossesASideAndLeavesOutWhatLiesBeyondTheFarDista
     EXPECT_EQ(drawn(), "O1/1 O0/0") << "in the colour of the leaf's number";
 }
 
+TEST_F(RenderedWorld, SeesTheFootOfATallWallAtTheUpperEdgeOfAWideView) {
+    ScreenAspect = ProjectionScaleX = 2.0f;
+    LookFrom({0, 0, 0}, 0, 0);
+    PublishNearAndFar({{-1, 195, 400}, {1, 195, 400}, {1, 315, 400}, {-1, 315, 400}}, Square({0, 0, 600}, 10));
+    EXPECT_EQ(Render(), (List{~1, 0}));
+}
+
 TEST_F(RenderedWorld, DrawsTheCharacterInALeafFromFarToNear) {
     PublishNearAndFar(Square({0, 0, 400}, 10), Square({0, 0, 600}, 10));
     uint16_t polygons[2];
