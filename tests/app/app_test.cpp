@@ -11,8 +11,10 @@
 #include "core/display.h"
 #include "core/presentation.h"
 #include "core/testing.h"
+#include "memory/system.h"
 #include "platform/input.h"
 #include "platform/timer.h"
+#include "player/player.h"
 #include "render/render_tables.h"
 #include "support/test_window.h"
 #include "world/world_tables.h"
@@ -21,6 +23,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <numeric>
 #include <stdexcept>
@@ -158,6 +161,16 @@ TEST_F(App, AQuitMessageEndsTheGameAndALevelOutsideTheTableIsTheFirst) {
     CurrentLevel = INT32_MAX;
     EXPECT_EQ(RunGame(), MODE_PLAYING);
     EXPECT_EQ(LoadedLevel, 0);
+}
+
+TEST_F(App, ALevelBeginsWithNormalsForZeroAndWithoutTheAcceleratorsFog) {
+    OpenWindow();
+    FogNearDistance = 77;
+    ASSERT_TRUE(StartGame());
+    EXPECT_EQ(FogNearDistance, 0);
+    const Vec3 normal = WorldGeometry.points[PlayerMesh.firstPoint].normal;
+    EXPECT_GT(std::abs(normal.x) + std::abs(normal.y) + std::abs(normal.z), 0.1f);
+    SystemShutdown();
 }
 
 TEST_F(App, StampsAreClearedWhenTheFrameCounterWrapsAndPassesItsMiddle) {
