@@ -192,8 +192,8 @@ TEST_F(Lights, BothRadiiOfADynamicLightCount) {
         float radius;
         double radiusSquared;
         int raised;
-    } rows[] = {{{100, 0, 0}, 9, 1e6, 32}, {{91, 0, 0}, 9, 1e6, 0},   {{100, 9, 0}, 9, 1e6, 0},
-                {{100, 0, -9}, 9, 1e6, 0}, {{98, 2, -1}, 100, 9, 31}, {{106, 0, 0}, 8, 64, 8},
+    } rows[] = {{{100, 0, 0}, 9, 1e6, 32},  {{88, 0, 0}, 9, 1e6, 0},   {{100, 12, 0}, 9, 1e6, 0},
+                {{100, 0, -12}, 9, 1e6, 0}, {{98, 2, -1}, 100, 9, 31}, {{106, 0, 0}, 8, 64, 8},
                 {{98, 2, -1}, 100, 8.9, 0}};
     for (const auto& row : rows) {
         light.position = row.position;

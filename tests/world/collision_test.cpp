@@ -125,14 +125,8 @@ TEST_F(Collision, ContactsComeFromTheNearSideOfEachNodeFirst) {
     EXPECT_EQ(std::vector<int32_t>(ContactList, ContactList + 4), (std::vector<int32_t>{1, 2, 0, -1}));
 }
 
-TEST_F(Collision, ALeafCountsOutToRootTwoOfItsRadius) {
-    Build({Floor(0.0f, 100.0f)});
-    EXPECT_EQ(WorldSphereContacts(0, 190, 0, 195), 1);
-    EXPECT_EQ(WorldSphereContacts(0, 201, 0, 205), 0);
-}
-
 TEST_F(Collision, TheSquareOfTheRadiusWrapsAtThirtyTwoBits) {
-    Build({Floor(0.0f, 100.0f)});  // which 180 units above it only a radius brings into reach
+    Build({Floor(0.0f, 100.0f)});  // 180 units above it the node needs the radius, the leaf root 2 of its own 141
     EXPECT_EQ(WorldSphereContacts(0, 180, 0, 180), 1);
     EXPECT_EQ(WorldSphereContacts(0, 180, 0, 65536), 0);
 }
