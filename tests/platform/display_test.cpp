@@ -3,7 +3,7 @@
 #include "core/display.h"
 #include "core/presentation.h"
 #include "core/testing.h"
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "formats/image.h"
 #include "platform/image.h"
 #include "render/render_tables.h"

@@ -1,15 +1,22 @@
 #include "charc/compile.h"
 
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
+#include <numeric>
 
 namespace {
 
 constexpr double STRAY_LIMIT = 1;  // units beyond which the user is told
+
+template <class Numbers>
+double Dot(const Numbers& a, const Numbers& b) {
+    return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
+}
 
 const ModelClip& FindClip(const Model& model, const std::string& name) {
     return *std::find_if(model.clips.begin(), model.clips.end(), [&](const ModelClip& c) { return c.name == name; });
@@ -25,6 +32,8 @@ void NeedClips(const Model& model, const CharacterRecipe& recipe) {
         }
     }
     if (missing.empty()) return;
+    for (std::string& clip : missing)
+        clip = Shown(clip);
     Refuse(model.file, 0, fmt::format("has no animation '{}'", fmt::join(missing, "', '")),
            fmt::format("add it to the model, or name another in {}", recipe.file));
 }
@@ -48,6 +57,19 @@ void NoteLongTurns(const std::vector<BuiltClip>& clips, const CharacterRecipe& r
                                             from.report.clip, to.report.clip));
             }
         }
+    }
+}
+
+void CheckFinite(const BuiltClip& clip, const Model& model) {
+    for (const BoneTracks& bone : clip.animation.bones) {
+        double sum = Dot(bone.pivot, bone.pivot);
+        for (const RotationKey& key : bone.rotations)
+            sum += Dot(key.rotation, key.rotation);
+        for (const PositionKey& key : bone.positions)
+            sum += Dot(key.position, key.position);
+        if (std::isfinite(sum)) continue;
+        Refuse(model.file, 0, fmt::format("moves to infinity in '{}'", Shown(clip.report.clip)),
+               "look for huge numbers in its scales and places");
     }
 }
 
@@ -95,6 +117,7 @@ CompiledCharacter CompileCharacter(const CharacterRecipe& recipe) {
     std::vector<BuiltClip> clips;
     for (const ClipRecipe& clip : recipe.clips) {
         clips.push_back(BuildClip(model, skeleton, mesh, FindClip(model, clip.clip), clip));
+        CheckFinite(clips.back(), model);
         character.files.push_back({clip.file, EncodeAnimation(clips.back().animation)});
         character.clips.push_back(clips.back().report);
         NoteStrays(clips.back().report, recipe, character.notes);
@@ -105,8 +128,9 @@ CompiledCharacter CompileCharacter(const CharacterRecipe& recipe) {
 
 std::string CompileToFolder(const std::filesystem::path& recipePath, const std::filesystem::path& folder) {
     const CharacterRecipe recipe = ReadRecipe(recipePath);
-    const CompiledCharacter character = CompileCharacter(recipe);
-    for (const OutputFile& file : character.files)
-        WriteWholeFile(folder / file.name, file.content);
+    CompiledCharacter character = CompileCharacter(recipe);
+    for (OutputFile& file : character.files)
+        file.path = folder / file.path;
+    WriteWholeFiles(character.files);
     return Report(character, recipe);
 }

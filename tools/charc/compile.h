@@ -2,14 +2,10 @@
 #pragma once
 
 #include "charc/clips.h"
-
-struct OutputFile {
-    std::string name;
-    std::vector<uint8_t> content;
-};
+#include "formats/files.h"
 
 struct CompiledCharacter {
-    std::vector<OutputFile> files;
+    std::vector<OutputFile> files;  // relative to the folder they are for
     std::vector<ClipReport> clips;
     std::vector<std::string> notes;  // what the user should know, a line each
     size_t triangles = 0, points = 0;

@@ -1,5 +1,6 @@
 #include "charc/model.h"
 
+#include "formats/error.h"
 #include "gltf/gltf_file.h"
 
 #include <fmt/format.h>
@@ -51,7 +52,7 @@ private:
             }
             if (std::abs(Determinant(joint.inverseBind)) < 1e-12) {
                 file_.RefuseFile(
-                    fmt::format("binds the joint '{}' flat", model_.nodes.nodes[AsIndex(joint.node)].name));
+                    fmt::format("binds the joint '{}' flat", Shown(model_.nodes.nodes[AsIndex(joint.node)].name)));
             }
             model_.joints.push_back(joint);
         }
@@ -62,7 +63,7 @@ private:
     void ReadMeshOf(const tinygltf::Node& node) {
         if (node.mesh < 0) return;
         if (node.skin < 0) {
-            model_.notes.push_back(fmt::format("'{}' hangs on no skeleton and is left out", node.name));
+            model_.notes.push_back(fmt::format("'{}' hangs on no skeleton and is left out", Shown(node.name)));
             return;
         }
         for (const tinygltf::Primitive& primitive : file_.Pick(gltf_.meshes, node.mesh, "mesh").primitives)
@@ -75,7 +76,7 @@ private:
 
     void ReadPrimitive(const tinygltf::Primitive& primitive, const std::string& nodeName) {
         if (!IsTriangles(primitive)) {
-            model_.notes.push_back(fmt::format("lines, points or strips of '{}' are left out", nodeName));
+            model_.notes.push_back(fmt::format("lines, points or strips of '{}' are left out", Shown(nodeName)));
             return;
         }
         const size_t first = model_.vertices.size();
@@ -104,8 +105,9 @@ private:
         for (size_t i = 0; i < joints.Count(); ++i) {
             for (size_t k = 0; k < 4; ++k) {
                 if (weights[i][k] <= 0) continue;
+                if (!(joints[i][k] >= 0 && joints[i][k] < static_cast<double>(model_.joints.size())))
+                    file_.RefuseFile("has a vertex that follows a joint it has not");
                 const auto joint = static_cast<int>(joints[i][k]);
-                file_.Pick(model_.joints, joint, "joint");
                 model_.vertices[first + i].influences.push_back({joint, weights[i][k]});
             }
         }
@@ -116,7 +118,7 @@ private:
         for (const ModelInfluence& influence : vertex.influences)
             sum += influence.weight;
         if (sum <= 0) {
-            file_.RefuseFile(fmt::format("has a vertex of '{}' that follows no joint", nodeName),
+            file_.RefuseFile(fmt::format("has a vertex of '{}' that follows no joint", Shown(nodeName)),
                              "give every vertex a weight");
         }
         for (ModelInfluence& influence : vertex.influences)
@@ -155,14 +157,14 @@ private:
         const tinygltf::AnimationSampler& sampler = file_.Pick(animation.samplers, source.sampler, "sampler");
         const auto kind = kinds.find(sampler.interpolation);
         if (kind == kinds.end()) {
-            file_.RefuseFile(fmt::format("interpolates '{}' by '{}'", clip.name, sampler.interpolation));
+            file_.RefuseFile(fmt::format("interpolates '{}' by '{}'", Shown(clip.name), Shown(sampler.interpolation)));
         }
         file_.Pick(model_.nodes.nodes, source.target_node, "node");
         ModelChannel channel{source.target_node, target->second, kind->second, file_.Read(sampler.input, 1).values, {}};
         const GltfNumbers values = file_.Read(sampler.output, target->second == ChannelTarget::ROTATION ? 4 : 3);
         const size_t needed = channel.times.size() * (kind->second == Interpolation::CUBIC ? 3 : 1);
         if (needed == 0 || values.Count() != needed || !std::is_sorted(channel.times.begin(), channel.times.end())) {
-            file_.RefuseFile(fmt::format("has keys of '{}' in disorder", clip.name));
+            file_.RefuseFile(fmt::format("has keys of '{}' in disorder", Shown(clip.name)));
         }
         for (size_t i = 0; i < needed; ++i) {
             std::array<double, 4> value{};

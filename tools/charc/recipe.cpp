@@ -1,5 +1,6 @@
 #include "charc/recipe.h"
 
+#include "formats/error.h"
 #include "formats/settings.h"
 
 #include <fmt/format.h>
@@ -73,14 +74,16 @@ template <class Made, class Wanted>
 void NeedEvery(const Settings& text, const char* key, const Made& made, const Wanted& wanted) {
     std::set<std::string> files;
     for (const auto& item : made) {
-        if (!files.insert(item.file).second) text.RefuseKey(key, fmt::format("makes {} twice", item.file), "drop one");
+        if (!files.insert(item.file).second)
+            text.RefuseKey(key, fmt::format("makes {} twice", Shown(item.file)), "drop one");
     }
     std::string missing;
     for (const char* const file : wanted) {
         if (!files.erase(file)) missing += missing.empty() ? file : std::string(", ") + file;
     }
     if (!missing.empty()) text.RefuseKey(key, "lacks " + missing, "the game loads it: add it");
-    if (!files.empty()) text.RefuseKey(key, fmt::format("makes {}", *files.begin()), "the game loads no such file");
+    if (!files.empty())
+        text.RefuseKey(key, fmt::format("makes {}", Shown(*files.begin())), "the game loads no such file");
 }
 
 }  // namespace

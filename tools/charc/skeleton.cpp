@@ -10,12 +10,17 @@
 
 namespace {
 
+constexpr size_t LISTED_MOST = 22;
+
 std::string JointName(const Model& model, size_t joint) {
     return model.nodes.nodes[static_cast<size_t>(model.joints[joint].node)].name;
 }
 
 std::string List(const std::vector<std::string>& names) {
-    return fmt::format("'{}'", fmt::join(names, "', '"));
+    std::string list;
+    for (size_t i = 0; i < std::min(names.size(), LISTED_MOST); ++i)
+        list += fmt::format("{}'{}'", i == 0 ? "" : ", ", Shown(names[i]));
+    return names.size() <= LISTED_MOST ? list : fmt::format("{} and {} more", list, names.size() - LISTED_MOST);
 }
 
 // The bone of each joint by its name, -1 for folded ones.
@@ -24,7 +29,8 @@ std::vector<int> NameBones(const Model& model, const CharacterRecipe& recipe) {
     for (size_t b = 0; b < CHARACTER_BONES; ++b) {
         const std::string& name = recipe.joints[b];
         if (!name.empty() && !bones.emplace(name, static_cast<int>(b)).second) {
-            Refuse(recipe.file, 0, fmt::format("names the joint '{}' for two bones", name), "leave one of them empty");
+            Refuse(recipe.file, 0, fmt::format("names the joint '{}' for two bones", Shown(name)),
+                   "leave one of them empty");
         }
     }
     const std::set<std::string> folded(recipe.folded.begin(), recipe.folded.end());
@@ -89,7 +95,7 @@ void LinkBones(const Model& model, Skeleton& skeleton) {
         const int above = BoneAbove(model, boneOfNode, model.joints[j].node);
         if (bone == 0) continue;
         if (above < 0) {
-            Refuse(model.file, 0, fmt::format("has the joint '{}' outside the root joint", JointName(model, j)),
+            Refuse(model.file, 0, fmt::format("has the joint '{}' outside the root joint", Shown(JointName(model, j))),
                    "hang it below the root, or name another joint first in 'joints'");
         }
         if (bone < 0)

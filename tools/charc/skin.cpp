@@ -46,44 +46,102 @@ std::array<float, 3> ToFloats(const Vector& p) {
     return {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
 }
 
+// What the game moves as one: corners that differ in texture only.
+struct Point {
+    std::array<float, 3> position;
+    std::vector<BoneWeight> weights;
+    double dropped = 0;  // weight of further bones
+};
+
 // Vertices by what they are: files split them further, for normals and for other materials' meshes.
 struct Vertices {
     std::vector<std::array<float, 3>> positions;
     std::vector<uint32_t> sources;  // the first of the model's vertices that is this one
+    std::vector<uint32_t> points;   // into the table below
+    std::vector<Point> pointTable;
     std::vector<std::array<uint32_t, 3>> triangles;
 };
 
-Vertices MergeVertices(const Model& model, const Skeleton& skeleton) {
-    using Key = std::tuple<std::array<float, 3>, std::array<std::array<double, 2>, 2>, int, std::vector<double>>;
-    std::map<Key, uint32_t> known;
-    Vertices result;
-    std::vector<uint32_t> merged;
-    for (uint32_t i = 0; i < model.vertices.size(); ++i) {
-        const ModelVertex& vertex = model.vertices[i];
-        const std::array<float, 3> position = ToFloats(skeleton.meshToGame(vertex.position));
-        std::vector<double> weights;
+class VertexMerger {
+public:
+    VertexMerger(const Model& model, const Skeleton& skeleton) : model_(model), skeleton_(skeleton) {}
+
+    Vertices Merge() {
+        std::vector<uint32_t> merged;
+        for (uint32_t i = 0; i < model_.vertices.size(); ++i)
+            merged.push_back(Find(i));
+        for (const auto& triangle : model_.triangles)
+            out_.triangles.push_back({merged[triangle[0]], merged[triangle[1]], merged[triangle[2]]});
+        return std::move(out_);
+    }
+
+private:
+    using Position = std::array<float, 3>;
+    using Numbers = std::vector<double>;
+
+    uint32_t Find(uint32_t source) {
+        const ModelVertex& vertex = model_.vertices[source];
+        const Vector place = skeleton_.meshToGame(vertex.position);
+        CheckVertex(vertex, place);
+        const Position position = ToFloats(place);
+        Numbers weights;
         for (const ModelInfluence& influence : vertex.influences) {
             weights.push_back(influence.joint);
             weights.push_back(influence.weight);
         }
-        const auto [entry, isNew] = known.try_emplace({position, vertex.uv, vertex.material, std::move(weights)},
-                                                      static_cast<uint32_t>(result.sources.size()));
+        const auto [entry, isNew] = vertices_.try_emplace({position, vertex.uv, vertex.material, std::move(weights)},
+                                                          static_cast<uint32_t>(out_.sources.size()));
         if (isNew) {
-            result.sources.push_back(i);
-            result.positions.push_back(position);
+            out_.sources.push_back(source);
+            out_.positions.push_back(position);
+            out_.points.push_back(FindPoint(position, vertex));
         }
-        merged.push_back(entry->second);
+        return entry->second;
     }
-    for (const auto& triangle : model.triangles)
-        result.triangles.push_back({merged[triangle[0]], merged[triangle[1]], merged[triangle[2]]});
-    return result;
-}
+
+    uint32_t FindPoint(const Position& position, const ModelVertex& vertex) {
+        Point point{position, {}, 0};
+        point.weights = BoneWeights(vertex, skeleton_, point.dropped);
+        Numbers key;
+        for (const BoneWeight& weight : point.weights) {
+            key.push_back(weight.bone);
+            key.push_back(weight.weight);
+        }
+        const auto [entry, isNew] =
+            points_.try_emplace({position, std::move(key)}, static_cast<uint32_t>(out_.pointTable.size()));
+        if (isNew) out_.pointTable.push_back(std::move(point));
+        return entry->second;
+    }
+
+    // Also what is not a number.
+    void CheckVertex(const ModelVertex& vertex, const Vector& place) const {
+        const double distance = Length(place);
+        if (!(distance <= FARTHEST)) {
+            Refuse(model_.file, 0, fmt::format("has a vertex {:.0f} units from its root joint", distance),
+                   fmt::format("make the model or the recipe's 'scale' smaller: {:.0f} are the most", FARTHEST));
+        }
+        for (const auto& uv : vertex.uv) {
+            if (std::max(std::abs(uv[0]), std::abs(uv[1])) <= MOST_REPEATS) continue;
+            Refuse(model_.file, 0, fmt::format("has a texture coordinate ({} {})", uv[0], uv[1]),
+                   fmt::format("keep within {:.0f} repeats of the picture", MOST_REPEATS));
+        }
+    }
+
+    static constexpr double FARTHEST = 10000;
+    static constexpr double MOST_REPEATS = 1000;
+
+    const Model& model_;
+    const Skeleton& skeleton_;
+    Vertices out_;
+    std::map<std::tuple<Position, std::array<std::array<double, 2>, 2>, int, Numbers>, uint32_t> vertices_;
+    std::map<std::pair<Position, Numbers>, uint32_t> points_;
+};
 
 size_t CountPoints(const Vertices& vertices) {
-    std::vector<std::array<float, 3>> used;
+    std::vector<uint32_t> used;
     for (const auto& triangle : vertices.triangles) {
         for (const uint32_t vertex : triangle)
-            used.push_back(vertices.positions[vertex]);
+            used.push_back(vertices.points[vertex]);
     }
     std::sort(used.begin(), used.end());
     return static_cast<size_t>(std::unique(used.begin(), used.end()) - used.begin());
@@ -99,16 +157,18 @@ void Simplify(Vertices& vertices, const Model& model) {
     for (const auto& triangle : vertices.triangles)
         indices.insert(indices.end(), triangle.begin(), triangle.end());
     const size_t before = vertices.triangles.size();
-    for (size_t target = CHARACTER_MAX_TRIANGLES; TooLarge(vertices); target = target * 15 / 16) {
+    const size_t points = CountPoints(vertices);
+    const size_t first = std::min(before, CHARACTER_MAX_TRIANGLES);  // few triangles may have too many points
+    for (size_t target = first; TooLarge(vertices); target = target * 15 / 16) {
         std::vector<unsigned> fewer(indices.size());
         fewer.resize(meshopt_simplify(fewer.data(), indices.data(), indices.size(), vertices.positions[0].data(),
                                       vertices.positions.size(), sizeof vertices.positions[0], target * 3, ERROR_LIMIT,
                                       0, nullptr));
-        const bool stuck = target < CHARACTER_MAX_TRIANGLES / 4;
+        const bool stuck = target < first / 4;
         if (stuck) {
             Refuse(model.file, 0,
-                   fmt::format("has {} triangles, which cannot be simplified to {} with {} points", before,
-                               CHARACTER_MAX_TRIANGLES, CHARACTER_MAX_POINTS),
+                   fmt::format("has {} triangles with {} points, which cannot be simplified to {} with {}", before,
+                               points, CHARACTER_MAX_TRIANGLES, CHARACTER_MAX_POINTS),
                    "join its loose parts and texture islands, or decimate it in the modelling program");
         }
         vertices.triangles.clear();
@@ -142,36 +202,29 @@ int TextureOf(const std::vector<int>& textures, int material, const Model& model
     }
     const int texture = textures[static_cast<size_t>(material)];
     if (texture < 0) {
-        Refuse(model.file, 0, fmt::format("uses the material '{}'", model.materials[static_cast<size_t>(material)]),
+        Refuse(model.file, 0,
+               fmt::format("uses the material '{}'", Shown(model.materials[static_cast<size_t>(material)])),
                "add it to 'materials', and a picture of it to every skin");
     }
     return texture;
 }
 
-// Points out of vertices: what differs in texture only is one point.
-class Welder {
+// Takes the points that triangles use into the mesh, in the order of their use.
+class PointTaker {
 public:
-    Welder(const Model& model, const Skeleton& skeleton, const Vertices& vertices)
-        : model_(model), skeleton_(skeleton), vertices_(vertices) {}
+    explicit PointTaker(const Vertices& vertices) : vertices_(vertices), taken_(vertices.pointTable.size(), NONE) {}
 
-    uint32_t PointOf(uint32_t vertex, SkinnedMesh& mesh) {
-        double dropped = 0;
-        std::vector<BoneWeight> weights = BoneWeights(model_.vertices[vertices_.sources[vertex]], skeleton_, dropped);
-        std::vector<double> key;
-        for (const BoneWeight& weight : weights) {
-            key.push_back(weight.bone);
-            key.push_back(weight.weight);
+    uint32_t Take(uint32_t vertex, SkinnedMesh& mesh) {
+        const size_t number = vertices_.points[vertex];
+        const Point& point = vertices_.pointTable[number];
+        if (taken_[number] == NONE) {
+            taken_[number] = static_cast<uint32_t>(mesh.mesh.points.size());
+            mesh.mesh.points.push_back(point.position);
+            mesh.weights.push_back(point.weights);
+            worst_ = std::max(worst_, point.dropped);
+            reduced_ += point.dropped > 1e-6 ? 1 : 0;
         }
-        const auto& position = vertices_.positions[vertex];
-        const auto [entry, isNew] =
-            known_.try_emplace({position, std::move(key)}, static_cast<uint32_t>(mesh.mesh.points.size()));
-        if (isNew) {
-            mesh.mesh.points.push_back(position);
-            mesh.weights.push_back(std::move(weights));
-            worst_ = std::max(worst_, dropped);
-            reduced_ += dropped > 1e-6 ? 1 : 0;
-        }
-        return entry->second;
+        return taken_[number];
     }
 
     void Report(std::vector<std::string>& notes) const {
@@ -181,10 +234,10 @@ public:
     }
 
 private:
-    const Model& model_;
-    const Skeleton& skeleton_;
+    static constexpr uint32_t NONE = UINT32_MAX;
+
     const Vertices& vertices_;
-    std::map<std::pair<std::array<float, 3>, std::vector<double>>, uint32_t> known_;
+    std::vector<uint32_t> taken_;  // by point: its number in the mesh
     double worst_ = 0;
     size_t reduced_ = 0;
 };
@@ -193,14 +246,14 @@ private:
 
 SkinnedMesh BuildSkinnedMesh(const Model& model, const Skeleton& skeleton, const CharacterRecipe& recipe) {
     SkinnedMesh result;
-    Vertices vertices = MergeVertices(model, skeleton);
+    Vertices vertices = VertexMerger(model, skeleton).Merge();
     if (TooLarge(vertices)) {
         const size_t before = vertices.triangles.size();
         Simplify(vertices, model);
         result.notes.push_back(fmt::format("simplified from {} to {} triangles", before, vertices.triangles.size()));
     }
     const std::vector<int> textures = TexturesOfMaterials(model, recipe);
-    Welder welder(model, skeleton, vertices);
+    PointTaker taker(vertices);
     size_t flat = 0;
     for (const auto& triangle : vertices.triangles) {
         if (IsFlat(vertices.positions[triangle[0]], vertices.positions[triangle[1]], vertices.positions[triangle[2]])) {
@@ -209,7 +262,7 @@ SkinnedMesh BuildSkinnedMesh(const Model& model, const Skeleton& skeleton, const
         }
         std::array<uint32_t, 3> points, sources;
         for (size_t k = 0; k < 3; ++k) {
-            points[k] = welder.PointOf(triangle[k], result);
+            points[k] = taker.Take(triangle[k], result);
             sources[k] = vertices.sources[triangle[k]];
         }
         result.mesh.triangles.push_back(points);
@@ -217,7 +270,7 @@ SkinnedMesh BuildSkinnedMesh(const Model& model, const Skeleton& skeleton, const
         result.textures.push_back(TextureOf(textures, model.vertices[sources[0]].material, model));
     }
     if (flat > 0) result.notes.push_back(fmt::format("{} triangles without area are left out", flat));
-    welder.Report(result.notes);
+    taker.Report(result.notes);
     return result;
 }
 

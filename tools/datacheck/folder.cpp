@@ -2,8 +2,8 @@
 
 #include "charc/recipe.h"
 #include "datacheck/rules.h"
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 #include "formats/image.h"
 #include "records/levels.h"
 

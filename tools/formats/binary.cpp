@@ -4,9 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <fstream>
-#include <iterator>
-
 void ByteWriter::Little(uint32_t value, int count) {
     for (int i = 0; i < count; ++i)
         U8((value >> (8 * i)) & 0xFF);
@@ -66,26 +63,4 @@ uint16_t ByteReader::BigU16() {
 uint32_t ByteReader::BigU32() {
     const uint32_t high = BigU16();
     return (high << 16) | BigU16();
-}
-
-std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(path)) {
-        Refuse(path.string(), 0, "cannot be read", "check the name and the permissions");
-    }
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-void WriteWholeFile(const std::filesystem::path& path, const std::vector<uint8_t>& content) {
-    if (std::filesystem::is_regular_file(path) && ReadWholeFile(path) == content) return;
-    std::error_code error;  // what fails shows in the writing
-    if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), error);
-    const std::filesystem::path temporary = path.string() + ".part";
-    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
-    stream.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
-    stream.close();
-    error.clear();
-    if (stream) std::filesystem::rename(temporary, path, error);
-    if (!stream || error)
-        Refuse(path.string(), 0, "cannot be written", "check the folder's permissions and the free space");
 }

@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -53,8 +52,3 @@ private:
     std::string file_;
     size_t offset_ = 0;
 };
-
-std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path);  // ContentError when it cannot be read
-// Through a temporary file beside it, so that a failure leaves no half-written output. A file that holds this content
-// already is left alone: the build then need not make again what depends on it.
-void WriteWholeFile(const std::filesystem::path& path, const std::vector<uint8_t>& content);

@@ -1,5 +1,7 @@
 #include "formats/colour_text.h"
 
+#include "formats/error.h"
+
 #include <fmt/format.h>
 
 #include <charconv>
@@ -11,7 +13,7 @@ std::vector<Rgba> ReadColours(const Settings& settings, const std::string& key) 
         const char* const end = text.data() + text.size();
         const bool shaped = text.size() == 7 && text[0] == '#';
         if (!shaped || std::from_chars(text.data() + 1, end, value, 16).ptr != end) {
-            settings.RefuseKey(key, fmt::format("has no colour in '{}'", text), "write it as \"#rrggbb\"");
+            settings.RefuseKey(key, fmt::format("has no colour in '{}'", Shown(text)), "write it as \"#rrggbb\"");
         }
         colours.push_back(
             {static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value), 255});

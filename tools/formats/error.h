@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 class ContentError : public std::runtime_error {
 public:
@@ -11,4 +12,8 @@ public:
 };
 
 // "maps/house.map:120: the brush has no volume: move its planes apart". Line 0: the file as a whole.
+// What a message quotes of the input goes through Shown.
 [[noreturn]] void Refuse(const std::string& file, int line, const std::string& problem, const std::string& remedy);
+
+// A name or word of the input as messages quote it: at most so many bytes, then "..."; control characters as '?'.
+std::string Shown(std::string_view text, size_t mostBytes = 80);

@@ -1,7 +1,7 @@
 #include "formats/height_image.h"
 
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 
 #include <fmt/format.h>
 #include <png.h>

@@ -2,6 +2,7 @@
 
 #include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 
 #include <fmt/format.h>
 

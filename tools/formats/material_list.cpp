@@ -1,7 +1,7 @@
 #include "formats/material_list.h"
 
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 
 #include <fmt/format.h>
 
@@ -32,7 +32,7 @@ int ParseNumber(const std::string& word, const char* what, const Place& place) {
     int value = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
     if (error != std::errc() || end != word.data() + word.size()) {
-        Refuse(place.file, place.line, fmt::format("the {} \"{}\" is not a number", what, word),
+        Refuse(place.file, place.line, fmt::format("the {} \"{}\" is not a number", what, Shown(word)),
                "write: slot name width height [flags]");
     }
     return value;
@@ -42,7 +42,7 @@ Rgba ParseColour(const std::string& word, const Place& place) {
     unsigned value = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value, 16);
     if (error != std::errc() || end != word.data() + word.size() || word.size() != 6) {
-        Refuse(place.file, place.line, fmt::format("\"{}\" is not a colour", word), "write colour=rrggbb");
+        Refuse(place.file, place.line, fmt::format("\"{}\" is not a colour", Shown(word)), "write colour=rrggbb");
     }
     return {static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value), 255};
 }
@@ -63,7 +63,7 @@ void ParseWord(const std::string& word, const Place& place, Material& material) 
     } else if (key == "light") {
         material.light = ParseNumber(value, "light", place);
     } else {
-        Refuse(place.file, place.line, fmt::format("unknown flag \"{}\"", word),
+        Refuse(place.file, place.line, fmt::format("unknown flag \"{}\"", Shown(word)),
                "flags are clip, sky, liquid and cutout; colour=, cover= and light= take values");
     }
 }
@@ -71,12 +71,12 @@ void ParseWord(const std::string& word, const Place& place, Material& material) 
 void CheckMaterial(const Material& material, const Place& place) {
     const auto isSize = [](int n) { return n >= TEXELS_MIN && n <= TEXELS_MAX && (n & (n - 1)) == 0; };
     if (material.slot < 0 || material.slot >= SLOT_END) {
-        Refuse(place.file, place.line, fmt::format("slot {} of {} does not exist", material.slot, material.name),
+        Refuse(place.file, place.line, fmt::format("slot {} of {} does not exist", material.slot, Shown(material.name)),
                fmt::format("slots are 0..{}", SLOT_END - 1));
     }
     if (!isSize(material.width) || !isSize(material.height)) {
         Refuse(place.file, place.line,
-               fmt::format("{} is {} x {} texels", material.name, material.width, material.height),
+               fmt::format("{} is {} x {} texels", Shown(material.name), material.width, material.height),
                fmt::format("sizes are powers of two from {} to {}", TEXELS_MIN, TEXELS_MAX));
     }
     if (material.cover < 0 || material.cover > 100 || material.light < 0 || material.light > LIGHT_MAX) {
@@ -86,7 +86,7 @@ void CheckMaterial(const Material& material, const Place& place) {
     }
     const bool isWord = !material.name.empty() && material.name.find_first_of(" \t\r\n#\"") == std::string::npos;
     if (!isWord) {
-        Refuse(place.file, place.line, fmt::format("\"{}\" cannot be a material name", material.name),
+        Refuse(place.file, place.line, fmt::format("\"{}\" cannot be a material name", Shown(material.name)),
                "use letters, digits and / _ - + . only");
     }
 }
@@ -127,7 +127,7 @@ std::vector<std::string> WordsOf(const std::string& line) {
 }
 
 void RefuseTwice(const Material& material, const Place& place) {
-    Refuse(place.file, place.line, fmt::format("the material {} is listed twice", material.name),
+    Refuse(place.file, place.line, fmt::format("the material {} is listed twice", Shown(material.name)),
            "give each material its own name");
 }
 
@@ -145,7 +145,7 @@ std::string LineOf(const Material& material) {
 }  // namespace
 
 MaterialList ReadMaterialList(const std::filesystem::path& path) {
-    const std::vector<uint8_t> content = ReadWholeFile(path);
+    const std::vector<uint8_t> content = ReadWholeFile(path, TEXT_MOST_BYTES);
     std::istringstream stream(std::string(content.begin(), content.end()));
     MaterialList list;
     std::set<std::string> names;

@@ -1,7 +1,8 @@
 #include "formats/settings.h"
 
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
+#include "formats/nesting.h"
 
 #include <fmt/format.h>
 #include <toml++/toml.h>
@@ -13,6 +14,9 @@ struct Settings::Document {
 };
 
 namespace {
+
+constexpr size_t DESCRIPTION_MOST = 200;  // bytes of what the TOML library says
+constexpr size_t LIST_MOST = 4096;        // entries
 
 const toml::table& Table(const void* table) {
     return *static_cast<const toml::table*>(table);
@@ -29,11 +33,12 @@ int LineOf(const toml::node& node) {
 }  // namespace
 
 Settings Settings::Load(const std::filesystem::path& path) {
-    const std::vector<uint8_t> content = ReadWholeFile(path);
+    const std::vector<uint8_t> content = ReadWholeFile(path, TEXT_MOST_BYTES);
     return Parse({reinterpret_cast<const char*>(content.data()), content.size()}, path.string());
 }
 
 Settings Settings::Parse(std::string_view text, const std::string& fileName) {
+    CheckNesting(text, NestedText::Toml, fileName);
     try {
         auto document = std::make_shared<Document>();
         document->root = toml::parse(text, fileName);
@@ -43,7 +48,7 @@ Settings Settings::Parse(std::string_view text, const std::string& fileName) {
         settings.file_ = fileName;
         return settings;
     } catch (const toml::parse_error& error) {
-        Refuse(fileName, static_cast<int>(error.source().begin.line), std::string(error.description()),
+        Refuse(fileName, static_cast<int>(error.source().begin.line), Shown(error.description(), DESCRIPTION_MOST),
                "correct the TOML text");
     }
 }
@@ -112,9 +117,14 @@ size_t Settings::Choice(const std::string& key, const std::string& fallback,
     const std::string text = Text(key, fallback);
     const auto found = std::find(choices.begin(), choices.end(), text);
     if (found == choices.end()) {
-        RefuseKey(key, fmt::format("'{}' is not known", text), fmt::format("use one of {}", fmt::join(choices, ", ")));
+        RefuseKey(key, fmt::format("'{}' is not known", Shown(text)),
+                  fmt::format("use one of {}", fmt::join(choices, ", ")));
     }
     return static_cast<size_t>(found - choices.begin());
+}
+
+void Settings::CheckList(const std::string& key, size_t entries) const {
+    if (entries > LIST_MOST) RefuseKey(key, "is too long a list", fmt::format("{} entries are the most", LIST_MOST));
 }
 
 std::vector<std::string> Settings::Texts(const std::string& key) const {
@@ -123,6 +133,7 @@ std::vector<std::string> Settings::Texts(const std::string& key) const {
     if (!found) return texts;
     const toml::array* list = Node(found).as_array();
     if (!list) return {Text(key, "")};
+    CheckList(key, list->size());
     for (const toml::node& item : *list) {
         const auto text = item.value_exact<std::string>();
         if (!text) RefuseKey(key, "holds something that is not a text", "write every entry in quotes");
@@ -139,6 +150,7 @@ std::vector<float> Settings::Numbers(const std::string& key) const {
         if (!value || !(*value > -1e6 && *value < 1e6)) {
             RefuseKey(key, "holds something that is not a fitting number", "write plain numbers");
         }
+        CheckList(key, numbers.size() + 1);
         numbers.push_back(static_cast<float>(*value));
     };
     if (!found) return numbers;
@@ -191,7 +203,7 @@ std::vector<Settings> Settings::Tables(const std::string& key) const {
 void Settings::Finish() const {
     for (const auto& [key, node] : Table(table_)) {
         if (!read_.contains(std::string(key.str()))) {
-            Refuse(file_, LineOf(node), fmt::format("'{}' is not known here", key.str()),
+            Refuse(file_, LineOf(node), fmt::format("'{}' is not known here", Shown(key.str())),
                    "check the spelling or remove it");
         }
     }

@@ -1,5 +1,6 @@
 // One table of a TOML file, read key by key with the limits said where the key is read. Every refusal names file and
-// line. Keys that nobody asked for are refused by Finish, so that a misspelt key is never silently ignored.
+// line. Keys that nobody asked for are refused by Finish, so that a misspelt key is never silently ignored. A file has
+// at most TEXT_MOST_BYTES (formats/files.h), a list at most 4096 entries.
 #pragma once
 
 #include <filesystem>
@@ -42,6 +43,7 @@ private:
     Settings() = default;
     const void* Find(const std::string& key) const;  // the TOML node, or null; marks the key as read
     void Need(const std::string& key) const;
+    void CheckList(const std::string& key, size_t entries) const;
 
     std::shared_ptr<const Document> document_;  // keeps the whole file alive for its tables
     const void* table_ = nullptr;

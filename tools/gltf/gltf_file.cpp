@@ -2,6 +2,8 @@
 
 #include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
+#include "formats/nesting.h"
 
 #include <fmt/format.h>
 
@@ -9,6 +11,11 @@
 #include <cstring>
 
 namespace {
+
+constexpr size_t TEXT_OFFSET = 20;  // behind the headers of the file and of its first chunk
+constexpr size_t JSON_MOST_BYTES = 4 << 20;
+constexpr size_t NUMBERS_MOST = 8'000'000;  // of all accessors that are read, each as often as it is
+constexpr size_t LOADER_ERROR_MOST = 200;   // bytes
 
 double Component(const unsigned char* at, int type, bool normalized) {
     const auto as = [&](auto value, double most) {
@@ -55,13 +62,26 @@ std::vector<Affine> PlacesOf(const GltfNodes& nodes) {
 
 GltfFile::GltfFile(const std::filesystem::path& path) : name_(path.string()) {
     const std::vector<uint8_t> content = ReadWholeFile(path);
+    CheckText(content);
     tinygltf::TinyGLTF loader;
     loader.SetImageLoader([](auto...) { return true; }, nullptr);
+    loader.SetFsCallbacks({});  // a .glb holds all that it needs
     std::string error, warning;
     const bool loaded = loader.LoadBinaryFromMemory(&data_, &error, &warning, content.data(),
                                                     static_cast<unsigned>(content.size()), "");
-    std::replace(error.begin(), error.end(), '\n', ' ');
-    if (!loaded) RefuseFile(fmt::format("is no glTF binary ({})", error));
+    if (!loaded) RefuseFile(fmt::format("is no glTF binary ({})", Shown(error, LOADER_ERROR_MOST)));
+}
+
+// The library calls itself for every level of the text, and takes some hundred bytes of memory for every value.
+void GltfFile::CheckText(const std::vector<uint8_t>& content) const {
+    if (content.size() < TEXT_OFFSET) return;
+    ByteReader head(content, name_);
+    head.Take(12);
+    const size_t size = std::min<size_t>(head.U32(), content.size() - TEXT_OFFSET);
+    if (size > JSON_MOST_BYTES) {
+        RefuseFile(fmt::format("has {} bytes of JSON", size), fmt::format("{} are the most", JSON_MOST_BYTES));
+    }
+    CheckNesting({reinterpret_cast<const char*>(content.data()) + TEXT_OFFSET, size}, NestedText::Json, name_);
 }
 
 void GltfFile::RefuseFile(const std::string& problem, const std::string& remedy) const {
@@ -87,7 +107,13 @@ GltfNumbers GltfFile::Read(int accessorIndex, size_t width) const {
         (accessor.count > 0 && (accessor.count - 1) * stride + element > data.size() - start)) {
         RefuseFile(fmt::format("ends before the numbers of accessor {}", accessorIndex));
     }
+    taken_ += accessor.count * width;
+    if (taken_ > NUMBERS_MOST) {
+        RefuseFile(fmt::format("has more than {} numbers in its meshes and animations", NUMBERS_MOST),
+                   "export each mesh once, and decimate it");
+    }
     GltfNumbers numbers{{}, width};
+    numbers.values.reserve(accessor.count * width);
     for (size_t i = 0; i < accessor.count; ++i) {
         for (size_t c = 0; c < width; ++c) {
             const unsigned char* at = data.data() + start + i * stride + c * static_cast<size_t>(size);

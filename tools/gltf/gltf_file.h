@@ -35,7 +35,8 @@ struct GltfNodes {
 
 std::vector<Affine> PlacesOf(const GltfNodes& nodes);  // in the world
 
-// Every member throws a ContentError for a file that breaks the format's rules.
+// Every member throws a ContentError for a file that breaks the format's rules, and for one that asks for too much:
+// more than 64 levels or 4 MiB of JSON, or 8,000,000 numbers in what is read of it.
 class GltfFile {
 public:
     explicit GltfFile(const std::filesystem::path& path);
@@ -63,8 +64,11 @@ public:
 private:
     [[noreturn]] void RefuseIndex(int index, const char* what, size_t count) const;
 
+    void CheckText(const std::vector<uint8_t>& content) const;
+
     std::string name_;
     tinygltf::Model data_;
+    mutable size_t taken_ = 0;  // numbers, by Read
 };
 
 bool IsTriangles(const tinygltf::Primitive& primitive);  // as against lines, points and strips

@@ -23,7 +23,7 @@ public:
         if (name == "func_terrain") return AddTerrain(entity);
         const bool detail = name == "func_detail";
         if (!detail && name != "worldspawn" && name != "func_group") {
-            Refuse(map_.name, entity.line, fmt::format("a {} cannot have brushes", name),
+            Refuse(map_.name, entity.line, fmt::format("a {} cannot have brushes", Shown(name)),
                    "move them to the world, or make them a func_group, func_detail or func_terrain");
         }
         const bool cornerLight = NumberKey(map_, entity, "corner_light", 0) != 0;
@@ -32,6 +32,7 @@ public:
     }
 
     Brushes Take() {
+        out_.file = map_.name;
         std::stable_sort(out_.list.begin(), out_.list.end(),
                          [](const Brush& a, const Brush& b) { return a.kind < b.kind; });
         return std::move(out_);
@@ -42,12 +43,13 @@ private:
         const auto found = materials_.find(face.texture);
         if (found == materials_.end()) {
             Refuse(map_.name, face.line,
-                   fmt::format("the texture \"{}\" is not in the list of materials", face.texture),
+                   fmt::format("the texture \"{}\" is not in the list of materials", Shown(face.texture)),
                    "choose another one, or add it to the level's materials");
         }
         const Material& material = *found->second;
         if (material.slot >= WORLD_SLOT_END && !(material.flags & MATERIAL_SKY)) {
-            Refuse(map_.name, face.line, fmt::format("the texture \"{}\" is in slot {}", face.texture, material.slot),
+            Refuse(map_.name, face.line,
+                   fmt::format("the texture \"{}\" is in slot {}", Shown(face.texture), material.slot),
                    fmt::format("worlds may use slots 0..{}", WORLD_SLOT_END - 1));
         }
         return material;
@@ -89,6 +91,11 @@ private:
     }
 
     void Add(const MapBrush& source, bool detail, bool cornerLight) {
+        if (out_.list.size() == BRUSHES_MAX) {
+            Refuse(map_.name, source.line,
+                   fmt::format("more than {} brushes, those of terrains among them", BRUSHES_MAX),
+                   "make the height images smaller");
+        }
         Brush brush;
         brush.line = source.line;
         std::vector<const Material*> materials;

@@ -8,6 +8,8 @@
 
 #include <vector>
 
+constexpr size_t BRUSHES_MAX = 65536;  // of the map and its terrains together
+
 // In order of rank: where faces of two brushes coincide, the brush of lower rank keeps its face, and of equal ranks the
 // earlier one in the map.
 enum class BrushKind {
@@ -33,6 +35,7 @@ struct Brush {
 };
 
 struct Brushes {
+    std::string file;         // the map, as messages call it
     std::vector<Brush> list;  // by rank
     std::vector<FaceTexture> textures;
     PlaneTable planes;
@@ -40,5 +43,5 @@ struct Brushes {
 };
 
 // The brushes of worldspawn, func_group and func_detail, and those that terrains become. ContentError for a brush
-// without volume or open, a texture that is not in the list and an unknown entity with brushes.
+// without volume or open, a texture that is not in the list, an unknown entity with brushes, and more than BRUSHES_MAX.
 Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials);

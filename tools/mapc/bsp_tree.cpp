@@ -1,12 +1,16 @@
 #include "mapc/bsp_tree.h"
 
+#include "mapc/limits.h"
+
 #include <optional>
 
 namespace {
 
-constexpr size_t CANDIDATES_MAX = 100;  // planes tried at a node
-constexpr size_t ORDER_TEST_MAX = 400;  // more faces than this are never order-free
-constexpr double GRID = 1024;           // planes on this grid are tried where many faces spread beyond it
+constexpr size_t CANDIDATES_MAX = 100;             // planes tried at a node
+constexpr size_t ORDER_TEST_MAX = 400;             // more faces than this are never order-free
+constexpr size_t SEALING_NODES_MAX = 100'000;      // the largest of our levels has 656
+constexpr size_t COMPARISONS_MAX = 1'000'000'000;  // of faces with planes; the largest of our levels takes 1,500,000
+constexpr double GRID = 1024;                      // planes on this grid are tried where many faces spread beyond it
 constexpr size_t GRID_FACES_MIN = 100;
 constexpr double SPLIT_COST = 20;  // against one face of imbalance
 constexpr double SLOPE_COST = 4;   // of a plane that is not axial
@@ -38,8 +42,9 @@ bool FacesFront(const Face& face, int plane, const PlaneTable& planes) {
 
 class TreeBuilder {
 public:
-    TreeBuilder(PlaneTable& planes, TreeKind kind, const std::vector<int>& terrainLines = {})
-        : planes_(planes), kind_(kind), terrainLines_(terrainLines) {}
+    TreeBuilder(Brushes& brushes, TreeKind kind)
+        : file_(brushes.file), planes_(brushes.planes), kind_(kind),
+          terrainLines_(kind == TreeKind::Drawing ? brushes.terrainLines : std::vector<int>()) {}
 
     Tree Build(std::vector<Face> faces) {
         const int root = AddSubtree(std::move(faces), 1);
@@ -64,9 +69,10 @@ private:
     }
 
     int AddSubtree(std::vector<Face> faces, int depth) {
-        const std::optional<int> splitter = depth <= TREE_DEPTH_MAX + 1 ? ChooseSplitter(faces) : std::nullopt;
+        const std::optional<int> splitter = ChooseSplitter(faces);
         if (!splitter) return AddLeaf(kind_ == TreeKind::Drawing ? std::move(faces) : std::vector<Face>());
         tree_.depth = std::max(tree_.depth, depth);
+        CheckLimits();
         const size_t node = tree_.nodes.size();
         tree_.nodes.push_back({*splitter, 0, 0});
         std::vector<Face> front;
@@ -77,6 +83,15 @@ private:
         tree_.nodes[node].front = frontChild;
         tree_.nodes[node].back = backChild;
         return static_cast<int>(node);
+    }
+
+    void CheckLimits() const {
+        const Count nodes = kind_ == TreeKind::Drawing
+                                ? NodeCount(tree_.nodes.size())
+                                : Count{"nodes of the space around the brushes", tree_.nodes.size(), SEALING_NODES_MAX};
+        CheckCounts(
+            file_,
+            {DepthCount(tree_.depth), nodes, {"comparisons of faces with planes", comparisons_, COMPARISONS_MAX}});
     }
 
     void Divide(std::vector<Face> faces, int plane, std::vector<Face>& front, std::vector<Face>& back) const {
@@ -171,7 +186,8 @@ private:
     }
 
     // Beyond the limit only as far as needed to know that it is. A plane that separates nothing costs everything.
-    double CostOf(const std::vector<Face>& faces, int plane, double limit) const {
+    double CostOf(const std::vector<Face>& faces, int plane, double limit) {
+        comparisons_ += faces.size();
         double front = 0;
         double back = 0;
         double splits = 0;
@@ -200,22 +216,24 @@ private:
         return splits + slope + std::abs(front - back);
     }
 
+    const std::string& file_;
     PlaneTable& planes_;
     TreeKind kind_;
     const std::vector<int> terrainLines_;
     Tree tree_;
     std::vector<int> stamps_;  // by plane: the node that last listed it
     int stamp_ = 0;
+    size_t comparisons_ = 0;
 };
 
 }  // namespace
 
-Tree BuildSealingTree(std::vector<Face> faces, PlaneTable& planes) {
-    return TreeBuilder(planes, TreeKind::Sealing).Build(std::move(faces));
+Tree BuildSealingTree(std::vector<Face> faces, Brushes& brushes) {
+    return TreeBuilder(brushes, TreeKind::Sealing).Build(std::move(faces));
 }
 
-Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes, const std::vector<int>& terrainLines) {
-    return TreeBuilder(planes, TreeKind::Drawing, terrainLines).Build(std::move(faces));
+Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes) {
+    return TreeBuilder(brushes, TreeKind::Drawing).Build(std::move(faces));
 }
 
 bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes) {

@@ -10,8 +10,7 @@ struct TreeNode {
     int back = 0;
 };
 
-// Deeper trees are left unfinished, with a depth of one more than this. The engine's own limit is a little higher.
-constexpr int TREE_DEPTH_MAX = 1000;
+constexpr int TREE_DEPTH_MAX = 1000;  // the engine's own limit is a little higher
 
 struct Tree {
     std::vector<TreeNode> nodes;  // node 0 is the root; there is always one
@@ -19,14 +18,17 @@ struct Tree {
     int depth = 0;
 };
 
+// Both add planes to the table of the brushes, and refuse (ContentError) a tree that becomes deeper, larger or costlier
+// than the limits while they build it.
+
 // Splits until no face is left over: every leaf is wholly solid or wholly empty. The leaves hold no faces.
-Tree BuildSealingTree(std::vector<Face> faces, PlaneTable& planes);
+Tree BuildSealingTree(std::vector<Face> faces, Brushes& brushes);
 
 // Splits until the faces of each leaf may be drawn in any order, from any eye: of each two, either both lie in front of
 // the other (a convex room) or both behind (a convex solid), so that no ray meets two of them from their front. A face
 // in a node's plane goes to the side it faces. Hidden faces take part without a say. The
 // terrain's grid divides it without cutting anything.
-Tree BuildDrawingTree(std::vector<Face> faces, PlaneTable& planes, const std::vector<int>& terrainLines = {});
+Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes);
 
 // Whether two faces never overlap on the screen when both are seen from the front.
 bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes);

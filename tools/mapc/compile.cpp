@@ -1,6 +1,6 @@
 #include "mapc/compile.h"
 
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "mapc/emit.h"
 #include "mapc/fan.h"
 #include "mapc/light.h"
@@ -41,16 +41,18 @@ void CheckStart(const MapFile& map, const Brushes& brushes, const PlayerStart& s
 std::vector<Face> ReachableFaces(const MapFile& map, Brushes& brushes, const PlayerStart& start) {
     Surface surface = CutBrushes(brushes);
     const SealedSpace space(std::move(surface.sealing), brushes, start.origin);
-    CheckCounts(map.name, {DepthCount(space.TreeDepth())});
     if (!space.LeakPath().empty()) RefuseLeak(map, space.LeakPath());
     std::erase_if(surface.visible, [&](const Face& face) { return !space.IsSeen(face); });
     MergeFaces(surface.visible, brushes);
+    CheckCounts(map.name, {PolygonCount(surface.visible.size())});
     return std::move(surface.visible);
 }
 
 Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
     Mesh mesh = WeldMesh(tree);
+    CheckMesh(brushes.file, tree, mesh);
     FillTJunctions(mesh);
+    CheckMesh(brushes.file, tree, mesh);
     MakeFans(mesh, brushes.planes, [&](const MeshPolygon& polygon) {
         const bool cornerLight = brushes.textures[static_cast<size_t>(polygon.texture)].cornerLight;
         return cornerLight ? CORNERS_MAX_CORNER_LIGHT : CORNERS_MAX_POINT_LIGHT;
@@ -60,7 +62,7 @@ Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
 
 WorldFile CutOnWholeGrid(const MapFile& map, Tree tree, const Brushes& brushes, const Placement& placement,
                          const LightGrid& grid) {
-    TessellateFaces(tree, brushes.planes, grid);
+    TessellateFaces(tree, brushes, grid);
     const Mesh mesh = MeshOf(tree, brushes);
     CheckMesh(map.name, tree, mesh);
     return EmitWorld(tree, mesh, brushes, placement);
@@ -103,28 +105,16 @@ std::string ReportOf(const CompiledLevel& level) {
     return report;
 }
 
-void WritePath(const std::filesystem::path& path, const std::vector<Vec3>& points) {
+// Says where the path is.
+std::string WritePath(const std::filesystem::path& path, const std::vector<Vec3>& points) {
     std::string text;
     for (const Vec3& p : points)
         text += fmt::format("{:.1f} {:.1f} {:.1f}\n", p.x, p.y, p.z);
-    WriteWholeFile(path, {text.begin(), text.end()});
-}
-
-struct OutputFile {
-    std::filesystem::path path;
-    std::vector<uint8_t> content;
-};
-
-void WriteAllOrNothing(const std::vector<OutputFile>& files) {
-    size_t written = 0;
     try {
-        for (; written < files.size(); ++written)
-            WriteWholeFile(files[written].path, files[written].content);
-    } catch (...) {
-        std::error_code ignored;
-        for (size_t i = 0; i < written; ++i)
-            std::filesystem::remove(files[i].path, ignored);
-        throw;
+        WriteWholeFile(path, {text.begin(), text.end()});
+        return fmt::format("the editor shows it from {}", path.string());
+    } catch (const ContentError& error) {
+        return error.what();
     }
 }
 
@@ -136,13 +126,14 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     const std::vector<PointLight> lights = ReadLights(map);
     const PlayerStart start = FindPlayerStart(map);
     Brushes brushes = BuildBrushes(map, list.materials);
+    CheckSize(brushes, settings.scale);
     LightShiningPerCorner(brushes);
     CheckStart(map, brushes, start);
     CheckLights(map, brushes, lights);
     CompiledLevel compiled;
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
 
-    Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes.planes, brushes.terrainLines);
+    Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes);
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
         const LightGrid grid{settings.subdivide / settings.scale, settings.scale};
@@ -156,6 +147,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);
     compiled.counts = CountWorld(compiled.world, tree.depth);
     CheckCounts(map.name, compiled.counts);
+    CheckPlacesToStand(map.name, compiled.world);
     compiled.contacts = MostContacts(compiled.world);
     CheckContacts(map, compiled.contacts, compiled.placement);
     AddLight(sources, bake, compiled);
@@ -164,17 +156,17 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
 
 std::string CompileToFiles(const CompileFiles& files) {
     const std::string name = files.level > 0 ? LevelRowOf(files.level).world : files.map.stem().string();
-    const std::filesystem::path pathFile = files.output / (name + ".pts");
+    const std::filesystem::path pathFile = std::filesystem::path(files.map).replace_extension(".pts");
     try {
         const CompiledLevel level =
             CompileMap(ReadMapFile(files.map), ReadMaterialList(files.materials), files.level, files.bake);
-        WriteAllOrNothing({{files.output / (name + ".bgm"), EncodeWorld(level.world)},
-                           {files.output / "lights.lmp", EncodeLightMap(level.light)},
-                           {files.output / "lights.alt", EncodeLightSlots(level.slots)}});
-        std::filesystem::remove(pathFile);
+        WriteWholeFiles({{files.output / (name + ".bgm"), EncodeWorld(level.world)},
+                         {files.output / "lights.lmp", EncodeLightMap(level.light)},
+                         {files.output / "lights.alt", EncodeLightSlots(level.slots)}});
+        std::error_code ignored;
+        std::filesystem::remove(pathFile, ignored);
         return ReportOf(level);
     } catch (const LeakError& leak) {
-        WritePath(pathFile, leak.path);
-        throw;
+        throw LeakError(fmt::format("{}; {}", leak.what(), WritePath(pathFile, leak.path)), leak.path);
     }
 }

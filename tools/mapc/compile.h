@@ -40,6 +40,6 @@ struct CompileFiles {
 };
 
 // Writes <output>/<name>.bgm, lights.lmp and lights.alt and returns a report for the user. name: the level's world
-// name, or the map's own without a level. On failure nothing is written but, for a leak, <output>/<name>.pts: the path
-// as map editors load it.
+// name, or the map's own without a level. On failure nothing is written there; for a leak, its path goes beside the
+// map, <map>.pts, where map editors look for it. The next success removes that file.
 std::string CompileToFiles(const CompileFiles& files);

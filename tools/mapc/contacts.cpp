@@ -5,6 +5,7 @@
 namespace {
 
 constexpr double RADIUS = 204;                // of the query at a speed of 120 units a frame
+constexpr size_t PLACES_MAX = 4'000'000;      // fifteen floors as large as a level may be
 constexpr double SAMPLE_STEP = 128;           // between places tried on a floor
 constexpr double WALKABLE = 0.7;              // least vertical part of the outward normal
 constexpr double HEIGHTS[] = {17, 150, 300};  // of the sphere above the floor: standing and in a leap
@@ -137,6 +138,19 @@ private:
 };
 
 }  // namespace
+
+void CheckPlacesToStand(const std::string& file, const WorldFile& world) {
+    double places = 0;
+    for (const WorldPolygon& polygon : world.polygons) {
+        if (-static_cast<double>(world.planes[polygon.plane].normal[1]) < WALKABLE) continue;
+        Box box;
+        for (size_t k = 0; k < polygon.cornerCount; ++k)
+            box.Add(Widened(world.points[world.corners[polygon.firstCorner + k].point].position));
+        const Vec3 steps = (box.max - box.min) * (1 / SAMPLE_STEP) + Vec3{1, 1, 1};
+        places += steps.x * steps.z;
+    }
+    CheckCounts(file, {{"places to stand", static_cast<size_t>(places), PLACES_MAX}});
+}
 
 Contacts MostContacts(const WorldFile& world) {
     return ContactAudit(world).Most();

@@ -1,27 +1,50 @@
 #include "mapc/csg.h"
 
+#include "formats/error.h"
 #include "mapc/box_grid.h"
+#include "mapc/limits.h"
+
+#include <fmt/format.h>
 
 namespace {
 
-constexpr double AREA_MIN = 0.01;  // a smaller covered part is not cut out
+constexpr double AREA_MIN = 0.01;       // a smaller covered part is not cut out
+constexpr size_t PAIRS_MAX = 500'000;   // of brushes that touch; the largest of our levels has 7,390
+constexpr size_t PIECES_MAX = 100'000;  // of faces; merging and leaving out the unseen must bring them to 20,000
 
 class Cutter {
 public:
     explicit Cutter(const Brushes& brushes) : brushes_(brushes), grid_(BoxesOf(brushes)) {}
 
     Surface Cut() {
+        CheckPairs();
         Surface surface;
         for (size_t i = 0; i < brushes_.list.size(); ++i) {
             const Brush& brush = brushes_.list[i];
             grid_.Find(brush.box, SPLIT_EPSILON, near_);
             for (const BrushSide& side : brush.sides)
                 CutSide(static_cast<int>(i), side, surface);
+            CheckCounts(brushes_.file, {{"pieces of faces before they are merged", surface.visible.size(), PIECES_MAX},
+                                        {"pieces of outer faces", surface.sealing.size(), PIECES_MAX}});
         }
         return surface;
     }
 
 private:
+    // Many brushes in one place touch each other all.
+    void CheckPairs() {
+        size_t pairs = 0;
+        for (const Brush& brush : brushes_.list) {
+            grid_.Find(brush.box, SPLIT_EPSILON, near_);
+            pairs += near_.size();
+            if (pairs <= PAIRS_MAX) continue;
+            Refuse(brushes_.file, brush.line,
+                   fmt::format("this brush touches {} others, and all brushes more than {} together", near_.size() - 1,
+                               PAIRS_MAX),
+                   "delete copies that lie in one place, and join small brushes to larger ones");
+        }
+    }
+
     static std::vector<Box> BoxesOf(const Brushes& brushes) {
         std::vector<Box> boxes;
         for (const Brush& brush : brushes.list)

@@ -21,6 +21,7 @@ public:
         double bestArea = 0;
         for (size_t from = 0; from + 2 < count; ++from) {
             for (size_t to = from + 2; to < count && to - from + 1 < count; ++to) {
+                if (count > TRY_ALL_MAX && to - from != count / 2) continue;
                 const size_t larger = std::max(to - from + 1, count - (to - from) + 1);
                 if (larger > bestCount) continue;
                 const Corners first(At(corners, from), At(corners, to + 1));
@@ -60,6 +61,7 @@ public:
 
 private:
     static constexpr double AREA_MIN = 1e-3;
+    static constexpr size_t TRY_ALL_MAX = 64;  // of more corners only the even halves are tried
 
     static Corners::const_iterator At(const Corners& corners, size_t i) {
         return corners.begin() + static_cast<std::ptrdiff_t>(i);

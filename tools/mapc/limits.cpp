@@ -40,6 +40,25 @@ Count DepthCount(int treeDepth) {
     return {"levels of the tree", static_cast<size_t>(treeDepth), size_t{TREE_DEPTH_MAX}};
 }
 
+Count NodeCount(size_t nodes) {
+    return {"nodes", nodes, NODES_MAX};
+}
+
+Count PolygonCount(size_t polygons) {
+    return {"polygons", polygons, POLYGONS_MAX};
+}
+
+void CheckSize(const Brushes& brushes, double scale) {
+    Box box;
+    for (const Brush& brush : brushes.list)
+        box.Add(brush.box);
+    const Vec3 size = (box.max - box.min) * scale;
+    const double largest = std::max({size.x, size.y, size.z});
+    if (largest <= SIZE_MAX_UNITS) return;
+    Refuse(brushes.file, 0, fmt::format("the level measures {:.0f} units from end to end", largest),
+           fmt::format("make it smaller, or its key \"scale\": {:.0f} are the most", SIZE_MAX_UNITS));
+}
+
 void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh) {
     size_t polygons = 0;
     size_t corners = 0;
@@ -48,9 +67,9 @@ void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh) {
         for (const MeshPolygon& polygon : leaf)
             corners += polygon.corners.size();
     }
-    CheckCounts(file, {{"nodes", tree.nodes.size(), NODES_MAX},
+    CheckCounts(file, {NodeCount(tree.nodes.size()),
                        {"leaves", tree.leaves.size(), LEAVES_MAX},
-                       {"polygons", polygons, POLYGONS_MAX},
+                       PolygonCount(polygons),
                        {"polygon corners", corners, CORNERS_MAX}});
 }
 
@@ -59,10 +78,10 @@ std::vector<Count> CountWorld(const WorldFile& world, int treeDepth) {
                           46 * world.polygons.size() + 63 * world.points.size() + 32 * world.corners.size();
     const std::vector<size_t> uses = PolygonsAtPoints(world);
     return {
-        {"nodes", world.nodes.size(), NODES_MAX},
+        NodeCount(world.nodes.size()),
         {"leaves", world.leaves.size(), LEAVES_MAX},
         {"planes", world.planes.size(), PLANES_MAX},
-        {"polygons", world.polygons.size(), POLYGONS_MAX},
+        PolygonCount(world.polygons.size()),
         {"points", world.points.size(), POINTS_MAX},
         {"polygon corners", world.corners.size(), CORNERS_MAX},
         {"polygons at one point", uses.empty() ? 0 : *std::max_element(uses.begin(), uses.end()),

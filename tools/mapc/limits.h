@@ -20,6 +20,11 @@ struct Count {
 };
 
 Count DepthCount(int treeDepth);
+Count NodeCount(size_t nodes);
+Count PolygonCount(size_t polygons);
+constexpr double SIZE_MAX_UNITS = 65536;
+// ContentError for a level that is larger along any axis, in engine units.
+void CheckSize(const Brushes& brushes, double scale);
 // Counts that do not fit the file's numbers; ContentError that lists all that are exceeded.
 void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh);
 // All counts of a finished world.
@@ -30,5 +35,7 @@ struct Contacts {
     int count = 0;
     WorldVector place{};  // sphere centre
 };
+// Where MostContacts tries. ContentError for more than it can try in reasonable time.
+void CheckPlacesToStand(const std::string& file, const WorldFile& world);
 // The most polygons that one query of a moving player can gather, tried all over the walkable polygons.
 Contacts MostContacts(const WorldFile& world);

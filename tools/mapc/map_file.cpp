@@ -1,7 +1,7 @@
 #include "mapc/map_file.h"
 
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +36,7 @@ public:
     }
 
     void Expect(std::string_view word) {
-        if (!Is(word)) Fail(fmt::format("\"{}\" instead of \"{}\"", next_.text, word), "save the map again");
+        if (!Is(word)) Fail(fmt::format("\"{}\" instead of \"{}\"", Shown(next_.text), word), "save the map again");
         Advance();
     }
 
@@ -47,7 +47,7 @@ public:
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
         const bool whole = error == std::errc() && end == digits.data() + digits.size();
         if (!whole || !(std::abs(value) < 1e9)) {
-            Refuse(file_, token.line, fmt::format("\"{}\" is not a number", token.text), "save the map again");
+            Refuse(file_, token.line, fmt::format("\"{}\" is not a number", Shown(token.text)), "save the map again");
         }
         return value;
     }
@@ -56,6 +56,15 @@ public:
         return !next_.quoted && !next_.text.empty() &&
                next_.text.find_first_not_of("+-.eE0123456789") == std::string_view::npos;
     }
+
+    // One more of what the map may hold so many of.
+    void Count(size_t count, size_t most, const char* what) const {
+        if (count < most) return;
+        Refuse(file_, next_.line, fmt::format("more than {} {}", most, what), "leave some out, or divide the level");
+    }
+
+    void CountBrush() { Count(brushes_++, MAP_BRUSHES_MAX, "brushes in one map"); }
+    void CountFace() { Count(faces_++, MAP_FACES_MAX, "faces in one map"); }
 
     [[noreturn]] void Fail(const std::string& problem, const std::string& remedy) const {
         if (AtEnd()) Refuse(file_, next_.line, "the file ends too early", "it was cut short; save the map again");
@@ -102,6 +111,7 @@ private:
     const std::string& file_;
     size_t at_ = 0;
     int line_ = 1;
+    size_t brushes_ = 0, faces_ = 0;  // taken so far
     Token next_;
 };
 
@@ -152,12 +162,15 @@ MapFace TakeFace(Scanner& in) {
 MapBrush TakeBrush(Scanner& in) {
     MapBrush brush;
     brush.line = in.Next().line;
+    in.CountBrush();
     in.Expect("{");
     while (!in.Is("}")) {
         if (!in.Is("(")) {
-            in.Fail(fmt::format("\"{}\" where a face should begin", in.Next().text),
+            in.Fail(fmt::format("\"{}\" where a face should begin", Shown(in.Next().text)),
                     "only brushes of flat faces are supported; save the map as Standard or Valve 220");
         }
+        in.CountFace();
+        in.Count(brush.faces.size(), MAP_BRUSH_FACES_MAX, "faces on one brush");
         brush.faces.push_back(TakeFace(in));
     }
     in.Expect("}");
@@ -174,9 +187,11 @@ MapEntity TakeEntity(Scanner& in) {
             continue;
         }
         if (!in.Next().quoted) {
-            in.Fail(fmt::format("\"{}\" where a key, a brush or the end of the entity should be", in.Next().text),
-                    "write keys as \"name\" \"value\"");
+            in.Fail(
+                fmt::format("\"{}\" where a key, a brush or the end of the entity should be", Shown(in.Next().text)),
+                "write keys as \"name\" \"value\"");
         }
+        in.Count(entity.keys.size(), MAP_KEYS_MAX, "keys of one entity");
         const Token name = in.Take();
         if (!in.Next().quoted) in.Fail("a key without a value", "write keys as \"name\" \"value\"");
         entity.keys.push_back({std::string(name.text), std::string(in.Take().text), name.line});
@@ -202,8 +217,10 @@ std::string MapEntity::ClassName() const {
 MapFile ParseMap(const std::string& text, const std::string& name) {
     MapFile map{name, {}};
     Scanner in(text, map.name);
-    while (!in.AtEnd())
+    while (!in.AtEnd()) {
+        in.Count(map.entities.size(), MAP_ENTITIES_MAX, "entities");
         map.entities.push_back(TakeEntity(in));
+    }
     return map;
 }
 
@@ -219,7 +236,7 @@ double NumberKey(const MapFile& map, const MapEntity& entity, const std::string&
     const char* end = key->value.data() + key->value.size();
     const auto result = std::from_chars(key->value.data(), end, value);
     if (result.ec != std::errc() || result.ptr != end || !(std::abs(value) < 1e9)) {
-        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, key->value), "give it one number");
+        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, Shown(key->value)), "give it one number");
     }
     return value;
 }
@@ -247,7 +264,8 @@ std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const
         if (count < 3) vector[static_cast<int>(count)] = value;
     }
     if (count != 3 || !(LengthSquared(vector) < 1e18)) {
-        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, key->value), "give it three numbers");
+        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, Shown(key->value)),
+               "give it three numbers");
     }
     return vector;
 }

@@ -13,6 +13,13 @@
 #include <string>
 #include <vector>
 
+// Asked while the text is read. A level's world holds 20,000 polygons at most.
+constexpr size_t MAP_ENTITIES_MAX = 20000;
+constexpr size_t MAP_BRUSHES_MAX = 20000;
+constexpr size_t MAP_KEYS_MAX = 256;         // of an entity
+constexpr size_t MAP_BRUSH_FACES_MAX = 128;  // of a brush
+constexpr size_t MAP_FACES_MAX = 200000;     // of all brushes
+
 struct MapFace {
     std::array<Vec3, 3> points;
     std::string texture;

@@ -44,7 +44,8 @@ const StyleName& StyleOf(const MapFile& map, const MapEntity& entity) {
         if (key->value == style.name) return style;
         known += fmt::format("{}{}", known.empty() ? "" : ", ", style.name);
     }
-    Refuse(map.name, key->line, fmt::format("the light has the unknown style \"{}\"", key->value), "use " + known);
+    Refuse(map.name, key->line, fmt::format("the light has the unknown style \"{}\"", Shown(key->value)),
+           "use " + known);
 }
 
 void RefuseIdleKeys(const MapFile& map, const MapEntity& entity, const StyleName& style) {

@@ -73,8 +73,9 @@ private:
         for (const int number : near_) {
             if (number == from || number == to) continue;
             const Vec3 offset = Vertex(number) - a;
-            // Both parts are shorter than the whole, or this would not end.
-            if (LengthSquared(offset) >= length * length || LengthSquared(offset - along) >= length * length) continue;
+            // Both parts are shorter than the whole, as they will be measured in their turn, or this would not end.
+            const double whole = LengthSquared(along);
+            if (LengthSquared(offset) >= whole || LengthSquared(Vertex(to) - Vertex(number)) >= whole) continue;
             const double distance = LengthSquared(offset - direction * Dot(offset, direction));
             if (distance > bestDistance || (distance == bestDistance && best && *best <= number)) continue;
             best = number;

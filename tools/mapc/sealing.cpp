@@ -1,15 +1,17 @@
 #include "mapc/sealing.h"
 
 #include "mapc/box_grid.h"
+#include "mapc/limits.h"
 
 #include <array>
 
 namespace {
 
-constexpr double MARGIN = 64;             // of empty space around the map
-constexpr double PORTAL_AREA_MIN = 0.1;   // what is smaller lets nothing through
-constexpr double SEEN_AREA_MIN = 0.05;    // of a face; a smaller face must border on it with its half
-constexpr double SOLID_TOLERANCE = 0.01;  // a point on the seam of two brushes is solid
+constexpr size_t PORTALS_MAX = 1'000'000;  // the largest of our levels has 3,092
+constexpr double MARGIN = 64;              // of empty space around the map
+constexpr double PORTAL_AREA_MIN = 0.1;    // what is smaller lets nothing through
+constexpr double SEEN_AREA_MIN = 0.05;     // of a face; a smaller face must border on it with its half
+constexpr double SOLID_TOLERANCE = 0.01;   // a point on the seam of two brushes is solid
 
 std::array<Plane, 6> SidesOf(const Box& box) {
     std::array<Plane, 6> sides;  // facing inwards
@@ -24,13 +26,14 @@ std::array<Plane, 6> SidesOf(const Box& box) {
 
 }  // namespace
 
-SealedSpace::SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start) : planes_(brushes.planes) {
+SealedSpace::SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start)
+    : file_(brushes.file), planes_(brushes.planes) {
     Box bounds;
     bounds.Add(start);
     for (const Face& face : sealing)
         bounds.Add(face.box);
     bounds = bounds.Grown(MARGIN);
-    tree_ = BuildSealingTree(std::move(sealing), planes_);
+    tree_ = BuildSealingTree(std::move(sealing), brushes);
     leaves_.resize(tree_.leaves.size());
     std::vector<Plane> hull;
     for (const Plane& side : SidesOf(bounds))
@@ -106,6 +109,7 @@ void SealedSpace::Join(int front, int back, const Winding& winding) {
     const Vec3 centre = WindingCentre(winding);
     const bool passable = WindingArea(winding) >= PORTAL_AREA_MIN;
     const int portal = static_cast<int>(portals_.size());
+    CheckCounts(file_, {{"openings between the spaces around the brushes", portals_.size(), PORTALS_MAX}});
     if (passable) portals_.push_back({{front, back}, centre});
     for (const int leaf : {front, back}) {
         LeafSpace& space = leaves_[static_cast<size_t>(leaf)];
@@ -123,10 +127,8 @@ void SealedSpace::MarkSolid(const Brushes& brushes) {
         if (brush.kind == BrushKind::Solid) boxes.push_back(brush.box);
     }
     const BoxGrid grid(boxes);  // solid brushes come first in the list
-    std::vector<int> near;
     const auto isSolid = [&](const Vec3& p) {
-        grid.Find({p, p}, SOLID_TOLERANCE, near);
-        return std::any_of(near.begin(), near.end(), [&](int i) {
+        return grid.AnyAt(p, SOLID_TOLERANCE, [&](int i) {
             return brushes.list[static_cast<size_t>(i)].Holds(p, brushes.planes, SOLID_TOLERANCE);
         });
     };

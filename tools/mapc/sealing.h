@@ -11,7 +11,6 @@ public:
     SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start);
 
     const std::vector<Vec3>& LeakPath() const { return leakPath_; }  // empty when the level is sealed
-    int TreeDepth() const { return tree_.depth; }                    // nothing holds when it is above TREE_DEPTH_MAX
     bool IsSeen(const Face& face) const;  // whether some of its front borders on the flooded space
 
 private:
@@ -41,6 +40,7 @@ private:
     bool IsOpen(int child, const Vec3& from, const Vec3& to) const;  // no solid leaf between two points
     bool SeesFlood(int child, const Winding& winding, int plane, double areaMin) const;
 
+    const std::string& file_;
     PlaneTable& planes_;
     Tree tree_;
     std::vector<LeafSpace> leaves_;

@@ -71,7 +71,7 @@ void CheckKeys(const MapFile& map, const MapEntity& entity, const std::vector<st
     for (const MapKey& key : entity.keys) {
         if (key.name == "classname" || key.name.starts_with('_')) continue;
         if (std::find(known.begin(), known.end(), key.name) != known.end()) continue;
-        Refuse(map.name, key.line, fmt::format("unknown key {} of a {}", key.name, entity.ClassName()),
+        Refuse(map.name, key.line, fmt::format("unknown key {} of a {}", Shown(key.name), entity.ClassName()),
                fmt::format("correct its name, or leave it out; known are {}", fmt::join(known, ", ")));
     }
 }
@@ -122,7 +122,8 @@ void CheckEntities(const MapFile& map) {
         const auto known = std::find_if(ENTITY_CLASSES.begin(), ENTITY_CLASSES.end(),
                                         [&](const EntityClass& entityClass) { return entityClass.name == name; });
         if (known == ENTITY_CLASSES.end()) {
-            Refuse(map.name, entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + name,
+            Refuse(map.name, entity.line,
+                   name.empty() ? "an entity without a classname" : "unknown entity " + Shown(name),
                    "use worldspawn, func_group, func_detail, func_terrain, light and info_*");
         }
         CheckKeys(map, entity, known->keys);

@@ -62,7 +62,7 @@ private:
         const Vec3 size = box_.max - box_.min;
         const double cell = std::min(size.x / (image_.width - 1), size.y / (image_.height - 1));
         if (cell >= CELL_MIN) return;
-        Refuse(map_.name, key->line, fmt::format("{} gives cells of {:.0f} units", key->value, cell),
+        Refuse(map_.name, key->line, fmt::format("{} gives cells of {:.0f} units", Shown(key->value), cell),
                fmt::format("make it smaller, or the box larger: {:.0f} are the least", CELL_MIN));
     }
 

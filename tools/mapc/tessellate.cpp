@@ -2,6 +2,7 @@
 
 #include "mapc/box_grid.h"
 #include "mapc/light_fit.h"
+#include "mapc/limits.h"
 #include "mapc/mesh.h"
 
 #include <optional>
@@ -188,9 +189,15 @@ void CutDrawnFaces(Tree& tree, CutOne cutOne) {
 
 }  // namespace
 
-void TessellateFaces(Tree& tree, const PlaneTable& planes, const LightGrid& grid) {
-    GridLines lines(tree, planes, grid);
-    CutDrawnFaces(tree, [&](const Face& face) { return CutEverywhere(lines, face); });
+void TessellateFaces(Tree& tree, const Brushes& brushes, const LightGrid& grid) {
+    GridLines lines(tree, brushes.planes, grid);
+    size_t count = 0;
+    CutDrawnFaces(tree, [&](const Face& face) {
+        std::vector<Face> pieces = CutEverywhere(lines, face);
+        count += pieces.size();
+        CheckCounts(brushes.file, {PolygonCount(count)});
+        return pieces;
+    });
 }
 
 void TessellateWhereLightBends(Tree& tree, const PlaneTable& planes, const LightGrid& grid, const SurfaceLight& light,

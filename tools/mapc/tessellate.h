@@ -11,7 +11,7 @@ struct LightGrid {
     double scale = 1;  // engine units per map unit
 };
 
-void TessellateFaces(Tree& tree, const PlaneTable& planes, const LightGrid& grid);
+void TessellateFaces(Tree& tree, const Brushes& brushes, const LightGrid& grid);
 
 // Cuts only where the corners that are left could not stand in for those of the whole grid: nowhere does the light
 // between them differ by more than the tolerance, however the face is divided into triangles. light: of the world that

@@ -1,5 +1,7 @@
 #include "musicc/harmony.h"
 
+#include "formats/error.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -69,7 +71,7 @@ Step ParseStep(const std::string_view written, size_t bar) {
         const auto tone = ParseTone(word.substr(start, end - start));
         if (!tone)
             throw PatternProblem{
-                fmt::format("has '{}' in bar {}, which is no note", written, bar + 1),
+                fmt::format("has '{}' in bar {}, which is no note", Shown(written), bar + 1),
                 "write notes as e4 or f#3, tones of the chord as 0 to 9 or *, rests as . and - to hold"};
         step.tones.push_back(*tone);
         start = end + 1;

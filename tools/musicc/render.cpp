@@ -1,10 +1,12 @@
 #include "musicc/render.h"
 
 #include "formats/error.h"
+#include "formats/files.h"
 #include "musicc/effects.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <sndfile.h>
 
 namespace {
@@ -60,6 +62,43 @@ int16_t ToSample(float value) {
     return static_cast<int16_t>(std::lrintf(std::clamp(value, -1.0f, 1.0f) * 32767.0f));
 }
 
+// What the sound library writes to, until the whole of it goes to disk.
+struct MemoryFile {
+    std::vector<uint8_t> bytes;
+    size_t position = 0;
+};
+
+MemoryFile& Memory(void* file) {
+    return *static_cast<MemoryFile*>(file);
+}
+
+SF_VIRTUAL_IO MEMORY_ACCESS = {
+    [](void* file) { return static_cast<sf_count_t>(Memory(file).bytes.size()); },
+    [](sf_count_t offset, int from, void* file) {
+        MemoryFile& memory = Memory(file);
+        const size_t base = from == SEEK_SET ? 0 : from == SEEK_CUR ? memory.position : memory.bytes.size();
+        memory.position = static_cast<size_t>(static_cast<sf_count_t>(base) + offset);
+        return static_cast<sf_count_t>(memory.position);
+    },
+    [](void* to, sf_count_t count, void* file) {
+        MemoryFile& memory = Memory(file);
+        const size_t left = memory.bytes.size() - std::min(memory.position, memory.bytes.size());
+        const size_t taken = std::min(static_cast<size_t>(count), left);
+        std::copy_n(memory.bytes.data() + memory.position, taken, static_cast<uint8_t*>(to));
+        memory.position += taken;
+        return static_cast<sf_count_t>(taken);
+    },
+    [](const void* from, sf_count_t count, void* file) {
+        MemoryFile& memory = Memory(file);
+        const auto size = static_cast<size_t>(count);
+        memory.bytes.resize(std::max(memory.bytes.size(), memory.position + size));
+        std::copy_n(static_cast<const uint8_t*>(from), size, memory.bytes.data() + memory.position);
+        memory.position += size;
+        return count;
+    },
+    [](void* file) { return static_cast<sf_count_t>(Memory(file).position); },
+};
+
 }  // namespace
 
 std::vector<int16_t> RenderScore(const Score& score) {
@@ -91,13 +130,12 @@ void WriteSound(const std::filesystem::path& path, const std::vector<int16_t>& s
     if (ending == ".ogg") info.format = SF_FORMAT_OGG | SF_FORMAT_VORBIS;
     if (ending == ".wav") info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
     if (info.format == 0) Refuse(path.string(), 0, "this is no kind of sound file", "name it .flac, .ogg or .wav");
-    std::error_code ignored;
-    std::filesystem::create_directories(path.parent_path(), ignored);
-    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
-    if (!file) Refuse(path.string(), 0, sf_strerror(nullptr), "check the folder");
+    MemoryFile memory;
+    SNDFILE* file = sf_open_virtual(&MEMORY_ACCESS, SFM_WRITE, &info, &memory);
     const auto frames = static_cast<sf_count_t>(samples.size() / 2);
-    const bool written = sf_writef_short(file, samples.data(), frames) == frames;
-    if (sf_close(file) == 0 && written) return;
-    std::filesystem::remove(path, ignored);
-    Refuse(path.string(), 0, "the file could not be written", "check the space left on the disk");
+    const bool written = file && sf_writef_short(file, samples.data(), frames) == frames;
+    if (!file || sf_close(file) != 0 || !written) {
+        Refuse(path.string(), 0, sf_strerror(nullptr), "report this as a fault of the tool");
+    }
+    WriteWholeFile(path, memory.bytes);
 }

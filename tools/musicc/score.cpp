@@ -1,5 +1,6 @@
 #include "musicc/score.h"
 
+#include "formats/error.h"
 #include "formats/settings.h"
 
 #include <fmt/format.h>
@@ -23,7 +24,8 @@ template <typename Named>
 size_t Find(const std::vector<Named>& all, const std::string& name, const Settings& from, const std::string& key) {
     for (size_t i = 0; i < all.size(); ++i)
         if (all[i].name == name) return i;
-    from.RefuseKey(key, fmt::format("names '{}', which there is not", name), "write it above, or correct the name");
+    from.RefuseKey(key, fmt::format("names '{}', which there is not", Shown(name)),
+                   "write it above, or correct the name");
 }
 
 EnvelopeTimes LoadEnvelope(const Settings& from, const std::string& key, const EnvelopeTimes& fallback) {
@@ -127,7 +129,7 @@ std::vector<Chord> LoadChords(const Settings& from) {
         if (word == "|") continue;
         const auto chord = ParseChord(word);
         if (!chord)
-            from.RefuseKey("chords", fmt::format("has '{}', which is no chord", word),
+            from.RefuseKey("chords", fmt::format("has '{}', which is no chord", Shown(word)),
                            "write chords as Em, C, F#m7, Bbmaj7 or G/B");
         chords.push_back(*chord);
     }

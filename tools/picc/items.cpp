@@ -1,6 +1,7 @@
 #include "picc/items.h"
 
 #include "formats/colour_text.h"
+#include "formats/error.h"
 #include "picc/blend.h"
 #include "picc/hall.h"
 #include "picc/picture.h"
@@ -111,7 +112,8 @@ void PaintLine(Painter& painter, const Settings& item, const TextStyle& style, c
                float y) {
     const float width = painter.lettering.Width(item, style, line);
     if (x < 0 || x + width > PICTURE_WIDTH || y > PICTURE_HEIGHT) {
-        item.RefuseKey("text", fmt::format("'{}' leaves the picture", line), "move it, shorten it or make it smaller");
+        item.RefuseKey("text", fmt::format("'{}' leaves the picture", Shown(line)),
+                       "move it, shorten it or make it smaller");
     }
     Coverage letters(PICTURE_WIDTH, PICTURE_HEIGHT);
     painter.lettering.Draw(item, style, line, x, y, letters);
@@ -205,7 +207,7 @@ const Image& Painter::Texture(const Settings& item, const std::string& name) {
     if (isNew) {
         const std::filesystem::path path = materials / (name + ".png");
         if (!std::filesystem::is_regular_file(path)) {
-            item.RefuseTable(fmt::format("there is no material '{}'", name),
+            item.RefuseTable(fmt::format("there is no material '{}'", Shown(name)),
                              "use the name of a recipe in content/materials");
         }
         entry->second = ReadPng(path);

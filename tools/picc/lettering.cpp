@@ -102,7 +102,7 @@ void* Lettering::Face(const Settings& where, const TextStyle& style) {
         FT_Face face = nullptr;
         if (FT_New_Face(library_->handle, path.c_str(), 0, &face) != 0) {
             faces_.erase(style.font);
-            where.RefuseTable(fmt::format("the font {} cannot be read", path.string()),
+            where.RefuseTable(fmt::format("the font {} cannot be read", Shown(path.string())),
                               "use the name of a font file there, such as DejaVuSans-Bold");
         }
         entry = face;
@@ -119,11 +119,12 @@ float Lettering::Walk(const Settings& where, const TextStyle& style, const std::
     for (const uint32_t point : CodePoints(text)) {
         const FT_UInt glyph = FT_Get_Char_Index(face, point);
         if (glyph == 0)
-            where.RefuseTable(fmt::format("{} has no letter U+{:04X}", style.font, point), "write it in other letters");
+            where.RefuseTable(fmt::format("{} has no letter U+{:04X}", Shown(style.font), point),
+                              "write it in other letters");
         FT_Vector kerning{0, 0};
         if (previous != 0) FT_Get_Kerning(face, previous, glyph, FT_KERNING_UNFITTED, &kerning);
         if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP) != 0) {
-            where.RefuseTable(fmt::format("{} cannot draw U+{:04X}", style.font, point), "use another font");
+            where.RefuseTable(fmt::format("{} cannot draw U+{:04X}", Shown(style.font), point), "use another font");
         }
         pen += static_cast<float>(kerning.x) / SUBPIXELS;
         if (onto) {

@@ -1,5 +1,5 @@
 // picc: paints a front-end picture from its description.
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "picc/blend.h"
 #include "picc/picture.h"
 

@@ -1,7 +1,7 @@
 #include "skyc/compile.h"
 
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 #include "skyc/layers.h"
 
 #include <fmt/format.h>
@@ -44,11 +44,11 @@ private:
         const auto found = std::find_if(materials_.begin(), materials_.end(),
                                         [&](const Material& material) { return material.name == name; });
         if (found == materials_.end()) {
-            Refuse(file_, polygon.line, fmt::format("the level has no material '{}'", name),
+            Refuse(file_, polygon.line, fmt::format("the level has no material '{}'", Shown(name)),
                    "add it to its textures.toml");
         }
         if (found->flags & (MATERIAL_CLIP | MATERIAL_SKY) || found->slot > UINT8_MAX) {
-            Refuse(file_, polygon.line, fmt::format("'{}' is never drawn", name), "name another material");
+            Refuse(file_, polygon.line, fmt::format("'{}' is never drawn", Shown(name)), "name another material");
         }
         return *found;
     }
@@ -57,7 +57,8 @@ private:
                                     const std::string& remedy) const {
         const Vector& p = polygon.corners[0].place;
         Refuse(file_, polygon.line,
-               fmt::format("a polygon of '{}' at ({:.0f} {:.0f} {:.0f}) {}", polygon.material, p.x, p.y, p.z, problem),
+               fmt::format("a polygon of '{}' at ({:.0f} {:.0f} {:.0f}) {}", Shown(polygon.material), p.x, p.y, p.z,
+                           problem),
                remedy);
     }
 
@@ -127,6 +128,7 @@ SkyShape ReadSky(const std::filesystem::path& description) {
         default: AddModel(layer, shape); break;
         }
         layer.Finish();
+        CheckCount(shape.size(), layer);
         for (size_t i = before; i < shape.size(); ++i)
             shape[i].line = layer.Line();
     }

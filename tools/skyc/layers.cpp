@@ -1,5 +1,6 @@
 #include "skyc/layers.h"
 
+#include "formats/static_object_file.h"
 #include "maths/angles.h"
 
 #include <fmt/format.h>
@@ -144,6 +145,12 @@ private:
 };
 
 }  // namespace
+
+void CheckCount(size_t polygons, const Settings& layer) {
+    if (polygons <= STATIC_OBJECT_MAX_POLYGONS) return;
+    layer.RefuseTable(fmt::format("the sky has {} polygons up to this layer", polygons),
+                      fmt::format("{} are the most: give it fewer segments or stars", STATIC_OBJECT_MAX_POLYGONS));
+}
 
 Vector DirectionOf(double bearing, double elevation) {
     return CornerAt(RingAt(1, elevation), bearing).place;

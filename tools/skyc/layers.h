@@ -16,5 +16,7 @@ void AddSheet(const Settings& layer, SkyShape& shape);
 void AddDisc(const Settings& layer, float radius, SkyShape& shape);
 // Many small pictures, scattered evenly.
 void AddStars(const Settings& layer, float radius, SkyShape& shape);
+// ContentError for more polygons than a sky may have, in time to make no more of them.
+void CheckCount(size_t polygons, const Settings& layer);
 // A mesh out of a .glb, beside the description.
 void AddModel(const Settings& layer, SkyShape& shape);

@@ -5,18 +5,20 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 
 namespace {
 
 constexpr float UNITS_PER_METRE = 100;
+constexpr double MOST_REPEATS = 1000;
 
 // From the model to the sky: its front, +z, is where the player comes from.
 class ModelLayer {
 public:
-    ModelLayer(const std::filesystem::path& path, double scale, double bearing)
-        : file_(path), scale_(scale), turn_(SineCosineOfDegrees(bearing)) {}
+    ModelLayer(const Settings& layer, const std::filesystem::path& path, double scale, double bearing)
+        : layer_(layer), file_(path), scale_(scale), turn_(SineCosineOfDegrees(bearing)) {}
 
     void Read(SkyShape& shape) const {
         const GltfNodes nodes = file_.Nodes();
@@ -44,6 +46,7 @@ private:
         if (primitive.material < 0) file_.RefuseFile("has a mesh without material", "give it one of the level's names");
         const std::string& material = file_.Pick(file_.Data().materials, primitive.material, "material").name;
         const std::vector<uint32_t> corners = file_.TriangleCorners(primitive, positions.Count());
+        CheckCount(shape.size() + corners.size() / 3, layer_);
         const bool mirrored = Determinant(place) < 0;
         for (size_t i = 0; i < corners.size(); i += 3) {
             SkyPolygon polygon{material, {}, false};
@@ -52,12 +55,15 @@ private:
             for (const size_t k : order) {
                 const size_t vertex = corners[i + k];
                 const double* p = positions[vertex];
+                if (!(std::max(std::abs(uv[vertex][0]), std::abs(uv[vertex][1])) <= MOST_REPEATS))
+                    file_.RefuseFile("has a texture coordinate of more than 1000 repeats", "lay out its UVs again");
                 polygon.corners.push_back({ToSky(place({p[0], p[1], p[2]})), uv[vertex][0], uv[vertex][1]});
             }
             shape.push_back(std::move(polygon));
         }
     }
 
+    const Settings& layer_;
     GltfFile file_;
     double scale_;
     SineCosine turn_;
@@ -68,5 +74,5 @@ private:
 void AddModel(const Settings& layer, SkyShape& shape) {
     const std::filesystem::path path = std::filesystem::path(layer.File()).parent_path() / layer.NeedText("file");
     const auto scale = static_cast<double>(layer.Number("scale", UNITS_PER_METRE, 0.001f, 100000));
-    ModelLayer(path, scale, static_cast<double>(layer.Number("bearing", 0, -360, 360))).Read(shape);
+    ModelLayer(layer, path, scale, static_cast<double>(layer.Number("bearing", 0, -360, 360))).Read(shape);
 }

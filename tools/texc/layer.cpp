@@ -3,9 +3,13 @@
 #include "formats/colour_text.h"
 #include "texc/noise.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
 
 namespace {
+
+constexpr size_t MASKS_MOST = 16;
 
 std::vector<Colour> ReadRamp(const Settings& settings) {
     const auto channel = [](uint8_t byte) { return static_cast<float>(byte) / 255; };
@@ -17,8 +21,9 @@ std::vector<Colour> ReadRamp(const Settings& settings) {
 
 }  // namespace
 
-PlacedPattern::PlacedPattern(const Settings& settings, uint32_t seed)
-    : pattern_(MakePattern(settings)), seed_(Hash(seed, static_cast<uint32_t>(settings.Int("seed", 0, 0, 1'000'000)))),
+PlacedPattern::PlacedPattern(const Settings& settings, uint32_t seed, Studio& studio)
+    : pattern_(MakePattern(settings, studio)),
+      seed_(Hash(seed, static_cast<uint32_t>(settings.Int("seed", 0, 0, 1'000'000)))),
       area_(settings.Numbers("area", 4, {})), origin_(settings.Numbers("origin", 2, {0, 0})),
       scroll_(settings.Numbers("scroll", 2, {0, 0})), repeat_(settings.Numbers("repeat", 2, {})),
       perCell_(settings.Flag("per_cell", false)), wobble_(settings.Number("wobble", 0, 0, 32)),
@@ -98,16 +103,18 @@ Sample PlacedPattern::At(const Canvas& canvas, int column, int row, const Moment
     return sample;
 }
 
-Layer::Layer(const Settings& settings, uint32_t seed)
-    : pattern_(settings, seed), ramp_(ReadRamp(settings)), steps_(settings.Flag("steps", false)),
+Layer::Layer(const Settings& settings, uint32_t seed, Studio& studio)
+    : pattern_(settings, seed, studio), ramp_(ReadRamp(settings)), steps_(settings.Flag("steps", false)),
       opacity_(settings.Number("opacity", 1, 0, 1)), vary_(settings.Number("vary", 0, 0, 1)),
       raise_(settings.Number("raise", 0, -64, 64)), seed_(seed) {
     mode_ = static_cast<Mode>(settings.Choice("mode", "paint", {"paint", "shade", "glow", "hole", "relief"}));
     uint32_t index = 100;
     for (const Settings& mask : settings.Tables("mask")) {
-        masks_.push_back({PlacedPattern(mask, Hash(seed, index++)), mask.Flag("invert", false)});
+        masks_.push_back({PlacedPattern(mask, Hash(seed, index++), studio), mask.Flag("invert", false)});
         mask.Finish();
     }
+    if (masks_.size() > MASKS_MOST)
+        settings.RefuseKey("mask", "stands there too often", fmt::format("{} are the most", MASKS_MOST));
     settings.Finish();
     const bool coloured = mode_ == Mode::Paint || mode_ == Mode::Shade || mode_ == Mode::Glow;
     const std::string pattern = settings.Text("pattern", "");

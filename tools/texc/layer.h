@@ -9,7 +9,7 @@
 // A pattern laid onto the canvas: moved, repeated, mirrored, made uneven.
 class PlacedPattern {
 public:
-    PlacedPattern(const Settings& settings, uint32_t seed);
+    PlacedPattern(const Settings& settings, uint32_t seed, Studio& studio);
     void Prepare(const Canvas& canvas) { pattern_->Prepare(canvas); }
     Sample At(const Canvas& canvas, int column, int row, const Moment& moment) const;
 
@@ -32,7 +32,7 @@ private:
 
 class Layer {
 public:
-    Layer(const Settings& settings, uint32_t seed);
+    Layer(const Settings& settings, uint32_t seed, Studio& studio);
     void Paint(Canvas& canvas, const Moment& moment);
 
 private:

@@ -1,8 +1,8 @@
 #include "texc/level_textures.h"
 
-#include "formats/binary.h"
 #include "formats/colour_text.h"
 #include "formats/error.h"
+#include "formats/files.h"
 #include "formats/glide_texture.h"
 #include "texc/material.h"
 #include "texc/page_packing.h"
@@ -110,7 +110,7 @@ Slots FillSlots(const LevelTextures& level, const std::filesystem::path& folder)
     for (const std::string& name : level.materials) {
         if (slot == SLOT_FIRST_ANIMATED) slot = SLOT_LAST_ANIMATED + 1;
         if (slot > SLOT_LAST_WORLD) {
-            Refuse(level.file, 0, fmt::format("'{}' finds no free slot", name), "use fewer materials");
+            Refuse(level.file, 0, fmt::format("'{}' finds no free slot", Shown(name)), "use fewer materials");
         }
         Image image = LoadPicture(folder, name, 1);
         const unsigned flags = CutoutFlag(image);
@@ -144,7 +144,8 @@ LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
     std::set<std::string> seen{"clip", "sky", level.animated};
     for (const std::string& name : level.materials) {
         if (!seen.insert(name).second) {
-            text.RefuseKey("materials", fmt::format("'{}' stands there twice or is reserved", name), "remove it");
+            text.RefuseKey("materials", fmt::format("'{}' stands there twice or is reserved", Shown(name)),
+                           "remove it");
         }
     }
     level.skin = text.Texts("skin");

@@ -1,6 +1,6 @@
 // texc: paints material recipes, and compiles a level's materials into texture.bin.
-#include "formats/binary.h"
 #include "formats/error.h"
+#include "formats/files.h"
 #include "texc/contact_sheet.h"
 #include "texc/level_textures.h"
 #include "texc/material.h"

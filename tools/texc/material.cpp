@@ -4,18 +4,20 @@
 #include "texc/layer.h"
 #include "texc/noise.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
-namespace {
-
-constexpr int MAX_DEPTH = 4;  // of recipes that paint others
-
-struct Recipe {
+struct Studio::Recipe {
     int width = 128, height = 128, pictures = 1;
     Finish finish;
     std::vector<Layer> layers;
-    std::vector<std::filesystem::path> sources;
 };
+
+namespace {
+
+constexpr size_t MAX_DEPTH = 4;     // of recipes that show others
+constexpr size_t MAX_LAYERS = 256;  // of a recipe and its bases
 
 int ReadSide(const Settings& text, size_t index) {
     const float side = text.Numbers("size", 2, {128, 128})[index];
@@ -26,6 +28,7 @@ int ReadSide(const Settings& text, size_t index) {
     return whole;
 }
 
+template <class Recipe>
 void ReadHead(const Settings& text, Recipe& recipe) {
     if (text.Has("size")) {
         recipe.width = ReadSide(text, 0);
@@ -39,44 +42,61 @@ void ReadHead(const Settings& text, Recipe& recipe) {
     finish.brightness = text.Number("brightness", finish.brightness, 0, 4);
 }
 
-Recipe ReadRecipe(const std::filesystem::path& path, int depth);
+}  // namespace
 
-// The recipe that a key names; one without layers when there is no such key.
-Recipe ReadNamed(const Settings& text, const std::string& key, int depth) {
-    const std::string name = text.Text(key, "");
-    if (name.empty()) return {};
-    if (depth == MAX_DEPTH) text.RefuseKey(key, "goes round in a circle or too deep", "paint it from layers");
-    return ReadRecipe(MaterialRecipe(text.File(), name), depth + 1);
+std::filesystem::path Studio::PathOf(const Settings& from, const std::string& key) const {
+    const std::filesystem::path path =
+        std::filesystem::path(from.File()).parent_path() / (from.NeedText(key) + ".toml");
+    if (open_.size() > MAX_DEPTH || std::find(open_.begin(), open_.end(), path) != open_.end())
+        from.RefuseKey(key, "goes round in a circle or too deep", "paint it from layers");
+    return path;
 }
 
-Recipe ReadRecipe(const std::filesystem::path& path, int depth) {
+const Image& Studio::Picture(const Settings& from, const std::string& key) {
+    const std::filesystem::path path = std::filesystem::path(from.File()).parent_path() / from.NeedText(key);
+    const auto [entry, isNew] = pictures_.try_emplace(path);
+    if (isNew) {
+        entry->second = ReadPng(path);
+        sources_.push_back(path);
+    }
+    return entry->second;
+}
+
+const Image& Studio::Material(const Settings& from, const std::string& key) {
+    const std::filesystem::path path = PathOf(from, key);
+    const auto known = materials_.find(path);
+    if (known != materials_.end()) return known->second;
+    Recipe recipe = Read(path);
+    return materials_.emplace(path, Draw(recipe)).first->second;
+}
+
+Studio::Recipe Studio::ReadBase(const Settings& text) {
+    if (text.Text("base", "").empty()) return {};
+    return Read(PathOf(text, "base"));
+}
+
+Studio::Recipe Studio::Read(const std::filesystem::path& path) {
+    open_.push_back(path);
     const Settings text = Settings::Load(path);
-    Recipe recipe = ReadNamed(text, "base", depth);
-    recipe.sources.push_back(path);
+    Recipe recipe = ReadBase(text);
+    sources_.push_back(path);
     ReadHead(text, recipe);
     const auto seed = static_cast<uint32_t>(text.Int("seed", 1, 0, 1'000'000));
     uint32_t index = 0;
-    for (const Settings& layer : text.Tables("layer")) {
-        const Recipe shown = ReadNamed(layer, "material", depth);  // first, for it refuses circles
-        recipe.sources.insert(recipe.sources.end(), shown.sources.begin(), shown.sources.end());
-        recipe.layers.emplace_back(layer, Hash(seed, index++));
-        const std::string picture = layer.Text("file", "");
-        if (!picture.empty()) recipe.sources.push_back(path.parent_path() / picture);
-    }
+    for (const Settings& layer : text.Tables("layer"))
+        recipe.layers.emplace_back(layer, Hash(seed, index++), *this);
     if (recipe.layers.empty()) text.RefuseTable("has no layers", "add a [[layer]]");
+    if (recipe.layers.size() > MAX_LAYERS) {
+        text.RefuseTable(fmt::format("has {} layers with those of its base", recipe.layers.size()),
+                         fmt::format("{} are the most", MAX_LAYERS));
+    }
     text.Finish();
+    open_.pop_back();
     return recipe;
 }
 
-}  // namespace
-
-std::filesystem::path MaterialRecipe(const std::filesystem::path& beside, const std::string& name) {
-    return beside.parent_path() / (name + ".toml");
-}
-
-PaintedMaterial PaintMaterial(const std::filesystem::path& path) {
-    Recipe recipe = ReadRecipe(path, 0);
-    PaintedMaterial material{Image(recipe.width, recipe.height * recipe.pictures), recipe.sources};
+Image Studio::Draw(Recipe& recipe) const {
+    Image strip(recipe.width, recipe.height * recipe.pictures);
     for (int i = 0; i < recipe.pictures; ++i) {
         Canvas canvas(recipe.width, recipe.height);
         const Moment moment{static_cast<float>(i) / static_cast<float>(ANIMATION_PICTURES)};
@@ -84,8 +104,16 @@ PaintedMaterial PaintMaterial(const std::filesystem::path& path) {
             layer.Paint(canvas, moment);
         const Image picture = Develop(canvas, recipe.finish);
         std::copy(picture.pixels.begin(), picture.pixels.end(),
-                  material.picture.pixels.begin() +
-                      static_cast<std::ptrdiff_t>(material.picture.Index(0, i * recipe.height)));
+                  strip.pixels.begin() + static_cast<std::ptrdiff_t>(strip.Index(0, i * recipe.height)));
     }
-    return material;
+    return strip;
+}
+
+PaintedMaterial Studio::Paint(const std::filesystem::path& path) {
+    Recipe recipe = Read(path);
+    return {Draw(recipe), sources_};
+}
+
+PaintedMaterial PaintMaterial(const std::filesystem::path& path) {
+    return Studio().Paint(path);
 }

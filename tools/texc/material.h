@@ -3,8 +3,10 @@
 #pragma once
 
 #include "formats/image.h"
+#include "formats/settings.h"
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,8 +17,27 @@ struct PaintedMaterial {
     std::vector<std::filesystem::path> sources;  // every file that was read
 };
 
-// The recipe of that name beside another one.
-std::filesystem::path MaterialRecipe(const std::filesystem::path& beside, const std::string& name);
-
 // ContentError names the file and the line.
 PaintedMaterial PaintMaterial(const std::filesystem::path& recipe);
+
+// Where recipes find what they show: each picture is read once and each other recipe painted once, however many layers
+// show it.
+class Studio {
+public:
+    // What a key names, beside the recipe that the settings are of. They last as long as the studio.
+    const Image& Picture(const Settings& from, const std::string& key);
+    const Image& Material(const Settings& from, const std::string& key);
+
+    PaintedMaterial Paint(const std::filesystem::path& recipe);
+
+private:
+    struct Recipe;
+    Recipe Read(const std::filesystem::path& path);
+    Recipe ReadBase(const Settings& text);
+    std::filesystem::path PathOf(const Settings& from, const std::string& key) const;
+    Image Draw(Recipe& recipe) const;
+
+    std::map<std::filesystem::path, Image> pictures_, materials_;
+    std::vector<std::filesystem::path> open_;     // recipes being read: each shows the next
+    std::vector<std::filesystem::path> sources_;  // every file that was read
+};

@@ -5,13 +5,17 @@
 namespace {
 
 template <typename Kind>
-std::unique_ptr<Pattern> Make(const Settings& settings) {
-    return std::make_unique<Kind>(settings);
+std::unique_ptr<Pattern> Make(const Settings& settings, Studio& studio) {
+    if constexpr (std::is_constructible_v<Kind, const Settings&, Studio&>) {
+        return std::make_unique<Kind>(settings, studio);
+    } else {
+        return std::make_unique<Kind>(settings);
+    }
 }
 
 struct Entry {
     const char* name;
-    std::unique_ptr<Pattern> (*make)(const Settings&);
+    std::unique_ptr<Pattern> (*make)(const Settings&, Studio&);
 };
 
 constexpr Entry PATTERNS[] = {
@@ -24,9 +28,9 @@ constexpr Entry PATTERNS[] = {
 
 }  // namespace
 
-std::unique_ptr<Pattern> MakePattern(const Settings& settings) {
+std::unique_ptr<Pattern> MakePattern(const Settings& settings, Studio& studio) {
     std::vector<std::string> names;
     for (const Entry& entry : PATTERNS)
         names.emplace_back(entry.name);
-    return PATTERNS[settings.Choice("pattern", "", names)].make(settings);
+    return PATTERNS[settings.Choice("pattern", "", names)].make(settings, studio);
 }

@@ -30,6 +30,8 @@ struct Moment {
     float phase = 0;  // 0..1 around the cycle
 };
 
+class Studio;
+
 class Pattern {
 public:
     virtual ~Pattern() = default;
@@ -39,4 +41,4 @@ public:
 };
 
 // Reads the key `pattern` and that pattern's own settings.
-std::unique_ptr<Pattern> MakePattern(const Settings& settings);
+std::unique_ptr<Pattern> MakePattern(const Settings& settings, Studio& studio);

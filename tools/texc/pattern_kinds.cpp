@@ -355,16 +355,14 @@ Sample Between(const Sample& a, const Sample& b, float part) {
 
 }  // namespace
 
-PicturePattern::PicturePattern(const Settings& settings)
-    : image_(ReadPng(std::filesystem::path(settings.File()).parent_path() / settings.NeedText("file"))) {}
+PicturePattern::PicturePattern(const Settings& settings, Studio& studio) : image_(studio.Picture(settings, "file")) {}
 
 Sample PicturePattern::At(const Spot& spot, const Moment&) const {
     return SampleOf(image_.At(WrapInt(FloorInt(spot.x), image_.width), WrapInt(FloorInt(spot.y), image_.height)));
 }
 
-MaterialPattern::MaterialPattern(const Settings& settings)
-    : image_(PaintMaterial(MaterialRecipe(settings.File(), settings.NeedText("material"))).picture),
-      zoom_(settings.Number("zoom", 1, 0.25F, 4)) {}
+MaterialPattern::MaterialPattern(const Settings& settings, Studio& studio)
+    : image_(studio.Material(settings, "material")), zoom_(settings.Number("zoom", 1, 0.25F, 4)) {}
 
 Sample MaterialPattern::At(const Spot& spot, const Moment&) const {
     const float x = spot.x / zoom_ - 0.5F;

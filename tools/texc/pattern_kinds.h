@@ -166,20 +166,20 @@ public:
 // A painted PNG beside the recipe; its transparent parts let the layers below through.
 class PicturePattern : public Pattern {
 public:
-    explicit PicturePattern(const Settings& settings);
+    PicturePattern(const Settings& settings, Studio& studio);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
-    Image image_;
+    const Image& image_;  // the studio's
 };
 
 // Another recipe's finished picture, smoothed where it is drawn larger or smaller.
 class MaterialPattern : public Pattern {
 public:
-    explicit MaterialPattern(const Settings& settings);
+    MaterialPattern(const Settings& settings, Studio& studio);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
-    Image image_;
-    float zoom_;  // texels here for one of the material
+    const Image& image_;  // the studio's
+    float zoom_;          // texels here for one of the material
 };

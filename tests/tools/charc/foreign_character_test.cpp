@@ -3,7 +3,7 @@
 // are by the rules of its format: clip, key, place in the frame of the actor's position. dense.glb is the same with
 // more triangles than the game can take.
 #include "charc/compile.h"
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "formats/image.h"
 #include "game_character.h"
 #include "support/content_error.h"
@@ -81,14 +81,14 @@ TEST_F(ForeignCharacter, IsSkinnedByTheGameAsByItsOwnFormat) {
 
 TEST_F(ForeignCharacter, QuaternionsStayOnOneSideAndKeysStandAsListed) {
     for (const OutputFile& file : Fixture().Compile().files) {
-        if (!file.name.ends_with(".anm")) continue;
-        const CharacterAnimation animation = DecodeAnimation(file.content, file.name);
+        if (file.path.extension() != ".anm") continue;
+        const CharacterAnimation animation = DecodeAnimation(file.content, file.path.string());
         EXPECT_EQ(animation.length, 410U);
         for (const BoneTracks& bone : animation.bones)
             for (size_t k = 1; k < bone.rotations.size(); ++k) {
                 const auto& a = bone.rotations[k - 1].rotation;
                 const auto& b = bone.rotations[k].rotation;
-                EXPECT_GE(a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3], 0) << file.name;
+                EXPECT_GE(a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3], 0) << file.path;
                 EXPECT_EQ(bone.rotations[k].time, 10 + 100 * k);
             }
     }
@@ -102,6 +102,20 @@ TEST_F(ForeignCharacter, TooManyTrianglesAreSimplified) {
     EXPECT_GT(compiled.triangles, CHARACTER_MAX_TRIANGLES / 2);
     EXPECT_LE(compiled.points, CHARACTER_MAX_POINTS);
     EXPECT_EQ(compiled.notes[0].substr(0, 15), "simplified from");
+}
+
+// The first 850 and 899 triangles of the dense model have more than 500 points.
+TEST_F(ForeignCharacter, TooManyPointsOfFewTrianglesAreSimplified) {
+    for (const char* corners : {"2550", "2697"}) {
+        Fixture fixture;
+        fixture.Replace("'foreign.glb'", "'dense.glb'");
+        std::string model = Fixture::Text(SOURCE / "dense.glb");
+        model.replace(model.find("\"count\":4464") + 8, 4, corners);
+        WriteWholeFile(fixture.folder / "dense.glb", {model.begin(), model.end()});
+        const CompiledCharacter compiled = fixture.Compile();
+        EXPECT_LE(compiled.points, CHARACTER_MAX_POINTS);
+        EXPECT_GT(compiled.triangles, 700U);
+    }
 }
 
 TEST_F(ForeignCharacter, FaultsAreNamedAndNothingIsWritten) {

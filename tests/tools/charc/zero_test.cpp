@@ -1,6 +1,6 @@
 // The character that comes with the game.
 #include "charc/compile.h"
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "game_character.h"
 
 #include "world/world_tables.h"
@@ -21,7 +21,7 @@ protected:
         GameCharacter::SetUp();
         const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "zero";
         for (const OutputFile& file : Compiled().files)
-            WriteWholeFile(folder / file.name, file.content);
+            WriteWholeFile(folder / file.path, file.content);
         Load(folder);
     }
 

@@ -1,7 +1,7 @@
 // A sound level and data folder, and one broken rule at a time.
 #include "datacheck/folder.h"
 #include "datacheck/rules.h"
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "formats/image.h"
 #include "mapc/map_builder.h"
 #include "mapc/placement.h"

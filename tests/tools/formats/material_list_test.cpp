@@ -1,4 +1,4 @@
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "formats/material_list.h"
 #include "support/content_error.h"
 

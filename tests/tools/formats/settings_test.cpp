@@ -1,4 +1,5 @@
 #include "formats/colour_text.h"
+#include "formats/nesting.h"
 #include "formats/settings.h"
 #include "support/content_error.h"
 
@@ -31,4 +32,43 @@ TEST(Settings, RefusalsNameFileLineAndKey) {
     };
     for (const auto& row : rows)
         ExpectRefusal(row.expected, [&] { row.read(Settings::Parse(row.text, "a.toml")); });
+}
+
+TEST(Settings, NestingIsBoundedBeforeItIsParsed) {
+    const auto times = [](int count, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += text;
+        return all;
+    };
+    const std::string deep = times(65, "["), tooDeep = "is nested deeper than 64 levels", fine = "no error";
+    const std::pair<std::string, std::string> tomlRows[] = {
+        {times(64, "["), fine},
+        {"\na = " + deep, "a.toml:2: " + tooDeep},
+        {"x = {" + times(65, "a.'b c'.\"d\" . ") + "e = 1}", tooDeep},
+        {"x = [" + times(100, "1.5, ") + "]\n" + times(100, "[a.b]\n"), fine},
+        // What brackets and quotes mean depends on where they stand.
+        {"a = \"" + deep + R"(\")" + deep + "\" # " + deep + "\n'" + deep + "' = 1", fine},
+        {"a = '''\n'" + deep + "''''\nb = \"\"\"" + deep + R"(\"""")", fine},
+        {"a = \"\" # '\nb = " + deep, tooDeep},
+        {R"(a = '\')" + ("\nb = " + deep), tooDeep},
+        {R"(a = """a"""")" + ("\nb = " + deep), tooDeep},
+    };
+    for (const auto& [text, expected] : tomlRows)
+        ExpectRefusal(expected, [&] { CheckNesting(text, NestedText::Toml, "a.toml"); });
+    ExpectRefusal(fine, [&] { CheckNesting("{\"" + deep + R"(\")" + deep + "\": 1}", NestedText::Json, "a.glb"); });
+    ExpectRefusal(tooDeep, [&] { CheckNesting("{\"a'#\": " + deep, NestedText::Json, "a.glb"); });
+    ExpectRefusal(tooDeep, [&] { Settings::Parse(times(100000, "a.") + "b = 1", "a.toml"); });
+}
+
+TEST(Settings, MessagesQuoteALittleOfWhatTheyRefuse) {
+    const std::string start(79, 'x');
+    const std::string text = "k = '" + start + "\u00E4" + std::string(100000, 'y') + "'\n";
+    ExpectRefusal("'" + start + "...' is not known", [&] { Settings::Parse(text, "a.toml").Choice("k", "", {"red"}); });
+    ExpectRefusal("is too long a list", [] {
+        std::string list = "n = [0";
+        for (int i = 0; i < 4096; ++i)
+            list += ",0";
+        Settings::Parse(list + "]", "a.toml").Numbers("n");
+    });
 }

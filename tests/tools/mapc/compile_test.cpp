@@ -133,3 +133,21 @@ TEST(Compile, CountsBeyondTheLimitsAreAllNamed) {
         CheckCounts("big.map", {{"nodes", 40000, 32767}, {"leaves", 5, 16384}, {"points", 25001, 25000}});
     });
 }
+
+TEST(Compile, LimitsAreAskedBeforeTheWork) {
+    const auto roomWith = [](int brushes) {
+        MapBuilder map = OneRoom();
+        for (int i = 0; i < brushes; ++i)
+            map.Box({100, 100, 0}, {164, 164, 64});
+        return map;
+    };
+    ExpectRefusal("test.map:160003: more than 20000 brushes", [&] { Compile(roomWith(20000)); });
+    ExpectRefusal("this brush touches 800 others", [&] { Compile(roomWith(800)); });
+    ExpectRefusal("the level measures 78000 units", [] {
+        Compile(OneRoom().Box({700, 0, 0}, {764, 64, 64}).Key("scale", "100"));
+    });
+    std::string faces;
+    for (int i = 0; i < 129; ++i)
+        faces += "( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) wall 0 0 0 1 1\n";
+    ExpectRefusal("more than 128 faces on one brush", [&] { Compile(OneRoom().Brush(faces)); });
+}

@@ -1,5 +1,5 @@
 // Terrain: its shape, its order from every view, and what is refused.
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "map_builder.h"
 #include "mapc/terrain.h"
 #include "world_checks.h"

@@ -1,4 +1,4 @@
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "musicc/arrangement.h"
 #include "musicc/render.h"
 #include "support/content_error.h"
@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sndfile.h>
 
 namespace {
 
@@ -86,6 +87,28 @@ TEST(Musicc, ErrorsNameFileLineAndRemedy) {
     for (const auto& row : rows)
         ExpectRefusal(row.message, [&] { Load(row.text); });
     EXPECT_THROW(WriteSound(testing::TempDir() + "/piece.mp3", {0, 0}), ContentError);
+}
+
+// In memory until it is whole: neither a failure nor a kill leaves a cut track.
+TEST(Musicc, WritesEveryKindOfSoundFileInOneGo) {
+    std::vector<int16_t> samples;
+    for (int i = 0; i < 20000; ++i)
+        samples.push_back(static_cast<int16_t>(i * 7 % 9000));
+    for (const char* name : {"a.wav", "a.flac", "a.ogg"}) {
+        const std::string path = testing::TempDir() + "/sounds/" + name;
+        WriteSound(path, samples);
+        SF_INFO info{};
+        SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
+        ASSERT_TRUE(file) << name;
+        std::vector<int16_t> read(samples.size());
+        EXPECT_EQ(sf_readf_short(file, read.data(), 10000), 10000) << name;
+        EXPECT_EQ(info.frames, 10000);
+        EXPECT_TRUE(read == samples || std::string(name) == "a.ogg") << name;
+        sf_close(file);
+    }
+    std::filesystem::create_directory(testing::TempDir() + "/sounds/b.wav");
+    ExpectRefusal("b.wav: is no regular file", [&] { WriteSound(testing::TempDir() + "/sounds/b.wav", samples); });
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(testing::TempDir() + "/sounds"), {}), 4);
 }
 
 TEST(Musicc, NotesFollowTheChordsAndTheRamps) {

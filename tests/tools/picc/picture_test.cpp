@@ -1,4 +1,4 @@
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "picc/blend.h"
 #include "picc/picture.h"
 #include "support/content_error.h"

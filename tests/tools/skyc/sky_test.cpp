@@ -1,4 +1,4 @@
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "skyc/compile.h"
 #include "skyc/layers.h"
 #include "support/content_error.h"
@@ -22,8 +22,8 @@ StaticObjectFile Compile(const std::string& text) {
     return DecodeStaticObject(EncodeStaticObject(sky, "sky.toml"), "sky.sob");
 }
 
-// A triangle of three corners, each of five floats: place, then u and v.
-void WriteTriangle(const std::vector<float>& numbers) {
+// Copies of one triangle of three corners, each of five floats: place, then u and v.
+void WriteTriangle(const std::vector<float>& numbers, size_t copies = 1) {
     tinygltf::Model gltf;
     gltf.buffers.emplace_back().data.resize(numbers.size() * sizeof(float));
     std::memcpy(gltf.buffers[0].data.data(), numbers.data(), numbers.size() * sizeof(float));
@@ -43,6 +43,7 @@ void WriteTriangle(const std::vector<float>& numbers) {
     tinygltf::Primitive& primitive = gltf.meshes.emplace_back().primitives.emplace_back();
     primitive.attributes = {{"POSITION", 0}, {"TEXCOORD_0", 1}};
     primitive.material = 0;
+    gltf.meshes[0].primitives.resize(copies, tinygltf::Primitive(primitive));
     gltf.nodes.emplace_back().mesh = 0;
     gltf.nodes[0].translation = {0, 1, 0};
     gltf.scenes.emplace_back().nodes = {0};
@@ -102,6 +103,10 @@ TEST(Sky, ModelKeepsItsPlaceAndItsSide) {
     EXPECT_FLOAT_EQ(sky.polygons[0].plane.normal[2], 1);
     WriteTriangle({1, 0, -10, 1, 1, -1, 0, -10, 0, 1, 0, 2, -10, 0.5f, 0});
     ExpectRefusal("turned away from the eye", [&] { Compile(layer); });
+    WriteTriangle({-1, 0, -10, 0, 1, 1, 0, -10, 1, 1, 0, 2, -10, 0.5f, 0}, 1001);
+    ExpectRefusal("sky.toml:1: the sky has 1001 polygons up to this layer", [&] { Compile(layer); });
+    WriteTriangle({-1, 0, -10, 0, 1, 1, 0, -10, 1e30f, 1, 0, 2, -10, 0.5f, 0});
+    ExpectRefusal("a texture coordinate of more than 1000 repeats", [&] { Compile(layer); });
 }
 
 TEST(Sky, BadDescriptionsAreRefusedWithTheirPlace) {
@@ -119,7 +124,8 @@ TEST(Sky, BadDescriptionsAreRefusedWithTheirPlace) {
         {band + "material = 'blue'\nradios = 3\n", "sky.toml:5: 'radios' is not known here"},
         {"[[layer]]\nkind = 'disc'\nmaterial = 'star'\nradius = 7000\n", "'radius' is not a fitting number"},
         {"[[layer]]\nkind = 'disc'\nmaterial = 'star'\nradius = 6000\n", "has a corner 60"},
-        {"[[layer]]\nkind = 'stars'\nmaterial = 'star'\ncount = 990\n" + DOME, "has 1014 polygons, 1000 at most"},
+        {"[[layer]]\nkind = 'stars'\nmaterial = 'star'\ncount = 990\n" + DOME,
+         "the sky has 1014 polygons up to this layer"},
         {"[[layer]]\nkind = 'sheet'\nmaterial = 'blue'\n", "'flat' is missing"},
         {"[[layer]]\nkind = 'model'\nfile = 'none.glb'\n", "none.glb"},
     };

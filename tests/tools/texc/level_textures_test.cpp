@@ -1,4 +1,4 @@
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "support/content_error.h"
 #include "texc/level_textures.h"
 #include "texc/page_packing.h"

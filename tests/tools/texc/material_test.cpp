@@ -1,4 +1,4 @@
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "support/content_error.h"
 #include "texc/material.h"
 
@@ -93,6 +93,18 @@ TEST(PaintMaterial, ABaseIsPaintedFirstAndCountsAsASource) {
     EXPECT_EQ(material.sources[0].filename(), "base.toml");
 }
 
+// Painted again for every layer, they would be 10,000 pictures.
+TEST(PaintMaterial, EachRecipeIsPaintedOnceHoweverOftenItIsShown) {
+    std::filesystem::path last = Recipe("shown4", "size = [8, 8]\n[[layer]]\npattern = 'fill'\ncolour = '#123456'\n");
+    for (int level = 3; level >= 0; --level) {
+        std::string text = "size = [8, 8]\n";
+        for (int i = 0; i < 10; ++i)
+            text += fmt::format("[[layer]]\npattern = 'material'\nmaterial = '{}'\n", last.stem().string());
+        last = Recipe(fmt::format("shown{}", level), text);
+    }
+    EXPECT_EQ(PaintMaterial(last).sources.size(), 5U);
+}
+
 TEST(PaintMaterial, RecipeFaultsNameTheLineAndTheRemedy) {
     const struct {
         const char* text;
@@ -109,7 +121,10 @@ TEST(PaintMaterial, RecipeFaultsNameTheLineAndTheRemedy) {
         {"[[layer]]\npattern = 'noise'\ncells = [0, 4]\ncolour = '#000000'\n", "'cells'"},
         {"[[layer]]\npattern = 'polygon'\npoints = [[1, 2], [3]]\ncolour = '#000000'\n", "'points'"},
         {"[[layer]]\npattern = 'picture'\nfile = 'no_such.png'\n", "no_such.png"},
+        {"[[layer]]\npattern = 'picture'\nfile = '/dev/zero'\n", "/dev/zero: is no regular file"},
         {"base = 'test'\n", "circle"},
+        {"[[layer]]\npattern = 'fill'\ncolour = '#000000'\n[[layer.mask]]\npattern = 'material'\nmaterial = 'test'\n",
+         "circle"},
     };
     for (const auto& row : rows)
         ExpectRefusal(row.expected, [&] { Paint(row.text); });
