@@ -2,13 +2,9 @@
 
 #include "core/testing.h"
 #include "memory/pool.h"
-
-#include <sys/mman.h>
-#include <unistd.h>
+#include "support/memory_file.h"
 
 #include <cstdlib>
-#include <deque>
-#include <string>
 #include <vector>
 
 uint32_t PoolLargestFree;
@@ -21,28 +17,6 @@ struct Block {
 };
 std::vector<Block> blocks;
 uint32_t taken;
-
-struct MemoryFile {
-    int descriptor;
-    std::string path;
-};
-std::deque<MemoryFile> files;  // made once, used again for every input
-size_t filesInUse;
-
-void MakeFile() {
-    if (files.empty()) UseTestMachine();
-    const int descriptor = memfd_create("input", 0);
-    if (descriptor < 0) std::abort();
-    files.push_back({descriptor, "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor)});
-}
-
-const char* NextFile(const uint8_t* data, size_t size) {
-    if (filesInUse == files.size()) MakeFile();
-    const MemoryFile& file = files[filesInUse++];
-    if (ftruncate(file.descriptor, 0) != 0) std::abort();
-    if (pwrite(file.descriptor, data, size, 0) != static_cast<ssize_t>(size)) std::abort();
-    return file.path.c_str();
-}
 
 }  // namespace
 
@@ -88,11 +62,13 @@ void PoolForget() {
 }
 
 const char* BeginGameFile(const uint8_t* data, size_t size) {
+    static const bool machine = (UseTestMachine(), true);
+    static_cast<void>(machine);
     PoolForget();
-    filesInUse = 0;
-    return NextFile(data, size);
+    BeginMemoryFiles();
+    return AddMemoryFile(data, size);
 }
 
 const char* AddGameFile(const std::vector<uint8_t>& bytes) {
-    return NextFile(bytes.data(), bytes.size());
+    return AddMemoryFile(bytes.data(), bytes.size());
 }

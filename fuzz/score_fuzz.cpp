@@ -1,0 +1,13 @@
+// A score, up to the notes that are played.
+#include "formats/error.h"
+#include "musicc/arrangement.h"
+#include "support/memory_file.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    BeginMemoryFiles();
+    try {
+        Arrange(LoadScore(AddMemoryFile(data, size)));
+    } catch (const ContentError&) {
+    }
+    return 0;
+}
