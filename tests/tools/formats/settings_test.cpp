@@ -54,8 +54,8 @@ TEST(Settings, NestingIsBoundedBeforeItIsParsed) {
         {R"(a = '\')" + ("\nb = " + deep), tooDeep},
         {R"(a = """a"""")" + ("\nb = " + deep), tooDeep},
     };
-    for (const auto& [text, expected] : tomlRows)
-        ExpectRefusal(expected, [&] { CheckNesting(text, NestedText::Toml, "a.toml"); });
+    for (const auto& row : tomlRows)
+        ExpectRefusal(row.second, [&] { CheckNesting(row.first, NestedText::Toml, "a.toml"); });
     ExpectRefusal(fine, [&] { CheckNesting("{\"" + deep + R"(\")" + deep + "\": 1}", NestedText::Json, "a.glb"); });
     ExpectRefusal(tooDeep, [&] { CheckNesting("{\"a'#\": " + deep, NestedText::Json, "a.glb"); });
     ExpectRefusal(tooDeep, [&] { Settings::Parse(times(100000, "a.") + "b = 1", "a.toml"); });
