@@ -1,5 +1,5 @@
 // The character polygons of one leaf, from the farthest to the nearest: a doubly linked list between two markers.
-// Polygons of equal depth keep the order of insertion.
+// Polygons of equal depth keep the order of insertion. The nodes are linked when all are there, at the cost of a sort.
 #pragma once
 
 #include <cstdint>
@@ -19,3 +19,4 @@ extern DepthNode DepthList[DEPTH_LIST_SIZE];  // node 0 is the head marker, node
 
 void InitDepthList();
 void InsertByDepth(float depth, int16_t polygon);  // depth is kept between the markers; NaN counts as the nearest
+void LinkDepthList();                              // after the last insertion, before the list is read

@@ -160,18 +160,36 @@ TEST_F(Bins, WhatDoesNotFitIsDroppedAndCounted) {
     EXPECT_GT(binned, 0);
 }
 
-TEST(DepthListTest, RunsFromFarToNearAndKeepsTheOrderOfEquals) {
-    ClearVisibleList();
-    InitDepthList();
-    for (const auto& [depth, polygon] : {std::pair{5.0f, 1}, {7.0f, 2}, {5.0f, 3}, {NAN, 4}, {1e9f, 5}})
-        InsertByDepth(depth, static_cast<int16_t>(polygon));
+std::vector<int> DepthOrder() {
     std::vector<int> order;
     for (int32_t k = DepthList[0].next; DepthList[k].depth != DEPTH_LIST_TAIL; k = DepthList[k].next)
         order.push_back(DepthList[k].polygon);
-    EXPECT_EQ(order, (std::vector<int>{5, 2, 1, 3, 4}));
+    return order;
+}
+
+TEST(DepthListTest, RunsFromFarToNearAndKeepsTheOrderOfEquals) {
+    ClearVisibleList();
+    InitDepthList();
+    for (const auto& [depth, polygon] : {std::pair{5.0f, 1},
+                                         {-0.0f, 2},
+                                         {5.0f, 3},
+                                         {NAN, 4},
+                                         {1e9f, 5},
+                                         {0.0f, 6},
+                                         {-3.0f, 7},
+                                         {-700.0f, 8},
+                                         {1e-40f, 9}})
+        InsertByDepth(depth, static_cast<int16_t>(polygon));
+    LinkDepthList();
+    EXPECT_EQ(DepthOrder(), (std::vector<int>{5, 1, 3, 9, 2, 6, 7, 8, 4}));
     for (int i = 0; i < 3000; ++i)
         InsertByDepth(1.0f, 9);
-    EXPECT_EQ(DroppedPolygons, 5u + 3000u - (DEPTH_LIST_SIZE - 2)) << "more than there is room for";
+    EXPECT_EQ(DroppedPolygons, 9u + 3000u - (DEPTH_LIST_SIZE - 2)) << "more than there is room for";
+    LinkDepthList();
+    EXPECT_EQ(DepthOrder().size(), size_t{DEPTH_LIST_SIZE - 2});
+    InitDepthList();
+    LinkDepthList();
+    EXPECT_TRUE(DepthOrder().empty());
 }
 
 TEST_F(Bins, LightsInRangeAreTurnedIntoTheCharactersFrame) {

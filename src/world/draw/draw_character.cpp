@@ -45,6 +45,7 @@ void DrawCharacterInLeaf(int32_t leaf) {
         const uint16_t polygon = bin.polygons[i];
         InsertByDepth(MeanDepth(WorldGeometry.polygons[polygon]), static_cast<int16_t>(polygon));
     }
+    LinkDepthList();
     for (int32_t k = DepthList[0].next; DepthList[k].depth != DEPTH_LIST_TAIL; k = DepthList[k].next) {
         DrawMeshByOutcodes(DepthList[k].polygon);
     }
