@@ -47,12 +47,6 @@ Vec3 ToFloat(int32_t x, int32_t y, int32_t z) {
     return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
 }
 
-// Written so that a NaN counts as in front.
-int32_t SideOfPlane(uint16_t plane, const Vec3& point) {
-    const PlaneRecord& p = WorldGeometry.planes[plane];
-    return p.nx * point.x + p.ny * point.y + p.nz * point.z + p.d < 0.0f ? -1 : 1;
-}
-
 Vec3 CornerPosition(const PolyRecord& polygon, uint32_t corner) {
     return WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position;
 }
@@ -110,16 +104,8 @@ void RotateIntVectorT(int32_t x, int32_t y, int32_t z, const Matrix3& m) {
     RotatedIntVector = Truncate(MultiplyTransposed(m, v.x, v.y, v.z));
 }
 
-int32_t NodeSideOfCamera(int32_t node) {
-    return SideOfPlane(WorldGeometry.nodes[node].plane, CameraPos);
-}
-
 int32_t NodeSideOfPoint(int32_t node) {
     return SideOfPlane(WorldGeometry.nodes[node].plane, ToFloat(SideTestPoint.x, SideTestPoint.y, SideTestPoint.z));
-}
-
-int32_t PolySideOfCamera(int32_t poly) {
-    return SideOfPlane(WorldGeometry.polygons[poly].plane, CameraPos);
 }
 
 int32_t PolySideOfPoint(int32_t poly, int32_t x, int32_t y, int32_t z) {

@@ -1,8 +1,10 @@
 // Rotations, transforms, plane-side tests and the passes over WorldGeometry that need only vectors.
 #pragma once
 
+#include "camera/camera_tables.h"
 #include "records/matrices.h"
 #include "records/vec3.h"
+#include "world/world_tables.h"
 
 #include <cstdint>
 
@@ -23,10 +25,18 @@ void RotateVectorT(float x, float y, float z, const Matrix3& m);  // by the tran
 void RotateIntVector(int32_t x, int32_t y, int32_t z, const Matrix3& m);
 void RotateIntVectorT(int32_t x, int32_t y, int32_t z, const Matrix3& m);
 
-// +1: signed distance >= 0, otherwise -1.
-int32_t NodeSideOfCamera(int32_t node);
+// +1: signed distance >= 0 or not a number, otherwise -1.
+inline int32_t SideOfPlane(uint16_t plane, const Vec3& point) {
+    const PlaneRecord& p = WorldGeometry.planes[plane];
+    return p.nx * point.x + p.ny * point.y + p.nz * point.z + p.d < 0.0f ? -1 : 1;
+}
+inline int32_t NodeSideOfCamera(int32_t node) {
+    return SideOfPlane(WorldGeometry.nodes[node].plane, CameraPos);
+}
+inline int32_t PolySideOfCamera(int32_t poly) {
+    return SideOfPlane(WorldGeometry.polygons[poly].plane, CameraPos);
+}
 int32_t NodeSideOfPoint(int32_t node);  // of SideTestPoint
-int32_t PolySideOfCamera(int32_t poly);
 int32_t PolySideOfPoint(int32_t poly, int32_t x, int32_t y, int32_t z);
 
 void ComputePolyPlane(int32_t poly);  // from the first three corners; a degenerate triangle stores zeros
