@@ -17,7 +17,7 @@
 #include "rounds.h"
 #include "world/bsp.h"
 #include "world/collision.h"
-#include "world/draw/render_world.h"
+#include "world/draw/draw_view.h"
 #include "world/world_tables.h"
 
 #include <algorithm>
@@ -63,9 +63,7 @@ void DrawFrame(bool withCharacter) {
     if (FrameCount == 0x8000) FillStamps(0);
     ClearFrame();
     if (withCharacter) DrawActorAt(0);
-    BeginBackToFront();
-    RenderWorld();
-    EndBackToFront();
+    DrawView();
 }
 
 // Where a sphere as large as a move's query touches most.

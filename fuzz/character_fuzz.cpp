@@ -14,7 +14,7 @@
 #include "support/tiny_world.h"
 #include "support/view.h"
 #include "world/bsp.h"
-#include "world/draw/render_world.h"
+#include "world/draw/draw_view.h"
 
 #include <cstdio>
 #include <optional>
@@ -82,9 +82,7 @@ void Draw(Actor& actor, uint32_t time) {
     PoseActor(actor);
     DrawActor(actor);
     LookFrom({0, 0, -300}, 0, 0);
-    BeginBackToFront();
-    RenderWorld();
-    EndBackToFront();
+    DrawView();
 }
 
 void LoadAndDraw(const CharacterFiles& files) {

@@ -3,14 +3,13 @@
 #include "math/vectors.h"
 #include "platform/timer.h"
 #include "records/character_records.h"
-#include "render/raster.h"
 #include "render/render_tables.h"
 #include "support/game_file.h"
 #include "support/software_frame.h"
 #include "support/view.h"
 #include "world/bsp.h"
 #include "world/collision.h"
-#include "world/draw/render_world.h"
+#include "world/draw/draw_view.h"
 #include "world/world_tables.h"
 
 namespace {
@@ -18,9 +17,7 @@ namespace {
 void LookFrom(const Vec3& eye, float yaw) {
     LookFrom(eye, 15.0f, yaw);
     ++FrameCount;
-    BeginBackToFront();
-    RenderWorld();
-    EndBackToFront();
+    DrawView();
     CameraRayDistance(eye, {eye.x + 100.0f, eye.y + 60.0f, eye.z - 200.0f});
 }
 

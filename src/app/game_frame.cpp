@@ -13,12 +13,10 @@
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
-#include "render/raster.h"
 #include "render/screen.h"
 #include "render/submit.h"
 #include "world/bsp.h"
-#include "world/draw/draw_sky.h"
-#include "world/draw/render_world.h"
+#include "world/draw/draw_view.h"
 #include "world/world_tables.h"
 
 #include <algorithm>
@@ -96,12 +94,9 @@ bool GameFrame() {
     ClearFrame();
     UpdatePlayer();
     TextureCycle();
-    if (!GlideActive()) BeginBackToFront();
-    if (SkyFlag != 0) DrawSky();
     UpdateShots();
     UpdateLights();
-    RenderWorld();
-    if (!GlideActive()) EndBackToFront();
+    DrawView();
     if (locked) UnlockSurface();
     SwapScreen();
     const bool hostEnds = HostEndOfFrame(DescribeFrame(ListLightsAndShots()));

@@ -3,6 +3,7 @@
 #include "math/convert.h"
 #include "platform/timer.h"
 #include "render/device/device.h"
+#include "render/raster.h"
 #include "render/render_tables.h"
 #include "render/submit.h"
 #include "world/light_map.h"
@@ -115,12 +116,19 @@ void ProjectCorners(const PolyRecord& polygon, uint32_t firstFresh) {
     }
 }
 
+// What nobody sees needs no light, but has been handed over like any other.
+void CountHidden() {
+    SubmittedPolygons++;
+}
+
 }  // namespace
 
 void DrawPolygon(int32_t polygon) {
-    ProjectCorners(WorldGeometry.polygons[polygon], UINT32_MAX);
+    const PolyRecord& record = WorldGeometry.polygons[polygon];
+    ProjectCorners(record, UINT32_MAX);
+    if (IsHidden(record)) return CountHidden();
     ShadePolygon(polygon);
-    SubmitPolygon(&WorldGeometry.polygons[polygon], 0);
+    SubmitPolygon(&record, 0);
 }
 
 void DrawPolygonClipped(int32_t polygon, uint8_t edgeMask) {

@@ -1,6 +1,7 @@
 #include "render/raster.h"
 
 #include "math/convert.h"
+#include "render/device/device.h"
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
 #include "render/textures.h"
@@ -57,18 +58,6 @@ void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*
     }
 }
 
-// The rows that the points cover, as far as they lie inside the frame.
-void FindRows(const EdgePoint* points, int count) {
-    int32_t first = EDGE_TABLE_ROWS;
-    int32_t end = -EDGE_TABLE_ROWS;
-    for (int i = 0; i < count; i++) {
-        first = std::min(first, points[i].row);
-        end = std::max(end, points[i].row);
-    }
-    FirstRow = std::max(first, 0);
-    EndRow = std::min({end, ScreenHeight, EDGE_TABLE_ROWS});
-}
-
 void WalkEdges(const EdgePoint* points, int count) {
     for (int i = 0; i < count; i++) {
         const EdgePoint& from = points[i];
@@ -94,65 +83,59 @@ void FillRows(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZ
     FillRowsPortable(rows, texture, texelZero, cover);
 }
 
-// Polygons that wait to be drawn front to back.
-struct KeptPolygon {
-    SpanTexture texture;
-    TexelZero texelZero;
-    int firstPoint, pointCount;
-};
-constexpr int MOST_KEPT = 4096;
-constexpr int MOST_KEPT_POINTS = 6 * MOST_KEPT;
-KeptPolygon kept[MOST_KEPT];
-EdgePoint keptPoints[MOST_KEPT_POINTS];
-int keptCount, keptPointCount;
-bool isKeeping;
+bool isNearestFirst;
 CoverRow cover[COVER_ROWS];
+
+// What a polygon's points span, in 16.16 pixels.
+struct Bounds {
+    int32_t left, right, top, bottom;
+};
+
+Bounds BoundsOf(const PolyRecord& polygon) {
+    const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
+    Bounds bounds = {INT32_MAX, INT32_MIN, INT32_MAX, INT32_MIN};
+    for (int i = 0; i < polygon.cornerCount; i++) {
+        const auto point = WorldGeometry.viewPoints[corners[i].point].screen.fixed;
+        bounds.left = std::min(bounds.left, point.x);
+        bounds.right = std::max(bounds.right, point.x);
+        bounds.top = std::min(bounds.top, point.y);
+        bounds.bottom = std::max(bounds.bottom, point.y);
+    }
+    return bounds;
+}
 
 struct Columns {
     int32_t begin, end;
 };
 
-// No span of the polygon reaches beyond these columns of the frame. Steps round, and wrap far outside.
-Columns ColumnsOf(const EdgePoint* points, int count) {
+// No span reaches beyond these columns of the frame. Steps round, and wrap far outside.
+Columns ColumnsOf(const Bounds& bounds) {
     constexpr int32_t FAR_AWAY = 4096 * 65536;
     constexpr int32_t MARGIN = 2;
-    Columns columns = {ScreenWidth, 0};
-    for (int i = 0; i < count; i++) {
-        const EdgePoint& point = points[i];
-        if (point.x < -FAR_AWAY || point.x > FAR_AWAY || point.y < -FAR_AWAY || point.y > FAR_AWAY)
-            return {0, ScreenWidth};
-        columns.begin = std::min(columns.begin, (point.x >> 16) - MARGIN);
-        columns.end = std::max(columns.end, (point.x >> 16) + 1 + MARGIN);
+    if (std::min(bounds.left, bounds.top) < -FAR_AWAY || std::max(bounds.right, bounds.bottom) > FAR_AWAY)
+        return {0, ScreenWidth};
+    return {std::max((bounds.left >> 16) - MARGIN, 0), std::min((bounds.right >> 16) + 1 + MARGIN, ScreenWidth)};
+}
+
+void SkipCoveredRows(const Columns& columns) {
+    if (columns.begin >= columns.end) {
+        EndRow = FirstRow;
+        return;
     }
-    return {std::max(columns.begin, 0), std::min(columns.end, ScreenWidth)};
-}
-
-void DrawKeptPolygon(const KeptPolygon& polygon) {
-    const EdgePoint* points = keptPoints + polygon.firstPoint;
-    FindRows(points, polygon.pointCount);
-    const Columns columns = ColumnsOf(points, polygon.pointCount);
-    while (FirstRow < EndRow && cover[FirstRow].Holds(columns.begin, columns.end))
+    const CoverColumns words(columns.begin, columns.end);
+    while (FirstRow < EndRow && cover[FirstRow].Holds(words))
         FirstRow++;
-    while (FirstRow < EndRow && cover[EndRow - 1].Holds(columns.begin, columns.end))
+    while (FirstRow < EndRow && cover[EndRow - 1].Holds(words))
         EndRow--;
-    if (FirstRow >= EndRow) return;
-    WalkEdges(points, polygon.pointCount);
-    FillRows({EdgeTable, FirstRow, EndRow}, polygon.texture, polygon.texelZero, cover);
 }
 
-void DrawKept() {
-    std::memset(cover, 0, sizeof(CoverRow) * static_cast<size_t>(ScreenHeight));
-    while (keptCount > 0)
-        DrawKeptPolygon(kept[--keptCount]);
-    keptPointCount = 0;
-}
-
-// What has been kept so far lies behind all that is still to come, so it may be drawn whenever there is no more room.
-void Keep(const PolyRecord& polygon, const SpanTexture& texture, TexelZero texelZero) {
-    if (keptCount == MOST_KEPT || keptPointCount + polygon.cornerCount > MOST_KEPT_POINTS) DrawKept();
-    const int count = MakeEdgePoints(polygon, keptPoints + keptPointCount);
-    kept[keptCount++] = {texture, texelZero, keptPointCount, count};
-    keptPointCount += count;
+// The rows that the polygon covers, as far as they lie inside the frame and the cover does not hold them. False: none.
+bool FindRows(const PolyRecord& polygon) {
+    const Bounds bounds = BoundsOf(polygon);
+    FirstRow = std::max(CeilFixed(bounds.top), 0);
+    EndRow = std::min({CeilFixed(bounds.bottom), ScreenHeight, EDGE_TABLE_ROWS});
+    if (isNearestFirst) SkipCoveredRows(ColumnsOf(bounds));
+    return FirstRow < EndRow;
 }
 
 void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
@@ -160,8 +143,8 @@ void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
     if (record == nullptr || FrameBuffer == nullptr) return;
     const uint32_t mask = (record->height - 1u) * TEXTURE_PAGE_PITCH + (record->width - 1u);
     const SpanTexture texture = {TextureImage + record->texelOffset, mask};
-    if (isKeeping) return Keep(*polygon, texture, texelZero);
-    if (BuildEdgeTable(polygon)) FillRows({EdgeTable, FirstRow, EndRow}, texture, texelZero, nullptr);
+    if (!BuildEdgeTable(polygon)) return;
+    FillRows({EdgeTable, FirstRow, EndRow}, texture, texelZero, isNearestFirst ? cover : nullptr);
 }
 
 }  // namespace
@@ -182,11 +165,9 @@ void BuildReciprocalTable() {
 }
 
 bool BuildEdgeTable(const PolyRecord* polygon) {
+    if (!FindRows(*polygon)) return false;
     EdgePoint points[MAX_CORNERS];
-    const int count = MakeEdgePoints(*polygon, points);
-    FindRows(points, count);
-    if (FirstRow >= EndRow) return false;
-    WalkEdges(points, count);
+    WalkEdges(points, MakeEdgePoints(*polygon, points));
     return true;
 }
 
@@ -198,11 +179,23 @@ void RasterPolygonTransparent(const PolyRecord* polygon) {
     RasterTextured(polygon, TexelZero::Skipped);
 }
 
-void BeginBackToFront() {
-    isKeeping = ScreenWidth <= COVER_COLUMNS && ScreenHeight <= COVER_ROWS;
+bool BeginNearestFirst() {
+    isNearestFirst = !GlideActive() && ScreenWidth <= COVER_COLUMNS && ScreenHeight <= COVER_ROWS;
+    if (isNearestFirst) std::memset(cover, 0, sizeof(CoverRow) * static_cast<size_t>(ScreenHeight));
+    return isNearestFirst;
 }
 
-void EndBackToFront() {
-    if (isKeeping) DrawKept();
-    isKeeping = false;
+void EndNearestFirst() {
+#ifdef __x86_64__
+    if (isNearestFirst && UseAvx2Spans) FinishRowsAvx2();
+#endif
+    isNearestFirst = false;
+}
+
+bool NearestFirst() {
+    return isNearestFirst;
+}
+
+bool IsHidden(const PolyRecord& polygon) {
+    return isNearestFirst && !FindRows(polygon);
 }

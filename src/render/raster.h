@@ -12,8 +12,14 @@ bool BuildEdgeTable(const PolyRecord* polygon);  // false: no row of the frame i
 void RasterPolygon(const PolyRecord* polygon);
 void RasterPolygonTransparent(const PolyRecord* polygon);  // texel 0 leaves the frame as it is
 
-// Polygons that come back to front between these two calls are kept, and drawn by the second front to back, each only
-// where none before it has been: the same picture without the work that nobody sees. A polygon's corners are read when
-// it comes; frame, textures and shades must stay as they are.
-void BeginBackToFront();
-void EndBackToFront();
+// The software renderer draws a frame from the nearest polygon to the farthest, each only where none before it has
+// been: the same picture as the other way round, without the work that nobody sees. Who draws polygons between these
+// two calls hands them over in that order; frame and shades must stay as they are, and the frame is complete after the
+// second call. False, and nothing is different from before: the accelerator draws, or the frame is too large.
+bool BeginNearestFirst();
+void EndNearestFirst();
+bool NearestFirst();  // whether the frame is drawn so
+
+// Whether all of a projected polygon lies behind what has been drawn, or outside the frame. Always false where the
+// frame is not drawn from the nearest polygon on.
+bool IsHidden(const PolyRecord& polygon);

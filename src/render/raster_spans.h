@@ -47,10 +47,13 @@ inline int32_t CeilFixed(int32_t fixed) {
     return static_cast<int32_t>((int64_t{fixed} + 0xFFFF) >> 16);
 }
 
-// With `cover`, by row of the frame, only pixels that it does not hold are drawn, and it takes them in.
+// With `cover`, by row of the frame, only pixels that it does not hold are drawn, and it takes them in. Those of
+// FillRowsAvx2 are taken in at once and may be drawn as late as FinishRowsAvx2: until then frame, texels and shades
+// must stay as they are. Without a cover the pixels are drawn when it returns.
 void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover = nullptr);
 void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero,
                   CoverRow* cover = nullptr);  // needs HasAvx2()
+void FinishRowsAvx2();                         // needs HasAvx2()
 
 bool HasAvx2();            // of this processor
 extern bool UseAvx2Spans;  // HasAvx2() unless a test or benchmark changes it

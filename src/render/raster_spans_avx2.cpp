@@ -1,13 +1,17 @@
-// The texel and light positions of sixteen pixels are worked out at once, in 16-bit lanes: their wrap-around loses
-// nothing, because a pixel reads only the low 16 bits. The texels and colours themselves are scalar loads, which beat
-// gathers. Both passes run over a batch of blocks, so that the long latency of the first (divisions, conversions) hides
-// behind that of its neighbours and the second is bound by its loads alone.
+// Spans are set up eight at a time, one to a lane: the divisions and conversions that rule short spans cost little more
+// for eight than for one. The texel and light positions of sixteen pixels are then worked out at once, in 16-bit lanes:
+// their wrap-around loses nothing, because a pixel reads only the low 16 bits. The texels and colours themselves are
+// scalar loads, which beat gathers, and are read a batch at a time, long after their positions have been stored.
+//
+// With a cover, opaque spans of all polygons wait together for their lanes to fill up: no pixel is drawn twice, so it
+// makes no difference when. What a word stores beside its own pixels is what lay there.
 #ifdef __x86_64__
 
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <immintrin.h>
 
@@ -15,302 +19,400 @@
 
 namespace {
 
-constexpr int32_t WORD_PIXELS = 8;  // shaded and stored together
+constexpr int32_t LANES = 8;
+constexpr int32_t WORD_PIXELS = 8;    // stored together
+constexpr int32_t MOST_PIXELS = 640;  // longer spans are left to the portable routine
+constexpr int32_t MOST_BLOCKS = MOST_PIXELS / SPAN_BLOCK + 1;
 
-struct alignas(16) Word {
+// Of each lane the u, v and light of a block's first pixel and their steps: the low 16 bits, twice.
+struct alignas(32) LaneBlocks {
+    uint32_t value[3][LANES], step[3][LANES];
+};
+
+// Up to sixteen pixels of a span that waits for its lanes.
+struct Block {
+    const uint32_t* lane;  // its first value
+    uint8_t* pixels;
+    const uint8_t* texels;
+    uint32_t mask;   // of the texture, twice
+    uint32_t drawn;  // a bit for each pixel that is
+};
+
+// Eight pixels whose positions are known and whose texels are not read yet.
+struct alignas(32) Word {
+    uint32_t shades[WORD_PIXELS];   // light level x 256
     uint16_t offsets[WORD_PIXELS];  // of the texels
-    uint16_t shades[WORD_PIXELS];   // light level x 256
     uint8_t* pixels;
-    uint8_t count;    // of an incomplete word
-    uint8_t retreat;  // it is stored this much further left, to end inside the frame
-    uint8_t covered;  // its pixels that are left as they are, one bit each
+    const uint8_t* texels;
+    uint64_t drawn;  // 0xFF for each pixel that is
 };
 
-constexpr int32_t BATCH_PIXELS = 640;  // longer spans are left to the portable routine
-constexpr int32_t BATCH_WORDS = BATCH_PIXELS / WORD_PIXELS;
-constexpr int32_t BATCH_PARTS = 120;
-constexpr int32_t SPAN_MOST_PARTS = BATCH_WORDS + 1;
+constexpr int32_t MOST_WORDS = 128;
 
-// Complete and incomplete words lie apart, so that drawing them takes no branch that depends on a span's length. A
-// block writes two complete words and keeps as many as it has.
-struct Batch {
-    Word words[BATCH_WORDS + 2];
-    Word parts[BATCH_PARTS];
-    int32_t wordCount, partCount;
+struct Queue {
+    // Spans, one to a lane.
+    float left[LANES][4], right[LANES][4];  // u, v, light and 1, each divided by depth
+    int32_t leftX[LANES], rightX[LANES];
+    int32_t laneCount;
+    LaneBlocks laneBlocks[MOST_BLOCKS];  // the incomplete one of a lane stands behind its complete ones
+
+    // Those of their blocks of which any pixel is drawn. The last of each array may be written and not counted.
+    Block blocks[LANES * MOST_BLOCKS + 1];
+    int32_t blockCount;
+    Word words[MOST_WORDS + 1];
+    int32_t wordCount;
 };
 
-// Where a span lies in the frame.
-struct Place {
-    uint8_t* pixels;
-    int32_t x;
-    const CoverRow* cover;  // null: nothing is covered
+// Of opaque spans and of those with holes, since the two are drawn by different routines.
+template <TexelZero ZERO>
+Queue queue;
+
+// One quantity each, by lane.
+struct OverDepth {
+    __m256 u, v, light, inverseDepth;
+};
+struct Values {
+    __m256i u, v, light;
 };
 
-// u, v and light of a pixel in the low three lanes, 8.8 fixed point.
-typedef __m128i Values;
-
-AVX2_CODE inline __m128 LastLane(__m128 vector) {
-    return _mm_permute_ps(vector, 0xFF);
+AVX2_CODE inline __m256 TwoLanes(const float* low, const float* high) {
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(low)), _mm_loadu_ps(high), 1);
 }
 
-AVX2_CODE inline Values DividedByDepth(__m128 overDepth) {
-    const __m128 depths = _mm_div_ps(_mm_set1_ps(1.0f), overDepth);
-    return _mm_cvtps_epi32(_mm_mul_ps(overDepth, LastLane(depths)));
+AVX2_CODE inline OverDepth LoadLanes(const float (&lanes)[LANES][4]) {
+    const __m256 a = TwoLanes(lanes[0], lanes[4]);
+    const __m256 b = TwoLanes(lanes[1], lanes[5]);
+    const __m256 c = TwoLanes(lanes[2], lanes[6]);
+    const __m256 d = TwoLanes(lanes[3], lanes[7]);
+    const __m256 uvOfAc = _mm256_unpacklo_ps(a, c), restOfAc = _mm256_unpackhi_ps(a, c);
+    const __m256 uvOfBd = _mm256_unpacklo_ps(b, d), restOfBd = _mm256_unpackhi_ps(b, d);
+    return {_mm256_unpacklo_ps(uvOfAc, uvOfBd), _mm256_unpackhi_ps(uvOfAc, uvOfBd),
+            _mm256_unpacklo_ps(restOfAc, restOfBd), _mm256_unpackhi_ps(restOfAc, restOfBd)};
+}
+
+// One by one: a load of all would wait until they have been stored.
+AVX2_CODE inline __m256i LoadColumns(const int32_t (&x)[LANES]) {
+    return _mm256_setr_epi32(x[0], x[1], x[2], x[3], x[4], x[5], x[6], x[7]);
+}
+
+AVX2_CODE inline __m256i CeilColumns(__m256i fixed) {
+    return _mm256_srai_epi32(_mm256_add_epi32(fixed, _mm256_set1_epi32(0xFFFF)), 16);
+}
+
+// ReciprocalTable holds the same.
+AVX2_CODE inline __m256 Reciprocal(__m256i number) {
+    return _mm256_div_ps(_mm256_set1_ps(1.0f), _mm256_cvtepi32_ps(number));
+}
+
+AVX2_CODE inline Values DividedByDepth(const OverDepth& position) {
+    const __m256 depth = _mm256_div_ps(_mm256_set1_ps(1.0f), position.inverseDepth);
+    return {_mm256_cvtps_epi32(_mm256_mul_ps(position.u, depth)), _mm256_cvtps_epi32(_mm256_mul_ps(position.v, depth)),
+            _mm256_cvtps_epi32(_mm256_mul_ps(position.light, depth))};
+}
+
+AVX2_CODE inline __m256i BlockStep(__m256i from, __m256i to) {
+    return _mm256_srai_epi32(_mm256_sub_epi32(to, from), 4);
 }
 
 // The step that leads from value to target in 1 / factor pixels.
-AVX2_CODE inline Values StepTowards(__m128 target, Values value, float factor) {
-    const __m128 distance = _mm_sub_ps(target, _mm_cvtepi32_ps(value));
-    return _mm_cvtps_epi32(_mm_mul_ps(distance, _mm_set1_ps(factor)));
+AVX2_CODE inline __m256i StepTowards(__m256 target, __m256i value, __m256 factor) {
+    return _mm256_cvtps_epi32(_mm256_mul_ps(_mm256_sub_ps(target, _mm256_cvtepi32_ps(value)), factor));
 }
 
-// The low half of the given lane at each of sixteen pixels.
-template <int LANE>
-AVX2_CODE inline __m256i AtPixels(Values value, Values step) {
-    const __m256i select = _mm256_set1_epi16(static_cast<int16_t>(LANE * 4 | (LANE * 4 + 1) << 8));
-    const __m256i pixel = _mm256_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    const __m256i start = _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(value), select);
-    const __m256i steps = _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(step), select);
-    return _mm256_add_epi16(start, _mm256_mullo_epi16(steps, pixel));
+AVX2_CODE inline void StoreTwice(uint32_t* lanes, __m256i value) {
+    const __m256i twice = _mm256_blend_epi16(value, _mm256_slli_epi32(value, 16), 0xAA);
+    _mm256_store_si256(reinterpret_cast<__m256i*>(lanes), twice);
 }
 
-AVX2_CODE inline void PutWord(Word& word, uint8_t* pixels, __m128i offsets, __m128i shades) {
-    _mm_store_si128(reinterpret_cast<__m128i*>(word.offsets), offsets);
-    _mm_store_si128(reinterpret_cast<__m128i*>(word.shades), shades);
-    word.pixels = pixels;
+AVX2_CODE inline void StoreBlocks(LaneBlocks& block, const Values& value, const Values& step) {
+    StoreTwice(block.value[0], value.u);
+    StoreTwice(block.value[1], value.v);
+    StoreTwice(block.value[2], value.light);
+    StoreTwice(block.step[0], step.u);
+    StoreTwice(block.step[1], step.v);
+    StoreTwice(block.step[2], step.light);
 }
 
-struct Block {
-    __m128i offsets[2], shades[2];  // of two words
-};
-
-AVX2_CODE inline Block MakeBlock(Values value, Values step, uint32_t textureMask) {
-    const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
-    const __m256i column = _mm256_srli_epi16(AtPixels<0>(value, step), 8);
-    const __m256i line = _mm256_and_si256(AtPixels<1>(value, step), highByte);
-    const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(textureMask));
-    const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
-    const __m256i shades = _mm256_and_si256(AtPixels<2>(value, step), highByte);
-    return {{_mm256_castsi256_si128(offsets), _mm256_extracti128_si256(offsets, 1)},
-            {_mm256_castsi256_si128(shades), _mm256_extracti128_si256(shades, 1)}};
+// The value that the last block of each span leads to. The quotient and the product with the reciprocal differ in
+// their last bit.
+AVX2_CODE inline OverDepth SpanEnds(const OverDepth& right, __m256 isLong) {
+    const __m256 depth = _mm256_div_ps(_mm256_set1_ps(1.0f), right.inverseDepth);
+    OverDepth end = {_mm256_mul_ps(right.u, depth), _mm256_mul_ps(right.v, depth), _mm256_mul_ps(right.light, depth),
+                     right.inverseDepth};
+    if (_mm256_movemask_ps(isLong) == 0) return end;
+    end.u = _mm256_blendv_ps(end.u, _mm256_div_ps(right.u, right.inverseDepth), isLong);
+    end.v = _mm256_blendv_ps(end.v, _mm256_div_ps(right.v, right.inverseDepth), isLong);
+    end.light = _mm256_blendv_ps(end.light, _mm256_div_ps(right.light, right.inverseDepth), isLong);
+    return end;
 }
 
-// A part of a word that lies at column x.
-AVX2_CODE inline void AddPart(Batch& batch, const Block& block, int32_t word, const Place& place, int32_t count,
-                              uint32_t covered) {
-    const __m128i isSecond = _mm_set1_epi32(-word);
-    Word& part = batch.parts[batch.partCount++];
-    PutWord(part, place.pixels, _mm_blendv_epi8(block.offsets[0], block.offsets[1], isSecond),
-            _mm_blendv_epi8(block.shades[0], block.shades[1], isSecond));
-    part.count = static_cast<uint8_t>(count);
-    part.retreat = static_cast<uint8_t>(std::max(0, place.x + WORD_PIXELS - ScreenWidth));
-    part.covered = static_cast<uint8_t>(covered);
+AVX2_CODE inline OverDepth Minus(const OverDepth& a, const OverDepth& b) {
+    return {_mm256_sub_ps(a.u, b.u), _mm256_sub_ps(a.v, b.v), _mm256_sub_ps(a.light, b.light),
+            _mm256_sub_ps(a.inverseDepth, b.inverseDepth)};
 }
 
-// 1..16 pixels of which some are covered.
-AVX2_CODE inline void AddCoveredBlock(Batch& batch, const Block& block, const Place& place, int32_t count,
-                                      uint32_t covered) {
-    for (int32_t word = 0; word * WORD_PIXELS < count; word++) {
-        const int32_t skipped = word * WORD_PIXELS;
-        const int32_t rest = std::min(count - skipped, WORD_PIXELS);
-        const uint32_t bits = covered >> skipped & 0xFF;
-        const uint32_t all = 0xFFu >> (WORD_PIXELS - rest);
-        const Place at = {place.pixels + skipped, place.x + skipped, nullptr};
-        if ((bits & all) == 0 && rest == WORD_PIXELS)
-            PutWord(batch.words[batch.wordCount++], at.pixels, block.offsets[word], block.shades[word]);
-        else if ((bits & all) != all)
-            AddPart(batch, block, word, at, rest, bits);
-    }
+AVX2_CODE inline OverDepth Plus(const OverDepth& a, const OverDepth& b) {
+    return {_mm256_add_ps(a.u, b.u), _mm256_add_ps(a.v, b.v), _mm256_add_ps(a.light, b.light),
+            _mm256_add_ps(a.inverseDepth, b.inverseDepth)};
 }
 
-// 1..16 pixels.
-AVX2_CODE inline void AddBlock(Batch& batch, const Place& place, int32_t count, Values value, Values step,
-                               uint32_t textureMask) {
-    const Block block = MakeBlock(value, step, textureMask);
-    const uint32_t covered = place.cover != nullptr ? place.cover->At(place.x) : 0;
-    if (covered != 0) return AddCoveredBlock(batch, block, place, count, covered);
-    Word* const words = batch.words + batch.wordCount;
-    PutWord(words[0], place.pixels, block.offsets[0], block.shades[0]);
-    PutWord(words[1], place.pixels + WORD_PIXELS, block.offsets[1], block.shades[1]);
-    const int32_t complete = count / WORD_PIXELS;
-    batch.wordCount += complete;
-    if (count % WORD_PIXELS == 0) return;
-    const int32_t skipped = complete * WORD_PIXELS;
-    AddPart(batch, block, complete, {place.pixels + skipped, place.x + skipped, nullptr}, count % WORD_PIXELS, 0);
+AVX2_CODE inline OverDepth Times(const OverDepth& a, __m256 factor) {
+    return {_mm256_mul_ps(a.u, factor), _mm256_mul_ps(a.v, factor), _mm256_mul_ps(a.light, factor),
+            _mm256_mul_ps(a.inverseDepth, factor)};
 }
 
-AVX2_CODE inline void AddShortSpan(Batch& batch, const Place& place, int32_t count, __m128 start, __m128 right,
-                                   float perPixel, uint32_t textureMask) {
-    // One division serves both ends.
-    const __m128 depths = _mm_div_ps(_mm_set1_ps(1.0f), _mm_unpackhi_ps(start, right));
-    const __m128 startDepth = _mm_permute_ps(depths, _MM_SHUFFLE(2, 2, 2, 2));
-    const Values value = _mm_cvtps_epi32(_mm_mul_ps(start, startDepth));
-    const Values step = StepTowards(_mm_mul_ps(right, LastLane(depths)), value, perPixel);
-    AddBlock(batch, place, count, value, step, textureMask);
+AVX2_CODE inline Values StepsTowards(const OverDepth& end, const Values& value, __m256 factor) {
+    return {StepTowards(end.u, value.u, factor), StepTowards(end.v, value.v, factor),
+            StepTowards(end.light, value.light, factor)};
 }
 
-AVX2_CODE inline void AddLongSpan(Batch& batch, Place place, int32_t count, __m128 position, __m128 right,
-                                  __m128 change, float perPixel, uint32_t textureMask) {
-    const __m128 blockChange = _mm_mul_ps(_mm_mul_ps(_mm_set1_ps(SPAN_BLOCK), change), _mm_set1_ps(perPixel));
+AVX2_CODE inline Values Choose(const Values& otherwise, const Values& where, __m256i condition) {
+    return {_mm256_blendv_epi8(otherwise.u, where.u, condition), _mm256_blendv_epi8(otherwise.v, where.v, condition),
+            _mm256_blendv_epi8(otherwise.light, where.light, condition)};
+}
+
+AVX2_CODE void SetUpLanes(Queue& spans) {
+    for (int32_t lane = spans.laneCount; lane < LANES; lane++)
+        spans.leftX[lane] = spans.rightX[lane] = 0;
+    const OverDepth left = LoadLanes(spans.left);
+    const OverDepth right = LoadLanes(spans.right);
+    const OverDepth change = Minus(right, left);
+    const __m256i leftX = LoadColumns(spans.leftX);
+    const __m256i begin = CeilColumns(leftX);
+    const __m256i count = _mm256_sub_epi32(CeilColumns(LoadColumns(spans.rightX)), begin);
+    const __m256 perPixel = Reciprocal(count);
+    const __m256 preStep = _mm256_mul_ps(_mm256_cvtepi32_ps(_mm256_sub_epi32(_mm256_slli_epi32(begin, 16), leftX)),
+                                         _mm256_set1_ps(1.0f / 65536));
+    OverDepth position = Plus(left, Times(change, _mm256_mul_ps(preStep, perPixel)));
     Values value = DividedByDepth(position);
-    bool isKnown = true;  // the value at the position; blocks that are covered need none
-    for (; count >= SPAN_BLOCK; count -= SPAN_BLOCK, place.pixels += SPAN_BLOCK, place.x += SPAN_BLOCK) {
-        const __m128 begin = position;
-        position = _mm_add_ps(position, blockChange);
-        const bool isCovered = place.cover != nullptr && place.cover->Holds(place.x, place.x + SPAN_BLOCK);
-        if (!isCovered) {
-            if (!isKnown) value = DividedByDepth(begin);
-            const Values end = DividedByDepth(position);
-            AddBlock(batch, place, SPAN_BLOCK, value, _mm_srai_epi32(_mm_sub_epi32(end, value), 4), textureMask);
-            value = end;
-        }
-        isKnown = !isCovered;
+    const __m256i blockCounts = _mm256_srai_epi32(count, 4);
+    const __m256i isLong = _mm256_cmpgt_epi32(blockCounts, _mm256_setzero_si256());
+    const OverDepth end = SpanEnds(right, _mm256_castsi256_ps(isLong));
+    if (_mm256_testz_si256(isLong, isLong))
+        return StoreBlocks(spans.laneBlocks[0], value, StepsTowards(end, value, perPixel));
+
+    const OverDepth blockChange = Times(Times(change, _mm256_set1_ps(SPAN_BLOCK)), perPixel);
+    const __m256 perRestPixel = Reciprocal(_mm256_and_si256(count, _mm256_set1_epi32(SPAN_BLOCK - 1)));
+    __m256i number = _mm256_setzero_si256();
+    for (LaneBlocks* lanes = spans.laneBlocks;; lanes++) {
+        const __m256i isComplete = _mm256_cmpgt_epi32(blockCounts, number);
+        const Values restStep = StepsTowards(end, value, perRestPixel);
+        if (_mm256_testz_si256(isComplete, isComplete)) return StoreBlocks(*lanes, value, restStep);
+        position = Plus(position, blockChange);
+        const Values next = DividedByDepth(position);
+        const Values step = {BlockStep(value.u, next.u), BlockStep(value.v, next.v),
+                             BlockStep(value.light, next.light)};
+        StoreBlocks(*lanes, value, Choose(restStep, step, isComplete));
+        value = next;
+        number = _mm256_sub_epi32(number, _mm256_set1_epi32(-1));
     }
-    if (count == 0) return;
-    if (!isKnown) value = DividedByDepth(position);
-    const Values step = StepTowards(_mm_div_ps(right, LastLane(right)), value, ReciprocalTable[count]);
-    AddBlock(batch, place, count, value, step, textureMask);
 }
 
-AVX2_CODE inline void AddRow(Batch& batch, const EdgeRow& row, const Place& place, int32_t count,
-                             uint32_t textureMask) {
-    const float perPixel = ReciprocalTable[count];
-    const float preStep = static_cast<float>(place.x * 65536 - row.left.x) / 65536;
-    const __m128 left = _mm_loadu_ps(&row.left.u);
-    const __m128 right = _mm_loadu_ps(&row.right.u);
-    const __m128 change = _mm_sub_ps(right, left);
-    const __m128 start = _mm_add_ps(left, _mm_mul_ps(change, _mm_set1_ps(preStep * perPixel)));
-    if (count < SPAN_BLOCK)
-        AddShortSpan(batch, place, count, start, right, perPixel, textureMask);
-    else
-        AddLongSpan(batch, place, count, start, right, change, perPixel, textureMask);
-}
-
-// One pixel a byte; `found` are their texels.
-struct Pixels {
-    __m128i colours, found;
-};
-
-// The table's bytes at four 16-bit indices each.
-AVX2_CODE inline __m128i Lookup(const uint8_t* table, uint64_t first, uint64_t second) {
-    __m128i bytes = _mm_cvtsi32_si128(table[first & 0xFFFF]);
-    bytes = _mm_insert_epi8(bytes, table[first >> 16 & 0xFFFF], 1);
-    bytes = _mm_insert_epi8(bytes, table[first >> 32 & 0xFFFF], 2);
-    bytes = _mm_insert_epi8(bytes, table[first >> 48], 3);
-    bytes = _mm_insert_epi8(bytes, table[second & 0xFFFF], 4);
-    bytes = _mm_insert_epi8(bytes, table[second >> 16 & 0xFFFF], 5);
-    bytes = _mm_insert_epi8(bytes, table[second >> 32 & 0xFFFF], 6);
-    return _mm_insert_epi8(bytes, table[second >> 48], 7);
-}
-
-AVX2_CODE inline Pixels ShadeWord(const Word& word, const uint8_t* texels) {
-    uint64_t offsets[2];
-    std::memcpy(offsets, word.offsets, sizeof offsets);
-    Pixels pixels;
-    pixels.found = Lookup(texels, offsets[0], offsets[1]);
-    const __m128i shades = _mm_load_si128(reinterpret_cast<const __m128i*>(word.shades));
-    const __m128i indices = _mm_or_si128(_mm_cvtepu8_epi16(pixels.found), shades);
-    pixels.colours = Lookup(ShadeTable, static_cast<uint64_t>(_mm_cvtsi128_si64(indices)),
-                            static_cast<uint64_t>(_mm_extract_epi64(indices, 1)));
-    return pixels;
-}
-
-AVX2_CODE inline __m128i* Destination(uint8_t* pixels) {
-    return reinterpret_cast<__m128i*>(pixels);
-}
-
-template <TexelZero ZERO>
-AVX2_CODE inline void StoreWord(uint8_t* destination, Pixels pixels) {
-    if (ZERO == TexelZero::Skipped) {
-        const __m128i holes = _mm_cmpeq_epi8(pixels.found, _mm_setzero_si128());
-        pixels.colours = _mm_blendv_epi8(pixels.colours, _mm_loadl_epi64(Destination(destination)), holes);
-    }
-    _mm_storel_epi64(Destination(destination), pixels.colours);
+// A value of a lane at sixteen pixels.
+AVX2_CODE inline __m256i AtPixels(const uint32_t* value) {
+    constexpr ptrdiff_t STEP = 3 * LANES;
+    const __m256i pixel = _mm256_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    const __m256i steps = _mm256_set1_epi32(static_cast<int32_t>(value[STEP]));
+    return _mm256_add_epi16(_mm256_set1_epi32(static_cast<int32_t>(*value)), _mm256_mullo_epi16(steps, pixel));
 }
 
 // 0xFF for each bit.
-AVX2_CODE inline __m128i BytesOf(uint32_t bits) {
-    const __m128i bit = _mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201));
-    return _mm_cmpeq_epi8(_mm_and_si128(_mm_set1_epi8(static_cast<char>(bits)), bit), bit);
+constexpr std::array<uint64_t, 256> BYTES_OF_BITS = [] {
+    std::array<uint64_t, 256> bytes{};
+    for (uint32_t bits = 0; bits < 256; bits++)
+        for (uint32_t i = 0; i < WORD_PIXELS; i++)
+            if (bits >> i & 1) bytes[bits] |= uint64_t{0xFF} << (8 * i);
+    return bytes;
+}();
+
+AVX2_CODE inline void PutWord(Word& word, __m128i offsets, __m128i shades, const Block& block, uint32_t first) {
+    _mm256_store_si256(reinterpret_cast<__m256i*>(word.shades), _mm256_cvtepu16_epi32(shades));
+    _mm_store_si128(reinterpret_cast<__m128i*>(word.offsets), offsets);
+    word.pixels = block.pixels + first;
+    word.texels = block.texels;
+    word.drawn = BYTES_OF_BITS[block.drawn >> first & 0xFF];
 }
 
-// Takes the pixels of a word in whose texels are not 0.
-AVX2_CODE inline void CoverFound(CoverRow* cover, const Word& word, int32_t count, Pixels pixels) {
+// Of the block's two words those of which any pixel is drawn; returns the place behind them.
+AVX2_CODE inline Word* AddWords(const Block& block, Word* word) {
+    const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
+    const __m256i column = _mm256_srli_epi16(AtPixels(block.lane), 8);
+    const __m256i line = _mm256_and_si256(AtPixels(block.lane + LANES), highByte);
+    const __m256i shades = _mm256_and_si256(AtPixels(block.lane + 2 * LANES), highByte);
+    const __m256i mask = _mm256_set1_epi32(static_cast<int32_t>(block.mask));
+    const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
+    PutWord(*word, _mm256_castsi256_si128(offsets), _mm256_castsi256_si128(shades), block, 0);
+    word += (block.drawn & 0xFF) != 0;
+    if (block.drawn >> WORD_PIXELS == 0) return word;
+    PutWord(*word, _mm256_extracti128_si256(offsets, 1), _mm256_extracti128_si256(shades, 1), block, WORD_PIXELS);
+    return word + 1;
+}
+
+AVX2_CODE inline __m128i* Bytes(uint8_t* bytes) {
+    return reinterpret_cast<__m128i*>(bytes);
+}
+
+// Eight bytes.
+template <typename ByteOf>
+AVX2_CODE inline __m128i Gather(ByteOf byteOf) {
+    __m128i bytes = _mm_cvtsi32_si128(byteOf(0));
+    bytes = _mm_insert_epi8(bytes, byteOf(1), 1);
+    bytes = _mm_insert_epi8(bytes, byteOf(2), 2);
+    bytes = _mm_insert_epi8(bytes, byteOf(3), 3);
+    bytes = _mm_insert_epi8(bytes, byteOf(4), 4);
+    bytes = _mm_insert_epi8(bytes, byteOf(5), 5);
+    bytes = _mm_insert_epi8(bytes, byteOf(6), 6);
+    return _mm_insert_epi8(bytes, byteOf(7), 7);
+}
+
+AVX2_CODE inline void TakeDrawn(CoverRow* cover, const uint8_t* pixels, __m128i drawn) {
     // In 32 bits: a division of 64 takes longer than all the rest.
-    const auto place = static_cast<uint32_t>(word.pixels - FrameBuffer);
+    const auto place = static_cast<uint32_t>(pixels - FrameBuffer);
     const auto pitch = static_cast<uint32_t>(FramePitch);
-    const int holes = _mm_movemask_epi8(_mm_cmpeq_epi8(pixels.found, _mm_setzero_si128()));
-    const uint32_t found = ~static_cast<uint32_t>(holes) & (0xFFu >> (WORD_PIXELS - count));
-    cover[place / pitch].AddBits(static_cast<int32_t>(place % pitch), found);
+    const auto bits = static_cast<uint32_t>(_mm_movemask_epi8(drawn));
+    cover[place / pitch].AddBits(static_cast<int32_t>(place % pitch), bits);
 }
 
-// The first pixels of a word; what lies beside them is stored as it was.
+// What lies beside the drawn pixels is stored as it was.
 template <TexelZero ZERO>
-AVX2_CODE inline void StorePart(const Word& word, Pixels pixels) {
-    alignas(32) static constexpr uint8_t OUTSIDE[3 * WORD_PIXELS] = {
-        255, 255, 255, 255, 255, 255, 255, 255, 0, 0, 0, 0, 0, 0, 0, 0, 255, 255, 255, 255, 255, 255, 255, 255};
-    uint8_t* const destination = word.pixels - word.retreat;
-    const uint8_t* const mask = OUTSIDE + WORD_PIXELS - word.retreat;
-    __m128i kept = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask));
-    kept = _mm_or_si128(kept, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask + WORD_PIXELS - word.count)));
-    const __m128i shift = _mm_cvtsi32_si128(8 * word.retreat);
-    kept = _mm_or_si128(kept, _mm_sll_epi64(BytesOf(word.covered), shift));
+AVX2_CODE inline void DrawWord(const Word& word, CoverRow* cover) {
+    const uint8_t* const texels = word.texels;
+    __m128i drawn = _mm_cvtsi64_si128(static_cast<int64_t>(word.drawn));
     if (ZERO == TexelZero::Skipped) {
-        const __m128i holes = _mm_cmpeq_epi8(pixels.found, _mm_setzero_si128());
-        kept = _mm_or_si128(kept, _mm_sll_epi64(holes, shift));
+        const __m128i found = Gather([&](int32_t i) { return texels[word.offsets[i]]; });
+        drawn = _mm_andnot_si128(_mm_cmpeq_epi8(found, _mm_setzero_si128()), drawn);
     }
-    const __m128i before = _mm_loadl_epi64(Destination(destination));
-    const __m128i colours = _mm_sll_epi64(pixels.colours, shift);
-    _mm_storel_epi64(Destination(destination), _mm_blendv_epi8(colours, before, kept));
+    const __m128i colours = Gather([&](int32_t i) { return ShadeTable[word.shades[i] | texels[word.offsets[i]]]; });
+    const __m128i before = _mm_loadl_epi64(Bytes(word.pixels));
+    _mm_storel_epi64(Bytes(word.pixels), _mm_blendv_epi8(before, colours, drawn));
+    if (ZERO == TexelZero::Skipped && cover != nullptr) TakeDrawn(cover, word.pixels, drawn);
 }
 
 template <TexelZero ZERO>
-AVX2_CODE inline void DrawBatch(Batch& batch, const uint8_t* texels, CoverRow* cover) {
-    for (int32_t i = 0; i < batch.wordCount; i++) {
-        const Pixels pixels = ShadeWord(batch.words[i], texels);
-        StoreWord<ZERO>(batch.words[i].pixels, pixels);
-        if (ZERO == TexelZero::Skipped && cover != nullptr) CoverFound(cover, batch.words[i], WORD_PIXELS, pixels);
-    }
-    for (int32_t i = 0; i < batch.partCount; i++) {
-        const Word& part = batch.parts[i];
-        const Pixels pixels = ShadeWord(part, texels);
-        StorePart<ZERO>(part, pixels);
-        if (ZERO == TexelZero::Skipped && cover != nullptr) CoverFound(cover, part, part.count, pixels);
-    }
-    batch.wordCount = batch.partCount = 0;
+AVX2_CODE void DrawWords(CoverRow* cover) {
+    Queue& spans = queue<ZERO>;
+    const Word* const end = spans.words + spans.wordCount;
+    for (const Word* word = spans.words; word != end; word++)
+        DrawWord<ZERO>(*word, cover);
+    spans.wordCount = 0;
 }
 
 template <TexelZero ZERO>
-AVX2_CODE void FillRows(const EdgeRows& rows, SpanTexture texture, CoverRow* cover) {
-    Batch batch;
-    batch.wordCount = batch.partCount = 0;
-    for (int32_t y = rows.first; y < rows.end; y++) {
+AVX2_CODE void AddWordsOfLanes(CoverRow* cover) {
+    Queue& spans = queue<ZERO>;
+    SetUpLanes(spans);
+    Word* word = spans.words + spans.wordCount;
+    for (int32_t i = 0; i < spans.blockCount; i++) {
+        if (word > spans.words + MOST_WORDS - 2) {
+            spans.wordCount = static_cast<int32_t>(word - spans.words);
+            DrawWords<ZERO>(cover);
+            word = spans.words;
+        }
+        word = AddWords(spans.blocks[i], word);
+    }
+    spans.wordCount = static_cast<int32_t>(word - spans.words);
+    spans.laneCount = spans.blockCount = 0;
+}
+
+template <TexelZero ZERO>
+AVX2_CODE void DrawAll(CoverRow* cover) {
+    if (queue<ZERO>.laneCount > 0) AddWordsOfLanes<ZERO>(cover);
+    DrawWords<ZERO>(cover);
+}
+
+// Of the pixels in `wanted`, at most 16 from column x on, those that the cover does not hold. It takes them in, unless
+// they may turn out to be holes. By bytes, which takes half the time of finding the bits in two words.
+template <TexelZero ZERO>
+AVX2_CODE inline uint32_t TakePixels(CoverRow* cover, int32_t x, uint32_t wanted) {
+    if (cover == nullptr) return wanted;
+    const auto column = static_cast<uint32_t>(x);
+    uint8_t* const bytes = reinterpret_cast<uint8_t*>(cover->words) + column / 8;
+    uint32_t held;
+    std::memcpy(&held, bytes, sizeof held);
+    const uint32_t drawn = wanted & ~(held >> column % 8);
+    if (ZERO == TexelZero::Drawn) {
+        held |= drawn << column % 8;
+        std::memcpy(bytes, &held, sizeof held);
+    }
+    return drawn;
+}
+
+// Where the rest of a span lies.
+struct Place {
+    uint8_t* pixels;
+    int32_t x, count;
+};
+
+// Adds up to sixteen pixels, if any of them is drawn.
+template <TexelZero ZERO>
+AVX2_CODE inline void AddBlock(const Place& place, int32_t number, const SpanTexture& texture, CoverRow* cover) {
+    Queue& spans = queue<ZERO>;
+    const uint32_t wanted = 0xFFFFu >> std::max(0, SPAN_BLOCK - place.count);
+    Block& block = spans.blocks[spans.blockCount];
+    block.lane = &spans.laneBlocks[number].value[0][spans.laneCount];
+    block.pixels = place.pixels;
+    block.texels = texture.texels;
+    block.mask = texture.mask * 0x10001;
+    block.drawn = TakePixels<ZERO>(cover, place.x, wanted);
+    spans.blockCount += block.drawn != 0;
+}
+
+AVX2_CODE inline void PutLane(Queue& spans, const EdgeRow& row) {
+    const int32_t lane = spans.laneCount;
+    _mm_storeu_ps(spans.left[lane], _mm_loadu_ps(&row.left.u));
+    _mm_storeu_ps(spans.right[lane], _mm_loadu_ps(&row.right.u));
+    spans.leftX[lane] = row.left.x;
+    spans.rightX[lane] = row.right.x;
+}
+
+template <TexelZero ZERO>
+AVX2_CODE inline void AddSpan(const EdgeRow& row, Place place, const SpanTexture& texture, CoverRow* cover) {
+    Queue& spans = queue<ZERO>;
+    const int32_t before = spans.blockCount;
+    PutLane(spans, row);
+    AddBlock<ZERO>(place, 0, texture, cover);
+    for (int32_t i = 1; place.count > SPAN_BLOCK; i++) {
+        place = {place.pixels + SPAN_BLOCK, place.x + SPAN_BLOCK, place.count - SPAN_BLOCK};
+        AddBlock<ZERO>(place, i, texture, cover);
+    }
+    spans.laneCount += spans.blockCount != before;
+}
+
+// Spans outside the frame, too long ones and those at the frame's last pixels, where a word may reach beyond them, are
+// left to the portable routine.
+template <TexelZero ZERO>
+AVX2_CODE void AddRows(const EdgeRows& rows, SpanTexture texture, CoverRow* cover) {
+    const ptrdiff_t pitch = FramePitch;
+    uint8_t* line = FrameBuffer + rows.first * pitch;
+    const uint8_t* const lastEnd = FrameBuffer + (ScreenHeight - 1) * pitch + ScreenWidth - SPAN_BLOCK;
+    for (int32_t y = rows.first; y < rows.end; y++, line += pitch) {
         const EdgeRow& row = rows.table[y];
         const int32_t begin = CeilFixed(row.left.x);
         const int32_t end = CeilFixed(row.right.x);
-        const int32_t count = end - begin;
-        if (count <= 0) continue;
-        if (begin < 0 || end > ScreenWidth || count > BATCH_PIXELS) {
+        if (end <= begin) continue;
+        if (begin < 0 || end > ScreenWidth || end - begin > MOST_PIXELS || line + end > lastEnd) {
             FillRowsPortable({rows.table, y, y + 1}, texture, ZERO, cover);
             continue;
         }
-        if (cover != nullptr && cover[y].Holds(begin, end)) continue;
-        if (batch.wordCount + count / WORD_PIXELS > BATCH_WORDS || batch.partCount + SPAN_MOST_PARTS > BATCH_PARTS)
-            DrawBatch<ZERO>(batch, texture.texels, cover);
-        uint8_t* const pixels = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch + begin;
-        AddRow(batch, row, {pixels, begin, cover != nullptr ? cover + y : nullptr}, count, texture.mask);
-        if (ZERO == TexelZero::Drawn && cover != nullptr) cover[y].Add(begin, end);
+        AddSpan<ZERO>(row, {line + begin, begin, end - begin}, texture, cover != nullptr ? cover + y : nullptr);
+        if (queue<ZERO>.laneCount == LANES) AddWordsOfLanes<ZERO>(cover);
     }
-    DrawBatch<ZERO>(batch, texture.texels, cover);
 }
 
 }  // namespace
 
 void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover) {
-    if (texelZero == TexelZero::Drawn)
-        FillRows<TexelZero::Drawn>(rows, texture, cover);
-    else
-        FillRows<TexelZero::Skipped>(rows, texture, cover);
+    if (texelZero == TexelZero::Drawn) {
+        AddRows<TexelZero::Drawn>(rows, texture, cover);
+        if (cover == nullptr) FinishRowsAvx2();
+    } else {
+        AddRows<TexelZero::Skipped>(rows, texture, cover);
+        DrawAll<TexelZero::Skipped>(cover);
+    }
+}
+
+void FinishRowsAvx2() {
+    DrawAll<TexelZero::Drawn>(nullptr);
 }
 
 #endif

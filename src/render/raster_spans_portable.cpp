@@ -109,9 +109,9 @@ void DrawRunBehind(Run run, SpanTexture texture, CoverRow* cover) {
     SpanValues value = run.value;
     for (int32_t i = 0; i < run.count; i++) {
         const uint8_t texel = texture.texels[((value.v & 0xFF00) | (value.u >> 8 & 0xFF)) & texture.mask];
-        if ((ZERO == TexelZero::Drawn || texel != 0) && !row.Holds(x + i, x + i + 1)) {
+        if ((ZERO == TexelZero::Drawn || texel != 0) && !row.Holds(x + i)) {
             run.pixels[i] = ShadeTable[(value.light & 0xFF00) | texel];
-            row.Add(x + i, x + i + 1);
+            row.Add(x + i);
         }
         value = Advanced(value, run.step, 1);
     }

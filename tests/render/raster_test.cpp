@@ -73,7 +73,7 @@ protected:
         FillFrame(0x77);
         for (const Polygon& polygon : polygons)
             fill(*MakePolygon(polygon.corners, polygon.texture), polygon.skipsTexelZero);
-        EndBackToFront();
+        EndNearestFirst();
         return FramePixels();
     }
 
@@ -85,12 +85,13 @@ protected:
         const std::vector<uint8_t> expected = Draw(polygons, FillPlainly);
         for (const bool usesAvx2 : {false, HasAvx2()}) {
             UseAvx2Spans = usesAvx2;
-            for (const bool isFrontToBack : {false, true}) {
-                if (isFrontToBack) BeginBackToFront();
-                const std::vector<uint8_t> pixels = Draw(polygons, fill);
+            for (const bool isNearestFirst : {false, true}) {
+                if (isNearestFirst) BeginNearestFirst();
+                const std::vector<uint8_t> pixels =
+                    Draw(isNearestFirst ? std::vector(polygons.rbegin(), polygons.rend()) : polygons, fill);
                 const auto differing = std::mismatch(pixels.begin(), pixels.end(), expected.begin()).first;
                 EXPECT_TRUE(differing == pixels.end())
-                    << (usesAvx2 ? "AVX2" : "portable") << (isFrontToBack ? ", front to back" : "") << ": "
+                    << (usesAvx2 ? "AVX2" : "portable") << (isNearestFirst ? ", nearest first" : "") << ": "
                     << polygons.size() << " polygons differ from pixel " << differing - pixels.begin() << " on";
             }
         }
@@ -145,7 +146,7 @@ TEST_F(Raster, DrawsAnyInputPixelByPixel) {
     }
 }
 
-// Sparse enough to leave gaps at first, then more than are kept at once.
+// Sparse enough to leave gaps at first, then many times over.
 TEST_F(Raster, DrawsManyPolygonsPixelByPixel) {
     for (const int count : {12, 60, 5000}) {
         std::vector<Polygon> polygons;

@@ -13,34 +13,51 @@
 // The linker gives the calls of the game to the second half, and the names of the first half to the game's functions.
 void RealPolygon(const PolyRecord*) __asm__("__real__Z13RasterPolygonPK10PolyRecord");
 void RealTransparent(const PolyRecord*) __asm__("__real__Z24RasterPolygonTransparentPK10PolyRecord");
-void RealBegin() __asm__("__real__Z16BeginBackToFrontv");
-void RealEnd() __asm__("__real__Z14EndBackToFrontv");
+bool RealBegin() __asm__("__real__Z17BeginNearestFirstv");
+void RealEnd() __asm__("__real__Z15EndNearestFirstv");
 void OnPolygon(const PolyRecord*) __asm__("__wrap__Z13RasterPolygonPK10PolyRecord");
 void OnTransparent(const PolyRecord*) __asm__("__wrap__Z24RasterPolygonTransparentPK10PolyRecord");
-void OnBegin() __asm__("__wrap__Z16BeginBackToFrontv");
-void OnEnd() __asm__("__wrap__Z14EndBackToFrontv");
+bool OnBegin() __asm__("__wrap__Z17BeginNearestFirstv");
+void OnEnd() __asm__("__wrap__Z15EndNearestFirstv");
 
 namespace {
 
 std::vector<uint8_t> plainFrame;  // empty: this one is not checked
+std::vector<bool> isTaken;        // where the nearest polygons come first: by one of them
 int frame, polygons;
+
+void FillInto(std::vector<uint8_t>& picture, const PolyRecord& polygon, bool skipsTexelZero) {
+    uint8_t* const drawn = std::exchange(FrameBuffer, picture.data());
+    FillPlainly(polygon, skipsTexelZero);
+    FrameBuffer = drawn;
+}
+
+// What a polygon draws is what comes out alike on two different grounds.
+void FillBehind(const PolyRecord& polygon, bool skipsTexelZero) {
+    std::vector<uint8_t> dark(plainFrame.size(), 0), bright(plainFrame.size(), 0xFF);
+    FillInto(dark, polygon, skipsTexelZero);
+    FillInto(bright, polygon, skipsTexelZero);
+    for (size_t i = 0; i < plainFrame.size(); i++) {
+        if (dark[i] == bright[i] && !isTaken[i]) plainFrame[i] = dark[i];
+        if (dark[i] == bright[i]) isTaken[i] = true;
+    }
+}
 
 void DrawPlainly(const PolyRecord& polygon, bool skipsTexelZero) {
     if (plainFrame.empty()) return;
-    uint8_t* const drawn = std::exchange(FrameBuffer, plainFrame.data());
-    FillPlainly(polygon, skipsTexelZero);
-    FrameBuffer = drawn;
+    NearestFirst() ? FillBehind(polygon, skipsTexelZero) : FillInto(plainFrame, polygon, skipsTexelZero);
     polygons++;
 }
 
 }  // namespace
 
-void OnBegin() {
+bool OnBegin() {
     const int step = frame++ % 40;
     plainFrame.clear();
     if (step < 4) plainFrame.assign(FrameBuffer, FrameBuffer + static_cast<ptrdiff_t>(FramePitch) * ScreenHeight);
     UseAvx2Spans = step % 2 == 0 && HasAvx2();
-    if (step / 2 != 1) RealBegin();
+    isTaken.assign(plainFrame.size(), false);
+    return step / 2 != 1 && RealBegin();
 }
 
 void OnPolygon(const PolyRecord* polygon) {

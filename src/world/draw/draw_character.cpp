@@ -6,6 +6,7 @@
 #include "math/convert.h"
 #include "math/vectors.h"
 #include "platform/timer.h"
+#include "render/raster.h"
 #include "world/draw/outcodes.h"
 #include "world/light_map.h"
 #include "world/world_tables.h"
@@ -46,7 +47,11 @@ void DrawCharacterInLeaf(int32_t leaf) {
         InsertByDepth(MeanDepth(WorldGeometry.polygons[polygon]), static_cast<int16_t>(polygon));
     }
     LinkDepthList();
-    for (int32_t k = DepthList[0].next; DepthList[k].depth != DEPTH_LIST_TAIL; k = DepthList[k].next) {
-        DrawMeshByOutcodes(DepthList[k].polygon);
+    if (NearestFirst()) {
+        for (int32_t k = DepthList[1].previous; DepthList[k].depth != DEPTH_LIST_HEAD; k = DepthList[k].previous)
+            DrawMeshByOutcodes(DepthList[k].polygon);
+    } else {
+        for (int32_t k = DepthList[0].next; DepthList[k].depth != DEPTH_LIST_TAIL; k = DepthList[k].next)
+            DrawMeshByOutcodes(DepthList[k].polygon);
     }
 }

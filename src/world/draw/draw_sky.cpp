@@ -4,6 +4,7 @@
 #include "math/vectors.h"
 #include "platform/timer.h"
 #include "render/glide_screen.h"
+#include "render/raster.h"
 #include "render/render_tables.h"
 #include "world/bsp.h"
 #include "world/draw/outcodes.h"
@@ -41,6 +42,6 @@ void DrawSky() {
     for (int32_t i = 0; i < SkyObject.pointCount; ++i)
         TurnPoint(static_cast<uint32_t>(SkyObject.firstPoint + i));
     for (int32_t i = 0; i < SkyObject.polygonCount; ++i)
-        DrawSkyPolygon(SkyObject.firstPolygon + i);
+        DrawSkyPolygon(SkyObject.firstPolygon + (NearestFirst() ? SkyObject.polygonCount - 1 - i : i));
     SetSkyStates(false);
 }

@@ -7,12 +7,16 @@
 #include "platform/timer.h"
 #include "render/lines.h"
 #include "render/pipeline.h"
+#include "render/raster.h"
 #include "render/render_tables.h"
 #include "world/draw/draw_character.h"
 #include "world/draw/outcodes.h"
 #include "world/world_tables.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 
 int32_t RenderListCount;
 
@@ -203,17 +207,37 @@ void CollectLeaves(int32_t subtree) {
     }
 }
 
-void TransformPoint(uint32_t point) {
-    ViewPoint& view = WorldGeometry.viewPoints[point];
-    if (view.transformStamp == FrameCount) return;
-    const Vec3 p = WorldGeometry.points[point].position;
+typedef float Float4 __attribute__((vector_size(16)));
+
+// The view matrix by columns, the translation last.
+struct ViewColumns {
+    Float4 x, y, z, translation;
+};
+ViewColumns viewColumns;
+
+void BuildViewColumns() {
     const float* m = ViewMatrix.rotation.m;
+    const Vec3& t = ViewMatrix.translation;
+    viewColumns.x = Float4{m[0], m[3], m[6], 0};
+    viewColumns.y = Float4{m[1], m[4], m[7], 0};
+    viewColumns.z = Float4{m[2], m[5], m[8], 0};
+    viewColumns.translation = Float4{t.x, t.y, t.z, 0};
+}
+
+// A point that several polygons share is transformed for each: that takes less time than to ask, since no processor
+// foresees the answer.
+uint8_t TransformPoint(uint32_t point) {
+    static_assert(offsetof(ViewPoint, transformStamp) == sizeof(Vec3));
+    const Vec3 p = WorldGeometry.points[point].position;
+    const ViewColumns& m = viewColumns;
+    const Float4 turned = m.x * p.x + m.y * p.y + m.z * p.z + m.translation;
+    ViewPoint& view = WorldGeometry.viewPoints[point];
+    std::memcpy(&view, &turned, sizeof turned);
     view.transformStamp = FrameCount;
-    view.x = m[0] * p.x + m[1] * p.y + m[2] * p.z + ViewMatrix.translation.x;
-    view.y = m[3] * p.x + m[4] * p.y + m[5] * p.z + ViewMatrix.translation.y;
-    view.z = m[6] * p.x + m[7] * p.y + m[8] * p.z + ViewMatrix.translation.z;
-    const uint8_t depth = view.z > FarDistance ? OUT_DEPTH : uint8_t{0};
-    WorldGeometry.outcodes[point] = SideOutcode(view) | depth;
+    const uint8_t depth = turned[2] > FarDistance ? OUT_DEPTH : uint8_t{0};
+    const uint8_t outcode = SideOutcode(turned[0], turned[1], turned[2]) | depth;
+    WorldGeometry.outcodes[point] = outcode;
+    return outcode;
 }
 
 // Points are transformed as the first polygon that faces the camera needs them.
@@ -223,9 +247,9 @@ void DrawFacingPolygon(uint32_t polygon, bool mayCross) {
     uint8_t outsideAll = 0xFF;
     uint8_t outsideAny = 0;
     for (const PolyVertex* end = corner + record.cornerCount; corner != end; ++corner) {
-        TransformPoint(corner->point);
-        outsideAll &= WorldGeometry.outcodes[corner->point];
-        outsideAny |= WorldGeometry.outcodes[corner->point];
+        const uint8_t outcode = TransformPoint(corner->point);
+        outsideAll &= outcode;
+        outsideAny |= outcode;
     }
     if (outsideAll != 0) return;
     if (mayCross && (outsideAny & OUT_SIDES) != 0) {
@@ -235,23 +259,63 @@ void DrawFacingPolygon(uint32_t polygon, bool mayCross) {
     }
 }
 
+// Numbers of polygons that face the camera, in the order they are drawn in.
+struct FacingPolygons {
+    static constexpr uint32_t LIMIT = 256;
+    uint16_t numbers[LIMIT];
+    uint32_t count;
+};
+
+// Half of all polygons face away, in no order that a processor could foresee: they are sorted out without a branch, and
+// the corners of the others are on their way from memory before the first of them is drawn.
+FacingPolygons ListFacing(uint32_t first, uint32_t count) {
+    FacingPolygons facing;
+    facing.count = 0;
+    const bool nearestFirst = NearestFirst();
+    for (uint32_t i = 0; i < count; ++i) {
+        const uint32_t p = first + (nearestFirst ? count - 1 - i : i);
+        facing.numbers[facing.count] = static_cast<uint16_t>(p);
+        facing.count += FacesCamera(p) ? 1u : 0u;
+        __builtin_prefetch(WorldGeometry.polyVertices + WorldGeometry.polygons[p].firstVertex);
+    }
+    return facing;
+}
+
+void PrefetchPoints(uint32_t polygon) {
+    const PolyRecord& record = WorldGeometry.polygons[polygon];
+    const PolyVertex* corner = WorldGeometry.polyVertices + record.firstVertex;
+    for (const PolyVertex* end = corner + record.cornerCount; corner != end; ++corner) {
+        __builtin_prefetch(WorldGeometry.viewPoints + corner->point);
+        __builtin_prefetch(WorldGeometry.points + corner->point);
+    }
+}
+
 void DrawLeaf(const BspLeaf& leaf, bool mayCross) {
-    for (uint32_t p = leaf.firstPolygon; p < uint32_t{leaf.firstPolygon} + leaf.polygonCount; ++p) {
-        if (FacesCamera(p)) DrawFacingPolygon(p, mayCross);
+    for (uint32_t done = 0; done < leaf.polygonCount; done += FacingPolygons::LIMIT) {
+        const uint32_t count = std::min(leaf.polygonCount - done, FacingPolygons::LIMIT);
+        const uint32_t first =
+            NearestFirst() ? leaf.firstPolygon + leaf.polygonCount - done - count : leaf.firstPolygon + done;
+        const FacingPolygons facing = ListFacing(first, count);
+        for (uint32_t i = 0; i < facing.count; ++i) {
+            if (i + 2 < facing.count) PrefetchPoints(facing.numbers[i + 2]);
+            DrawFacingPolygon(facing.numbers[i], mayCross);
+        }
+    }
+}
+
+void DrawEntry(int32_t entry) {
+    if (entry < 0) {
+        DrawLeaf(WorldGeometry.leaves[~entry], false);
+    } else if (entry < CHARACTER_ENTRY) {
+        DrawLeaf(WorldGeometry.leaves[entry], true);
+    } else {
+        DrawCharacterInLeaf(entry - CHARACTER_ENTRY);
     }
 }
 
 void DrawRenderList() {
-    for (int32_t i = 0; i < RenderListCount; ++i) {
-        const int32_t entry = WorldGeometry.renderList[i];
-        if (entry < 0) {
-            DrawLeaf(WorldGeometry.leaves[~entry], false);
-        } else if (entry < CHARACTER_ENTRY) {
-            DrawLeaf(WorldGeometry.leaves[entry], true);
-        } else {
-            DrawCharacterInLeaf(entry - CHARACTER_ENTRY);
-        }
-    }
+    for (int32_t i = 0; i < RenderListCount; ++i)
+        DrawEntry(WorldGeometry.renderList[NearestFirst() ? RenderListCount - 1 - i : i]);
 }
 
 void DrawOutlines(int32_t subtree) {
@@ -269,6 +333,7 @@ void DrawOutlines(int32_t subtree) {
 
 void RenderWorld() {
     BuildViewPlanes();
+    BuildViewColumns();
     RenderListCount = 0;
     if (FogSwitch == 0) {
         DrawOutlines(0);

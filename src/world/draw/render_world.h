@@ -1,5 +1,6 @@
-// The level, drawn back to front from the camera: the BSP tree is walked from the eye's far side to its near side,
-// subtrees outside the view volume are skipped, and what remains becomes a list that is drawn in order.
+// The level, ordered back to front from the camera: the BSP tree is walked from the eye's far side to its near side,
+// subtrees outside the view volume are skipped, and what remains becomes a list that is drawn in order, or from its end
+// where the renderer wants the nearest polygon first (render/raster.h).
 #pragma once
 
 #include <cstdint>
