@@ -11,6 +11,7 @@ namespace {
 
 constexpr int32_t HEAD = 0, TAIL = 1, FIRST = 2;
 constexpr int32_t KEY_BYTES = 4;
+constexpr int32_t FEW = 48;  // are sorted sooner than a radix sort has cleared its counts
 constexpr uint32_t SIGN = 0x80000000;
 
 int32_t NextFree;
@@ -25,6 +26,10 @@ struct SortedNode {
     uint32_t key;  // smaller: farther
     int32_t node;
 };
+
+bool IsFarther(const SortedNode& a, const SortedNode& b) {
+    return a.key != b.key ? a.key < b.key : a.node < b.node;
+}
 
 uint32_t FarthestFirst(float depth) {
     const float positiveZero = depth + 0.0f;
@@ -70,8 +75,11 @@ void LinkDepthList() {
     const int32_t count = NextFree - FIRST;
     for (int32_t i = 0; i < count; i++)
         sorted[i] = {FarthestFirst(DepthList[FIRST + i].depth), FIRST + i};
-    for (int32_t byte = 0; byte < KEY_BYTES && count > 0; byte++) {
-        if (SortByKeyByte(sorted, other, count, byte)) std::swap(sorted, other);
+    if (count <= FEW) {
+        std::sort(sorted, sorted + count, IsFarther);
+    } else {
+        for (int32_t byte = 0; byte < KEY_BYTES; byte++)
+            if (SortByKeyByte(sorted, other, count, byte)) std::swap(sorted, other);
     }
     int32_t previous = HEAD;
     for (int32_t i = 0; i < count; i++) {

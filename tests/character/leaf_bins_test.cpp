@@ -186,7 +186,10 @@ TEST(DepthListTest, RunsFromFarToNearAndKeepsTheOrderOfEquals) {
         InsertByDepth(1.0f, 9);
     EXPECT_EQ(DroppedPolygons, 9u + 3000u - (DEPTH_LIST_SIZE - 2)) << "more than there is room for";
     LinkDepthList();
-    EXPECT_EQ(DepthOrder().size(), size_t{DEPTH_LIST_SIZE - 2});
+    std::vector<int> order = {5, 1, 3};
+    order.insert(order.end(), DEPTH_LIST_SIZE - 11, 9);
+    order.insert(order.end(), {9, 2, 6, 7, 8, 4});
+    EXPECT_EQ(DepthOrder(), order);
     InitDepthList();
     LinkDepthList();
     EXPECT_TRUE(DepthOrder().empty());
