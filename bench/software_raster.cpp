@@ -153,9 +153,8 @@ struct SpanTarget {
     double opaque;  // times the floor
     bool byBlocks;  // against the floor in blocks of 16, else in whole rows
 };
-// 8 pixels: 2.4 ns where the floor takes 0.58.
 constexpr SpanTarget TARGETS[] = {
-    {8, 2.4 / 0.58, false}, {16, 2.1, true}, {40, 1.9, false}, {160, 1.8, false}, {320, 1.8, false}};
+    {8, 1.7, false}, {16, 1.7, true}, {40, 1.7, false}, {160, 1.8, false}, {320, 1.8, false}};
 constexpr double TRANSPARENT_TARGET = 1.4;
 constexpr double POLYGON_TARGET = 1.3;
 constexpr double CLEAR_TARGET = 1.5;
