@@ -4,6 +4,7 @@
 #include "core/input_state.h"
 #include "core/machine.h"
 #include "core/messages.h"
+#include "core/replay.h"
 
 #include <algorithm>
 #include <bitset>
@@ -110,7 +111,7 @@ void TakeMouse(DIMOUSESTATE& state) {
 void SetMouseAcquired(bool acquired) {
     if (acquired == mouseAcquired) return;
     mouseAcquired = acquired;
-    CurrentMachine->setMouseCaptured(acquired);
+    if (!Replaying()) CurrentMachine->setMouseCaptured(acquired);
 }
 
 bool HasFocus() {

@@ -1,5 +1,7 @@
 #include "core/input_state.h"
 
+#include "core/recorder.h"
+#include "core/replay.h"
 #include "core/run.h"
 #include "host/dinput.h"
 
@@ -52,8 +54,16 @@ public:
 
     HRESULT GetDeviceState(DWORD size, void* state) override {
         if (!IsMouse()) AtKeyboardPoll();
+        if (Replaying())
+            return IsMouse() ? ReplayMouse(*static_cast<DIMOUSESTATE*>(state))
+                             : ReplayKeys(static_cast<uint8_t*>(state));
         const HRESULT result = ReadState(size, state);
-        if (!IsMouse() && Failed(result)) DropPulses();
+        if (IsMouse()) {
+            RecordMouse(result, *static_cast<DIMOUSESTATE*>(state));
+        } else {
+            if (Failed(result)) DropPulses();
+            RecordKeys(result, static_cast<const uint8_t*>(state));
+        }
         return result;
     }
 

@@ -1,10 +1,14 @@
 #include "host/files.h"
 
 #include "core/data_folder.h"
+#include "core/digest.h"
 #include "core/machine.h"
+#include "core/recorder.h"
+#include "core/replay.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -34,6 +38,20 @@ std::string MatchName(const std::string& folder, const std::string& name) {
     return best.empty() ? name : best;
 }
 
+// Of a file that is to be read, or is missing: what the game reads is part of what enters it.
+void NoteFile(const char* gamePath, std::FILE* stream) {
+    Digest digest;
+    digest.Add(gamePath, std::strlen(gamePath));
+    uint8_t block[16384];
+    while (const size_t bytes = stream ? std::fread(block, 1, sizeof block, stream) : 0)
+        digest.Add(block, bytes);
+    if (stream) std::rewind(stream);
+    if (Replaying())
+        ReplayFile(gamePath, static_cast<uint32_t>(digest.Value()));
+    else
+        RecordFile(static_cast<uint32_t>(digest.Value()));
+}
+
 }  // namespace
 
 void SetDataFolder(const std::string& folder) {
@@ -61,13 +79,16 @@ std::FILE* HostOpenFile(const char* gamePath, const char* mode) {
     std::error_code error;
     const fs::file_type type = fs::status(path, error).type();
     if (type != fs::file_type::regular && type != fs::file_type::not_found) return nullptr;
-    return std::fopen(path.c_str(), mode);
+    std::FILE* stream = std::fopen(path.c_str(), mode);
+    if (*mode == 'r') NoteFile(gamePath, stream);
+    return stream;
 }
 
 void HostReportFatal(const char* message, const char* gamePath) {
     std::string text = message;
     if (!text.empty() && text.back() == '\n') text.pop_back();
     if (gamePath) text += std::string("\n") + gamePath + " (looked for in " + dataFolder + ")";
+    if (const std::string kept = KeepFailure(); !kept.empty()) text += "\n" + kept;
     std::fprintf(stderr, "tarnwick: %s\n", text.c_str());
     if (CurrentMachine->hasWindow()) CurrentMachine->messageBox(text.c_str(), "Tarnwick");
 }

@@ -3,6 +3,7 @@
 #include "boards/boards.h"
 #include "core/glide_state.h"
 #include "core/presentation.h"
+#include "host/probe.h"
 
 #include <algorithm>
 #include <cmath>
@@ -120,7 +121,7 @@ void StateChanged() {
 }
 
 void FlushFrame() {
-    if (!frame.runs.empty()) CurrentBoard->draw(frame);
+    if (!frame.runs.empty() && HostWantsPicture()) CurrentBoard->draw(frame);
     frame.vertices.clear();
     frame.states.clear();
     frame.runs.clear();
@@ -195,6 +196,7 @@ void grBufferClear(uint32_t colour, uint8_t, uint16_t depth) {
 void grBufferSwap(int32_t) {
     if (!Glide.isOpen) return;
     FlushFrame();
+    if (!HostWantsPicture()) return;
     CurrentBoard->swap();
     ShowBoardFront();
 }

@@ -1,3 +1,4 @@
+#include "core/recorder.h"
 #include "core/run.h"
 #include "host/win32.h"
 
@@ -7,10 +8,21 @@
 #include <cstdlib>
 #include <unistd.h>
 
+namespace {
+
+// Where the recording and the log of a run are that ends by a fault.
+void TellFailure() {
+    const std::string kept = KeepFailure();
+    if (!kept.empty()) std::fprintf(stderr, "tarnwick: the game failed. %s\n", kept.c_str());
+}
+
+}  // namespace
+
 #ifndef TARNWICK_SANITIZED
 
 namespace {
 
+constexpr unsigned LONGEST_RESCUE = 5;  // s
 constexpr size_t STACK_BYTES = 64 * 1024;
 
 struct Fault {
@@ -29,6 +41,8 @@ thread_local volatile std::sig_atomic_t guarded = 0;  // a fault of a helping th
 void OnFault(int signal) {
     if (guarded) siglongjmp(resumePoint, signal);
     std::signal(signal, SIG_DFL);
+    alarm(LONGEST_RESCUE);  // what the fault has left behind may be anything
+    TellFailure();
     std::raise(signal);
 }
 
@@ -62,6 +76,7 @@ DWORD CatchExceptions(void (*step)()) {
     try {
         step();
     } catch (...) {
+        TellFailure();
         return EXCEPTION_UNHANDLED;
     }
     return 0;
@@ -83,6 +98,7 @@ DWORD HostGuard(void (*step)()) {
     static_cast<void>(installed);
     if (const int signal = sigsetjmp(resumePoint, 1)) {
         guarded = 0;
+        TellFailure();
         return CodeOf(signal);
     }
     guarded = 1;

@@ -7,6 +7,7 @@
 #include "core/log.h"
 #include "core/machine.h"
 #include "core/process.h"
+#include "core/replay.h"
 #include "core/run.h"
 #include "host/files.h"
 
@@ -57,7 +58,7 @@ int HostMain(int argumentCount, char** arguments, GameMain gameMain) {
     const OptionsResult asked = ParseOptions(argumentCount, arguments, options);
     if (asked != OptionsResult::Run) return asked == OptionsResult::Done ? EXIT_SUCCESS : STATUS_WRONG_INPUT;
     Script script;
-    if (!LoadOptionScript(options, script) || !StartLog(options)) return STATUS_WRONG_INPUT;
+    if (!LoadOptionScript(options, script) || !LoadReplay(options) || !StartLog(options)) return STATUS_WRONG_INPUT;
     OpenMachine(options);
     SetDiscFolder(options.disc);
     if (!FindData(options.data) || !StartRun(options, std::move(script))) {

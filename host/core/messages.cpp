@@ -5,6 +5,8 @@
 #include "core/devices.h"
 #include "core/display.h"
 #include "core/machine.h"
+#include "core/recorder.h"
+#include "core/replay.h"
 #include "core/run.h"
 
 #include <deque>
@@ -31,10 +33,22 @@ int cursorCount = 0;
 // What the game only passes on: any address that is not null will do.
 int resourceToken = 0;
 
+bool TakeMessage(MSG& message, bool remove) {
+    if (!queue.empty()) {
+        message = queue.front();
+        if (remove) queue.pop_front();
+        return true;
+    }
+    if (!quitPosted) return false;
+    message = {nullptr, WM_QUIT, static_cast<WPARAM>(quitCode), 0};
+    if (remove) quitPosted = false;
+    return true;
+}
+
 }  // namespace
 
 void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (!mainWindow) return;
+    if (!mainWindow || Replaying()) return;
     queue.push_back({mainWindow.get(), message, wParam, lParam});
     ++arrivals;
 }
@@ -116,15 +130,13 @@ BOOL PeekMessageA(MSG* message, HWND, UINT, UINT, UINT remove) {
     CurrentMachine->pump();
     TurnCdDrive();
     arrivalsAtPeek = arrivals;
-    if (!queue.empty()) {
-        *message = queue.front();
-        if (remove & PM_REMOVE) queue.pop_front();
-        return TRUE;
+    if (Replaying()) {
+        message->hwnd = mainWindow.get();
+        return ReplayMessage(*message);
     }
-    if (!quitPosted) return FALSE;
-    *message = {nullptr, WM_QUIT, static_cast<WPARAM>(quitCode), 0};
-    if (remove & PM_REMOVE) quitPosted = false;
-    return TRUE;
+    const bool found = TakeMessage(*message, remove & PM_REMOVE);
+    RecordMessage(found ? message : nullptr);
+    return found;
 }
 
 BOOL TranslateMessage(const MSG*) {
@@ -141,6 +153,7 @@ LRESULT DefWindowProcA(HWND, UINT, WPARAM, LPARAM) {
 }
 
 BOOL WaitMessage() {
+    if (Replaying()) return TRUE;
     CurrentMachine->pump();
     while (arrivals == arrivalsAtPeek) {
         ReadClock();

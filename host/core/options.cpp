@@ -100,6 +100,17 @@ const OptionEntry OPTIONS[] = {
      [](std::string_view, Options& options) { return options.headless = true; }},
     {"--script", "FILE", "play the input written in FILE",
      [](std::string_view value, Options& options) { return TakeText(value, options.script); }},
+    {"--record", "FILE", "write what enters the game, and the numbers of each frame, to FILE",
+     [](std::string_view value, Options& options) { return TakeText(value, options.record); }},
+    {"--replay", "FILE", "play a recording, and end with status 1 at the first frame that differs",
+     [](std::string_view value, Options& options) { return TakeText(value, options.replay); }},
+    {"--from", "N", "draw nothing before game frame N",
+     [](std::string_view value, Options& options) { return TakeNumber(value, 1, UINT32_MAX, options.from); }},
+    {"--benchmark", "FILE", "play a recording as fast as possible, and print how long the parts of a frame take",
+     [](std::string_view value, Options& options) {
+         options.benchmark = true;
+         return TakeText(value, options.replay);
+     }},
     {"--frames", "N", "end after game frame N, counted from 1",
      [](std::string_view value, Options& options) { return TakeNumber(value, 1, UINT32_MAX, options.frames); }},
     {"--trace", "FILE", "write one JSON object a game frame to FILE",

@@ -27,6 +27,10 @@ struct Options {
     uint32_t boardScale = 1;  // of the gpu board's picture
     bool headless = false;
     std::string script;
+    std::string record;
+    std::string replay;  // also --benchmark's file
+    bool benchmark = false;
+    uint32_t from = 1;    // the first frame that is drawn
     uint32_t frames = 0;  // 0: no limit
     std::string trace;
     std::vector<ShotRequest> shots;

@@ -1,5 +1,7 @@
 #include "core/presentation.h"
 
+#include "host/probe.h"
+
 #include <cstring>
 #include <vector>
 
@@ -59,7 +61,7 @@ void Convert() {
 }
 
 void Present() {
-    if (!CurrentMachine->present) return;
+    if (!CurrentMachine->present || !HostWantsPicture()) return;
     Convert();
     CurrentMachine->present(picture);
 }

@@ -1,13 +1,18 @@
 #include "core/run.h"
 
+#include "core/benchmark.h"
 #include "core/clock.h"
 #include "core/closing.h"
+#include "core/digest.h"
 #include "core/front_end.h"
+#include "core/input_state.h"
 #include "core/log.h"
 #include "core/machine.h"
 #include "core/output.h"
 #include "core/presentation.h"
 #include "core/process.h"
+#include "core/recorder.h"
+#include "core/replay.h"
 #include "core/script_player.h"
 #include "core/shots.h"
 #include "core/trace.h"
@@ -17,12 +22,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 namespace {
 
 bool underWay = false;
 bool endsByItself = false;
-uint32_t frameLimit = 0;   // 0: none
+uint32_t frameLimit = 0;  // 0: none
+uint32_t firstDrawn = 1;
 uint32_t framesAsked = 0;  // the last frame that the limit or a shot waits for
 std::vector<ShotRequest> frameShots;
 std::FILE* trace = nullptr;
@@ -57,6 +64,31 @@ bool CloseTrace() {
     return complete;
 }
 
+// A flip leaves the picture of two frames ago to draw over.
+bool IsDrawn(uint32_t frame) {
+    return frame + 2 >= firstDrawn;
+}
+
+std::optional<uint64_t> DigestPicture() {
+    const Picture* picture = HostWantsPicture() && FrontIsReproducible() ? FrontPicture() : nullptr;
+    if (!picture) return {};
+    Digest digest;
+    digest.Add(picture->pixels, sizeof(uint32_t) * static_cast<size_t>(picture->width * picture->height));
+    return digest.Value();
+}
+
+std::optional<uint32_t> LowHalf(const std::optional<uint64_t>& digest) {
+    if (!digest || !RecordsPictures()) return {};
+    return static_cast<uint32_t>(*digest);
+}
+
+// A person in front of a replay has two ways to end it.
+void WatchReplay() {
+    uint8_t keys[KEY_COUNT];
+    TakeKeys(keys);
+    if (keys[DIK_ESCAPE] || CloseRequested()) StopReplay();
+}
+
 void EndWhenIdle() {
     if (endsByItself && !ScriptTimesPending() && ClockNow() - lastEvent >= RUN_IDLE_END) RequestClose();
 }
@@ -72,12 +104,16 @@ void LogDropped(uint32_t dropped) {
 
 bool StartRun(const Options& options, Script script) {
     ResetRun();
-    endsByItself = options.headless || !options.script.empty();
+    endsByItself = (options.headless || !options.script.empty()) && !Replaying();
     frameLimit = framesAsked = options.frames;
     CollectShots(options, script);
+    firstDrawn = options.from;
+    for (const ShotRequest& shot : frameShots)
+        firstDrawn = std::min(firstDrawn, shot.frame);
+    if (options.benchmark) StartBenchmark();
     StartFrontEndKeys(options);
     StartScript(std::move(script));
-    underWay = OpenTrace(options.trace);
+    underWay = OpenTrace(options.trace) && StartRecorder(options);
     return underWay;
 }
 
@@ -88,6 +124,10 @@ bool FinishRun() {
     const bool traceComplete = CloseTrace();
     const bool logComplete = FinishLog();
     return traceComplete && logComplete && !ShotsFailed();
+    FinishBenchmark();
+    const bool replayed = framesPlayed == frameLimit || FinishReplay(framesPlayed);
+    const bool recorded = FinishRecorder();
+    return CloseTrace() && !ShotsFailed() && recorded && replayed;
 }
 
 void EndRun(int status) {
@@ -107,6 +147,11 @@ uint32_t PollsSincePeek() {
 
 void AtKeyboardPoll() {
     ++pollsSincePeek;
+    if (Replaying()) {
+        CurrentMachine->pump();
+        WatchReplay();
+        return;
+    }
     CurrentMachine->beforeKeyboardPoll();
     ReadClock();
     WatchFrontEnd();
@@ -142,14 +187,10 @@ void ResetRun() {
     lastEvent = 0;
 }
 
-bool HostEndOfFrame(const HostFrameReport& report) {
-    ++framesPlayed;
-    LogDropped(report.dropped);
-    if (framesPlayed <= framesAsked || ScriptFramesPending()) lastEvent = ClockNow();
-    if (trace)
-        std::fprintf(trace, "%s\n",
-                     TraceLine(framesPlayed, report, FrontIsReproducible() ? FrontPicture() : nullptr).c_str());
-    for (const ShotRequest& shot : frameShots)
-        if (shot.frame == framesPlayed) WriteShot(shot.file);
-    return (frameLimit != 0 && framesPlayed >= frameLimit) || CloseRequested();
+FinishBenchmark();
+const bool replayed = framesPlayed == frameLimit || FinishReplay(framesPlayed);
+const bool recorded = FinishRecorder();
+const bool traceComplete = CloseTrace();
+const bool logComplete = FinishLog();
+return traceComplete && logComplete && !ShotsFailed() && recorded && replayed;
 }

@@ -28,8 +28,10 @@ constexpr float DEPTH_RANGE = 63000.0f;   // accelerator depth at FarDistance
 constexpr float FAR_DISTANCE_MIN = 1.0f;  // a level without a light map may have none
 
 // The software renderer draws straight into the display's surface. A failed lock leaves the target as it was.
+// Without one nothing is filled.
 bool LockTarget() {
-    if (GlideActive() || Failed(LockSurface())) return false;
+    if (!HostWantsPicture()) FrameBuffer = nullptr;
+    if (!HostWantsPicture() || GlideActive() || Failed(LockSurface())) return false;
     FrameBuffer = SurfaceMemory;
     FramePitch = SurfacePitch;
     return true;
@@ -77,7 +79,8 @@ HostFrameReport DescribeFrame(const ReportedLists& lists) {
         .dropped = DroppedPolygons,
         .lights = lists.lights,
         .shots = lists.shots,
-        .extra = {{&RandState, sizeof RandState}, {LightSlots, sizeof LightSlots}, {Shots, sizeof Shots}},
+        .random = RandState,
+        .extra = {{LightSlots, sizeof LightSlots}, {Shots, sizeof Shots}},
     };
 }
 
@@ -92,11 +95,14 @@ bool GameFrame() {
     DepthScale = DEPTH_RANGE / std::max(FAR_DISTANCE_MIN, FarDistance);
     UpdateCamera();
     ClearFrame();
+    HostStage(HostStageName::Character);
     UpdatePlayer();
     TextureCycle();
+    HostStage(HostStageName::Lights);
     UpdateShots();
     UpdateLights();
     DrawView();
+    HostStage(HostStageName::Present);
     if (locked) UnlockSurface();
     SwapScreen();
     const bool hostEnds = HostEndOfFrame(DescribeFrame(ListLightsAndShots()));

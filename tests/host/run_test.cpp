@@ -18,11 +18,11 @@ TEST(Trace, ALineHasItsFieldsInOrderAndNoNumberThatIsNone) {
     frame.slope = std::numeric_limits<float>::quiet_NaN();
     frame.camera[2] = -1e30f;
     frame.shots = frame.position;
-    const std::string line = TraceLine(1, frame, nullptr);
+    const std::string line = TraceLine(1, TakeFields(frame), 0, 0, {});
     EXPECT_TRUE(line.starts_with(
         "{\"frame\":1,\"ticks\":0,\"level\":0,\"state\":0,\"pos\":[0,0.100000001,0],\"vel\":[0,0,0],\"heading\":0,"
         "\"contact\":0,\"slope\":null,\"time0\":0,\"camera\":[0,0,-1.00000002e+30],\"angles\":[0,0,0],\"polys\":0,"
-        "\"lights\":[],\"shots\":[0,0.100000001,0],\"digest\":"))
+        "\"lights\":[],\"shots\":[0,0.100000001,0],\"random\":0,\"digest\":"))
         << line;
     EXPECT_TRUE(line.ends_with("\",\"dropped\":0,\"pixels\":null}")) << "no picture was shown";
     frame.dropped = 7;

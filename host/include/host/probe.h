@@ -27,8 +27,18 @@ struct HostFrameReport {
     uint32_t dropped;               // of the character: polygons and pieces that a table had no room for
     std::span<const float> lights;  // intensities of the lights that animate or move, in the order of their slots
     std::span<const float> shots;   // x, y, z of each that flies; both spans last until HostEndOfFrame returns
-    HostStateSpan extra[4];         // further state for the digest: random numbers, light slots, shots
+    uint32_t random;                // state of the random numbers
+    HostStateSpan extra[2];         // further state for the digest: light slots, shots
 };
+
+// False: nobody looks at the picture of this frame, and the game may leave out what only fills its pixels. The rest
+// goes on as ever, so that the frames after it are the same.
+bool HostWantsPicture();
+
+// The parts of a frame that benchmarks measure. Each ends where the next begins, and the last one at the end of the
+// frame; one may begin several times.
+enum class HostStageName { Character, Lights, Sky, World, Present };
+void HostStage(HostStageName stage);  // it begins
 
 // Called right after the picture is presented. True: end the program through the normal way out.
 bool HostEndOfFrame(const HostFrameReport& report);
