@@ -16,6 +16,7 @@
 namespace {
 
 constexpr uint32_t MOST_BEYOND = 100000;  // answers that nobody recorded: the game waits for one that does not come
+constexpr int32_t LONGEST_PAUSE = 1000;   // ms, of a replay in a window
 
 std::string file;
 std::vector<uint8_t> bytes;
@@ -143,12 +144,13 @@ void CompareRest(uint32_t frame, const std::optional<uint64_t>& pixels) {
     }
 }
 
-// A real clock naps when it is read again within the same millisecond.
+// A real clock naps when it is read again within the same millisecond. Pauses, such as those without the focus, are
+// cut short.
 void KeepPace() {
-    const uint32_t now = CurrentMachine->milliseconds();
-    if (!hasPace) paceStart = now - clockNow;
+    const auto ahead = [] { return static_cast<int32_t>(paceStart + clockNow - CurrentMachine->milliseconds()); };
+    if (!hasPace || ahead() > LONGEST_PAUSE) paceStart = CurrentMachine->milliseconds() - clockNow;
     hasPace = true;
-    while (static_cast<int32_t>(CurrentMachine->milliseconds() - paceStart - clockNow) < 0) {
+    while (ahead() > 0) {
     }
 }
 
@@ -279,7 +281,7 @@ bool ReplayWantsPixels() {
 }
 
 void StopReplay() {
-    std::fprintf(stderr, "the replay was ended in game frame %u of %u\n", FramesPlayed() + 1, framesRecorded);
+    std::fprintf(stderr, "the replay was ended after %u of %u frames\n", FramesPlayed(), framesRecorded);
     isPlaying = false;
     EndRun(EXIT_SUCCESS);
 }

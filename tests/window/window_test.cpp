@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -144,4 +145,37 @@ TEST_F(Window, ShowsTheGpuBoardsPictureAtEverySizeAndWhenTheFocusComesBack) {
     EXPECT_TRUE(WaitFor(shown));
     desktop->PressCloseButton();
     EXPECT_EQ(desktop->GameStatus(), 0) << Output();
+}
+
+TEST_F(Window, WhatWasPlayedReplaysWithoutAWindowAndInOne) {
+    const std::string file = desktop->TraceFile() + ".rec";
+    desktop->StartGame({"--window", "640x480", "--record", file});
+    desktop->ChooseFirstLevel();
+    desktop->Input("keydown Up");
+    desktop->Key("space");
+    desktop->TakeFocus();
+    Rest(300);
+    desktop->GiveFocus();
+    desktop->Key("F6");
+    for (int i = 0; i < 20; i++)
+        desktop->Input("mousemove_relative 30 -10");
+    desktop->PressCloseButton();
+    EXPECT_EQ(desktop->GameStatus(), 0) << Output();
+    const std::string replay = BUILD_FOLDER "/tarnwick --replay " + file;
+    EXPECT_EQ(std::system((replay + " --headless >/dev/null").c_str()), 0);
+    EXPECT_EQ(std::system((replay + " --window 640x480 --from 20 >/dev/null").c_str()), 0);
+}
+
+TEST_F(Window, AReplayHearsNoKeyButEscape) {
+    const std::string file = desktop->TraceFile() + ".rec", script = desktop->TraceFile() + ".txt";
+    std::ofstream(script) << "300000ms tap SPACE\n";  // five minutes of pictures
+    const std::string record = BUILD_FOLDER "/tarnwick --headless --script " + script + " --record " + file;
+    EXPECT_EQ(std::system((record + " >/dev/null").c_str()), 0);
+    desktop->StartGame({"--window", "640x480", "--replay", file});
+    desktop->Key("space");
+    desktop->Key("F1");
+    EXPECT_TRUE(desktop->GameRuns());
+    desktop->Key("Escape");
+    EXPECT_EQ(desktop->GameStatus(), 0);
+    EXPECT_EQ(desktop->TracedFrames(), 0u);
 }
