@@ -8,8 +8,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -155,11 +153,15 @@ void KeepPace() {
 }
 
 bool ReadBytes() {
-    std::ifstream stream(file, std::ios::binary);
-    bytes.assign(std::istreambuf_iterator<char>(stream), {});
-    if (stream && !bytes.empty()) return true;
-    std::fprintf(stderr, "tarnwick: the recording %s cannot be read, or is empty\n", file.c_str());
-    return false;
+    bytes.clear();
+    if (std::FILE* stream = std::fopen(file.c_str(), "rb")) {
+        uint8_t block[16384];
+        while (const size_t count = std::fread(block, 1, sizeof block, stream))
+            bytes.insert(bytes.end(), block, block + count);
+        std::fclose(stream);
+    }
+    if (bytes.empty()) std::fprintf(stderr, "tarnwick: the recording %s cannot be read, or is empty\n", file.c_str());
+    return !bytes.empty();
 }
 
 bool Excludes(const Options& options) {

@@ -1,0 +1,77 @@
+// show_recordings coverage FILE...   what the recordings reach, and how often; status 1 when something is missing
+// show_recordings differences OLD NEW   each field's first difference: field, frame, old, new
+// show_recordings states FILE        the player's states in their order: frame, state, place
+#include "replay/play/recorded_play.h"
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace {
+
+int ShowCoverage(const std::vector<std::string>& files) {
+    Coverage coverage = WantedCoverage();
+    const Coverage wanted = coverage;
+    for (const std::string& file : files)
+        AddCoverage(coverage, ReadPlay(file));
+    int missing = 0;
+    for (const auto& [name, count] : coverage) {
+        std::printf("%8d  %s%s\n", count, name.c_str(), wanted.contains(name) ? "" : " (not asked for)");
+        missing += count == 0;
+    }
+    std::printf("%zu things reached, %d missing\n", coverage.size() - static_cast<size_t>(missing), missing);
+    return missing != 0;
+}
+
+int ShowDifferences(const std::string& oldFile, const std::string& newFile) {
+    const std::vector<PlayedFrame> before = ReadPlay(oldFile), now = ReadPlay(newFile);
+    if (before.size() != now.size()) std::printf("frames: %zu, now %zu\n", before.size(), now.size());
+    const size_t frames = std::min(before.size(), now.size());
+    for (size_t field = 0; field < FIELD_COUNT; ++field) {
+        size_t first = frames, count = 0;
+        for (size_t frame = frames; frame-- > 0;) {
+            if (before[frame].fields[field] == now[frame].fields[field]) continue;
+            first = frame;
+            ++count;
+        }
+        if (count == 0) continue;
+        std::printf("%s: frame %zu, %s, now %s; differs in %zu of %zu frames\n", FRAME_FIELDS[field].name, first + 1,
+                    FieldText(field, before[first].fields[field]).c_str(),
+                    FieldText(field, now[first].fields[field]).c_str(), count, frames);
+    }
+    for (size_t frame = 0; frame < frames; ++frame) {
+        if (before[frame].digest == now[frame].digest) continue;
+        std::printf("digest: frame %zu, %08x, now %08x\n", frame + 1, before[frame].digest, now[frame].digest);
+        break;
+    }
+    return 0;
+}
+
+int ShowStates(const std::string& file) {
+    int32_t state = -1;
+    const std::vector<PlayedFrame> play = ReadPlay(file);
+    for (size_t frame = 0; frame < play.size(); ++frame) {
+        const PlayedFrame& now = play[frame];
+        if (now.Whole("state") == state) continue;
+        state = now.Whole("state");
+        std::printf("%6zu %2d  ticks %2d  at %.0f %.0f %.0f  speed %.1f %.1f %.1f\n", frame + 1, state,
+                    now.Whole("ticks"), static_cast<double>(now.Real("pos")), static_cast<double>(now.Real("pos", 1)),
+                    static_cast<double>(now.Real("pos", 2)), static_cast<double>(now.Real("vel")),
+                    static_cast<double>(now.Real("vel", 1)), static_cast<double>(now.Real("vel", 2)));
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
+    try {
+        if (words.size() > 1 && words[0] == "coverage") return ShowCoverage({words.begin() + 1, words.end()});
+        if (words.size() == 3 && words[0] == "differences") return ShowDifferences(words[1], words[2]);
+        if (words.size() == 2 && words[0] == "states") return ShowStates(words[1]);
+        std::fprintf(stderr, "show_recordings coverage FILE... | differences OLD NEW | states FILE\n");
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "show_recordings: %s\n", error.what());
+    }
+    return 2;
+}
