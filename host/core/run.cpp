@@ -121,13 +121,12 @@ bool FinishRun() {
     if (!underWay) return true;
     underWay = false;
     if (framesPlayed < framesAsked) std::fprintf(stderr, "ended after %u of %u frames\n", framesPlayed, framesAsked);
-    const bool traceComplete = CloseTrace();
-    const bool logComplete = FinishLog();
-    return traceComplete && logComplete && !ShotsFailed();
     FinishBenchmark();
     const bool replayed = framesPlayed == frameLimit || FinishReplay(framesPlayed);
     const bool recorded = FinishRecorder();
-    return CloseTrace() && !ShotsFailed() && recorded && replayed;
+    const bool traceComplete = CloseTrace();
+    const bool logComplete = FinishLog();
+    return traceComplete && logComplete && !ShotsFailed() && recorded && replayed;
 }
 
 void EndRun(int status) {
@@ -187,10 +186,24 @@ void ResetRun() {
     lastEvent = 0;
 }
 
-FinishBenchmark();
-const bool replayed = framesPlayed == frameLimit || FinishReplay(framesPlayed);
-const bool recorded = FinishRecorder();
-const bool traceComplete = CloseTrace();
-const bool logComplete = FinishLog();
-return traceComplete && logComplete && !ShotsFailed() && recorded && replayed;
+bool HostWantsPicture() {
+    return IsDrawn(framesPlayed + 1);
+}
+
+bool HostEndOfFrame(const HostFrameReport& report) {
+    EndBenchmarkFrame();
+    const uint32_t frame = framesPlayed + 1;
+    if (frame <= framesAsked || ScriptFramesPending()) lastEvent = ClockNow();
+    const FrameFields fields = TakeFields(report);
+    const uint64_t digest = DigestFrame(frame, fields, report);
+    const bool wantsPixels = trace || RecordsPictures() || (ReplayWantsPixels() && !Benchmarking());
+    const std::optional<uint64_t> pixels = wantsPixels ? DigestPicture() : std::nullopt;
+    if (trace) std::fprintf(trace, "%s\n", TraceLine(frame, fields, digest, report.dropped, pixels).c_str());
+    for (const ShotRequest& shot : frameShots)
+        if (shot.frame == frame) WriteShot(shot.file);
+    const bool replayEnds = Replaying() && ReplayFrame(frame, fields, digest, firstDrawn == 1 ? pixels : std::nullopt);
+    RecordFrame({fields, static_cast<uint32_t>(digest), LowHalf(pixels)});
+    framesPlayed = frame;
+    LogDropped(report.dropped);
+    return replayEnds || (frameLimit != 0 && framesPlayed >= frameLimit) || CloseRequested();
 }
