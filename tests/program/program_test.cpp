@@ -176,11 +176,11 @@ TEST_F(ProgramWithLevel, SaysWhichBoardCannotBeHadAndWhy) {
 }
 
 TEST_F(ProgramWithLevel, EscapeLeadsBackToTheFrontEndAndIntoAnotherGame) {
-    program.Write("keys.txt", "20 tap ESCAPE\n9000ms tap SPACE\n9100ms tap F3\n9200ms tap F11\n");
+    program.Write("keys.txt", "20 tap ESCAPE\n9000ms tap SPACE\n9100ms tap F4\n9200ms tap F11\n");
     const ProgramResult result = Play("--script keys.txt --frames 100 --trace t.jsonl");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(Lines(program.Read("t.jsonl")).size(), 20u);
-    EXPECT_TRUE(Says(result.errors, "house.bgm"));
+    EXPECT_TRUE(Says(result.errors, "soulflum.bgm"));
     EXPECT_TRUE(Says(result.errors, "ended after 20 of 100 frames"));
 }
 

@@ -114,7 +114,7 @@ std::vector<PlayedFrame> ReadPlay(const std::string& file) {
             for (uint32_t time = 0; time < run.times; ++time)
                 for (size_t i = 1; i < run.words.size(); ++i)
                     keys.flip(static_cast<size_t>(run.words[i]));
-        play.push_back({section.frame.fields, section.frame.digest, keys});
+        play.push_back({section.frame.fields, section.frame.digest, section.frame.pixels, keys});
     }
 }
 

@@ -11,6 +11,7 @@
 struct PlayedFrame {
     FrameFields fields;
     uint32_t digest;
+    std::optional<uint32_t> pixels;
     std::bitset<256> keys;  // down, by scan code
 
     int32_t Whole(const char* field) const;

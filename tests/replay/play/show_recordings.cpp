@@ -3,7 +3,9 @@
 // show_recordings states FILE        the player's states in their order: frame, state, place
 #include "replay/play/recorded_play.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <stdexcept>
 
 namespace {
@@ -22,27 +24,30 @@ int ShowCoverage(const std::vector<std::string>& files) {
     return missing != 0;
 }
 
+// `text`: what a frame has of the thing, empty for nothing.
+void ShowDifference(const char* name, const std::vector<PlayedFrame>& before, const std::vector<PlayedFrame>& now,
+                    const std::function<std::string(const PlayedFrame&)>& text) {
+    const size_t frames = std::min(before.size(), now.size());
+    size_t first = frames, count = 0;
+    for (size_t frame = frames; frame-- > 0;) {
+        if (text(before[frame]) == text(now[frame])) continue;
+        first = frame;
+        ++count;
+    }
+    if (count == 0) return;
+    std::printf("%s: frame %zu: %s, now %s; differs in %zu of %zu frames\n", name, first + 1,
+                text(before[first]).c_str(), text(now[first]).c_str(), count, frames);
+}
+
 int ShowDifferences(const std::string& oldFile, const std::string& newFile) {
     const std::vector<PlayedFrame> before = ReadPlay(oldFile), now = ReadPlay(newFile);
     if (before.size() != now.size()) std::printf("frames: %zu, now %zu\n", before.size(), now.size());
-    const size_t frames = std::min(before.size(), now.size());
-    for (size_t field = 0; field < FIELD_COUNT; ++field) {
-        size_t first = frames, count = 0;
-        for (size_t frame = frames; frame-- > 0;) {
-            if (before[frame].fields[field] == now[frame].fields[field]) continue;
-            first = frame;
-            ++count;
-        }
-        if (count == 0) continue;
-        std::printf("%s: frame %zu, %s, now %s; differs in %zu of %zu frames\n", FRAME_FIELDS[field].name, first + 1,
-                    FieldText(field, before[first].fields[field]).c_str(),
-                    FieldText(field, now[first].fields[field]).c_str(), count, frames);
-    }
-    for (size_t frame = 0; frame < frames; ++frame) {
-        if (before[frame].digest == now[frame].digest) continue;
-        std::printf("digest: frame %zu, %08x, now %08x\n", frame + 1, before[frame].digest, now[frame].digest);
-        break;
-    }
+    for (size_t field = 0; field < FIELD_COUNT; ++field)
+        ShowDifference(FRAME_FIELDS[field].name, before, now,
+                       [&](const PlayedFrame& frame) { return FieldText(field, frame.fields[field]); });
+    ShowDifference("digest", before, now, [](const PlayedFrame& frame) { return std::to_string(frame.digest); });
+    ShowDifference("pixels", before, now,
+                   [](const PlayedFrame& frame) { return frame.pixels ? std::to_string(*frame.pixels) : ""; });
     return 0;
 }
 
