@@ -21,7 +21,7 @@ for script in "$folder"/*.txt; do
         else
             echo "    is new"
         fi
-        cp "$new" "$folder/$name.rec"
+        cat "$new" >"$folder/$name.rec"
     done < <(grep '^#: ' "$script")
 done
 "$build/tests/show_recordings" coverage "$folder"/*.rec

@@ -40,8 +40,11 @@ const std::pair<const char*, std::vector<const char*>> WAYS[] = {
 };
 const char* const KEYS[] = {"UP", "DOWN", "LEFT", "RIGHT", "SPACE", "LSHIFT", "RCONTROL", "F5", "F6", "F8", "D", "W",
                             "R",  "O",    "L",    "I",     "K",     "U",      "J",        "Y",  "H",  "T",  "G"};
-const char* const PLACES[] = {"step up",        "slope up",       "slope down",   "over a ledge", "under a ceiling",
-                              "against a wall", "shot in flight", "no shot left", "free camera"};
+const char* const PLACES[] = {"step up",         "slope up",       "slope down",         "over a ledge",
+                              "under a ceiling", "against a wall", "landing on a slope", "shot in flight",
+                              "no shot left",    "free camera"};
+
+const char* const ARROWS[] = {"UP", "DOWN", "LEFT", "RIGHT"};
 
 std::string Jump(const std::string& kind, int32_t ticks, bool held) {
     return kind + ", " + std::to_string(ticks) + " ticks, " + (held ? "held" : "tapped");
@@ -81,6 +84,7 @@ void AddPlaces(Coverage& coverage, const PlayedFrame& before, const PlayedFrame&
         {"over a ledge", walks && !touches && ground - height > 60},
         {"under a ceiling", touches && slope > 0.7f && before.Real("vel", 1) > 3 && !walks},
         {"against a wall", walks && touches && slope < 0.1f},
+        {"landing on a slope", StateOf(before) == "HopAir" && StateOf(now) == "HopLand" && slope < 0.95f},
         {"shot in flight", shoots},
         {"no shot left", shot && !shoots},
     };
@@ -129,6 +133,9 @@ Coverage WantedCoverage() {
         coverage[std::string("key ") + key];
     for (const char* place : PLACES)
         coverage[place];
+    for (const char* key : ARROWS)
+        for (const char* state : {"HopAir", "LeapAir"})
+            coverage[std::string(state) + ", steered " + key];
     for (const char* kind : {"hop", "leap"})
         for (const int32_t ticks : {1, 2, 4, 12})
             for (const bool held : {false, true})
@@ -148,6 +155,8 @@ void AddCoverage(Coverage& coverage, const std::vector<PlayedFrame>& play) {
             coverage[std::string("key ") + key] += now.keys[CodeOf(key)];
         freeCamera = (freeCamera || now.keys[CodeOf("F6")]) && !now.keys[CodeOf("F5")];
         coverage["free camera"] += freeCamera && i > 0 && now.Real("camera") != play[i - 1].Real("camera");
+        for (const char* key : ARROWS)
+            if (state == "HopAir" || state == "LeapAir") coverage[state + ", steered " + key] += now.keys[CodeOf(key)];
         if (i == 0 || now.Whole("level") != play[i - 1].Whole("level")) continue;
         AddPlaces(coverage, play[i - 1], now, ground);
         const std::string before = StateOf(play[i - 1]);
