@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <sstream>
 
@@ -51,7 +52,7 @@ TEST_P(Bot, StaysInTheWorld) {
     program.Write("keys.txt", RandomScript(frames, 1234u + static_cast<unsigned>(level.number)));
     const ProgramResult result =
         program.Run("--data '" DATA_FOLDER "' --renderer software --level " + std::to_string(level.number) +
-                    " --script keys.txt --trace t.jsonl --frames " + std::to_string(frames));
+                    " --script keys.txt --trace t.jsonl --record bot.rec --frames " + std::to_string(frames));
     ASSERT_EQ(result.status, 0) << result.errors;
 
     std::istringstream trace(program.Read("t.jsonl"));
@@ -63,6 +64,11 @@ TEST_P(Bot, StaysInTheWorld) {
         ASSERT_LT(inTheAir, 400) << "fallen out of the world, or stuck: " << line;
     }
     EXPECT_EQ(count, frames);
+
+    const int replayed = std::min(frames, 1000);
+    const ProgramResult again = program.Run("--data '" DATA_FOLDER "' --replay bot.rec --frames " +
+                                            std::to_string(replayed) + " --from " + std::to_string(replayed / 2));
+    EXPECT_EQ(again.status, 0) << "the same without drawing the first half: " << again.errors;
 }
 
 }  // namespace
