@@ -56,6 +56,13 @@ std::string InFrame(uint32_t frame) {
     return "game frame " + std::to_string(frame) + " differs from the recorded one: ";
 }
 
+// What the run that was recorded failed by did not happen again, or has no answers any more.
+[[noreturn]] void EndAsRecorded(uint32_t frame) {
+    std::fprintf(stderr, "the recording ends here, in game frame %u, as the run did that it was made of\n", frame);
+    isPlaying = false;
+    EndRun(EXIT_SUCCESS);
+}
+
 // Null: the game asks more often than it did.
 const AnswerRun* TakeAnswer(AnswerKind kind) {
     const Answers& answers = section.answers[kind];
@@ -67,11 +74,7 @@ const AnswerRun* TakeAnswer(AnswerKind kind) {
         return &answers[place.run];
     }
     const uint32_t frame = FramesPlayed() + 1;
-    if (section.end && frame > framesRecorded) {
-        std::fprintf(stderr, "the recording ends here, in game frame %u, as the run did that it was made of\n", frame);
-        isPlaying = false;
-        EndRun(EXIT_SUCCESS);
-    }
+    if (section.end) EndAsRecorded(frame);
     if (++beyond > MOST_BEYOND) Differ(InFrame(frame) + "the game waits for an answer that was not recorded");
     return nullptr;
 }
@@ -268,9 +271,9 @@ void ReplayFile(const char* path, uint32_t digest) {
 }
 
 bool ReplayFrame(uint32_t frame, const FrameFields& fields, uint64_t digest, const std::optional<uint64_t>& pixels) {
+    if (section.end) EndAsRecorded(frame);
     CompareFields(frame, fields, static_cast<uint32_t>(digest));
     CompareRest(frame, pixels);
-    if (frame == framesRecorded && unexplained) Differ(Unexplained(*unexplained));
     NextSection();
     if (!section.end || *section.end == RunEnd::Failure) return false;
     std::fprintf(stderr, "%u frames, all as recorded\n", frame);
