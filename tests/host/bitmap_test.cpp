@@ -16,12 +16,25 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// What fuzz/corpus/bitmap holds in every format there is: one picture of two colours.
+// One picture of two colours, that fuzz/corpus/bitmap holds in every format there is.
 constexpr int WIDTH = 5;
 constexpr int HEIGHT = 3;
 constexpr int PICTURE[HEIGHT][WIDTH] = {{0, 1, 1, 0, 0}, {1, 0, 1, 0, 1}, {0, 0, 0, 1, 0}};
 constexpr uint16_t EXPECTED[2] = {3 << 11 | 41 << 5 | 27, 30 << 11 | 8 << 5 | 11};
 const std::filesystem::path FORMATS = SOURCE_FOLDER "/fuzz/corpus/bitmap";
+constexpr const char* FORMAT_NAMES[] = {"one_bit",
+                                        "four_bits",
+                                        "rle4",
+                                        "eight_bits",
+                                        "rle8",
+                                        "high_colour",
+                                        "fields",
+                                        "fields_32",
+                                        "true_colour",
+                                        "long_header",
+                                        "true_colour_32",
+                                        "eight_bits_top_down",
+                                        "true_colour_top_down"};
 
 constexpr uint16_t UNTOUCHED = 0xABCD;
 constexpr int SURFACE_WIDTH = 16;
@@ -65,20 +78,17 @@ protected:
 };
 
 TEST_F(Bitmaps, OfEveryFormatDrawTheSamePicture) {
-    int formats = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(FORMATS)) {
-        SCOPED_TRACE(entry.path());
+    for (const char* name : FORMAT_NAMES) {
+        SCOPED_TRACE(name);
         SetUp();
-        const Bytes file = ReadBitmap(entry.path());
+        const Bytes file = ReadBitmap(FORMATS / name);
         EXPECT_EQ(Draw(file, 2, 1, WIDTH, HEIGHT, Number(file, HEADER_AT + 8)), HEIGHT);
         for (int y = 0; y < SURFACE_HEIGHT; ++y)
             for (int x = 0; x < SURFACE_WIDTH; ++x) {
                 const bool inside = x >= 2 && x < 2 + WIDTH && y >= 1 && y < 1 + HEIGHT;
                 EXPECT_EQ(At(x, y), inside ? EXPECTED[PICTURE[y - 1][x - 2]] : UNTOUCHED) << x << ", " << y;
             }
-        ++formats;
     }
-    EXPECT_EQ(formats, 13);
 }
 
 TEST_F(Bitmaps, StretchByRepeatingPixelsAndAreCutAtTheSurfacesEdges) {
