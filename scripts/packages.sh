@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# packages.sh play|check: is everything here that the build (play) or the build and its tests (check) need? On Debian
-# and its relatives what is missing is installed, elsewhere it is named. Status 1: something is still missing.
+# packages.sh play|check|fresh|package|processors: is everything here that ./play, ./check (and with it ./play),
+# scripts/fresh_machine.sh, scripts/package.sh or scripts/other_processors.sh need? On Debian and its relatives what is
+# missing is installed, elsewhere it is named. Status 1: something is still missing. packages.sh --list WHAT prints the
+# Debian packages.
 set -u
 
-# What is needed, how to find it, and the Debian package that has it. program: on the path. module: known to
-# pkg-config. header: found by the compiler, one of those between the bars. font: a font file. runtime: a library of
+# What is needed, how to find it, and the Debian package that has it; of names between bars one is enough. program: on
+# the path. module: known to pkg-config. header: found by the compiler. font: a font file. runtime: a library of
 # clang's own. library: known to the loader. driver: OpenGL's, that draws without a graphics card.
 PLAY="
 program c++          g++
@@ -36,10 +38,26 @@ program xdotool      xdotool
 library libEGL.so.1  libegl1
 driver  swrast       libgl1-mesa-dri
 "
+FRESH="
+program debootstrap  debootstrap
+program git          git
+"
+PACKAGE="
+program git          git
+program dpkg-shlibdeps dpkg-dev
+"
+PROCESSORS="
+program aarch64-linux-gnu-g++ g++-aarch64-linux-gnu
+program qemu-aarch64|qemu-aarch64-static qemu-user
+"
 
 present() {  # kind name
     case $1 in
-    program) command -v "$2" >/dev/null ;;
+    program)
+        local program
+        for program in ${2//|/ }; do command -v "$program" >/dev/null && return; done
+        return 1
+        ;;
     module) command -v pkg-config >/dev/null && pkg-config --exists "$2" ;;
     header)
         local header
@@ -83,12 +101,50 @@ unknown_packages() {
     done
 }
 
-needed=$PLAY
-[ "${1:-}" = check ] && needed=$PLAY$CHECK
+list=
+[ "${1:-}" = --list ] && list=1 && shift
+case ${1:-} in
+play) needed=$PLAY ;;
+check) needed=$PLAY$CHECK ;;
+fresh) needed=$FRESH ;;
+package) needed=$PLAY$PACKAGE ;;
+processors) needed=$PLAY$PROCESSORS ;;
+*)
+    echo "usage: packages.sh [--list] play|check|fresh|package|processors" >&2
+    exit 2
+    ;;
+esac
+if [ -n "$list" ]; then
+    awk 'NF { print $3 }' <<<"$needed"
+    exit
+fi
 find_missing
 if [ ${#names[@]} = 0 ]; then exit 0; fi
 
-log=$(mktemp)
+# What apt or sudo said, as a line that tells what to do.
+remedy() {
+    local unknown by_hand="sudo apt-get install ${packages[*]}"
+    if grep -qE 'Temporary failure|Could not (resolve|connect)|Unable to connect|Failed to fetch|Connection (failed|timed out)' "$log"; then
+        echo "they could not be fetched; run this again when the network and the mirror of apt's sources answer"
+    elif grep -qE 'No space left|enough free space' "$log"; then
+        echo "the disk has no room for them; make some and run this again"
+    elif grep -qE 'Could not get lock' "$log"; then
+        echo "another program is installing packages; run this again when it has ended"
+    elif grep -qE '^sudo: |sudoers' "$log"; then
+        echo "you may not use sudo here; ask somebody who may for: $by_hand"
+    else
+        unknown=$(unknown_packages)
+        if [ -n "$unknown" ]; then
+            echo "this system has no package$unknown; Debian 12 and Ubuntu 24.04 have them all, Ubuntu 22.04 has not"
+        else
+            grep -m 1 -E '^E: ' "$log"
+            echo "please install them; on Debian and Ubuntu: $by_hand"
+        fi
+    fi
+}
+
+log=$(mktemp) || exit 1
+trap 'rm -f "$log"' EXIT
 if command -v apt-get >/dev/null && { [ "$(id -u)" = 0 ] || command -v sudo >/dev/null; }; then
     # Twice: what clang brings along shows only once it is here.
     for _ in 1 2; do
@@ -99,15 +155,6 @@ if command -v apt-get >/dev/null && { [ "$(id -u)" = 0 ] || command -v sudo >/de
         find_missing
     done
 fi
-if [ ${#names[@]} != 0 ]; then
-    tail -n 5 "$log"
-    echo "Missing here: ${names[*]}"
-    unknown=$(unknown_packages)
-    if [ -n "$unknown" ]; then
-        echo "This system has no package$unknown; Debian 12 and Ubuntu 24.04 have them all, Ubuntu 22.04 has not"
-    else
-        echo "Please install them; on Debian and Ubuntu: sudo apt-get install ${packages[*]}"
-    fi
-fi
-rm -f "$log"
-[ ${#names[@]} = 0 ]
+[ ${#names[@]} = 0 ] && exit
+echo "Missing here: ${names[*]}: $(remedy)" >&2
+exit 1
