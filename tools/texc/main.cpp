@@ -12,12 +12,23 @@
 
 namespace {
 
+// As make writes names: blanks, hashes and dollars would mean something else.
+std::string EscapeForDepfile(const std::string& path) {
+    std::string escaped;
+    for (const char c : path) {
+        if (c == ' ' || c == '#') escaped += '\\';
+        if (c == '$') escaped += '$';
+        escaped += c;
+    }
+    return escaped;
+}
+
 // One line for the build tool: the output depends on these files.
 void WriteDependencies(const std::filesystem::path& path, const std::string& output,
                        const std::vector<std::filesystem::path>& sources) {
-    std::string text = output + ":";
+    std::string text = EscapeForDepfile(output) + ":";
     for (const auto& source : sources)
-        text += " " + source.string();
+        text += " " + EscapeForDepfile(source.string());
     text += "\n";
     WriteWholeFile(path, {text.begin(), text.end()});
 }
