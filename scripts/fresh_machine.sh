@@ -202,7 +202,7 @@ packages() {
     wants package || return
     step "a base system for the packages" new_system package root || return
     mkdir "$work/package/packages"
-    cp "$root"/build/packages/* "$work/package/packages/" || exit 1
+    cp "$root"/build-package/packages/* "$work/package/packages/" || exit 1
     step "no compiler is there" sh -c "! ls '$work/package'/usr/bin/*g++* '$work/package'/usr/bin/*clang* '$work/package'/usr/bin/cmake"
     step "the tarball's game, from a folder with blanks and letters" tarball_tour
     new_packages package

@@ -4,6 +4,7 @@
 #include "boards/boards.h"
 #include "core/cd_drive.h"
 #include "core/data_folder.h"
+#include "core/find_data.h"
 #include "core/log.h"
 #include "core/machine.h"
 #include "core/process.h"
@@ -21,17 +22,34 @@ constexpr int STATUS_WRONG_INPUT = 2;
 
 struct HostInstance* const INSTANCE = reinterpret_cast<HostInstance*>(uintptr_t{0x400000});
 
-bool FindData(const std::string& folder) {
-    std::error_code error;
-    if (std::filesystem::is_directory(folder, error)) {
-        SetDataFolder(folder);
-        return true;
-    }
-    const std::string text = "There is no data folder " + folder +
-                             ".\nBuild the target `content`, or name the folder that holds game/ and FrontEnd/ "
-                             "with --data.";
+// No window of the game is open yet, and who started it from a desktop sees no terminal.
+bool RefuseData(const std::string& text) {
     HostReportFatal(text.c_str(), nullptr);
+    if (CurrentMachine != &HeadlessMachine) CurrentMachine->messageBox(text.c_str(), "Tarnwick");
     return false;
+}
+
+bool OpenData(Options& options) {
+    std::error_code error;
+    if (!options.data.empty() && !std::filesystem::is_directory(options.data, error)) {
+        return RefuseData("There is no data folder " + options.data +
+                          ".\nName the folder that holds game/ and FrontEnd/ with --data.");
+    }
+    if (options.data.empty()) {
+        const auto folders = DataFolders(ProgramFolder());
+        options.data = FindDataFolder(folders).string();
+        if (options.data.empty()) {
+            std::string text = "The game's data is missing. It was looked for in";
+            for (const auto& folder : folders)
+                text += "\n" + folder.string();
+            return RefuseData(text + "\nInstall it again, build the target `content`, or name the folder that holds "
+                                     "game/ and FrontEnd/ with --data.");
+        }
+    }
+    if (options.disc.empty()) options.disc = options.data + "/disc";
+    SetDataFolder(options.data);
+    SetDiscFolder(options.disc);
+    return true;
 }
 
 bool LoadOptionScript(const Options& options, Script& script) {
@@ -60,8 +78,7 @@ int HostMain(int argumentCount, char** arguments, GameMain gameMain) {
     Script script;
     if (!LoadOptionScript(options, script) || !LoadReplay(options) || !StartLog(options)) return STATUS_WRONG_INPUT;
     OpenMachine(options);
-    SetDiscFolder(options.disc);
-    if (!FindData(options.data) || !StartRun(options, std::move(script))) {
+    if (!OpenData(options) || !StartRun(options, std::move(script))) {
         CurrentMachine->stop();
         return STATUS_WRONG_INPUT;
     }

@@ -167,7 +167,5 @@ OptionsResult ParseOptions(int argumentCount, char** arguments, Options& options
             return OptionsResult::Wrong;
         }
     }
-    if (options.data.empty()) options.data = TARNWICK_DEFAULT_DATA;
-    if (options.disc.empty()) options.disc = options.data + "/disc";
     return OptionsResult::Run;
 }

@@ -15,8 +15,8 @@ enum class BoardChoice { Auto, Gpu, Cpu, None };
 
 // Paths are as given: relative to the folder the program was called from.
 struct Options {
-    std::string data;     // folder that holds game/ and FrontEnd/
-    std::string disc;     // folder of the music; by default `disc` in the data folder
+    std::string data;     // folder that holds game/ and FrontEnd/; empty: where FindDataFolder finds it
+    std::string disc;     // folder of the music; empty: `disc` in the data folder
     std::string log;      // file for the game's standard output and the host's log lines
     int windowWidth = 0;  // 0: full screen
     int windowHeight = 0;

@@ -2,6 +2,7 @@
 
 #include <png.h>
 
+#include <bit>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -41,4 +42,18 @@ bool WritePng(const std::string& file, const Picture& picture, std::string& erro
     if (stream) std::fclose(stream);
     if (stream && !written) RemoveHalfAPicture(file);
     return written;
+}
+
+PngPixels ReadPng(const std::string& file) {
+    static_assert(std::endian::native == std::endian::little, "the bytes B, G, R, A are 0xAARRGGBB");
+    PngPixels read;
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&image, file.c_str())) return read;
+    image.format = PNG_FORMAT_BGRA;
+    read.pixels.resize(size_t{image.width} * image.height);
+    if (!png_image_finish_read(&image, nullptr, read.pixels.data(), 0, nullptr)) return {};
+    read.width = static_cast<int>(image.width);
+    read.height = static_cast<int>(image.height);
+    return read;
 }

@@ -1,3 +1,4 @@
+#include "core/find_data.h"
 #include "core/testing.h"
 #include "host/files.h"
 #include "host/win32.h"
@@ -31,6 +32,17 @@ protected:
 
     fs::path folder_;
 };
+
+TEST_F(Files, OfTheGameAreBesideTheProgramOrWhereItIsInstalled) {
+    const fs::path beside = folder_ / "bin/data", installed = folder_ / "share/tarnwick";
+    const auto folders = DataFolders(folder_ / "bin");
+    fs::create_directories(beside);
+    fs::create_directories(installed / "game");
+    EXPECT_EQ(FindDataFolder(folders), installed) << "a folder without game/ is none";
+    fs::create_directories(beside / "game");
+    EXPECT_EQ(FindDataFolder(folders), beside);
+    EXPECT_EQ(FindDataFolder({folder_ / "bin"}), "");
+}
 
 TEST_F(Files, AreFoundWithBackslashesAndInAnyCaseTheExactNameFirst) {
     EXPECT_EQ(HostResolvePath("FrontEnd\\title.bmp"), Below("frontend/title.bmp"));

@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <sstream>
 #include <vector>
 
 namespace {
+
+namespace fs = std::filesystem;
 
 class Program : public testing::Test {
 protected:
@@ -67,6 +70,19 @@ TEST_F(Program, WhatCannotBeUsedEndsWithStatusTwo) {
         EXPECT_TRUE(result.errors.starts_with(error)) << result.errors;
         EXPECT_EQ(result.output, "");
     }
+}
+
+// In a folder whose name has a blank and letters beyond ASCII, called from another one.
+TEST_F(Program, FindsItsDataWhereItIsUnpacked) {
+    const fs::path unpacked = program.Folder() / "Spiele f\xC3\xBCr sp\xC3\xA4ter";
+    fs::create_directories(unpacked / "bin");
+    fs::create_directories(unpacked / "share");
+    fs::copy_file(BUILD_FOLDER "/tarnwick", unpacked / "bin/tarnwick");
+    fs::create_directory_symlink(SOURCE_FOLDER "/tests/levels/data", unpacked / "share/tarnwick");
+    const std::string game = fs::relative(unpacked / "bin/tarnwick", BUILD_FOLDER).string();
+    const ProgramResult result = program.Run("--level 2 --frames 1 --trace a.jsonl", game);
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_NE(program.Read("a.jsonl"), "");
 }
 
 class ProgramWithLevel : public Program {

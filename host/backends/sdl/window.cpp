@@ -5,12 +5,15 @@
 #include "backends/sdl/presenter.h"
 #include "boards/gpu/gl_context.h"
 #include "core/devices.h"
+#include "core/png.h"
+#include "host/files.h"
 
 #include <bitset>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <optional>
+#include <string>
 
 namespace {
 
@@ -112,6 +115,17 @@ void HandleEvent(const SDL_Event& event) {
     }
 }
 
+// Of the data folder; without it the window has the desktop's own.
+void ShowIcon() {
+    PngPixels icon = ReadPng(std::string(HostDataFolder()) + "/icon.png");
+    if (icon.pixels.empty()) return;
+    SDL_Surface* surface = SDL_CreateRGBSurfaceWithFormatFrom(icon.pixels.data(), icon.width, icon.height, 32,
+                                                              icon.width * 4, SDL_PIXELFORMAT_ARGB8888);
+    if (!surface) return;
+    SDL_SetWindowIcon(window, surface);
+    SDL_FreeSurface(surface);
+}
+
 SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t flags) {
     const bool windowed = options.windowWidth > 0 && !options.fullscreen;
     // Full screen, too, opens at its final size: without a window manager nothing enlarges it later.
@@ -147,6 +161,7 @@ bool OpenGameWindow(const char* title, const Options& options) {
         presenter = MakeSurfacePresenter(window);
     }
     SDL_StopTextInput();
+    ShowIcon();
     UpdatePointer();
     return true;
 }

@@ -1,5 +1,5 @@
-// The character's animations as the game draws them, a row of moments for each: clip_sheet [--data DIR] [--level N]
-// [--heading DEGREES] [-o FILE.png] [zerorun ...]. Measures nothing, but starts the game the same way.
+// clip_sheet: the character's animations as the game draws them, a row of moments for each. The one tool that is made of
+// the game itself.
 
 #include "app/app_tables.h"
 #include "app/load_level.h"

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Makes packages of the last commit in build-package/packages: tarnwick_VERSION_ARCHITECTURE.deb with the game,
+# tarnwick-tools_... with the tools for authors, and tarnwick-VERSION-ARCHITECTURE.tar.xz, a folder with the game that
+# plays wherever it is unpacked. The same commit gives the same bytes in any folder. Status 1: something failed.
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+build=$PWD/build-package
+packages=$build/packages
+
+scripts/packages.sh package
+# What goes into packages is as old as the commit.
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
+export SOURCE_DATE_EPOCH
+[ -z "$(git status --porcelain)" ] || echo "package.sh: what is not committed is packed, too"
+umask 022
+
+mkdir -p "$build"
+exec 9>"$build/.lock"
+flock 9
+cmake --preset package
+ninja -C "$build"
+rm -rf "$packages" "$build/stage"
+
+(cd "$build" && cpack -G DEB)
+
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+name=tarnwick-$version-$(dpkg --print-architecture)
+DESTDIR='' cmake --install "$build" --component game --strip --prefix "$build/stage/$name" >/dev/null
+tar -C "$build/stage" --sort=name --format=posix --pax-option=delete=atime,delete=ctime --owner=0 --group=0 \
+    --numeric-owner --mtime="@$SOURCE_DATE_EPOCH" --mode=u=rwX,go=rX -cJf "$packages/$name.tar.xz" "$name"
+rm -rf "$build/stage" "$packages/_CPack_Packages" "$build/_CPack_Packages"
+
+# A path of this machine in a program would differ on the next one.
+if grep -rlF "$PWD" "$build/tarnwick" "$build"/tools/* "$build/data" 2>/dev/null | grep -v CMakeFiles; then
+    echo "package.sh: these hold the path of this folder; packages of another folder would differ" >&2
+    exit 1
+fi
+cd "$packages"
+sha256sum -- *
