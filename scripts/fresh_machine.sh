@@ -164,6 +164,7 @@ two_commands() {
         step "./play as $user" play "$user" "$user"
         new_packages "$user"
         step "./play as $user, again" play "$user" "$user"
+        disk=20m step "./play on a full disk" says 'is full' 30 inside "$work/$user" "$user" tarnwick/play
     fi
     if wants check; then
         step "./check as $user" inside "$work/$user" "$user" tarnwick/check
@@ -191,13 +192,15 @@ refusals() {
         says 'sudo apt-get install' 3 inside "$work/refusals" player tarnwick/play
     network=none step "without a network" \
         says 'network' 8 inside "$work/refusals" root /home/player/tarnwick/play
+    find "$work"/refusals/etc/apt/sources.list* -type f -exec sed -i -E 's,https?://[^ ]*,http://127.0.0.1:9/,' {} +
+    step "with a mirror that does not answer" \
+        says 'mirror' 8 inside "$work/refusals" root /home/player/tarnwick/play
     chroot "$work/refusals" chown -R root: /home/player/tarnwick
     step "in a folder of another user" \
         says 'may not be written' 2 inside "$work/refusals" player tarnwick/play
     [ -n "$keep" ] || rm -rf "$work/refusals"
 }
 
-# full_disk: in a system that has all packages, with so little room that the build does not fit.
 packages() {
     wants package || return
     step "a base system for the packages" new_system package root || return

@@ -127,7 +127,7 @@ remedy() {
     if grep -qE 'Temporary failure|Could not (resolve|connect)|Unable to connect|Failed to fetch|Connection (failed|timed out)' "$log"; then
         echo "they could not be fetched; run this again when the network and the mirror of apt's sources answer"
     elif grep -qE 'No space left|enough free space' "$log"; then
-        echo "the disk has no room for them; make some and run this again"
+        echo "the disk has no room for them; free some and run this again"
     elif grep -qE 'Could not get lock' "$log"; then
         echo "another program is installing packages; run this again when it has ended"
     elif grep -qE '^sudo: |sudoers' "$log"; then
