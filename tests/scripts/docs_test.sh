@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# docs_test.sh BUILD: what README and docs/ name can be had. Every path build/... is made by the build or by ./play and
+# ./check, every target is one, every option in a command line is one of that program's --help, every other option in
+# the text one of some program's, and every option of the game is told.
+set -u
+build=$1
+cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+documents=(README.md docs/*.md)
+failures=0
+
+fail() {
+    echo "$1"
+    failures=$((failures + 1))
+}
+
+ninja -C "$build" -t targets all | sed -E 's/: [^:]*$//' | grep -v '^/.*/CMakeFiles/' |
+    sed -E "s,^$build/,," >"$scratch/made"
+# Folders are made with what lies in them.
+awk -F/ '{ path = $1; print path; for (i = 2; i <= NF; i++) print path = path "/" $i }' "$scratch/made" | sort -u >"$scratch/paths"
+
+# exists PATH: below the build folder; <name> and N stand for any.
+exists() {
+    local pattern=${1%/}
+    pattern=$(sed -E 's/[].[*^$\\]/\\&/g; s/<[^>]*>|N\b/[^\/]*/g' <<<"$pattern")
+    grep -qxE "$pattern" "$scratch/paths" || grep -qE "\\\$build/$pattern\\b|build/$pattern\\b" play check scripts/*.sh
+}
+
+for document in "${documents[@]}"; do
+    while read -r path; do
+        case $path in
+        build-debug/fuzz/*) [ -f "fuzz/${path#build-debug/fuzz/}_fuzz.cpp" ] ;;
+        build/) ;;
+        *) exists "${path#build/}" ;;
+        esac || fail "$document: nothing makes $path"
+    done < <(grep -oE '\bbuild(-debug)?/[A-Za-z0-9_./<>-]*' "$document" | sed 's/[.]$//' | sort -u)
+    while read -r target; do
+        grep -qxE "(.*/)?$target" "$scratch/made" || fail "$document: there is no target $target"
+    done < <(grep -oE -e '--target [a-z_]+' "$document" | sed 's/.* //')
+done
+
+# help_of PROGRAM [SUBCOMMAND]: a file with what it says, and nothing for what is not ours.
+help_of() {
+    local program=$1 file
+    [ "$program" = ./play ] && program=build/tarnwick
+    [ "$program" = tarnwick ] && program=build/tarnwick
+    case $program in
+    build/tarnwick | build/tools/*) program=$build/${program#build/} ;;
+    scripts/*) ;;
+    *) return ;;
+    esac
+    file=$scratch/help-$(basename "$program")-${2:-}
+    [ -f "$file" ] || "$program" ${2:+"$2"} --help >"$file" 2>&1
+    echo "$file"
+}
+
+has_option() {  # file option
+    grep -qE -e "(^|[ ,[])$2([ ,=]|\$|])" "$1"
+}
+
+# Lines of commands: those of code blocks that begin with a program.
+for document in "${documents[@]}"; do
+    while read -r line; do
+        line=${line%%#*}
+        # Several of them, joined.
+        while read -r program first rest; do
+            case $program in build/texc | build/tools/texc) file=$(help_of "$program" "$first") ;; *) file=$(help_of "$program") ;; esac
+            [ -n "$file" ] || continue
+            for option in $(grep -oE -e '(^| )--?[a-z][a-z-]*' <<<" $first $rest"); do
+                has_option "$file" "$option" || fail "$document: $program knows no $option: $line"
+            done
+        done <<<"${line//&&/$'\n'}"
+    done < <(grep -E '^( {4})?(\./play|\./check|build/|scripts/)' "$document")
+done
+
+for program in tarnwick $(cd "$build/tools" && find . -maxdepth 1 -type f -executable -printf 'build/tools/%f\n'); do
+    cat "$(help_of "$program")"
+done >"$scratch/all"
+for subcommand in paint level sheet; do cat "$(help_of build/tools/texc $subcommand)" >>"$scratch/all"; done
+for document in "${documents[@]}"; do
+    for option in $(grep -vE '^( {4})?(cmake|scripts|ctest)|cmake|--target|scripts/' "$document" | grep -oE '`--[a-z][a-z-]*' | tr -d '`' | sort -u); do
+        has_option "$scratch/all" "$option" || fail "$document: no program knows $option"
+    done
+done
+for option in $(grep -oE -e '^  --[a-z-]+' "$(help_of tarnwick)" | grep -vE 'help|version'); do
+    cat "${documents[@]}" | grep -qE -e "$option\\b" || fail "README and docs say nothing of $option"
+done
+[ $failures = 0 ]
