@@ -1,0 +1,11 @@
+# Cross build for 64-bit ARM with Debian's compiler (scripts/other_processors.sh). ARM64_LIBRARIES, of the environment,
+# is a folder with the libraries' packages unpacked.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+set(libraries $ENV{ARM64_LIBRARIES})
+set(CMAKE_FIND_ROOT_PATH ${libraries})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-rpath-link,${libraries}/usr/lib/aarch64-linux-gnu:${libraries}/lib/aarch64-linux-gnu")
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${libraries})
+set(ENV{PKG_CONFIG_LIBDIR} ${libraries}/usr/lib/aarch64-linux-gnu/pkgconfig:${libraries}/usr/share/pkgconfig)
