@@ -74,7 +74,7 @@ for document in "${documents[@]}"; do
     done < <(grep -E '^( {4})?(\./play|\./check|build/|scripts/)' "$document")
 done
 
-for program in tarnwick $(cd "$build/tools" && find . -maxdepth 1 -type f -executable -printf 'build/tools/%f\n'); do
+for program in tarnwick scripts/fresh_machine.sh $(cd "$build/tools" && find . -maxdepth 1 -type f -executable -printf 'build/tools/%f\n'); do
     cat "$(help_of "$program")"
 done >"$scratch/all"
 for subcommand in paint level sheet; do cat "$(help_of build/tools/texc $subcommand)" >>"$scratch/all"; done
