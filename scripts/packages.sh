@@ -45,6 +45,8 @@ program git          git
 PACKAGE="
 program git          git
 program dpkg-shlibdeps dpkg-dev
+program file         file
+program xz           xz-utils
 "
 PROCESSORS="
 program aarch64-linux-gnu-g++ g++-aarch64-linux-gnu

@@ -1,5 +1,5 @@
-// clip_sheet: the character's animations as the game draws them, a row of moments for each. The one tool that is made of
-// the game itself.
+// clip_sheet: the character's animations as the game draws them, a row of moments for each. The one tool that is made
+// of the game itself.
 
 #include "app/app_tables.h"
 #include "app/load_level.h"
