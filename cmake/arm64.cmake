@@ -6,6 +6,7 @@ set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
 set(libraries $ENV{ARM64_LIBRARIES})
 set(CMAKE_FIND_ROOT_PATH ${libraries})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-rpath-link,${libraries}/usr/lib/aarch64-linux-gnu:${libraries}/lib/aarch64-linux-gnu")
+# What the libraries want of one another is found when the game runs.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,--unresolved-symbols=ignore-in-shared-libs")
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${libraries})
 set(ENV{PKG_CONFIG_LIBDIR} ${libraries}/usr/lib/aarch64-linux-gnu/pkgconfig:${libraries}/usr/share/pkgconfig)
