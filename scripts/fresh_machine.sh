@@ -51,6 +51,11 @@ finish() {
 trap finish EXIT
 trap 'exit 130' INT TERM HUP
 
+# Where the clone lies below a user's home: one has a name such as browsers and people give.
+clone_of() {
+    if [ "$1" = root ]; then echo tarnwick; else echo "Meine Spiele für später/tarnwick (1)"; fi
+}
+
 passed=0 failed=0
 wants() {
     local word
@@ -82,15 +87,15 @@ inside() {
     home=/home/$user
     [ "$user" = root ] && home=/root
     unshare --mount --pid --fork --kill-child ${network:+--net} -- sh -c '
-        system=$1 user=$2 home=$3 cache=$4
-        shift 4
+        system=$1 user=$2 home=$3 cache=$4 clone=$5
+        shift 5
         mount --rbind /dev "$system/dev" && mount -t proc proc "$system/proc" &&
             mount --bind "$cache/packages" "$system/var/cache/apt/archives" || exit 1
-        [ -z "${disk:-}" ] || mount -t tmpfs -o "size=$disk,mode=755" tmpfs "$system$home/tarnwick/build" || exit 1
+        [ -z "${disk:-}" ] || mount -t tmpfs -o "size=$disk,mode=755" tmpfs "$system$home/$clone/build" || exit 1
         exec chroot "$system" setpriv --reuid="$user" --regid="$user" --init-groups \
             env -i HOME="$home" USER="$user" TERM=dumb PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
             sh -c "cd && exec \"\$@\"" sh "$@"
-    ' sh "$system" "$user" "$home" "$cache" "$@"
+    ' sh "$system" "$user" "$home" "$cache" "$(clone_of "$user")" "$@"
 }
 
 # Where this machine's packages come from, its keys and its way there: a system in a folder asks the same.
@@ -133,8 +138,8 @@ new_system() {
             echo "$user ALL=(ALL) NOPASSWD: ALL" >"$system/etc/sudoers.d/$user"
         fi
     fi
-    git clone --quiet --no-hardlinks "$root" "$system$home/tarnwick" || return
-    chroot "$system" chown -R "$user:" "$home/tarnwick"
+    git clone --quiet --no-hardlinks "$root" "$system$home/$(clone_of "$user")" || return
+    chroot "$system" chown -R "$user:" "$home"
     installed "$system" | sort >"$work/$1.packages"
 }
 
@@ -153,7 +158,7 @@ new_packages() {
 
 # play SYSTEM USER: without a display, so the game tours a level and says where its pictures are.
 play() {
-    inside "$work/$1" "$2" tarnwick/play && [ "$(ls "$work/$1"/{root,home/*}/tarnwick/build/tour/*.png 2>/dev/null | wc -l)" = 6 ]
+    inside "$work/$1" "$2" "$(clone_of "$2")/play" && [ "$(find "$work/$1"/{root,home} -path '*/tour/*.png' | wc -l)" = 6 ]
 }
 
 two_commands() {
@@ -164,10 +169,10 @@ two_commands() {
         step "./play as $user" play "$user" "$user"
         new_packages "$user"
         step "./play as $user, again" play "$user" "$user"
-        disk=20m step "./play on a full disk" says 'is full' 30 inside "$work/$user" "$user" tarnwick/play
+        disk=4m step "./play on a full disk" says 'is full' 30 inside "$work/$user" "$user" "$(clone_of "$user")/play"
     fi
     if wants check; then
-        step "./check as $user" inside "$work/$user" "$user" tarnwick/check
+        step "./check as $user" inside "$work/$user" "$user" "$(clone_of "$user")/check"
         grep -E '^[0-9]+ passed, [0-9]+ failed' "$work/log"
         new_packages "$user"
     fi
@@ -187,17 +192,19 @@ says() {
 # What goes wrong on machines is said in a line that tells what to do.
 refusals() {
     wants refusals || return
+    local clone
+    clone=$(clone_of player)
     sudo=no step "a base system for a user who may not use sudo" new_system refusals player || return
     step "without sudo: which packages to ask for" \
-        says 'sudo apt-get install' 3 inside "$work/refusals" player tarnwick/play
+        says 'sudo apt-get install' 3 inside "$work/refusals" player "$clone/play"
     network=none step "without a network" \
-        says 'network' 8 inside "$work/refusals" root /home/player/tarnwick/play
+        says 'network' 8 inside "$work/refusals" root "/home/player/$clone/play"
     find "$work"/refusals/etc/apt/sources.list* -type f -exec sed -i -E 's,https?://[^ ]*,http://127.0.0.1:9/,' {} +
     step "with a mirror that does not answer" \
-        says 'mirror' 8 inside "$work/refusals" root /home/player/tarnwick/play
-    chroot "$work/refusals" chown -R root: /home/player/tarnwick
+        says 'mirror' 8 inside "$work/refusals" root "/home/player/$clone/play"
+    chroot "$work/refusals" chown -R root: "/home/player/$clone"
     step "in a folder of another user" \
-        says 'may not be written' 2 inside "$work/refusals" player tarnwick/play
+        says 'may not be written' 2 inside "$work/refusals" player "$clone/play"
     [ -n "$keep" ] || rm -rf "$work/refusals"
 }
 

@@ -2,6 +2,7 @@
 #include "formats/error.h"
 #include "formats/files.h"
 #include "texc/contact_sheet.h"
+#include "texc/depfile.h"
 #include "texc/level_textures.h"
 #include "texc/material.h"
 
@@ -12,27 +13,6 @@
 
 namespace {
 
-// As make writes names: blanks, hashes and dollars would mean something else.
-std::string EscapeForDepfile(const std::string& path) {
-    std::string escaped;
-    for (const char c : path) {
-        if (c == ' ' || c == '#') escaped += '\\';
-        if (c == '$') escaped += '$';
-        escaped += c;
-    }
-    return escaped;
-}
-
-// One line for the build tool: the output depends on these files.
-void WriteDependencies(const std::filesystem::path& path, const std::string& output,
-                       const std::vector<std::filesystem::path>& sources) {
-    std::string text = EscapeForDepfile(output) + ":";
-    for (const auto& source : sources)
-        text += " " + EscapeForDepfile(source.string());
-    text += "\n";
-    WriteWholeFile(path, {text.begin(), text.end()});
-}
-
 struct Options {
     std::string recipe, picture, dependencies;
     std::string level, pictures, texture, list, sheet, accelerator;
@@ -42,7 +22,9 @@ struct Options {
 void Paint(const Options& options) {
     const PaintedMaterial material = PaintMaterial(options.recipe);
     WritePng(options.picture, material.picture);
-    if (!options.dependencies.empty()) WriteDependencies(options.dependencies, options.picture, material.sources);
+    if (options.dependencies.empty()) return;
+    const std::string line = DepfileLine(options.picture, material.sources);
+    WriteWholeFile(options.dependencies, {line.begin(), line.end()});
 }
 
 void CompileLevel(const Options& options) {

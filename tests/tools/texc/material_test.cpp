@@ -1,5 +1,6 @@
 #include "formats/files.h"
 #include "support/content_error.h"
+#include "texc/depfile.h"
 #include "texc/material.h"
 
 #include <gtest/gtest.h>
@@ -58,6 +59,10 @@ std::string RecipeOf(const std::string& pattern) {
 }  // namespace
 
 // Pictures decide palettes and texels of every level, so all compilers must agree on them to the last bit.
+TEST(Material, IsNotPaintedAgainForTheMarksInItsFoldersName) {
+    EXPECT_EQ(DepfileLine("a b.png", {"my games (1)/c#$.toml", "d"}), "a\\ b.png: my\\ games\\ (1)/c\\#$$.toml d\n");
+}
+
 TEST(PaintMaterial, GivesTheSamePixelsEverywhere) {
     uint32_t hash = 2166136261U;
     for (const char* const pattern : PATTERNS)
