@@ -58,8 +58,9 @@ same_trace() {
     local name=$1 started=$SECONDS
     shift
     printf '%-44s ' "$name"
-    if build/tarnwick --headless --data tests/levels/data "$@" --trace "$build/x86.jsonl" &&
-        "$qemu" -L "$ARM64_LIBRARIES" "$build/tarnwick" --headless --data tests/levels/data "$@" --trace "$build/arm64.jsonl" &&
+    local options=(--headless --data tests/levels/data --log "$build/game.log" "$@")
+    if build/tarnwick "${options[@]}" --trace "$build/x86.jsonl" &&
+        "$qemu" -L "$ARM64_LIBRARIES" "$build/tarnwick" "${options[@]}" --trace "$build/arm64.jsonl" &&
         [ -s "$build/x86.jsonl" ] && cmp "$build/x86.jsonl" "$build/arm64.jsonl"; then
         passed=$((passed + 1))
         echo "the same $(wc -l <"$build/x86.jsonl") frames, $((SECONDS - started)) s"
