@@ -55,11 +55,11 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_GAME_PACKAGE_NAME tarnwick)
 set(CPACK_DEBIAN_GAME_DESCRIPTION "third-person 3D action game
- One character runs, jumps and shoots through eight worlds, drawn by a software
- rasteriser in 256 colours or by an accelerator.")
+One character runs, jumps and shoots through eight worlds, drawn by a software
+rasteriser in 256 colours or by an accelerator.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME tarnwick-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "tarnwick (= ${PROJECT_VERSION}), fonts-dejavu-core")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "tools for authors of tarnwick's levels
- Compilers for maps, materials, skies, the character, pictures and music, and a
- checker of what they make.")
+Compilers for maps, materials, skies, the character, pictures and music, and a
+checker of what they make.")
 include(CPack)

@@ -169,7 +169,7 @@ two_commands() {
         step "./play as $user" play "$user" "$user"
         new_packages "$user"
         step "./play as $user, again" play "$user" "$user"
-        disk=4m step "./play on a full disk" says 'is full' 30 inside "$work/$user" "$user" "$(clone_of "$user")/play"
+        disk=4m step "./play on a full disk" says 'is full' 200 inside "$work/$user" "$user" "$(clone_of "$user")/play"
     fi
     if wants check; then
         step "./check as $user" inside "$work/$user" "$user" "$(clone_of "$user")/check"
