@@ -41,7 +41,9 @@ fi
 work=$(mktemp -d "${TMPDIR:-/tmp}/tarnwick-fresh.XXXXXX")
 cache=${cache:-$work/cache}
 mkdir -p "$cache/packages/partial"
+child=
 finish() {
+    [ -z "$child" ] || kill -KILL "$child" 2>/dev/null
     if [ -n "$keep" ]; then
         echo "The systems are in $work"
     else
@@ -95,7 +97,12 @@ inside() {
         exec chroot "$system" setpriv --reuid="$user" --regid="$user" --init-groups \
             env -i HOME="$home" USER="$user" TERM=dumb PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
             sh -c "cd && exec \"\$@\"" sh "$@"
-    ' sh "$system" "$user" "$home" "$cache" "$(clone_of "$user")" "$@"
+    ' sh "$system" "$user" "$home" "$cache" "$(clone_of "$user")" "$@" &
+    child=$!
+    wait $child
+    local status=$?
+    child=
+    return $status
 }
 
 # Where this machine's packages come from, its keys and its way there: a system in a folder asks the same.
