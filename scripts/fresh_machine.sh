@@ -43,7 +43,8 @@ cache=${cache:-$work/cache}
 mkdir -p "$cache/packages/partial"
 child=
 finish() {
-    [ -z "$child" ] || kill -KILL "$child" 2>/dev/null
+    # The first process of a system takes all others with it.
+    [ -z "$child" ] || kill -KILL $(<"/proc/$child/task/$child/children") 2>/dev/null
     if [ -n "$keep" ]; then
         echo "The systems are in $work"
     else
@@ -88,7 +89,7 @@ inside() {
     shift 2
     home=/home/$user
     [ "$user" = root ] && home=/root
-    unshare --mount --pid --fork --kill-child ${network:+--net} -- sh -c '
+    unshare --mount --pid --fork ${network:+--net} -- sh -c '
         system=$1 user=$2 home=$3 cache=$4 clone=$5
         shift 5
         mount --rbind /dev "$system/dev" && mount -t proc proc "$system/proc" &&
