@@ -30,8 +30,9 @@ tar -C "$build/stage" --sort=name --format=posix --pax-option=delete=atime,delet
     --numeric-owner --mtime="@$SOURCE_DATE_EPOCH" --mode=u=rwX,go=rX -cJf "$packages/$name.tar.xz" "$name"
 rm -rf "$build/stage" "$packages/_CPack_Packages" "$build/_CPack_Packages"
 
-# A path of this machine in a program would differ on the next one.
-if grep -rlF "$PWD" "$build/tarnwick" "$build"/tools/* "$build/data" 2>/dev/null | grep -v CMakeFiles; then
+# A path of this machine in what is packed would differ on the next one.
+if find "$build/tarnwick" "$build/tools" "$build/data" "$build/man" -type f -not -name '*.a' -not -name '*.cmake' \
+    -not -path '*/CMakeFiles/*' -exec grep -lF "$PWD" {} +; then
     echo "package.sh: these hold the path of this folder; packages of another folder would differ" >&2
     exit 1
 fi
