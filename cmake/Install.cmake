@@ -11,25 +11,25 @@ set(MANUAL ${CMAKE_BINARY_DIR}/man)
 file(MAKE_DIRECTORY ${MANUAL})
 function(add_manual_page program section description more)
     add_custom_command(
-        OUTPUT ${MANUAL}/${program}.${section}
+        OUTPUT ${MANUAL}/${program}.${section}.gz
         COMMAND ${PACKAGING}/man_page.sh $<TARGET_FILE:${program}> ${section} ${PROJECT_VERSION} ${description}
-                ${MANUAL}/${program}.${section} ${PACKAGING}/${more}
+                ${MANUAL}/${program}.${section}.gz ${PACKAGING}/${more}
         DEPENDS ${program} ${PACKAGING}/man_page.sh ${PACKAGING}/${more}
         COMMENT "Writing the manual page ${program}(${section})"
         VERBATIM)
 endfunction()
 add_manual_page(tarnwick 6 "Third-person 3D action game" tarnwick.6.more)
-set(PAGES ${MANUAL}/tarnwick.6)
+set(PAGES ${MANUAL}/tarnwick.6.gz)
 foreach(tool ${TOOLS})
     add_manual_page(${tool} 1 "${tool}" tool.1.more)
-    list(APPEND PAGES ${MANUAL}/${tool}.1)
-    install(FILES ${MANUAL}/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    list(APPEND PAGES ${MANUAL}/${tool}.1.gz)
+    install(FILES ${MANUAL}/${tool}.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
 endforeach()
 add_custom_target(manual ALL DEPENDS ${PAGES})
 
 install(TARGETS tarnwick RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT game)
 install(DIRECTORY ${TARNWICK_DATA}/ DESTINATION ${CMAKE_INSTALL_DATADIR}/tarnwick COMPONENT game)
-install(FILES ${MANUAL}/tarnwick.6 DESTINATION ${CMAKE_INSTALL_MANDIR}/man6 COMPONENT game)
+install(FILES ${MANUAL}/tarnwick.6.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man6 COMPONENT game)
 install(FILES ${PACKAGING}/tarnwick.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT game)
 install(FILES ${PACKAGING}/tarnwick.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT game)
 install(FILES ${TARNWICK_DATA}/icon.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/128x128/apps

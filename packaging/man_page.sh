@@ -1,6 +1,6 @@
 #!/bin/sh
-# man_page.sh PROGRAM SECTION VERSION DESCRIPTION OUTPUT [MORE]: the manual page of a program, made of what its --help
-# says, so that neither can differ from the other. DESCRIPTION stands for the help's first line where that is empty;
+# man_page.sh PROGRAM SECTION VERSION DESCRIPTION OUTPUT.gz [MORE]: the manual page of a program, made of what its --help
+# says, so that neither can differ from the other; compressed, as they are kept. DESCRIPTION stands for the help's first line where that is empty;
 # MORE is a file of further sections in troff's language.
 set -eu
 program=$1 section=$2 version=$3 description=$4 output=$5 more=${6:-}
@@ -52,4 +52,5 @@ expect && NF { printf ".SH \"%s %s\"\n%s.\n.PP\n", name, command, plain($0); exp
 NF { sub(/^ +/, ""); print plain($0) }
 ' >"$output.part"
 [ -z "$more" ] || cat "$more" >>"$output.part"
-mv "$output.part" "$output"
+gzip -9n <"$output.part" >"$output"
+rm "$output.part"
