@@ -1,16 +1,17 @@
 #!/bin/sh
 # man_page.sh PROGRAM SECTION VERSION DESCRIPTION OUTPUT.gz [MORE]: the manual page of a program, made of what its --help
-# says, so that neither can differ from the other; compressed, as they are kept. DESCRIPTION stands for the help's first line where that is empty;
-# MORE is a file of further sections in troff's language.
+# says, so that neither can differ from the other; compressed, as they are kept. DESCRIPTION stands for the help's first
+# line where that is empty; MORE is a file of further sections in troff's language.
 set -eu
 program=$1 section=$2 version=$3 description=$4 output=$5 more=${6:-}
 name=$(basename "$program")
+PATH=$(dirname "$program"):$PATH  # called by its name alone, it does not show where it was built
 
 all_help() {
-    "$program" --help
-    for command in $("$program" --help | sed -n '/^Subcommands:/,$ s/^  \([a-z]*\) .*/\1/p'); do
+    "$name" --help
+    for command in $("$name" --help | sed -n '/^Subcommands:/,$ s/^  \([a-z]*\) .*/\1/p'); do
         echo "Subcommand: $command"
-        "$program" "$command" --help
+        "$name" "$command" --help
     done
 }
 
