@@ -4,8 +4,8 @@
 # digests included, with those of this machine's own build, byte for byte. Needs Debian; its apt fetches the libraries
 # for ARM (100 MB), which are unpacked in the build folder and not installed. Ends with "N passed, N failed".
 set -u
-cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
-build=$PWD/build-arm64
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build=$root/build-arm64
 ARM64_LIBRARIES=$build/libraries
 export ARM64_LIBRARIES
 frames=200
@@ -47,7 +47,7 @@ END
 }
 
 build_both() {
-    { [ -f build/build.ninja ] || cmake --preset play; } && ninja -C build tarnwick &&
+    cd "$root" && { [ -f build/build.ninja ] || cmake --preset play; } && ninja -C build tarnwick &&
         cmake -S . -B "$build" -G Ninja --toolchain cmake/arm64.cmake -DCMAKE_BUILD_TYPE=Release -DTARNWICK_TESTS=OFF &&
         ninja -C "$build" tarnwick
 }
@@ -58,8 +58,8 @@ same_trace() {
     local name=$1 started=$SECONDS
     shift
     printf '%-44s ' "$name"
-    local options=(--headless --data tests/levels/data --log "$build/game.log" "$@")
-    if build/tarnwick "${options[@]}" --trace "$build/x86.jsonl" &&
+    local options=(--headless --data "$root/tests/levels/data" --log "$build/game.log" "$@")
+    if "$root/build/tarnwick" "${options[@]}" --trace "$build/x86.jsonl" &&
         "$qemu" -L "$ARM64_LIBRARIES" "$build/tarnwick" "${options[@]}" --trace "$build/arm64.jsonl" &&
         [ -s "$build/x86.jsonl" ] && cmp "$build/x86.jsonl" "$build/arm64.jsonl"; then
         passed=$((passed + 1))
@@ -70,7 +70,7 @@ same_trace() {
     fi
 }
 
-scripts/packages.sh processors || exit 1
+"$root/scripts/packages.sh" processors || exit 1
 qemu=$(command -v qemu-aarch64 || command -v qemu-aarch64-static)
 mkdir -p "$build"
 echo "Fetching the libraries and building; the log is $build/build.log"
@@ -81,12 +81,13 @@ echo "Fetching the libraries and building; the log is $build/build.log"
 file=$(od -An -tx1 -j18 -N2 "$build/tarnwick")
 [ "$file" = " b7 00" ] || give_up "$build/tarnwick is no program for 64-bit ARM"
 
+cd "$build" || exit 1  # scripts leave their pictures here
 for renderer in software accelerator; do
-    same_trace "alpha, $renderer" --level 1 --renderer $renderer --script tests/golden/alpha.txt --frames $frames
-    same_trace "beta, $renderer" --level 2 --renderer $renderer --script tests/golden/beta.txt --frames $frames
-    same_trace "alpha, free camera, $renderer" --level 1 --renderer $renderer --script scripts/tour.txt --frames $frames
+    same_trace "alpha, $renderer" --level 1 --renderer $renderer --script "$root"/tests/golden/alpha.txt --frames $frames
+    same_trace "beta, $renderer" --level 2 --renderer $renderer --script "$root"/tests/golden/beta.txt --frames $frames
+    same_trace "alpha, free camera, $renderer" --level 1 --renderer $renderer --script "$root"/scripts/tour.txt --frames $frames
 done
-for recording in tests/replay/*.rec; do
+for recording in "$root"/tests/replay/*.rec; do
     [ -f "$recording" ] && same_trace "$(basename "$recording")" --replay "$recording"
 done
 
