@@ -7,7 +7,7 @@ build=$1
 cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
 command -v dpkg-query >/dev/null && command -v ninja >/dev/null || exit 77
 failures=0
-optional="clang-format|sudo"  # the scripts do without them
+optional="clang-format|sudo|git"  # the scripts do without the first two, and whoever has a clone has git
 
 # closure WHAT: packages.sh's list for WHAT, the base system, and all that they depend on.
 closure() {
@@ -66,9 +66,9 @@ refuse() {
 
 # The programs that a script calls: words where a command may stand that are programs on this machine.
 programs_in() {
-    sed -E 's/(^|[ \t])#.*//' "$1" |
-        grep -oE '(^|[;&(!`]|\| |[^a-z](then|do|else|if|while|exec|env|nice|job|as_root|sudo|sh -c .)|step "[^"]*"|inside "[^"]*" [a-z"$]+)[ \t]*[a-z][a-z0-9_+-]+' |
-        grep -oE '[a-z][a-z0-9_+-]*$' | sort -u |
+    sed -E 's/(^|[[:blank:]])#.*//' "$1" |
+        grep -oE '((^|[;&(!`]|\| )[[:blank:]]*|[^a-z](then|do|else|if|while|exec|env|nice|job|as_root|sudo|step "[^"]*"|inside "[^"]*" [a-z"$]+)[[:blank:]]+|sh -c .)[a-z][a-z0-9_+-]+([[:blank:];)]|$)' |
+        sed -E 's/[[:blank:];)]$//' | grep -oE '[a-z][a-z0-9_+-]*$' | sort -u |
         while read -r word; do
             [ "$(type -t "$word")" = file ] && type -P "$word"
         done
