@@ -32,6 +32,7 @@ for document in "${documents[@]}"; do
         case $path in
         build-debug/fuzz/*) [ -f "fuzz/${path#build-debug/fuzz/}_fuzz.cpp" ] ;;
         build/) ;;
+        *.rec) exists "$(sed 's,^build/,,; s,rec$,log,' <<<"$path")" ;;  # the game leaves recordings beside its log
         *) exists "${path#build/}" ;;
         esac || fail "$document: nothing makes $path"
     done < <(grep -oE '\bbuild(-debug)?/[A-Za-z0-9_./<>-]*' "$document" | sed 's/[.]$//' | sort -u)
