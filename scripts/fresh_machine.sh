@@ -90,15 +90,15 @@ inside() {
     home=/home/$user
     [ "$user" = root ] && home=/root
     unshare --mount --pid --fork ${network:+--net} -- sh -c '
-        system=$1 user=$2 home=$3 cache=$4 clone=$5
+        system=$1 user=$2 home=$3 fetched=$4 clone=$5
         shift 5
         mount --rbind /dev "$system/dev" && mount -t proc proc "$system/proc" &&
-            mount --bind "$cache/packages" "$system/var/cache/apt/archives" || exit 1
+            mount --bind "$fetched" "$system/var/cache/apt/archives" || exit 1
         [ -z "${disk:-}" ] || mount -t tmpfs -o "size=$disk,mode=755" tmpfs "$system$home/$clone/build" || exit 1
         exec chroot "$system" setpriv --reuid="$user" --regid="$user" --init-groups \
             env -i HOME="$home" USER="$user" TERM=dumb PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
             sh -c "cd && exec \"\$@\"" sh "$@"
-    ' sh "$system" "$user" "$home" "$cache" "$(clone_of "$user")" "$@" &
+    ' sh "$system" "$user" "$home" "${fetched:-$cache/packages}" "$(clone_of "$user")" "$@" &
     child=$!
     wait $child
     local status=$?
@@ -200,8 +200,9 @@ says() {
 # What goes wrong on machines is said in a line that tells what to do.
 refusals() {
     wants refusals || return
-    local clone
+    local clone fetched=$work/nothing  # packages that are here already need no network
     clone=$(clone_of player)
+    mkdir -p "$fetched/partial"
     sudo=no step "a base system for a user who may not use sudo" new_system refusals player || return
     step "without sudo: which packages to ask for" \
         says 'sudo apt-get install' 3 inside "$work/refusals" player "$clone/play"
