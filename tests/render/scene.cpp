@@ -1,6 +1,6 @@
 #include "render/scene.h"
 
-#include "host/files.h"
+#include "core/testing.h"
 #include "memory/pool.h"
 #include "platform/display.h"
 #include "platform/timer.h"
@@ -10,8 +10,12 @@
 #include "world/light_map.h"
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <random>
+#include <string>
+#include <unistd.h>
 
 int ShadedPolygons;
 
@@ -23,7 +27,12 @@ constexpr size_t POOL_ROOM = 1100000;  // the off-screen frame is the largest bl
 constexpr uint32_t ROOM = 4000;        // entries of every table before the scratch space
 
 std::optional<TinyWorld> World;
-std::vector<uint8_t> File, Frame, Pool;
+std::vector<uint8_t> Frame, Pool;
+
+struct RemoveAtEnd {
+    std::filesystem::path folder;
+    ~RemoveAtEnd() { std::filesystem::remove_all(folder); }
+};
 
 }  // namespace
 
@@ -86,9 +95,17 @@ bool GuardsAreIntact() {
 }
 
 void LoadTextures(const std::vector<uint8_t>& file) {
-    File = file;
+    const auto folder = std::filesystem::temp_directory_path() / ("scene" + std::to_string(getpid()));
+    const auto level = folder / "game/data/levels/level1";
+    std::filesystem::create_directories(level);
+    if (!file.empty()) {
+        std::ofstream out(level / "texture.bin", std::ios::binary);
+        out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    }
+    SetTestDataFolder(folder.string());
     Pool.assign(file.size() + POOL_ROOM, 0x55);
     PoolInit(Pool.data(), Pool.data() + Pool.size());
+    const RemoveAtEnd removed{folder};  // also where the loading ends with an exception
     LoadTextureFile(0);
 }
 
@@ -96,10 +113,6 @@ void LoadTextures(const std::vector<uint8_t>& file) {
 uint16_t FrameCount;
 DisplayContext Display;
 uint8_t DisplayState;
-
-std::FILE* HostOpenFile(const char*, const char*) {
-    return File.empty() ? nullptr : fmemopen(File.data(), File.size(), "rb");
-}
 
 bool OpenSoftwareDisplay(HWND) {
     DisplayState = DISPLAY_FULL_SCREEN;
