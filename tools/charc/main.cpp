@@ -1,4 +1,5 @@
 #include "charc/compile.h"
+#include "motion/report.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -8,14 +9,16 @@
 int main(int argc, char** argv) {
     CLI::App app("Converts a rigged model with its animations into the game's character.");
     std::string recipe, output;
-    bool quiet = false;
+    bool quiet = false, motion = false;
     app.add_option("recipe", recipe, "the .toml that says what is what in the model")->required();
     app.add_option("-o,--output", output, "the folder to write to")->required();
-    app.add_flag("--quiet", quiet, "no report");
+    app.add_flag("--quiet", quiet, "say nothing of the model");
+    app.add_flag("--report", motion, "how evenly the game will move it, in every state and from one to another");
     CLI11_PARSE(app, argc, argv);
     try {
         const std::string report = CompileToFolder(recipe, output);
         if (!quiet) fmt::print("{}", report);
+        if (motion) fmt::print("{}", MotionReport(output));
     } catch (const std::exception& error) {
         fmt::print(stderr, "charc: {}\n", error.what());
         return 1;

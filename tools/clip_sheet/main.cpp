@@ -1,5 +1,7 @@
-// clip_sheet: the character's animations as the game draws them, a row of moments for each. The one tool that is made
-// of the game itself.
+// clip_sheet: the character's animations as the game draws them, a row of moments for each; with --changes what happens
+// when one of its states follows another, frame by frame. Made of the game itself.
+
+#include "clip_sheet/film_rows.h"
 
 #include "app/app_tables.h"
 #include "app/load_level.h"
@@ -39,9 +41,12 @@ struct Options {
     int32_t level = 3;
     float heading = 70.0f;  // from which the character is seen: 0 its back, 90 its left side, 180 its face
     std::string output = "clips.png";
-    std::vector<std::string> clips;
+    std::vector<std::string> clips;  // or states
+    bool changes = false;
+    uint32_t ticks = 1;
 };
 Options Wanted;
+const Moment* Shown;  // in place of the state's own animation; null: that
 
 std::string NameOf(const AnimFileEntry& entry) {
     const std::string path = entry.path;
@@ -82,7 +87,8 @@ Frame DrawFrame(bool withPlayer) {
     SubmittedPolygons = 0;
     LookAtPlayer();
     ClearFrame();
-    if (withPlayer) DrawActorAt(0);
+    if (withPlayer && Shown) DrawPlayerAs(*Shown);
+    if (withPlayer && !Shown) DrawActorAt(0);
     if (SkyFlag != 0) DrawSky();
     RenderWorld();
     Frame frame;
@@ -112,6 +118,24 @@ void DrawCell(Image& sheet, int left, int top) {
         const int index = static_cast<int>(i);
         sheet.At(left + index % CELL_WIDTH, top + index / CELL_WIDTH) = {channel(0), channel(1), channel(2), 255};
     }
+}
+
+int DrawChanges(HINSTANCE, HINSTANCE, char*, int) {
+    const std::vector<FilmRow> films = FilmsInto(Wanted.clips, Wanted.ticks);
+    StartLevel();
+    size_t longest = 0;
+    for (const FilmRow& film : films)
+        longest = std::max(longest, film.frames.size());
+    Image sheet(CELL_WIDTH * static_cast<int>(longest), CELL_HEIGHT * static_cast<int>(films.size()));
+    for (size_t row = 0; row < films.size(); row++) {
+        std::printf("row %zu: %s\n", row + 1, films[row].name.c_str());
+        for (size_t i = 0; i < films[row].frames.size(); i++) {
+            Shown = &films[row].frames[i];
+            DrawCell(sheet, CELL_WIDTH * static_cast<int>(i), CELL_HEIGHT * static_cast<int>(row));
+        }
+    }
+    WritePng(Wanted.output, sheet);
+    return 0;
 }
 
 int DrawSheet(HINSTANCE, HINSTANCE, char*, int) {
@@ -147,12 +171,15 @@ int main(int argumentCount, char** arguments) {
     app.add_option("--level", Wanted.level, "where it stands")->check(CLI::Range(1, 8));
     app.add_option("--heading", Wanted.heading, "from which it is seen: 0 from behind, 180 from ahead");
     app.add_option("-o,--output", Wanted.output, "the picture to write (.png)");
-    app.add_option("clips", Wanted.clips, "names of animation files, all without");
+    app.add_flag("--changes", Wanted.changes, "the changes into states, the worst departure of each");
+    app.add_option("--ticks", Wanted.ticks, "of a frame, for --changes")->check(CLI::Range(1, 12));
+    app.add_option("clips", Wanted.clips, "names of animation files, or of states; all without");
     CLI11_PARSE(app, argumentCount, arguments);
     std::vector<std::string> words = {arguments[0], "--headless"};
     if (!data.empty()) words.insert(words.end(), {"--data", data});
     std::vector<char*> hostArguments;
     for (std::string& word : words)
         hostArguments.push_back(word.data());
-    return HostMain(static_cast<int>(hostArguments.size()), hostArguments.data(), DrawSheet);
+    return HostMain(static_cast<int>(hostArguments.size()), hostArguments.data(),
+                    Wanted.changes ? DrawChanges : DrawSheet);
 }

@@ -1,0 +1,187 @@
+#include "motion/stage.h"
+
+#include "formats/binary.h"
+
+#include "character/actor.h"
+#include "character/animation.h"
+#include "character/mesh.h"
+#include "character/skin.h"
+#include "math/vectors.h"
+#include "memory/fatal.h"
+#include "memory/files.h"
+#include "memory/image.h"
+#include "memory/pool.h"
+#include "platform/input.h"
+#include "platform/timer.h"
+#include "world/bsp.h"
+#include "world/collision.h"
+#include "world/world_tables.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr float FLOOR_SIZE = 8000.0f;  // from its middle
+constexpr float START_HEIGHT = 112.0f;
+
+// A world file of one square, the game's records as they stand.
+std::vector<uint8_t> FloorFile() {
+    constexpr float S = FLOOR_SIZE;
+    const Vec3 all = {S, S, S}, none = {};
+    const Vec3 corners[] = {{-S, 0, -S}, {S, 0, -S}, {S, 0, S}, {-S, 0, S}};
+    const BspNode node = {~0, ~1, 0, none, 0, 0, 0, all};
+    const BspLeaf leaves[] = {{1, 0, 0, 0, none, 0, 0, 0, all}, {0, 0, 0, 0, none, 0, 0, 0, all}};
+    const PlaneRecord intoTheGround = {0, -1, 0, 0};
+    const PolyRecord polygon = {4, 0, SHADE_POINT_LIGHT, 0, 0, 0, 0};
+    ByteWriter file;
+    for (const uint32_t value : {BSP_MAGIC, BSP_VERSION, 1U, 2U, 1U, 1U, 4U, 4U})
+        file.BigU32(value);
+    file.Append(&node, sizeof node);
+    file.Append(leaves, sizeof leaves);
+    file.Append(&intoTheGround, sizeof intoTheGround);
+    file.Append(&polygon, sizeof polygon);
+    for (const Vec3& corner : corners) {
+        const WorldPoint point = {corner, {}};
+        file.Append(&point, sizeof point);
+    }
+    for (uint32_t i = 0; i < 4; ++i) {
+        const PolyVertex vertex = {i, 0, 0, 0};
+        file.Append(&vertex, sizeof vertex);
+    }
+    return file.bytes;
+}
+
+}  // namespace
+
+Stage::Stage(const std::filesystem::path& folder) : pool_(POOL_BYTES, 0) {
+    PoolInit(pool_.data(), pool_.data() + pool_.size());
+    LoadFloor();
+    LoadCharacter(folder);
+    FindSoles();
+    now_ = Pose();
+}
+
+Stage::~Stage() {
+    PlayerActor = {};
+    WorldGeometry = {};
+    PoolForget();
+}
+
+void Stage::LoadFloor() {
+    const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / ("floor" + std::to_string(getpid()) + ".bgm");
+    WriteWholeFile(file, FloorFile());
+    LoadBspWorld(file.c_str());
+    std::filesystem::remove(file);
+    GenerateNodeRadii();
+}
+
+void Stage::LoadCharacter(const std::filesystem::path& folder) {
+    CharPointBase = WorldGeometry.used.points;
+    CharPolyBase = WorldGeometry.used.polygons;
+    LoadMesh((folder / "zero.msh").c_str(), PlayerMesh, (folder / "zero.tuv").c_str());
+    for (const AnimFileEntry* entry = PlayerAnimations; entry->path; ++entry) {
+        const std::string path = entry->path;
+        paths_.push_back((folder / path.substr(path.rfind('\\') + 1)).string());
+    }
+    for (size_t i = 0; i < paths_.size(); ++i)
+        animations_.push_back({paths_[i].c_str(), PlayerAnimations[i].record});
+    animations_.push_back({nullptr, nullptr});
+    LoadAnimations(animations_.data(), PlayerMesh);
+
+    PlayerActor = {};
+    AddActor(PlayerActor, &PlayerMesh, PlayerStates, 0, static_cast<int32_t>(START_HEIGHT), 0, animations_.data());
+    ActorCount = 0;
+    TransformIdentity(PlayerActor.base);
+    const std::string weights = (folder / "zero.wei").string();
+    PlayerActor.weights = LoadMalloc(weights.c_str());
+    if (!PlayerActor.weights) FatalError(1, "No weights file found", weights.c_str());
+}
+
+void Stage::FindSoles() {
+    const WorldPoint* points = WorldGeometry.points + PlayerMesh.firstPoint;
+    const auto height = [&](size_t i) { return float{points[i].position.y}; };
+    float lowest = 0;
+    for (size_t i = 0; i < PlayerMesh.pointCount; ++i)
+        lowest = std::min(lowest, height(i));
+    for (size_t i = 0; i < PlayerMesh.pointCount; ++i) {
+        if (height(i) < lowest + 1) soles_[points[i].position.x > 0 ? 0 : 1].push_back(i);
+    }
+}
+
+Moment Stage::Pose() const {
+    PoseActor(PlayerActor);
+    SkinActor(PlayerActor);
+    Moment moment;
+    moment.state = PlayerActor.state;
+    moment.time = PlayerActor.layerTimes[0];
+    moment.blends = PlayerActor.blendDuration != 0;
+    moment.onGround = PlayerActor.onContact != 0;
+    for (uint32_t i = PlayerMesh.firstPoint; i < uint32_t{PlayerMesh.firstPoint} + PlayerMesh.pointCount; ++i) {
+        const ViewPoint& point = WorldGeometry.viewPoints[i];
+        moment.points.push_back({point.x, point.y, point.z});
+    }
+    for (size_t b = 0; b < PlayerMesh.boneCount; ++b)
+        moment.bones[b] = PlayerMesh.bones[b].world;
+    return moment;
+}
+
+void Stage::Frame(uint32_t ticks, const FrameInput& input) {
+    FrameTicks = ticks;
+    Controls = input.controls;
+    PlayerActor.randomWord = input.random;
+    if (input.lands) PlayerActor.contactSlope = 1.0f;
+    const Vec3 before = PlayerActor.position;
+    AdvanceActor(PlayerActor);
+    MoveAgainstWorld(PlayerActor);
+    now_ = Pose();
+    now_.travel = travel_;
+    const Vec3 after = PlayerActor.position;
+    travel_ = {before.x - after.x, after.y - before.y, before.z - after.z};
+}
+
+Moment Stage::PoseAt(PlayerState state, uint32_t time) {
+    const Snapshot before = Save();
+    PlayerActor.state = state;
+    PlayerActor.layerTimes[0] = time;
+    PlayerActor.blendDuration = 0;
+    Moment moment = Pose();
+    Restore(before);
+    return moment;
+}
+
+uint32_t Stage::LengthOf(int32_t state) const {
+    return animations_[static_cast<size_t>(PlayerStates[state].animations[0])].record->length;
+}
+
+std::array<double, 3> Stage::PivotOf(size_t bone) const {
+    const AnimRecord& record = *animations_[0].record;
+    const auto track = ImageField<uint32_t>(record.image, record.rotationTable + 4 + 4 * static_cast<uint32_t>(bone));
+    std::array<double, 3> pivot;
+    for (uint32_t i = 0; i < 3; ++i)
+        pivot[i] = ImageField<double>(record.image, track + 4 + 8 * i);
+    return pivot;
+}
+
+Stage::Snapshot Stage::Save() const {
+    return {PlayerActor,
+            {PlayerMesh.bones, PlayerMesh.bones + PlayerMesh.boneCount},
+            PlayerStates[STATE_HOP_TAKE_OFF].impulse,
+            PlayerStates[STATE_LEAP_TAKE_OFF].impulse,
+            JumpHeld,
+            travel_,
+            now_};
+}
+
+void Stage::Restore(const Snapshot& snapshot) {
+    PlayerActor = snapshot.actor;
+    PlayerActor.position.x = PlayerActor.position.z = 0.0f;
+    std::copy(snapshot.bones.begin(), snapshot.bones.end(), PlayerMesh.bones);
+    PlayerStates[STATE_HOP_TAKE_OFF].impulse = snapshot.hopImpulse;
+    PlayerStates[STATE_LEAP_TAKE_OFF].impulse = snapshot.leapImpulse;
+    JumpHeld = snapshot.jumpHeld;
+    travel_ = snapshot.travel;
+    now_ = snapshot.now;
+}

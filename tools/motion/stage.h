@@ -1,0 +1,75 @@
+// The character in the hands of the game itself, on a flat floor without end: its states, its drives, its blends and
+// its skinning, without a picture. What is measured here is what players see.
+//
+// The game's tables are global, so there is one stage at a time.
+#pragma once
+
+#include "player/player.h"
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+constexpr float GROUND = -110.0f;  // of the frame of the actor's position: a model's origin, minus its `origin`
+
+// The character in one frame, in the frame of the actor's position: y up, facing -z, the right hand at -x.
+struct Moment {
+    int32_t state = 0;
+    uint32_t time = 0;  // of its animation
+    bool blends = false;
+    bool onGround = false;
+    Vec3 travel{};  // of that frame over the floor since the moment before
+    std::vector<Vec3> points;
+    std::array<Transform, BONE_LIMIT> bones{};
+};
+
+struct FrameInput {
+    uint16_t controls = 0;  // CTL_...
+    int32_t random = 0;     // the random word that the state's handler finds
+    bool lands = false;     // the last move is taken to have touched level ground
+};
+
+class Stage {
+public:
+    // The folder holds the character's files. Ends through FatalError when one is missing or not valid.
+    explicit Stage(const std::filesystem::path& folder);
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+    ~Stage();
+
+    void Frame(uint32_t ticks, const FrameInput& input);
+    // Without moving or blending: a moment of a state's animation.
+    Moment PoseAt(PlayerState state, uint32_t time);
+    const Moment& Now() const { return now_; }
+    uint32_t LengthOf(int32_t state) const;
+    std::array<double, 3> PivotOf(size_t bone) const;  // in the mesh at rest
+
+    // All that the next frame depends on. The place on the floor is no part of it.
+    struct Snapshot {
+        Actor actor;
+        std::vector<BoneRecord> bones;
+        Vec3 hopImpulse, leapImpulse;
+        int16_t jumpHeld;
+        Vec3 travel;
+        Moment now;
+    };
+    Snapshot Save() const;
+    void Restore(const Snapshot& snapshot);
+
+    const std::vector<size_t>& LeftSole() const { return soles_[0]; }  // points of the mesh at rest on the ground
+    const std::vector<size_t>& RightSole() const { return soles_[1]; }
+
+private:
+    void LoadFloor();
+    void LoadCharacter(const std::filesystem::path& folder);
+    void FindSoles();
+    Moment Pose() const;
+
+    std::vector<uint8_t> pool_;
+    std::vector<std::string> paths_;
+    std::vector<AnimFileEntry> animations_;
+    std::array<std::vector<size_t>, 2> soles_;
+    Moment now_;
+    Vec3 travel_{};  // of the latest frame: what is drawn lags behind by one
+};

@@ -1,0 +1,161 @@
+#include "motion/transitions.h"
+
+#include "platform/input.h"
+
+#include <algorithm>
+#include <cmath>
+#include <deque>
+#include <optional>
+#include <set>
+
+namespace {
+
+constexpr float DOWN = 1.5f;                  // a sole as near as that to the floor is down
+constexpr int EVERY_FRAME = 60;               // of a state, in which all keys are tried; later ones at times
+constexpr int AT_TIMES = 12;                  // frames between the later ones
+constexpr int LONGEST_STAY = 600;             // frames, beyond all that the handlers wait for
+constexpr int AFTER_BLEND = 3;                // frames that still belong to a change
+constexpr int32_t EVEN = 0x3FE, ODD = 0x3FF;  // random words that make a waiting handler act
+
+double Distance(const Vec3& a, const Vec3& b) {
+    return std::hypot(double{a.x} - double{b.x}, double{a.y} - double{b.y}, double{a.z} - double{b.z});
+}
+
+// Of the sole's lowest point, if it is down in both moments.
+double Slide(const std::vector<size_t>& sole, const Moment& before, const Moment& after) {
+    const auto lower = [&](size_t a, size_t b) { return after.points[a].y < after.points[b].y; };
+    const auto lowest = std::min_element(sole.begin(), sole.end(), lower);
+    if (lowest == sole.end()) return 0;
+    const Vec3 &from = before.points[*lowest], &to = after.points[*lowest];
+    if (from.y > GROUND + DOWN || to.y > GROUND + DOWN) return 0;
+    return std::hypot(double{to.x} - double{from.x} + double{after.travel.x},
+                      double{to.z} - double{from.z} + double{after.travel.z});
+}
+
+// Everything a player can do in one frame.
+std::vector<FrameInput> AllInputs() {
+    std::vector<FrameInput> inputs;
+    for (const uint16_t way : {uint16_t{0}, CTL_UP, CTL_DOWN}) {
+        for (const int other : {0, int{CTL_SHIFT}, int{CTL_SPACE}, CTL_SHIFT | CTL_SPACE})
+            inputs.push_back({static_cast<uint16_t>(way | other), 0, false});
+    }
+    inputs.push_back({0, EVEN, false});
+    inputs.push_back({0, ODD, false});
+    inputs.push_back({0, 0, true});
+    return inputs;
+}
+
+class Explorer {
+public:
+    Explorer(Stage& stage, uint32_t ticks) : stage_(stage), ticks_(ticks) {}
+
+    Movement Run() {
+        for (int i = 0; i < AT_TIMES; ++i)
+            stage_.Frame(ticks_, {});
+        pending_.push_back(stage_.Save());
+        while (!pending_.empty()) {
+            stage_.Restore(pending_.front());
+            pending_.pop_front();
+            StayAndLeave();
+        }
+        return std::move(movement_);
+    }
+
+private:
+    // One frame more in the same state, by whatever keys keep it. False, and nothing done: it ends by itself.
+    bool Stay() {
+        const Stage::Snapshot before = stage_.Save();
+        for (const uint16_t controls :
+             {held_, uint16_t{0}, CTL_UP, static_cast<uint16_t>(CTL_UP | CTL_SHIFT), CTL_DOWN}) {
+            stage_.Frame(ticks_, {controls, 0, false});
+            held_ = controls;
+            if (stage_.Now().state == before.now.state) return true;
+            stage_.Restore(before);
+        }
+        return false;
+    }
+
+    void StayAndLeave() {
+        for (int frame = 0; frame < LONGEST_STAY; ++frame) {
+            const Stage::Snapshot here = stage_.Save();
+            if (frame < EVERY_FRAME || frame % AT_TIMES == 0) LeaveEveryWay(here);
+            stage_.Restore(here);
+            if (!Stay()) {
+                LeaveEveryWay(here);
+                return;
+            }
+            if (!here.now.blends && !stage_.Now().blends) {
+                Raise(movement_.states[here.now.state], Measure(stage_, here.now, stage_.Now()));
+            }
+        }
+    }
+
+    void LeaveEveryWay(const Stage::Snapshot& here) {
+        std::set<int32_t> left;
+        for (const FrameInput& input : AllInputs()) {
+            stage_.Restore(here);
+            stage_.Frame(ticks_, input);
+            const int32_t to = stage_.Now().state;
+            if (to == here.now.state || !left.insert(to).second) continue;
+            const uint16_t kept = held_;
+            held_ = input.controls;
+            if (known_.insert({here.now.state, to}).second) pending_.push_back(stage_.Save());
+            Follow(here.now);
+            held_ = kept;
+        }
+    }
+
+    // Measures what follows the change that has just happened.
+    void Follow(const Moment& before) {
+        std::vector<Moment> frames = {before, stage_.Now()};
+        for (int after = 0; after < AFTER_BLEND && Stay();) {
+            frames.push_back(stage_.Now());
+            if (!stage_.Now().blends) ++after;
+        }
+        auto& found = before.blends ? movement_.broken : movement_.transitions;
+        Transition& transition = found[{before.state, frames[1].state}];
+        for (size_t i = 1; i < frames.size(); ++i) {
+            const Measures step = Measure(stage_, frames[i - 1], frames[i]);
+            const bool worse = transition.worstCase.empty() || step.largest > transition.worst.largest;
+            Raise(transition.worst, step);
+            if (!worse) continue;
+            transition.worstCase = frames;
+            transition.departure = before.time;
+            transition.worstFrame = i;
+        }
+    }
+
+    Stage& stage_;
+    uint32_t ticks_;
+    uint16_t held_ = 0;
+    Movement movement_;
+    std::set<StatePair> known_;
+    std::deque<Stage::Snapshot> pending_;  // just after a change not yet looked behind
+};
+
+}  // namespace
+
+Measures Measure(const Stage& stage, const Moment& before, const Moment& after) {
+    Measures measures;
+    for (size_t i = 0; i < after.points.size(); ++i) {
+        const double step = Distance(before.points[i], after.points[i]);
+        measures.largest = std::max(measures.largest, step);
+        measures.mean += step / static_cast<double>(after.points.size());
+        if (after.onGround) measures.depth = std::max(measures.depth, double{GROUND - after.points[i].y});
+    }
+    if (before.onGround && after.onGround) {
+        measures.slide = std::max(Slide(stage.LeftSole(), before, after), Slide(stage.RightSole(), before, after));
+    }
+    return measures;
+}
+
+void Raise(Measures& worst, const Measures& other) {
+    worst.largest = std::max(worst.largest, other.largest);
+    worst.mean = std::max(worst.mean, other.mean);
+    worst.slide = std::max(worst.slide, other.slide);
+    worst.depth = std::max(worst.depth, other.depth);
+}
+
+Movement Explore(Stage& stage, uint32_t ticks) {
+    return Explorer(stage, ticks).Run();
+}
