@@ -1,6 +1,7 @@
 #include "motion/stage.h"
 
 #include "formats/binary.h"
+#include "formats/files.h"
 
 #include "character/actor.h"
 #include "character/animation.h"
@@ -128,7 +129,7 @@ Moment Stage::Pose() const {
     return moment;
 }
 
-void Stage::Frame(uint32_t ticks, const FrameInput& input) {
+void Stage::Move(uint32_t ticks, const FrameInput& input) {
     FrameTicks = ticks;
     Controls = input.controls;
     PlayerActor.randomWord = input.random;
@@ -136,10 +137,18 @@ void Stage::Frame(uint32_t ticks, const FrameInput& input) {
     const Vec3 before = PlayerActor.position;
     AdvanceActor(PlayerActor);
     MoveAgainstWorld(PlayerActor);
-    now_ = Pose();
-    now_.travel = travel_;
     const Vec3 after = PlayerActor.position;
+    shownTravel_ = travel_;
     travel_ = {before.x - after.x, after.y - before.y, before.z - after.z};
+}
+
+void Stage::Draw() {
+    now_ = Pose();
+    now_.travel = shownTravel_;
+}
+
+int32_t Stage::State() const {
+    return PlayerActor.state;
 }
 
 Moment Stage::PoseAt(PlayerState state, uint32_t time) {

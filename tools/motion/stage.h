@@ -38,7 +38,14 @@ public:
     Stage& operator=(const Stage&) = delete;
     ~Stage();
 
-    void Frame(uint32_t ticks, const FrameInput& input);
+    // A frame in two halves: states, clocks and the move; then the pose, into Now().
+    void Move(uint32_t ticks, const FrameInput& input);
+    void Draw();
+    void Frame(uint32_t ticks, const FrameInput& input) {
+        Move(ticks, input);
+        Draw();
+    }
+    int32_t State() const;
     // Without moving or blending: a moment of a state's animation.
     Moment PoseAt(PlayerState state, uint32_t time);
     const Moment& Now() const { return now_; }
@@ -71,5 +78,6 @@ private:
     std::vector<AnimFileEntry> animations_;
     std::array<std::vector<size_t>, 2> soles_;
     Moment now_;
-    Vec3 travel_{};  // of the latest frame: what is drawn lags behind by one
+    Vec3 travel_{};       // of the latest frame
+    Vec3 shownTravel_{};  // of the frame before it: what is drawn lags behind by one
 };

@@ -67,9 +67,12 @@ private:
         const Stage::Snapshot before = stage_.Save();
         for (const uint16_t controls :
              {held_, uint16_t{0}, CTL_UP, static_cast<uint16_t>(CTL_UP | CTL_SHIFT), CTL_DOWN}) {
-            stage_.Frame(ticks_, {controls, 0, false});
+            stage_.Move(ticks_, {controls, 0, false});
             held_ = controls;
-            if (stage_.Now().state == before.now.state) return true;
+            if (stage_.State() == before.now.state) {
+                stage_.Draw();
+                return true;
+            }
             stage_.Restore(before);
         }
         return false;
@@ -94,9 +97,10 @@ private:
         std::set<int32_t> left;
         for (const FrameInput& input : AllInputs()) {
             stage_.Restore(here);
-            stage_.Frame(ticks_, input);
-            const int32_t to = stage_.Now().state;
+            stage_.Move(ticks_, input);
+            const int32_t to = stage_.State();
             if (to == here.now.state || !left.insert(to).second) continue;
+            stage_.Draw();
             const uint16_t kept = held_;
             held_ = input.controls;
             if (known_.insert({here.now.state, to}).second) pending_.push_back(stage_.Save());

@@ -2,10 +2,11 @@
 #include "charc/compile.h"
 #include "formats/files.h"
 #include "game_character.h"
+#include "motion/report.h"
 
 #include "world/world_tables.h"
 
-#include <cmath>
+#include <fmt/format.h>
 
 namespace {
 
@@ -15,32 +16,20 @@ const CompiledCharacter& Compiled() {
     return character;
 }
 
+std::filesystem::path Files() {
+    std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "zero";
+    for (const OutputFile& file : Compiled().files)
+        WriteWholeFile(folder / file.path, file.content);
+    return folder;
+}
+
 class Zero : public GameCharacter {
 protected:
     void SetUp() override {
         GameCharacter::SetUp();
-        const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "zero";
-        for (const OutputFile& file : Compiled().files)
-            WriteWholeFile(folder / file.path, file.content);
-        Load(folder);
-    }
-
-    // Points of the soles: the lowest of the mesh in the pose it is drawn in.
-    std::vector<size_t> Soles() const {
-        const WorldPoint* points = WorldGeometry.points + mesh_.firstPoint;
-        const auto height = [&](size_t i) { return float{points[i].position.y}; };
-        float lowest = 0;
-        for (size_t i = 0; i < mesh_.pointCount; ++i)
-            lowest = std::min(lowest, height(i));
-        std::vector<size_t> soles;
-        for (size_t i = 0; i < mesh_.pointCount; ++i) {
-            if (height(i) < lowest + 1) soles.push_back(i);
-        }
-        return soles;
+        Load(Files());
     }
 };
-
-constexpr float GROUND = -110;  // below the actor's position
 
 }  // namespace
 
@@ -64,63 +53,57 @@ TEST_F(Zero, StandsOnTheGroundAndLooksAhead) {
     EXPECT_LT(toes, -12) << "the mesh faces -z";
 }
 
-// While a sole point is on the ground, it must go back as fast as the character goes forward.
-TEST_F(Zero, FeetDoNotSlideNorSink) {
-    const struct {
-        const char* file;
-        uint32_t length;
-        double speed;  // units a second, forward
-    } rows[] = {{"zerorun.anm", 190, 537.5}, {"zerowalk.anm", 280, 187.5}, {"zeroback.anm", 260, -162.5}};
-    const std::vector<size_t> soles = Soles();
-    for (const auto& row : rows) {
-        constexpr uint32_t STEP = 2;
-        float deepest = 0;
-        double contact = 0, slid = 0;
-        std::vector<Vec3> before = PointsAt(row.file, 10);
-        for (uint32_t time = 10 + STEP; time <= row.length; time += STEP) {
-            const std::vector<Vec3> now = PointsAt(row.file, time);
-            float nearest = 1e9;
-            double away = 0;
-            for (const size_t i : soles) {
-                deepest = std::min(deepest, now[i].y - GROUND);
-                if (now[i].y > nearest) continue;
-                nearest = now[i].y;
-                away = now[i].z - before[i].z - row.speed * STEP / CHARACTER_TIME_PER_SECOND;  // -z is ahead
-            }
-            if (nearest < GROUND + 2) {
-                contact += std::abs(row.speed) * STEP / CHARACTER_TIME_PER_SECOND;
-                slid += std::abs(away);
-            }
-            before = now;
-        }
-        EXPECT_GT(deepest, -3) << row.file;
-        EXPECT_GT(contact, 60) << row.file;
-        EXPECT_LT(slid / contact, 0.1) << row.file;
+namespace {
+
+bool InTheAir(int32_t state) {
+    return state >= STATE_LEAP_CROUCH && state <= STATE_HOP_LAND;
+}
+
+std::string Named(const StatePair& pair) {
+    return fmt::format("{} -> {}", NameOf(pair.first), NameOf(pair.second));
+}
+
+// What one pose for all cannot reach: no crouch is nearer than 44 units to every moment of the run or the walk, and a
+// blend that ends in a run ends with a quarter of the way.
+double MostStep(const StatePair& pair) {
+    const bool moves = pair.first == STATE_RUN_UP || pair.first == STATE_RUN || pair.first == STATE_WALK;
+    if (moves && (pair.second == STATE_LEAP_CROUCH || pair.second == STATE_HOP_CROUCH)) return 50;
+    if (InTheAir(pair.first) || InTheAir(pair.second)) return 30;
+    return pair.second == STATE_RUN || pair.second == STATE_RUN_UP ? 27 : 20;
+}
+
+}  // namespace
+
+TEST(ZeroMoves, EvenlyInEveryStateAndFromEachToTheNext) {
+    Stage stage(Files());
+    const Movement movement = Explore(stage, 1);
+    EXPECT_EQ(movement.states.size(), 17U) << "all that are ever played but the take-offs, which last one frame";
+    EXPECT_GT(movement.transitions.size(), 45U);
+    for (const auto& [state, measures] : movement.states) {
+        EXPECT_LT(measures.largest, InTheAir(state) ? 30 : 13) << NameOf(state);
+        EXPECT_LT(measures.mean, InTheAir(state) ? 11 : 4) << NameOf(state);
+        EXPECT_LT(measures.depth, 1.5) << NameOf(state);
+        // Whoever crouches may still be moving.
+        EXPECT_LT(measures.slide, InTheAir(state) ? 5 : state == STATE_RUN_UP ? 2.5 : 1.5) << NameOf(state);
+    }
+    for (const auto& [pair, transition] : movement.transitions) {
+        EXPECT_LT(transition.worst.largest, MostStep(pair)) << Named(pair);
+        EXPECT_LT(transition.worst.depth, 8) << Named(pair);
+        EXPECT_LT(transition.worst.mean, MostStep(pair) <= 20 ? 6.5 : 16) << Named(pair);
+    }
+    for (const PlayerState state : {STATE_RUN, STATE_WALK, STATE_BACK}) {
+        const LoopMeasures loop = MeasureLoop(stage, state);
+        EXPECT_LT(loop.closing, 0.1) << NameOf(state);
+        EXPECT_LT(loop.symmetry, 1) << NameOf(state);
     }
 }
 
-TEST_F(Zero, ClipsThatFollowEachOtherMeet) {
-    const struct {
-        const char* from;
-        uint32_t end;
-        const char* to;
-        uint32_t start;
-        double most;  // units
-    } rows[] = {
-        {"zerofold.anm", 400, "zerofol2.anm", 10, 1},  {"zerofol2.anm", 2020, "zerofol3.anm", 10, 1},
-        {"zerofol3.anm", 400, "zeroidle.anm", 10, 1},  {"zeroredy.anm", 75, "zeroreru.anm", 10, 1},
-        {"zeroreru.anm", 110, "zerorun.anm", 10, 1},   {"zerorun.anm", 190, "zerorun.anm", 10, 1},
-        {"zerowalk.anm", 280, "zerowalk.anm", 10, 1},  {"zeroback.anm", 260, "zeroback.anm", 10, 1},
-        {"zerojum1.anm", 60, "zerojum2.anm", 15, 35},  {"zerojum2.anm", 60, "zerojum3.anm", 10, 1},
-        {"zerojum3.anm", 100, "zerojum4.anm", 100, 1}, {"zerojum4.anm", 170, "zeroredy.anm", 10, 1},
-        {"zeroretl.anm", 260, "zeroidle.anm", 10, 1},  {"zeroretr.anm", 260, "zeroidle.anm", 10, 1},
-    };
-    for (const auto& row : rows) {
-        const auto a = PointsAt(row.from, row.end), b = PointsAt(row.to, row.start);
-        double worst = 0;
-        for (size_t i = 0; i < a.size(); ++i)
-            worst = std::max(worst, double{std::hypot(a[i].x - b[i].x, a[i].y - b[i].y, a[i].z - b[i].z)});
-        EXPECT_LT(worst, row.most) << row.from << " to " << row.to;
+// Levels with longer frames show fewer of the same moments.
+TEST(ZeroMoves, NoWorseThanItsSpeedInLongerFrames) {
+    for (const uint32_t ticks : {2U, 4U}) {
+        Stage stage(Files());
+        for (const auto& [pair, transition] : Explore(stage, ticks).transitions)
+            EXPECT_LT(transition.worst.largest, ticks == 2 ? 70 : 84) << Named(pair) << ", " << ticks << " ticks";
     }
 }
 
