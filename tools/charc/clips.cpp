@@ -79,17 +79,35 @@ BoneTracks TracksOf(const Bone& bone, size_t index, const std::vector<BoneTurns>
     return tracks;
 }
 
+// Of the model's animation, where the game's has come so far.
+double PartOf(ClipPlay play, double part) {
+    if (play == ClipPlay::FIRST_POSE) return 0;
+    return play == ClipPlay::BACKWARDS ? 1 - part : part;
+}
+
 }  // namespace
 
 BuiltClip BuildClip(const Model& model, const Skeleton& skeleton, const SkinnedMesh& mesh, const ModelClip& clip,
                     const ClipRecipe& recipe) {
     BuiltClip built;
-    built.report = {recipe.file, recipe.clip, recipe.times.size(), {}, {}, {}};
+    built.report = {recipe.file, recipe.clip, recipe.times.size(), {}, {}, {}, 0};
     const BonePoints points = GroupPoints(mesh);
     const double span = recipe.times.back() - CHARACTER_FIRST_TIME;
-    const auto wantedAt = [&](double time) {
-        const double part = (time - CHARACTER_FIRST_TIME) / span;
+    const auto placesAt = [&](double part) {
         return PlaceBones(model, skeleton, PoseAt(model, clip, clip.begin + part * (clip.end - clip.begin)));
+    };
+    // The game itself moves the character over the ground.
+    Vector walked;
+    if (recipe.loop) walked = placesAt(1)[0].Column(3) - placesAt(0)[0].Column(3);
+    walked.y = 0;
+    built.report.walksOff = Length(walked);
+    const auto wantedAt = [&](double time) {
+        const double part = PartOf(recipe.play, (time - CHARACTER_FIRST_TIME) / span);
+        BonePlaces places = placesAt(part);
+        if (built.report.walksOff <= LEAST_WALK) return places;
+        for (Affine& place : places)
+            place = Translation(walked * -part) * place;
+        return places;
     };
     std::vector<BoneTurns> poses;
     for (const uint32_t time : recipe.times) {

@@ -9,12 +9,15 @@ struct Stray {
     int bone = 0;
 };
 
+constexpr double LEAST_WALK = 3;  // units; what is less is an odd end of a loop
+
 struct ClipReport {
     std::string file, clip;
     size_t keys = 0;
-    Stray atKeys;       // what turning bones cannot follow: moved or scaled joints
-    Stray betweenKeys;  // half-way between two keys
-    Stray loopGap;      // from the last pose to the first, of a loop
+    Stray atKeys;         // what turning bones cannot follow: moved or scaled joints
+    Stray betweenKeys;    // half-way between two keys
+    Stray loopGap;        // from the last pose to the first, of a loop
+    double walksOff = 0;  // over the ground from a loop's start to its end, taken back
 };
 
 struct BuiltClip {

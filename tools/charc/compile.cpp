@@ -79,6 +79,9 @@ void NoteStrays(const ClipReport& report, const CharacterRecipe& recipe, std::ve
         notes.push_back(fmt::format("'{}' moves or scales '{}' by itself: up to {:.1f} units off, bones only turn",
                                     report.clip, joint(report.atKeys), report.atKeys.distance));
     }
+    if (report.walksOff > LEAST_WALK) {
+        notes.push_back(fmt::format("'{}' walks {:.0f} units off by itself: taken back", report.clip, report.walksOff));
+    }
     if (report.loopGap.distance > STRAY_LIMIT) {
         notes.push_back(fmt::format("'{}' does not end as it begins: {:.1f} units at '{}'", report.clip,
                                     report.loopGap.distance, joint(report.loopGap)));
@@ -109,6 +112,8 @@ CompiledCharacter CompileCharacter(const CharacterRecipe& recipe) {
     character.triangles = mesh.mesh.triangles.size();
     character.points = mesh.mesh.points.size();
     character.notes = model.notes;
+    character.notes.insert(character.notes.end(), recipe.notes.begin(), recipe.notes.end());
+    character.notes.insert(character.notes.end(), skeleton.notes.begin(), skeleton.notes.end());
     character.notes.insert(character.notes.end(), mesh.notes.begin(), mesh.notes.end());
     character.files.push_back({CHARACTER_MESH_FILE, EncodeMesh(mesh.mesh)});
     character.files.push_back({CHARACTER_WEIGHTS_FILE, EncodeWeights(BuildWeightBlocks(mesh))});

@@ -1,28 +1,18 @@
 #include "charc/recipe.h"
 
+#include "charc/stand_ins.h"
 #include "formats/error.h"
 #include "formats/settings.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 
 namespace {
 
 constexpr int LONGEST_CLIP = 100000;
-
-// Keys every so many units, the first of them no earlier than where the game's blend into the clip ends.
-std::vector<uint32_t> EvenTimes(uint32_t length, uint32_t step, uint32_t blend) {
-    const uint32_t span = length - CHARACTER_FIRST_TIME;
-    const uint32_t count = std::max(1U, (span + step / 2) / step);
-    std::vector<uint32_t> times;
-    for (uint32_t i = 0; i <= count; ++i) {
-        const uint32_t time = CHARACTER_FIRST_TIME + (2 * i * span + count) / (2 * count);
-        if (i == 0 || i == count || time >= blend) times.push_back(time);
-    }
-    return times;
-}
 
 std::vector<uint32_t> ListedTimes(const Settings& table, uint32_t length, uint32_t blend) {
     std::vector<uint32_t> times;
@@ -45,13 +35,17 @@ std::vector<uint32_t> ListedTimes(const Settings& table, uint32_t length, uint32
 ClipRecipe ReadClipRecipe(const Settings& table) {
     ClipRecipe clip;
     clip.file = table.NeedText("file");
+    const UsualClip* usual = UsualClipOf(clip.file);
+    if (!usual) table.RefuseKey("file", "is none that the game loads", "see docs/character.md");
     clip.clip = table.NeedText("clip");
-    clip.loop = table.Flag("loop", false);
-    const auto length = static_cast<uint32_t>(table.NeedInt("length", 11, LONGEST_CLIP));
-    const auto blend = static_cast<uint32_t>(table.Int("blend", 0, 0, LONGEST_CLIP));
-    const auto step = static_cast<uint32_t>(table.Int("every", 0, 1, LONGEST_CLIP));
-    if (step != 0 && table.Has("keys")) table.RefuseKey("every", "stands beside 'keys'", "keep one of them");
-    clip.times = step != 0 ? EvenTimes(length, step, blend) : ListedTimes(table, length, blend);
+    clip.loop = table.Flag("loop", usual->loop);
+    const auto length = static_cast<uint32_t>(table.Int("length", static_cast<int>(usual->length), 11, LONGEST_CLIP));
+    const bool listed = table.Has("keys");
+    const auto blend = static_cast<uint32_t>(
+        table.Int("blend", listed || table.Has("every") ? 0 : static_cast<int>(usual->blend), 0, LONGEST_CLIP));
+    const auto step = static_cast<uint32_t>(table.Int("every", static_cast<int>(usual->step), 1, LONGEST_CLIP));
+    if (listed && table.Has("every")) table.RefuseKey("every", "stands beside 'keys'", "keep one of them");
+    clip.times = listed ? ListedTimes(table, length, blend) : EvenTimes(length, step, blend);
     table.Finish();
     return clip;
 }
@@ -70,20 +64,32 @@ SkinRecipe ReadSkinRecipe(const Settings& table, const std::filesystem::path& fo
     return skin;
 }
 
-template <class Made, class Wanted>
-void NeedEvery(const Settings& text, const char* key, const Made& made, const Wanted& wanted) {
+template <class Made>
+void NeedOnce(const Settings& text, const char* key, const Made& made) {
     std::set<std::string> files;
     for (const auto& item : made) {
         if (!files.insert(item.file).second)
             text.RefuseKey(key, fmt::format("makes {} twice", Shown(item.file)), "drop one");
     }
-    std::string missing;
-    for (const char* const file : wanted) {
-        if (!files.erase(file)) missing += missing.empty() ? file : std::string(", ") + file;
+}
+
+void NeedSkins(const Settings& text, const std::vector<SkinRecipe>& skins) {
+    NeedOnce(text, "skin", skins);
+    std::set<std::string> files;
+    for (const SkinRecipe& skin : skins)
+        files.insert(skin.file);
+    for (const char* const file : CHARACTER_SKIN_FILES) {
+        if (!files.erase(file)) text.RefuseKey("skin", fmt::format("lacks {}", file), "the game loads it: add it");
     }
-    if (!missing.empty()) text.RefuseKey(key, "lacks " + missing, "the game loads it: add it");
     if (!files.empty())
-        text.RefuseKey(key, fmt::format("makes {}", Shown(*files.begin())), "the game loads no such file");
+        text.RefuseKey("skin", fmt::format("makes {}", Shown(*files.begin())), "the game loads no such file");
+}
+
+// About y, so that what looked along the given axis looks along +z.
+Quaternion TurnFrom(const Settings& text) {
+    const double half = std::sqrt(0.5);
+    const Quaternion turns[] = {{1, 0, 0, 0}, {0, 0, 1, 0}, {half, 0, -half, 0}, {half, 0, half, 0}};
+    return turns[text.Choice("faces", "+z", {"+z", "-z", "+x", "-x"})];
 }
 
 }  // namespace
@@ -95,6 +101,9 @@ CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
     recipe.file = path.string();
     recipe.model = folder / text.NeedText("model");
     recipe.scale = static_cast<double>(text.Number("scale", 100, 0.001F, 100000));
+    recipe.height = static_cast<double>(text.Number("height", 0, 0, 1000));
+    if (recipe.height > 0 && text.Has("scale")) text.RefuseKey("scale", "stands beside 'height'", "keep one of them");
+    recipe.turn = TurnFrom(text);
     recipe.origin = static_cast<double>(text.Number("origin", 110, -1000, 1000));
     recipe.joints = text.Texts("joints");
     if (recipe.joints.size() != CHARACTER_BONES || recipe.joints[0].empty()) {
@@ -102,13 +111,15 @@ CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
                        "name one joint for each of the 22 bones, '' for a bone that the model lacks");
     }
     recipe.folded = text.Texts("fold");
+    recipe.foldsRest = std::erase(recipe.folded, "*") > 0;
     recipe.materials = text.Texts("materials");
     for (const Settings& table : text.Tables("skin"))
         recipe.skins.push_back(ReadSkinRecipe(table, folder, recipe.materials.size()));
     for (const Settings& table : text.Tables("clip"))
         recipe.clips.push_back(ReadClipRecipe(table));
     text.Finish();
-    NeedEvery(text, "skin", recipe.skins, CHARACTER_SKIN_FILES);
-    NeedEvery(text, "clip", recipe.clips, CHARACTER_CLIP_FILES);
+    NeedSkins(text, recipe.skins);
+    NeedOnce(text, "clip", recipe.clips);
+    if (!AddStandIns(recipe)) text.RefuseKey("clip", "lacks zeroidle.anm", "nothing can stand in for it: add it");
     return recipe;
 }

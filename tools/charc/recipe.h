@@ -3,6 +3,7 @@
 #pragma once
 
 #include "formats/character_files.h"
+#include "maths/transform.h"
 
 #include <filesystem>
 #include <string>
@@ -14,23 +15,30 @@ struct SkinRecipe {
     size_t uvSet = 0;
 };
 
+enum class ClipPlay { AS_IT_IS, BACKWARDS, FIRST_POSE };
+
 struct ClipRecipe {
     std::string file;  // .anm
     std::string clip;  // its name in the model
     bool loop = false;
+    ClipPlay play = ClipPlay::AS_IT_IS;
     std::vector<uint32_t> times;  // of the keys; the first is CHARACTER_FIRST_TIME, the last the length
 };
 
 struct CharacterRecipe {
     std::string file;
     std::filesystem::path model;
-    double scale = 100;                  // units a metre
+    double scale = 100;                  // units a metre; unused where there is a height
+    double height = 0;                   // units that the model at rest shall be tall, its lowest point on the ground
+    Quaternion turn;                     // of the model, so that it faces +z
     double origin = 110;                 // units from the ground to where the game holds the character
     std::vector<std::string> joints;     // by bone; an empty name is a bone that the model has not
     std::vector<std::string> folded;     // joints whose points follow the next bone above them
+    bool foldsRest = false;              // so do all others that are no bone
     std::vector<std::string> materials;  // by texture
     std::vector<SkinRecipe> skins;
-    std::vector<ClipRecipe> clips;
+    std::vector<ClipRecipe> clips;   // of every file
+    std::vector<std::string> notes;  // what it was silent about, for the user
 };
 
 // What the game loads, in its folder of animations.
@@ -42,5 +50,5 @@ constexpr std::array<const char*, 19> CHARACTER_CLIP_FILES = {
     "zeroreru.anm", "zeroretl.anm", "zeroretr.anm", "zerorun.anm",  "zeroruwl.anm", "zerostan.anm", "zerowalk.anm",
     "zerowbre.anm", "zerojum1.anm", "zerojum2.anm", "zerojum3.anm", "zerojum4.anm"};
 
-// ContentError for a recipe that breaks a rule, or leaves out a file that the game loads.
+// ContentError for a recipe that breaks a rule. Files of animations that it leaves out are filled from others.
 CharacterRecipe ReadRecipe(const std::filesystem::path& path);

@@ -24,7 +24,7 @@ std::string List(const std::vector<std::string>& names) {
 }
 
 // The bone of each joint by its name, -1 for folded ones.
-std::vector<int> NameBones(const Model& model, const CharacterRecipe& recipe) {
+std::vector<int> NameBones(const Model& model, const CharacterRecipe& recipe, std::vector<std::string>& notes) {
     std::map<std::string, int> bones;
     for (size_t b = 0; b < CHARACTER_BONES; ++b) {
         const std::string& name = recipe.joints[b];
@@ -51,7 +51,9 @@ std::vector<int> NameBones(const Model& model, const CharacterRecipe& recipe) {
     if (!missing.empty()) {
         Refuse(model.file, 0, "has no joint " + List(missing), fmt::format("correct 'joints' in {}", recipe.file));
     }
-    if (!strangers.empty()) {
+    if (!strangers.empty() && recipe.foldsRest) {
+        notes.push_back(fmt::format("{} joints follow the next bone above: {}", strangers.size(), List(strangers)));
+    } else if (!strangers.empty()) {
         Refuse(model.file, 0, fmt::format("has joints without a bone: {}", List(strangers)),
                fmt::format("the game has 22 bones: add them to 'fold' in {} to let them follow the bone above",
                            recipe.file));
@@ -94,6 +96,10 @@ void LinkBones(const Model& model, Skeleton& skeleton) {
         int& bone = skeleton.boneOfJoint[j];
         const int above = BoneAbove(model, boneOfNode, model.joints[j].node);
         if (bone == 0) continue;
+        if (above < 0 && bone < 0) {
+            bone = 0;  // a joint above the root: the root is the nearest to it
+            continue;
+        }
         if (above < 0) {
             Refuse(model.file, 0, fmt::format("has the joint '{}' outside the root joint", Shown(JointName(model, j))),
                    "hang it below the root, or name another joint first in 'joints'");
@@ -109,21 +115,50 @@ Vector PivotInMesh(const ModelJoint& joint) {
     return Inverse(joint.inverseBind).Column(3);
 }
 
+struct Heights {
+    double lowest = 1e300, highest = -1e300;
+};
+
+// Of the model's points at rest.
+Heights MeasureHeights(const Model& model) {
+    const std::vector<Affine> rest = RestPose(model);
+    Heights heights;
+    for (const ModelVertex& vertex : model.vertices) {
+        double y = 0;
+        for (const ModelInfluence& influence : vertex.influences) {
+            const ModelJoint& joint = model.joints[static_cast<size_t>(influence.joint)];
+            y += (rest[static_cast<size_t>(joint.node)] * joint.inverseBind)(vertex.position).y * influence.weight;
+        }
+        heights.lowest = std::min(heights.lowest, y);
+        heights.highest = std::max(heights.highest, y);
+    }
+    return heights;
+}
+
 }  // namespace
 
 Skeleton BuildSkeleton(const Model& model, const CharacterRecipe& recipe) {
     Skeleton skeleton;
-    skeleton.boneOfJoint = NameBones(model, recipe);
+    skeleton.boneOfJoint = NameBones(model, recipe, skeleton.notes);
     LinkBones(model, skeleton);
     AddCommands(skeleton, 0, skeleton.commands);
     // glTF faces +z and is right-handed, the game's characters face -z and are left-handed: one mirror does both.
-    const Affine toUnits = Scaling(recipe.scale, recipe.scale, -recipe.scale);
+    double scale = recipe.scale, ground = 0;
+    if (recipe.height > 0) {
+        const Heights heights = MeasureHeights(model);
+        const double tall = heights.highest - heights.lowest;
+        if (!(tall > 1e-6 && tall < 1e6))
+            Refuse(model.file, 0, fmt::format("is {} tall", tall), "let it stand along y");
+        scale = recipe.height / tall;
+        ground = heights.lowest * scale;
+    }
+    const Affine toUnits = Scaling(scale, scale, -scale) * FromParts({}, recipe.turn, {1, 1, 1});
     const ModelJoint& root = model.joints[static_cast<size_t>(skeleton.bones[0].joint)];
     const Affine upright = RestPose(model)[static_cast<size_t>(root.node)] * root.inverseBind;
     if (std::abs(Determinant(upright)) < 1e-12) Refuse(model.file, 0, "has a flat root joint", "scale it back to 1");
     skeleton.meshToGame = toUnits * Translation(upright(PivotInMesh(root)) * -1) * upright;
     skeleton.gameToMesh = Inverse(skeleton.meshToGame);
-    skeleton.worldToActor = Translation({0, -recipe.origin, 0}) * toUnits;
+    skeleton.worldToActor = Translation({0, -recipe.origin - ground, 0}) * toUnits;
     for (Bone& bone : skeleton.bones) {
         if (bone.joint < 0) continue;
         bone.pivot = skeleton.meshToGame(PivotInMesh(model.joints[static_cast<size_t>(bone.joint)]));

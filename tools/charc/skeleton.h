@@ -20,6 +20,7 @@ struct Skeleton {
     Affine meshToGame;              // from the model's mesh to the game's
     Affine gameToMesh;
     Affine worldToActor;  // from the model's world to the frame of the actor's position
+    std::vector<std::string> notes;
 };
 
 // ContentError naming joints that are missing, not mentioned, or outside the root.

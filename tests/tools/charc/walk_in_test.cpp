@@ -1,0 +1,98 @@
+// Another character walks in: walk_in.toml with the model of low_poly_model.h, which knows nothing of the game.
+#include "charc/compile.h"
+#include "formats/binary.h"
+#include "formats/image.h"
+#include "game_character.h"
+#include "low_poly_model.h"
+#include "motion/report.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class WalkIn : public GameCharacter {
+protected:
+    void SetUp() override {
+        GameCharacter::SetUp();
+        fs::copy_file(fs::path(SOURCE_FOLDER) / "tests/tools/charc/walk_in.toml", home_ / "walk_in.toml",
+                      fs::copy_options::overwrite_existing);
+        WriteWholeFile(home_ / "walk_in.glb", LowPolyModel());
+        WritePng(home_ / "skin.png", Image(64, 64));
+        made_ = CompileCharacter(ReadRecipe(home_ / "walk_in.toml"));
+        for (const OutputFile& file : made_.files)
+            WriteWholeFile(home_ / file.name, file.content);
+    }
+
+    size_t Notes(const std::string& text) const {
+        return static_cast<size_t>(std::count_if(made_.notes.begin(), made_.notes.end(), [&](const std::string& note) {
+            return note.find(text) != std::string::npos;
+        }));
+    }
+
+    fs::path home_ = fs::path(testing::TempDir());
+    CompiledCharacter made_;
+};
+
+float Middle(const std::vector<Vec3>& points, float Vec3::*axis) {
+    float sum = 0;
+    for (const Vec3& point : points)
+        sum += point.*axis;
+    return sum / static_cast<float>(points.size());
+}
+
+}  // namespace
+
+TEST_F(WalkIn, StandsOnTheGroundAtTheHeightAskedForAndLooksAhead) {
+    Load(home_);
+    const std::vector<Vec3> points = PointsAt("zeroidle.anm", 10);
+    const auto [low, high] = std::minmax_element(points.begin(), points.end(),
+                                                 [](const Vec3& a, const Vec3& b) { return float{a.y} < float{b.y}; });
+    EXPECT_NEAR(low->y, GROUND, 0.5);
+    EXPECT_NEAR(high->y, GROUND + 182, 0.5);
+    float ahead = 0, behind = 0;
+    for (const Vec3& point : points) {
+        if (point.y > GROUND + 8) continue;
+        ahead = std::min(ahead, float{point.z});
+        behind = std::max(behind, float{point.z});
+    }
+    EXPECT_LT(ahead, -2 * behind) << "the toes";
+}
+
+TEST_F(WalkIn, IsBroughtWithinTheLimitsAndToldWhatWasDone) {
+    EXPECT_LE(made_.triangles, CHARACTER_MAX_TRIANGLES);
+    EXPECT_LE(made_.points, CHARACTER_MAX_POINTS);
+    EXPECT_EQ(Notes("simplified from"), 1U);
+    EXPECT_EQ(Notes("joints follow the next bone above: 'Root', 'HeadTop_End', 'LeftHandFinger01'"), 1U);
+    EXPECT_EQ(Notes("no clip is named for"), CHARACTER_CLIP_FILES.size() - 4);
+    EXPECT_EQ(Notes("no clip is named for zeroback.anm: 'Walking' stands in backwards"), 1U);
+    EXPECT_EQ(Notes("no clip is named for zerofold.anm: 'Idle' stands in with its first pose"), 1U);
+    EXPECT_EQ(Notes("no clip is named for zeroreru.anm: 'Running' stands in"), 1U);
+    EXPECT_GE(Notes("'Walking' walks 93 units off by itself: taken back"), 1U);
+}
+
+TEST_F(WalkIn, StaysInPlaceAndBacksOffAsItWalks) {
+    Load(home_);
+    const std::vector<Vec3> first = PointsAt("zerowalk.anm", 10);
+    const float start = Middle(first, &Vec3::z);
+    for (const uint32_t time : {70U, 130U, 190U, 250U}) {
+        EXPECT_NEAR(Middle(PointsAt("zerowalk.anm", time), &Vec3::z), start, 6) << time;
+        const std::vector<Vec3> forward = PointsAt("zerowalk.anm", time);
+        const std::vector<Vec3> backward = PointsAt("zeroback.anm", 260 - time);
+        for (size_t i = 0; i < forward.size(); ++i)
+            ASSERT_LT(std::hypot(forward[i].y - backward[i].y, forward[i].z - backward[i].z), 0.5F) << time;
+    }
+}
+
+TEST(WalkInMoves, ThroughAllTheGamesStates) {
+    const fs::path home = testing::TempDir();
+    fs::copy_file(fs::path(SOURCE_FOLDER) / "tests/tools/charc/walk_in.toml", home / "walk_in.toml",
+                  fs::copy_options::overwrite_existing);
+    WriteWholeFile(home / "walk_in.glb", LowPolyModel());
+    WritePng(home / "skin.png", Image(64, 64));
+    CompileToFolder(home / "walk_in.toml", home / "game");
+    Stage stage(home / "game");
+    EXPECT_GE(Explore(stage, 4).states.size(), 15U);
+}
