@@ -14,6 +14,12 @@ namespace {
 
 constexpr int LONGEST_CLIP = 100000;
 
+const UsualClip* UsualClipOf(const std::string& file) {
+    const auto found = std::find_if(CHARACTER_CLIPS.begin(), CHARACTER_CLIPS.end(),
+                                    [&](const UsualClip& usual) { return usual.file == file; });
+    return found == CHARACTER_CLIPS.end() ? nullptr : &*found;
+}
+
 std::vector<uint32_t> ListedTimes(const Settings& table, uint32_t length, uint32_t blend) {
     std::vector<uint32_t> times;
     for (const float number : table.Numbers("keys")) {
@@ -93,6 +99,17 @@ Quaternion TurnFrom(const Settings& text) {
 }
 
 }  // namespace
+
+std::vector<uint32_t> EvenTimes(uint32_t length, uint32_t step, uint32_t blend) {
+    const uint32_t span = length - CHARACTER_FIRST_TIME;
+    const uint32_t count = std::max(1U, (span + step / 2) / step);
+    std::vector<uint32_t> times;
+    for (uint32_t i = 0; i <= count; ++i) {
+        const uint32_t time = CHARACTER_FIRST_TIME + (2 * i * span + count) / (2 * count);
+        if (i == 0 || i == count || time >= blend) times.push_back(time);
+    }
+    return times;
+}
 
 CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
     const Settings text = Settings::Load(path);

@@ -45,10 +45,30 @@ struct CharacterRecipe {
 constexpr const char* CHARACTER_MESH_FILE = "zero.msh";
 constexpr const char* CHARACTER_WEIGHTS_FILE = "zero.wei";
 constexpr std::array<const char*, 2> CHARACTER_SKIN_FILES = {"zero.tuv", "tarnwick.tuv"};
-constexpr std::array<const char*, 19> CHARACTER_CLIP_FILES = {
-    "zeroback.anm", "zerofol2.anm", "zerofol3.anm", "zerofold.anm", "zeroidle.anm", "zerorebo.anm", "zeroredy.anm",
-    "zeroreru.anm", "zeroretl.anm", "zeroretr.anm", "zerorun.anm",  "zeroruwl.anm", "zerostan.anm", "zerowalk.anm",
-    "zerowbre.anm", "zerojum1.anm", "zerojum2.anm", "zerojum3.anm", "zerojum4.anm"};
+
+// An animation that the game loads, and what it usually is: for recipes that say no more than which clip of the model
+// fills it.
+struct UsualClip {
+    const char* file;
+    uint32_t length;
+    bool loop;
+    uint32_t step;   // between keys; in loops 20, so that the blends into them end with a fifth of the way
+    uint32_t blend;  // before which no key but the first stands
+};
+constexpr std::array<UsualClip, 19> CHARACTER_CLIPS = {{
+    {"zeroback.anm", 250, true, 20, 0},      {"zerofol2.anm", 2100, false, 190, 0},
+    {"zerofol3.anm", 400, false, 30, 0},     {"zerofold.anm", 400, false, 30, 0},
+    {"zeroidle.anm", 7510, false, 250, 120}, {"zerorebo.anm", 75, false, 65, 75},
+    {"zeroredy.anm", 75, false, 65, 75},     {"zeroreru.anm", 110, false, 20, 0},
+    {"zeroretl.anm", 260, false, 20, 75},    {"zeroretr.anm", 260, false, 20, 75},
+    {"zerorun.anm", 170, true, 20, 0},       {"zeroruwl.anm", 170, true, 20, 0},
+    {"zerostan.anm", 7510, false, 250, 120}, {"zerowalk.anm", 250, true, 20, 0},
+    {"zerowbre.anm", 7510, false, 250, 120}, {"zerojum1.anm", 60, false, 10, 0},
+    {"zerojum2.anm", 60, false, 25, 0},      {"zerojum3.anm", 100, false, 10, 0},
+    {"zerojum4.anm", 170, false, 10, 100},
+}};
+
+std::vector<uint32_t> EvenTimes(uint32_t length, uint32_t step, uint32_t blend);
 
 // ContentError for a recipe that breaks a rule. Files of animations that it leaves out are filled from others.
 CharacterRecipe ReadRecipe(const std::filesystem::path& path);

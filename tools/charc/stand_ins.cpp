@@ -6,20 +6,6 @@
 
 namespace {
 
-// In loops keys every 20: the blends into them then end with a fifth of the way.
-constexpr std::array<UsualClip, 19> USUAL = {{
-    {"zeroback.anm", 250, true, 20, 0},      {"zerofol2.anm", 2100, false, 190, 0},
-    {"zerofol3.anm", 400, false, 30, 0},     {"zerofold.anm", 400, false, 30, 0},
-    {"zeroidle.anm", 7510, false, 250, 120}, {"zerorebo.anm", 75, false, 65, 75},
-    {"zeroredy.anm", 75, false, 65, 75},     {"zeroreru.anm", 110, false, 20, 0},
-    {"zeroretl.anm", 260, false, 20, 75},    {"zeroretr.anm", 260, false, 20, 75},
-    {"zerorun.anm", 170, true, 20, 0},       {"zeroruwl.anm", 170, true, 20, 0},
-    {"zerostan.anm", 7510, false, 250, 120}, {"zerowalk.anm", 250, true, 20, 0},
-    {"zerowbre.anm", 7510, false, 250, 120}, {"zerojum1.anm", 60, false, 10, 0},
-    {"zerojum2.anm", 60, false, 25, 0},      {"zerojum3.anm", 100, false, 10, 0},
-    {"zerojum4.anm", 170, false, 10, 100},
-}};
-
 struct StandIn {
     const char* file;
     const char* source;
@@ -52,26 +38,10 @@ const char* Manner(ClipPlay play) {
 
 }  // namespace
 
-const UsualClip* UsualClipOf(const std::string& file) {
-    const auto found = std::find_if(USUAL.begin(), USUAL.end(), [&](const UsualClip& u) { return u.file == file; });
-    return found == USUAL.end() ? nullptr : &*found;
-}
-
-std::vector<uint32_t> EvenTimes(uint32_t length, uint32_t step, uint32_t blend) {
-    const uint32_t span = length - CHARACTER_FIRST_TIME;
-    const uint32_t count = std::max(1U, (span + step / 2) / step);
-    std::vector<uint32_t> times;
-    for (uint32_t i = 0; i <= count; ++i) {
-        const uint32_t time = CHARACTER_FIRST_TIME + (2 * i * span + count) / (2 * count);
-        if (i == 0 || i == count || time >= blend) times.push_back(time);
-    }
-    return times;
-}
-
 bool AddStandIns(CharacterRecipe& recipe) {
     const std::vector<ClipRecipe> given = recipe.clips;
     if (!Find(given, "zeroidle.anm")) return false;
-    for (const UsualClip& usual : USUAL) {
+    for (const UsualClip& usual : CHARACTER_CLIPS) {
         if (Find(given, usual.file)) continue;
         StandIn chosen = {usual.file, "zeroidle.anm", ClipPlay::FIRST_POSE};
         for (const StandIn& standIn : STAND_INS) {

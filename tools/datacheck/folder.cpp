@@ -101,8 +101,8 @@ private:
             const std::string path = character.folder + "/" + file;
             if (auto skin = Load(path, true, DecodeSkin)) character.skins.emplace(path, std::move(*skin));
         }
-        for (const std::string file : CHARACTER_CLIP_FILES) {
-            const std::string path = character.folder + "/" + file;
+        for (const UsualClip& usual : CHARACTER_CLIPS) {
+            const std::string path = character.folder + "/" + usual.file;
             if (auto clip = Load(path, true, DecodeAnimation)) character.clips.emplace(path, std::move(*clip));
         }
         return character;

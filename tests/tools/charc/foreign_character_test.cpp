@@ -71,7 +71,7 @@ TEST_F(ForeignCharacter, IsSkinnedByTheGameAsByItsOwnFormat) {
         expected[{clip, key}].push_back(point);
     ASSERT_EQ(expected.size(), 6u);
     for (const auto& [pose, vertices] : expected) {
-        const std::vector<Vec3> points = PointsAt(CHARACTER_CLIP_FILES[pose.first], 10 + 100 * pose.second);
+        const std::vector<Vec3> points = PointsAt(CHARACTER_CLIPS[pose.first].file, 10 + 100 * pose.second);
         for (const Vec3& point : points)
             ASSERT_LT(NearestDistance(point, vertices), 0.03) << pose.first << ", key " << pose.second;
         for (const Vec3& vertex : vertices)

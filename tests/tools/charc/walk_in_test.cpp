@@ -66,7 +66,7 @@ TEST_F(WalkIn, IsBroughtWithinTheLimitsAndToldWhatWasDone) {
     EXPECT_LE(made_.points, CHARACTER_MAX_POINTS);
     EXPECT_EQ(Notes("simplified from"), 1U);
     EXPECT_EQ(Notes("joints follow the next bone above: 'Root', 'HeadTop_End', 'LeftHandFinger01'"), 1U);
-    EXPECT_EQ(Notes("no clip is named for"), CHARACTER_CLIP_FILES.size() - 4);
+    EXPECT_EQ(Notes("no clip is named for"), CHARACTER_CLIPS.size() - 4);
     EXPECT_EQ(Notes("no clip is named for zeroback.anm: 'Walking' stands in backwards"), 1U);
     EXPECT_EQ(Notes("no clip is named for zerofold.anm: 'Idle' stands in with its first pose"), 1U);
     EXPECT_EQ(Notes("no clip is named for zeroreru.anm: 'Running' stands in"), 1U);
