@@ -80,7 +80,8 @@ void NoteStrays(const ClipReport& report, const CharacterRecipe& recipe, std::ve
                                     report.clip, joint(report.atKeys), report.atKeys.distance));
     }
     if (report.walksOff > LEAST_WALK) {
-        notes.push_back(fmt::format("'{}' walks {:.0f} units off by itself: taken back", report.clip, report.walksOff));
+        notes.push_back(
+            fmt::format("'{}' walks {:.0f} units off by itself: taken back", Shown(report.clip), report.walksOff));
     }
     if (report.loopGap.distance > STRAY_LIMIT) {
         notes.push_back(fmt::format("'{}' does not end as it begins: {:.1f} units at '{}'", report.clip,

@@ -1,5 +1,7 @@
 #include "charc/stand_ins.h"
 
+#include "formats/error.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -56,8 +58,8 @@ bool AddStandIns(CharacterRecipe& recipe) {
         clip.play = chosen.play;
         clip.loop = usual.loop;
         recipe.clips.push_back(clip);
-        recipe.notes.push_back(
-            fmt::format("no clip is named for {}: '{}' stands in{}", usual.file, clip.clip, Manner(chosen.play)));
+        recipe.notes.push_back(fmt::format("no clip is named for {}: '{}' stands in{}", usual.file, Shown(clip.clip),
+                                           Manner(chosen.play)));
     }
     return true;
 }

@@ -78,9 +78,19 @@ private:
         return false;
     }
 
+    // Without a blend a state looks the same whatever came before: one walk through it is enough.
+    bool IsNew(const Moment& moment) {
+        if (moment.blends) return true;
+        const auto [claim, isFirst] = walks_.try_emplace({moment.state, moment.time}, walk_);
+        const bool held = moment.time == stage_.LengthOf(moment.state);
+        return isFirst || (held && claim->second == walk_);
+    }
+
     void StayAndLeave() {
+        ++walk_;
         for (int frame = 0; frame < LONGEST_STAY; ++frame) {
             const Stage::Snapshot here = stage_.Save();
+            if (!IsNew(here.now)) return;
             if (frame < EVERY_FRAME || frame % AT_TIMES == 0) LeaveEveryWay(here);
             stage_.Restore(here);
             if (!Stay()) {
@@ -134,6 +144,8 @@ private:
     uint16_t held_ = 0;
     Movement movement_;
     std::set<StatePair> known_;
+    std::map<std::pair<int32_t, uint32_t>, int> walks_;  // by state and time of its animation, the first to come by
+    int walk_ = 0;
     std::deque<Stage::Snapshot> pending_;  // just after a change not yet looked behind
 };
 

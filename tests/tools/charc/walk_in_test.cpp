@@ -1,6 +1,6 @@
 // Another character walks in: walk_in.toml with the model of low_poly_model.h, which knows nothing of the game.
 #include "charc/compile.h"
-#include "formats/binary.h"
+#include "formats/files.h"
 #include "formats/image.h"
 #include "game_character.h"
 #include "low_poly_model.h"
@@ -23,7 +23,7 @@ protected:
         WritePng(home_ / "skin.png", Image(64, 64));
         made_ = CompileCharacter(ReadRecipe(home_ / "walk_in.toml"));
         for (const OutputFile& file : made_.files)
-            WriteWholeFile(home_ / file.name, file.content);
+            WriteWholeFile(home_ / file.path, file.content);
     }
 
     size_t Notes(const std::string& text) const {
