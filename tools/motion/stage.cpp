@@ -134,6 +134,7 @@ void Stage::Move(uint32_t ticks, const FrameInput& input) {
     Controls = input.controls;
     PlayerActor.randomWord = input.random;
     if (input.lands) PlayerActor.contactSlope = 1.0f;
+    if (input.stopped) PlayerActor.velocity = {};
     const Vec3 before = PlayerActor.position;
     AdvanceActor(PlayerActor);
     MoveAgainstWorld(PlayerActor);

@@ -28,6 +28,7 @@ struct FrameInput {
     uint16_t controls = 0;  // CTL_...
     int32_t random = 0;     // the random word that the state's handler finds
     bool lands = false;     // the last move is taken to have touched level ground
+    bool stopped = false;   // a wall has taken all speed
 };
 
 class Stage {

@@ -42,6 +42,8 @@ std::vector<FrameInput> AllInputs() {
     inputs.push_back({0, EVEN, false});
     inputs.push_back({0, ODD, false});
     inputs.push_back({0, 0, true});
+    inputs.push_back({CTL_UP | CTL_SPACE, 0, false, true});
+    inputs.push_back({CTL_UP | CTL_SHIFT | CTL_SPACE, 0, false, true});
     return inputs;
 }
 
