@@ -13,15 +13,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// The recipe, with what it needs beside it.
+fs::path Recipe() {
+    const fs::path home = testing::TempDir(), recipe = home / "walk_in.toml";
+    fs::copy_file(fs::path(SOURCE_FOLDER) / "tests/tools/charc/walk_in.toml", recipe,
+                  fs::copy_options::overwrite_existing);
+    WriteWholeFile(home / "walk_in.glb", LowPolyModel());
+    WritePng(home / "skin.png", Image(64, 64));
+    return recipe;
+}
+
 class WalkIn : public GameCharacter {
 protected:
     void SetUp() override {
         GameCharacter::SetUp();
-        fs::copy_file(fs::path(SOURCE_FOLDER) / "tests/tools/charc/walk_in.toml", home_ / "walk_in.toml",
-                      fs::copy_options::overwrite_existing);
-        WriteWholeFile(home_ / "walk_in.glb", LowPolyModel());
-        WritePng(home_ / "skin.png", Image(64, 64));
-        made_ = CompileCharacter(ReadRecipe(home_ / "walk_in.toml"));
+        made_ = CompileCharacter(ReadRecipe(Recipe()));
         for (const OutputFile& file : made_.files)
             WriteWholeFile(home_ / file.path, file.content);
     }
@@ -87,12 +93,8 @@ TEST_F(WalkIn, StaysInPlaceAndBacksOffAsItWalks) {
 }
 
 TEST(WalkInMoves, ThroughAllTheGamesStates) {
-    const fs::path home = testing::TempDir();
-    fs::copy_file(fs::path(SOURCE_FOLDER) / "tests/tools/charc/walk_in.toml", home / "walk_in.toml",
-                  fs::copy_options::overwrite_existing);
-    WriteWholeFile(home / "walk_in.glb", LowPolyModel());
-    WritePng(home / "skin.png", Image(64, 64));
-    CompileToFolder(home / "walk_in.toml", home / "game");
-    Stage stage(home / "game");
+    const fs::path folder = fs::path(testing::TempDir()) / "game";
+    CompileToFolder(Recipe(), folder);
+    Stage stage(folder);
     EXPECT_GE(Explore(stage, 4).states.size(), 15U);
 }
