@@ -13,7 +13,7 @@ constexpr uint32_t TEXTURE_PAGE_PITCH = 256;
 struct [[gnu::packed]] TextureRecord {
     uint32_t texelOffset;   // ignored in the file; set at load to the first texel's offset from the file image's start
     uint8_t isTransparent;  // ignored in the file; set at load to 1 if any texel is 0
-    uint16_t unused;
+    uint16_t isEmpty;       // ignored in the file; set at load to 1 if every texel is 0
     uint8_t page;
     uint8_t x, y;           // left column and top row within the page
     uint8_t width, height;  // powers of two

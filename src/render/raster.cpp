@@ -141,6 +141,7 @@ bool FindRows(const PolyRecord& polygon) {
 void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
     const TextureRecord* record = PolygonTexture(*polygon);
     if (record == nullptr || FrameBuffer == nullptr) return;
+    if (texelZero == TexelZero::Skipped && record->isEmpty == 1) return;
     const uint32_t mask = (record->height - 1u) * TEXTURE_PAGE_PITCH + (record->width - 1u);
     const SpanTexture texture = {TextureImage + record->texelOffset, mask};
     if (!BuildEdgeTable(polygon)) return;

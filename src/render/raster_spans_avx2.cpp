@@ -320,16 +320,26 @@ AVX2_CODE void DrawAll(CoverRow* cover) {
     DrawWords<ZERO>(cover);
 }
 
-// Of the pixels in `wanted`, at most 16 from column x on, those that the cover does not hold. It takes them in, unless
-// they may turn out to be holes. By bytes, which takes half the time of finding the bits in two words.
+// Where the rest of a span lies.
+struct Place {
+    uint8_t* pixels;
+    int32_t x, count;
+};
+
+// Three blocks: with up to seven bits before it, a piece of the cover lies in eight bytes.
+constexpr int32_t PIECE_PIXELS = 3 * SPAN_BLOCK;
+
+// The bits of the next pixels of a span, at most PIECE_PIXELS, that the cover does not hold. It takes them in, unless
+// they may turn out to be holes. All at once: a load of what two stores have written in part would wait for both.
 template <TexelZero ZERO>
-AVX2_CODE inline uint32_t TakePixels(CoverRow* cover, int32_t x, uint32_t wanted) {
+AVX2_CODE inline uint64_t TakePixels(CoverRow* cover, const Place& place) {
+    const uint64_t wanted = ~uint64_t{0} >> (64 - std::min(place.count, PIECE_PIXELS));
     if (cover == nullptr) return wanted;
-    const auto column = static_cast<uint32_t>(x);
+    const auto column = static_cast<uint32_t>(place.x);
     uint8_t* const bytes = reinterpret_cast<uint8_t*>(cover->words) + column / 8;
-    uint32_t held;
+    uint64_t held;
     std::memcpy(&held, bytes, sizeof held);
-    const uint32_t drawn = wanted & ~(held >> column % 8);
+    const uint64_t drawn = wanted & ~(held >> column % 8);
     if (ZERO == TexelZero::Drawn) {
         held |= drawn << column % 8;
         std::memcpy(bytes, &held, sizeof held);
@@ -337,24 +347,15 @@ AVX2_CODE inline uint32_t TakePixels(CoverRow* cover, int32_t x, uint32_t wanted
     return drawn;
 }
 
-// Where the rest of a span lies.
-struct Place {
-    uint8_t* pixels;
-    int32_t x, count;
-};
-
-// Adds up to sixteen pixels, if any of them is drawn.
-template <TexelZero ZERO>
-AVX2_CODE inline void AddBlock(const Place& place, int32_t number, const SpanTexture& texture, CoverRow* cover) {
-    Queue& spans = queue<ZERO>;
-    const uint32_t wanted = 0xFFFFu >> std::max(0, SPAN_BLOCK - place.count);
-    Block& block = spans.blocks[spans.blockCount];
-    block.lane = &spans.laneBlocks[number].value[0][spans.laneCount];
-    block.pixels = place.pixels;
-    block.texels = texture.texels;
-    block.mask = texture.mask * 0x10001;
-    block.drawn = TakePixels<ZERO>(cover, place.x, wanted);
-    spans.blockCount += block.drawn != 0;
+// Adds the blocks of which any pixel is drawn; returns the place behind them.
+AVX2_CODE inline Block* AddBlocks(Block* block, const uint32_t* lane, uint8_t* pixels, const SpanTexture& texture,
+                                  uint64_t drawn) {
+    constexpr ptrdiff_t NEXT_BLOCK = sizeof(LaneBlocks) / sizeof(uint32_t);
+    for (; drawn != 0; drawn >>= SPAN_BLOCK, lane += NEXT_BLOCK, pixels += SPAN_BLOCK) {
+        *block = {lane, pixels, texture.texels, texture.mask * 0x10001, static_cast<uint16_t>(drawn)};
+        block += block->drawn != 0;
+    }
+    return block;
 }
 
 AVX2_CODE inline void PutLane(Queue& spans, const EdgeRow& row) {
@@ -367,15 +368,19 @@ AVX2_CODE inline void PutLane(Queue& spans, const EdgeRow& row) {
 
 template <TexelZero ZERO>
 AVX2_CODE inline void AddSpan(const EdgeRow& row, Place place, const SpanTexture& texture, CoverRow* cover) {
+    constexpr ptrdiff_t NEXT_PIECE = PIECE_PIXELS / SPAN_BLOCK * sizeof(LaneBlocks) / sizeof(uint32_t);
     Queue& spans = queue<ZERO>;
-    const int32_t before = spans.blockCount;
     PutLane(spans, row);
-    AddBlock<ZERO>(place, 0, texture, cover);
-    for (int32_t i = 1; place.count > SPAN_BLOCK; i++) {
-        place = {place.pixels + SPAN_BLOCK, place.x + SPAN_BLOCK, place.count - SPAN_BLOCK};
-        AddBlock<ZERO>(place, i, texture, cover);
+    Block* const first = spans.blocks + spans.blockCount;
+    const uint32_t* lane = spans.laneBlocks[0].value[0] + spans.laneCount;
+    Block* end = AddBlocks(first, lane, place.pixels, texture, TakePixels<ZERO>(cover, place));
+    while (place.count > PIECE_PIXELS) {
+        place = {place.pixels + PIECE_PIXELS, place.x + PIECE_PIXELS, place.count - PIECE_PIXELS};
+        lane += NEXT_PIECE;
+        end = AddBlocks(end, lane, place.pixels, texture, TakePixels<ZERO>(cover, place));
     }
-    spans.laneCount += spans.blockCount != before;
+    spans.blockCount += static_cast<int32_t>(end - first);
+    spans.laneCount += end != first;
 }
 
 // Spans outside the frame, too long ones and those at the frame's last pixels, where a word may reach beyond them, are

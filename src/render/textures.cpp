@@ -41,12 +41,12 @@ void CheckTextureFile(uint32_t size, const char* path) {
     }
 }
 
-bool HasTransparentTexel(const TextureRecord& texture) {
+int32_t CountTransparentTexels(const TextureRecord& texture) {
     const uint8_t* row = TextureImage + texture.texelOffset;
-    for (int y = 0; y < texture.height; y++, row += TEXTURE_PAGE_PITCH) {
-        if (std::find(row, row + texture.width, 0) != row + texture.width) return true;
-    }
-    return false;
+    ptrdiff_t count = 0;
+    for (int y = 0; y < texture.height; y++, row += TEXTURE_PAGE_PITCH)
+        count += std::count(row, row + texture.width, 0);
+    return static_cast<int32_t>(count);
 }
 
 void PrepareTextures() {
@@ -54,7 +54,9 @@ void PrepareTextures() {
         TextureRecord& texture = TextureRecords()[i];
         texture.texelOffset =
             TexelStart() + texture.page * TEXTURE_PAGE_SIZE + texture.y * TEXTURE_PAGE_PITCH + texture.x;
-        texture.isTransparent = HasTransparentTexel(texture) ? 1 : 0;
+        const int32_t transparent = CountTransparentTexels(texture);
+        texture.isTransparent = transparent > 0 ? 1 : 0;
+        texture.isEmpty = transparent == texture.width * texture.height ? 1 : 0;
     }
 }
 
