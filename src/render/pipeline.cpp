@@ -3,15 +3,13 @@
 #include "math/convert.h"
 #include "platform/timer.h"
 #include "render/device/device.h"
-#include "render/raster.h"
+#include "render/projection.h"
 #include "render/render_tables.h"
 #include "render/submit.h"
 #include "world/light_map.h"
 #include "world/world_tables.h"
 
 namespace {
-
-constexpr float NEAREST_DEPTH = 0.000001f;
 
 struct ClipPlane {
     uint8_t bit;
@@ -93,8 +91,8 @@ void ClipAgainstPlane(const PolyRecord& input, PolyRecord& output, const ClipPla
 void Project(ViewPoint& point) {
     const float inverse = point.z < NEAREST_DEPTH ? 0.0f : 1.0f / point.z;
     point.projectionStamp = FrameCount;
-    const float x = point.x * ProjectionScaleX * inverse + ScreenCentreX;
-    const float y = -(point.y * ProjectionScaleY) * inverse + ScreenCentreY;
+    const float x = ScreenX(point.x, inverse);
+    const float y = ScreenY(point.y, inverse);
     if (GlideActive()) {
         point.screen.pixels.x = x;
         point.screen.pixels.y = y;
@@ -116,17 +114,11 @@ void ProjectCorners(const PolyRecord& polygon, uint32_t firstFresh) {
     }
 }
 
-// What nobody sees needs no light, but has been handed over like any other.
-void CountHidden() {
-    SubmittedPolygons++;
-}
-
 }  // namespace
 
 void DrawPolygon(int32_t polygon) {
     const PolyRecord& record = WorldGeometry.polygons[polygon];
     ProjectCorners(record, UINT32_MAX);
-    if (IsHidden(record)) return CountHidden();
     ShadePolygon(polygon);
     SubmitPolygon(&record, 0);
 }

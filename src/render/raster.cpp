@@ -86,14 +86,9 @@ void FillRows(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZ
 bool isNearestFirst;
 CoverRow cover[COVER_ROWS];
 
-// What a polygon's points span, in 16.16 pixels.
-struct Bounds {
-    int32_t left, right, top, bottom;
-};
-
-Bounds BoundsOf(const PolyRecord& polygon) {
+ScreenBounds BoundsOf(const PolyRecord& polygon) {
     const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    Bounds bounds = {INT32_MAX, INT32_MIN, INT32_MAX, INT32_MIN};
+    ScreenBounds bounds = {INT32_MAX, INT32_MIN, INT32_MAX, INT32_MIN};
     for (int i = 0; i < polygon.cornerCount; i++) {
         const auto point = WorldGeometry.viewPoints[corners[i].point].screen.fixed;
         bounds.left = std::min(bounds.left, point.x);
@@ -109,7 +104,7 @@ struct Columns {
 };
 
 // No span reaches beyond these columns of the frame. Steps round, and wrap far outside.
-Columns ColumnsOf(const Bounds& bounds) {
+Columns ColumnsOf(const ScreenBounds& bounds) {
     constexpr int32_t FAR_AWAY = 4096 * 65536;
     constexpr int32_t MARGIN = 2;
     if (std::min(bounds.left, bounds.top) < -FAR_AWAY || std::max(bounds.right, bounds.bottom) > FAR_AWAY)
@@ -129,13 +124,21 @@ void SkipCoveredRows(const Columns& columns) {
         EndRow--;
 }
 
-// The rows that the polygon covers, as far as they lie inside the frame and the cover does not hold them. False: none.
-bool FindRows(const PolyRecord& polygon) {
-    const Bounds bounds = BoundsOf(polygon);
+// The rows that the bounds cover, as far as they lie inside the frame and the cover does not hold them. False: none.
+bool FindRows(const ScreenBounds& bounds) {
     FirstRow = std::max(CeilFixed(bounds.top), 0);
     EndRow = std::min({CeilFixed(bounds.bottom), ScreenHeight, EDGE_TABLE_ROWS});
     if (isNearestFirst) SkipCoveredRows(ColumnsOf(bounds));
     return FirstRow < EndRow;
+}
+
+// FirstRow and EndRow are the ones of this polygon already.
+const PolyRecord* polygonWithRows;
+
+bool FindRows(const PolyRecord& polygon) {
+    const bool isKnown = polygonWithRows == &polygon;
+    polygonWithRows = nullptr;
+    return isKnown || FindRows(BoundsOf(polygon));
 }
 
 void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
@@ -181,6 +184,7 @@ void RasterPolygonTransparent(const PolyRecord* polygon) {
 }
 
 bool BeginNearestFirst() {
+    polygonWithRows = nullptr;
     isNearestFirst = !GlideActive() && ScreenWidth <= COVER_COLUMNS && ScreenHeight <= COVER_ROWS;
     if (isNearestFirst) std::memset(cover, 0, sizeof(CoverRow) * static_cast<size_t>(ScreenHeight));
     return isNearestFirst;
@@ -191,12 +195,14 @@ void EndNearestFirst() {
     if (isNearestFirst && UseAvx2Spans) FinishRowsAvx2();
 #endif
     isNearestFirst = false;
+    polygonWithRows = nullptr;
 }
 
 bool NearestFirst() {
     return isNearestFirst;
 }
 
-bool IsHidden(const PolyRecord& polygon) {
-    return isNearestFirst && !FindRows(polygon);
+bool IsHidden(const PolyRecord& polygon, const ScreenBounds& bounds) {
+    polygonWithRows = FindRows(bounds) ? &polygon : nullptr;
+    return polygonWithRows == nullptr;
 }

@@ -7,6 +7,8 @@
 
 #include "records/world_records.h"
 
+#include <cstdint>
+
 void BuildReciprocalTable();                     // once a game, before anything is drawn
 bool BuildEdgeTable(const PolyRecord* polygon);  // false: no row of the frame is covered
 void RasterPolygon(const PolyRecord* polygon);
@@ -20,6 +22,11 @@ bool BeginNearestFirst();
 void EndNearestFirst();
 bool NearestFirst();  // whether the frame is drawn so
 
-// Whether all of a projected polygon lies behind what has been drawn, or outside the frame. Always false where the
-// frame is not drawn from the nearest polygon on.
-bool IsHidden(const PolyRecord& polygon);
+// What the projected corners of a polygon span, in 16.16 pixels.
+struct ScreenBounds {
+    int32_t left, right, top, bottom;
+};
+
+// Whether all of a polygon with these bounds lies behind what has been drawn, or outside the frame. Only where the
+// frame is drawn from the nearest polygon on.
+bool IsHidden(const PolyRecord& polygon, const ScreenBounds& bounds);

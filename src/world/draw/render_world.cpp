@@ -9,14 +9,13 @@
 #include "render/pipeline.h"
 #include "render/raster.h"
 #include "render/render_tables.h"
+#include "render/submit.h"
 #include "world/draw/draw_character.h"
-#include "world/draw/outcodes.h"
+#include "world/draw/polygon_view.h"
 #include "world/world_tables.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <cstring>
 
 int32_t RenderListCount;
 
@@ -207,53 +206,22 @@ void CollectLeaves(int32_t subtree) {
     }
 }
 
-typedef float Float4 __attribute__((vector_size(16)));
-
-// The view matrix by columns, the translation last.
-struct ViewColumns {
-    Float4 x, y, z, translation;
-};
-ViewColumns viewColumns;
-
-void BuildViewColumns() {
-    const float* m = ViewMatrix.rotation.m;
-    const Vec3& t = ViewMatrix.translation;
-    viewColumns.x = Float4{m[0], m[3], m[6], 0};
-    viewColumns.y = Float4{m[1], m[4], m[7], 0};
-    viewColumns.z = Float4{m[2], m[5], m[8], 0};
-    viewColumns.translation = Float4{t.x, t.y, t.z, 0};
+// What nobody sees needs no light, but has been handed over like any other.
+void CountHidden() {
+    SubmittedPolygons++;
 }
 
-// A point that several polygons share is transformed for each: that takes less time than to ask, since no processor
-// foresees the answer.
-uint8_t TransformPoint(uint32_t point) {
-    static_assert(offsetof(ViewPoint, transformStamp) == sizeof(Vec3));
-    const Vec3 p = WorldGeometry.points[point].position;
-    const ViewColumns& m = viewColumns;
-    const Float4 turned = m.x * p.x + m.y * p.y + m.z * p.z + m.translation;
-    ViewPoint& view = WorldGeometry.viewPoints[point];
-    std::memcpy(&view, &turned, sizeof turned);
-    view.transformStamp = FrameCount;
-    const uint8_t depth = turned[2] > FarDistance ? OUT_DEPTH : uint8_t{0};
-    const uint8_t outcode = SideOutcode(turned[0], turned[1], turned[2]) | depth;
-    WorldGeometry.outcodes[point] = outcode;
-    return outcode;
-}
-
-// Points are transformed as the first polygon that faces the camera needs them.
+// Only what is seen is put into the tables.
 void DrawFacingPolygon(uint32_t polygon, bool mayCross) {
     const PolyRecord& record = WorldGeometry.polygons[polygon];
-    const PolyVertex* corner = WorldGeometry.polyVertices + record.firstVertex;
-    uint8_t outsideAll = 0xFF;
-    uint8_t outsideAny = 0;
-    for (const PolyVertex* end = corner + record.cornerCount; corner != end; ++corner) {
-        const uint8_t outcode = TransformPoint(corner->point);
-        outsideAll &= outcode;
-        outsideAny |= outcode;
-    }
-    if (outsideAll != 0) return;
-    if (mayCross && (outsideAny & OUT_SIDES) != 0) {
-        DrawPolygonClipped(static_cast<int32_t>(polygon), outsideAny);
+    PolygonView view;
+    LookAtPolygon(record, view);
+    if (view.outsideAll != 0) return;
+    const bool crosses = mayCross && (view.outsideAny & OUT_SIDES) != 0;
+    if (!crosses && view.isOnScreen && IsHidden(record, view.bounds)) return CountHidden();
+    StoreView(record, view);
+    if (crosses) {
+        DrawPolygonClipped(static_cast<int32_t>(polygon), view.outsideAny);
     } else {
         DrawPolygon(static_cast<int32_t>(polygon));
     }
@@ -333,7 +301,7 @@ void DrawOutlines(int32_t subtree) {
 
 void RenderWorld() {
     BuildViewPlanes();
-    BuildViewColumns();
+    BeginPolygonViews();
     RenderListCount = 0;
     if (FogSwitch == 0) {
         DrawOutlines(0);

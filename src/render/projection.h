@@ -1,0 +1,16 @@
+// From camera space to the screen, for one point or several at once: float, or a vector of floats.
+#pragma once
+
+#include "render/render_tables.h"
+
+// In pixels. `inverse` is 1 / z.
+template <typename Floats>
+Floats ScreenX(Floats x, Floats inverse) {
+    return x * ProjectionScaleX * inverse + ScreenCentreX;
+}
+template <typename Floats>
+Floats ScreenY(Floats y, Floats inverse) {
+    return -(y * ProjectionScaleY) * inverse + ScreenCentreY;
+}
+
+constexpr float NEAREST_DEPTH = 0.000001f;  // points nearer than that are drawn at the centre of the screen
