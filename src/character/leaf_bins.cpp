@@ -4,6 +4,8 @@
 #include "world/world_tables.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <span>
 
 uint32_t DroppedPolygons;
@@ -129,6 +131,45 @@ void BinIntoLeaf(uint32_t leaf, std::span<const uint16_t> list) {
     BinPoolUsed += static_cast<uint32_t>(count);
 }
 
+// Around all points of the visible list, and so of its pieces.
+struct Box {
+    Vec3 least, greatest;
+};
+Box box;
+
+Box BoxAround(std::span<const uint16_t> list) {
+    constexpr float FAR = std::numeric_limits<float>::max();
+    Box around = {{FAR, FAR, FAR}, {-FAR, -FAR, -FAR}};
+    for (const uint16_t number : list) {
+        const PolyRecord& polygon = WorldGeometry.polygons[number];
+        for (uint32_t i = 0; i < polygon.cornerCount; ++i) {
+            const ViewPoint& p = WorldGeometry.viewPoints[WorldGeometry.polyVertices[polygon.firstVertex + i].point];
+            around.least = {std::min(around.least.x, p.x), std::min(around.least.y, p.y),
+                            std::min(around.least.z, p.z)};
+            around.greatest = {std::max(around.greatest.x, p.x), std::max(around.greatest.y, p.y),
+                               std::max(around.greatest.z, p.z)};
+        }
+    }
+    return around;
+}
+
+// The side on which Classify finds every polygon inside the box, with room for its rounding; On: not known.
+Side SideOfBox(const PlaneRecord& plane) {
+    const Vec3 normal = {plane.nx, plane.ny, plane.nz};
+    float nearest = plane.d, farthest = plane.d, size = std::fabs(plane.d);
+    for (float Vec3::*axis : {&Vec3::x, &Vec3::y, &Vec3::z}) {
+        const float a = normal.*axis * box.least.*axis;
+        const float b = normal.*axis * box.greatest.*axis;
+        nearest += std::min(a, b);
+        farthest += std::max(a, b);
+        size += std::max(std::fabs(a), std::fabs(b));
+    }
+    const float rounding = 1e-5f * size;
+    if (nearest - rounding > -PLANE_THICKNESS) return Side::Front;
+    if (farthest + rounding < -PLANE_THICKNESS) return Side::Back;
+    return Side::On;
+}
+
 struct SubLists {
     std::span<uint16_t> front, back;
 };
@@ -139,6 +180,11 @@ SubLists Divide(std::span<const uint16_t> list, const PlaneRecord& plane, uint16
     if (list.size() > room) {
         DroppedPolygons += static_cast<uint32_t>(list.size() - room);
         list = list.first(room);
+    }
+    const Side side = SideOfBox(plane);
+    if (side != Side::On) {
+        uint16_t* const end = std::copy(list.begin(), list.end(), free);
+        return side == Side::Front ? SubLists{{free, end}, {end, end}} : SubLists{{free, free}, {free, end}};
     }
     uint16_t* const back = free + list.size();
     size_t frontCount = 0;
@@ -210,5 +256,6 @@ uint32_t VisibleCount() {
 void BinActorPolygons(uint32_t count, float x, float y, float z) {
     if (count == 0) return;
     RestartScratch();
+    box = BoxAround({Visible, count});
     BinPolygons(StartNode(x, y, z), {Visible, count}, Visible + count);
 }

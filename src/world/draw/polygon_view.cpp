@@ -82,17 +82,9 @@ uint8_t Outcode(const ViewPoint& point) {
     return SideOutcode(point) | (point.z > FarDistance ? OUT_DEPTH : uint8_t{0});
 }
 
-void AddOutcodes(const CornerGroup& group, PolygonView& view) {
-    const Int4 out[] = {group.x > group.z, -group.x > group.z, group.y > group.z, -group.y > group.z,
-                        group.z > FarDistance};
-    uint8_t all = 0, any = 0;
-    for (int i = 0; i < 5; i++) {
-        const int bits = Bits(out[i]);
-        all |= static_cast<uint8_t>((bits == 0xF) << i);
-        any |= static_cast<uint8_t>((bits != 0) << i);
-    }
-    view.outsideAll &= all;
-    view.outsideAny |= any;
+Int4 Outcodes(const CornerGroup& group) {
+    return ((group.x > group.z) & OUT_RIGHT) | ((-group.x > group.z) & OUT_LEFT) | ((group.y > group.z) & OUT_TOP) |
+           ((-group.y > group.z) & OUT_BOTTOM) | ((group.z > FarDistance) & OUT_DEPTH);
 }
 
 // Least and greatest of both coordinates, by lane.
@@ -142,8 +134,7 @@ void BeginPolygonViews() {
 void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
     const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
     const int last = polygon.cornerCount - 1;
-    view.outsideAll = 0xFF;
-    view.outsideAny = 0;
+    Int4 outsideAll = Int4{} - 1, outsideAny = {};
     view.isOnScreen = NearestFirst();
     const bool projects = view.isOnScreen;
     constexpr float MOST = FAR_AWAY;
@@ -153,9 +144,13 @@ void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
         Turn({corners + i, corners + std::min(i + 1, last), corners + std::min(i + 2, last),
               corners + std::min(i + 3, last)},
              group);
-        AddOutcodes(group, view);
+        const Int4 outcodes = Outcodes(group);
+        outsideAll &= outcodes;
+        outsideAny |= outcodes;
         if (projects) Project(group, bounds, view);
     }
+    view.outsideAll = static_cast<uint8_t>(outsideAll[0] & outsideAll[1] & outsideAll[2] & outsideAll[3]);
+    view.outsideAny = static_cast<uint8_t>(outsideAny[0] | outsideAny[1] | outsideAny[2] | outsideAny[3]);
     if (projects) view.bounds = Joined(bounds);
 }
 
