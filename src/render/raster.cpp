@@ -36,10 +36,31 @@ EdgePoint MakeEdgePoint(const PolyVertex& corner) {
             Float4{corner.u * inverse, corner.v * inverse, corner.intensity * inverse, inverse}};
 }
 
+struct Edge {
+    const EdgePoint *top, *bottom;
+    EdgeHalf EdgeRow::*side;
+};
+
+// Those that cover a row from FirstRow to EndRow. Without a branch, which no processor would foresee.
+int ListEdges(const EdgePoint* points, int count, Edge* edges) {
+    int listed = 0;
+    for (int i = 0; i < count; i++) {
+        const EdgePoint* const from = points + i;
+        const EdgePoint* const to = points + (i + 1 < count ? i + 1 : 0);
+        const bool rises = to->y < from->y;
+        const Edge edge = {rises ? to : from, rises ? from : to, rises ? &EdgeRow::right : &EdgeRow::left};
+        const int32_t row = std::max(edge.top->row, FirstRow);
+        edges[listed] = edge;
+        listed += row < std::min(edge.bottom->row, EndRow) ? 1 : 0;
+    }
+    return listed;
+}
+
 // Writes one edge into the rows it covers. Rows above the frame are stepped over so that the others do not change.
-void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*side) {
+void WalkEdge(const Edge& edge) {
+    const EdgePoint& top = *edge.top;
+    const EdgePoint& bottom = *edge.bottom;
     const int32_t endRow = std::min(bottom.row, EndRow);
-    if (top.row >= endRow) return;
     const float preStep = static_cast<float>(int64_t{top.row} * 65536 - top.y) / 65536;
     const float perRow = 65536 / static_cast<float>(int64_t{bottom.y} - top.y);
     const float slope = static_cast<float>(int64_t{bottom.x} - top.x) * perRow;
@@ -51,7 +72,7 @@ void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*
     for (; row < FirstRow; row++, x += xStep)
         value += step;
     for (; row < endRow; row++, x += xStep) {
-        EdgeHalf& half = EdgeTable[row].*side;
+        EdgeHalf& half = EdgeTable[row].*edge.side;
         half.x = static_cast<int32_t>(x);
         std::memcpy(&half.u, &value, sizeof(value));
         value += step;
@@ -59,14 +80,10 @@ void WalkEdge(const EdgePoint& top, const EdgePoint& bottom, EdgeHalf EdgeRow::*
 }
 
 void WalkEdges(const EdgePoint* points, int count) {
-    for (int i = 0; i < count; i++) {
-        const EdgePoint& from = points[i];
-        const EdgePoint& to = points[i + 1 < count ? i + 1 : 0];
-        if (to.y < from.y)
-            WalkEdge(to, from, &EdgeRow::right);
-        else
-            WalkEdge(from, to, &EdgeRow::left);
-    }
+    Edge edges[MAX_CORNERS];
+    const int listed = ListEdges(points, count, edges);
+    for (int i = 0; i < listed; i++)
+        WalkEdge(edges[i]);
 }
 
 int MakeEdgePoints(const PolyRecord& polygon, EdgePoint* points) {

@@ -351,10 +351,13 @@ AVX2_CODE inline uint64_t TakePixels(CoverRow* cover, const Place& place) {
 AVX2_CODE inline Block* AddBlocks(Block* block, const uint32_t* lane, uint8_t* pixels, const SpanTexture& texture,
                                   uint64_t drawn) {
     constexpr ptrdiff_t NEXT_BLOCK = sizeof(LaneBlocks) / sizeof(uint32_t);
-    for (; drawn != 0; drawn >>= SPAN_BLOCK, lane += NEXT_BLOCK, pixels += SPAN_BLOCK) {
+    do {
         *block = {lane, pixels, texture.texels, texture.mask * 0x10001, static_cast<uint16_t>(drawn)};
-        block += block->drawn != 0;
-    }
+        block += static_cast<uint16_t>(drawn) != 0;
+        lane += NEXT_BLOCK;
+        pixels += SPAN_BLOCK;
+        drawn >>= SPAN_BLOCK;
+    } while (drawn != 0);
     return block;
 }
 
