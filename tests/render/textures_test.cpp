@@ -48,6 +48,11 @@ TEST_F(Textures, RecordsGetTheirTexelsAndTransparency) {
     EXPECT_EQ(+TextureRecords()[1].texelOffset, texels + 65536 + 252 * 256 + 248);
     EXPECT_EQ(+TextureRecords()[0].isTransparent, 1);
     EXPECT_EQ(+TextureRecords()[1].isTransparent, 0);
+    EXPECT_EQ(+TextureRecords()[0].isEmpty, 0);
+    for (int row = 252; row < 256; row++)
+        std::fill_n(file.begin() + texels + 65536 + row * 256 + 248, 8, uint8_t{0});
+    ASSERT_EQ(LoadError(file), "");
+    EXPECT_EQ(+TextureRecords()[1].isEmpty, 1);
 }
 
 TEST_F(Textures, APolygonWrapsWhenACornerLeavesItsTexture) {
