@@ -49,7 +49,12 @@ CharacterRecipe RecipeFor(const char* model) {
     recipe.joints[1] = "arm";
     recipe.folded = {"tail"};
     recipe.materials = {"skin"};
-    recipe.clips = {{"zerorun.anm", "run", true, {10, 110, 210}}};
+    ClipRecipe run;
+    run.file = "zerorun.anm";
+    run.clip = "run";
+    run.loop = true;
+    run.times = {10, 110, 210};
+    recipe.clips = {run};
     return recipe;
 }
 
