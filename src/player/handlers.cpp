@@ -5,15 +5,15 @@
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
+#include "records/walking_facts.h"
 
 int16_t JumpHeld;
 
 namespace {
 
-constexpr float TURN_RATE = 2.0f;      // degrees a tick
-constexpr float AIR_STEER = 0.1f;      // per tick
-constexpr float LANDING_SLOPE = 0.7f;  // flatter contacts end a jump
-constexpr float LEAP_SPEED = 2.0f;     // forward speed above which a running jump is a leap
+constexpr float TURN_RATE = 2.0f;   // degrees a tick
+constexpr float AIR_STEER = 0.1f;   // per tick
+constexpr float LEAP_SPEED = 2.0f;  // forward speed above which a running jump is a leap
 constexpr int32_t USUAL_BLEND = 75;
 
 bool Held(uint16_t control) {

@@ -16,14 +16,8 @@ int16_t ContactCount;
 
 namespace {
 
-constexpr int32_t SWEEP_RADIUS = 16;
-constexpr float SPHERE_LOWERING = 93.0f;  // the sphere's centre lies this far below the actor's position
-constexpr float GATHER_MARGIN = 144.0f;
-constexpr float LEDGE_SLOPE = 0.2f;  // |f4| below this is steep enough to be a ledge
-constexpr float LEDGE_CLEARANCE = 14.0f;
-constexpr float LEDGE_LIMIT = 64.0f;  // higher ones are walls
-constexpr float SKIP_LENGTH = 1.0f;   // shorter velocities are ignored
-constexpr float STOP_LENGTH = 0.5f;   // a rest of the move this short ends it
+constexpr float SKIP_LENGTH = 1.0f;  // shorter velocities are ignored
+constexpr float STOP_LENGTH = 0.5f;  // a rest of the move this short ends it
 constexpr int PASS_LIMIT = 11;
 
 Vec3 operator+(const Vec3& a, const Vec3& b) {
@@ -195,15 +189,15 @@ void MoveAgainstWorld(Actor& actor) {
     int32_t lastHit = -1;
     for (int pass = 0; pass < PASS_LIMIT; ++pass) {
         result = end;
-        const int32_t hit = SweepContacts(start, end, SWEEP_RADIUS);
+        const int32_t hit = SweepContacts(start, end, MOVE_SPHERE_RADIUS);
         if (hit == -1) break;
         lastHit = hit;
         const PolyFrame& frame = WorldGeometry.polyFrames[hit];
         actor.onContact = 1;
         actor.ticksSinceContact = 0;
         actor.contactSlope = std::fabs(frame.y);
-        if (actor.contactSlope < LEDGE_SLOPE && (state.flags & STATE_CAN_STEP)) {
-            ledgeHeight = HighestCorner(WorldGeometry.polygons[hit]) - (start.y - SWEEP_RADIUS) + LEDGE_CLEARANCE;
+        if (actor.contactSlope < STEEP_SLOPE && (state.flags & STATE_CAN_STEP)) {
+            ledgeHeight = HighestCorner(WorldGeometry.polygons[hit]) - (start.y - MOVE_SPHERE_RADIUS) + LEDGE_CLEARANCE;
             if (ledgeHeight < LEDGE_LIMIT) stepUp = ledgeHeight;
         }
         result = start;  // crossed at fraction 0
