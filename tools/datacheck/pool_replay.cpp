@@ -1,5 +1,6 @@
 #include "datacheck/pool_replay.h"
 
+#include "records/animation_facts.h"
 #include "records/light_facts.h"
 #include "records/table_facts.h"
 
@@ -10,10 +11,15 @@ namespace {
 // The first block's data on a machine whose malloc aligns to 16, and so not always to the granule.
 constexpr size_t FREE_BYTES = POOL_BYTES - POOL_GRANULE - POOL_HEADER_BYTES - POOL_GRANULE;
 
+// What a block of so many bytes takes.
+size_t Taken(size_t bytes) {
+    return (bytes + POOL_GRANULE - 1) / POOL_GRANULE * POOL_GRANULE + POOL_HEADER_BYTES;
+}
+
 class Pool {
 public:
     void Take(const char* what, size_t bytes) {
-        const size_t need = (bytes + POOL_GRANULE - 1) / POOL_GRANULE * POOL_GRANULE + POOL_HEADER_BYTES;
+        const size_t need = Taken(bytes);
         if (use.failedFor != nullptr) return;
         if (need > use.free) {
             use.failedFor = what;
@@ -29,11 +35,15 @@ public:
 
 size_t CharacterBytes(const std::filesystem::path& folder) {
     size_t bytes = 0;
-    if (!std::filesystem::is_directory(folder)) return 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.is_regular_file()) bytes += entry.file_size() + POOL_GRANULE + POOL_HEADER_BYTES;
-    }
-    return bytes == 0 ? 0 : bytes + BONE_LIMIT * BONE_BYTES;
+    const auto add = [&](const char* file) {
+        std::error_code error;
+        const uintmax_t size = std::filesystem::file_size(folder / file, error);
+        if (!error) bytes += Taken(size);
+    };
+    for (const char* file : PLAYER_ANIMATION_FILES)
+        add(file);
+    add("zero.wei");
+    return bytes == 0 ? 0 : bytes + Taken(BONE_LIMIT * BONE_BYTES);
 }
 
 PoolUse ReplayPool(const WorldFile& world, size_t textureCount, size_t texturePages, size_t characterBytes) {
