@@ -93,7 +93,8 @@ void Stage::LoadCharacter(const std::filesystem::path& folder) {
     LoadAnimations(animations_.data(), PlayerMesh);
 
     PlayerActor = {};
-    AddActor(PlayerActor, &PlayerMesh, PlayerStates, 0, static_cast<int32_t>(START_HEIGHT), 0, animations_.data());
+    AddActor(PlayerActor, &PlayerMesh, PlayerStates.data(), 0, static_cast<int32_t>(START_HEIGHT), 0,
+             animations_.data());
     ActorCount = 0;
     TransformIdentity(PlayerActor.base);
     const std::string weights = (folder / "zero.wei").string();
