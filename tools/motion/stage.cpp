@@ -164,7 +164,7 @@ Moment Stage::PoseAt(PlayerState state, uint32_t time) {
 }
 
 uint32_t Stage::LengthOf(int32_t state) const {
-    return animations_[static_cast<size_t>(PlayerStates[state].animations[0])].record->length;
+    return animations_[static_cast<size_t>(PlayerStates[static_cast<size_t>(state)].animations[0])].record->length;
 }
 
 std::array<double, 3> Stage::PivotOf(size_t bone) const {
