@@ -23,7 +23,7 @@ namespace {
 
 constexpr uint32_t BONES = 3;
 
-std::vector<uint8_t> frame(320 * 240), texels(TEXTURE_RECORDS_OFFSET + TEXTURE_PAGE_SIZE), remap(256);
+std::vector<uint8_t> frame(320 * 240), texels(TEXTURE_RECORDS_OFFSET + TEXTURE_PAGE_BYTES), remap(256);
 std::optional<TinyWorld> world;
 
 struct CharacterFiles {

@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t bytes) {
     MakeFrame(64, 48, 64);
     BuildReciprocalTable();
     std::vector<uint8_t> file(data + 1, data + bytes);
-    file.insert(file.end(), data[0] % 3 * TEXTURE_PAGE_SIZE, 1);
+    file.insert(file.end(), data[0] % 3 * TEXTURE_PAGE_BYTES, 1);
     try {
         LoadTextures(file);
     } catch (const FatalThrown&) {

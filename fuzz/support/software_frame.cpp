@@ -28,7 +28,7 @@ void SetUpSoftwareFrame() {
     ScreenCentreY = 120.0f;
     FarDistance = FadeDistance = 5000.0f;
 
-    textures.resize(TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord) + TEXTURE_PAGE_SIZE);
+    textures.resize(TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord) + TEXTURE_PAGE_BYTES);
     TextureImage = textures.data();
     TextureCount = 256;  // and all are drawn with the first
     TextureRemap = remap.data();

@@ -1,3 +1,4 @@
+#include "core/log.h"
 #include "core/recorder.h"
 #include "core/run.h"
 #include "host/win32.h"
@@ -13,7 +14,7 @@ namespace {
 // Where the recording and the log of a run are that ends by a fault.
 void TellFailure() {
     const std::string kept = KeepFailure();
-    if (!kept.empty()) std::fprintf(stderr, "tarnwick: the game failed. %s\n", kept.c_str());
+    if (!kept.empty()) PrintError("the game failed. %s", kept.c_str());
 }
 
 }  // namespace

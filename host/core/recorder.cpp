@@ -42,8 +42,7 @@ bool WriteAll() {
     bool written =
         stream && std::fwrite(writer->Bytes().data(), 1, writer->Bytes().size(), stream) == writer->Bytes().size();
     if (stream) written = std::fclose(stream) == 0 && written;
-    if (!written)
-        std::fprintf(stderr, "tarnwick: cannot write the recording %s: %s\n", file.c_str(), std::strerror(errno));
+    if (!written) PrintError("cannot write the recording %s: %s", file.c_str(), std::strerror(errno));
     return written;
 }
 

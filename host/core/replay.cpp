@@ -1,6 +1,7 @@
 #include "core/replay.h"
 
 #include "core/input_state.h"
+#include "core/log.h"
 #include "core/machine.h"
 #include "core/recorder.h"
 #include "core/recording.h"
@@ -47,7 +48,7 @@ struct Difference {
 std::optional<Difference> unexplained;  // the digest differs, and no field that every frame has
 
 [[noreturn]] void Differ(const std::string& what) {
-    std::fprintf(stderr, "tarnwick: %s: %s\n", file.c_str(), what.c_str());
+    PrintError("%s: %s", file.c_str(), what.c_str());
     isPlaying = false;
     EndRun(EXIT_FAILURE);
 }
@@ -163,7 +164,7 @@ bool ReadBytes() {
             bytes.insert(bytes.end(), block, block + count);
         std::fclose(stream);
     }
-    if (bytes.empty()) std::fprintf(stderr, "tarnwick: the recording %s cannot be read, or is empty\n", file.c_str());
+    if (bytes.empty()) PrintError("the recording %s cannot be read, or is empty", file.c_str());
     return !bytes.empty();
 }
 
@@ -173,7 +174,7 @@ bool Excludes(const Options& options) {
                                                    {"--level", options.level != 0},
                                                    {"--renderer", options.renderer != RendererChoice::Unset}};
     for (const auto& [name, given] : others) {
-        if (given) std::fprintf(stderr, "tarnwick: %s does not go with a replay, which has its own input\n", name);
+        if (given) PrintError("%s does not go with a replay, which has its own input", name);
         if (given) return true;
     }
     return false;
@@ -189,11 +190,11 @@ bool LoadReplay(Options& options) {
     RecordingHeader header{};
     std::string error;
     if (!CheckRecording(bytes, header, framesRecorded, error) || !reader.Open(bytes, header, error)) {
-        std::fprintf(stderr, "tarnwick: %s: %s\n", file.c_str(), error.c_str());
+        PrintError("%s: %s", file.c_str(), error.c_str());
         return false;
     }
     if (header.hasBoard && options.board == BoardChoice::None) {
-        std::fprintf(stderr, "tarnwick: %s was recorded with an accelerator; leave out --board none\n", file.c_str());
+        PrintError("%s was recorded with an accelerator; leave out --board none", file.c_str());
         return false;
     }
     if (!header.hasBoard) options.board = BoardChoice::None;
@@ -216,8 +217,7 @@ bool Replaying() {
 bool FinishReplay(uint32_t framesPlayed) {
     if (!isPlaying) return true;
     isPlaying = false;
-    std::fprintf(stderr, "tarnwick: %s: the game ended after %u of %u recorded frames\n", file.c_str(), framesPlayed,
-                 framesRecorded);
+    PrintError("%s: the game ended after %u of %u recorded frames", file.c_str(), framesPlayed, framesRecorded);
     return false;
 }
 

@@ -13,6 +13,7 @@
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
+#include "records/view_facts.h"
 #include "render/screen.h"
 #include "render/submit.h"
 #include "world/bsp.h"
@@ -24,7 +25,6 @@
 
 namespace {
 
-constexpr float DEPTH_RANGE = 63000.0f;   // accelerator depth at FarDistance
 constexpr float FAR_DISTANCE_MIN = 1.0f;  // a level without a light map may have none
 
 // The software renderer draws straight into the display's surface. A failed lock leaves the target as it was.
@@ -92,7 +92,7 @@ bool GameFrame() {
     const bool locked = LockTarget();
     SummariseMouse();
     BuildControls();
-    DepthScale = DEPTH_RANGE / std::max(FAR_DISTANCE_MIN, FarDistance);
+    DepthScale = GLIDE_DEPTH_RANGE / std::max(FAR_DISTANCE_MIN, FarDistance);
     UpdateCamera();
     ClearFrame();
     HostStage(HostStageName::Character);

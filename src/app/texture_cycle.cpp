@@ -1,13 +1,12 @@
 #include "app/texture_cycle.h"
 
 #include "platform/timer.h"
+#include "records/table_facts.h"
 #include "render/render_tables.h"
 
 namespace {
 
 constexpr uint32_t CYCLE_TICKS = 7;
-constexpr uint32_t CYCLE_FIRST = 10;
-constexpr uint32_t CYCLE_LENGTH = 5;
 
 uint32_t TicksSinceTurn;  // not reset by a level load
 
@@ -17,12 +16,12 @@ void TextureCycle() {
     TicksSinceTurn += FrameTicks;
     if (TicksSinceTurn < CYCLE_TICKS) return;
     TicksSinceTurn = 0;
-    if (TextureCount < CYCLE_FIRST + CYCLE_LENGTH) return;
-    uint8_t* entries = TextureRemap + CYCLE_FIRST;
-    for (uint32_t i = 0; i < CYCLE_LENGTH; i++) {
-        uint8_t next = entries[(i + 1) % CYCLE_LENGTH];
+    if (TextureCount < TEXTURE_CYCLE_FIRST + TEXTURE_CYCLE_LENGTH) return;
+    uint8_t* entries = TextureRemap + TEXTURE_CYCLE_FIRST;
+    for (uint32_t i = 0; i < TEXTURE_CYCLE_LENGTH; i++) {
+        uint8_t next = entries[(i + 1) % TEXTURE_CYCLE_LENGTH];
         // Changing the table in place makes two neighbours equal; taking the one after keeps the picture moving.
-        if (next == entries[i]) next = entries[(i + 2) % CYCLE_LENGTH];
+        if (next == entries[i]) next = entries[(i + 2) % TEXTURE_CYCLE_LENGTH];
         entries[i] = next;
     }
 }

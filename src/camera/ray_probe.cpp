@@ -11,49 +11,25 @@ namespace {
 
 constexpr double EDGE_TOLERANCE = 0.1;
 
-struct Vector {
-    double x, y, z;
-};
-
-Vector operator-(const Vector& a, const Vector& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-double Dot(const Vector& a, const Vector& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-Vector Cross(const Vector& a, const Vector& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-Vector ToDouble(const Vec3& v) {
-    return {v.x, v.y, v.z};
-}
-
-int SignBits(const Vector& v) {
+int SignBits(const DoubleVec3& v) {
     return (v.x < 0.0 ? 1 : 0) | (v.y < 0.0 ? 2 : 0) | (v.z < 0.0 ? 4 : 0);
 }
 
 struct Probe {
-    Vector start, direction;
+    DoubleVec3 start, direction;
     int directionSigns;
     int hits;
     double nearestSquared;  // of the best hit
 };
 
-Vector CornerPosition(const PolyRecord& polygon, int corner) {
-    return ToDouble(WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position);
-}
-
-bool PolygonHolds(const PolyRecord& polygon, const Vector& normal, const Vector& point) {
-    for (int i = 0; i < polygon.cornerCount; i++) {
-        const Vector corner = CornerPosition(polygon, i);
-        const Vector edge = CornerPosition(polygon, (i + 1) % polygon.cornerCount) - corner;
-        const Vector inward = Cross(normal, edge);
+bool PolygonHolds(const PolyRecord& polygon, const DoubleVec3& normal, const DoubleVec3& point) {
+    for (uint32_t i = 0; i < polygon.cornerCount; i++) {
+        const DoubleVec3 corner = ToDouble(CornerPosition(polygon, i));
+        const DoubleVec3 edge = ToDouble(CornerPosition(polygon, (i + 1) % polygon.cornerCount)) - corner;
+        const DoubleVec3 inward = Cross(normal, edge);
         const double length = std::sqrt(Dot(inward, inward));
         if (!(length > 0.0)) continue;  // an edge of no length bounds nothing
-        const Vector unit = {inward.x / length, inward.y / length, inward.z / length};
+        const DoubleVec3 unit = {inward.x / length, inward.y / length, inward.z / length};
         if (Dot(unit, point - corner) + EDGE_TOLERANCE < 0.0) return false;
     }
     return true;
@@ -63,13 +39,13 @@ void TestPolygon(Probe& probe, int32_t index) {
     if (PolySideOfPoint(index, SideTestPoint.x, SideTestPoint.y, SideTestPoint.z) > 0) return;
     const PolyRecord& polygon = WorldGeometry.polygons[index];
     const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
-    const Vector normal = {plane.nx, plane.ny, plane.nz};
+    const DoubleVec3 normal = {plane.nx, plane.ny, plane.nz};
     const double approach = Dot(normal, probe.direction);
     if (approach == 0.0) return;
     const double t = -(Dot(normal, probe.start) + plane.d) / approach;
-    const Vector hit = {probe.start.x + t * probe.direction.x, probe.start.y + t * probe.direction.y,
-                        probe.start.z + t * probe.direction.z};
-    const Vector way = hit - probe.start;
+    const DoubleVec3 hit = {probe.start.x + t * probe.direction.x, probe.start.y + t * probe.direction.y,
+                            probe.start.z + t * probe.direction.z};
+    const DoubleVec3 way = hit - probe.start;
     if (SignBits(way) != probe.directionSigns) return;
     const double distanceSquared = Dot(way, way);
     if (probe.hits > 0 && !(distanceSquared < probe.nearestSquared)) return;

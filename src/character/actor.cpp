@@ -100,9 +100,8 @@ int32_t FacingSide(uint32_t a, uint32_t b, uint32_t c, const Vec3& eye) {
     const ViewPoint& p0 = WorldGeometry.viewPoints[a];
     const ViewPoint& p1 = WorldGeometry.viewPoints[b];
     const ViewPoint& p2 = WorldGeometry.viewPoints[c];
-    const Vec3 e1 = {p1.x - p0.x, p1.y - p0.y, p1.z - p0.z};
-    const Vec3 e2 = {p2.x - p0.x, p2.y - p0.y, p2.z - p0.z};
-    const Vec3 n = {e1.y * e2.z - e1.z * e2.y, e1.z * e2.x - e1.x * e2.z, e1.x * e2.y - e1.y * e2.x};
-    const float side = (n.x * eye.x + n.y * eye.y + n.z * eye.z) - (n.x * p0.x + n.y * p0.y + n.z * p0.z);
+    const Vec3 first = {p0.x, p0.y, p0.z};
+    const Vec3 normal = Cross(Vec3{p1.x, p1.y, p1.z} - first, Vec3{p2.x, p2.y, p2.z} - first);
+    const float side = Dot(normal, eye) - Dot(normal, first);
     return TruncToInt(static_cast<double>(side));
 }

@@ -1,5 +1,6 @@
 #include "character/animation.h"
 
+#include "character/animation_layout.h"
 #include "math/matrix_stack.h"
 #include "math/vectors.h"
 #include "memory/fatal.h"
@@ -13,18 +14,6 @@
 namespace {
 
 constexpr const char* INVALID_ANIMATION = "Not a valid animation file";
-constexpr uint32_t HEADER_BYTES = 32;
-constexpr uint32_t ROTATION_TRACK_HEADER = 32;
-constexpr uint32_t ROTATION_KEY_BYTES = 36;
-constexpr uint32_t POSITION_TRACK_HEADER = 8;
-constexpr uint32_t POSITION_KEY_BYTES = 28;
-
-struct TrackShape {
-    uint32_t headerBytes;  // the key count is its last word
-    uint32_t keyBytes;     // u32 time, then doubles
-};
-constexpr TrackShape ROTATION_TRACK = {ROTATION_TRACK_HEADER, ROTATION_KEY_BYTES};
-constexpr TrackShape POSITION_TRACK = {POSITION_TRACK_HEADER, POSITION_KEY_BYTES};
 
 bool DoublesFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
     for (uint32_t i = 0; i < count; ++i) {
@@ -35,14 +24,15 @@ bool DoublesFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
 
 bool ValidTrack(const AnimRecord& record, uint32_t offset, const TrackShape& shape) {
     if (uint64_t{offset} + shape.headerBytes > record.imageBytes) return false;
-    const auto keys = ImageField<int32_t>(record.image, offset + shape.headerBytes - 4);
+    const auto keys = ImageField<int32_t>(record.image, offset + shape.headerBytes - KEY_COUNT_BYTES);
     if (keys < 1) return false;
     const uint32_t first = offset + shape.headerBytes;
     if (first + uint64_t{shape.keyBytes} * static_cast<uint32_t>(keys) > record.imageBytes) return false;
-    if (shape.headerBytes == ROTATION_TRACK_HEADER && !DoublesFinite(record.image, offset + 4, 3)) return false;
+    if (shape.headerBytes == ROTATION_TRACK.headerBytes && !DoublesFinite(record.image, offset + PIVOT_AT, 3))
+        return false;
     for (uint32_t k = 0; k < static_cast<uint32_t>(keys); ++k) {
         const uint32_t key = first + shape.keyBytes * k;
-        if (!DoublesFinite(record.image, key + 4, (shape.keyBytes - 4) / 8)) return false;
+        if (!DoublesFinite(record.image, key + KEY_TIME_BYTES, (shape.keyBytes - KEY_TIME_BYTES) / 8)) return false;
         const bool goesBack =
             k > 0 && ImageField<uint32_t>(record.image, key - shape.keyBytes) > ImageField<uint32_t>(record.image, key);
         if (goesBack) return false;
@@ -51,9 +41,12 @@ bool ValidTrack(const AnimRecord& record, uint32_t offset, const TrackShape& sha
 }
 
 bool ValidTable(const AnimRecord& record, uint32_t table, const TrackShape& shape) {
-    if (uint64_t{table} + 4 + 4ull * record.trackCount > record.imageBytes) return false;
+    if (uint64_t{table} + TABLE_HEADER_BYTES + uint64_t{TABLE_ENTRY_BYTES} * record.trackCount > record.imageBytes)
+        return false;
     for (uint32_t b = 0; b < record.trackCount; ++b) {
-        if (!ValidTrack(record, ImageField<uint32_t>(record.image, table + 4 + 4 * b), shape)) return false;
+        if (!ValidTrack(record, ImageField<uint32_t>(record.image, table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * b),
+                        shape))
+            return false;
     }
     return true;
 }
@@ -66,15 +59,15 @@ bool ValidTracks(const AnimRecord& record) {
 // The list ends inside the file and names bones of the mesh that have tracks. It may leave transforms on the stack.
 void CheckCommands(const AnimRecord& record, uint32_t boneCount, const char* path) {
     int depth = 0;
-    for (uint64_t offset = HEADER_BYTES; offset + 4 <= record.imageBytes; offset += 4) {
+    for (uint64_t offset = COMMANDS_AT; offset + COMMAND_BYTES <= record.imageBytes; offset += COMMAND_BYTES) {
         const auto command = ImageField<int32_t>(record.image, static_cast<uint32_t>(offset));
-        if (command == -3) return;
-        if (command == -1) depth += 1;
-        if (command == -2) depth -= 1;
+        if (command == COMMAND_END) return;
+        if (command == COMMAND_PUSH) depth += 1;
+        if (command == COMMAND_POP) depth -= 1;
         if (depth < 0) FatalError(1, MATRIX_STACK_UNDERFLOW, path);
         if (depth > MATRIX_STACK_SIZE) FatalError(1, MATRIX_STACK_OVERFLOW, path);
         const bool isBone = command >= 0 && static_cast<uint32_t>(command) < std::min(boneCount, record.trackCount);
-        if (!isBone && command != -1 && command != -2) break;
+        if (!isBone && command != COMMAND_PUSH && command != COMMAND_POP) break;
     }
     FatalError(0, INVALID_ANIMATION, path);
 }
@@ -119,12 +112,12 @@ void LoadAnimation(const char* path, AnimRecord& record, const MeshRecord& mesh)
     record.image = static_cast<const uint8_t*>(LoadMalloc(path));
     if (!record.image) FatalError(0, "No Animation File Found", path);
     record.imageBytes = static_cast<uint32_t>(FileSize(path));
-    if (record.imageBytes < HEADER_BYTES) FatalError(0, INVALID_ANIMATION, path);
-    record.length = ImageField<uint32_t>(record.image, 4);
-    record.trackCount = ImageField<uint32_t>(record.image, 8);
-    record.hiddenBlock = ImageField<uint32_t>(record.image, 12);
-    record.rotationTable = ImageField<uint32_t>(record.image, 16);
-    record.positionTable = ImageField<uint32_t>(record.image, 20);
+    if (record.imageBytes < COMMANDS_AT) FatalError(0, INVALID_ANIMATION, path);
+    record.length = ImageField<uint32_t>(record.image, LENGTH_AT);
+    record.trackCount = ImageField<uint32_t>(record.image, TRACK_COUNT_AT);
+    record.hiddenBlock = ImageField<uint32_t>(record.image, HIDDEN_BLOCK_AT);
+    record.rotationTable = ImageField<uint32_t>(record.image, ROTATION_TABLE_AT);
+    record.positionTable = ImageField<uint32_t>(record.image, POSITION_TABLE_AT);
     CheckCommands(record, mesh.boneCount, path);
     if (!ValidTracks(record)) FatalError(0, INVALID_ANIMATION, path);
 }

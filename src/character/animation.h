@@ -11,11 +11,9 @@
 
 #include "records/actor_record.h"
 #include "records/character_records.h"
+#include "records/table_facts.h"
 
 #include <cstdint>
-
-constexpr uint32_t ANIM_TICK_UNITS = 5;   // animation time units a tick, 312.5 a second
-constexpr uint32_t ANIM_START_TIME = 10;  // where animations start and loops wrap to
 
 // Every entry up to the one without a path. FatalError(0, ...): "No Animation File Found", or "Not a valid animation
 // file" for tracks, keys or commands out of range, or a command for a bone that has no tracks or is not in the mesh.

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "records/actor_record.h"
+#include "records/light_facts.h"
+#include "records/table_facts.h"
 
 #include <cstdint>
 
@@ -17,7 +19,6 @@ struct CharacterLight {
     Vec3 direction;  // unit vector from the light to the actor
     float strength;
 };
-constexpr int CHARACTER_LIGHT_COUNT = 30;
 extern CharacterLight CharacterLightList[CHARACTER_LIGHT_COUNT];
 extern int32_t CharacterLightCount;
 
@@ -26,4 +27,4 @@ struct LeafBin {
     uint16_t* polygons;
     int32_t count;
 };
-extern LeafBin LeafBins[16384];
+extern LeafBin LeafBins[BSP_MAX_LEAVES];

@@ -8,10 +8,9 @@
 #pragma once
 
 #include "records/character_records.h"
+#include "records/table_facts.h"
 
 #include <cstdint>
-
-constexpr uint32_t CHAR_TEXTURE_BASE = 93;
 
 // Where the next character goes. LoadLevel sets both to the used counts; LoadMesh moves them past the mesh.
 extern uint32_t CharPointBase;

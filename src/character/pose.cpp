@@ -1,6 +1,7 @@
 // The skeleton walk of character/animation.h: from the actor's base down the command list to every bone.
 
 #include "character/animation.h"
+#include "character/animation_layout.h"
 #include "math/matrix_stack.h"
 #include "math/quaternions.h"
 #include "math/vectors.h"
@@ -10,9 +11,6 @@
 
 namespace {
 
-constexpr uint32_t COMMAND_LIST = 32;
-constexpr uint32_t PIVOT = 4;
-
 struct Track {
     const uint8_t* image;
     uint32_t keys;  // offset of key 0
@@ -20,9 +18,9 @@ struct Track {
     uint32_t count;
 
     uint32_t Time(uint32_t key) const { return ImageField<uint32_t>(image, keys + keyBytes * key); }
-    Quat Rotation(uint32_t key) const { return ImageField<Quat>(image, keys + keyBytes * key + 4); }
+    Quat Rotation(uint32_t key) const { return ImageField<Quat>(image, keys + keyBytes * key + KEY_TIME_BYTES); }
     double Position(uint32_t key, uint32_t axis) const {
-        return ImageField<double>(image, keys + keyBytes * key + 4 + 8 * axis);
+        return ImageField<double>(image, keys + keyBytes * key + KEY_TIME_BYTES + 8 * axis);
     }
 };
 
@@ -35,14 +33,10 @@ struct BoneTracks {
 Transform CurrentTransform;  // carried down the walk
 bool FirstBoneDone;          // its position keys move the skeleton
 
-Track RotationTrack(const AnimRecord& record, uint32_t bone) {
-    const uint32_t offset = ImageField<uint32_t>(record.image, record.rotationTable + 4 + 4 * bone);
-    return {record.image, offset + 32, 36, ImageField<uint32_t>(record.image, offset + 28)};
-}
-
-Track PositionTrack(const AnimRecord& record, uint32_t bone) {
-    const uint32_t offset = ImageField<uint32_t>(record.image, record.positionTable + 4 + 4 * bone);
-    return {record.image, offset + 8, 28, ImageField<uint32_t>(record.image, offset + 4)};
+Track TrackOf(const AnimRecord& record, uint32_t table, uint32_t bone, const TrackShape& shape) {
+    const auto offset = ImageField<uint32_t>(record.image, table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * bone);
+    const uint32_t keys = offset + shape.headerBytes;
+    return {record.image, keys, shape.keyBytes, ImageField<uint32_t>(record.image, keys - KEY_COUNT_BYTES)};
 }
 
 // The first layer that animates this bone, otherwise the last one that has tracks for it: layer 0 always has.
@@ -52,13 +46,14 @@ BoneTracks ChooseLayer(const Actor& actor, uint32_t bone) {
     for (int layer = 0; layer < 3 && state.animations[layer] != -1; ++layer) {
         const AnimRecord& record = *actor.animations[state.animations[layer]].record;
         if (bone >= record.trackCount) continue;
-        tracks.rotation = RotationTrack(record, bone);
-        tracks.position = PositionTrack(record, bone);
+        tracks.rotation = TrackOf(record, record.rotationTable, bone, ROTATION_TRACK);
+        tracks.position = TrackOf(record, record.positionTable, bone, POSITION_TRACK);
         tracks.time = actor.layerTimes[layer];
         if (tracks.rotation.count > 1) break;
     }
     for (uint32_t i = 0; i < 3; ++i) {
-        tracks.pivot[i] = ImageField<double>(tracks.rotation.image, tracks.rotation.keys - 32 + PIVOT + 8 * i);
+        const uint32_t header = tracks.rotation.keys - ROTATION_TRACK.headerBytes;
+        tracks.pivot[i] = ImageField<double>(tracks.rotation.image, header + PIVOT_AT + 8 * i);
     }
     return tracks;
 }
@@ -147,13 +142,13 @@ void PoseActor(Actor& actor) {
     CurrentTransform = actor.base;
     if (actor.layerTimes[0] >= static_cast<uint32_t>(actor.blendDuration)) actor.blendDuration = 0;
     int pushed = 0;
-    for (uint32_t offset = COMMAND_LIST;; offset += 4) {
+    for (uint32_t offset = COMMANDS_AT;; offset += COMMAND_BYTES) {
         const auto command = ImageField<int32_t>(record.image, offset);
-        if (command == -3) break;
-        if (command == -2) {
+        if (command == COMMAND_END) break;
+        if (command == COMMAND_POP) {
             PopMatrix(CurrentTransform);
             pushed -= 1;
-        } else if (command == -1) {
+        } else if (command == COMMAND_PUSH) {
             PushMatrix(CurrentTransform);
             pushed += 1;
         } else if (actor.blendDuration == 0) {

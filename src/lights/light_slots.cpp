@@ -15,21 +15,17 @@ LightSlot LightSlots[LIGHT_SLOT_COUNT];
 
 namespace {
 
-constexpr float LEVEL_SCALE = 64.0f;  // light bytes an intensity of 1
-constexpr float DIMMEST = 0.01f;      // dynamic lights below this touch nothing
-constexpr int32_t BRIGHTEST = 127;
-constexpr float SPAWNED_RADIUS = 500.0f;
-constexpr uint32_t CORNER_NUMBERS = 65536;  // that 16 bits can name
-static_assert(CORNER_NUMBERS <= CORNER_LIGHT_POLYGONS * 8);
+constexpr float LEVEL_SCALE = NEUTRAL_LEVEL;  // light bytes an intensity of 1
+constexpr float DIMMEST = 0.01f;              // dynamic lights below this touch nothing
+constexpr int LIST_ROOM = 35000;
+static_assert(LIGHT_CONTRIBUTION_MAX <= LIST_ROOM);
+static_assert(CORNER_NUMBERS <= CORNER_LIGHT_POLYGONS * CORNER_LIGHT_CORNERS);
 
-constexpr int32_t FLICKER_BITS = 127;
-constexpr float FLICKER_BASE = 256.0f;
-constexpr float FLICKER_SCALE = 128.0f;
 constexpr int32_t FLICKER_TIME_BITS = 7;
 
 struct ContributionList {
-    uint16_t targets[LIGHT_CONTRIBUTION_LIMIT];
-    float weights[LIGHT_CONTRIBUTION_LIMIT];
+    uint16_t targets[LIST_ROOM];
+    float weights[LIST_ROOM];
 };
 ContributionList PointContributions;
 ContributionList CornerContributions;
@@ -94,7 +90,7 @@ bool ReadLightSlots() {
 void Raise(int8_t& current, int8_t base, uint16_t& stamp, float amount) {
     const int8_t start = stamp == FrameCount ? current : base;
     const int32_t raised = TruncToInt(amount + static_cast<float>(start));
-    current = static_cast<int8_t>(std::clamp(raised, 0, BRIGHTEST));
+    current = static_cast<int8_t>(std::clamp(raised, 0, BRIGHTEST_LEVEL));
     stamp = FrameCount;
 }
 
@@ -184,7 +180,7 @@ void Blink(LightSlot& slot) {
 void Flicker(LightSlot& slot) {
     CountDown(slot);
     if (slot.timer > 0) return;
-    slot.intensity = (static_cast<float>(Rand() & FLICKER_BITS) + FLICKER_BASE) / FLICKER_SCALE;
+    slot.intensity = (static_cast<float>(Rand() & FLICKER_RANGE) + FLICKER_BASE) / FLICKER_SCALE;
     slot.timer = Rand() & FLICKER_TIME_BITS;
 }
 
@@ -234,8 +230,8 @@ int32_t SpawnLight() {
         if (slot.type != LIGHT_FREE) continue;
         slot.type = LIGHT_DYNAMIC;
         slot.position = CameraPos;
-        slot.radius = SPAWNED_RADIUS;
-        slot.radiusSquared = double{SPAWNED_RADIUS} * SPAWNED_RADIUS;
+        slot.radius = SHOT_LIGHT_RADIUS;
+        slot.radiusSquared = double{SHOT_LIGHT_RADIUS} * SHOT_LIGHT_RADIUS;
         slot.intensity = 1.0f;
         return i;
     }

@@ -11,9 +11,6 @@
 
 #include "records/light_records.h"
 
-constexpr int LIGHT_CONTRIBUTION_LIMIT = 35000;  // room in each list
-constexpr int GATHERED_POINT_LIMIT = 1000;       // of a dynamic light; the points of the lowest numbers
-
 extern LightSlot LightSlots[LIGHT_SLOT_COUNT];  // packed: read fields by value
 
 // Every slot becomes LIGHT_FREE, then those of the file follow; a missing file leaves them free.

@@ -39,18 +39,6 @@ Vec3 MultiplyTransposed(const Matrix3& matrix, float x, float y, float z) {
     return {m[0] * x + m[3] * y + m[6] * z, m[1] * x + m[4] * y + m[7] * z, m[2] * x + m[5] * y + m[8] * z};
 }
 
-IntVec3 Truncate(const Vec3& v) {
-    return {TruncToInt(v.x), TruncToInt(v.y), TruncToInt(v.z)};
-}
-
-Vec3 ToFloat(int32_t x, int32_t y, int32_t z) {
-    return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
-}
-
-Vec3 CornerPosition(const PolyRecord& polygon, uint32_t corner) {
-    return WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position;
-}
-
 void AddPlaneNormalToCorners(const PolyRecord& polygon, uint32_t* uses) {
     const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
     for (uint32_t corner = 0; corner < polygon.cornerCount; corner++) {
@@ -95,38 +83,36 @@ void RotateVectorT(float x, float y, float z, const Matrix3& m) {
 }
 
 void RotateIntVector(int32_t x, int32_t y, int32_t z, const Matrix3& m) {
-    const Vec3 v = ToFloat(x, y, z);
+    const Vec3 v = ToFloat(IntVec3{x, y, z});
     RotatedIntVector = Truncate(Multiply(m, v.x, v.y, v.z));
 }
 
 void RotateIntVectorT(int32_t x, int32_t y, int32_t z, const Matrix3& m) {
-    const Vec3 v = ToFloat(x, y, z);
+    const Vec3 v = ToFloat(IntVec3{x, y, z});
     RotatedIntVector = Truncate(MultiplyTransposed(m, v.x, v.y, v.z));
 }
 
 int32_t NodeSideOfPoint(int32_t node) {
-    return SideOfPlane(WorldGeometry.nodes[node].plane, ToFloat(SideTestPoint.x, SideTestPoint.y, SideTestPoint.z));
+    return SideOfPlane(WorldGeometry.nodes[node].plane, ToFloat(SideTestPoint));
 }
 
 int32_t PolySideOfPoint(int32_t poly, int32_t x, int32_t y, int32_t z) {
-    return SideOfPlane(WorldGeometry.polygons[poly].plane, ToFloat(x, y, z));
+    return SideOfPlane(WorldGeometry.polygons[poly].plane, ToFloat(IntVec3{x, y, z}));
 }
 
 void ComputePolyPlane(int32_t poly) {
     const PolyRecord& polygon = WorldGeometry.polygons[poly];
-    const Vec3 p0 = CornerPosition(polygon, 0), p1 = CornerPosition(polygon, 1), p2 = CornerPosition(polygon, 2);
-    const double e1x = double{p1.x} - p0.x, e1y = double{p1.y} - p0.y, e1z = double{p1.z} - p0.z;
-    const double e2x = double{p2.x} - p0.x, e2y = double{p2.y} - p0.y, e2z = double{p2.z} - p0.z;
-    const double nx = e1y * e2z - e1z * e2y;
-    const double ny = e1z * e2x - e1x * e2z;
-    const double nz = e1x * e2y - e1y * e2x;
-    const double length = std::sqrt(nx * nx + ny * ny + nz * nz);
+    const Vec3 p0 = CornerPosition(polygon, 0);
+    const DoubleVec3 first = ToDouble(p0);
+    const DoubleVec3 normal =
+        Cross(ToDouble(CornerPosition(polygon, 1)) - first, ToDouble(CornerPosition(polygon, 2)) - first);
+    const double length = std::sqrt(Dot(normal, normal));
 
     PlaneRecord plane = {};
     if (length > 0.0) {
-        plane.nx = static_cast<float>(nx / length);
-        plane.ny = static_cast<float>(ny / length);
-        plane.nz = static_cast<float>(nz / length);
+        plane.nx = static_cast<float>(normal.x / length);
+        plane.ny = static_cast<float>(normal.y / length);
+        plane.nz = static_cast<float>(normal.z / length);
         // From the stored normal, so that the first corner lies on the plane as the side tests see it.
         plane.d = -(p0.x * plane.nx + p0.y * plane.ny + p0.z * plane.nz);
     }
@@ -135,7 +121,8 @@ void ComputePolyPlane(int32_t poly) {
 
 void GenerateVertexNormals() {
     const uint32_t pointCount = WorldGeometry.used.points;
-    auto* uses = static_cast<uint32_t*>(PoolMalloc(std::max(35000u, pointCount * 4)));
+    auto* uses =
+        static_cast<uint32_t*>(PoolMalloc(std::max(NORMAL_COUNTERS_MIN_BYTES, pointCount * NORMAL_COUNTER_BYTES)));
     if (!uses) FatalError(1, "Generate Vert Normals - Mem Error");
     std::printf("Generating Vertex Normals...\n");
 

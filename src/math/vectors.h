@@ -2,15 +2,12 @@
 #pragma once
 
 #include "camera/camera_tables.h"
+#include "math/vector_operators.h"
 #include "records/matrices.h"
 #include "records/vec3.h"
 #include "world/world_tables.h"
 
 #include <cstdint>
-
-struct IntVec3 {
-    int32_t x, y, z;
-};
 
 extern Vec3 RotatedVector;        // result of RotateVector and RotateVectorT
 extern IntVec3 RotatedIntVector;  // result of RotateIntVector and RotateIntVectorT
@@ -24,6 +21,11 @@ void RotateVector(float x, float y, float z, const Matrix3& m);
 void RotateVectorT(float x, float y, float z, const Matrix3& m);  // by the transpose
 void RotateIntVector(int32_t x, int32_t y, int32_t z, const Matrix3& m);
 void RotateIntVectorT(int32_t x, int32_t y, int32_t z, const Matrix3& m);
+
+// Of a polygon's corner, in the world.
+inline const Vec3& CornerPosition(const PolyRecord& polygon, uint32_t corner) {
+    return WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position;
+}
 
 // +1: signed distance >= 0 or not a number, otherwise -1.
 inline int32_t SideOfPlane(uint16_t plane, const Vec3& point) {

@@ -14,7 +14,7 @@ struct BlockHeader {
     uint8_t* data;  // always the header's own address + 32: how PoolFree knows a block
     int32_t size;   // data bytes, a multiple of 32
 };
-constexpr int32_t HEADER_BYTES = 32;
+constexpr int32_t HEADER_BYTES = POOL_HEADER_BYTES;
 static_assert(sizeof(BlockHeader) <= HEADER_BYTES);
 
 uint8_t* PoolStart;

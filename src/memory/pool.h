@@ -3,11 +3,11 @@
 // with it.
 #pragma once
 
+#include "records/table_facts.h"
+
 #include <cstdint>
 
-constexpr uint32_t POOL_BYTES = 0x800020;       // requested from malloc: 8 MiB and a granule
-constexpr uint32_t POOL_FILL_BYTES = 0x800000;  // of them filled with 0x55
-constexpr uint32_t POOL_GRANULE = 32;
+constexpr uint32_t POOL_FILL_BYTES = 0x800000;  // of the pool, filled with 0x55
 constexpr uint32_t POOL_MAX_REQUEST = 0x7FFFFFC0;
 
 extern uint32_t PoolLargestFree;  // data bytes; refreshed by PoolFreeTotal

@@ -5,16 +5,38 @@
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
+#include "records/walking_facts.h"
 
 int16_t JumpHeld;
 
 namespace {
 
-constexpr float TURN_RATE = 2.0f;      // degrees a tick
-constexpr float AIR_STEER = 0.1f;      // per tick
-constexpr float LANDING_SLOPE = 0.7f;  // flatter contacts end a jump
-constexpr float LEAP_SPEED = 2.0f;     // forward speed above which a running jump is a leap
+// Speeds in world units a frame, drives the same a tick; times of animations in their own units
+// (records/table_facts.h).
+constexpr float TURN_RATE = 2.0f;  // degrees a tick
+constexpr float AIR_STEER = 0.1f;  // drive
+
+constexpr float LEAP_SPEED = 2.0f;   // forward speed above which a running jump is a leap
+constexpr float LEAP_SHARE = 1.25f;  // of the forward speed, which a leap starts with
+constexpr float HOP_SHARE = 0.5f;    // the same of a hop
+constexpr float LEAP_LIFT = 1.1f;    // drive upwards while the jump key stays down
+constexpr float LEAP_PUSH = 1.39f;   // drive forward meanwhile
+constexpr float HOP_LIFT = 5.4f;     // drive upwards while the jump key stays down
+constexpr float HOP_PUSH = 0.4f;     // drive forward while the up key is down
+
+// A blend lasts until the clock of the new animation has reached this time.
 constexpr int32_t USUAL_BLEND = 75;
+constexpr int32_t NO_BLEND = 0;
+constexpr uint32_t CROUCH_START = 30;   // a jump leaves out the beginning of the crouch
+constexpr int32_t CROUCH_BLEND = 10;    // over by then
+constexpr uint32_t LANDING_START = 40;  // in the run, where a leap goes over into it
+
+// A fidget begins when a random number of these bits and the ticks in the state are together more than the limit.
+constexpr int32_t STAND_RANDOM_BITS = 0x3FF;
+constexpr int32_t STAND_TICKS = 1500;
+constexpr int32_t HALT_RANDOM_BITS = 63;
+constexpr int32_t HALT_TICKS = 100;
+constexpr int32_t ARMS_FOLDED_TICKS = 400;  // how long they stay so
 
 bool Held(uint16_t control) {
     return (Controls & control) != 0;
@@ -68,8 +90,8 @@ void BeginJump() {
 
 void TryStandingJump() {
     if (!WantsJump()) return;
-    Change(STATE_HOP_CROUCH, 30, 10);
-    PlayerStates[STATE_HOP_TAKE_OFF].impulse.z = ForwardSpeed() * 0.5f;
+    Change(STATE_HOP_CROUCH, CROUCH_START, CROUCH_BLEND);
+    PlayerStates[STATE_HOP_TAKE_OFF].impulse.z = ForwardSpeed() * HOP_SHARE;
     BeginJump();
 }
 
@@ -77,11 +99,11 @@ void TryRunningJump() {
     if (!WantsJump()) return;
     const float forward = ForwardSpeed();
     if (forward <= LEAP_SPEED) {
-        PlayerStates[STATE_HOP_TAKE_OFF].impulse.z = forward * 0.5f;
-        Change(STATE_HOP_CROUCH, 30, 10);
+        PlayerStates[STATE_HOP_TAKE_OFF].impulse.z = forward * HOP_SHARE;
+        Change(STATE_HOP_CROUCH, CROUCH_START, CROUCH_BLEND);
     } else {
-        PlayerStates[STATE_LEAP_TAKE_OFF].impulse.z = forward * 1.25f;
-        Change(STATE_LEAP_CROUCH, 30, 10);
+        PlayerStates[STATE_LEAP_TAKE_OFF].impulse.z = forward * LEAP_SHARE;
+        Change(STATE_LEAP_CROUCH, CROUCH_START, CROUCH_BLEND);
     }
     BeginJump();
 }
@@ -94,8 +116,8 @@ void StartRunOrBack() {
 }  // namespace
 
 void StandHandler() {
-    if ((PlayerActor.randomWord & 0x3FF) + PlayerActor.ticksInState > 1500) {
-        Start(RandomIsOdd() ? STATE_FOLD_ARMS : STATE_HALT, 0);
+    if ((PlayerActor.randomWord & STAND_RANDOM_BITS) + PlayerActor.ticksInState > STAND_TICKS) {
+        Start(RandomIsOdd() ? STATE_FOLD_ARMS : STATE_HALT, NO_BLEND);
     }
     if (Held(CTL_UP)) Start(Held(CTL_SHIFT) ? STATE_WALK : STATE_READY);
     if (Held(CTL_DOWN)) Start(STATE_BACK);
@@ -104,7 +126,7 @@ void StandHandler() {
 }
 
 void FidgetHoldHandler() {
-    if (PlayerActor.ticksInState > 400) Start(STATE_UNFOLD_ARMS, 0);
+    if (PlayerActor.ticksInState > ARMS_FOLDED_TICKS) Start(STATE_UNFOLD_ARMS, NO_BLEND);
     StartRunOrBack();
     TurnPlayer();
 }
@@ -115,7 +137,7 @@ void FidgetHandler() {
 }
 
 void HaltHandler() {
-    if ((PlayerActor.randomWord & 63) + PlayerActor.ticksInState > 100) {
+    if ((PlayerActor.randomWord & HALT_RANDOM_BITS) + PlayerActor.ticksInState > HALT_TICKS) {
         Start(RandomIsOdd() ? STATE_FIDGET_RIGHT : STATE_FIDGET_LEFT);
     }
     if (Held(CTL_UP)) Start(STATE_RUN_UP);
@@ -146,33 +168,33 @@ void BackHandler() {
 void LeapTakeOffHandler() {
     if (PlayerActor.velocity.y >= 0.0f) {
         PlayerActor.localMove.y = 0.0f;
-        Start(STATE_LEAP_AIR, 0);
+        Start(STATE_LEAP_AIR, NO_BLEND);
     }
     AirSteer();
     if (!JumpHeld) return;
     if (Held(CTL_SPACE)) {
-        PlayerActor.localMove.y = 1.1f;
-        PlayerActor.localMove.z += 1.39f;
+        PlayerActor.localMove.y = LEAP_LIFT;
+        PlayerActor.localMove.z += LEAP_PUSH;
     } else {
         JumpHeld = 0;
     }
 }
 
 void LeapAirHandler() {
-    if (PlayerActor.contactSlope > LANDING_SLOPE) Change(STATE_RUN, 40, USUAL_BLEND);
+    if (PlayerActor.contactSlope > LANDING_SLOPE) Change(STATE_RUN, LANDING_START, USUAL_BLEND);
     AirSteer();
 }
 
 void HopTakeOffHandler() {
     if (PlayerActor.velocity.y >= 0.0f) {
         PlayerActor.localMove.y = 0.0f;
-        Start(STATE_HOP_AIR, 0);
+        Start(STATE_HOP_AIR, NO_BLEND);
     }
     AirSteer();
-    if (Held(CTL_UP)) PlayerActor.localMove.z += 0.4f;
+    if (Held(CTL_UP)) PlayerActor.localMove.z += HOP_PUSH;
     if (!JumpHeld) return;
     if (Held(CTL_SPACE)) {
-        PlayerActor.localMove.y = 5.4f;
+        PlayerActor.localMove.y = HOP_LIFT;
     } else {
         JumpHeld = 0;
     }

@@ -4,14 +4,8 @@
 #include "character/character_tables.h"
 #include "records/character_records.h"
 
-constexpr int PLAYER_STATE_COUNT = 20;
+#include <array>
 
-extern MeshRecord PlayerMesh;
-extern StateRecord PlayerStates[PLAYER_STATE_COUNT];
-extern AnimFileEntry PlayerAnimations[];  // ends with an entry without a path
-extern int16_t JumpHeld;                  // 1 from a jump's start until a take-off state finds the jump key released
-
-// What the player's states do, in the order of PlayerStates.
 enum PlayerState : int32_t {
     STATE_STAND,
     STATE_FOLD_ARMS,  // the long fidget: fold, hold, unfold
@@ -33,6 +27,12 @@ enum PlayerState : int32_t {
     STATE_HOP_AIR,
     STATE_HOP_LAND,
     STATE_WALK,
+    PLAYER_STATE_COUNT
 };
+
+extern MeshRecord PlayerMesh;
+extern std::array<StateRecord, PLAYER_STATE_COUNT> PlayerStates;  // by PlayerState
+extern AnimFileEntry PlayerAnimations[];                          // by PlayerAnimation; ends without a path
+extern int16_t JumpHeld;  // 1 from a jump's start until a take-off state finds the jump key released
 
 void UpdatePlayer();  // states and clocks, the move, then pose and draw

@@ -2,68 +2,147 @@
 
 #include "player/handlers.h"
 #include "player/player.h"
+#include "records/animation_facts.h"
+
+#include <iterator>
 
 namespace {
 
-constexpr int PLAYER_ANIMATION_COUNT = 23;
 AnimRecord Records[PLAYER_ANIMATION_COUNT];
 
-constexpr StateTransition STAY = {0, -1, 0, 10};
-constexpr StateTransition TO_HOLD_ARMS = {0, STATE_HOLD_ARMS, 0, 10};
-constexpr StateTransition TO_STAND = {0, STATE_STAND, 0, 10};
-constexpr StateTransition TO_STAND_SLOWLY = {0, STATE_STAND, 120, 10};
-constexpr StateTransition TO_RUN_UP = {0, STATE_RUN_UP, 0, 10};
-constexpr StateTransition TO_RUN = {0, STATE_RUN, 0, 10};
-constexpr StateTransition TO_RUN_FROM_LEAP = {0, STATE_RUN, 30, 10};
-constexpr StateTransition TO_LEAP_TAKE_OFF = {0, STATE_LEAP_TAKE_OFF, 0, 10};
-constexpr StateTransition TO_HOP_TAKE_OFF = {0, STATE_HOP_TAKE_OFF, 0, 10};
-constexpr StateTransition TO_READY = {0, STATE_READY, 50, 10};
+constexpr int16_t WHOLE = ANIM_START_TIME;  // the next animation plays from its start
+constexpr StateTransition STAY = {.unused = 0, .nextState = -1, .blendDuration = 0, .startTime = WHOLE};
+constexpr StateTransition To(PlayerState state, int16_t blendDuration = 0) {
+    return {.unused = 0, .nextState = static_cast<int16_t>(state), .blendDuration = blendDuration, .startTime = WHOLE};
+}
+constexpr StateTransition TO_HOLD_ARMS = To(STATE_HOLD_ARMS);
+constexpr StateTransition TO_STAND = To(STATE_STAND);
+constexpr StateTransition TO_STAND_SLOWLY = To(STATE_STAND, 120);
+constexpr StateTransition TO_RUN_UP = To(STATE_RUN_UP);
+constexpr StateTransition TO_RUN = To(STATE_RUN);
+constexpr StateTransition TO_RUN_FROM_LEAP = To(STATE_RUN, 30);
+constexpr StateTransition TO_LEAP_TAKE_OFF = To(STATE_LEAP_TAKE_OFF);
+constexpr StateTransition TO_HOP_TAKE_OFF = To(STATE_HOP_TAKE_OFF);
+constexpr StateTransition TO_READY = To(STATE_READY, 50);
 
 constexpr float GRAVITY = -0.9f;  // per tick, in every state, in the air and on the ground
 
-constexpr StateRecord State(int16_t animation, int16_t mode, const StateTransition& transition, float forward,
-                            float upImpulse, float slide, uint16_t flags, void (*handler)()) {
-    return {flags, &transition, {0.0f, GRAVITY, forward}, {0.0f, upImpulse, 0.0f},
-            slide, handler,     {animation, -1, -1},      {mode, 0, 0}};
+struct StateRow {
+    PlayerState state;
+    PlayerAnimation animation;
+    int16_t mode = PLAY_ONCE;
+    const StateTransition* then = &STAY;  // when the animation has ended
+    float forward = 0.0f;                 // drive on the ground, per tick; negative: backwards
+    float upImpulse = 0.0f;               // once, on entering
+    float slide;                          // share of the velocity kept after a contact
+    uint16_t flags = 0;
+    void (*handler)() = nullptr;
+};
+
+constexpr StateRow ROWS[] = {
+    {.state = STATE_STAND, .animation = ANIMATION_IDLE, .slide = 0.1f, .handler = StandHandler},
+    {.state = STATE_FOLD_ARMS,
+     .animation = ANIMATION_FOLD_ARMS,
+     .then = &TO_HOLD_ARMS,
+     .slide = 0.1f,
+     .handler = FidgetHandler},
+    {.state = STATE_HOLD_ARMS, .animation = ANIMATION_HOLD_ARMS, .slide = 0.1f, .handler = FidgetHoldHandler},
+    {.state = STATE_UNFOLD_ARMS,
+     .animation = ANIMATION_UNFOLD_ARMS,
+     .then = &TO_STAND,
+     .slide = 0.1f,
+     .handler = FidgetHandler},
+    {.state = STATE_READY, .animation = ANIMATION_READY, .then = &TO_RUN_UP, .slide = 0.1f, .handler = RunHandler},
+    {.state = STATE_RUN_UP,
+     .animation = ANIMATION_RUN_UP,
+     .then = &TO_RUN,
+     .forward = 4.3f,
+     .slide = 0.5f,
+     .flags = STATE_CAN_STEP,
+     .handler = RunHandler},
+    {.state = STATE_RUN,
+     .animation = ANIMATION_RUN,
+     .mode = PLAY_LOOP,
+     .forward = 4.3f,
+     .slide = 0.5f,
+     .flags = STATE_CAN_STEP,
+     .handler = RunHandler},
+    {.state = STATE_BACK,
+     .animation = ANIMATION_BACK,
+     .mode = PLAY_LOOP,
+     .forward = -1.3f,
+     .slide = 0.5f,
+     .handler = BackHandler},
+    {.state = STATE_HALT, .animation = ANIMATION_READY, .slide = 0.3f, .handler = HaltHandler},
+    {.state = STATE_FIDGET_RIGHT,
+     .animation = ANIMATION_FIDGET_RIGHT,
+     .then = &TO_STAND_SLOWLY,
+     .slide = 0.3f,
+     .handler = StandHandler},
+    {.state = STATE_FIDGET_LEFT,
+     .animation = ANIMATION_FIDGET_LEFT,
+     .then = &TO_STAND_SLOWLY,
+     .slide = 0.3f,
+     .handler = StandHandler},
+    {.state = STATE_LEAP_CROUCH, .animation = ANIMATION_LEAP_CROUCH, .then = &TO_LEAP_TAKE_OFF, .slide = 0.5f},
+    {.state = STATE_LEAP_TAKE_OFF,
+     .animation = ANIMATION_LEAP_TAKE_OFF,
+     .upImpulse = 23.4f,
+     .slide = 0.5f,
+     .handler = LeapTakeOffHandler},
+    {.state = STATE_LEAP_AIR, .animation = ANIMATION_LEAP_AIR, .slide = 0.5f, .handler = LeapAirHandler},
+    {.state = STATE_LEAP_LAND,
+     .animation = ANIMATION_LEAP_LAND,
+     .then = &TO_RUN_FROM_LEAP,
+     .forward = 1.0f,
+     .slide = 0.5f},
+    {.state = STATE_HOP_CROUCH, .animation = ANIMATION_HOP_CROUCH, .then = &TO_HOP_TAKE_OFF, .slide = 0.5f},
+    {.state = STATE_HOP_TAKE_OFF,
+     .animation = ANIMATION_HOP_TAKE_OFF,
+     .upImpulse = 12.6f,
+     .slide = 0.5f,
+     .handler = HopTakeOffHandler},
+    {.state = STATE_HOP_AIR, .animation = ANIMATION_HOP_AIR, .slide = 0.5f, .handler = HopAirHandler},
+    {.state = STATE_HOP_LAND, .animation = ANIMATION_HOP_LAND, .then = &TO_READY, .slide = 0.5f},
+    {.state = STATE_WALK,
+     .animation = ANIMATION_WALK,
+     .mode = PLAY_LOOP,
+     .forward = 1.5f,
+     .slide = 0.5f,
+     .flags = STATE_CAN_STEP,
+     .handler = WalkHandler},
+};
+
+constexpr bool EachStandsAtItsState() {
+    for (size_t i = 0; i < std::size(ROWS); i++) {
+        if (ROWS[i].state != static_cast<int32_t>(i)) return false;
+    }
+    return std::size(ROWS) == PLAYER_STATE_COUNT;
+}
+static_assert(EachStandsAtItsState());
+
+constexpr std::array<StateRecord, PLAYER_STATE_COUNT> RecordsOfRows() {
+    std::array<StateRecord, PLAYER_STATE_COUNT> records{};
+    for (const StateRow& row : ROWS) {
+        records[static_cast<size_t>(row.state)] = {.flags = row.flags,
+                                                   .transition = row.then,
+                                                   .drive = {0.0f, GRAVITY, row.forward},
+                                                   .impulse = {0.0f, row.upImpulse, 0.0f},
+                                                   .slideFactor = row.slide,
+                                                   .handler = row.handler,
+                                                   .animations = {row.animation, -1, -1},
+                                                   .playModes = {row.mode, 0, 0}};
+    }
+    return records;
 }
 
 }  // namespace
 
-StateRecord PlayerStates[PLAYER_STATE_COUNT] = {
-    State(4, PLAY_ONCE, STAY, 0.0f, 0.0f, 0.1f, 0, StandHandler),
-    State(3, PLAY_ONCE, TO_HOLD_ARMS, 0.0f, 0.0f, 0.1f, 0, FidgetHandler),
-    State(1, PLAY_ONCE, STAY, 0.0f, 0.0f, 0.1f, 0, FidgetHoldHandler),
-    State(2, PLAY_ONCE, TO_STAND, 0.0f, 0.0f, 0.1f, 0, FidgetHandler),
-    State(6, PLAY_ONCE, TO_RUN_UP, 0.0f, 0.0f, 0.1f, 0, RunHandler),
-    State(7, PLAY_ONCE, TO_RUN, 4.3f, 0.0f, 0.5f, STATE_CAN_STEP, RunHandler),
-    State(10, PLAY_LOOP, STAY, 4.3f, 0.0f, 0.5f, STATE_CAN_STEP, RunHandler),
-    State(0, PLAY_LOOP, STAY, -1.3f, 0.0f, 0.5f, 0, BackHandler),
-    State(6, PLAY_ONCE, STAY, 0.0f, 0.0f, 0.3f, 0, HaltHandler),
-    State(9, PLAY_ONCE, TO_STAND_SLOWLY, 0.0f, 0.0f, 0.3f, 0, StandHandler),
-    State(8, PLAY_ONCE, TO_STAND_SLOWLY, 0.0f, 0.0f, 0.3f, 0, StandHandler),
-    State(15, PLAY_ONCE, TO_LEAP_TAKE_OFF, 0.0f, 0.0f, 0.5f, 0, nullptr),
-    State(16, PLAY_ONCE, STAY, 0.0f, 23.4f, 0.5f, 0, LeapTakeOffHandler),
-    State(17, PLAY_ONCE, STAY, 0.0f, 0.0f, 0.5f, 0, LeapAirHandler),
-    State(18, PLAY_ONCE, TO_RUN_FROM_LEAP, 1.0f, 0.0f, 0.5f, 0, nullptr),
-    State(19, PLAY_ONCE, TO_HOP_TAKE_OFF, 0.0f, 0.0f, 0.5f, 0, nullptr),
-    State(20, PLAY_ONCE, STAY, 0.0f, 12.6f, 0.5f, 0, HopTakeOffHandler),
-    State(21, PLAY_ONCE, STAY, 0.0f, 0.0f, 0.5f, 0, HopAirHandler),
-    State(22, PLAY_ONCE, TO_READY, 0.0f, 0.0f, 0.5f, 0, nullptr),
-    State(13, PLAY_LOOP, STAY, 1.5f, 0.0f, 0.5f, STATE_CAN_STEP, WalkHandler),
-};
+constinit std::array<StateRecord, PLAYER_STATE_COUNT> PlayerStates = RecordsOfRows();
 
-// The two jumps use one set each of the same four files.
 AnimFileEntry PlayerAnimations[PLAYER_ANIMATION_COUNT + 1] = {
-    {"game\\data\\anims\\zeroback.anm", &Records[0]},  {"game\\data\\anims\\zerofol2.anm", &Records[1]},
-    {"game\\data\\anims\\zerofol3.anm", &Records[2]},  {"game\\data\\anims\\zerofold.anm", &Records[3]},
-    {"game\\data\\anims\\zeroidle.anm", &Records[4]},  {"game\\data\\anims\\zerorebo.anm", &Records[5]},
-    {"game\\data\\anims\\zeroredy.anm", &Records[6]},  {"game\\data\\anims\\zeroreru.anm", &Records[7]},
-    {"game\\data\\anims\\zeroretl.anm", &Records[8]},  {"game\\data\\anims\\zeroretr.anm", &Records[9]},
-    {"game\\data\\anims\\zerorun.anm", &Records[10]},  {"game\\data\\anims\\zeroruwl.anm", &Records[11]},
-    {"game\\data\\anims\\zerostan.anm", &Records[12]}, {"game\\data\\anims\\zerowalk.anm", &Records[13]},
-    {"game\\data\\anims\\zerowbre.anm", &Records[14]}, {"game\\data\\anims\\zerojum1.anm", &Records[15]},
-    {"game\\data\\anims\\zerojum2.anm", &Records[16]}, {"game\\data\\anims\\zerojum3.anm", &Records[17]},
-    {"game\\data\\anims\\zerojum4.anm", &Records[18]}, {"game\\data\\anims\\zerojum1.anm", &Records[19]},
-    {"game\\data\\anims\\zerojum2.anm", &Records[20]}, {"game\\data\\anims\\zerojum3.anm", &Records[21]},
-    {"game\\data\\anims\\zerojum4.anm", &Records[22]}, {nullptr, nullptr},
+#define ANIMATION(NAME, FILE) {"game\\data\\anims\\" FILE, &Records[ANIMATION_##NAME]},
+    PLAYER_ANIMATIONS(ANIMATION)
+#undef ANIMATION
+        {nullptr, nullptr},
 };

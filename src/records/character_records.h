@@ -2,6 +2,7 @@
 #pragma once
 
 #include "records/matrices.h"
+#include "records/table_facts.h"
 #include "records/vec3.h"
 
 #include <cstdint>
@@ -12,9 +13,7 @@ struct BoneRecord {
     Quat rotation;       // last evaluated outside a blend
     double position[3];  // likewise; moves the skeleton for the first bone only
 };
-static_assert(sizeof(BoneRecord) == 152);
-
-constexpr uint32_t BONE_LIMIT = 22;  // bones that weight blocks can name
+static_assert(sizeof(BoneRecord) == BONE_BYTES);
 
 // Where a character lies in WorldGeometry. Lives for the whole program, refilled by every level load.
 struct MeshRecord {

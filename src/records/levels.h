@@ -1,7 +1,7 @@
 // The levels of the game, one row each. Everything that names a level takes it from here: the game's table of levels
 // and its keys, the host's --level, the map compiler, the checker and the benches; content/CMakeLists.txt reads the
 // rows as text. A new level is a row here, a folder content/levels/level<number>, and its picture on the page of
-// choices.
+// choices; what the documents tell of levels is held against the rows by tests/architecture.
 //
 // The columns, of which the start, the floor and the fog colour are written as the game's tables hold them:
 //   number  1, 2, 3 ... in order; files lie in game/data/levels/level<number>, sources in content/levels/level<number>

@@ -1,12 +1,11 @@
-// One slot of the table of 150 animated lights, in memory exactly as it lies in lights.alt.
+// One slot of the table of LIGHT_SLOT_COUNT animated lights, in memory exactly as it lies in lights.alt.
 #pragma once
 
+#include "records/light_facts.h"
 #include "records/vec3.h"
 
 #include <cstddef>
 #include <cstdint>
-
-constexpr int LIGHT_SLOT_COUNT = 150;
 
 // Types; those from 7 on, and any other value, light the character only.
 constexpr int32_t LIGHT_FREE = -1;

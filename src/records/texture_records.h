@@ -2,13 +2,15 @@
 // 256 x 256 palette indices. Everything little-endian.
 #pragma once
 
+#include "records/table_facts.h"
+
 #include <cstddef>
 #include <cstdint>
 
 constexpr uint32_t TEXTURE_PALETTE_OFFSET = 2;
-constexpr uint32_t TEXTURE_RECORDS_OFFSET = 770;  // 2 + 3 x 256
-constexpr uint32_t TEXTURE_PAGE_SIZE = 65536;     // 256 rows of 256 texels
 constexpr uint32_t TEXTURE_PAGE_PITCH = 256;
+static_assert(TEXTURE_RECORDS_OFFSET == TEXTURE_PALETTE_OFFSET + 3 * 256);
+static_assert(TEXTURE_PAGE_BYTES == 256 * TEXTURE_PAGE_PITCH);
 
 struct [[gnu::packed]] TextureRecord {
     uint32_t texelOffset;   // ignored in the file; set at load to the first texel's offset from the file image's start
@@ -18,4 +20,4 @@ struct [[gnu::packed]] TextureRecord {
     uint8_t x, y;           // left column and top row within the page
     uint8_t width, height;  // powers of two
 };
-static_assert(sizeof(TextureRecord) == 12 && offsetof(TextureRecord, page) == 7);
+static_assert(sizeof(TextureRecord) == TEXTURE_RECORD_BYTES && offsetof(TextureRecord, page) == 7);

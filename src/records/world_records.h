@@ -5,6 +5,7 @@
 // from the viewer, into the solid. Its corners run counter-clockwise as seen from there.
 #pragma once
 
+#include "records/table_facts.h"
 #include "records/vec3.h"
 
 #include <cstddef>
@@ -20,7 +21,7 @@ struct [[gnu::packed]] BspNode {
     float radiusAspect;  // radius x 1.414213562 x screen aspect
     Vec3 halfExtents;    // of the bounding box
 };
-static_assert(sizeof(BspNode) == 42 && offsetof(BspNode, radius) == 18 && offsetof(BspNode, halfExtents) == 30);
+static_assert(sizeof(BspNode) == NODE_BYTES && offsetof(BspNode, radius) == 18 && offsetof(BspNode, halfExtents) == 30);
 
 struct [[gnu::packed]] BspLeaf {
     uint16_t polygonCount;
@@ -33,12 +34,12 @@ struct [[gnu::packed]] BspLeaf {
     float radiusAspect;
     Vec3 halfExtents;
 };
-static_assert(sizeof(BspLeaf) == 44 && offsetof(BspLeaf, centre) == 8 && offsetof(BspLeaf, halfExtents) == 32);
+static_assert(sizeof(BspLeaf) == LEAF_BYTES && offsetof(BspLeaf, centre) == 8 && offsetof(BspLeaf, halfExtents) == 32);
 
 struct PlaneRecord {  // signed distance of p = nx p.x + ny p.y + nz p.z + d
     float nx, ny, nz, d;
 };
-static_assert(sizeof(PlaneRecord) == 16);
+static_assert(sizeof(PlaneRecord) == PLANE_BYTES);
 
 constexpr uint8_t SHADE_CORNER_LIGHT = 0;  // light bytes per polygon corner
 constexpr uint8_t SHADE_POINT_LIGHT = 1;   // light bytes per point; only these react to dynamic lights
@@ -53,20 +54,20 @@ struct [[gnu::packed]] PolyRecord {
     uint16_t firstVertex;  // the corners are consecutive PolyVertex records
     uint16_t plane;
 };
-static_assert(sizeof(PolyRecord) == 10 && offsetof(PolyRecord, firstVertex) == 6);
+static_assert(sizeof(PolyRecord) == POLYGON_BYTES && offsetof(PolyRecord, firstVertex) == 6);
 
 struct WorldPoint {
     Vec3 position;
     Vec3 normal;  // average of the plane normals of its polygons, not renormalised; read for character points only
 };
-static_assert(sizeof(WorldPoint) == 24);
+static_assert(sizeof(WorldPoint) == POINT_BYTES);
 
 struct PolyVertex {
     uint32_t point;
     float u, v;       // 1/256 texel; texture units of the accelerator after CreateGlideUVs
     float intensity;  // light level x 256, 0..32512; written before each draw
 };
-static_assert(sizeof(PolyVertex) == 16);
+static_assert(sizeof(PolyVertex) == CORNER_BYTES);
 
 // Memory only: the rotation of a polygon's plane for the collision slide, from the inverted normal (x, y, z),
 // h = sqrt(x2 + z2), l = sqrt(y2 + h2).
@@ -77,7 +78,7 @@ struct PolyFrame {
     float yawCos;    // z / h, 1 when h < 0.0001
     float y;         // y: +1 floor, -1 ceiling
 };
-static_assert(sizeof(PolyFrame) == 20);
+static_assert(sizeof(PolyFrame) == POLYGON_FRAME_BYTES);
 
 // The camera-space shadow of a WorldPoint. Valid in the frame whose FrameCount its stamp equals.
 struct ViewPoint {
@@ -94,7 +95,8 @@ struct ViewPoint {
     } screen;
     float inverseDepth;  // software: 1 / z; accelerator: 1 / (z x DepthScale)
 };
-static_assert(sizeof(ViewPoint) == 32 && offsetof(ViewPoint, screen) == 20 && offsetof(ViewPoint, inverseDepth) == 28);
+static_assert(sizeof(ViewPoint) == VIEW_POINT_BYTES && offsetof(ViewPoint, screen) == 20 &&
+              offsetof(ViewPoint, inverseDepth) == 28);
 
 // Outcode bits of a point in camera space.
 constexpr uint8_t OUT_RIGHT = 0x01;   // x > z

@@ -4,6 +4,8 @@
 #include "host/glide.h"
 #include "memory/fatal.h"
 #include "memory/pool.h"
+#include "records/table_facts.h"
+#include "records/view_facts.h"
 #include "render/device/device.h"
 #include "render/render_tables.h"
 #include "world/world_tables.h"
@@ -12,9 +14,6 @@
 #include <iterator>
 
 namespace {
-
-constexpr uint32_t OFFSCREEN_FRAME_BYTES = 1048576;
-constexpr float DEPTH_RANGE = 63000.0f;  // W at FarDistance, as for the vertices
 
 GrFog_t FogTable[GR_FOG_TABLE_SIZE];
 
@@ -32,8 +31,8 @@ void SetupFog() {
 
 void LoadFogTable(float nearDistance) {
     if (FarDistance > 0)
-        guFogGenerateLinear(FogTable, nearDistance * DEPTH_RANGE / FarDistance,
-                            FadeDistance * DEPTH_RANGE / FarDistance);
+        guFogGenerateLinear(FogTable, nearDistance * GLIDE_DEPTH_RANGE / FarDistance,
+                            FadeDistance * GLIDE_DEPTH_RANGE / FarDistance);
     else
         std::fill(std::begin(FogTable), std::end(FogTable), GrFog_t{0});
     grFogTable(FogTable);

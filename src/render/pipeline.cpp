@@ -5,6 +5,7 @@
 #include "render/device/device.h"
 #include "render/projection.h"
 #include "render/render_tables.h"
+#include "render/side_outcode.h"
 #include "render/submit.h"
 #include "world/light_map.h"
 #include "world/world_tables.h"
@@ -23,15 +24,6 @@ constexpr ClipPlane CLIP_PLANES[4] = {{OUT_RIGHT, &ViewPoint::x, 1.0f},
 
 uint32_t NextPolyVertex;
 uint32_t NextPoint;
-
-uint8_t SideOutcode(const ViewPoint& point) {
-    uint8_t code = 0;
-    if (point.x > point.z) code |= OUT_RIGHT;
-    if (point.x < -point.z) code |= OUT_LEFT;
-    if (point.y > point.z) code |= OUT_TOP;
-    if (point.y < -point.z) code |= OUT_BOTTOM;
-    return code;
-}
 
 float Interpolate(float from, float to, double t) {
     return static_cast<float>(from + (double{to} - from) * t);

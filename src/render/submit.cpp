@@ -14,9 +14,7 @@ uint32_t SubmittedPolygons;
 namespace {
 
 constexpr int MOST_CORNERS = 16;
-constexpr int32_t INVERTED_LIGHT = 0x2;
-constexpr float BRIGHTEST_LEVEL = 127.0f;
-constexpr float NEUTRAL_LEVEL_SCALE = 4.0f;  // light level 64 leaves the texture as it is
+constexpr float NEUTRAL_LEVEL_SCALE = 256.0f / NEUTRAL_LEVEL;  // the neutral light level leaves the texture as it is
 
 uint32_t CurrentTexture = NO_TEXTURE;
 

@@ -35,7 +35,7 @@ void CheckTextureFile(uint32_t size, const char* path) {
     TextureCount = static_cast<uint32_t>(TextureImage[0] | TextureImage[1] << 8);
     if (TextureCount < 1 || TextureCount > TEXTURE_LIMIT) FatalError(0, "No Texture File Found", path);
     if (size < TexelStart()) FatalError(0, invalid, path);
-    const uint32_t pageCount = (size - TexelStart()) / TEXTURE_PAGE_SIZE;
+    const uint32_t pageCount = (size - TexelStart()) / TEXTURE_PAGE_BYTES;
     for (uint32_t i = 0; i < TextureCount; i++) {
         if (!LiesInPage(TextureRecords()[i], pageCount)) FatalError(0, invalid, path);
     }
@@ -53,7 +53,7 @@ void PrepareTextures() {
     for (uint32_t i = 0; i < TextureCount; i++) {
         TextureRecord& texture = TextureRecords()[i];
         texture.texelOffset =
-            TexelStart() + texture.page * TEXTURE_PAGE_SIZE + texture.y * TEXTURE_PAGE_PITCH + texture.x;
+            TexelStart() + texture.page * TEXTURE_PAGE_BYTES + texture.y * TEXTURE_PAGE_PITCH + texture.x;
         const int32_t transparent = CountTransparentTexels(texture);
         texture.isTransparent = transparent > 0 ? 1 : 0;
         texture.isEmpty = transparent == texture.width * texture.height ? 1 : 0;

@@ -7,8 +7,6 @@
 
 #include <cstdint>
 
-constexpr uint32_t TEXTURE_LIMIT = 500;
-
 // Loads texture.bin of the level and everything derived from it; returns 0.
 // FatalError(0, "No Texture File Found"): no file, no memory for it, or not 1..500 textures.
 // FatalError(0, "Not a valid texture file"): cut short, or a texture outside its page or not a power of two.

@@ -5,16 +5,12 @@
 // Bytes after the last table are allowed.
 #pragma once
 
+#include "records/table_facts.h"
+
 #include <cstdint>
 
 constexpr uint32_t BSP_MAGIC = 0x47627370;  // "Gbsp"
 constexpr uint32_t BSP_VERSION = 10;
-constexpr uint32_t BSP_MAX_NODES = 32768;
-constexpr uint32_t BSP_MAX_LEAVES = 16384;         // RenderList entries from here on mean the character in a leaf
-constexpr int BSP_MAX_DEPTH = 1024;                // nodes from the root to a leaf
-constexpr uint32_t BSP_MAX_LEAF_POLYGONS = 65536;  // of all leaves, each counted once for every place it hangs at
-constexpr int BSP_MIN_CORNERS = 3;
-constexpr int BSP_MAX_CORNERS = 12;
 
 // Fills WorldGeometry with the file's contents: file and used counts are set, spare polygon records, light bytes and
 // stamps are 0, FrameCount is 1. Must be the first pool user of a level.

@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr uint32_t INDEX_LIMIT = 65536;    // of 16-bit indices
-constexpr uint32_t POLYGON_LIMIT = 32767;  // polygon numbers of the depth list are signed 16-bit
-
 bool IsFinite(Vec3 v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }

@@ -16,43 +16,18 @@ int16_t ContactCount;
 
 namespace {
 
-constexpr int32_t SWEEP_RADIUS = 16;
-constexpr float SPHERE_LOWERING = 93.0f;  // the sphere's centre lies this far below the actor's position
-constexpr float GATHER_MARGIN = 144.0f;
-constexpr float LEDGE_SLOPE = 0.2f;  // |f4| below this is steep enough to be a ledge
-constexpr float LEDGE_CLEARANCE = 14.0f;
-constexpr float LEDGE_LIMIT = 64.0f;  // higher ones are walls
-constexpr float SKIP_LENGTH = 1.0f;   // shorter velocities are ignored
-constexpr float STOP_LENGTH = 0.5f;   // a rest of the move this short ends it
+constexpr float SKIP_LENGTH = 1.0f;  // shorter velocities are ignored
+constexpr float STOP_LENGTH = 0.5f;  // a rest of the move this short ends it
 constexpr int PASS_LIMIT = 11;
 
-Vec3 operator+(const Vec3& a, const Vec3& b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-Vec3 operator-(const Vec3& a, const Vec3& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-float Dot(const Vec3& a, const Vec3& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
 float LengthL1(const Vec3& v) {
     return std::fabs(v.x) + std::fabs(v.y) + std::fabs(v.z);
-}
-Vec3 ToFloat(const IntVec3& v) {
-    return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
-}
-IntVec3 Trunc(const Vec3& v) {
-    return {TruncToInt(static_cast<double>(v.x)), TruncToInt(static_cast<double>(v.y)),
-            TruncToInt(static_cast<double>(v.z))};
 }
 Vec3 Normal(const PlaneRecord& plane) {
     return {plane.nx, plane.ny, plane.nz};
 }
 float Distance(const PlaneRecord& plane, const Vec3& p) {
     return plane.nx * p.x + plane.ny * p.y + plane.nz * p.z + plane.d;
-}
-const Vec3& CornerPosition(const PolyRecord& polygon, uint32_t corner) {
-    return WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position;
 }
 
 // The polygon's outline grown outward by r holds q. An edge whose normal is not finite counts as passed.
@@ -62,7 +37,7 @@ bool InsideGrownOutline(const PolyRecord& polygon, const IntVec3& q, int32_t r) 
     for (uint32_t k = 0; k < polygon.cornerCount; ++k) {
         const Vec3& from = CornerPosition(polygon, k);
         const Vec3 e = CornerPosition(polygon, k + 1u == polygon.cornerCount ? 0 : k + 1) - from;
-        const Vec3 m = {e.y * n.z - e.z * n.y, e.z * n.x - e.x * n.z, e.x * n.y - e.y * n.x};
+        const Vec3 m = Cross(e, n);
         const float length = std::sqrt(Dot(m, m));
         const Vec3 outward = {m.x / length, m.y / length, m.z / length};
         if (!std::isfinite(outward.x) || !std::isfinite(outward.y) || !std::isfinite(outward.z)) continue;
@@ -91,7 +66,7 @@ void GatherLeaf(const BspLeaf& leaf, const SphereQuery& query) {
         const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
         const float s = Distance(plane, query.centre);
         if (std::fabs(s) > static_cast<float>(query.radius)) continue;
-        const IntVec3 q = Trunc(query.centre + Vec3{s * plane.nx, s * plane.ny, s * plane.nz});
+        const IntVec3 q = Truncate(query.centre + Vec3{s * plane.nx, s * plane.ny, s * plane.nz});
         if (InsideGrownOutline(polygon, q, query.radius)) AppendContact(i);
     }
 }
@@ -123,8 +98,8 @@ int32_t SweepContacts(const Vec3& start, const Vec3& end, int32_t radius) {
         if (-startDistance > r && -endDistance > r) continue;
         if (endDistance < startDistance || std::fabs(endDistance - startDistance) < 0.1f) continue;
         const Vec3 projected =
-            ToFloat(Trunc(end)) - Vec3{endDistance * plane.nx, endDistance * plane.ny, endDistance * plane.nz};
-        if (InsideGrownOutline(polygon, Trunc(projected), radius)) return *contact;
+            ToFloat(Truncate(end)) - Vec3{endDistance * plane.nx, endDistance * plane.ny, endDistance * plane.nz};
+        if (InsideGrownOutline(polygon, Truncate(projected), radius)) return *contact;
     }
     return -1;
 }
@@ -160,7 +135,7 @@ float HighestCorner(const PolyRecord& polygon) {
 
 void GatherCandidates(const Vec3& start, const Vec3& v) {
     const Vec3 half = {v.x / 2.0f, v.y / 2.0f, v.z / 2.0f};
-    const IntVec3 centre = Trunc(start + half);
+    const IntVec3 centre = Truncate(start + half);
     const float reach = std::sqrt(Dot(v, v)) / 2.0f + GATHER_MARGIN;
     WorldSphereContacts(centre.x, centre.y, centre.z, TruncToInt(static_cast<double>(reach)));
 }
@@ -195,15 +170,15 @@ void MoveAgainstWorld(Actor& actor) {
     int32_t lastHit = -1;
     for (int pass = 0; pass < PASS_LIMIT; ++pass) {
         result = end;
-        const int32_t hit = SweepContacts(start, end, SWEEP_RADIUS);
+        const int32_t hit = SweepContacts(start, end, MOVE_SPHERE_RADIUS);
         if (hit == -1) break;
         lastHit = hit;
         const PolyFrame& frame = WorldGeometry.polyFrames[hit];
         actor.onContact = 1;
         actor.ticksSinceContact = 0;
         actor.contactSlope = std::fabs(frame.y);
-        if (actor.contactSlope < LEDGE_SLOPE && (state.flags & STATE_CAN_STEP)) {
-            ledgeHeight = HighestCorner(WorldGeometry.polygons[hit]) - (start.y - SWEEP_RADIUS) + LEDGE_CLEARANCE;
+        if (actor.contactSlope < STEEP_SLOPE && (state.flags & STATE_CAN_STEP)) {
+            ledgeHeight = HighestCorner(WorldGeometry.polygons[hit]) - (start.y - MOVE_SPHERE_RADIUS) + LEDGE_CLEARANCE;
             if (ledgeHeight < LEDGE_LIMIT) stepUp = ledgeHeight;
         }
         result = start;  // crossed at fraction 0

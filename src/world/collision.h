@@ -6,10 +6,9 @@
 #pragma once
 
 #include "records/actor_record.h"
+#include "records/walking_facts.h"
 
 #include <cstdint>
-
-constexpr int CONTACT_LIMIT = 200;
 
 extern int32_t ContactList[CONTACT_LIMIT + 1];  // polygon numbers, ended by -1
 extern int16_t ContactCount;

@@ -5,6 +5,7 @@
 #include "memory/fatal.h"
 #include "memory/files.h"
 #include "platform/timer.h"
+#include "records/view_facts.h"
 #include "render/device/device.h"
 #include "render/render_tables.h"
 #include "world/world_tables.h"
@@ -12,17 +13,11 @@
 namespace {
 
 constexpr uint32_t VALUES_BYTES = 28;  // of the file, behind the light bytes
-constexpr int32_t INVERTED_LIGHT = 0x2;
-constexpr float NEUTRAL_LEVEL = 64.0f;
-constexpr float BRIGHTEST_LEVEL = 127.0f;
 constexpr float NEAREST_FADE = 1.0f;
 
-// What the accelerator uses instead of the file's values.
+// What the accelerator multiplies the file's value by.
 constexpr float GLIDE_FIRST_LEVEL_CONTRAST = 0.8f;
 constexpr float GLIDE_CONTRAST = 0.3f;
-constexpr float GLIDE_FOG_NEAR = 2000.0f;
-constexpr float GLIDE_FADE_DISTANCE = 9196.0f;
-constexpr float GLIDE_FAR_DISTANCE = 5796.0f;
 
 int16_t ReadSignedWord() {
     return static_cast<int16_t>(ReadWord());
@@ -80,7 +75,7 @@ float DistanceFade(uint32_t point) {
 
 float LevelToIntensity(float level) {
     if (!(level > 0.0f)) return IntensityTable[0];  // also when it is not a number
-    if (level > BRIGHTEST_LEVEL) return IntensityTable[127];
+    if (level > BRIGHTEST_LEVEL) return IntensityTable[BRIGHTEST_LEVEL];
     return IntensityTable[static_cast<int32_t>(level)];
 }
 

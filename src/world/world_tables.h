@@ -1,18 +1,11 @@
 // The world's global tables: geometry, light bytes, level light values. Data only.
 #pragma once
 
+#include "records/light_facts.h"
+#include "records/table_facts.h"
 #include "records/world_records.h"
 
 #include <cstdint>
-
-// Room beyond the world file's counts for the sky, the character and per-frame scratch.
-constexpr uint32_t SPARE_PLANES = 3000;
-constexpr uint32_t SPARE_POLYGONS = 3000;
-constexpr uint32_t SPARE_POINTS = 9000;
-constexpr uint32_t SPARE_POLY_VERTICES = 9000;
-
-// Of that room, what clipping one polygon takes above the static marks, in each table. Loaders leave it free.
-constexpr uint32_t CLIP_SCRATCH_ENTRIES = 100;
 
 struct GeometryCounts {
     uint32_t planes, polygons, points, polyVertices;
@@ -59,13 +52,12 @@ inline bool GeometryHasRoomFor(const GeometryCounts& more) {
            fits(used.polyVertices, more.polyVertices, file.polyVertices, SPARE_POLY_VERTICES);
 }
 
-// Eight entries a polygon; at least as many as a light slot's 16-bit corner numbers can name.
+// An entry a corner light byte; at least as many as a light slot's 16-bit corner numbers can name.
 inline uint32_t CornerLightStampCount() {
     const uint32_t polygons = WorldGeometry.file.polygons + SPARE_POLYGONS;
-    return 8 * (polygons > 8192 ? polygons : 8192);
+    return CORNER_LIGHT_CORNERS * (polygons > CORNER_NUMBER_POLYGONS ? polygons : CORNER_NUMBER_POLYGONS);
 }
 
-constexpr uint32_t CORNER_LIGHT_POLYGONS = 20000;
 extern int8_t CornerLight[CORNER_LIGHT_POLYGONS * 8];  // current, entry = polygon x 8 + corner
 extern int8_t CornerLightBase[CORNER_LIGHT_POLYGONS * 8];
 
@@ -79,7 +71,8 @@ extern float LightContrast;
 extern float FadeDistance;     // world units; where the software distance fade and the fog end
 extern float FarDistance;      // world units; far limit of the view
 extern float FogNearDistance;  // world units; accelerator only
-extern int32_t LightMode;      // 0..3; bit 2 inverts the lighting
+constexpr int32_t INVERTED_LIGHT = 0x2;
+extern int32_t LightMode;  // 0..3, INVERTED_LIGHT one of the two bits
 extern int16_t PlainBrightening;
 extern int16_t BrightColour[3];  // red, green, blue, 0..63
 extern int16_t DarkColour[3];

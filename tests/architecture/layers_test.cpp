@@ -72,6 +72,11 @@ bool AllowedEverywhere(const string& path) {
     return path.starts_with("host/") || path.starts_with("records/") || IsTables(path);
 }
 
+// Numbers and rows, without code or layouts of files.
+bool IsFactOfTheGame(const string& path) {
+    return path == "records/levels.h" || (path.starts_with("records/") && path.ends_with("_facts.h"));
+}
+
 // The place in LAYERS of the longest folder that `path` (from src/) lies in; -1: none of them.
 int LayerOf(const string& path) {
     int layer = -1;
@@ -132,12 +137,17 @@ TEST(Layers, OnlyOneBackEndAndTheBoardKnowTheDeviceLibraries) {
                });
 }
 
+TEST(Layers, FactsOfTheGameIncludeNothingOfTheGame) {
+    ExpectNone(IncludesBelow("src"), "facts stand alone: tools take them, too", [](const Include& include) {
+        return IsFactOfTheGame(include.line.file.substr(4)) && include.quoted && !IsFactOfTheGame(include.path);
+    });
+}
+
 TEST(Layers, ToolsHaveTheirOwnReadersAndWriters) {
     ExpectNone(IncludesBelow("tools"), "not in tools/, and not the facts about the game", [](const Include& include) {
         const std::string& file = include.line.file;
         const bool showsTheGame = file.starts_with("tools/clip_sheet/") || file.starts_with("tools/motion/");
-        const bool fact = include.path == "records/levels.h";
-        return include.quoted && !showsTheGame && !fact && !Exists({"tools"}, include.path);
+        return include.quoted && !showsTheGame && !IsFactOfTheGame(include.path) && !Exists({"tools"}, include.path);
     });
 }
 

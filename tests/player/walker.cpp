@@ -17,7 +17,7 @@ Walker::Walker(const std::vector<Corners>& polygons, uint32_t frameTicks, Vec3 p
     PlayerActor = {};
     PlayerActor.active = 1;
     PlayerActor.position = position;
-    PlayerActor.states = PlayerStates;
+    PlayerActor.states = PlayerStates.data();
     PlayerActor.animations = PlayerAnimations;
     for (uint32_t& time : PlayerActor.layerTimes)
         time = ANIM_START_TIME;

@@ -4,9 +4,13 @@
 
 #include "formats/character_files.h"
 #include "maths/transform.h"
+#include "records/animation_facts.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct SkinRecipe {
@@ -67,6 +71,10 @@ constexpr std::array<UsualClip, 19> CHARACTER_CLIPS = {{
     {"zerojum2.anm", 60, false, 25, 0},      {"zerojum3.anm", 100, false, 10, 0},
     {"zerojum4.anm", 170, false, 10, 100},
 }};
+// In the order of the game's table, whose last rows, those of the hop, are the leap's again.
+static_assert(CHARACTER_CLIPS.size() == ANIMATION_HOP_CROUCH &&
+              std::equal(CHARACTER_CLIPS.begin(), CHARACTER_CLIPS.end(), PLAYER_ANIMATION_FILES,
+                         [](const UsualClip& clip, std::string_view file) { return clip.file == file; }));
 
 std::vector<uint32_t> EvenTimes(uint32_t length, uint32_t step, uint32_t blend);
 

@@ -8,7 +8,6 @@
 namespace {
 
 const char* const REBUILD = "build it again with charc";
-constexpr uint32_t SKIN_TEXTURES = 2;  // behind the world's
 constexpr double UNIT_TOLERANCE = 0.01;
 
 void CheckMesh(const CharacterData& character, Report& report) {
@@ -32,9 +31,9 @@ void CheckSkin(const std::string& path, const std::vector<SkinTriangle>& skin, c
                        REBUILD);
     }
     for (size_t i = 0; i < skin.size(); ++i) {
-        if (skin[i].texture < SKIN_TEXTURES) continue;
+        if (skin[i].texture < CHAR_TEXTURE_COUNT) continue;
         report.Problem(path, fmt::format("triangle {}", i),
-                       fmt::format("uses the skin's texture {}, there are {}", skin[i].texture, SKIN_TEXTURES),
+                       fmt::format("uses the skin's texture {}, there are {}", skin[i].texture, CHAR_TEXTURE_COUNT),
                        REBUILD);
     }
 }

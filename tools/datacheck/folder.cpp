@@ -1,6 +1,7 @@
 #include "datacheck/folder.h"
 
 #include "charc/recipe.h"
+#include "datacheck/pool_replay.h"
 #include "datacheck/rules.h"
 #include "formats/error.h"
 #include "formats/files.h"
@@ -20,7 +21,6 @@ constexpr std::array PICTURES = {"FrontEnd/Title.Bmp", "FrontEnd/Options.Bmp",  
                                  "FrontEnd/Lang.Bmp",  "FrontEnd/Select01.bmp", "FrontEnd/Select02.bmp"};
 constexpr int PICTURE_WIDTH = 640;
 constexpr int PICTURE_HEIGHT = 480;
-constexpr size_t BONES_BYTES = 22 * 152;
 
 bool EqualWithoutCase(const std::string& a, const std::string& b) {
     const auto same = [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); };
@@ -89,7 +89,7 @@ private:
             if (auto picture = Load(level.GlideTexturePath(i), true, DecodeGlideTexture))
                 level.glideTextures.emplace(i, *picture);
         }
-        if (const size_t bytes = CharacterBytes(); bytes > 0) level.characterBytes = bytes;
+        if (const size_t bytes = CharacterBytes(folder_ / "game/data/anims"); bytes > 0) level.characterBytes = bytes;
         return level;
     }
 
@@ -106,17 +106,6 @@ private:
             if (auto clip = Load(path, true, DecodeAnimation)) character.clips.emplace(path, std::move(*clip));
         }
         return character;
-    }
-
-    // What stays in memory of the character: clips, weights and bones; 0 without its files.
-    size_t CharacterBytes() const {
-        const fs::path folder = folder_ / "game/data/anims";
-        size_t bytes = 0;
-        if (!fs::is_directory(folder)) return 0;
-        for (const auto& entry : fs::directory_iterator(folder)) {
-            if (entry.is_regular_file()) bytes += entry.file_size() + 64;
-        }
-        return bytes == 0 ? 0 : bytes + BONES_BYTES;
     }
 
     void CheckPicture(const char* path) {

@@ -1,12 +1,12 @@
 #include "datacheck/level_data.h"
 
 #include "records/levels.h"
+#include "records/walking_facts.h"
 
 #include <fmt/format.h>
 
 namespace {
 
-constexpr double WALKABLE = 0.7;  // least Up() of ground on which a leap ends
 constexpr double MISS = std::numeric_limits<double>::infinity();
 
 }  // namespace
@@ -87,7 +87,7 @@ std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, s
     constexpr double EYE_HEIGHT = 60;
     std::vector<Vec3> floors;
     for (const WorldFace& face : faces) {
-        if (face.Up() > WALKABLE) floors.push_back(face.Centre());
+        if (face.Up() > LANDING_SLOPE) floors.push_back(face.Centre());
     }
     std::vector<Vec3> places = {StartOf(level)};
     const size_t step = floors.size() / most + 1;

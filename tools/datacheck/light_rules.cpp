@@ -1,16 +1,13 @@
 #include "datacheck/rules.h"
 
+#include "mapc/light_slots.h"
+
 #include <fmt/format.h>
 
 namespace {
 
-constexpr size_t SLOTS_MAX = 140;         // of the engine's 150; the others are left to shots
-constexpr int SLOTS_AT_PLACE_MAX = 30;    // lights that the character takes
-constexpr size_t PLACES = 200;            // of play, at which they are counted
-constexpr size_t CORNER_POLYGONS = 8191;  // greatest polygon that a contribution can name
-constexpr int GATHERED_MAX = 1000;        // points that a dynamic light reaches
-constexpr double SHOT_RADIUS = 500;       // of the dynamic light of a shot
-constexpr double BYTES_MAX = 1000;        // that a light may add to a surface beside it
+constexpr size_t PLACES = 200;      // of play, at which the lights are counted
+constexpr double BYTES_MAX = 1000;  // that a light may add to a surface beside it
 const char* const REBUILD = "build the level again with mapc";
 
 bool IsLightByte(int8_t value) {
@@ -62,8 +59,8 @@ public:
     SlotCheck(const LevelData& level, Report& report) : level_(level), lights_(*level.slots), report_(report) {}
 
     void Run() {
-        if (lights_.slots.size() > SLOTS_MAX) {
-            Problem("slots", fmt::format("{}, at most {}", lights_.slots.size(), SLOTS_MAX), "use fewer lights");
+        if (lights_.slots.size() > LEVEL_SLOTS_MAX) {
+            Problem("slots", fmt::format("{}, at most {}", lights_.slots.size(), LEVEL_SLOTS_MAX), "use fewer lights");
         }
         for (size_t i = 0; i < lights_.slots.size(); ++i)
             CheckSlot(i);
@@ -103,8 +100,8 @@ private:
             Problem(place, "has contributions, which its type never uses", REBUILD);
         if (gathers && level_.world) {
             const auto reached = PointsWithin(Widened(slot.position), slot.radius);
-            if (reached > GATHERED_MAX) {
-                Problem(place, fmt::format("reaches {} points, at most {}", reached, GATHERED_MAX),
+            if (reached > GATHERED_POINT_LIMIT) {
+                Problem(place, fmt::format("reaches {} points, at most {}", reached, GATHERED_POINT_LIMIT),
                         "give the light a smaller radius");
             }
         }
@@ -136,7 +133,9 @@ private:
                 CheckContribution(number, lights_.points[static_cast<size_t>(i)], world.points.size(), "point");
             for (int i = slot.firstCorner; i < slot.firstCorner + slot.cornerCount; ++i) {
                 const LightContribution& corner = lights_.corners[static_cast<size_t>(i)];
-                CheckContribution(number, corner, 8 * std::min(world.polygons.size(), CORNER_POLYGONS + 1), "corner");
+                CheckContribution(
+                    number, corner,
+                    CORNER_LIGHT_CORNERS * std::min(world.polygons.size(), size_t{CORNER_NUMBER_POLYGONS}), "corner");
             }
         }
     }
@@ -146,17 +145,17 @@ private:
         const std::string place = fmt::format("{}, {} {}", PlaceOf(number, slot), kind, contribution.index);
         if (contribution.index >= limit) Problem(place, "is no part of the world", REBUILD);
         const float most = slot.type == LIGHT_FLICKER ? 3 : std::max(slot.intensity, slot.highIntensity);
-        const double bytes = double{contribution.weight} * double{most} * 64;
+        const double bytes = double{contribution.weight} * double{most} * NEUTRAL_LEVEL;
         if (!(std::abs(bytes) <= BYTES_MAX))
             Problem(place, fmt::format("gets {} light bytes, {} at most are of use", bytes, BYTES_MAX), REBUILD);
     }
 
     void CheckShots() {
         for (const Vec3& place : PlacesOfPlay(level_.number, FacesOf(*level_.world), PLACES)) {
-            const auto reached = PointsWithin(place, SHOT_RADIUS);
-            if (reached <= GATHERED_MAX) continue;
+            const auto reached = PointsWithin(place, double{SHOT_LIGHT_RADIUS});
+            if (reached <= GATHERED_POINT_LIMIT) continue;
             report_.Note(level_.SlotPath(), "at " + Describe(place),
-                         fmt::format("a shot reaches {} points and lights {} of them", reached, GATHERED_MAX),
+                         fmt::format("a shot reaches {} points and lights {} of them", reached, GATHERED_POINT_LIMIT),
                          "simplify the brushes around it");
         }
     }
@@ -167,9 +166,9 @@ private:
                 return slot.type != LIGHT_FREE && LengthSquared(Widened(slot.position) - place) <= slot.radiusSquared;
             };
             const auto count = std::count_if(lights_.slots.begin(), lights_.slots.end(), reaches);
-            if (count <= SLOTS_AT_PLACE_MAX) continue;
+            if (count <= CHARACTER_LIGHT_COUNT) continue;
             Problem("at " + Describe(place), fmt::format("{} slots reach the character", count),
-                    fmt::format("keep it at {}: use smaller radii there", SLOTS_AT_PLACE_MAX));
+                    fmt::format("keep it at {}: use smaller radii there", CHARACTER_LIGHT_COUNT));
         }
     }
 

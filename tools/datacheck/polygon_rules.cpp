@@ -1,5 +1,6 @@
 #include "datacheck/rules.h"
 #include "mapc/limits.h"
+#include "records/light_facts.h"
 
 #include <fmt/format.h>
 
@@ -17,7 +18,7 @@ const char* const REPAIR = "move the map's vertices apart, or onto one plane";
 std::string FaultOf(const WorldPolygon& polygon) {
     const bool cornerLight = polygon.shading == WORLD_CORNER_LIGHT;
     if (!cornerLight && polygon.shading != WORLD_POINT_LIGHT) return "has an unknown kind of light";
-    const size_t most = cornerLight ? CORNERS_MAX_CORNER_LIGHT : CORNERS_MAX_POINT_LIGHT;
+    const size_t most = cornerLight ? CORNER_LIGHT_CORNERS : BSP_MAX_CORNERS;
     if (polygon.cornerCount < 3 || polygon.cornerCount > most) {
         return fmt::format("has {} corners, 3 to {} are possible with its kind of light", polygon.cornerCount, most);
     }

@@ -4,11 +4,14 @@
 #include "formats/world_file.h"
 
 #include <cstddef>
+#include <filesystem>
 
 struct PoolUse {
     const char* failedFor = nullptr;  // what did not fit; null: everything did
     size_t free = 0;                  // bytes left in the end
 };
 
-// characterBytes: meshes, clips and weights.
+// What stays of the character, from the folder of its files: the clips, each as often as the game loads it, the weights
+// and the bones, with their headers. 0 without a file. Mesh and skin are given back before the clips are loaded.
+size_t CharacterBytes(const std::filesystem::path& folder);
 PoolUse ReplayPool(const WorldFile& world, size_t textureCount, size_t texturePages, size_t characterBytes);

@@ -26,7 +26,6 @@ void CheckLightSlots(const LevelData& level, Report& report);  // lights.alt aga
 void CheckTextures(const LevelData& level, Report& report);    // texture.bin, glidetex, and the world's use of them
 void CheckSky(const LevelData& level, Report& report);         // sky.sob, and its use of texture.bin
 
-constexpr size_t WORLD_TEXTURES = 93;  // slots from here on are the character's
 // What is wrong with the corners as they lie in space; empty: nothing.
 std::string FaultOfShape(const WorldFace& face);
 

@@ -1,5 +1,8 @@
 #include "datacheck/rules.h"
 
+#include "records/table_facts.h"
+#include "records/view_facts.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -7,8 +10,7 @@
 
 namespace {
 
-const Vec3 EYE{0, 77, 0};
-constexpr double FARTHEST = 6000;  // the accelerator's depth ends there
+const Vec3 EYE{0, double{SKY_EYE_HEIGHT}, 0};
 constexpr double NEAREST = 50;
 constexpr int DIRECTIONS = 2000;
 const char* const REBUILD = "build the sky again with skyc";
@@ -39,8 +41,9 @@ bool HasHoles(const TextureFile& textures, uint8_t slot) {
 std::string FaultOf(const StaticObjectPolygon& polygon, const WorldFace& face, const LevelData& level) {
     for (const Vec3& p : face.corners) {
         const double distance = Length(p - EYE);
-        if (!(distance >= NEAREST && distance <= FARTHEST)) {
-            return fmt::format("has a corner {:.0f} from the eye, {} to {} are possible", distance, NEAREST, FARTHEST);
+        if (!(distance >= NEAREST && distance <= SKY_FARTHEST)) {
+            return fmt::format("has a corner {:.0f} from the eye, {} to {} are possible", distance, NEAREST,
+                               SKY_FARTHEST);
         }
     }
     for (const StaticObjectCorner& corner : polygon.corners) {
@@ -48,8 +51,8 @@ std::string FaultOf(const StaticObjectPolygon& polygon, const WorldFace& face, c
     }
     if (const std::string shape = FaultOfShape(face); !shape.empty()) return shape;
     if (face.Distance(EYE) >= 0) return "is turned away from the eye";
-    if (level.textures && polygon.texture >= std::min<size_t>(level.textures->slots.size(), WORLD_TEXTURES)) {
-        return fmt::format("uses texture {}, the world's end at {}", polygon.texture, WORLD_TEXTURES - 1);
+    if (level.textures && polygon.texture >= std::min<size_t>(level.textures->slots.size(), CHAR_TEXTURE_BASE)) {
+        return fmt::format("uses texture {}, the world's end at {}", polygon.texture, CHAR_TEXTURE_BASE - 1);
     }
     return "";
 }

@@ -1,12 +1,14 @@
 #include "datacheck/rules.h"
 
+#include "records/table_facts.h"
+
 #include <fmt/format.h>
 
 namespace {
 
-constexpr size_t LEAST_COUNT = 95;     // world, sky and the character's two
-constexpr size_t ANIMATED_FIRST = 10;  // shown until the first cycle
-constexpr size_t ANIMATED_LAST = 14;
+constexpr size_t LEAST_COUNT = CHAR_TEXTURE_BASE + CHAR_TEXTURE_COUNT;
+constexpr size_t ANIMATED_FIRST = TEXTURE_CYCLE_FIRST;  // shown until the first cycle
+constexpr size_t ANIMATED_LAST = TEXTURE_CYCLE_FIRST + TEXTURE_CYCLE_LENGTH - 1;
 
 bool SamePicture(const TextureFile& file, const TextureSlot& a, const TextureSlot& b) {
     for (int y = 0; y < a.height; ++y) {
@@ -35,9 +37,9 @@ void CheckAnimatedSlots(const LevelData& level, Report& report) {
 void CheckUse(const LevelData& level, Report& report) {
     for (size_t i = 0; i < level.world->polygons.size(); ++i) {
         const uint8_t texture = level.world->polygons[i].texture;
-        if (texture < WORLD_TEXTURES && texture < level.textures->slots.size()) continue;
+        if (texture < CHAR_TEXTURE_BASE && texture < level.textures->slots.size()) continue;
         report.Problem(level.WorldPath(), fmt::format("polygon {}", i),
-                       fmt::format("uses texture {}, the world's end at {}", texture, WORLD_TEXTURES - 1),
+                       fmt::format("uses texture {}, the world's end at {}", texture, CHAR_TEXTURE_BASE - 1),
                        "use a material of a lower slot");
     }
 }

@@ -1,13 +1,12 @@
 #include "datacheck/pool_replay.h"
 #include "datacheck/rules.h"
 #include "mapc/limits.h"
+#include "records/table_facts.h"
 
 #include <fmt/format.h>
 
 namespace {
 
-constexpr int DEPTH_MAX = 1024;
-constexpr size_t LEAF_POLYGONS_MAX = 65536;
 const char* const REBUILD = "build the world again with mapc";
 const char* const SIMPLIFY = "leave out or simplify brushes, or raise the key \"subdivide\" of worldspawn";
 
@@ -31,7 +30,7 @@ struct TreeWalk {
         }
         const size_t i = static_cast<size_t>(child);
         depth = std::max(depth, level);
-        isTree = isTree && level <= DEPTH_MAX && ++nodeVisits[i] == 1;
+        isTree = isTree && level <= BSP_MAX_DEPTH && ++nodeVisits[i] == 1;
         if (!isTree) return;
         Visit(world.nodes[i].front, level + 1);
         Visit(world.nodes[i].back, level + 1);
@@ -44,13 +43,13 @@ bool CheckTree(const LevelData& level, Report& report) {
     const TreeWalk walk(*level.world);
     const std::string file = level.WorldPath();
     if (!walk.isTree) {
-        report.Problem(file, "tree", fmt::format("is empty, deeper than {} or reaches a node twice", DEPTH_MAX),
+        report.Problem(file, "tree", fmt::format("is empty, deeper than {} or reaches a node twice", BSP_MAX_DEPTH),
                        REBUILD);
         return false;
     }
-    if (walk.polygons > LEAF_POLYGONS_MAX) {
+    if (walk.polygons > BSP_MAX_LEAF_POLYGONS) {
         report.Problem(file, "tree",
-                       fmt::format("its leaves hold {} polygons, at most {}", walk.polygons, LEAF_POLYGONS_MAX),
+                       fmt::format("its leaves hold {} polygons, at most {}", walk.polygons, BSP_MAX_LEAF_POLYGONS),
                        REBUILD);
         return false;
     }

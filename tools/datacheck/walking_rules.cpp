@@ -1,17 +1,15 @@
 #include "datacheck/rules.h"
 #include "mapc/limits.h"
+#include "records/walking_facts.h"
 
 #include <fmt/format.h>
 
 namespace {
 
-constexpr double START_LOWEST = 111;  // of the start above its floor
-constexpr double START_HIGHEST = 117;
-constexpr double STEP_HEIGHT = 50.01;  // lower steep faces are stepped up
-constexpr double SPLIT_HEIGHT = 64;    // a wall whole up to here is no ledge
-constexpr double TREAD_SLOPE = 0.2;    // least Up() of a tread
-constexpr double STEEP = 0.2;          // greatest vertical part of a wall's normal
-constexpr double BEFORE_WALL = 8;      // where the floor in front of a wall is felt for
+constexpr double START_LOWEST = STANDING_HEIGHT + 2;  // of the start above its floor
+constexpr double START_HIGHEST = STANDING_HEIGHT + 8;
+constexpr double STEP_TOLERANCE = 0.01;  // of the height of a step, which the file holds rounded
+constexpr double BEFORE_WALL = 8;        // where the floor in front of a wall is felt for
 
 void CheckStart(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     const Vec3 start = StartOf(level.number);
@@ -32,23 +30,23 @@ double HeightOf(const WorldFace& face) {
 }
 
 bool IsWall(const WorldFace& face) {
-    return std::abs(face.normal.y) < STEEP;
+    return std::abs(face.normal.y) < STEEP_SLOPE;
 }
 
 // The last polygon hit decides how a step is taken. Nothing is stepped on at a ceiling.
 enum class Contact { Tread, Wall, Riser, Ceiling };
 
 Contact ContactOf(const WorldFace& face) {
-    if (face.Up() > TREAD_SLOPE) return Contact::Tread;
-    if (face.Up() < -STEEP) return Contact::Ceiling;
-    return HeightOf(face) <= STEP_HEIGHT ? Contact::Riser : Contact::Wall;
+    if (face.Up() > STEEP_SLOPE) return Contact::Tread;
+    if (face.Up() < -STEEP_SLOPE) return Contact::Ceiling;
+    return HeightOf(face) <= STEP_HEIGHT + STEP_TOLERANCE ? Contact::Riser : Contact::Wall;
 }
 
-// Whether one may stand before the wall on a floor no more than SPLIT_HEIGHT below the edge.
+// Whether one may stand before the wall on a floor no more than LEDGE_LIMIT below the edge.
 bool FloorIsNear(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& edge) {
     const Vec3 eye = edge - wall.normal * BEFORE_WALL;
     for (const WorldFace& face : faces) {
-        if (face.Up() > TREAD_SLOPE && face.Hit(eye, {0, -1, 0}, 0) < SPLIT_HEIGHT - 0.1) return true;
+        if (face.Up() > STEEP_SLOPE && face.Hit(eye, {0, -1, 0}, 0) < LEDGE_LIMIT - 0.1) return true;
     }
     return false;
 }
@@ -80,8 +78,9 @@ void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces,
             const bool isTop = std::abs(p.y - next.y) < 0.1 && wall.Centre().y < middle.y - 0.1;
             if (!isTop || !FloorIsNear(faces, wall, middle) || !IsContinued(faces, wall, middle)) continue;
             report.Note(level.WorldPath(), "wall at " + Describe(middle),
-                        fmt::format("is cut horizontally less than {} above a floor", SPLIT_HEIGHT),
-                        "let one face of the wall reach 64 above the floor, and no ledge's plane cut it");
+                        fmt::format("is cut horizontally less than {} above a floor", LEDGE_LIMIT),
+                        fmt::format("let one face of the wall reach {} above the floor, and no ledge's plane cut it",
+                                    LEDGE_LIMIT));
         }
     }
 }

@@ -15,17 +15,20 @@
 // the commands also moves.
 #pragma once
 
+#include "records/table_facts.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-constexpr size_t CHARACTER_BONES = 22;
+constexpr size_t CHARACTER_BONES = BONE_LIMIT;
 constexpr size_t CHARACTER_MAX_TRIANGLES = 900;  // so that split pieces find room in the game's tables
 constexpr size_t CHARACTER_MAX_POINTS = 500;
 constexpr size_t CHARACTER_MAX_INFLUENCES = 3;
-constexpr uint32_t CHARACTER_FIRST_TIME = 10;  // where animations start and loops wrap to
-constexpr double CHARACTER_TIME_PER_SECOND = 312.5;
+constexpr uint32_t CHARACTER_FIRST_TIME = ANIM_START_TIME;
+constexpr double CHARACTER_TIME_PER_SECOND = ANIM_TICK_UNITS / 0.016;
+static_assert(CHARACTER_TIME_PER_SECOND == 312.5);
 constexpr uint32_t CHARACTER_NO_HIDDEN_BLOCK = 255;
 
 // The bone that weight block b moves. A soft point blends with where the earlier blocks put it.

@@ -3,6 +3,7 @@
 #include "formats/binary.h"
 #include "formats/error.h"
 #include "formats/files.h"
+#include "records/light_facts.h"
 
 #include <fmt/format.h>
 
@@ -12,9 +13,6 @@
 namespace {
 
 constexpr const char* REBUILD = "build it again with mapc";
-constexpr uint32_t CORNER_POLYGONS_MAX = 20000;
-constexpr size_t SLOTS_MAX = 150;
-constexpr size_t CONTRIBUTIONS_MAX = 32767;
 constexpr size_t SLOT_SIZE = 96;
 constexpr size_t CONTRIBUTION_SIZE = 12;  // index and weight, in both lists
 constexpr size_t SETTINGS_SIZE = 28;
@@ -102,10 +100,10 @@ std::vector<LightContribution> GetContributions(ByteReader& in, size_t count) {
 }
 
 void CheckCounts(const std::string& file, size_t slots, size_t contributions) {
-    if (slots > SLOTS_MAX || contributions > CONTRIBUTIONS_MAX) {
+    if (slots > LIGHT_SLOT_COUNT || contributions > LIGHT_CONTRIBUTION_MAX) {
         Refuse(file, 0,
-               fmt::format("has {} slots of {} and {} contributions of {}", slots, SLOTS_MAX, contributions,
-                           CONTRIBUTIONS_MAX),
+               fmt::format("has {} slots of {} and {} contributions of {}", slots, LIGHT_SLOT_COUNT, contributions,
+                           LIGHT_CONTRIBUTION_MAX),
                "use fewer lights, or smaller ones");
     }
 }
@@ -144,8 +142,8 @@ LightMapFile DecodeLightMap(std::vector<uint8_t> content, const std::string& fil
     in.Take(12);
     const uint32_t points = in.BigU32();
     const uint32_t polygons = in.BigU32();
-    if (polygons > CORNER_POLYGONS_MAX) {
-        Refuse(fileName, 0, fmt::format("lights {} polygons, {} at most", polygons, CORNER_POLYGONS_MAX), REBUILD);
+    if (polygons > CORNER_LIGHT_POLYGONS) {
+        Refuse(fileName, 0, fmt::format("lights {} polygons, {} at most", polygons, CORNER_LIGHT_POLYGONS), REBUILD);
     }
     if (const uint64_t needed = uint64_t{points} + uint64_t{polygons} * 8 + SETTINGS_SIZE; needed != in.Left()) {
         Refuse(fileName, 0, fmt::format("holds {} bytes after its counts instead of {}", in.Left(), needed), REBUILD);

@@ -2,6 +2,7 @@
 
 #include "formats/error.h"
 #include "formats/files.h"
+#include "records/table_facts.h"
 
 #include <fmt/format.h>
 
@@ -15,7 +16,7 @@
 
 namespace {
 
-constexpr int SLOT_END = 500;
+constexpr int SLOT_END = TEXTURE_LIMIT;
 constexpr int TEXELS_MIN = 8;
 constexpr int TEXELS_MAX = 128;
 constexpr int LIGHT_MAX = 1000;

@@ -4,11 +4,13 @@
 // the polygons one after another: u8 texture, two zero bytes, plane nx ny nz d of eight bytes each (f32 and four zero
 // bytes), u8 corner count, 10 a corner: u16 point, f32 u, f32 v.
 //
-// Axes, planes and winding as in a world file. The eye stands at (0, 77, 0) of a sky, whose polygons are seen from
-// inside and drawn in the order of the file, the farthest therefore first.
+// Axes, planes and winding as in a world file. The eye stands SKY_EYE_HEIGHT above the origin of a sky, whose polygons
+// are seen from inside and drawn in the order of the file, the farthest therefore first.
 #pragma once
 
 #include "formats/world_file.h"
+#include "records/table_facts.h"
+#include "records/view_facts.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -21,8 +23,14 @@ constexpr uint32_t STATIC_OBJECT_VERSION = 9;
 // So that the character and its split pieces find room behind it in the game's tables.
 constexpr size_t STATIC_OBJECT_MAX_POLYGONS = 1000;
 constexpr size_t STATIC_OBJECT_MAX_POINTS = 2000;
-constexpr size_t STATIC_OBJECT_MAX_POLYGON_CORNERS = 12;
+constexpr size_t STATIC_OBJECT_MAX_POLYGON_CORNERS = BSP_MAX_CORNERS;
 constexpr size_t STATIC_OBJECT_MAX_CORNERS = 4000;
+static_assert(STATIC_OBJECT_MAX_POLYGONS < SPARE_POLYGONS && STATIC_OBJECT_MAX_POLYGONS < SPARE_PLANES &&
+              STATIC_OBJECT_MAX_POINTS < SPARE_POINTS && STATIC_OBJECT_MAX_CORNERS < SPARE_POLY_VERTICES);
+
+// From the eye, where the accelerator's depths end, a little less.
+constexpr double SKY_FARTHEST = 6000;
+static_assert(SKY_FARTHEST * GLIDE_DEPTH_RANGE / GLIDE_FAR_DISTANCE < 65535);
 
 struct StaticObjectCorner {
     uint16_t point = 0;

@@ -2,6 +2,7 @@
 
 #include "formats/error.h"
 #include "mapc/terrain.h"
+#include "records/table_facts.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr int WORLD_SLOT_END = 93;  // the slots above belong to the character
+constexpr int WORLD_SLOT_END = CHAR_TEXTURE_BASE;
 
 class BrushBuilder {
 public:

@@ -1,6 +1,7 @@
 #include "mapc/bsp_tree.h"
 
 #include "mapc/limits.h"
+#include "records/walking_facts.h"
 
 #include <optional>
 
@@ -16,7 +17,6 @@ constexpr double SPLIT_COST = 20;  // against one face of imbalance
 constexpr double SLOPE_COST = 4;   // of a plane that is not axial
 constexpr double HIDDEN_SPLIT_COST = 1;
 constexpr double WALL_SPLIT_COST = 300;  // of a wall cut across: the player takes a low lower part for a step
-constexpr double STEEP = 0.2;            // greatest vertical part of a wall's normal
 
 enum class TreeKind { Sealing, Drawing };
 
@@ -180,7 +180,8 @@ private:
     }
 
     double SplitCost(const Face& face, const Plane& plane) const {
-        const bool across = std::abs(plane.normal.z) > STEEP && std::abs(planes_[face.plane].normal.z) < STEEP;
+        const bool across =
+            std::abs(plane.normal.z) > STEEP_SLOPE && std::abs(planes_[face.plane].normal.z) < STEEP_SLOPE;
         if (across && kind_ == TreeKind::Drawing) return WALL_SPLIT_COST;
         return face.hidden ? HIDDEN_SPLIT_COST : SPLIT_COST;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mapc/csg.h"
+#include "records/table_facts.h"
 
 // Children: >= 0 a node, < 0 the leaf ~child. The front child lies where the plane's distance is positive.
 struct TreeNode {
@@ -10,7 +11,7 @@ struct TreeNode {
     int back = 0;
 };
 
-constexpr int TREE_DEPTH_MAX = 1000;  // the engine's own limit is a little higher
+constexpr int TREE_DEPTH_MAX = BSP_MAX_DEPTH - 24;  // a little below the game's own limit
 
 struct Tree {
     std::vector<TreeNode> nodes;  // node 0 is the root; there is always one

@@ -55,7 +55,7 @@ Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
     CheckMesh(brushes.file, tree, mesh);
     MakeFans(mesh, brushes.planes, [&](const MeshPolygon& polygon) {
         const bool cornerLight = brushes.textures[static_cast<size_t>(polygon.texture)].cornerLight;
-        return cornerLight ? CORNERS_MAX_CORNER_LIGHT : CORNERS_MAX_POINT_LIGHT;
+        return cornerLight ? CORNER_LIGHT_CORNERS : BSP_MAX_CORNERS;
     });
     return mesh;
 }

@@ -1,14 +1,16 @@
 // The engine's contact query, tried wherever the player can stand or leap.
 #include "mapc/geometry.h"
 #include "mapc/limits.h"
+#include "records/walking_facts.h"
 
 namespace {
 
-constexpr double RADIUS = 204;                // of the query at a speed of 120 units a frame
-constexpr size_t PLACES_MAX = 4'000'000;      // fifteen floors as large as a level may be
-constexpr double SAMPLE_STEP = 128;           // between places tried on a floor
-constexpr double WALKABLE = 0.7;              // least vertical part of the outward normal
-constexpr double HEIGHTS[] = {17, 150, 300};  // of the sphere above the floor: standing and in a leap
+constexpr double SPEED = 120;  // units a frame, of a long fall
+constexpr double RADIUS = SPEED / 2 + GATHER_MARGIN;
+constexpr size_t PLACES_MAX = 4'000'000;  // fifteen floors as large as a level may be
+constexpr double SAMPLE_STEP = 128;       // between places tried on a floor
+// Of the sphere above the floor: standing and in a leap.
+constexpr double HEIGHTS[] = {MOVE_SPHERE_RADIUS + 1, 150, 300};
 constexpr double ROOT_2 = 1.414213562;
 
 Vec3 Widened(const WorldVector& v) {
@@ -32,7 +34,7 @@ public:
 
     Contacts Most() {
         for (size_t i = 0; i < polygons_.size(); ++i) {
-            if (-planes_[world_.polygons[i].plane].normal.y >= WALKABLE) TryFloor(i);
+            if (-planes_[world_.polygons[i].plane].normal.y >= LANDING_SLOPE) TryFloor(i);
         }
         return most_;
     }
@@ -142,7 +144,7 @@ private:
 void CheckPlacesToStand(const std::string& file, const WorldFile& world) {
     double places = 0;
     for (const WorldPolygon& polygon : world.polygons) {
-        if (-static_cast<double>(world.planes[polygon.plane].normal[1]) < WALKABLE) continue;
+        if (-static_cast<double>(world.planes[polygon.plane].normal[1]) < LANDING_SLOPE) continue;
         Box box;
         for (size_t k = 0; k < polygon.cornerCount; ++k)
             box.Add(Widened(world.points[world.corners[polygon.firstCorner + k].point].position));

@@ -1,5 +1,7 @@
 #include "mapc/emit.h"
 
+#include "records/walking_facts.h"
+
 #include <algorithm>
 #include <map>
 #include <tuple>
@@ -8,9 +10,6 @@
 namespace {
 
 constexpr double LEAF_RADIUS_MIN = 240;  // engine units: the reach test of a smaller leaf misses contacts and shots
-constexpr double STEP_HEIGHT = 50;       // engine units: lower steep faces are stepped up
-constexpr double TREAD_SLOPE = 0.2;      // least vertical part of the outward normal of a tread
-constexpr double STEEP = 0.2;            // greatest vertical part of the normal of a riser or wall
 
 WorldVector Narrowed(const Vec3& v) {
     return {static_cast<float>(v.x) + 0.0F, static_cast<float>(v.y) + 0.0F, static_cast<float>(v.z) + 0.0F};
@@ -128,12 +127,12 @@ private:
     // step lifts the player to its own top: treads come first, then walls, risers last, the tallest first among each.
     std::pair<int, double> ContactOrder(const MeshPolygon& polygon) const {
         const double up = brushes_.planes[polygon.plane].normal.z;
-        if (up > TREAD_SLOPE) return {0, 0};
+        if (up > STEEP_SLOPE) return {0, 0};
         Box box;
         for (const int corner : polygon.corners)
             box.Add(mesh_.vertices[static_cast<size_t>(corner)]);
         const bool low = (box.max.z - box.min.z) * placement_.scale <= STEP_HEIGHT;
-        return {up > -STEEP && low ? 2 : 1, -box.max.z};
+        return {up > -STEEP_SLOPE && low ? 2 : 1, -box.max.z};
     }
 
     void EmitLeaf(std::vector<MeshPolygon> polygons) {

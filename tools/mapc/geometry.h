@@ -1,44 +1,13 @@
 // Vectors, planes and boxes in map space: x east, y north, z up, double precision.
 #pragma once
 
+#include "maths/transform.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-struct Vec3 {
-    double x = 0;
-    double y = 0;
-    double z = 0;
-
-    double operator[](int axis) const { return axis == 0 ? x : axis == 1 ? y : z; }
-    double& operator[](int axis) { return axis == 0 ? x : axis == 1 ? y : z; }
-    bool operator==(const Vec3&) const = default;
-};
-
-inline Vec3 operator+(const Vec3& a, const Vec3& b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-inline Vec3 operator-(const Vec3& a, const Vec3& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-inline Vec3 operator-(const Vec3& a) {
-    return {-a.x, -a.y, -a.z};
-}
-inline Vec3 operator*(const Vec3& a, double s) {
-    return {a.x * s, a.y * s, a.z * s};
-}
-inline double Dot(const Vec3& a, const Vec3& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-inline Vec3 Cross(const Vec3& a, const Vec3& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-inline double LengthSquared(const Vec3& a) {
-    return Dot(a, a);
-}
-inline double Length(const Vec3& a) {
-    return std::sqrt(Dot(a, a));
-}
+using Vec3 = Vector;
 
 // Points with normal . p > dist lie in front. A brush's planes point out of it.
 struct Plane {

@@ -2,6 +2,7 @@
 
 #include "formats/error.h"
 #include "mapc/light_slots.h"
+#include "records/light_facts.h"
 
 #include <fmt/format.h>
 
@@ -12,7 +13,7 @@ constexpr double SKY_DEPTH =
     0.5;  // engine units: sky faces lie that deep, so that what is drawn in the same place wins
 // Light bytes above the first are pressed together below the second, so that walls beside lamps keep their shape.
 constexpr double PRESSED_FROM = 80;
-constexpr double LIGHT_MAX = 127;
+constexpr double LIGHT_MAX = BRIGHTEST_LEVEL;
 
 double Luminance(const Material& material) {
     return (0.299 * material.colour.r + 0.587 * material.colour.g + 0.114 * material.colour.b) / 255;

@@ -1,6 +1,7 @@
 #include "mapc/light_slots.h"
 
 #include "formats/error.h"
+#include "records/walking_facts.h"
 
 #include <fmt/format.h>
 
@@ -8,10 +9,8 @@
 
 namespace {
 
-constexpr double LIGHT_STEP = 64;  // light bytes of an intensity of 1
-constexpr double FLICKER_MOST = 2.9921875;
+constexpr double LIGHT_STEP = NEUTRAL_LEVEL;  // light bytes of an intensity of 1
 constexpr size_t FLOORS_MAX = 1000;
-constexpr double WALKABLE = 0.7;  // least vertical part of the normal of ground to stand on
 constexpr double FAR_DISTANCE = 1e5;
 constexpr double FAR_RADIUS = 1e6;
 constexpr double FAR_SHARE = 1 - FAR_DISTANCE / FAR_RADIUS;  // of its intensity, which arrives
@@ -71,8 +70,8 @@ private:
     }
 
     LightSlotRecord& Add(int32_t type, const SlotShape& shape, int line) {
-        if (slots_.size() == SLOTS_MAX) {
-            RefuseLight(line, fmt::format("this light needs the slot {} of {}", SLOTS_MAX + 1, SLOTS_MAX),
+        if (slots_.size() == LEVEL_SLOTS_MAX) {
+            RefuseLight(line, fmt::format("this light needs the slot {} of {}", LEVEL_SLOTS_MAX + 1, LEVEL_SLOTS_MAX),
                         "use fewer lights, larger ones instead of several");
         }
         LightSlotRecord& record = slots_.emplace_back(Slot{{}, line}).record;
@@ -188,7 +187,8 @@ private:
         LightSlotRecord& record = Add(type, shape, light.line);
         if (light.style == LightStyle::Ramp) SetRamp(light, record);
         if (light.style == LightStyle::Blink) SetBlink(light, record);
-        AddContributions(field, shape.intensity, flickers ? FLICKER_MOST / FLICKER_INTENSITY : 1, light.line, record);
+        AddContributions(field, shape.intensity, flickers ? FLICKER_INTENSITY_MAX / FLICKER_INTENSITY : 1, light.line,
+                         record);
     }
 
     void AddDynamic(const PointLight& light) {
@@ -200,10 +200,10 @@ private:
             std::count_if(sources_.world.points.begin(), sources_.world.points.end(), [&](const WorldPoint& point) {
                 return LengthSquared(Widened(point.position) - shape.position) <= shape.radius * shape.radius;
             });
-        if (static_cast<size_t>(reached) <= GATHERED_POINTS_MAX) return;
+        if (static_cast<size_t>(reached) <= GATHERED_POINT_LIMIT) return;
         RefuseLight(
             light.line,
-            fmt::format("this dynamic light reaches {} points of the world, at most {}", reached, GATHERED_POINTS_MAX),
+            fmt::format("this dynamic light reaches {} points of the world, at most {}", reached, GATHERED_POINT_LIMIT),
             "give it a smaller radius, or the style ramp, blink or flicker");
     }
 
@@ -244,7 +244,7 @@ private:
         for (size_t i = 0; i < field.corners.size(); ++i) {
             for (size_t k = 0; k < field.corners[i].size(); ++k) {
                 if (!isSeen(field.corners[i][k])) continue;
-                if (i >= CORNER_POLYGONS_MAX) RefuseLatePolygon(line, i);
+                if (i >= CORNER_NUMBER_POLYGONS) RefuseLatePolygon(line, i);
                 file_.corners.push_back({static_cast<uint16_t>(i * 8 + k), weight(field.corners[i][k])});
             }
         }
@@ -255,10 +255,10 @@ private:
     }
 
     void CheckContributions(int line, int32_t own, size_t total, const char* kind) const {
-        if (total <= CONTRIBUTIONS_MAX) return;
+        if (total <= LIGHT_CONTRIBUTION_MAX) return;
         RefuseLight(line,
                     fmt::format("the changing lights up to this one reach {} {}, at most {}; this one reaches {}",
-                                total, kind, CONTRIBUTIONS_MAX, own),
+                                total, kind, LIGHT_CONTRIBUTION_MAX, own),
                     "give changing lights smaller radii, or leave some out");
     }
 
@@ -268,7 +268,7 @@ private:
         RefuseLight(line,
                     fmt::format("this light changes the corner light of polygon {} at ({:.0f} {:.0f} {:.0f}), which "
                                 "only polygons below {} can show",
-                                polygon, place.x, place.y, place.z, CORNER_POLYGONS_MAX),
+                                polygon, place.x, place.y, place.z, CORNER_NUMBER_POLYGONS),
                     "take \"corner_light\" from the brushes there, or give the light a smaller radius");
     }
 
@@ -282,11 +282,11 @@ private:
                 ++count;
                 if (line > 0) lines += fmt::format("{}{}", lines.empty() ? "" : ", ", line);
             }
-            if (count <= SLOTS_AT_PLACE_MAX) continue;
+            if (count <= CHARACTER_LIGHT_COUNT) continue;
             const Vec3 p = sources_.placement.ToMap(place.place);
             Refuse(sources_.map, 0,
                    fmt::format("{} lights reach the player at ({:.0f} {:.0f} {:.0f}), at most {}", count, p.x, p.y, p.z,
-                               SLOTS_AT_PLACE_MAX),
+                               CHARACTER_LIGHT_COUNT),
                    "give some of them smaller radii, those of the lines " + lines);
         }
     }
@@ -311,7 +311,7 @@ LampsByStyle SortLamps(const std::vector<PointLight>& lights) {
 std::vector<Vec3> FloorsOf(const WorldFile& world) {
     std::vector<Vec3> all;
     for (const WorldPolygon& polygon : world.polygons) {
-        if (-world.planes[polygon.plane].normal[1] <= WALKABLE) continue;
+        if (-world.planes[polygon.plane].normal[1] <= LANDING_SLOPE) continue;
         const auto corner = [&](size_t k) {
             return Widened(world.points[world.corners[polygon.firstCorner + k].point].position);
         };
@@ -334,7 +334,7 @@ LightSlotFile MakeLightSlots(const BakedLight& baked, const SlotSources& sources
 }
 
 std::vector<Count> CountSlots(const LightSlotFile& file) {
-    return {{"light slots", file.slots.size(), SLOTS_MAX},
-            {"points that changing lights reach", file.points.size(), CONTRIBUTIONS_MAX},
-            {"corners that changing lights reach", file.corners.size(), CONTRIBUTIONS_MAX}};
+    return {{"light slots", file.slots.size(), LEVEL_SLOTS_MAX},
+            {"points that changing lights reach", file.points.size(), LIGHT_CONTRIBUTION_MAX},
+            {"corners that changing lights reach", file.corners.size(), LIGHT_CONTRIBUTION_MAX}};
 }

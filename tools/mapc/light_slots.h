@@ -8,13 +8,11 @@
 #include "mapc/limits.h"
 #include "mapc/map_lights.h"
 #include "mapc/placement.h"
+#include "records/light_facts.h"
 
-constexpr size_t SLOTS_MAX = 140;                 // of the engine's 150; the others are left to shots
-constexpr size_t CONTRIBUTIONS_MAX = 32767;       // of points, and of corners, of all lights together
-constexpr size_t CORNER_POLYGONS_MAX = 8192;      // a contribution cannot name corners of later polygons
-constexpr size_t GATHERED_POINTS_MAX = 1000;      // that a dynamic light reaches
-constexpr size_t SLOTS_AT_PLACE_MAX = 30;         // that light the character at once
-constexpr double FLICKER_INTENSITY = 2.49609375;  // the mean of what the engine throws
+constexpr size_t LEVEL_SLOTS_MAX = LIGHT_SLOT_COUNT - 10;  // the others are left to shots
+constexpr double FLICKER_INTENSITY = (FLICKER_BASE + FLICKER_RANGE / 2.0) / FLICKER_SCALE;  // the mean
+constexpr double FLICKER_INTENSITY_MAX = (FLICKER_BASE + FLICKER_RANGE) / double{FLICKER_SCALE};
 
 // The lamps of a map by how they are baked, each in map order.
 struct LampsByStyle {

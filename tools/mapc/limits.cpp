@@ -1,6 +1,7 @@
 #include "mapc/limits.h"
 
 #include "formats/error.h"
+#include "records/light_facts.h"
 
 #include <fmt/format.h>
 
@@ -9,12 +10,16 @@
 
 namespace {
 
+// Within the engine's limits, which the asserts below hold them to, and within what its memory has room for.
 constexpr size_t NODES_MAX = 32767;
-constexpr size_t LEAVES_MAX = 16384;
+constexpr size_t LEAVES_MAX = BSP_MAX_LEAVES;
 constexpr size_t PLANES_MAX = 62000;
-constexpr size_t POLYGONS_MAX = 20000;
+constexpr size_t POLYGONS_MAX = CORNER_LIGHT_POLYGONS;
 constexpr size_t POINTS_MAX = 25000;
 constexpr size_t CORNERS_MAX = 52000;
+static_assert(NODES_MAX <= BSP_MAX_NODES && PLANES_MAX + SPARE_PLANES <= INDEX_LIMIT &&
+              POLYGONS_MAX + SPARE_POLYGONS <= POLYGON_LIMIT && POINTS_MAX + SPARE_POINTS <= INDEX_LIMIT &&
+              CORNERS_MAX + SPARE_POLY_VERTICES <= INDEX_LIMIT);
 constexpr size_t POLYGONS_AT_POINT_MAX = 127;
 // What the engine's 8 MiB leave for the world beside 12 texture pages, the character, its clips and the frame.
 constexpr size_t MEMORY_MAX = 4300000;
@@ -74,22 +79,23 @@ void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh) {
 }
 
 std::vector<Count> CountWorld(const WorldFile& world, int treeDepth) {
-    const size_t memory = 42 * world.nodes.size() + 52 * world.leaves.size() + 16 * world.planes.size() +
-                          46 * world.polygons.size() + 63 * world.points.size() + 32 * world.corners.size();
+    const size_t memory = NODE_BYTES * world.nodes.size() + LEAF_TABLES_BYTES * world.leaves.size() +
+                          PLANE_BYTES * world.planes.size() + POLYGON_TABLES_BYTES * world.polygons.size() +
+                          POINT_TABLES_BYTES * world.points.size() + CORNER_TABLES_BYTES * world.corners.size();
     const std::vector<size_t> uses = PolygonsAtPoints(world);
-    return {
-        NodeCount(world.nodes.size()),
-        {"leaves", world.leaves.size(), LEAVES_MAX},
-        {"planes", world.planes.size(), PLANES_MAX},
-        PolygonCount(world.polygons.size()),
-        {"points", world.points.size(), POINTS_MAX},
-        {"polygon corners", world.corners.size(), CORNERS_MAX},
-        {"polygons at one point", uses.empty() ? 0 : *std::max_element(uses.begin(), uses.end()),
-         POLYGONS_AT_POINT_MAX},
-        {"corners of a polygon", MostCorners(world, WORLD_POINT_LIGHT), CORNERS_MAX_POINT_LIGHT},
-        {"corners of a polygon with corner light", MostCorners(world, WORLD_CORNER_LIGHT), CORNERS_MAX_CORNER_LIGHT},
-        {"depth of the tree", static_cast<size_t>(treeDepth), size_t{TREE_DEPTH_MAX}},
-        {"bytes of engine memory", memory, MEMORY_MAX}};
+    return {NodeCount(world.nodes.size()),
+            {"leaves", world.leaves.size(), LEAVES_MAX},
+            {"planes", world.planes.size(), PLANES_MAX},
+            PolygonCount(world.polygons.size()),
+            {"points", world.points.size(), POINTS_MAX},
+            {"polygon corners", world.corners.size(), CORNERS_MAX},
+            {"polygons at one point", uses.empty() ? 0 : *std::max_element(uses.begin(), uses.end()),
+             POLYGONS_AT_POINT_MAX},
+            {"corners of a polygon", MostCorners(world, WORLD_POINT_LIGHT), size_t{BSP_MAX_CORNERS}},
+            {"corners of a polygon with corner light", MostCorners(world, WORLD_CORNER_LIGHT),
+             size_t{CORNER_LIGHT_CORNERS}},
+            {"depth of the tree", static_cast<size_t>(treeDepth), size_t{TREE_DEPTH_MAX}},
+            {"bytes of engine memory", memory, MEMORY_MAX}};
 }
 
 void CheckCounts(const std::string& file, const std::vector<Count>& counts) {

@@ -5,13 +5,13 @@
 #include "mapc/bsp_tree.h"
 #include "mapc/mesh.h"
 #include "mapc/placement.h"
+#include "records/table_facts.h"
+#include "records/walking_facts.h"
 
 #include <string>
 #include <vector>
 
-constexpr size_t CORNERS_MAX_POINT_LIGHT = 12;
-constexpr size_t CORNERS_MAX_CORNER_LIGHT = 8;
-constexpr int CONTACTS_MAX = 150;  // the engine stops at 200
+constexpr int CONTACTS_MAX = CONTACT_LIMIT - 50;  // a margin below what ends the program
 
 struct Count {
     std::string name;

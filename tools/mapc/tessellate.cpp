@@ -4,16 +4,14 @@
 #include "mapc/light_fit.h"
 #include "mapc/limits.h"
 #include "mapc/mesh.h"
+#include "records/walking_facts.h"
 
 #include <optional>
 
 namespace {
 
-constexpr double WALL_SLOPE = 0.2;     // greatest vertical part of a wall's normal
-constexpr double FLOOR_SLOPE = 0.7;    // least vertical part of a floor's normal
-constexpr double STRIP_PART = 0.125;   // of the grid: narrower strips are not cut off
-constexpr double STEP_CLEARANCE = 64;  // engine units from a floor up to the first cut of a wall
-constexpr double FALL_REACH = 600;     // engine units: farther from the edge of a floor nobody falls
+constexpr double STRIP_PART = 0.125;  // of the grid: narrower strips are not cut off
+constexpr double FALL_REACH = 600;    // engine units: farther from the edge of a floor nobody falls
 
 // Where the grid may cut a face.
 class GridLines {
@@ -21,15 +19,15 @@ public:
     GridLines(const Tree& tree, const PlaneTable& planes, const LightGrid& grid)
         : planes_(planes), grid_(grid), floorBoxes_(FloorsOf(tree, planes)), floors_(floorBoxes_) {}
 
-    // Height below which a face is not cut across.
+    // Height below which a face is not cut across: the player would take the lower part of a wall for a step.
     double LowestCut(const Face& face) {
-        if (std::abs(planes_[face.plane].normal.z) >= WALL_SLOPE) return -MAP_EXTENT * 2;
+        if (std::abs(planes_[face.plane].normal.z) >= STEEP_SLOPE) return -MAP_EXTENT * 2;
         floors_.Find({{face.box.min.x, face.box.min.y, -MAP_EXTENT}, {face.box.max.x, face.box.max.y, MAP_EXTENT}},
                      FALL_REACH / grid_.scale, near_);
         double highest = -MAP_EXTENT * 2;
         for (const int floor : near_)
             highest = std::max(highest, floorBoxes_[static_cast<size_t>(floor)].max.z);
-        return highest + STEP_CLEARANCE / grid_.scale;
+        return highest + double{LEDGE_LIMIT} / grid_.scale;
     }
 
     std::vector<double> Through(const Box& box, int axis, double lowestCut) const {
@@ -47,7 +45,7 @@ private:
         std::vector<Box> floors;
         for (const std::vector<Face>& leaf : tree.leaves) {
             for (const Face& face : leaf) {
-                if (planes[face.plane].normal.z > FLOOR_SLOPE) floors.push_back(face.box);
+                if (planes[face.plane].normal.z > LANDING_SLOPE) floors.push_back(face.box);
             }
         }
         return floors;

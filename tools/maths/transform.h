@@ -6,7 +6,13 @@
 #include <cmath>
 
 struct Vector {
-    double x = 0, y = 0, z = 0;
+    double x = 0;
+    double y = 0;
+    double z = 0;
+
+    double operator[](int axis) const { return axis == 0 ? x : axis == 1 ? y : z; }
+    double& operator[](int axis) { return axis == 0 ? x : axis == 1 ? y : z; }
+    bool operator==(const Vector&) const = default;
 };
 
 inline Vector operator+(const Vector& a, const Vector& b) {
@@ -15,11 +21,17 @@ inline Vector operator+(const Vector& a, const Vector& b) {
 inline Vector operator-(const Vector& a, const Vector& b) {
     return {a.x - b.x, a.y - b.y, a.z - b.z};
 }
+inline Vector operator-(const Vector& a) {
+    return {-a.x, -a.y, -a.z};
+}
 inline Vector operator*(const Vector& a, double s) {
     return {a.x * s, a.y * s, a.z * s};
 }
 inline double Dot(const Vector& a, const Vector& b) {
     return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+inline double LengthSquared(const Vector& a) {
+    return Dot(a, a);
 }
 inline double Length(const Vector& a) {
     return std::sqrt(Dot(a, a));

@@ -93,7 +93,8 @@ void Stage::LoadCharacter(const std::filesystem::path& folder) {
     LoadAnimations(animations_.data(), PlayerMesh);
 
     PlayerActor = {};
-    AddActor(PlayerActor, &PlayerMesh, PlayerStates, 0, static_cast<int32_t>(START_HEIGHT), 0, animations_.data());
+    AddActor(PlayerActor, &PlayerMesh, PlayerStates.data(), 0, static_cast<int32_t>(START_HEIGHT), 0,
+             animations_.data());
     ActorCount = 0;
     TransformIdentity(PlayerActor.base);
     const std::string weights = (folder / "zero.wei").string();
@@ -163,7 +164,7 @@ Moment Stage::PoseAt(PlayerState state, uint32_t time) {
 }
 
 uint32_t Stage::LengthOf(int32_t state) const {
-    return animations_[static_cast<size_t>(PlayerStates[state].animations[0])].record->length;
+    return animations_[static_cast<size_t>(PlayerStates[static_cast<size_t>(state)].animations[0])].record->length;
 }
 
 std::array<double, 3> Stage::PivotOf(size_t bone) const {

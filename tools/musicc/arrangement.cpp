@@ -34,13 +34,13 @@ private:
         const double end = section.bars * score_.beatsPerBar;
         double beat = 0.0;
         for (size_t turn = 0; beat < end; ++turn) {
-            const Pattern& pattern = score_.patterns[lane[turn % lane.size()]];
+            const ScorePattern& pattern = score_.patterns[lane[turn % lane.size()]];
             PlacePattern(section, pattern, beat, end);
             beat += static_cast<double>(pattern.steps.size()) / pattern.stepsPerBeat;
         }
     }
 
-    void PlacePattern(const Section& section, const Pattern& pattern, double beat, double end) {
+    void PlacePattern(const Section& section, const ScorePattern& pattern, double beat, double end) {
         for (size_t i = 0; i < pattern.steps.size(); ++i) {
             if (pattern.steps[i].tones.empty()) continue;
             size_t last = i + 1;
@@ -51,12 +51,12 @@ private:
         }
     }
 
-    double StepBeat(const Pattern& pattern, size_t step) const {
+    double StepBeat(const ScorePattern& pattern, size_t step) const {
         const bool late = pattern.stepsPerBeat == STEPS_THAT_SWING && step % 2 == 1;
         return (static_cast<double>(step) + (late ? static_cast<double>(score_.swing) : 0.0)) / pattern.stepsPerBeat;
     }
 
-    void PlaceStep(const Section& section, const Pattern& pattern, const Step& step, double start, double end) {
+    void PlaceStep(const Section& section, const ScorePattern& pattern, const Step& step, double start, double end) {
         const Instrument& instrument = score_.instruments[pattern.instrument];
         const auto chord = static_cast<size_t>(start / section.chordBeats) % section.chords.size();
         const auto share = static_cast<float>(start / (section.bars * score_.beatsPerBar));

@@ -103,8 +103,8 @@ Instrument LoadInstrument(const Settings& from, bool isDrum) {
     return instrument;
 }
 
-Pattern LoadPattern(const Settings& from, const Score& score) {
-    Pattern pattern;
+ScorePattern LoadPattern(const Settings& from, const Score& score) {
+    ScorePattern pattern;
     pattern.name = from.NeedText("name");
     pattern.instrument = Find(score.instruments, from.NeedText("instrument"), from, "instrument");
     pattern.stepsPerBeat = from.Int("steps", 4, 1, 12);

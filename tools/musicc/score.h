@@ -49,7 +49,7 @@ struct Instrument {
     bool ducks = false;
 };
 
-struct Pattern {
+struct ScorePattern {
     std::string name;
     size_t instrument;
     int stepsPerBeat;
@@ -88,7 +88,7 @@ struct Score {
     Echo echo;
     Reverb reverb;
     std::vector<Instrument> instruments;
-    std::vector<Pattern> patterns;
+    std::vector<ScorePattern> patterns;
     std::vector<Section> sections;
 };
 

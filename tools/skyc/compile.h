@@ -8,8 +8,6 @@
 #include <filesystem>
 #include <string>
 
-constexpr double SKY_EYE_HEIGHT = 77;  // the game's eye above the object's origin
-
 SkyShape ReadSky(const std::filesystem::path& description);
 // ContentError, naming `file`, for materials that are not in the list or never drawn, polygons that are degenerate,
 // bent, not convex or turned away from the eye, and points nearer or farther than the game can draw.

@@ -4,9 +4,8 @@
 #include "formats/settings.h"
 #include "skyc/sky_shape.h"
 
-constexpr float SKY_NEAREST = 100;    // distance from the eye
-constexpr float SKY_FARTHEST = 6000;  // the accelerator's depth ends there
-constexpr float SKY_RADIUS = 1500;    // of layers that name none; the accelerator's fog begins at 1900
+constexpr float SKY_NEAREST = 100;  // distance from the eye
+constexpr float SKY_RADIUS = 1500;  // of layers that name none; the accelerator's fog begins at 1900
 
 // Bands around the eye from one elevation to the next. All bands of a dome meet without a gap.
 void AddDome(const Settings& layer, float radius, SkyShape& shape);

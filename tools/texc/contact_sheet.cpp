@@ -1,5 +1,6 @@
 #include "texc/contact_sheet.h"
 
+#include "records/light_facts.h"
 #include "texc/palette.h"
 
 namespace {
@@ -8,7 +9,7 @@ constexpr int SQUARE = 192;  // one and a half of the largest texture
 constexpr int GAP = 8;
 constexpr int PICTURES_A_ROW = 6;
 constexpr Rgba BACKGROUND{255, 0, 255, 255};  // shows through holes
-constexpr int UNCHANGED = 64;                 // level of light
+constexpr int UNCHANGED = NEUTRAL_LEVEL;      // level of light
 constexpr std::array<int, 5> STRIP_LEVELS{16, 40, UNCHANGED, 88, 112};
 
 using PaletteColour = std::array<uint8_t, 3>;  // 0..63

@@ -4,6 +4,7 @@
 #include "formats/image.h"
 #include "formats/material_list.h"
 #include "formats/texture_file.h"
+#include "records/table_facts.h"
 
 #include <array>
 #include <filesystem>
@@ -12,13 +13,14 @@
 #include <string>
 #include <vector>
 
-// Slots of the game: 0..92 the world, of which 10..14 take turns to animate, from 93 the character's skin.
-constexpr int SLOT_FIRST_ANIMATED = 10;
-constexpr int SLOT_LAST_ANIMATED = 14;
-constexpr int SLOT_LAST_WORLD = 91;
-constexpr int SLOT_CLIP = 92;  // never visible; named "clip" and "sky" in maps
-constexpr int SLOT_FIRST_SKIN = 93;
-constexpr int SLOT_COUNT = 95;
+// Slots of the game: the world's, of which the animated ones take turns and the last is for what is never visible,
+// named "clip" and "sky" in maps; then the character's skin.
+constexpr int SLOT_FIRST_ANIMATED = TEXTURE_CYCLE_FIRST;
+constexpr int SLOT_LAST_ANIMATED = TEXTURE_CYCLE_FIRST + TEXTURE_CYCLE_LENGTH - 1;
+constexpr int SLOT_FIRST_SKIN = CHAR_TEXTURE_BASE;
+constexpr int SLOT_CLIP = SLOT_FIRST_SKIN - 1;
+constexpr int SLOT_LAST_WORLD = SLOT_CLIP - 1;
+constexpr int SLOT_COUNT = SLOT_FIRST_SKIN + CHAR_TEXTURE_COUNT;
 
 struct LevelTextures {
     std::string file;

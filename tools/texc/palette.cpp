@@ -1,6 +1,7 @@
 #include "texc/palette.h"
 
 #include "formats/error.h"
+#include "records/light_facts.h"
 
 #include <dlfcn.h>
 #include <libimagequant.h>
@@ -18,8 +19,8 @@ namespace {
 struct Shade {
     int level, weight;
 };
-constexpr int FULL_LEVEL = 64;
-constexpr Shade SHADES[] = {{64, 12}, {44, 6}, {26, 4}, {12, 3}};
+constexpr int FULL_LEVEL = NEUTRAL_LEVEL;
+constexpr Shade SHADES[] = {{FULL_LEVEL, 12}, {44, 6}, {26, 4}, {12, 3}};
 
 std::array<uint8_t, 3> SixBitColour(const Rgba& c) {
     return {static_cast<uint8_t>(SixBits(c.r)), static_cast<uint8_t>(SixBits(c.g)), static_cast<uint8_t>(SixBits(c.b))};

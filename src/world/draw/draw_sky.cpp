@@ -3,6 +3,7 @@
 #include "camera/camera_tables.h"
 #include "math/vectors.h"
 #include "platform/timer.h"
+#include "records/view_facts.h"
 #include "render/glide_screen.h"
 #include "render/raster.h"
 #include "render/render_tables.h"
@@ -12,12 +13,11 @@
 
 namespace {
 
-constexpr float EYE_HEIGHT = 77.0f;  // of the object's own origin
 constexpr float SKY_INTENSITY = 16128.0f;
 
 void TurnPoint(uint32_t index) {
     const Vec3 position = WorldGeometry.points[index].position;
-    RotateVector(position.x, position.y - EYE_HEIGHT, position.z, ViewMatrix.rotation);
+    RotateVector(position.x, position.y - SKY_EYE_HEIGHT, position.z, ViewMatrix.rotation);
     ViewPoint& view = WorldGeometry.viewPoints[index];
     view.transformStamp = FrameCount;
     view.x = RotatedVector.x;

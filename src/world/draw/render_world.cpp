@@ -42,28 +42,14 @@ constexpr int FAR_PLANE = 0;  // the others are the side planes
 constexpr int VIEW_PLANE_COUNT = 5;
 ViewPlane viewPlanes[VIEW_PLANE_COUNT];
 
-Vec3 Sum(Vec3 a, Vec3 b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-
-Vec3 Difference(Vec3 a, Vec3 b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-float Dot(Vec3 a, Vec3 b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
 ViewPlane PlaneThrough(Vec3 p, Vec3 q, Vec3 s) {
-    const Vec3 a = Difference(q, p);
-    const Vec3 b = Difference(s, p);
-    const Vec3 normal = {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+    const Vec3 normal = Cross(q - p, s - p);
     return {normal, Dot(normal, p)};
 }
 
 Vec3 ViewToWorld(float x, float y, float z) {
     RotateVectorT(x, y, z, CameraRotation);
-    return Sum(RotatedVector, CameraPos);
+    return RotatedVector + CameraPos;
 }
 
 void BuildViewPlanes() {
@@ -90,8 +76,8 @@ Box BoxOf(const NodeOrLeaf& record) {
 // plane's normal and the one farthest along it decide; rounding keeps their order.
 BoxResult TestBoxCorners(const Box& box) {
     const Vec3 half = {std::fabs(box.halfExtents.x), std::fabs(box.halfExtents.y), std::fabs(box.halfExtents.z)};
-    const Vec3 low = Difference(box.centre, half);
-    const Vec3 high = Sum(box.centre, half);
+    const Vec3 low = box.centre - half;
+    const Vec3 high = box.centre + half;
     BoxResult result = BOX_INSIDE;
     for (int k = 0; k < VIEW_PLANE_COUNT; ++k) {
         const ViewPlane& plane = viewPlanes[k];
@@ -107,7 +93,7 @@ BoxResult TestBoxCorners(const Box& box) {
 }
 
 BoxResult TestBox(const Box& box) {
-    const Vec3 fromEye = Difference(box.centre, CameraPos);
+    const Vec3 fromEye = box.centre - CameraPos;
     RotateIntVector(TruncToInt(fromEye.x), TruncToInt(fromEye.y), TruncToInt(fromEye.z), ViewMatrix.rotation);
     const float z = static_cast<float>(RotatedIntVector.z);
     if (z <= -box.radius || z >= FarDistance + box.radius) return BOX_INVISIBLE;

@@ -1,0 +1,22 @@
+// How a character meets the world. The game takes these numbers from here, and so do the tools that lay a world out for
+// them or check it. Data only. Distances in world units; slopes: vertical part of a polygon's normal, 0 to 1.
+#pragma once
+
+// A sphere moves through the world in the character's place.
+constexpr int MOVE_SPHERE_RADIUS = 16;
+constexpr float SPHERE_LOWERING = 93.0f;  // the sphere's centre lies this far below the actor's position
+constexpr float STANDING_HEIGHT = SPHERE_LOWERING + MOVE_SPHERE_RADIUS;  // of the actor's position above a level floor
+
+// The polygons that one move may touch lie within half its length and this margin.
+constexpr float GATHER_MARGIN = 144.0f;
+constexpr int CONTACT_LIMIT = 200;  // more of them end the program
+
+// A polygon flatter than STEEP_SLOPE is a floor or a ceiling, any other a wall or the riser of a step.
+constexpr float STEEP_SLOPE = 0.2f;
+// Onto a step the sphere is lifted by the height of the riser's highest corner above its own lowest point, and by the
+// clearance. What would need more than the limit is a wall.
+constexpr float LEDGE_CLEARANCE = 14.0f;
+constexpr float LEDGE_LIMIT = 64.0f;
+constexpr float STEP_HEIGHT = LEDGE_LIMIT - LEDGE_CLEARANCE;  // steps lower than this are walked up
+
+constexpr float LANDING_SLOPE = 0.7f;  // flatter contacts end a jump
