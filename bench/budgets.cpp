@@ -2,10 +2,10 @@
 // process, the character's share of a frame, and a move among many contacts: budgets [LEVEL] [ROUNDS].
 
 #include "app/app_tables.h"
+#include "app/host_game.h"
 #include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
-#include "host/host.h"
 #include "math/vectors.h"
 #include "memory/system.h"
 #include "platform/timer.h"
@@ -122,5 +122,5 @@ int main(int argumentCount, char** arguments) {
     char* hostArguments[] = {arguments[0], headless};
     if (argumentCount > 1) Level = std::atoi(arguments[1]);
     if (argumentCount > 2) RoundCount = std::atoi(arguments[2]);
-    return HostMain(2, hostArguments, Measure);
+    return HostMain(2, hostArguments, GameForHost, Measure);
 }

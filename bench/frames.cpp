@@ -3,11 +3,11 @@
 // frames [--data DIR] [--rounds N] [LEVEL...].
 
 #include "app/app_tables.h"
+#include "app/host_game.h"
 #include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
 #include "frame_places.h"
-#include "host/host.h"
 #include "memory/system.h"
 #include "platform/input.h"
 #include "platform/timer.h"
@@ -34,8 +34,7 @@ namespace {
 
 constexpr double FRAME_TARGET = 8;        // times the floor of one full frame
 constexpr double CHARACTER_TARGET = 1.5;  // the same, of the character alone at the start
-constexpr int LEVELS = 8;
-constexpr int FRAMES_UNTIL_STILL = 200;  // the camera follows smoothly
+constexpr int FRAMES_UNTIL_STILL = 200;   // the camera follows smoothly
 
 int32_t Level;
 int RoundCount = 15;
@@ -149,7 +148,8 @@ int Measure(HINSTANCE, HINSTANCE, char*, int) {
 // In a process of its own: a game starts once.
 void RunLevel(std::vector<char*> hostArguments) {
     const pid_t child = fork();
-    if (child == 0) std::_Exit(HostMain(static_cast<int>(hostArguments.size()), hostArguments.data(), Measure));
+    if (child == 0)
+        std::_Exit(HostMain(static_cast<int>(hostArguments.size()), hostArguments.data(), GameForHost, Measure));
     waitpid(child, nullptr, 0);
 }
 
@@ -170,7 +170,7 @@ int main(int argumentCount, char** arguments) {
             levels.push_back(std::atoi(arguments[i]));
     }
     if (levels.empty())
-        for (int level = 1; level <= LEVELS; ++level)
+        for (int level = 1; level <= LEVEL_COUNT; ++level)
             levels.push_back(level);
     std::fprintf(Output,
                  "Times the floor of one full frame, with the spread of the rounds: the world alone, the "

@@ -2,11 +2,11 @@
 // [--data DIR] [LEVEL...]. The gpu board is whatever OpenGL finds, which may be the processor again.
 
 #include "app/entry.h"
+#include "app/host_game.h"
 #include "boards/boards.h"
 #include "boards/cpu/cpu_board.h"
 #include "boards/gpu/gl_context.h"
 #include "boards/gpu/gpu_board.h"
-#include "host/host.h"
 #include "records/levels.h"
 #include "rounds.h"
 
@@ -155,7 +155,7 @@ void RunLevel(std::vector<std::string> arguments) {
     std::vector<char*> pointers;
     for (std::string& argument : arguments)
         pointers.push_back(argument.data());
-    HostMain(static_cast<int>(pointers.size()), pointers.data(), RecordGame);
+    HostMain(static_cast<int>(pointers.size()), pointers.data(), GameForHost, RecordGame);
     std::fprintf(Output, "Level %d ended before its frame %d\n", Level, RECORDED_FRAME);
     std::fflush(Output);
     std::_Exit(EXIT_FAILURE);

@@ -1,11 +1,18 @@
 // A command line: each line of the input is an argument.
 #include "core/options.h"
 
+#include "core/game.h"
+
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static std::FILE* const nowhere = std::fopen("/dev/null", "w");
+    static constexpr uint8_t LEVEL_KEYS[8] = {};
+    static HostGame game = *CurrentGame;
+    game.levelKeys = LEVEL_KEYS;
+    CurrentGame = &game;
     std::vector<std::string> arguments{"tarnwick"};
     if (size > 0) arguments.emplace_back();
     for (size_t i = 0; i < size && data[i] != 0; ++i) {
@@ -24,6 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const OptionsResult result = ParseOptions(static_cast<int>(pointers.size()), pointers.data(), options);
     stdout = output;
     stderr = errors;
-    if (result == OptionsResult::Run && (options.data.empty() || options.level < 0 || options.level > 8)) std::abort();
+    if (result == OptionsResult::Run &&
+        (options.data.empty() || options.level < 0 || options.level > std::ssize(LEVEL_KEYS)))
+        std::abort();
     return 0;
 }

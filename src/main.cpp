@@ -1,6 +1,6 @@
 #include "app/entry.h"
-#include "host/host.h"
+#include "app/host_game.h"
 
 int main(int argumentCount, char** arguments) {
-    return HostMain(argumentCount, arguments, WinMain);
+    return HostMain(argumentCount, arguments, GameForHost, WinMain);
 }

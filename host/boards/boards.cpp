@@ -48,13 +48,12 @@ void ChooseBoard(const Options& options, bool hasWindow) {
 bool OpenBoard() {
     std::string error;
     if (!(isAutomatic ? OpenAutomatically(error) : CurrentBoard->open(error))) {
-        std::fprintf(stderr, "tarnwick: the %s board cannot be used: %s; with --board cpu the processor draws\n",
-                     CurrentBoard->name, error.c_str());
+        PrintError("the %s board cannot be used: %s; with --board cpu the processor draws", CurrentBoard->name,
+                   error.c_str());
         return false;
     }
     HostLog("board: %s", CurrentBoard->name);
     if (CurrentBoard->scale() != GpuBoardScale)
-        std::fprintf(stderr, "tarnwick: the %s board draws 640 x 480 only, whatever --board-scale\n",
-                     CurrentBoard->name);
+        PrintError("the %s board draws 640 x 480 only, whatever --board-scale", CurrentBoard->name);
     return true;
 }

@@ -2,6 +2,8 @@
 
 #include "core/data_folder.h"
 #include "core/digest.h"
+#include "core/game.h"
+#include "core/log.h"
 #include "core/machine.h"
 #include "core/recorder.h"
 #include "core/replay.h"
@@ -89,6 +91,6 @@ void HostReportFatal(const char* message, const char* gamePath) {
     if (!text.empty() && text.back() == '\n') text.pop_back();
     if (gamePath) text += std::string("\n") + gamePath + " (looked for in " + dataFolder + ")";
     if (const std::string kept = KeepFailure(); !kept.empty()) text += "\n" + kept;
-    std::fprintf(stderr, "tarnwick: %s\n", text.c_str());
-    if (CurrentMachine->hasWindow()) CurrentMachine->messageBox(text.c_str(), "Tarnwick");
+    PrintError("%s", text.c_str());
+    if (CurrentMachine->hasWindow()) CurrentMachine->messageBox(text.c_str(), CurrentGame->title);
 }

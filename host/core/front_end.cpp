@@ -1,6 +1,7 @@
 #include "core/front_end.h"
 
 #include "core/display.h"
+#include "core/game.h"
 #include "core/input_state.h"
 #include "core/run.h"
 
@@ -9,10 +10,7 @@
 
 namespace {
 
-constexpr uint32_t FRONT_END_BITS = 16;
-
-// The attract pictures take messages between two polls. The choice screens take none, and each of them begins with
-// two flips after the last poll of the screen before.
+// What tells them apart: host/host.h.
 enum Screen { SCREEN_NONE, SCREEN_ATTRACT, SCREEN_LEVEL, SCREEN_RENDERER, SCREEN_COUNT };
 constexpr uint32_t FLIPS_OF_A_NEW_SCREEN = 2;
 
@@ -31,20 +29,19 @@ Screen ScreenNow(uint32_t newFlips) {
 }  // namespace
 
 bool InFrontEnd() {
-    return CurrentScreenMode().bits == FRONT_END_BITS;
+    return CurrentScreenMode().bits == CurrentGame->frontEndBits;
 }
 
 void StartFrontEndKeys(const Options& options) {
-    constexpr uint8_t LEVEL_KEYS[] = {DIK_F1, DIK_F2, DIK_F3, DIK_F4, DIK_F5, DIK_F6, DIK_F7, DIK_F12};
     screen = SCREEN_NONE;
     flipsSeen = readsOnScreen = 0;
     std::fill(std::begin(keyToPress), std::end(keyToPress), uint8_t{0});
     if (options.level) {
-        keyToPress[SCREEN_ATTRACT] = DIK_SPACE;
-        keyToPress[SCREEN_LEVEL] = LEVEL_KEYS[options.level - 1];
+        keyToPress[SCREEN_ATTRACT] = CurrentGame->startKey;
+        keyToPress[SCREEN_LEVEL] = CurrentGame->levelKeys[static_cast<size_t>(options.level - 1)];
     }
-    if (options.renderer == RendererChoice::Software) keyToPress[SCREEN_RENDERER] = DIK_F11;
-    if (options.renderer == RendererChoice::Accelerator) keyToPress[SCREEN_RENDERER] = DIK_F12;
+    if (options.renderer == RendererChoice::Software) keyToPress[SCREEN_RENDERER] = CurrentGame->softwareKey;
+    if (options.renderer == RendererChoice::Accelerator) keyToPress[SCREEN_RENDERER] = CurrentGame->acceleratorKey;
 }
 
 void WatchFrontEnd() {

@@ -5,6 +5,7 @@
 #include "core/cd_drive.h"
 #include "core/data_folder.h"
 #include "core/find_data.h"
+#include "core/game.h"
 #include "core/log.h"
 #include "core/machine.h"
 #include "core/process.h"
@@ -63,14 +64,15 @@ void OpenMachine(Options& options) {
     StartMachine(options);
     ChooseBoard(options, CurrentMachine != &HeadlessMachine);
     if (CurrentMachine != &HeadlessMachine) return;
-    if (!options.headless) std::fprintf(stderr, "tarnwick: no window can be opened; running without one\n");
+    if (!options.headless) PrintError("no window can be opened; running without one");
     options.headless = true;
     if (options.level && options.renderer == RendererChoice::Unset) options.renderer = RendererChoice::Software;
 }
 
 }  // namespace
 
-int HostMain(int argumentCount, char** arguments, GameMain gameMain) {
+int HostMain(int argumentCount, char** arguments, const HostGame& game, GameMain gameMain) {
+    CurrentGame = &game;
     OpenStandardStreams();
     Options options;
     const OptionsResult asked = ParseOptions(argumentCount, arguments, options);

@@ -1,5 +1,6 @@
 #include "core/log.h"
 
+#include "core/game.h"
 #include "core/output.h"
 
 #include <cerrno>
@@ -21,7 +22,7 @@ bool StartLog(const Options& options) {
     }
     if (options.log.empty()) return true;
     if (!std::freopen(options.log.c_str(), "w", stdout)) {
-        std::fprintf(stderr, "tarnwick: cannot write the log %s: %s\n", options.log.c_str(), std::strerror(errno));
+        PrintError("cannot write the log %s: %s", options.log.c_str(), std::strerror(errno));
         return false;
     }
     logStream = stdout;
@@ -31,6 +32,15 @@ bool StartLog(const Options& options) {
 
 bool FinishLog() {
     return FlushOutput(stdout, outputName);
+}
+
+void PrintError(const char* format, ...) {
+    std::fprintf(stderr, "%s: ", CurrentGame->program);
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vfprintf(stderr, format, arguments);
+    va_end(arguments);
+    std::fputc('\n', stderr);
 }
 
 void HostLog(const char* format, ...) {

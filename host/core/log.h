@@ -7,5 +7,7 @@
 // standard error has said so.
 bool StartLog(const Options& options);
 bool FinishLog();  // false: the log or standard output is not complete; one line on standard error has said so
+// A line on standard error, after the program's name.
+[[gnu::format(printf, 1, 2)]] void PrintError(const char* format, ...);
 // One line: to the log file when there is one, with --verbose to standard error, else nowhere.
 [[gnu::format(printf, 1, 2)]] void HostLog(const char* format, ...);

@@ -1,5 +1,8 @@
 #include "core/options.h"
 
+#include "core/game.h"
+#include "core/log.h"
+
 #include <charconv>
 #include <cstdio>
 #include <cstring>
@@ -31,7 +34,7 @@ bool TakeWindow(std::string_view value, Options& options) {
 
 bool TakeLevel(std::string_view value, Options& options) {
     uint32_t level = 0;
-    if (!TakeNumber(value, 1, 8, level)) return false;
+    if (!TakeNumber(value, 1, static_cast<uint32_t>(CurrentGame->levelKeys.size()), level)) return false;
     options.level = static_cast<int>(level);
     return true;
 }
@@ -72,7 +75,7 @@ bool TakeShot(std::string_view value, Options& options) {
 
 struct OptionEntry {
     const char* name;
-    const char* argument;  // null: none
+    const char* argument;  // null: none; LEVELS in it: the number of levels
     const char* help;
     bool (*take)(std::string_view value, Options& options);  // false: a bad value; null: handled by ParseOptions
 };
@@ -87,7 +90,7 @@ const OptionEntry OPTIONS[] = {
     {"--window", "WxH, 320x240 and up", "play in a window of this size", TakeWindow},
     {"--fullscreen", nullptr, "play on the whole screen (the default)",
      [](std::string_view, Options& options) { return options.fullscreen = true; }},
-    {"--level", "1..8", "choose this level at the start", TakeLevel},
+    {"--level", "1..LEVELS", "choose this level at the start", TakeLevel},
     {"--renderer", "software|accelerator", "choose this renderer at the start (software with --headless and --level)",
      TakeRenderer},
     {"--board", "auto|gpu|cpu|none",
@@ -128,11 +131,18 @@ const OptionEntry* FindOption(std::string_view name) {
     return nullptr;
 }
 
+std::string ArgumentOf(const OptionEntry& entry) {
+    constexpr std::string_view LEVELS = "LEVELS";
+    std::string text = entry.argument;
+    const size_t at = text.find(LEVELS);
+    if (at != std::string::npos) text.replace(at, LEVELS.size(), std::to_string(CurrentGame->levelKeys.size()));
+    return text;
+}
+
 void PrintHelp() {
-    std::printf("usage: tarnwick [option]...\n\n");
+    std::printf("usage: %s [option]...\n\n", CurrentGame->program);
     for (const OptionEntry& entry : OPTIONS) {
-        const std::string left =
-            std::string(entry.name) + (entry.argument ? " " : "") + (entry.argument ? entry.argument : "");
+        const std::string left = entry.name + (entry.argument ? " " + ArgumentOf(entry) : "");
         std::printf("  %-32s %s\n", left.c_str(), entry.help);
     }
 }
@@ -143,7 +153,7 @@ OptionsResult ParseOptions(int argumentCount, char** arguments, Options& options
     for (int i = 1; i < argumentCount; ++i) {
         const OptionEntry* entry = FindOption(arguments[i]);
         if (!entry) {
-            std::fprintf(stderr, "tarnwick: unknown option \"%s\"; --help lists them\n", arguments[i]);
+            PrintError("unknown option \"%s\"; --help lists them", arguments[i]);
             return OptionsResult::Wrong;
         }
         if (std::strcmp(entry->name, "--help") == 0) {
@@ -151,19 +161,19 @@ OptionsResult ParseOptions(int argumentCount, char** arguments, Options& options
             return OptionsResult::Done;
         }
         if (std::strcmp(entry->name, "--version") == 0) {
-            std::printf("tarnwick %s\n", TARNWICK_VERSION);
+            std::printf("%s %s\n", CurrentGame->program, TARNWICK_VERSION);
             return OptionsResult::Done;
         }
         const char* value = "";
         if (entry->argument) {
             if (++i == argumentCount) {
-                std::fprintf(stderr, "tarnwick: %s wants %s\n", entry->name, entry->argument);
+                PrintError("%s wants %s", entry->name, ArgumentOf(*entry).c_str());
                 return OptionsResult::Wrong;
             }
             value = arguments[i];
         }
         if (!entry->take(value, options)) {
-            std::fprintf(stderr, "tarnwick: %s wants %s, not \"%s\"\n", entry->name, entry->argument, value);
+            PrintError("%s wants %s, not \"%s\"", entry->name, ArgumentOf(*entry).c_str(), value);
             return OptionsResult::Wrong;
         }
     }

@@ -21,7 +21,7 @@ struct Options {
     int windowWidth = 0;  // 0: full screen
     int windowHeight = 0;
     bool fullscreen = false;  // whatever the window's size
-    int level = 0;            // 1..8; 0: chosen by hand
+    int level = 0;            // 1 to the number of levels; 0: chosen by hand
     RendererChoice renderer = RendererChoice::Unset;
     BoardChoice board = BoardChoice::Auto;
     uint32_t boardScale = 1;  // of the gpu board's picture

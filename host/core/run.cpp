@@ -51,7 +51,7 @@ void CollectShots(const Options& options, const Script& script) {
 bool OpenTrace(const std::string& file) {
     if (file.empty()) return true;
     trace = std::fopen(file.c_str(), "w");
-    if (!trace) std::fprintf(stderr, "tarnwick: cannot write the trace %s: %s\n", file.c_str(), std::strerror(errno));
+    if (!trace) PrintError("cannot write the trace %s: %s", file.c_str(), std::strerror(errno));
     tracePath = file;
     return trace != nullptr;
 }

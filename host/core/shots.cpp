@@ -1,5 +1,6 @@
 #include "core/shots.h"
 
+#include "core/log.h"
 #include "core/png.h"
 #include "core/presentation.h"
 
@@ -15,7 +16,7 @@ bool WriteShot(const std::string& file) {
     const Picture* picture = FrontPicture();
     std::string error = "no picture has been shown yet";
     if (picture && WritePng(file, *picture, error)) return true;
-    std::fprintf(stderr, "tarnwick: cannot write the picture %s: %s\n", file.c_str(), error.c_str());
+    PrintError("cannot write the picture %s: %s", file.c_str(), error.c_str());
     failed = true;
     return false;
 }

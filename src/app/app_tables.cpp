@@ -1,5 +1,7 @@
 #include "app/app_tables.h"
 
+#include "host/dinput.h"
+
 HINSTANCE AppInstance;
 HWND MainWindow;
 int32_t AppActive = 1;
@@ -35,6 +37,12 @@ constexpr uint32_t TEXTURE_COLOUR = 0x00404040;
 const LevelInfo LevelTable[LEVEL_COUNT] = {GAME_LEVELS(LEVEL)};
 #undef LEVEL
 #undef LEVEL_PATH
+
+const uint8_t LevelKeys[LEVEL_COUNT] = {
+#define LEVEL(NUMBER, WORLD, X, Y, Z, FLOOR, SKIN, SKY, TICKS, FOG, TRACK, KEY) DIK_##KEY,
+    GAME_LEVELS(LEVEL)
+#undef LEVEL
+};
 
 int32_t LoadedLevel;
 uint16_t SkyFlag;

@@ -23,5 +23,6 @@ extern uint8_t UseGlide;      // renderer choice: 1 accelerator, 0 software
 extern int32_t CurrentLevel;  // chosen level 0..7; -1 while none is chosen
 
 extern const LevelInfo LevelTable[LEVEL_COUNT];
+extern const uint8_t LevelKeys[LEVEL_COUNT];  // the DIK_ codes that choose them
 extern int32_t LoadedLevel;  // index of the record the other modules read; set by StartGame and LoadLevel
 extern uint16_t SkyFlag;     // of the loaded level

@@ -11,17 +11,11 @@ namespace {
 
 constexpr uint32_t SCREEN_WIDTH = 640;
 constexpr uint32_t SCREEN_HEIGHT = 480;
-constexpr uint32_t SCREEN_BITS = 16;
 
 constexpr DWORD PICTURE_PERIOD = 8000;  // milliseconds
 constexpr uint32_t PICTURE_COUNT = 4;
 constexpr const char* ATTRACT_PICTURES[PICTURE_COUNT] = {"FrontEnd\\Title.Bmp", "FrontEnd\\Options.Bmp",
                                                          "FrontEnd\\LoadSave.Bmp", "FrontEnd\\Lang.Bmp"};
-constexpr uint8_t LEVEL_KEYS[LEVEL_COUNT] = {
-#define LEVEL(NUMBER, WORLD, X, Y, Z, FLOOR, SKIN, SKY, TICKS, FOG, TRACK, KEY) DIK_##KEY,
-    GAME_LEVELS(LEVEL)
-#undef LEVEL
-};
 
 uint32_t CurrentPicture;
 DWORD PictureShownAt;
@@ -36,7 +30,7 @@ void ShowAttractPicture(uint32_t picture) {
 void AttractStep() {
     PollKeyboard(Input);
     PollMouse(Input);
-    if (KeyDown(DIK_SPACE))
+    if (KeyDown(START_KEY))
         GameMode = MODE_START;
     else if (KeyHit(DIK_ESCAPE) || KeyHit(DIK_LWIN) || KeyHit(DIK_RWIN) || KeyHit(DIK_APPS))
         GameMode = MODE_QUIT;
@@ -71,7 +65,7 @@ bool ChooseLevel() {
         PollKeyboard(Input);
         if (KeyHit(DIK_ESCAPE)) return false;
         for (int level = 0; level < LEVEL_COUNT; level++)
-            if (KeyDown(LEVEL_KEYS[level])) CurrentLevel = level;
+            if (KeyDown(LevelKeys[level])) CurrentLevel = level;
     }
     return true;
 }
@@ -82,8 +76,8 @@ bool ChooseRenderer() {
     for (;;) {
         PollKeyboard(Input);
         if (KeyHit(DIK_ESCAPE)) return false;
-        const bool software = KeyHit(DIK_F11);
-        const bool accelerator = KeyHit(DIK_F12);
+        const bool software = KeyHit(SOFTWARE_KEY);
+        const bool accelerator = KeyHit(ACCELERATOR_KEY);
         if (!software && !accelerator) continue;
         UseGlide = accelerator ? 1 : 0;
         return true;
@@ -93,7 +87,7 @@ bool ChooseRenderer() {
 }  // namespace
 
 uint8_t RunFrontEnd() {
-    if (OpenDisplay(MainWindow, Display, SCREEN_WIDTH, SCREEN_HEIGHT, SCREEN_BITS)) {
+    if (OpenDisplay(MainWindow, Display, SCREEN_WIDTH, SCREEN_HEIGHT, FRONT_END_BITS)) {
         do
             RunAttract();
         while (GameMode == MODE_START && !(ChooseLevel() && ChooseRenderer()));

@@ -4,11 +4,11 @@
 #include "clip_sheet/film_rows.h"
 
 #include "app/app_tables.h"
+#include "app/host_game.h"
 #include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
 #include "formats/image.h"
-#include "host/host.h"
 #include "math/random.h"
 #include "memory/system.h"
 #include "platform/input.h"
@@ -168,7 +168,7 @@ int main(int argumentCount, char** arguments) {
     CLI::App app("Draws the character's animations as the game shows them.");
     std::string data;
     app.add_option("--data", data, "the game's data");
-    app.add_option("--level", Wanted.level, "where it stands")->check(CLI::Range(1, 8));
+    app.add_option("--level", Wanted.level, "where it stands")->check(CLI::Range(1, LEVEL_COUNT));
     app.add_option("--heading", Wanted.heading, "from which it is seen: 0 from behind, 180 from ahead");
     app.add_option("-o,--output", Wanted.output, "the picture to write (.png)");
     app.add_flag("--changes", Wanted.changes, "the changes into states, the worst departure of each");
@@ -180,6 +180,6 @@ int main(int argumentCount, char** arguments) {
     std::vector<char*> hostArguments;
     for (std::string& word : words)
         hostArguments.push_back(word.data());
-    return HostMain(static_cast<int>(hostArguments.size()), hostArguments.data(),
+    return HostMain(static_cast<int>(hostArguments.size()), hostArguments.data(), GameForHost,
                     Wanted.changes ? DrawChanges : DrawSheet);
 }

@@ -3,6 +3,7 @@
 #include "boards/gpu/gl_context.h"
 #include "boards/gpu/gpu_lines.h"
 #include "boards/gpu/gpu_programs.h"
+#include "core/game.h"
 #include "core/machine.h"
 
 #include <algorithm>
@@ -238,7 +239,7 @@ void StopOnError() {
                   "The graphics card has given up drawing (OpenGL error 0x%04X).\n"
                   "Start again; with --board cpu the processor draws.",
                   code);
-    CurrentMachine->messageBox(text, "Tarnwick");
+    CurrentMachine->messageBox(text, CurrentGame->title);
     std::exit(EXIT_FAILURE);
 }
 

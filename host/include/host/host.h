@@ -3,8 +3,27 @@
 
 #include "host/win32.h"
 
+#include <cstdint>
+#include <span>
+
+// All that the machine knows of the game. Keys are DIK_ codes.
+//
+// --level and --renderer go through the screens before a level by keys: attract pictures, choice of the level, choice
+// of the renderer. Their display mode tells them from a level; the attract pictures take messages between two polls of
+// the keyboard, the choices take none, and each choice begins with two flips.
+struct HostGame {
+    const char* program;                 // begins each message on standard error
+    const char* title;                   // of the message boxes that the machine shows
+    uint32_t frontEndBits;               // bits a pixel of the display before a level; a level's has others
+    uint8_t startKey;                    // leads from the attract pictures to the choice of the level
+    std::span<const uint8_t> levelKeys;  // choose level 1, 2 ...: as many as there are levels
+    uint8_t softwareKey;                 // chooses the software renderer
+    uint8_t acceleratorKey;              // chooses the accelerator
+};
+
 using GameMain = int (*)(HINSTANCE instance, HINSTANCE previousInstance, char* commandLine, int showCommand);
 
-// Reads the options, opens a machine (a window, or the headless one), runs the game. The process's exit status:
-// the game's own; 2 for a wrong option, script or replay file.
-int HostMain(int argumentCount, char** arguments, GameMain gameMain);
+// Reads the options, opens a machine (a window, or the headless one), runs the game by calling `gameMain`. The
+// process's exit status: the game's own; 2 for a wrong option, script or replay file. `game` must stay until the
+// process ends.
+int HostMain(int argumentCount, char** arguments, const HostGame& game, GameMain gameMain);
