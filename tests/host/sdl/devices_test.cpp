@@ -1,10 +1,9 @@
 // Keys, mouse and controllers of the machine with a window, as the game polls them. No window is opened.
 #include "backends/sdl/keys.h"
 #include "backends/sdl/sdl_machine.h"
-#include "core/closing.h"
-#include "core/devices.h"
-#include "core/input_state.h"
-#include "core/key_names.h"
+#include "input/devices.h"
+#include "input/keys.h"
+#include "session/closing.h"
 
 #include <gtest/gtest.h>
 
