@@ -1,7 +1,7 @@
 #include "host/ddraw.h"
 #include "host/win32.h"
 #include "input/devices.h"
-#include "interfaces/windows.h"
+#include "input/message_queue.h"
 #include "testing/test_machine.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,9 @@
 #include "backends/sdl/sdl_machine.h"
 #include "input/devices.h"
 #include "input/keys.h"
+#include "machine/options.h"
 #include "session/closing.h"
+#include "session/run.h"
 
 #include <gtest/gtest.h>
 
@@ -22,14 +24,15 @@ protected:
     void SetUp() override {
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         setenv("SDL_JOYSTICK_ALLOW_BACKGROUND_EVENTS", "1", 1);
-        ResetInputState();
+        ResetDevices();
         CurrentMachine = &SdlMachine;
         ASSERT_TRUE(SdlMachine.start({}));
+        ResetRun();
     }
 
     void TearDown() override {
         SdlMachine.stop();
-        ResetInputState();
+        ResetDevices();
     }
 
     bool Down(uint8_t scanCode) {
