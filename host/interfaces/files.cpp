@@ -88,5 +88,5 @@ void HostReportFatal(const char* message, const char* gamePath) {
     if (gamePath) text += std::string("\n") + gamePath + " (looked for in " + dataFolder + ")";
     if (const std::string kept = Session.keepFailure(); !kept.empty()) text += "\n" + kept;
     PrintError("%s", text.c_str());
-    if (CurrentMachine->hasWindow()) CurrentMachine->messageBox(text.c_str(), CurrentGame->title);
+    if (CurrentMachine && CurrentMachine->hasWindow()) CurrentMachine->messageBox(text.c_str(), CurrentGame->title);
 }

@@ -45,7 +45,9 @@ struct Machine {
     void (*closeSound)();
 };
 
-extern const Machine* CurrentMachine;  // null until one is started, or a test has set its own
+// Null until one is started, or a test has set its own. A tool that runs a part of the game by itself has none: what it
+// calls then, which is the files and the fatal exit, does without.
+extern const Machine* CurrentMachine;
 
 // The first of `machines` that starts becomes CurrentMachine. The last one has no window and always starts; it is the
 // only one that is tried when the options ask for none.

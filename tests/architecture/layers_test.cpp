@@ -49,9 +49,10 @@ const std::vector<Layer> TOOL_LAYERS = {
     {"picc", {"formats"}},
     {"musicc", {"formats"}},
     {"skyc", {"maths", "formats", "gltf"}},
-    {"charc", {"maths", "formats", "gltf"}},
+    {"motion", {"formats"}},  // and the game
+    {"charc", {"maths", "formats", "gltf", "motion"}},
     {"datacheck", {"maths", "formats", "mapc", "charc"}},
-    {"clip_sheet", {"formats"}},  // and the game
+    {"clip_sheet", {"formats", "motion"}},  // and the game
 };
 
 struct SourceLine {
