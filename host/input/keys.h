@@ -12,7 +12,7 @@ struct Key {
 };
 
 // The one table of keys. Back ends find a key's scan code by its name (KeyCode), scripts do so at run time (FindKey).
-constexpr Key KEYS[] = {
+constexpr Key KEYBOARD_KEYS[] = {
     {"ESCAPE", DIK_ESCAPE},
     {"1", 0x02},
     {"2", 0x03},
@@ -161,7 +161,7 @@ constexpr Key KEYS[] = {
 
 // A name that the table does not have fails to compile.
 consteval uint8_t KeyCode(std::string_view name) {
-    for (const Key& key : KEYS)
+    for (const Key& key : KEYBOARD_KEYS)
         if (key.name == name) return key.scanCode;
     throw "no key of that name";
 }
