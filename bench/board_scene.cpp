@@ -1,5 +1,7 @@
 #include "board_scene.h"
 
+#include "backends/headless/headless.h"
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -54,6 +56,7 @@ std::vector<uint32_t> OpenGlTexels() {
 }
 
 void OpenBoard(const Board& board, GrLOD_t smallestLod, float fogNear, float fogFar) {
+    CurrentMachine = &HeadlessMachine;
     CurrentBoard = &board;
     if (!grSstWinOpen(nullptr, GR_RESOLUTION_640x480, GR_REFRESH_60Hz, GR_COLORFORMAT_ARGB, GR_ORIGIN_UPPER_LEFT, 2,
                       1)) {

@@ -1,5 +1,5 @@
 // A bitmap file drawn as the game draws it: with the width and height that its header states.
-#include "core/gdi.h"
+#include "interfaces/gdi.h"
 
 #include <algorithm>
 #include <cstring>

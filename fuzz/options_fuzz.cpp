@@ -1,7 +1,9 @@
 // A command line: each line of the input is an argument.
-#include "core/options.h"
+#include "machine/options.h"
 
-#include "core/game.h"
+#include "machine/game.h"
+
+#include "machine/game.h"
 
 #include <cstdio>
 #include <cstdlib>

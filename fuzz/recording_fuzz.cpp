@@ -1,5 +1,5 @@
 // A recording: whatever is read can be written again, and is then read as the same.
-#include "core/recording.h"
+#include "session/recording.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "core/script.h"
+#include "session/script.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 // A file on the disc: its name is the input's first line, the rest its sound. What the disc takes is played.
-#include "core/disc.h"
-#include "core/track_reader.h"
+#include "interfaces/disc.h"
+#include "machine/track_reader.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,8 +1,8 @@
 #include "support/game_file.h"
 
-#include "core/testing.h"
 #include "memory/pool.h"
 #include "support/memory_file.h"
+#include "testing/test_machine.h"
 
 #include <cstdlib>
 #include <vector>

@@ -67,6 +67,7 @@ struct TextureImage {
 
 struct Board {
     const char* name;
+    bool (*suits)(std::string& why);   // false: the choice `auto` passes it over; null: it always suits
     bool (*open)(std::string& error);  // false: it cannot be used
     void (*close)();
     void (*loadTexture)(uint32_t texture, TextureImage image);  // 0..1023; replaces it for all later frames

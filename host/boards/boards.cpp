@@ -1,59 +1,57 @@
 #include "boards/boards.h"
 
-#include "boards/cpu/cpu_board.h"
-#include "boards/gpu/gl_context.h"
-#include "boards/gpu/gpu_board.h"
-#include "core/log.h"
+#include "machine/log.h"
+#include "machine/output.h"
 
-#include <cstdio>
+#include <cstring>
 
 const Board* CurrentBoard = nullptr;
+uint32_t BoardScale = 1;
 
 namespace {
 
-bool isAutomatic = false;
+std::span<const Board* const> candidates;  // of the choice `auto`, if it is still open
 
-const Board* BoardOf(BoardChoice choice) {
-    switch (choice) {
-    case BoardChoice::None: return nullptr;
-    case BoardChoice::Gpu: return &GpuBoard;
-    default: return &CpuBoard;
-    }
+const Board* BoardOf(BoardChoice choice, std::span<const Board* const> boards) {
+    if (choice == BoardChoice::None) return nullptr;
+    for (const Board* board : boards)
+        if (choice == BoardChoice::Gpu && std::strcmp(board->name, "gpu") == 0) return board;
+    return boards.back();
 }
 
-// A processor that draws OpenGL's way is slower than one that draws the cpu board's.
-bool OpenOnGraphicsCard(std::string& error) {
-    if (!EnterGl(error)) return false;
-    if (!GlIsSoftware()) return GpuBoard.open(error);
-    error = "there is no graphics card behind OpenGL";
-    return false;
+bool OpenSuitable(const Board& board, std::string& error) {
+    if (board.suits && !board.suits(error)) return false;
+    return board.open(error);
 }
 
 bool OpenAutomatically(std::string& error) {
-    CurrentBoard = &GpuBoard;
-    if (OpenOnGraphicsCard(error)) return true;
-    HostLog("not the gpu board: %s", error.c_str());
-    CurrentBoard = &CpuBoard;
-    return CpuBoard.open(error);
+    for (const Board* board : candidates.first(candidates.size() - 1)) {
+        CurrentBoard = board;
+        if (OpenSuitable(*board, error)) return true;
+        HostLog("not the %s board: %s", board->name, error.c_str());
+    }
+    CurrentBoard = candidates.back();
+    return CurrentBoard->open(error);
 }
 
 }  // namespace
 
-void ChooseBoard(const Options& options, bool hasWindow) {
-    isAutomatic = options.board == BoardChoice::Auto && hasWindow;
-    CurrentBoard = BoardOf(options.board);
-    GpuBoardScale = options.boardScale;
+void ChooseBoard(const Options& options, bool hasWindow, std::span<const Board* const> boards) {
+    candidates = {};
+    if (options.board == BoardChoice::Auto && hasWindow) candidates = boards;
+    CurrentBoard = BoardOf(options.board, boards);
+    BoardScale = options.boardScale;
 }
 
 bool OpenBoard() {
     std::string error;
-    if (!(isAutomatic ? OpenAutomatically(error) : CurrentBoard->open(error))) {
+    if (!(candidates.empty() ? CurrentBoard->open(error) : OpenAutomatically(error))) {
         PrintError("the %s board cannot be used: %s; with --board cpu the processor draws", CurrentBoard->name,
                    error.c_str());
         return false;
     }
     HostLog("board: %s", CurrentBoard->name);
-    if (CurrentBoard->scale() != GpuBoardScale)
+    if (CurrentBoard->scale() != BoardScale)
         PrintError("the %s board draws 640 x 480 only, whatever --board-scale", CurrentBoard->name);
     return true;
 }

@@ -7,10 +7,9 @@
 #include "app/pump.h"
 #include "app/texture_cycle.h"
 #include "camera/camera_tables.h"
-#include "core/devices.h"
-#include "core/display.h"
-#include "core/presentation.h"
-#include "core/testing.h"
+#include "input/devices.h"
+#include "interfaces/display.h"
+#include "interfaces/presentation.h"
 #include "math/vectors.h"
 #include "memory/system.h"
 #include "platform/input.h"
@@ -18,6 +17,7 @@
 #include "player/player.h"
 #include "render/render_tables.h"
 #include "support/test_window.h"
+#include "testing/test_machine.h"
 #include "world/world_tables.h"
 
 #include <gtest/gtest.h>

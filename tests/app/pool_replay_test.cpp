@@ -1,7 +1,6 @@
 // What the checker of the data says of the pool, held against a level that the game has loaded.
 #include "app/app_tables.h"
 #include "app/game_loop.h"
-#include "core/testing.h"
 #include "datacheck/pool_replay.h"
 #include "formats/files.h"
 #include "formats/texture_file.h"
@@ -9,6 +8,7 @@
 #include "memory/system.h"
 #include "platform/input.h"
 #include "support/test_window.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

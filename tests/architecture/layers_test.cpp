@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,9 +18,42 @@ using std::string;
 
 const fs::path ROOT = SOURCE_FOLDER;
 
-// Bottom-up. A file may include its own folder and what stands before it.
+// The game, bottom-up. A file may include its own folder and what stands before it.
 const std::vector<string> LAYERS = {"platform", "render/device", "memory",    "math",       "camera", "world",
                                     "lights",   "render",        "character", "world/draw", "player", "app"};
+
+// The machine and the tools, bottom-up. A file may include its own folder and those named beside it.
+struct Layer {
+    string folder;
+    std::vector<string> uses;
+};
+const std::vector<Layer> HOST_LAYERS = {
+    {"machine", {}},
+    {"input", {"machine"}},
+    {"boards", {"machine"}},
+    {"boards/cpu", {"boards"}},
+    {"boards/gpu", {"machine", "boards"}},
+    {"backends/headless", {"machine"}},
+    {"backends/sdl", {"machine", "input", "boards/gpu"}},
+    {"interfaces", {"machine", "input", "boards"}},
+    {"session", {"machine", "input", "boards", "interfaces"}},
+    {"testing", {"machine", "input", "interfaces", "session"}},
+    {".", {"boards/cpu", "boards/gpu", "backends/headless", "backends/sdl", "session"}},  // desktop.cpp
+};
+const std::vector<Layer> TOOL_LAYERS = {
+    {"maths", {}},
+    {"formats", {"maths"}},
+    {"gltf", {"maths", "formats"}},
+    {"mapc", {"maths", "formats"}},
+    {"texc", {"maths", "formats"}},
+    {"picc", {"formats"}},
+    {"musicc", {"formats"}},
+    {"skyc", {"maths", "formats", "gltf"}},
+    {"motion", {"formats"}},  // and the game
+    {"charc", {"maths", "formats", "gltf", "motion"}},
+    {"datacheck", {"maths", "formats", "mapc", "charc"}},
+    {"clip_sheet", {"formats", "motion"}},  // and the game
+};
 
 struct SourceLine {
     string file;  // from the root of the tree
@@ -93,6 +128,81 @@ bool Exists(const std::vector<string>& roots, const string& path) {
     return std::any_of(roots.begin(), roots.end(), [&](const string& root) { return fs::exists(ROOT / root / path); });
 }
 
+// Of a path from the root of a tree; "." for a file that lies there itself.
+string FolderOf(const string& path) {
+    const string folder = fs::path(path).parent_path().generic_string();
+    return folder.empty() ? "." : folder;
+}
+
+std::vector<Layer>::const_iterator FindLayer(const std::vector<Layer>& layers, const string& folder) {
+    return std::find_if(layers.begin(), layers.end(), [&](const Layer& layer) { return layer.folder == folder; });
+}
+
+bool Contains(const std::vector<string>& names, const string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// Every folder of `tree` has its place in `layers`, uses only what stands before it, and includes only what it uses.
+void ExpectLayers(const string& tree, const std::vector<Layer>& layers) {
+    for (auto layer = layers.begin(); layer != layers.end(); ++layer)
+        for (const string& used : layer->uses)
+            EXPECT_LT(FindLayer(layers, used), layer) << layer->folder << " uses " << used;
+    ExpectNone(IncludesBelow(tree), "not what this file's folder may use", [&](const Include& include) {
+        if (!include.quoted || !fs::exists(ROOT / tree / include.path)) return false;
+        const string used = FolderOf(include.path);
+        const string folder = FolderOf(include.line.file.substr(tree.size() + 1));
+        if (folder.starts_with("include")) return true;
+        const auto layer = FindLayer(layers, folder);
+        return layer == layers.end() || (used != folder && !Contains(layer->uses, used));
+    });
+}
+
+// Who includes whom: files, or modules, which are a header and the source file of the same name.
+using Includers = std::map<string, std::set<string>>;
+enum class Unit { File, Module };
+
+Includers IncludersBelow(const string& tree, Unit unit) {
+    const auto name = [unit](fs::path path) {
+        return (unit == Unit::Module ? path.replace_extension() : path).generic_string();
+    };
+    Includers includers;
+    for (const Include& include : IncludesBelow(tree)) {
+        for (const string& root : {tree, tree + "/include"}) {
+            const fs::path used = fs::path(root) / include.path;
+            if (include.quoted && fs::exists(ROOT / used) && name(used) != name(include.line.file))
+                includers[name(include.line.file)].insert(name(used));
+        }
+    }
+    return includers;
+}
+
+// The first circle that `start` leads to, as "a, b, a"; empty: none. `done`: those that lead to no circle.
+string CircleFrom(const string& start, const Includers& includers, std::vector<string>& path, std::set<string>& done) {
+    if (const auto first = std::find(path.begin(), path.end(), start); first != path.end()) {
+        string circle;
+        for (auto step = first; step != path.end(); ++step)
+            circle += *step + ", ";
+        return circle + start;
+    }
+    const auto found = includers.find(start);
+    if (found == includers.end() || done.contains(start)) return {};
+    path.push_back(start);
+    for (const string& used : found->second)
+        if (const string circle = CircleFrom(used, includers, path, done); !circle.empty()) return circle;
+    path.pop_back();
+    done.insert(start);
+    return {};
+}
+
+string FirstCircle(const Includers& includers) {
+    std::set<string> done;
+    for (const auto& [start, used] : includers) {
+        std::vector<string> path;
+        if (const string circle = CircleFrom(start, includers, path, done); !circle.empty()) return circle;
+    }
+    return {};
+}
+
 bool NamesDeviceLibrary(const Include& include) {
     return include.path.starts_with("SDL") || include.path.starts_with("GL/") || include.path.starts_with("EGL/");
 }
@@ -120,6 +230,20 @@ TEST(Layers, GameSeesOfItsMachineOnlyTheInterfaces) {
     ExpectNone(IncludesBelow("src"), "not in src/ or host/include/", [](const Include& include) {
         return NamesDeviceLibrary(include) || (include.quoted && !Exists({"src", "host/include"}, include.path));
     });
+}
+
+TEST(Layers, FoldersOfTheMachineUseOnlyWhatTheyMay) {
+    ExpectLayers("host", HOST_LAYERS);
+}
+
+TEST(Layers, FoldersOfTheToolsUseOnlyWhatTheyMay) {
+    ExpectLayers("tools", TOOL_LAYERS);
+}
+
+TEST(Layers, NothingIncludesItselfRoundACircle) {
+    EXPECT_EQ(FirstCircle(IncludersBelow("host", Unit::Module)), "");
+    EXPECT_EQ(FirstCircle(IncludersBelow("src", Unit::File)), "");
+    EXPECT_EQ(FirstCircle(IncludersBelow("tools", Unit::File)), "");
 }
 
 TEST(Layers, MachineKnowsNothingOfTheGame) {

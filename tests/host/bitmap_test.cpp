@@ -1,6 +1,6 @@
-#include "core/gdi.h"
-#include "core/testing.h"
 #include "host/win32.h"
+#include "interfaces/gdi.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "core/cd_drive.h"
+#include "interfaces/cd_drive.h"
 
-#include "core/clock.h"
-#include "core/testing.h"
 #include "host/mci.h"
+#include "machine/clock.h"
 #include "support/sound_file.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "core/disc.h"
+#include "interfaces/disc.h"
 
-#include "core/track_reader.h"
+#include "machine/track_reader.h"
 #include "support/sound_file.h"
 
 #include <gtest/gtest.h>

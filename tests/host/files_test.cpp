@@ -1,7 +1,7 @@
-#include "core/find_data.h"
-#include "core/testing.h"
 #include "host/files.h"
 #include "host/win32.h"
+#include "session/find_data.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
-#include "core/devices.h"
-#include "core/input_state.h"
-#include "core/testing.h"
 #include "host/dinput.h"
+#include "input/devices.h"
 #include "support/test_window.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

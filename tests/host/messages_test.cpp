@@ -1,8 +1,8 @@
-#include "core/devices.h"
-#include "core/messages.h"
-#include "core/testing.h"
 #include "host/ddraw.h"
 #include "host/win32.h"
+#include "input/devices.h"
+#include "input/message_queue.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

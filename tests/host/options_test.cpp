@@ -1,7 +1,10 @@
-#include "core/options.h"
+#include "machine/options.h"
 
-#include "core/game.h"
 #include "host/dinput.h"
+#include "machine/game.h"
+
+#include "host/dinput.h"
+#include "machine/game.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/recording.h"
+#include "session/recording.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "core/log.h"
-#include "core/testing.h"
-#include "core/trace.h"
 #include "host/win32.h"
+#include "machine/log.h"
+#include "session/trace.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "memory/files.h"
 
-#include "core/testing.h"
 #include "memory/pool.h"
+#include "testing/test_machine.h"
 
 #include <cstring>
 #include <filesystem>

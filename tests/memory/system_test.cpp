@@ -1,7 +1,6 @@
 // The real ways out of the program.
 #include "memory/system.h"
 
-#include "core/testing.h"
 #include "memory/fatal.h"
 #include "memory/pool.h"
 #include "platform/display.h"
@@ -9,6 +8,7 @@
 #include "render/device/device.h"
 #include "render/render_tables.h"
 #include "support/test_window.h"
+#include "testing/test_machine.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

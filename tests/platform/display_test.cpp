@@ -1,13 +1,13 @@
 #include "platform/display.h"
 
-#include "core/display.h"
-#include "core/presentation.h"
-#include "core/testing.h"
 #include "formats/files.h"
 #include "formats/image.h"
+#include "interfaces/display.h"
+#include "interfaces/presentation.h"
 #include "platform/image.h"
 #include "render/render_tables.h"
 #include "support/test_window.h"
+#include "testing/test_machine.h"
 
 #include <cstring>
 #include <filesystem>

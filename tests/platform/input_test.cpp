@@ -1,8 +1,8 @@
 #include "platform/input.h"
 
-#include "core/devices.h"
-#include "core/testing.h"
+#include "input/devices.h"
 #include "support/test_window.h"
+#include "testing/test_machine.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "platform/timer.h"
 
-#include "core/clock.h"
-#include "core/testing.h"
+#include "machine/clock.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 #include "render/scene.h"
 
-#include "core/testing.h"
 #include "memory/pool.h"
 #include "platform/display.h"
 #include "platform/timer.h"
 #include "render/render_tables.h"
 #include "render/textures.h"
+#include "testing/test_machine.h"
 #include "world/bsp.h"
 #include "world/light_map.h"
 

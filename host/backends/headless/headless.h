@@ -2,6 +2,6 @@
 // Input comes from a script only, so two runs with the same options give the same bytes.
 #pragma once
 
-#include "core/machine.h"
+#include "machine/machine.h"
 
 extern const Machine HeadlessMachine;

@@ -1,6 +1,7 @@
 #include "backends/sdl/pads.h"
 
-#include "core/devices.h"
+#include "input/devices.h"
+#include "input/keys.h"
 
 #include <algorithm>
 #include <bitset>
@@ -23,23 +24,23 @@ struct PadKey {
 };
 
 constexpr PadKey PAD_KEYS[] = {
-    {SDL_CONTROLLER_BUTTON_DPAD_UP, 0xC8},
-    {SDL_CONTROLLER_BUTTON_DPAD_DOWN, 0xD0},
-    {SDL_CONTROLLER_BUTTON_DPAD_LEFT, 0xCB},
-    {SDL_CONTROLLER_BUTTON_DPAD_RIGHT, 0xCD},
-    {STICK_UP, 0xC8},
-    {STICK_DOWN, 0xD0},
-    {STICK_LEFT, 0xCB},
-    {STICK_RIGHT, 0xCD},
-    {SDL_CONTROLLER_BUTTON_A, 0x39},  // Space
-    {SDL_CONTROLLER_BUTTON_B, 0x2A},  // left Shift
-    {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, 0x2A},
-    {SDL_CONTROLLER_BUTTON_X, 0x9D},  // right Ctrl in a level
-    {SDL_CONTROLLER_BUTTON_X, 0x57},  // F11 in the front end
-    {TRIGGER, 0x9D},
-    {SDL_CONTROLLER_BUTTON_START, 0x3B},  // F1
-    {SDL_CONTROLLER_BUTTON_Y, 0x58},      // F12
-    {SDL_CONTROLLER_BUTTON_BACK, 0x01},   // Escape
+    {SDL_CONTROLLER_BUTTON_DPAD_UP, KeyCode("UP")},
+    {SDL_CONTROLLER_BUTTON_DPAD_DOWN, KeyCode("DOWN")},
+    {SDL_CONTROLLER_BUTTON_DPAD_LEFT, KeyCode("LEFT")},
+    {SDL_CONTROLLER_BUTTON_DPAD_RIGHT, KeyCode("RIGHT")},
+    {STICK_UP, KeyCode("UP")},
+    {STICK_DOWN, KeyCode("DOWN")},
+    {STICK_LEFT, KeyCode("LEFT")},
+    {STICK_RIGHT, KeyCode("RIGHT")},
+    {SDL_CONTROLLER_BUTTON_A, KeyCode("SPACE")},   // Space
+    {SDL_CONTROLLER_BUTTON_B, KeyCode("LSHIFT")},  // left Shift
+    {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, KeyCode("LSHIFT")},
+    {SDL_CONTROLLER_BUTTON_X, KeyCode("RCONTROL")},  // right Ctrl in a level
+    {SDL_CONTROLLER_BUTTON_X, KeyCode("F11")},       // F11 in the front end
+    {TRIGGER, KeyCode("RCONTROL")},
+    {SDL_CONTROLLER_BUTTON_START, KeyCode("F1")},     // F1
+    {SDL_CONTROLLER_BUTTON_Y, KeyCode("F12")},        // F12
+    {SDL_CONTROLLER_BUTTON_BACK, KeyCode("ESCAPE")},  // Escape
 };
 
 struct Pad {

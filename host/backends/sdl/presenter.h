@@ -2,7 +2,7 @@
 // less than 640 wide is shown with sharp pixels, a larger one smoothly.
 #pragma once
 
-#include "core/machine.h"
+#include "machine/machine.h"
 
 #include <SDL.h>
 

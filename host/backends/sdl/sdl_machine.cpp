@@ -36,7 +36,7 @@ void Stop() {
 
 bool Start(const Options& options) {
     startOptions = options;
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");  // core/process.h has its own
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");  // machine/process.h has its own
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0 || !DriverUsable()) {
         SDL_Quit();

@@ -2,6 +2,6 @@
 // OpenGL 3.3, or through plain window memory where no context can be made. Never changes the desktop's video mode.
 #pragma once
 
-#include "core/machine.h"
+#include "machine/machine.h"
 
 extern const Machine SdlMachine;

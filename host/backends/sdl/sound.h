@@ -2,7 +2,7 @@
 // thread only; the track is decoded on the device's own thread.
 #pragma once
 
-#include "core/track_reader.h"
+#include "machine/track_reader.h"
 
 #include <memory>
 #include <string>

@@ -4,9 +4,9 @@
 #include "backends/sdl/pads.h"
 #include "backends/sdl/presenter.h"
 #include "boards/gpu/gl_context.h"
-#include "core/devices.h"
-#include "core/png.h"
 #include "host/files.h"
+#include "input/devices.h"
+#include "machine/png.h"
 
 #include <bitset>
 #include <cstdio>

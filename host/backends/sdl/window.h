@@ -1,7 +1,8 @@
 // The program's one window: its events, the pointer it holds, and the pictures it shows.
 #pragma once
 
-#include "core/machine.h"
+#include "machine/machine.h"
+#include "machine/options.h"
 
 bool DisplayIsUnseen();  // SDL runs one of its drivers that show nothing, or none
 bool OpenGameWindow(const char* title, const Options& options);  // false: a line on standard error says why
@@ -10,5 +11,5 @@ bool GameWindowOpen();
 void ShowPicture(const Picture& picture);
 bool ShowTexture(uint32_t texture, int width, int height);   // of OpenGL; false: the window has nothing to do with it
 void CapturePointer(bool captured);                          // hold and hide it while the window has the focus
-void PumpWindowEvents();                                     // everything pending, into core/devices.h
+void PumpWindowEvents();                                     // everything pending, into input/devices.h
 void ShowMessageBox(const char* text, const char* caption);  // returns when it was closed

@@ -180,6 +180,7 @@ unsigned CpuBoardThreads = std::thread::hardware_concurrency();
 
 const Board CpuBoard = {
     .name = "cpu",
+    .suits = nullptr,
     .open = Open,
     .close = Close,
     .loadTexture = LoadTexture,

@@ -1,18 +1,18 @@
 #include "boards/gpu/gpu_board.h"
 
+#include "boards/boards.h"
+
 #include "boards/gpu/gl_context.h"
 #include "boards/gpu/gpu_lines.h"
 #include "boards/gpu/gpu_programs.h"
-#include "core/game.h"
-#include "core/machine.h"
+#include "machine/game.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
-
-uint32_t GpuBoardScale = 1;
 
 namespace {
 
@@ -92,8 +92,8 @@ bool MakeBuffer(Buffer& buffer) {
 bool MakeBuffers(std::string& error) {
     GLint most = 0;
     gl::GetIntegerv(GL_MAX_TEXTURE_SIZE, &most);
-    width = BOARD_WIDTH * static_cast<GLsizei>(GpuBoardScale);
-    height = BOARD_HEIGHT * static_cast<GLsizei>(GpuBoardScale);
+    width = BOARD_WIDTH * static_cast<GLsizei>(BoardScale);
+    height = BOARD_HEIGHT * static_cast<GLsizei>(BoardScale);
     gl::GenRenderbuffers(1, &depthBuffer);
     gl::BindRenderbuffer(GL_RENDERBUFFER, depthBuffer);
     if (width <= most) gl::RenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT16, width, height);
@@ -284,17 +284,26 @@ const uint32_t* Front(uint32_t& pitch) {
     return frontPixels.data();
 }
 
+// A processor that draws OpenGL's way is slower than one that draws the cpu board's.
+bool HasGraphicsCard(std::string& why) {
+    if (!EnterGl(why)) return false;
+    if (!GlIsSoftware()) return true;
+    why = "there is no graphics card behind OpenGL";
+    return false;
+}
+
 }  // namespace
 
 const Board GpuBoard = {
     .name = "gpu",
+    .suits = HasGraphicsCard,
     .open = Open,
     .close = Close,
     .loadTexture = LoadTexture,
     .draw = Draw,
     .finish = [] { gl::Finish(); },
     .swap = Swap,
-    .scale = [] { return GpuBoardScale; },
+    .scale = [] { return BoardScale; },
     .front = Front,
     .frontTexture = [] { return uint32_t{front.colour}; },
 };

@@ -1,10 +1,8 @@
-// The accelerator drawn by OpenGL: the cpu board's pictures, or whole multiples of their size. At the same size
-// channels differ by two steps at most, but for less than one pixel in 500 at edges and where a hole or a mip level
-// begins.
+// The accelerator drawn by OpenGL: the cpu board's pictures, or whole multiples of their size (BoardScale). At the same
+// size channels differ by two steps at most, but for less than one pixel in 500 at edges and where a hole or a mip
+// level begins.
 #pragma once
 
 #include "boards/board.h"
 
 extern const Board GpuBoard;
-
-extern uint32_t GpuBoardScale;  // 1..; of the picture, from the next opening on

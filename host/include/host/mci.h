@@ -1,7 +1,7 @@
 // The media control interface: one device, a CD drive with an audio disc ("cdaudio"). Numeric values not printed in the
 // interface's manual are ours.
 //
-// The disc is a folder of sound files (option --disc); core/disc.h says which. The drive goes by the host's clock
+// The disc is a folder of sound files (option --disc); interfaces/disc.h says which. The drive goes by the host's clock
 // alone, so what it reports does not depend on whether anybody can hear it.
 #pragma once
 

@@ -5,9 +5,9 @@
 #include "boards/cpu/cpu_board.h"
 #include "boards/gpu/gl_context.h"
 #include "boards/gpu/gpu_board.h"
-#include "core/presentation.h"
-#include "core/testing.h"
 #include "host/glide.h"
+#include "interfaces/presentation.h"
+#include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
 

@@ -376,12 +376,12 @@ protected:
     void Reopen(const Board* other, uint32_t scale) {
         TearDown();
         board = other;
-        GpuBoardScale = scale;
+        BoardScale = scale;
         SetUp();
     }
     void TearDown() override {
         Boards::TearDown();
-        GpuBoardScale = 1;
+        BoardScale = 1;
     }
     const Board* board = &GpuBoard;
 };

@@ -1,10 +1,11 @@
 // Keys, mouse and controllers of the machine with a window, as the game polls them. No window is opened.
 #include "backends/sdl/keys.h"
 #include "backends/sdl/sdl_machine.h"
-#include "core/closing.h"
-#include "core/devices.h"
-#include "core/input_state.h"
-#include "core/key_names.h"
+#include "input/devices.h"
+#include "input/keys.h"
+#include "machine/options.h"
+#include "session/closing.h"
+#include "session/run.h"
 
 #include <gtest/gtest.h>
 
@@ -23,14 +24,15 @@ protected:
     void SetUp() override {
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         setenv("SDL_JOYSTICK_ALLOW_BACKGROUND_EVENTS", "1", 1);
-        ResetInputState();
+        ResetDevices();
         CurrentMachine = &SdlMachine;
         ASSERT_TRUE(SdlMachine.start({}));
+        ResetRun();
     }
 
     void TearDown() override {
         SdlMachine.stop();
-        ResetInputState();
+        ResetDevices();
     }
 
     bool Down(uint8_t scanCode) {

@@ -1,6 +1,6 @@
 #include "replay/play/recorded_play.h"
 
-#include "core/key_names.h"
+#include "input/keys.h"
 
 #include <bit>
 #include <cstring>

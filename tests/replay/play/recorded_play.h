@@ -1,7 +1,7 @@
 // What recordings hold, frame by frame, and what of the game they reach.
 #pragma once
 
-#include "core/recording.h"
+#include "session/recording.h"
 
 #include <bitset>
 #include <map>

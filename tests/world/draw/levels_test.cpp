@@ -1,6 +1,5 @@
 // The compiled levels, seen as the game sees them: from places over their floors nothing near is hidden by what is far.
 #include "app/app_tables.h"
-#include "core/testing.h"
 #include "host/files.h"
 #include "math/vectors.h"
 #include "platform/timer.h"
@@ -8,6 +7,7 @@
 #include "render/textures.h"
 #include "support/pool_fixture.h"
 #include "support/view.h"
+#include "testing/test_machine.h"
 #include "world/bsp.h"
 #include "world/draw/render_world.h"
 #include "world/world_tables.h"

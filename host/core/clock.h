@@ -1,9 +1,0 @@
-// The host's clock: milliseconds since the run began. GetTickCount, scripts and the end of a run go by it.
-#pragma once
-
-#include <cstdint>
-
-uint32_t ReadClock();                  // asks the machine; a deterministic clock moves on by 1
-uint32_t ClockNow();                   // what the latest ReadClock or SetClock gave
-void SetClock(uint32_t milliseconds);  // the clock goes on from here; ahead: as after a long frame
-void ResetClock();                     // now is 0

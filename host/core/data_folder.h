@@ -1,6 +1,0 @@
-// The folder that the game's relative paths start from.
-#pragma once
-
-#include <string>
-
-void SetDataFolder(const std::string& folder);

@@ -1,0 +1,128 @@
+#include "input/devices.h"
+
+#include "input/message_queue.h"
+#include "input/session_hooks.h"
+#include "machine/machine.h"
+
+#include <algorithm>
+#include <bitset>
+
+namespace {
+
+constexpr int SOURCE_COUNT = 3;
+constexpr int BUTTON_COUNT = 4;
+constexpr uint8_t STATE_DOWN = 0x80;
+
+struct SourceState {
+    std::bitset<KEY_COUNT> keys;
+    std::bitset<BUTTON_COUNT> buttons;
+};
+
+SourceState sources[SOURCE_COUNT];
+std::bitset<KEY_COUNT> pulses;
+int64_t motion[3];  // x, y, wheel
+bool focused = true;
+uint32_t focusLosses = 0;
+bool mouseAcquired = false;
+
+LONG TakeSum(int64_t& sum) {
+    const auto taken = static_cast<LONG>(std::clamp<int64_t>(sum, INT32_MIN, INT32_MAX));
+    sum = 0;
+    return taken;
+}
+
+SourceState& StateOf(KeySource source) {
+    return sources[static_cast<int>(source)];
+}
+
+void LetGo() {
+    StateOf(KeySource::Keyboard) = StateOf(KeySource::Script) = {};
+    pulses.reset();
+    std::fill(std::begin(motion), std::end(motion), 0);
+}
+
+}  // namespace
+
+void DeviceKey(KeySource source, uint8_t scanCode, bool down) {
+    StateOf(source).keys[scanCode] = down;
+}
+
+void DeviceMouseMotion(int x, int y, int wheel) {
+    if (!focused) return;
+    motion[0] += x;
+    motion[1] += y;
+    motion[2] += wheel;
+}
+
+void DeviceMouseButton(KeySource source, int button, bool down) {
+    if (button < 0 || button >= BUTTON_COUNT) return;
+    StateOf(source).buttons[static_cast<size_t>(button)] = down;
+}
+
+void DeviceFocus(bool gained) {
+    if (gained == focused) return;
+    focused = gained;
+    if (!gained) {
+        ++focusLosses;
+        LetGo();
+        SetMouseAcquired(false);
+    }
+    PostToWindow(WM_ACTIVATEAPP, gained ? 1 : 0, 0);
+}
+
+void DeviceCloseRequest() {
+    Session.requestClose();
+}
+
+bool DeviceMouseWanted() {
+    return mouseAcquired;
+}
+
+void PulseKey(uint8_t scanCode) {
+    pulses.set(scanCode);
+}
+
+void TakeKeys(uint8_t* keys) {
+    std::bitset<KEY_COUNT> down = pulses;
+    for (const SourceState& source : sources)
+        down |= source.keys;
+    for (size_t code = 0; code < KEY_COUNT; ++code)
+        keys[code] = down[code] ? STATE_DOWN : 0;
+    pulses.reset();
+}
+
+void DropPulses() {
+    pulses.reset();
+}
+
+void TakeMouse(DIMOUSESTATE& state) {
+    state.lX = TakeSum(motion[0]);
+    state.lY = TakeSum(motion[1]);
+    state.lZ = TakeSum(motion[2]);
+    std::bitset<BUTTON_COUNT> down;
+    for (const SourceState& source : sources)
+        down |= source.buttons;
+    for (size_t button = 0; button < BUTTON_COUNT; ++button)
+        state.rgbButtons[button] = down[button] ? STATE_DOWN : 0;
+}
+
+void SetMouseAcquired(bool acquired) {
+    if (acquired == mouseAcquired) return;
+    mouseAcquired = acquired;
+    if (!Session.replaying()) CurrentMachine->setMouseCaptured(acquired);
+}
+
+bool HasFocus() {
+    return focused;
+}
+
+uint32_t FocusLosses() {
+    return focusLosses;
+}
+
+void ResetDevices() {
+    LetGo();
+    StateOf(KeySource::Pad) = {};
+    focused = true;
+    mouseAcquired = false;
+}

@@ -1,0 +1,34 @@
+// Keyboard, mouse and the focus of the one window: what back ends and scripts report, summed over all of them, and what
+// the game's input calls take of it. Called on the main thread only.
+#pragma once
+
+#include "host/dinput.h"
+
+#include <cstdint>
+
+constexpr int KEY_COUNT = 256;
+
+// Who holds a key down. Each source has its own table and they are ORed, so that one source's release never lets go
+// of another's key.
+enum class KeySource { Keyboard, Pad, Script };
+
+// Reports.
+void DeviceKey(KeySource source, uint8_t scanCode, bool down);
+void DeviceMouseMotion(int x, int y, int wheel);  // summed until the game reads the mouse; without the focus dropped
+void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle; others are ignored
+// The window has the focus from its creation on, until the first loss. A change posts WM_ACTIVATEAPP; a loss lets go
+// of the keyboard and the mouse. What a pad holds acts again after it: pads report without the focus too.
+void DeviceFocus(bool gained);
+void DeviceCloseRequest();        // the window's close button: SessionHooks::requestClose
+void PulseKey(uint8_t scanCode);  // down for exactly the next keyboard poll
+
+// What the game takes.
+void TakeKeys(uint8_t* keys);          // KEY_COUNT bytes, 0x80 = down; ends the pulses
+void DropPulses();                     // a poll that failed
+void TakeMouse(DIMOUSESTATE& state);   // the sums since the last call, and the buttons
+void SetMouseAcquired(bool acquired);  // captures or frees the pointer
+bool DeviceMouseWanted();              // the game has the mouse acquired
+bool HasFocus();
+uint32_t FocusLosses();  // so far: what was acquired before a loss is acquired no more
+
+void ResetDevices();  // nothing is down, the window has the focus

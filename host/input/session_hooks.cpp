@@ -1,0 +1,3 @@
+#include "input/session_hooks.h"
+
+SessionHooks Session;

@@ -1,0 +1,4 @@
+// The textures that the game has loaded.
+#pragma once
+
+void ForgetTextures();

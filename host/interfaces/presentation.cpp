@@ -1,0 +1,113 @@
+#include "interfaces/presentation.h"
+
+#include "input/session_hooks.h"
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+FrontBuffer shown{};
+FrontTexture shownTexture{};  // 0: `shown` is the picture
+bool converted = true;
+std::vector<uint32_t> pixels;
+Picture picture{};
+uint32_t presents = 0;
+
+constexpr uint32_t Rgb(uint32_t red, uint32_t green, uint32_t blue) {
+    return red << 16 | green << 8 | blue;
+}
+
+void ConvertIndexed() {
+    uint32_t colours[256];
+    for (int i = 0; i < 256; ++i)
+        colours[i] = Rgb(shown.palette[i].peRed, shown.palette[i].peGreen, shown.palette[i].peBlue);
+    uint32_t* out = pixels.data();
+    for (uint32_t y = 0; y < shown.height; ++y) {
+        const uint8_t* row = shown.pixels + size_t{y} * shown.pitch;
+        for (uint32_t x = 0; x < shown.width; ++x)
+            *out++ = colours[row[x]];
+    }
+}
+
+// Fields widen to 8 bits by repeating their high bits, so that full intensity stays full.
+void ConvertHighColour() {
+    uint32_t* out = pixels.data();
+    for (uint32_t y = 0; y < shown.height; ++y) {
+        const uint8_t* row = shown.pixels + size_t{y} * shown.pitch;
+        for (uint32_t x = 0; x < shown.width; ++x) {
+            const uint32_t value = row[2 * x] | uint32_t{row[2 * x + 1]} << 8;
+            const uint32_t red = value >> 11;
+            const uint32_t green = value >> 5 & 0x3F;
+            const uint32_t blue = value & 0x1F;
+            *out++ = Rgb(red << 3 | red >> 2, green << 2 | green >> 4, blue << 3 | blue >> 2);
+        }
+    }
+}
+
+void CopyTrueColour() {
+    for (uint32_t y = 0; y < shown.height; ++y)
+        std::memcpy(&pixels[size_t{y} * shown.width], shown.pixels + size_t{y} * shown.pitch, size_t{shown.width} * 4);
+}
+
+// Left until somebody looks: a run without a window pays for the pictures it writes only.
+void Convert() {
+    if (converted) return;
+    converted = true;
+    if (shownTexture.name != 0) shown = shownTexture.read();
+    pixels.resize(size_t{shown.width} * shown.height);
+    shown.bits == 8 ? ConvertIndexed() : shown.bits == 16 ? ConvertHighColour() : CopyTrueColour();
+    picture = {pixels.data(), static_cast<int>(shown.width), static_cast<int>(shown.height)};
+}
+
+void Present() {
+    if (!CurrentMachine->present || !Session.wantsPicture()) return;
+    Convert();
+    CurrentMachine->present(picture);
+}
+
+}  // namespace
+
+void ShowFront(const FrontBuffer& front) {
+    shown = front;
+    shownTexture = {};
+    converted = false;
+    ++presents;
+    Present();
+}
+
+void ShowFrontTexture(const FrontTexture& front) {
+    shownTexture = front;
+    converted = false;
+    ++presents;
+    if (!CurrentMachine->presentTexture ||
+        !CurrentMachine->presentTexture(front.name, static_cast<int>(front.width), static_cast<int>(front.height)))
+        Present();
+}
+
+void FreezeFront() {
+    Convert();
+    if (shownTexture.name == 0) return;
+    shownTexture = {};
+    Present();
+}
+
+const Picture* FrontPicture() {
+    Convert();
+    return picture.pixels ? &picture : nullptr;
+}
+
+bool FrontIsReproducible() {
+    return shownTexture.name == 0;
+}
+
+uint32_t PresentCount() {
+    return presents;
+}
+
+void ResetPresentation() {
+    converted = true;
+    picture = {};
+    shownTexture = {};
+    presents = 0;
+}

@@ -1,0 +1,32 @@
+// The picture being shown, and its way to the machine.
+#pragma once
+
+#include "host/win32.h"
+#include "machine/machine.h"
+
+#include <cstdint>
+
+// The front buffer as it lies in memory: 8 bits with a palette of 256 entries, 16 bits (5-6-5), or
+// 32 bits (0x00RRGGBB).
+struct FrontBuffer {
+    const uint8_t* pixels;
+    uint32_t pitch;  // bytes
+    uint32_t width, height, bits;
+    const PALETTEENTRY* palette;  // 8 bits only
+};
+
+// A picture that lies in a texture of OpenGL, upper row first. `read` fetches its pixels.
+struct FrontTexture {
+    uint32_t name;
+    uint32_t width, height;
+    FrontBuffer (*read)();
+};
+
+// Shows it. The memory must stay as it is until the next call or FreezeFront.
+void ShowFront(const FrontBuffer& front);
+void ShowFrontTexture(const FrontTexture& front);  // the same for the texture
+void FreezeFront();                                // the memory is about to go: the picture stays on the screen
+const Picture* FrontPicture();                     // valid until the next ShowFront; null before the first
+bool FrontIsReproducible();                        // the same input gives the same pixels on every machine
+uint32_t PresentCount();                           // pictures shown so far
+void ResetPresentation();

@@ -1,0 +1,54 @@
+// A machine: the record of functions behind the calls in include/host. Each folder of backends/ has one. A function
+// pointer may be null where a comment says so.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+class TrackReader;
+struct Options;
+
+// A picture as it is shown: 32-bit pixels 0x00RRGGBB, rows top to bottom without gaps.
+struct Picture {
+    const uint32_t* pixels;
+    int width, height;
+};
+
+struct Machine {
+    const char* name;
+    bool (*start)(const Options& options);  // false: not available here, the next one is tried
+    void (*stop)();
+
+    // The clock: any start value, wraps. Called once for each GetTickCount, each keyboard poll and each turn of
+    // WaitMessage, so a deterministic machine may count these calls; a real one may sleep briefly when it is called
+    // again within the same millisecond.
+    uint32_t (*milliseconds)();
+    void (*beforeKeyboardPoll)();  // pump the devices into input/devices.h; called by the keyboard's GetDeviceState
+    void (*pump)();                // the same, called by PeekMessageA
+    void (*wait)();                // sleep until a device has something to say, 20 ms at most; called by WaitMessage
+
+    bool (*createWindow)(const char* title);
+    void (*desktopSize)(int* width, int* height);
+    void (*present)(const Picture& picture);  // show it now; null: nobody looks
+    // The same for a picture in a texture of OpenGL, upper row first, which stays there until the next picture. False:
+    // it cannot be shown from there. Null: never.
+    bool (*presentTexture)(uint32_t texture, int width, int height);
+    void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
+    int (*messageBox)(const char* text, const char* caption);
+    bool (*hasWindow)();  // a message box can be seen
+
+    // The sound of the CD drive. All three null: the drive works all the same, and nobody hears it.
+    bool (*openSound)(std::string& problem);
+    void (*playSound)(std::shared_ptr<TrackReader> track);  // over and over; null: silence
+    void (*closeSound)();
+};
+
+// Null until one is started, or a test has set its own. A tool that runs a part of the game by itself has none: what it
+// calls then, which is the files and the fatal exit, does without.
+extern const Machine* CurrentMachine;
+
+// The first of `machines` that starts becomes CurrentMachine. The last one has no window and always starts; it is the
+// only one that is tried when the options ask for none.
+void StartMachine(const Options& options, std::span<const Machine* const> machines);

@@ -1,0 +1,3 @@
+#include "session/progress.h"
+
+RunProgress Progress;
