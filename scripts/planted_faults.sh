@@ -55,8 +55,8 @@ read_list() {
         'new:') new+=${new:+$'\n'} ;;
         'tests: '*) suites=${text#tests: } ;;
         'seen: '*) sight=${text#seen: } ;;
-        src/*) file=$text ;;
-        *) fail "$list:$number: neither a file of src/ nor old:, new:, tests: or seen:" ;;
+        src/* | host/* | tools/*) file=$text ;;
+        *) fail "$list:$number: neither a file of src/, host/ or tools/ nor old:, new:, tests: or seen:" ;;
         esac
     done <$list
     add_fault $number
