@@ -14,7 +14,7 @@ class Handlers : public testing::Test {
 protected:
     void SetUp() override {
         PlayerActor = {};
-        PlayerActor.states = PlayerStates;
+        PlayerActor.states = PlayerStates.data();
         FrameTicks = 1;
     }
     void TearDown() override { SetUp(); }
