@@ -6,7 +6,8 @@
 # --tests runs these instead of each fault's own: what would they see alone?
 # Status: 0 all were found, 1 some were missed, 2 the list is wrong: an old text is not in its file exactly once, a
 # fault does not compile, or the tests fail without one.
-# The copy and its build lie in build/planted (--build); the working tree is only read.
+# The copy and its build lie in build/planted (--build); the working tree is only read. A fault acts with your rights, so
+# no test named in the list may hand the code anything outside the test's own folder that would be missed.
 set -u
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 2
 list=scripts/planted_faults.txt place=$PWD/build/planted limit=600 filter=. instead=
@@ -15,7 +16,7 @@ while [ $# -gt 0 ]; do
     --build) place=$2 && shift ;;
     --limit) limit=$2 && shift ;;
     --tests) instead=$2 && shift ;;
-    --*) sed -n '2,10s/^# //p' "$0" && exit 2 ;;
+    --*) sed -n '2,11s/^# //p' "$0" && exit 2 ;;
     *) filter=$1 ;;
     esac
     shift
@@ -55,8 +56,8 @@ read_list() {
         'new:') new+=${new:+$'\n'} ;;
         'tests: '*) suites=${text#tests: } ;;
         'seen: '*) sight=${text#seen: } ;;
-        src/*) file=$text ;;
-        *) fail "$list:$number: neither a file of src/ nor old:, new:, tests: or seen:" ;;
+        src/* | host/* | tools/*) file=$text ;;
+        *) fail "$list:$number: neither a file of src/, host/ or tools/ nor old:, new:, tests: or seen:" ;;
         esac
     done <$list
     add_fault $number

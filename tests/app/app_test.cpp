@@ -1,20 +1,18 @@
 // The whole game in-process on the test machine: keys at each poll, the modes and pictures that follow.
 #include "app/app_tables.h"
-#include "app/debug_keys.h"
 #include "app/entry.h"
 #include "app/front_end.h"
 #include "app/game_loop.h"
 #include "app/pump.h"
-#include "app/texture_cycle.h"
 #include "camera/camera_tables.h"
 #include "input/devices.h"
 #include "interfaces/display.h"
-#include "interfaces/presentation.h"
 #include "math/vectors.h"
 #include "memory/system.h"
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
+#include "records/levels.h"
 #include "render/render_tables.h"
 #include "support/test_window.h"
 #include "testing/test_machine.h"
@@ -23,15 +21,22 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <numeric>
+#include <fstream>
 #include <stdexcept>
-#include <tuple>
 
 namespace {
 
 using Keys = std::vector<uint8_t>;
+
+TEST(Levels, WearTheSkinWhosePicturesTheyHold) {
+    for (const LevelRow& row : LEVEL_ROWS) {
+        std::ifstream file(SOURCE_FOLDER "/content/levels/level" + std::to_string(row.number) + "/textures.toml");
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        EXPECT_EQ(text.find("\"zero_body\"") != std::string::npos, row.skin == LevelSkin::ZERO) << row.number;
+        EXPECT_EQ(text.find("\"tarnwick_body\"") != std::string::npos, row.skin == LevelSkin::TARNWICK) << row.number;
+    }
+}
 
 class App : public testing::Test {
 protected:
@@ -89,11 +94,6 @@ private:
     size_t poll_ = 0;
 };
 
-uint64_t PictureSum() {
-    const Picture* picture = FrontPicture();
-    return std::accumulate(picture->pixels, picture->pixels + picture->width * picture->height, uint64_t{0});
-}
-
 TEST_F(App, FrontEndLeadsToALevelAndARendererOrOut) {
     constexpr uint8_t DIK_F9 = 0x43, DIK_F10 = 0x44;
     struct Row {
@@ -120,32 +120,6 @@ TEST_F(App, FrontEndLeadsToALevelAndARendererOrOut) {
         EXPECT_EQ(CurrentLevel, row.level);
         EXPECT_EQ(UseGlide, row.accelerator) << row.level;
     }
-}
-
-TEST_F(App, FrontEndShowsItsPicturesForEightSecondsEach) {
-    OpenWindow();
-    for (const uint32_t start : {0u, 0xFFFFF000u}) {  // the clock wraps
-        SetTestClock(start);
-        TestMachine.clockStep = 500;
-        std::vector<uint64_t> shown;
-        atPoll_ = [&](size_t poll) {
-            if (poll > 0 && (shown.empty() || shown.back() != PictureSum())) shown.push_back(PictureSum());
-        };
-        std::vector<Keys> keys(36);
-        keys.push_back({DIK_ESCAPE});
-        FrontEndWithKeys(keys);
-        ASSERT_EQ(shown.size(), 5u);
-        EXPECT_EQ(shown[4], shown[0]);
-    }
-}
-
-TEST_F(App, EscapeLeadsOutOfTheLevelAndAWindowsKeyOutOfTheProgram) {
-    HoldAtPolls(
-        {{}, {DIK_SPACE}, {DIK_F1}, {DIK_F11}, {}, {DIK_ESCAPE}, {}, {DIK_SPACE}, {DIK_F2}, {DIK_F11}, {DIK_APPS}});
-    EXPECT_EQ(WinMain(nullptr, nullptr, nullptr, SW_SHOW), 0);
-    EXPECT_EQ(LoadedLevel, 1);
-    EXPECT_EQ(GameMode, MODE_QUIT);
-    EXPECT_TRUE(TestMachine.messageBoxes.empty());
 }
 
 TEST_F(App, EndsWhenNeitherFrontEndNorGameFindsADisplay) {
@@ -201,55 +175,6 @@ TEST_F(App, AnExceptionInAStepEndsTheProcess) {
     GameMode = MODE_PLAYING;
     const auto step = [] { throw std::runtime_error("step"); };
     EXPECT_EXIT(RunMessagePump(MODE_PLAYING, step), testing::ExitedWithCode(EXCEPTION_UNHANDLED & 0xFF), "");
-}
-
-TEST_F(App, DevelopmentKeysStepDistancesWhileHeldAndLightOnceAStroke) {
-    struct Row {
-        uint8_t key;
-        int frames;
-        float& value;
-        float before, after;
-    };
-    const Row rows[] = {
-        {DIK_O, 3, FarDistance, 5000, 5300},     {DIK_L, 3, FarDistance, 150, 1},
-        {DIK_I, 3, FadeDistance, 4000, 4300},    {DIK_K, 3, FadeDistance, 1150, 1000},  // not below the near distance
-        {DIK_U, 3, FogNearDistance, 1000, 1300}, {DIK_J, 20, FogNearDistance, 1000, -1000},
-        {DIK_Y, 3, LightLevel, 1, 0.98f},        {DIK_H, 3, LightLevel, 1, 1.02f},
-        {DIK_T, 3, LightContrast, 1, 0.98f},     {DIK_G, 3, LightContrast, 1, 1.02f},
-    };
-    OpenWindow();
-    for (const Row& row : rows) {
-        FogNearDistance = 1000;
-        row.value = row.before;
-        HoldAtPolls({{}, {row.key}});
-        for (int frame = 0; frame <= row.frames; frame++) {
-            PollKeyboard(Input);
-            DebugKeys();
-        }
-        EXPECT_FLOAT_EQ(row.value, row.after) << +row.key;
-    }
-}
-
-TEST_F(App, TexturesTurnEverySevenTicksAndStepOverAnEqualNeighbour) {
-    using Entries = std::array<uint8_t, 5>;
-    const std::tuple<uint32_t, uint8_t, Entries> rows[] = {
-        {7, 15, {12, 12, 13, 14, 12}}, {7, 15, {13, 13, 14, 12, 13}},  {7, 15, {14, 14, 12, 13, 14}},
-        {6, 15, {14, 14, 12, 13, 14}}, {12, 15, {12, 12, 13, 14, 12}},  // once, however long the frame
-        {7, 14, {12, 12, 13, 14, 12}}};                                 // a level with few textures
-    std::array<uint8_t, 256> remap;
-    TextureRemap = remap.data();
-    TextureCount = 15;
-    FrameTicks = 12;  // whatever an earlier test left counted
-    TextureCycle();
-    std::iota(remap.begin(), remap.end(), uint8_t{0});
-    remap[11] = 10;
-    for (const auto& [ticks, textures, expected] : rows) {
-        FrameTicks = ticks;
-        TextureCount = textures;
-        TextureCycle();
-        EXPECT_EQ((Entries{remap[10], remap[11], remap[12], remap[13], remap[14]}), expected);
-    }
-    TextureRemap = nullptr;
 }
 
 }  // namespace

@@ -38,23 +38,6 @@ protected:
     MeshRecord mesh_{};
 };
 
-TEST_F(CharacterFiles, TheMeshStandsBehindTheWorldInEveryTable) {
-    const GeometryCounts before = WorldGeometry.used;
-    LoadFrom(EncodeMesh(TwoTriangles(3)), EncodeSkin(SKIN));
-    const PolyRecord second = WorldGeometry.polygons[mesh_.firstPolygon + 1];
-    EXPECT_EQ(second.texture, (200 + 93) & 0xFF);
-    EXPECT_EQ(second.flags, 0);
-    EXPECT_EQ(WorldGeometry.polyVertices[second.firstVertex + 2].point, before.points + 3);
-    EXPECT_EQ(WorldGeometry.polyVertices[second.firstVertex + 2].u, 256.0f + 2.0f);
-    // Corners 0, 1, 2 run clockwise seen from -z, so the normal points to -z.
-    EXPECT_NEAR(WorldGeometry.planes[before.planes].nz, -1.0f, 1e-6f);
-    EXPECT_EQ(WorldGeometry.used.polygons, before.polygons + 2);
-    EXPECT_EQ(WorldGeometry.used.polyVertices, before.polyVertices + 6);
-    EXPECT_EQ(WorldGeometry.used.planes, before.planes + 2);
-    EXPECT_EQ(WorldGeometry.fixed.points, before.points + 4);
-    EXPECT_EQ(mesh_.bones[2].world.r[4], 1.0);
-}
-
 TEST_F(CharacterFiles, WhatDoesNotFitIsRefused) {
     CharacterMesh mesh = TwoTriangles(3);
     mesh.points.resize(SPARE_POINTS + 1);

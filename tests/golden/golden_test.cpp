@@ -1,14 +1,15 @@
-// Frames of the two frozen test levels, pixel for pixel. To renew them after a wanted change, and look at the
-// difference as pictures before committing:
+// Frames of the two frozen test levels: pixel for pixel in software, and as the accelerator's boards draw them. To
+// renew them after a wanted change, and look at the difference as pictures before committing:
 //
 //     TARNWICK_RENEW_GOLDENS=1 build/tests/test_golden && git diff --stat tests/golden
 
-#include "golden/pictures.h"
+#include "formats/image.h"
 #include "program/run_program.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <map>
 
 namespace fs = std::filesystem;
 
@@ -21,40 +22,89 @@ struct GoldenLevel {
     int number;
 };
 
-class Golden : public testing::TestWithParam<GoldenLevel> {};
+// Pixels of which a channel differs by more than `steps`; SIZE_MAX: the sizes differ.
+size_t DifferingPixels(const Image& a, const Image& b, int steps) {
+    if (a.pixels.empty() || a.width != b.width || a.height != b.height) return SIZE_MAX;
+    size_t count = 0;
+    for (size_t i = 0; i < a.pixels.size(); ++i) {
+        const Rgba &p = a.pixels[i], &q = b.pixels[i];
+        count += std::abs(p.r - q.r) > steps || std::abs(p.g - q.g) > steps || std::abs(p.b - q.b) > steps;
+    }
+    return count;
+}
+
+// The means of two by two pixels.
+Image Halved(const Image& picture) {
+    Image half(picture.width / 2, picture.height / 2);
+    for (int y = 0; y < half.height; ++y)
+        for (int x = 0; x < half.width; ++x) {
+            const auto mean = [&](uint8_t Rgba::*channel) {
+                int sum = 2;
+                for (int i = 0; i < 4; ++i)
+                    sum += picture.At(2 * x + i % 2, 2 * y + i / 2).*channel;
+                return static_cast<uint8_t>(sum / 4);
+            };
+            half.At(x, y) = {mean(&Rgba::r), mean(&Rgba::g), mean(&Rgba::b), 255};
+        }
+    return half;
+}
+
+class Golden : public testing::TestWithParam<GoldenLevel> {
+protected:
+    // The script's pictures by name; none: this renderer cannot be had.
+    std::map<std::string, Image> Play(const std::string& renderer, const std::string& program = "tarnwick") {
+        const auto& [name, number] = GetParam();
+        const ProgramRun run;
+        result = run.Run("--data " SOURCE_FOLDER "/tests/levels/data --level " + std::to_string(number) +
+                             " --script " SOURCE_FOLDER "/tests/golden/" + name + ".txt --renderer " + renderer,
+                         program);
+        std::map<std::string, Image> pictures;
+        for (const fs::directory_entry& entry : fs::directory_iterator(run.Folder()))
+            if (result.status == 0 && entry.path().filename().string().starts_with(name))
+                pictures[entry.path().stem()] = ReadPng(entry.path());
+        return pictures;
+    }
+
+    static bool Renews() { return std::getenv("TARNWICK_RENEW_GOLDENS") != nullptr; }
+
+    ProgramResult result;
+};
 INSTANTIATE_TEST_SUITE_P(Levels, Golden, testing::Values(GoldenLevel{"alpha", 1}, GoldenLevel{"beta", 2}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-std::string Options(const GoldenLevel& level) {
-    return "--data " SOURCE_FOLDER "/tests/levels/data --renderer software --level " + std::to_string(level.number) +
-           " --script " SOURCE_FOLDER "/tests/golden/" + level.name + ".txt";
-}
-
 TEST_P(Golden, FramesAreAsRecorded) {
-    const GoldenLevel& level = GetParam();
-    const ProgramRun program;
-    const ProgramResult result = program.Run(Options(level));
-    ASSERT_EQ(result.status, 0) << result.errors;
-
-    size_t compared = 0;
-    for (const fs::directory_entry& entry : fs::directory_iterator(program.Folder())) {
-        const std::string name = entry.path().filename();
-        if (!name.starts_with(level.name) || !name.ends_with(".png")) continue;
-        const fs::path golden = GOLDENS / name;
-        if (std::getenv("TARNWICK_RENEW_GOLDENS")) {
-            fs::copy_file(entry.path(), golden, fs::copy_options::overwrite_existing);
-        }
-        EXPECT_EQ(DifferingPixels(ReadPng(golden), ReadPng(entry.path()), 0), 0u)
-            << "now " << entry.path() << ", recorded " << golden;
-        compared += 1;
+    const std::map<std::string, Image> pictures = Play("software");
+    ASSERT_GE(pictures.size(), 4u) << result.errors;
+    for (const auto& [name, picture] : pictures) {
+        const fs::path golden = GOLDENS / (name + ".png");
+        if (Renews()) WritePng(golden, picture);
+        EXPECT_EQ(DifferingPixels(ReadPng(golden), picture, 0), 0u) << name;
     }
-    EXPECT_GE(compared, 4u);
 }
 
 TEST_P(Golden, FramesAreFilledPixelByPixel) {
-    const ProgramResult result = ProgramRun().Run(Options(GetParam()), "tests/fill_checker");
+    Play("software", "tests/fill_checker");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_NE(result.output.find("up to frame 200"), std::string::npos) << result.output;
+}
+
+TEST_P(Golden, FramesOfTheCpuBoardAreAsRecordedAndOfTheGpuBoardTheSame) {
+#ifdef TARNWICK_SANITIZED
+    GTEST_SKIP() << "hundreds of pictures take minutes here";
+#endif
+    const std::map<std::string, Image> cpu = Play("accelerator --board cpu");
+    ASSERT_GE(cpu.size(), 4u) << result.errors;
+    for (const auto& [name, picture] : cpu) {
+        const fs::path golden = GOLDENS / (name + "_accelerator.png");
+        if (!fs::exists(golden)) continue;  // some are enough
+        if (Renews()) WritePng(golden, Halved(picture));
+        EXPECT_EQ(DifferingPixels(Halved(picture), ReadPng(golden), 1), 0u) << name;
+    }
+    const std::map<std::string, Image> gpu = Play("accelerator --board gpu");
+    if (result.errors.find("no OpenGL") != std::string::npos) GTEST_SKIP() << result.errors;
+    ASSERT_EQ(gpu.size(), cpu.size()) << result.errors;
+    for (const auto& [name, picture] : gpu)
+        EXPECT_LT(DifferingPixels(picture, cpu.at(name), 2), 100u) << name << ": of 640 x 480";
 }
 
 }  // namespace

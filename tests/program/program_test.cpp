@@ -45,11 +45,6 @@ TEST_F(Program, EscapeInTheFrontEndEndsIt) {
     EXPECT_EQ(result.output.find("Free Mem"), std::string::npos) << "no game was started";
 }
 
-TEST_F(Program, KeysOfAScriptReachTheFrontEnd) {
-    program.Write("keys.txt", "100ms tap SPACE\n200ms tap F5\n300ms tap F11\n");
-    EXPECT_TRUE(Says(RunWithoutData("--script keys.txt").errors, "dside.bgm"));
-}
-
 TEST_F(Program, WhatCannotBeUsedEndsWithStatusTwo) {
     program.Write("bad", "1 quit\n2 press UP\n");
     program.Write("long", std::string((16 << 20) + 1, ' '));
@@ -149,17 +144,6 @@ TEST_F(ProgramWithLevel, NothingElseGetsWhatIsWrittenToAClosedStandardOutput) {
         EXPECT_TRUE(line.starts_with("{\"frame\":")) << line;
 }
 
-TEST_F(ProgramWithLevel, TheSameInputGivesTheSameFrames) {
-    program.Write("keys.txt", "10 tap F6\n15 mouse 300 -500\n30 button left down\n31 mouse 90 20\n40 button left up\n"
-                              "50 down UP\n60 down SPACE\n70 tap W\n90 tap W\n95 wait 100\n");
-    const ProgramResult first = Play("--script keys.txt --frames 120 --trace 1.jsonl --shot 100:1.png");
-    const ProgramResult second = Play("--script keys.txt --frames 120 --trace 2.jsonl --shot 100:2.png");
-    EXPECT_EQ(first.output, second.output);
-    EXPECT_EQ(Lines(program.Read("1.jsonl")).size(), 120u);
-    EXPECT_EQ(program.Read("1.jsonl"), program.Read("2.jsonl"));
-    EXPECT_EQ(program.Read("1.png"), program.Read("2.png"));
-}
-
 TEST_F(ProgramWithLevel, MusicGoesRoundAndChangesNothing) {
     std::filesystem::create_directory(program.Folder() / "disc");
     WriteSound((program.Folder() / "disc/Track03.FLAC").string(), FLAC, 44100, 2, Triangle(44100 * 3 / 2, 2));
@@ -189,15 +173,6 @@ TEST_F(ProgramWithLevel, SaysWhichBoardCannotBeHadAndWhy) {
     const ProgramResult cpu = Play("--renderer accelerator --board-scale 2 --frames 2");
     EXPECT_EQ(cpu.status, 0);
     EXPECT_TRUE(Says(cpu.errors, "the cpu board draws 640 x 480 only")) << cpu.errors;
-}
-
-TEST_F(ProgramWithLevel, EscapeLeadsBackToTheFrontEndAndIntoAnotherGame) {
-    program.Write("keys.txt", "20 tap ESCAPE\n9000ms tap SPACE\n9100ms tap F4\n9200ms tap F11\n");
-    const ProgramResult result = Play("--script keys.txt --frames 100 --trace t.jsonl");
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(Lines(program.Read("t.jsonl")).size(), 20u);
-    EXPECT_TRUE(Says(result.errors, "soulflum.bgm"));
-    EXPECT_TRUE(Says(result.errors, "ended after 20 of 100 frames"));
 }
 
 TEST_F(ProgramWithLevel, ASecondGameOfALevelLooksLikeTheFirst) {

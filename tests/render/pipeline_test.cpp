@@ -36,27 +36,6 @@ std::vector<ViewCorner> Clip(int32_t number, uint8_t planes) {
     return corners;
 }
 
-TEST_F(Pipeline, CrossingsLieOnThePlaneWithAttributesInProportion) {
-    const uint8_t planes[] = {OUT_RIGHT, OUT_LEFT, OUT_TOP, OUT_BOTTOM};
-    for (int plane = 0; plane < 4; plane++) {
-        const float far = plane % 2 == 0 ? 150.0f : -150.0f;
-        const ViewCorner outside = {plane < 2 ? far : 10, plane < 2 ? 10 : far, 50, 8, 80, 800};
-        const int32_t number = AppendPolygon({{0, 0, 100, 0, 0, 0}, outside, {0, 0, 60, 0, 0, 0}}, 7);
-        WorldGeometry.polygons[number].flags = POLY_WRAPS;
-        const std::vector<ViewCorner> corners = Clip(number, planes[plane]);
-        ASSERT_EQ(corners.size(), 4u);
-        EXPECT_EQ(plane < 2 ? corners[1].x : corners[1].y, far > 0 ? corners[1].z : -corners[1].z);
-        EXPECT_FLOAT_EQ(plane < 2 ? corners[1].y : corners[1].x, 5);
-        EXPECT_FLOAT_EQ(corners[1].z, 75);
-        EXPECT_FLOAT_EQ(corners[1].u, 4);
-        EXPECT_FLOAT_EQ(corners[1].v, 40);
-        EXPECT_FLOAT_EQ(corners[1].intensity, 400);
-        const PolyRecord clipped = WorldGeometry.polygons[WorldGeometry.fixed.polygons];
-        EXPECT_EQ(+clipped.texture, 7);
-        EXPECT_EQ(+clipped.flags, POLY_WRAPS);
-    }
-}
-
 TEST_F(Pipeline, AnEdgeGivesTheSameCrossingsInBothDirections) {
     std::mt19937 random(5);
     std::uniform_real_distribution<float> at(-300, 300), depth(1, 200);

@@ -2,39 +2,19 @@
 
 #include "render/lines.h"
 #include "render/pipeline.h"
-#include "render/render_tables.h"
 
 std::string PipelineLog;
 
-namespace {
-
-void Record(const char* call, int32_t polygon) {
-    PipelineLog += (PipelineLog.empty() ? "" : " ") + (call + std::to_string(polygon));
-}
-
-void Record(const char* call, int32_t polygon, uint32_t detail) {
-    Record(call, polygon);
-    PipelineLog += "/" + std::to_string(detail);
-}
-
-}  // namespace
-
 void DrawMeshPolygon(int32_t polygon) {
-    Record("D", polygon);
+    PipelineLog += (PipelineLog.empty() ? "D" : " D") + std::to_string(polygon);
 }
 
 void DrawMeshPolygonClipped(int32_t polygon, uint8_t edgeMask) {
-    Record("C", polygon, edgeMask);
+    PipelineLog += (PipelineLog.empty() ? "C" : " C") + std::to_string(polygon) + "/" + std::to_string(edgeMask);
 }
 
-void DrawPolygon(int32_t polygon) {
-    Record("W", polygon);
-}
+void DrawPolygon(int32_t) {}
 
-void DrawPolygonClipped(int32_t polygon, uint8_t edgeMask) {
-    Record("X", polygon, edgeMask);
-}
+void DrawPolygonClipped(int32_t, uint8_t) {}
 
-void DrawPolygonOutline(int32_t polygon) {
-    Record("O", polygon, LineColour);
-}
+void DrawPolygonOutline(int32_t) {}

@@ -4,5 +4,5 @@
 #include <string>
 
 // "D1 C5/2" and so on, in order, since it was emptied last: D DrawMeshPolygon, C DrawMeshPolygonClipped with its edge
-// mask; W and X the same of the world, DrawPolygon and DrawPolygonClipped; O DrawPolygonOutline with LineColour.
+// mask. The world's own polygons leave no trace.
 extern std::string PipelineLog;

@@ -55,18 +55,6 @@ protected:
     }
 };
 
-TEST_F(WorldFile, IsLoadedRecordForRecord) {
-    std::ifstream level(SOURCE_FOLDER "/tests/levels/data/game/data/levels/level1/assault.bgm", std::ios::binary);
-    const std::vector<uint8_t> expected{std::istreambuf_iterator<char>(level), {}};
-    std::vector<uint8_t> bytes = expected;
-    bytes.push_back(0xEE);  // bytes after the last table are nobody's business
-    FrameCount = 77;
-    LoadBspWorld(FileOf(bytes));
-    EXPECT_EQ(WorldFileBytes(), expected);
-    EXPECT_EQ(std::memcmp(&WorldGeometry.used, &WorldGeometry.file, sizeof(GeometryCounts)), 0);
-    EXPECT_EQ(FrameCount, 1);
-}
-
 TEST_F(WorldFile, IsRefusedWhenItsHeadOrLengthIsWrong) {
     const std::vector<uint8_t> good = TwoLeavesFile();
     const auto refusalWith = [&](size_t offset, uint8_t value) {
@@ -129,40 +117,27 @@ TEST_F(WorldFile, IsRefusedWithAnIndexOrNumberOutOfRange) {
     }
 }
 
-TEST_F(WorldFile, HoldsATreeOfLimitedDepth) {
-    const auto chain = [](int depth, const Damage& damage) {
-        TinyWorld world;
-        const int16_t leaf = world.AddLeaf({});
-        int16_t child = leaf;
-        for (int i = 0; i < depth; ++i)
-            child = world.AddNode({1, 0, 0, 0}, child, leaf);
-        world.Publish();
-        damage(WorldGeometry);
-        return WorldFileBytes();
-    };
-    const Damage none = [](WorldGeometryTables&) {};
-    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH, none)), "");
-    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH + 1, none)), INVALID);
-    EXPECT_EQ(Refusal(chain(3, [](auto& w) { w.nodes[0].frontChild = 2; })), "") << "node 1 is not reached";
-    EXPECT_EQ(Refusal(chain(3, [](auto& w) { w.nodes[0].backChild = 2; })), INVALID) << "two parents";
-    EXPECT_EQ(Refusal(chain(3, [](auto& w) { w.nodes[2].backChild = 1; })), INVALID) << "a cycle";
-}
-
 // A chain of nodes that all have the same leaf behind them, which counts once for each.
-TEST_F(WorldFile, HoldsAsManyPolygonsOverAllLeavesAsItsRadiiCanBeMeasuredOf) {
-    const auto chain = [](int depth, const Damage& damage) {
+TEST_F(WorldFile, HoldsATreeOfLimitedDepthAndAsManyPolygonsAsItsRadiiCanBeMeasuredOf) {
+    const auto refusal = [&](int depth, const Damage& damage, size_t polygons = 0) {
         TinyWorld world;
-        const int16_t leaf = world.AddLeaf(std::vector<Corners>(64, {{0, 0, 0}, {0, 0, -8}, {-8, 0, 0}}));
+        const int16_t leaf = world.AddLeaf(std::vector<Corners>(polygons, {{0, 0, 0}, {0, 0, -8}, {-8, 0, 0}}));
         int16_t child = leaf;
         for (int i = 0; i < depth; ++i)
             child = world.AddNode({1, 0, 0, 0}, child, leaf);
         world.Publish();
         damage(WorldGeometry);
-        return WorldFileBytes();
+        return Refusal(WorldFileBytes());
     };
-    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH - 1, [](auto&) {})), "");
-    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH, [](auto&) {})), INVALID);
-    EXPECT_EQ(Refusal(chain(BSP_MAX_DEPTH, [](auto& w) { w.nodes[0].frontChild = 2; })), "") << "node 1 is not reached";
+    const Damage none = [](auto&) {}, skipsNodeOne = [](auto&w) { w.nodes[0].frontChild = 2; };
+    EXPECT_EQ(refusal(BSP_MAX_DEPTH, none), "");
+    EXPECT_EQ(refusal(BSP_MAX_DEPTH + 1, none), INVALID);
+    EXPECT_EQ(refusal(3, skipsNodeOne), "");
+    EXPECT_EQ(refusal(3, [](auto& w) { w.nodes[0].backChild = 2; }), INVALID) << "two parents";
+    EXPECT_EQ(refusal(3, [](auto& w) { w.nodes[2].backChild = 1; }), INVALID) << "a cycle";
+    EXPECT_EQ(refusal(BSP_MAX_DEPTH - 1, none, 64), "");
+    EXPECT_EQ(refusal(BSP_MAX_DEPTH, none, 64), INVALID);
+    EXPECT_EQ(refusal(BSP_MAX_DEPTH, skipsNodeOne, 64), "");
 }
 
 TEST(WorldCounts, LeaveRoomForTheSpareRecordsInEveryIndex) {
@@ -183,32 +158,6 @@ TEST(WorldCounts, LeaveRoomForTheSpareRecordsInEveryIndex) {
     }
     areValid({0xFFFFFFFF, 0, 0, 0, 0xFFFFFFFF, 0});
     EXPECT_GT(BspTableBytes(), uint64_t{0xFFFFFFFF} * 60) << "sizes are counted in 64 bits";
-}
-
-TEST(PolyFrames, AreTheRotationOfTheInvertedNormal) {
-    const struct {
-        PlaneRecord plane;
-        PolyFrame expected;
-    } cases[] = {
-        {{0, -1, 0, 0}, {0, 0, 1, 1, 1}},   // floor: the plane points down into the ground
-        {{0, 1, 0, 0}, {0, 0, -1, 1, -1}},  // ceiling
-        {{-1, 0, 0, 0}, {-1, 1, 0, 0, 0}},  // wall seen from +x
-        {{-0.6f, -0.8f, 0, 0}, {-0.6f, 1, 0.8f, 0, 0.8f}},
-        {{0.00005f, -1, 0, 0}, {-0.00005f, 0, 1, 1, 1}},  // nearly vertical: no yaw
-        {{0, 0, 0, 0}, {0, 0, 0, 1, 0}},                  // degenerate, but never not a number
-    };
-    TinyWorld world;
-    PublishTwoLeaves(world);
-    for (const auto& row : cases) {
-        WorldGeometry.planes[WorldGeometry.polygons[0].plane] = row.plane;
-        ComputePolyFrames();
-        float found[5], expected[5];
-        static_assert(sizeof(PolyFrame) == sizeof found);
-        std::memcpy(found, &WorldGeometry.polyFrames[0], sizeof found);
-        std::memcpy(expected, &row.expected, sizeof expected);
-        for (int i = 0; i < 5; ++i)
-            EXPECT_NEAR(found[i], expected[i], 1e-6) << "row " << &row - cases << ", field " << i;
-    }
 }
 
 }  // namespace

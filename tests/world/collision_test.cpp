@@ -44,35 +44,12 @@ protected:
     Actor actor_{};
 };
 
-TEST_F(Collision, ASphereTouchesPolygonsWithinItsRadiusAndTheirGrownOutline) {
-    Build({Floor(0.0f, 100.0f)});
-    const struct {
-        int32_t x, y, radius;
-        bool touches;
-    } rows[] = {{0, 50, 50, true}, {0, 51, 50, false}, {0, -50, 50, true}, {148, 10, 50, true}, {155, 10, 50, false}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(WorldSphereContacts(row.x, row.y, 0, row.radius), row.touches ? 1 : 0) << row.x << " " << row.y;
-        EXPECT_EQ(ContactList[row.touches ? 1 : 0], -1);
-    }
-}
-
 TEST_F(Collision, AnEdgeTooShortToHaveANormalHoldsNothingOut) {
     std::vector<Corners> polygons;
     for (const float length : {0.0f, 2e-24f, -2e-24f})  // a normal of 0 / 0, and infinite ones of both directions
         polygons.push_back({{100, -100, 0}, {0, 100, -100}, {0, 0, 0}, {length, -3 * length, 2 * length}});
     Build(polygons);
     EXPECT_EQ(WorldSphereContacts(40, -10, -30, 50), 3);
-}
-
-TEST_F(Collision, AMoveShorterThanOneUnitChangesNothing) {
-    Build({Floor(0.0f)});
-    actor_.ticksSinceContact = 7;
-    actor_.onContact = 1;
-    Move({0, 109, 0}, {0, -0.9f, 0});
-    EXPECT_EQ(actor_.position.y, 109.0f);
-    EXPECT_EQ(actor_.velocity.y, -0.9f);
-    EXPECT_EQ(actor_.ticksSinceContact, 7);
-    EXPECT_EQ(actor_.onContact, 1);
 }
 
 TEST_F(Collision, OnlyMovesTowardsTheSolidStop) {
@@ -92,18 +69,6 @@ TEST_F(Collision, OnlyMovesTowardsTheSolidStop) {
     EXPECT_EQ(actor_.onContact, 0);
     Move({0, 108, 0}, {20, -0.11f, 0});
     EXPECT_EQ(actor_.onContact, 1);
-}
-
-TEST_F(Collision, ASlideKeepsWhatRunsAlongTheWallAndFrictionScalesIt) {
-    Build({Wall(100.0f, 500.0f)});
-    state_.flags = 0;
-    Move({0, 200, 80}, {10, 0, 10});
-    EXPECT_EQ(actor_.onContact, 1);
-    EXPECT_NEAR(actor_.position.x, 10.0f, 1e-4f);
-    EXPECT_NEAR(actor_.position.z, 80.0f, 1e-4f);
-    EXPECT_NEAR(actor_.velocity.x, 5.0f, 1e-4f);
-    EXPECT_NEAR(actor_.velocity.z, 0.0f, 1e-4f);
-    EXPECT_NEAR(actor_.contactSlope, 0.0f, 1e-6f);
 }
 
 TEST_F(Collision, TheSlopeIsThatOfTheLastPolygonHit) {
@@ -148,7 +113,7 @@ TEST_F(Collision, ALedgeLiftsByItsHeightAndFourteenMore) {
         std::vector<Corners> polygons;
         uint8_t flags;
         float lowestLift, highestLift;
-    } rows[] = {{"low enough", {Wall(100, 40)}, STATE_CAN_STEP, 53.99f, 54.01f},
+    } rows[] = {{"low enough", {Wall(100, 49)}, STATE_CAN_STEP, 62.99f, 63.01f},
                 {"too high", {Wall(100, 50)}, STATE_CAN_STEP, 0, 0},
                 {"the state cannot step", {Wall(100, 40)}, 0, 0, 0},
                 // Kept on purpose: the lift adds the height looked at last, also when it was not accepted.

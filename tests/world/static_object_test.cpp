@@ -21,7 +21,7 @@ void Append(std::vector<uint8_t>& bytes, const Value& value) {
 }
 
 // Two polygons of textures 17 and 18 over three points.
-std::vector<uint8_t> SmallSky(uint8_t corners = 3) {
+std::vector<uint8_t> SmallSky() {
     std::vector<uint8_t> bytes = {'E', 's', 'o', 'b', 0, 0, 0, 9, 0, 0, 0, 2, 0, 0, 0, 3, 0xA, 0xB, 0xC, 0xD};
     for (const Vec3& point : {Vec3{-1.5f, -1, 10}, Vec3{1, -1, 10}, Vec3{0, 1, 10}})
         Append(bytes, point);
@@ -31,9 +31,8 @@ std::vector<uint8_t> SmallSky(uint8_t corners = 3) {
             Append(bytes, number);
             Append(bytes, 0xDEADBEEF);
         }
-        bytes.push_back(corners);
-        for (int k = 0; k < corners; ++k) {
-            const auto point = static_cast<uint16_t>(k % 3);
+        bytes.push_back(3);
+        for (uint16_t point = 0; point < 3; ++point) {
             Append(bytes, point);
             Append(bytes, static_cast<float>(point) * 128.0f);
             Append(bytes, -1.0f);
@@ -79,16 +78,6 @@ TEST_F(StaticObject, IsAppendedBehindTheWorld) {
     EXPECT_EQ(corner.intensity, 8192.0f);
     EXPECT_EQ(WorldGeometry.points[corner.point].position.y, 1.0f);
     EXPECT_EQ(WorldGeometry.planes[second.plane].d, PLANE[3]);
-}
-
-TEST_F(StaticObject, HasAnyPlanesAndUpTo127CornersAPolygon) {
-    for (const uint8_t corners : {uint8_t{1}, uint8_t{2}, uint8_t{13}, uint8_t{127}}) {
-        const uint32_t before = WorldGeometry.used.polyVertices;
-        std::vector<uint8_t> bytes = SmallSky(corners);
-        std::fill_n(&bytes[FIRST_POLYGON + 3], 32, uint8_t{0xFF});  // the plane's numbers are none
-        EXPECT_EQ(Load(bytes), 1);
-        EXPECT_EQ(WorldGeometry.used.polyVertices, before + 2u * corners);
-    }
 }
 
 TEST_F(StaticObject, WhatIsNoneLeavesALevelWithoutOne) {

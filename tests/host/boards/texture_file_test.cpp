@@ -97,13 +97,6 @@ TEST_F(TextureFiles, TexelsAndTablesAreBigEndian) {
     Write("3df v1.1\r\nArgb4444\r\nlod range: 1 2\r\naspect ratio: 2 1\r\n\x12\x34\x56\x78\x9A\xBC");
     ASSERT_TRUE(Load(info, texels));
     EXPECT_EQ(texels, (std::vector<uint8_t>{0x34, 0x12, 0x78, 0x56, 0xBC, 0x9A}));
-    std::string palette(1024, '\0');
-    palette[4 * 7 + 1] = 0x12;
-    palette[4 * 7 + 3] = 0x56;
-    Write(Header("p8", "1 1", "1 1") + palette + "\x07");
-    ASSERT_TRUE(Load(info, texels));
-    EXPECT_EQ(info.table.palette.data[7], 0x00120056U);
-    EXPECT_EQ(texels, std::vector<uint8_t>{7});
     std::string ncc(80, '\0');
     ncc[2 * 3] = '\xFF';
     ncc[2 * 3 + 1] = '\xFE';

@@ -167,14 +167,10 @@ TEST_F(SdlPad, ReleasingOneSourceKeepsTheKeyOfAnother) {
 }
 
 TEST_F(SdlPad, StickLetsGoLaterThanItPresses) {
-    Axis(SDL_CONTROLLER_AXIS_LEFTX, 9000);
-    EXPECT_FALSE(Down(RIGHT));
-    Axis(SDL_CONTROLLER_AXIS_LEFTX, 11000);
-    EXPECT_TRUE(Down(RIGHT));
-    Axis(SDL_CONTROLLER_AXIS_LEFTX, 9000);
-    EXPECT_TRUE(Down(RIGHT));
-    Axis(SDL_CONTROLLER_AXIS_LEFTX, 7000);
-    EXPECT_FALSE(Down(RIGHT));
+    for (const auto& [value, down] : {std::pair{9000, false}, {11000, true}, {9000, true}, {7000, false}}) {
+        Axis(SDL_CONTROLLER_AXIS_LEFTX, value);
+        EXPECT_EQ(Down(RIGHT), down) << value;
+    }
 }
 
 TEST_F(SdlPad, RightStickTurnsAsTheMouseWithItsLeftButton) {

@@ -65,6 +65,8 @@ TEST(Settings, MessagesQuoteALittleOfWhatTheyRefuse) {
     const std::string start(79, 'x');
     const std::string text = "k = '" + start + "\u00E4" + std::string(100000, 'y') + "'\n";
     ExpectRefusal("'" + start + "...' is not known", [&] { Settings::Parse(text, "a.toml").Choice("k", "", {"red"}); });
+    ExpectRefusal("'?[2J' is not known",
+                  [] { Settings::Parse("k = \"\\u001B[2J\"\n", "a.toml").Choice("k", "", {"red"}); });
     ExpectRefusal("is too long a list", [] {
         std::string list = "n = [0";
         for (int i = 0; i < 4096; ++i)

@@ -41,12 +41,6 @@ std::string Wedge(int x, int y, int height) {
 
 }  // namespace
 
-TEST(Compile, TwoRoomsAreSound) {
-    const CompiledLevel level = Compile(TwoRooms());
-    ExpectSound(level.world);
-    EXPECT_EQ(level.light.pointLight.size(), level.world.points.size());
-}
-
 TEST(Compile, BrushesThatRunThroughEachOtherAtOddAnglesAreSound) {
     MapBuilder map;
     map.Room({0, 0, 0}, {1536, 1536, 768}).Start("64 64 600");

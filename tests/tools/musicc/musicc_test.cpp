@@ -94,7 +94,9 @@ TEST(Musicc, WritesEveryKindOfSoundFileInOneGo) {
     std::vector<int16_t> samples;
     for (int i = 0; i < 20000; ++i)
         samples.push_back(static_cast<int16_t>(i * 7 % 9000));
-    for (const char* name : {"a.wav", "a.flac", "a.ogg"}) {
+    const std::pair<const char*, int> rows[] = {
+        {"a.wav", SF_FORMAT_WAV}, {"a.flac", SF_FORMAT_FLAC}, {"a.ogg", SF_FORMAT_OGG}};
+    for (const auto& [name, format] : rows) {
         const std::string path = testing::TempDir() + "/sounds/" + name;
         WriteSound(path, samples);
         SF_INFO info{};
@@ -103,6 +105,7 @@ TEST(Musicc, WritesEveryKindOfSoundFileInOneGo) {
         std::vector<int16_t> read(samples.size());
         EXPECT_EQ(sf_readf_short(file, read.data(), 10000), 10000) << name;
         EXPECT_EQ(info.frames, 10000);
+        EXPECT_EQ(info.format & SF_FORMAT_TYPEMASK, format) << name;
         EXPECT_TRUE(read == samples || std::string(name) == "a.ogg") << name;
         sf_close(file);
     }

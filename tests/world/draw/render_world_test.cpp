@@ -1,10 +1,9 @@
-// The list of leaves that RenderWorld draws, and the calls it makes of it.
+// The list of leaves that RenderWorld draws.
 #include "world/draw/render_world.h"
 
 #include "character/character_tables.h"
 #include "platform/timer.h"
 #include "render/render_tables.h"
-#include "support/pipeline_spy.h"
 #include "support/tiny_world.h"
 #include "support/view.h"
 #include "world/bsp.h"
@@ -48,7 +47,6 @@ protected:
         for (const int leaf : leavesWithCharacter_) {
             WorldGeometry.leaves[leaf].frameStamp = FrameCount;
         }
-        PipelineLog.clear();
         RenderWorld();
         return {WorldGeometry.renderList, WorldGeometry.renderList + RenderListCount};
     }
@@ -56,20 +54,6 @@ protected:
     TinyWorld world_;
     std::vector<int> leavesWithCharacter_;
 };
-
-TEST_F(RenderedWorld, PutsTheCharacterBehindAWallItStandsBehind) {
-    PublishNearAndFar(Square({0, 0, 400}, 10), Square({0, 0, 600}, 10));
-    leavesWithCharacter_ = {0};
-    PlayerActor.position = {0, 0, 450};
-    EXPECT_EQ(Render(), (List{~1, CHARACTER_ENTRY, ~0}));
-    PlayerActor.position = {0, 0, 400};  // on the plane: in front
-    EXPECT_EQ(Render(), (List{~1, ~0, CHARACTER_ENTRY}));
-    PlayerActor.position = {0, 0, 200000};  // too far behind any plane to tell
-    EXPECT_EQ(Render(), (List{~1, ~0, CHARACTER_ENTRY}));
-    PlayerActor.position = {0, 0, 450};
-    WorldGeometry.planes[WorldGeometry.polygons[0].plane] = {0, 0, -1, 400};  // the wall turns its back to the eye
-    EXPECT_EQ(Render(), (List{~1, ~0, CHARACTER_ENTRY}));
-}
 
 TEST_F(RenderedWorld, ListsTheCharacterOfCulledLeavesToo) {
     PublishNearAndFar(Square({0, 0, 400}, 10), Square({0, 0, 600}, 10));
@@ -92,44 +76,6 @@ TEST_F(RenderedWorld, ABoxIsAsLargeWhateverTheSignsOfItsHalfExtents) {
     negate(WorldGeometry.nodes[0]);
     std::for_each_n(WorldGeometry.leaves, 2, negate);
     EXPECT_EQ(Render(), (List{1, 0}));
-}
-
-TEST_F(RenderedWorld, ClipsWhatCrossesASideAndLeavesOutWhatLiesBeyondTheFarDistance) {
-    const auto drawn = [this] {
-        Render();
-        return PipelineLog;
-    };
-    const Corners deep = {{-10, -10, 590}, {10, -10, 590}, {10, 10, 610}, {-10, 10, 610}};
-    PublishNearAndFar(Square({-395, 0, 400}, 10), deep);
-    EXPECT_EQ(drawn(), "W1 X0/2");
-    FarDistance = 595.0f;  // nearer than the middle of the far leaf
-    EXPECT_EQ(drawn(), "W1 X0/2");
-    FarDistance = 589.0f;
-    EXPECT_EQ(drawn(), "X0/2");
-    WorldGeometry.leaves[0].radiusRoot2 = WorldGeometry.leaves[0].radiusAspect = 0;  // as if it lay inside the view
-    EXPECT_EQ(drawn(), "W0");
-    FogSwitch = 0;
-    EXPECT_EQ(drawn(), "O1/1 O0/0") << "in the colour of the leaf's number";
-}
-
-TEST_F(RenderedWorld, SeesTheFootOfATallWallAtTheUpperEdgeOfAWideView) {
-    ScreenAspect = ProjectionScaleX = 2.0f;
-    LookFrom({0, 0, 0}, 0, 0);
-    PublishNearAndFar({{-1, 195, 400}, {1, 195, 400}, {1, 315, 400}, {-1, 315, 400}}, Square({0, 0, 600}, 10));
-    EXPECT_EQ(Render(), (List{~1, 0}));
-}
-
-TEST_F(RenderedWorld, DrawsTheCharacterInALeafFromFarToNear) {
-    PublishNearAndFar(Square({0, 0, 400}, 10), Square({0, 0, 600}, 10));
-    uint16_t polygons[2];
-    polygons[0] = static_cast<uint16_t>(
-        AppendPolygon({{0, 0, 300, 0, 0, 0}, {9, 0, 300, 0, 0, 0}, {9, 9, 300, 0, 0, 0}, {0, 9, 300, 0, 0, 0}}));
-    polygons[1] =
-        static_cast<uint16_t>(AppendPolygon({{0, 0, 350, 0, 0, 0}, {9, 0, 350, 0, 0, 0}, {9, 9, 350, 0, 0, 0}}));
-    LeafBins[0] = {polygons, 2};
-    leavesWithCharacter_ = {0};
-    Render();
-    EXPECT_EQ(PipelineLog, "W1 W0 D3 D2");
 }
 
 TEST_F(RenderedWorld, SurvivesEyesAndBoxesBeyondAllNumbers) {
