@@ -47,8 +47,8 @@ void LoadPlayerMesh(uint16_t skin) {
 }
 
 void PlacePlayer(const Vec3& start) {
-    AddActor(PlayerActor, &PlayerMesh, PlayerStates.data(), TruncToInt(start.x), TruncToInt(start.y), TruncToInt(start.z),
-             PlayerAnimations);
+    AddActor(PlayerActor, &PlayerMesh, PlayerStates.data(), TruncToInt(start.x), TruncToInt(start.y),
+             TruncToInt(start.z), PlayerAnimations);
     UpdateActorBase(PlayerActor);  // the first frame poses with it
     PlayerActor.weights = LoadWeights("game\\data\\anims\\zero.wei", PlayerMesh);
 }
