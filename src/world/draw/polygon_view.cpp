@@ -151,7 +151,7 @@ void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
     }
     view.outsideAll = static_cast<uint8_t>(outsideAll[0] & outsideAll[1] & outsideAll[2] & outsideAll[3]);
     view.outsideAny = static_cast<uint8_t>(outsideAny[0] | outsideAny[1] | outsideAny[2] | outsideAny[3]);
-    if (projects) view.bounds = Joined(bounds);
+    if (view.isOnScreen) view.bounds = Joined(bounds);
 }
 
 void StoreView(const PolyRecord& polygon, const PolygonView& view) {
