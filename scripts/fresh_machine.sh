@@ -94,7 +94,7 @@ inside() {
         shift 5
         mount --rbind /dev "$system/dev" && mount -t proc proc "$system/proc" &&
             mount --bind "$fetched" "$system/var/cache/apt/archives" || exit 1
-        [ -z "${disk:-}" ] || mount -t tmpfs -o "size=$disk,mode=755" tmpfs "$system$home/$clone/build" || exit 1
+        [ -z "${disk:-}" ] || mount -t tmpfs -o "size=$disk,mode=777" tmpfs "$system$home/$clone/build" || exit 1
         exec chroot "$system" setpriv --reuid="$user" --regid="$user" --init-groups \
             env -i HOME="$home" USER="$user" TERM=dumb PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
             sh -c "cd && exec \"\$@\"" sh "$@"
