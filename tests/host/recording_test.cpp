@@ -8,7 +8,7 @@
 namespace {
 
 std::vector<uint8_t> FileBytes(const std::string& name) {
-    std::ifstream stream(std::string(SOURCE_FOLDER) + "/" + name, std::ios::binary);
+    std::ifstream stream(SOURCE_FOLDER "/" + name, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
