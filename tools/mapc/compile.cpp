@@ -5,6 +5,7 @@
 #include "mapc/fan.h"
 #include "mapc/light.h"
 #include "mapc/light_slots.h"
+#include "mapc/map_places.h"
 #include "mapc/merge.h"
 #include "mapc/sealing.h"
 #include "mapc/tessellate.h"
@@ -132,6 +133,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     CheckLights(map, brushes, lights);
     CompiledLevel compiled;
     compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
+    compiled.places = PlacesOf(map, brushes, compiled.placement);
 
     Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes);
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
@@ -160,9 +162,11 @@ std::string CompileToFiles(const CompileFiles& files) {
     try {
         const CompiledLevel level =
             CompileMap(ReadMapFile(files.map), ReadMaterialList(files.materials), files.level, files.bake);
+        const std::string places = PlacesText(level.places);
         WriteWholeFiles({{files.output / (name + ".bgm"), EncodeWorld(level.world)},
                          {files.output / "lights.lmp", EncodeLightMap(level.light)},
-                         {files.output / "lights.alt", EncodeLightSlots(level.slots)}});
+                         {files.output / "lights.alt", EncodeLightSlots(level.slots)},
+                         {files.output / "places.txt", {places.begin(), places.end()}}});
         std::error_code ignored;
         std::filesystem::remove(pathFile, ignored);
         return ReportOf(level);

@@ -4,6 +4,7 @@
 #include "formats/error.h"
 #include "formats/light_files.h"
 #include "formats/material_list.h"
+#include "formats/places_file.h"
 #include "mapc/bake.h"
 #include "mapc/limits.h"
 #include "mapc/map_file.h"
@@ -15,6 +16,7 @@ struct CompiledLevel {
     LightMapFile light;
     LightSlotFile slots;
     Placement placement;
+    PlacesFile places;
     std::vector<Count> counts;
     Contacts contacts;
     size_t rays = 0;          // of the light
@@ -39,7 +41,7 @@ struct CompileFiles {
     BakeOptions bake{};
 };
 
-// Writes <output>/<name>.bgm, lights.lmp and lights.alt and returns a report for the user. name: the level's world
-// name, or the map's own without a level. On failure nothing is written there; for a leak, its path goes beside the
-// map, <map>.pts, where map editors look for it. The next success removes that file.
+// Writes <output>/<name>.bgm, lights.lmp, lights.alt and places.txt and returns a report for the user. name: the
+// level's world name, or the map's own without a level. On failure nothing is written there; for a leak, its path goes
+// beside the map, <map>.pts, where map editors look for it. The next success removes that file.
 std::string CompileToFiles(const CompileFiles& files);

@@ -5,8 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <optional>
-
 namespace {
 
 // Where the brush's top is above or below the point, as far as a vertical line through the point meets it.
@@ -30,19 +28,16 @@ std::optional<double> TopOf(const Brush& brush, const PlaneTable& planes, const 
     return bottom < top ? std::optional(top) : std::nullopt;
 }
 
-double FloorBelow(const MapFile& map, const Brushes& brushes, const PlayerStart& start) {
+}  // namespace
+
+std::optional<double> FloorBelow(const Brushes& brushes, const Vec3& p) {
     std::optional<double> floor;
     for (const Brush& brush : brushes.list) {
-        const std::optional<double> top = TopOf(brush, brushes.planes, start.origin);
-        if (top && *top <= start.origin.z && (!floor || *top > *floor)) floor = top;
+        const std::optional<double> top = TopOf(brush, brushes.planes, p);
+        if (top && *top <= p.z && (!floor || *top > *floor)) floor = top;
     }
-    if (!floor) {
-        Refuse(map.name, start.line, "there is no floor below info_player_start", "put it above a floor");
-    }
-    return *floor;
+    return floor;
 }
-
-}  // namespace
 
 Vec3 Placement::Turned(const Vec3& v) const {
     Vec3 turned = v;
@@ -91,11 +86,15 @@ Placement PlaceMap(const MapFile& map, const Brushes& brushes, const PlayerStart
     Placement placement;
     placement.scale = scale;
     if (level == 0) return placement;
+    const std::optional<double> floor = FloorBelow(brushes, start.origin);
+    if (!floor) {
+        Refuse(map.name, start.line, "there is no floor below info_player_start", "put it above a floor");
+    }
     placement.quarterTurns = (90 - start.angle + 360) / 90 % 4;
     const LevelRow& row = LevelRowOf(level);
     const Vec3 origin = placement.Turned(start.origin) * scale;
     placement.offset[0] = row.start[0] - origin.x;
-    placement.offset[1] = row.floor - FloorBelow(map, brushes, start) * scale;
+    placement.offset[1] = row.floor - *floor * scale;
     placement.offset[2] = row.start[2] - origin.z;
     return placement;
 }

@@ -5,6 +5,7 @@
 #include "formats/world_file.h"
 #include "mapc/brush.h"
 
+#include <optional>
 #include <string>
 
 struct Placement {
@@ -26,6 +27,9 @@ struct PlayerStart {
 
 // The map's info_player_start. ContentError when there is none, more than one, or none with a usable origin and angle.
 PlayerStart FindPlayerStart(const MapFile& map);
+
+// Height of the topmost brush below the point, in map space, if there is any.
+std::optional<double> FloorBelow(const Brushes& brushes, const Vec3& p);
 
 // level 0: scaled only. 1..8: the start's east-north position comes to the level's start, the floor below the start to
 // the level's floor, and the start's direction to +z. ContentError when there is no floor below the start.

@@ -57,12 +57,14 @@ const std::vector<EntityClass> ENTITY_CLASSES{
       "sky_light",
       "bounce",
       "exposure",
+      "route_time",
       "mapversion",
       "message",
       "wad"}},  // the last three are editors'
     {"func_group", {"corner_light"}},
     {"func_detail", {"corner_light"}},
     {"func_terrain", {"image", "steep", "steep_from", "high", "high_from"}},
+    {"info_route", {"origin", "order", "angle", "reach", "name"}},
     {"light", {"origin", "light", "radius", "style", "low", "rise", "fall", "high_time", "low_time", "start"}},
 };
 
@@ -118,10 +120,10 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
 void CheckEntities(const MapFile& map) {
     for (const MapEntity& entity : map.entities) {
         const std::string name = entity.ClassName();
-        if (name.starts_with("info_")) continue;
         const auto known = std::find_if(ENTITY_CLASSES.begin(), ENTITY_CLASSES.end(),
                                         [&](const EntityClass& entityClass) { return entityClass.name == name; });
         if (known == ENTITY_CLASSES.end()) {
+            if (name.starts_with("info_")) continue;
             Refuse(map.name, entity.line,
                    name.empty() ? "an entity without a classname" : "unknown entity " + Shown(name),
                    "use worldspawn, func_group, func_detail, func_terrain, light and info_*");
