@@ -21,8 +21,6 @@ constexpr int LIST_ROOM = 35000;
 static_assert(LIGHT_CONTRIBUTION_MAX <= LIST_ROOM);
 static_assert(CORNER_NUMBERS <= CORNER_LIGHT_POLYGONS * CORNER_LIGHT_CORNERS);
 
-constexpr int32_t FLICKER_TIME_BITS = 7;
-
 struct ContributionList {
     uint16_t targets[LIST_ROOM];
     float weights[LIST_ROOM];

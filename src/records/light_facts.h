@@ -19,6 +19,7 @@ constexpr int CHARACTER_LIGHT_COUNT = 30;      // that light the character at on
 constexpr int FLICKER_RANGE = 127;
 constexpr int FLICKER_BASE = 256;
 constexpr int FLICKER_SCALE = 128;
+constexpr int FLICKER_TIME_BITS = 7;  // it keeps it for so many frames at most, at random
 
 // Polygons with a light byte a corner.
 constexpr uint32_t CORNER_LIGHT_CORNERS = 8;       // of each, at most

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -28,8 +29,8 @@ bool ReadLine(std::istream& in, PlacesFile& places) {
     std::string word;
     if (!(in >> word)) return true;
     if (word == "map") {
-        in >> places.quarterTurns >> places.scale;
-        for (double& offset : places.offset)
+        in >> places.frame.quarterTurns >> places.frame.scale;
+        for (double& offset : places.frame.offset)
             in >> offset;
     } else if (word == "time") {
         in >> places.routeTime;
@@ -38,10 +39,20 @@ bool ReadLine(std::istream& in, PlacesFile& places) {
     } else {
         return false;
     }
-    return !in.fail() && places.scale > 0;
+    return !in.fail() && places.frame.scale > 0;
 }
 
 }  // namespace
+
+std::array<double, 3> MapFrame::ToMap(const std::array<double, 3>& p) const {
+    std::array<double, 3> turned{};
+    for (size_t i = 0; i < 3; ++i)
+        turned[i] = (p[i] - offset[i]) / scale;
+    double east = turned[0], north = turned[2];
+    for (int i = 0; i < quarterTurns; ++i)
+        east = std::exchange(north, -east);
+    return {east, north, turned[1]};
+}
 
 PlacesFile ReadPlaces(const std::filesystem::path& path) {
     const std::vector<uint8_t> bytes = ReadWholeFile(path, TEXT_MOST_BYTES);
@@ -59,8 +70,8 @@ PlacesFile ReadPlaces(const std::filesystem::path& path) {
 std::string PlacesText(const PlacesFile& places) {
     std::string text = fmt::format("# Written by mapc: where the map and its marks lie in the world.\n"
                                    "map {} {} {} {} {}\ntime {}\n",
-                                   places.quarterTurns, places.scale, places.offset[0], places.offset[1],
-                                   places.offset[2], places.routeTime);
+                                   places.frame.quarterTurns, places.frame.scale, places.frame.offset[0],
+                                   places.frame.offset[1], places.frame.offset[2], places.routeTime);
     for (const MarkedPlace& mark : places.marks) {
         text += fmt::format("mark {} {} {} {} {} {} {}\n", mark.order, mark.x, mark.y, mark.z, mark.reach,
                             mark.heading ? fmt::format("{}", *mark.heading) : "-", mark.name);

@@ -61,8 +61,8 @@ void CheckOrder(const MapFile& map, const std::vector<Mark>& marks) {
 }  // namespace
 
 PlacesFile PlacesOf(const MapFile& map, const Brushes& brushes, const Placement& placement) {
-    PlacesFile places{.quarterTurns = placement.quarterTurns, .scale = placement.scale, .marks = {}};
-    std::copy(std::begin(placement.offset), std::end(placement.offset), places.offset);
+    PlacesFile places;
+    places.frame = placement;
     places.routeTime = NumberKeyIn(map, map.entities[0], "route_time", 0, 0, TIME_MAX);
     std::vector<Mark> marks;
     for (const MapEntity& entity : map.entities) {

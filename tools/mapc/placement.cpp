@@ -56,11 +56,8 @@ WorldVector Placement::ToFile(const Vec3& p) const {
 }
 
 Vec3 Placement::ToMap(const Vec3& p) const {
-    const Vec3 turned = (p - Vec3{offset[0], offset[1], offset[2]}) * (1 / scale);
-    Vec3 map{turned.x, turned.z, turned.y};
-    for (int i = 0; i < quarterTurns; ++i)
-        map = {map.y, -map.x, map.z};
-    return map;
+    const auto [x, y, z] = MapFrame::ToMap({p.x, p.y, p.z});
+    return {x, y, z};
 }
 
 PlayerStart FindPlayerStart(const MapFile& map) {

@@ -1,18 +1,14 @@
-// From map space (x east, y north, z up) to the engine's (x right, y up, z forward): engine = (x, z, y) * scale +
-// offset, after a turn by quarters that makes the player face +z.
+// How a map becomes a world: the turn makes the player face +z.
 #pragma once
 
+#include "formats/places_file.h"
 #include "formats/world_file.h"
 #include "mapc/brush.h"
 
 #include <optional>
 #include <string>
 
-struct Placement {
-    int quarterTurns = 0;  // about the vertical, counter-clockwise seen from above
-    double scale = 1;      // engine units per map unit
-    double offset[3] = {0, 0, 0};
-
+struct Placement : MapFrame {
     Vec3 Turned(const Vec3& v) const;  // engine axes, neither scaled nor moved
     Vec3 ToEngine(const Vec3& p) const;
     WorldVector ToFile(const Vec3& p) const;

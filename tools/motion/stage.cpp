@@ -5,7 +5,6 @@
 
 #include "character/actor.h"
 #include "character/animation.h"
-#include "character/mesh.h"
 #include "character/skin.h"
 #include "math/vectors.h"
 #include "memory/fatal.h"
@@ -80,23 +79,7 @@ void Stage::LoadFloor() {
 }
 
 void Stage::LoadCharacter(const std::filesystem::path& folder) {
-    CharPointBase = WorldGeometry.used.points;
-    CharPolyBase = WorldGeometry.used.polygons;
-    LoadMesh((folder / "zero.msh").c_str(), PlayerMesh, (folder / "zero.tuv").c_str());
-    for (const AnimFileEntry* entry = PlayerAnimations; entry->path; ++entry) {
-        const std::string path = entry->path;
-        paths_.push_back((folder / path.substr(path.rfind('\\') + 1)).string());
-    }
-    for (size_t i = 0; i < paths_.size(); ++i)
-        animations_.push_back({paths_[i].c_str(), PlayerAnimations[i].record});
-    animations_.push_back({nullptr, nullptr});
-    LoadAnimations(animations_.data(), PlayerMesh);
-
-    PlayerActor = {};
-    AddActor(PlayerActor, &PlayerMesh, PlayerStates.data(), 0, static_cast<int32_t>(START_HEIGHT), 0,
-             animations_.data());
-    ActorCount = 0;
-    TransformIdentity(PlayerActor.base);
+    player_.Load(folder, {0, START_HEIGHT, 0});
     const std::string weights = (folder / "zero.wei").string();
     PlayerActor.weights = LoadMalloc(weights.c_str());
     if (!PlayerActor.weights) FatalError(1, "No weights file found", weights.c_str());
@@ -164,11 +147,11 @@ Moment Stage::PoseAt(PlayerState state, uint32_t time) {
 }
 
 uint32_t Stage::LengthOf(int32_t state) const {
-    return animations_[static_cast<size_t>(PlayerStates[static_cast<size_t>(state)].animations[0])].record->length;
+    return player_.Animation(static_cast<size_t>(PlayerStates[static_cast<size_t>(state)].animations[0])).length;
 }
 
 std::array<double, 3> Stage::PivotOf(size_t bone) const {
-    const AnimRecord& record = *animations_[0].record;
+    const AnimRecord& record = player_.Animation(0);
     const auto track = ImageField<uint32_t>(record.image, record.rotationTable + 4 + 4 * static_cast<uint32_t>(bone));
     std::array<double, 3> pivot;
     for (uint32_t i = 0; i < 3; ++i)

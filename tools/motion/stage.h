@@ -4,11 +4,11 @@
 // The game's tables are global, so there is one stage at a time.
 #pragma once
 
+#include "motion/player_files.h"
 #include "player/player.h"
 
 #include <array>
 #include <filesystem>
-#include <string>
 #include <vector>
 
 constexpr float GROUND = -110.0f;  // of the frame of the actor's position: a model's origin, minus its `origin`
@@ -75,8 +75,7 @@ private:
     Moment Pose() const;
 
     std::vector<uint8_t> pool_;
-    std::vector<std::string> paths_;
-    std::vector<AnimFileEntry> animations_;
+    PlayerFiles player_;
     std::array<std::vector<size_t>, 2> soles_;
     Moment now_;
     Vec3 travel_{};       // of the latest frame

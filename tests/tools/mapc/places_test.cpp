@@ -39,11 +39,7 @@ TEST(Places, MarksComeToTheFileInTheOrderOfTheRoute) {
     EXPECT_EQ(places.marks[1].heading, std::nullopt);
     EXPECT_EQ(places.marks[2].order, 0);
     EXPECT_EQ(places.marks[2].name, "off the way");
-    const Vec3 inMap =
-        Placement{places.quarterTurns, places.scale, {places.offset[0], places.offset[1], places.offset[2]}}.ToMap(
-            {first.x, first.y, first.z});
-    EXPECT_EQ(inMap.x, 164);
-    EXPECT_EQ(inMap.y, 84);
+    EXPECT_EQ(places.frame.ToMap({first.x, first.y, first.z}), (std::array<double, 3>{164, 84, 109}));
 }
 
 TEST(Places, ARouteWithGapsIsRefused) {

@@ -1,0 +1,70 @@
+// The search in small rooms with one thing wrong each, and in one where nothing is; and its plays in the game.
+#include "explorer/report.h"
+#include "program/run_program.h"
+#include "walled_room.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+const std::filesystem::path DATA = SOURCE_FOLDER "/tests/levels/data";
+
+SearchReport Explore(const std::filesystem::path& world, const std::filesystem::path& lights, const Vec3& start) {
+    Walker walker({world, lights, DATA / "game/data/anims", start, 1});
+    return Search(walker, {.frames = 800'000, .seed = 1}).Run();
+}
+
+SearchReport Explore(Room room) {
+    WriteRoom(room, "world.bgm");
+    return Explore("world.bgm", {}, {223, 488, -211});
+}
+
+int CountOf(const SearchReport& report, FaultKind kind) {
+    return static_cast<int>(std::count_if(report.faults.begin(), report.faults.end(),
+                                          [&](const Fault& fault) { return fault.kind == kind; }));
+}
+
+TEST(Explorer, ARoomWithLeaningWallsIsSafe) {
+    const SearchReport report = Explore(Room::Safe);
+    EXPECT_EQ(report.faults.size(), 0U);
+    EXPECT_GT(report.cells, 100U);
+}
+
+TEST(Explorer, UprightWallsAreCreptThrough) {
+    const SearchReport report = Explore(Room::Upright);
+    EXPECT_GT(CountOf(report, FaultKind::Creep), 0);
+    EXPECT_GT(CountOf(report, FaultKind::Fall), 0);
+    EXPECT_EQ(CountOf(report, FaultKind::Trap), 0);
+}
+
+TEST(Explorer, ALedgeBesideATallWallThrowsThePlayerUp) {
+    EXPECT_GT(CountOf(Explore(Room::Ledge), FaultKind::Lift), 0);
+}
+
+TEST(Explorer, APitWithoutAWayOutIsATrap) {
+    EXPECT_GT(CountOf(Explore(Room::Pit), FaultKind::Trap), 0);
+}
+
+// In the game the play ends where the search says, to the last bit.
+TEST(Explorer, ItsScriptsPlayInTheGame) {
+    const std::filesystem::path level = DATA / "game/data/levels/level3";
+    const SearchReport report = Explore(level / "house.bgm", level / "lights.alt", {223, 488, -211});
+    ASSERT_FALSE(report.faults.empty());
+    const Fault& fault = report.faults.back();
+    const ProgramRun program;
+    program.Write("keys", ScriptOf(fault.play, "a fault"));
+    const ProgramResult play = program.Run("--data '" + DATA.string() +
+                                           "' --renderer software --level 3 --script keys --trace t --from 1000000 " +
+                                           "--frames " + std::to_string(fault.frames));
+    ASSERT_EQ(play.status, 0) << play.errors;
+    const std::string trace = program.Read("t");
+    Vec3 end{};
+    ASSERT_EQ(std::sscanf(trace.c_str() + trace.rfind("\"pos\":["), "\"pos\":[%f,%f,%f", &end.x, &end.y, &end.z), 3);
+    EXPECT_EQ(end.x, fault.outcome.x);
+    EXPECT_EQ(end.y, fault.outcome.y);
+    EXPECT_EQ(end.z, fault.outcome.z);
+}
+
+}  // namespace

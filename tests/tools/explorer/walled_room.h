@@ -1,0 +1,13 @@
+// Rooms for the search: 800 by 800 and 600 high, as worlds of level 3, whose start lies in a corner.
+#pragma once
+
+#include <filesystem>
+
+enum class Room {
+    Safe,     // its walls lean away, so that whoever falls along them presses into them
+    Upright,  // its walls stand upright
+    Ledge,    // as Safe, with a ledge of 24 that leads aslant to a tall block
+    Pit,      // as Safe, with a hole in the floor, 120 by 120 and 600 deep
+};
+
+void WriteRoom(Room room, const std::filesystem::path& world);

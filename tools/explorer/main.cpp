@@ -1,0 +1,68 @@
+#include "explorer/report.h"
+#include "formats/error.h"
+#include "records/levels.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <chrono>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path LevelFolder(const fs::path& data, int level) {
+    return data / fmt::format("game/data/levels/level{}", level);
+}
+
+WalkerLevel FilesOf(const fs::path& data, int level, uint32_t ticks) {
+    const LevelRow& row = LevelRowOf(level);
+    const fs::path folder = LevelFolder(data, level);
+    const auto start = [&](int axis) { return static_cast<float>(row.start[axis]); };
+    return {folder / (std::string(row.world) + ".bgm"),
+            folder / "lights.alt",
+            data / "game/data/anims",
+            {start(0), start(1), start(2)},
+            ticks > 0 ? ticks : static_cast<uint32_t>(row.ticks)};
+}
+
+std::optional<PlacesFile> PlacesOf(const fs::path& data, int level) {
+    const fs::path file = LevelFolder(data, level) / "places.txt";
+    if (!fs::exists(file)) return std::nullopt;
+    return ReadPlaces(file);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Searches a level for places where a player falls out of the world, is trapped, is thrown up, or gets "
+                 "through a wall. Status 1 when there are any; walls gone through alone do not count.");
+    int level = 0;
+    fs::path data = "build/data", output = ".";
+    SearchOptions options;
+    uint32_t ticks = 0;
+    app.add_option("--level", level, "the level")->required()->check(CLI::Range(1, LEVEL_COUNT));
+    app.add_option("--frames", options.frames, "how many frames to play")->capture_default_str();
+    app.add_option("--seed", options.seed, "of the random keys: the same seed, the same search")->capture_default_str();
+    app.add_option("--ticks", ticks, "length of a frame in ticks; the level's own when it is left out")
+        ->check(CLI::Range(1, 12));
+    app.add_option("--data", data, "the data folder")->capture_default_str();
+    app.add_option("--output", output, "the folder for a script of each fault, which the game plays")
+        ->capture_default_str();
+    CLI11_PARSE(app, argc, argv);
+    try {
+        const auto begin = std::chrono::steady_clock::now();
+        Walker walker(FilesOf(data, level, ticks));
+        const SearchReport report = Search(walker, options).Run();
+        const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+        fmt::print("{}{:.1f} seconds\n", ReportOf(report, PlacesOf(data, level), output, fmt::format("level{}", level)),
+                   seconds.count());
+        for (const Fault& fault : report.faults) {
+            if (fault.kind != FaultKind::Creep) return 1;
+        }
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "explorer: {}\n", error.what());
+        return 2;
+    }
+    return 0;
+}
