@@ -66,8 +66,10 @@ MapBuilder MapOf(Room room) {
     const int depth = room == Room::Pit ? 600 : 0;
     if (room == Room::Upright) return MapBuilder().Room({0, 0, 0}, {SIDE, SIDE, HEIGHT});
     MapBuilder map = LeaningRoom({{480, 480, -depth}, {600, 600, 0}});
-    if (room == Room::Ledge) map.Box({300, 300, 0}, {700, 500, 300}).TurnedBox({400, 200, 0}, {500, 300, 24});
-    return map;
+    if (room != Room::Ledge) return map;
+    for (int x = 250; x < 750; x += 110)
+        map.TurnedBox({x, 200, 0}, {x + 100, 300, 24});
+    return map.Box({200, 300, 0}, {800, 500, 300});
 }
 
 }  // namespace
