@@ -12,7 +12,7 @@ int32_t CurrentLevel;
 namespace {
 
 constexpr uint32_t TEXTURE_COLOUR = 0x00404040;
-// Each path is one literal.
+// The path of a level's file, joined by the preprocessor: the table holds it as one literal.
 #define LEVEL_PATH(NUMBER, FILE) "game\\data\\levels\\level" #NUMBER "\\" FILE
 #define LEVEL(NUMBER, WORLD, X, Y, Z, FLOOR, SKIN, SKY, TICKS, FOG, TRACK, KEY)                                        \
     {.textureFile = LEVEL_PATH(NUMBER, "texture.bin"),                                                                 \

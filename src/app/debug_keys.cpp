@@ -25,7 +25,7 @@ void ToggleFog() {
     if (GlideActive()) SetFogSwitchStates(FogSwitch != 0);
 }
 
-// Two keys that raise and lower a distance while they are held. True: at least one of them is.
+// Raises or lowers the distance while one of the two keys is held. Returns whether at least one is.
 bool StepDistance(float& distance, uint8_t raiseKey, uint8_t lowerKey) {
     const bool raise = KeyDown(raiseKey);
     const bool lower = KeyDown(lowerKey);

@@ -49,7 +49,7 @@ void AlternateFrontEndAndGame() {
     while (GameMode != MODE_QUIT) {
         const uint8_t gameMode = RunGame();
         if (gameMode == MODE_QUIT) return;
-        // Neither could show anything: going on would be an endless row of message boxes.
+        // Neither the front end nor the game could open a display: going on would show message boxes without end.
         if (gameMode == MODE_PLAYING && !FrontEndWasShown(frontEndMode)) return;
         frontEndMode = RunFrontEnd();
     }
@@ -78,7 +78,7 @@ LRESULT MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_DESTROY: PostQuitMessage(0); return 0;
     case WM_DISPLAYCHANGE: SetWindowPos(window, nullptr, 0, 0, LOWORD(lParam), HIWORD(lParam), SWP_NOZORDER); return 0;
     case WM_SYSKEYDOWN:
-        // Swallowed whole, so that no Alt combination closes or switches the window.
+        // These messages never reach DefWindowProc, so that no Alt combination closes or switches the window.
         if (wParam == VK_TAB && Display.directDraw != nullptr) Display.directDraw->FlipToGDISurface();
         return 0;
     case MM_MCINOTIFY: PlayCdTrack(MainWindow); return 0;

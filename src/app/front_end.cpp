@@ -57,7 +57,7 @@ void ShowChoicePicture(const char* path) {
     PresentDisplay();
 }
 
-// The choices poll without taking messages. False: Escape went down.
+// Polls until a level's key goes down, and takes no messages meanwhile. False: Escape went down.
 bool ChooseLevel() {
     ShowChoicePicture("FrontEnd\\Select01.bmp");
     CurrentLevel = -1;
@@ -70,7 +70,7 @@ bool ChooseLevel() {
     return true;
 }
 
-// Keys must go down here: F12 may still be held from the choice of the level.
+// Only a key that goes down while this runs counts: F12 may still be held from the choice of the level.
 bool ChooseRenderer() {
     ShowChoicePicture("FrontEnd\\Select02.bmp");
     for (;;) {

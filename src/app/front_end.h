@@ -6,9 +6,9 @@
 
 #include <cstdint>
 
-constexpr uint32_t FRONT_END_BITS = 16;  // a pixel
+constexpr uint32_t FRONT_END_BITS = 16;  // bits a pixel of its display
 
-constexpr uint8_t START_KEY = DIK_SPACE;  // at the attract pictures: on to the choices
+constexpr uint8_t START_KEY = DIK_SPACE;  // leads from the attract pictures to the choice of a level
 constexpr uint8_t SOFTWARE_KEY = DIK_F11;
 constexpr uint8_t ACCELERATOR_KEY = DIK_F12;
 

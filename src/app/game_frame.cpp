@@ -25,10 +25,10 @@
 
 namespace {
 
-constexpr float FAR_DISTANCE_MIN = 1.0f;  // a level without a light map may have none
+constexpr float FAR_DISTANCE_MIN = 1.0f;  // a level without a light map may leave FarDistance at 0
 
-// The software renderer draws straight into the display's surface. A failed lock leaves the target as it was.
-// Without one nothing is filled.
+// The software renderer draws straight into the display's surface. After a failed lock FrameBuffer stays as it was.
+// False: there is no FrameBuffer, and nothing may be filled.
 bool LockTarget() {
     if (!HostWantsPicture()) FrameBuffer = nullptr;
     if (!HostWantsPicture() || GlideActive() || Failed(LockSurface())) return false;
@@ -37,14 +37,14 @@ bool LockTarget() {
     return true;
 }
 
-// Stamps of 65536 frames ago, and of tables never stamped, must not pass for this frame's.
+// Rewrites all stamps at 0 and 32768: a stamp of 65536 frames ago, or one never written, must not equal FrameCount.
 void CountFrame() {
     FrameCount++;
     if (FrameCount == 0) FillStamps(0xFFFF);
     if (FrameCount == 0x8000) FillStamps(0);
 }
 
-// Keeps what the spans of the report refer to.
+// Holds the lists that the spans of the host's report point into.
 struct ReportedLists {
     std::vector<float> lights, shots;
 };

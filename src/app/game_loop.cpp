@@ -20,7 +20,7 @@ namespace {
 
 constexpr int32_t SOFTWARE_SCREEN_RES = 0;  // 320 x 240
 
-// Rounds to nearest, masks every exception, keeps denormals: whatever a library has left behind.
+// Sets rounding to nearest, masks every exception and keeps denormals, since a library may have set them otherwise.
 void SetFpuSinglePrecision() {
     std::fesetenv(FE_DFL_ENV);
 }
@@ -68,7 +68,7 @@ bool StartGame() {
     if (!InitGraphics(SOFTWARE_SCREEN_RES)) return false;
     LoadLevel(CurrentLevel);
     SwapScreen();
-    MouseInput = {};  // the last frame of the game before would move the camera once more
+    MouseInput = {};  // otherwise the mouse motion of the previous game's last frame would move the camera
     UpdateCamera();
     MeasuredTicks = 0;
     FrameTicks = 0;

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-// Plays CurrentLevel (level 0 for an index outside the table). The final GameMode: MODE_LEAVE, MODE_QUIT, or
+// Plays CurrentLevel (level 0 for an index outside the table). Returns the final GameMode: MODE_LEAVE, MODE_QUIT, or
 // MODE_PLAYING after "Unable to initialize game." or WM_QUIT.
 uint8_t RunGame();
 

@@ -28,14 +28,14 @@ namespace {
 constexpr Vec3 CAMERA_START_POSITION = {3400.0f, 137.0f, 4101.0f};
 constexpr Vec3 CAMERA_START_ANGLES = {-27.0f, 329.0f, 0.0f};
 
-// What the level before must not hand on.
+// Resets the state that must not last from the previous level into this one.
 void ResetLevelState(int32_t index) {
     LoadedLevel = index;
     CameraMode = CAMERA_FOLLOW;
     CameraPos = CAMERA_START_POSITION;
     CameraAngles = CAMERA_START_ANGLES;
     ActorCount = 0;
-    // Only the accelerator's light map sets it, and the keys keep FadeDistance above it.
+    // Only LoadLightMap with the accelerator sets it, and DebugKeys keeps FadeDistance above it.
     if (!GlideActive()) FogNearDistance = 0.0f;
 }
 
@@ -49,11 +49,11 @@ void LoadPlayerMesh(uint16_t skin) {
 void PlacePlayer(const Vec3& start) {
     AddActor(PlayerActor, &PlayerMesh, PlayerStates.data(), TruncToInt(start.x), TruncToInt(start.y),
              TruncToInt(start.z), PlayerAnimations);
-    UpdateActorBase(PlayerActor);  // the first frame poses with it
+    UpdateActorBase(PlayerActor);  // the first frame poses the character with this base
     PlayerActor.weights = LoadWeights("game\\data\\anims\\zero.wei", PlayerMesh);
 }
 
-// The alternate table keeps the coordinates in texel units.
+// Afterwards polyVertices holds the accelerator's texture units, and alternateVertices keeps texel units.
 void ConvertToGlideCoordinates() {
     std::copy_n(WorldGeometry.polyVertices, WorldGeometry.used.polyVertices, WorldGeometry.alternateVertices);
     L_CreateGlideUVs();

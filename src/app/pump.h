@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-// One message a turn; when the queue is empty and the program is the active one, one step of work, else a wait for
-// messages. Ends when GameMode is no longer `mode`, or on WM_QUIT. A processor or C++ exception inside a step shows
-// "Exception" and ends the process with the exception's code.
+// Handles one message a turn. When the queue is empty it calls `step` if the program is the active one, and otherwise
+// waits for messages. Returns when GameMode is no longer `mode`, or on WM_QUIT. A processor or C++ exception inside a
+// step shows "Exception" and ends the process with the exception's code.
 void RunMessagePump(uint8_t mode, void (*step)());

@@ -16,14 +16,15 @@ Shot Shots[SHOT_COUNT];
 namespace {
 
 constexpr uint16_t FRAMES_BETWEEN = 20;
-constexpr uint16_t FIRST_FRAME = 1;  // FrameCount after a level load
+constexpr uint16_t FIRST_FRAME = 1;  // the value of FrameCount after a level load
 constexpr int16_t LIFE = 30;
 constexpr float SPEED = 75.0f;
-constexpr float ELEVATION = 8.0f;  // degrees
+constexpr float ELEVATION = 8.0f;  // degrees above the heading at which a shot flies
 constexpr int32_t RADIUS = 50;
 constexpr int16_t PHASE_BITS = 3;
 
-uint16_t LastFrame;  // of the last shot fired; its difference from FrameCount survives the counter's wrap
+uint16_t
+    LastFrame;  // FrameCount when the last shot was fired; the 16-bit difference from FrameCount holds across its wrap
 
 Vec3 VelocityAlong(const Vec3& angles) {
     Matrix3 rotation;

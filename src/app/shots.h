@@ -16,12 +16,12 @@ struct Shot {
     int16_t light;  // its light slot
     int16_t life;   // frames left, from 30
     int16_t state;  // SHOT_FLYING or SHOT_FREE
-    int16_t phase;  // 0..3, one on in each frame, from a random one
+    int16_t phase;  // 0..3: starts at random, one more in each frame
 };
 static_assert(sizeof(Shot) == 32);  // no gaps: traces digest the table as it is
 
 extern Shot Shots[SHOT_COUNT];
 
-void ClearShots();   // every slot free, and the first frame may fire; the lights go with their table
+void ClearShots();   // frees every slot, and the first frame may fire; LoadLightSlots frees their lights
 void FireShot();     // called by DebugKeys in every frame in which right Ctrl is held; fires in every 20th
 void UpdateShots();  // moves and ends them; once a frame, before UpdateLights

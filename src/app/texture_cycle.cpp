@@ -20,7 +20,8 @@ void TextureCycle() {
     uint8_t* entries = TextureRemap + TEXTURE_CYCLE_FIRST;
     for (uint32_t i = 0; i < TEXTURE_CYCLE_LENGTH; i++) {
         uint8_t next = entries[(i + 1) % TEXTURE_CYCLE_LENGTH];
-        // Changing the table in place makes two neighbours equal; taking the one after keeps the picture moving.
+        // The table is changed in place, which makes two neighbours equal; taking the entry after them keeps the
+        // picture moving.
         if (next == entries[i]) next = entries[(i + 2) % TEXTURE_CYCLE_LENGTH];
         entries[i] = next;
     }

@@ -25,7 +25,7 @@ void BuildRotations() {
     RotationFromAngles(CameraAngles.x, CameraAngles.y, CameraAngles.z, CameraRotation);
 }
 
-// Behind the head point along the view, `distance` away.
+// The point `distance` world units behind the head point, against the direction of the view.
 Vec3 PositionBehind(float distance) {
     const Vec3& target = CameraState.target;
     RotateVectorT(0.0f, 0.0f, -distance, CameraRotation);
@@ -70,7 +70,7 @@ void FlyFree() {
         state.moveX += static_cast<float>(MouseInput.xMotion / MOVE_SCALE);
         state.moveZ -= static_cast<float>(MouseInput.yMotion / MOVE_SCALE);
     }
-    // By the rotation of the previous frame.
+    // CameraRotation is still that of the previous frame here: meant, see docs/kept_as_is.md.
     RotateIntVectorT(TruncToInt(state.moveX), 0, TruncToInt(state.moveZ), CameraRotation);
     CameraPos.x += static_cast<float>(RotatedIntVector.x);
     CameraPos.y += static_cast<float>(RotatedIntVector.y);

@@ -5,9 +5,9 @@
 #include "camera/camera_tables.h"
 
 constexpr int32_t CAMERA_FOLLOW_DISTANCE = 250;
-constexpr float CAMERA_HEAD_HEIGHT = 60.0f;  // of the point looked at, above the follow target
+constexpr float CAMERA_HEAD_HEIGHT = 60.0f;  // height of the point looked at above the follow target
 constexpr float CAMERA_WALL_MARGIN = 20.0f;
-constexpr float CAMERA_PITCH_HIGHEST = 15.0f;  // of the follow mode; the free camera has no limits
+constexpr float CAMERA_PITCH_HIGHEST = 15.0f;  // limit of the follow mode only; the free camera has none
 constexpr float CAMERA_PITCH_LOWEST = -90.0f;
 
 // What the two modes remember from frame to frame. Lives for the whole run: no level load resets it.

@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-// In double precision throughout: a float would lose the sign of a small component of the direction, and with it the
-// wall.
+// All of it is in double precision: a float would lose the sign of a small component of the direction, and the probe
+// would miss the wall.
 namespace {
 
 constexpr double EDGE_TOLERANCE = 0.1;
@@ -19,7 +19,7 @@ struct Probe {
     DoubleVec3 start, direction;
     int directionSigns;
     int hits;
-    double nearestSquared;  // of the best hit
+    double nearestSquared;  // squared distance from start to the nearest hit so far
 };
 
 bool PolygonHolds(const PolyRecord& polygon, const DoubleVec3& normal, const DoubleVec3& point) {
@@ -28,7 +28,7 @@ bool PolygonHolds(const PolyRecord& polygon, const DoubleVec3& normal, const Dou
         const DoubleVec3 edge = ToDouble(CornerPosition(polygon, (i + 1) % polygon.cornerCount)) - corner;
         const DoubleVec3 inward = Cross(normal, edge);
         const double length = std::sqrt(Dot(inward, inward));
-        if (!(length > 0.0)) continue;  // an edge of no length bounds nothing
+        if (!(length > 0.0)) continue;  // an edge without length bounds nothing
         const DoubleVec3 unit = {inward.x / length, inward.y / length, inward.z / length};
         if (Dot(unit, point - corner) + EDGE_TOLERANCE < 0.0) return false;
     }
@@ -54,7 +54,7 @@ void TestPolygon(Probe& probe, int32_t index) {
     probe.hits++;
 }
 
-// Front to back from the start; ends with the first subtree that is hit.
+// Visits the leaves front to back from the start, and ends with the first subtree that is hit.
 void WalkTree(Probe& probe, int32_t child) {
     if (child < 0) {
         const BspLeaf& leaf = WorldGeometry.leaves[~child];

@@ -24,14 +24,14 @@ void AddActor(Actor& actor, MeshRecord* mesh, StateRecord* states, int32_t x, in
     actor.state = 0;
     for (uint32_t& time : actor.layerTimes)
         time = ANIM_START_TIME;
-    actor.blendDuration = 0;  // a blend would start from the bones of a mesh that is gone
+    actor.blendDuration = 0;  // a blend would start from bones of the previous level's mesh, which are gone
     if (ActorCount < ACTOR_LIST_SIZE) ActorList[ActorCount++] = &actor;
 }
 
 void UpdateActorBase(Actor& actor) {
     Matrix3 m;
     RotationFromAngles(actor.angles.x, -(actor.angles.y + 180.0f), actor.angles.z, m);
-    // The transpose: a Transform takes row vectors, a Matrix3 column vectors.
+    // Transposed, because a Transform takes row vectors and a Matrix3 takes column vectors.
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 3; ++column)
             actor.base.r[row * 3 + column] = m.m[column * 3 + row];
@@ -61,7 +61,7 @@ void ListFacingTriangles(const MeshRecord& mesh) {
     }
 }
 
-// The light's share for a light at distance `dist` along d, seen from the character's own frame.
+// What a light at distance `dist` along d gives the character, with the direction in the character's own frame.
 CharacterLight LightOnActor(const LightSlot& slot, const Vec3& d, float dist, double headingRadians) {
     if (dist == 0.0f || slot.radius == 0.0f) return {dist, {}, slot.intensity};
     const Vec3 u = {d.x / dist, d.y / dist, d.z / dist};

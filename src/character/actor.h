@@ -14,9 +14,9 @@ void AddActor(Actor& actor, MeshRecord* mesh, StateRecord* states, int32_t x, in
 // The actor's base transform from its position and angles. A mesh faces -z, hence the half turn.
 void UpdateActorBase(Actor& actor);
 
-void DrawActorAt(int16_t index);  // of ActorList: pose, then draw
-// Lights, skins and bins the actor into the leaves for RenderWorld of the same frame; rebuilds the base last, so a
-// pose uses the base of the frame before.
+void DrawActorAt(int16_t index);  // poses and draws ActorList[index]
+// Lights and skins the actor and bins it into the leaves, for RenderWorld of the same frame. Rebuilds the base last, so
+// a pose uses the base of the frame before.
 void DrawActor(Actor& actor);
 
 void GatherActorLights(float x, float y, float z);  // fills CharacterLightList

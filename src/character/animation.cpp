@@ -56,7 +56,8 @@ bool ValidTracks(const AnimRecord& record) {
            ValidTable(record, record.positionTable, POSITION_TRACK);
 }
 
-// The list ends inside the file and names bones of the mesh that have tracks. It may leave transforms on the stack.
+// Refuses a command list that does not end inside the file, or names a bone without tracks or outside the mesh. It may
+// leave transforms on the stack.
 void CheckCommands(const AnimRecord& record, uint32_t boneCount, const char* path) {
     int depth = 0;
     for (uint64_t offset = COMMANDS_AT; offset + COMMAND_BYTES <= record.imageBytes; offset += COMMAND_BYTES) {
@@ -72,7 +73,7 @@ void CheckCommands(const AnimRecord& record, uint32_t boneCount, const char* pat
     FatalError(0, INVALID_ANIMATION, path);
 }
 
-// Layers 1 and 2 only; layer 0 can also end the state.
+// For layers 1 and 2; layer 0, whose end can also end the state, has FinishLayer0. Animation 0 does not move on here.
 void AdvanceLayer(Actor& actor, int layer, const StateRecord& oldState) {
     const int16_t animation = actor.states[actor.state].animations[layer];
     if (animation <= 0) return;
@@ -138,7 +139,7 @@ void AdvanceActor(Actor& actor) {
     AdvanceLayer(actor, 1, oldState);
     AdvanceLayer(actor, 2, oldState);
 
-    // The ground drive needs ground; gravity does not.
+    // The drive forward and sideways acts on the ground only; gravity acts always.
     const auto ticks = static_cast<float>(FrameTicks);
     Vec3 drive = {ticks * oldState.drive.x, ticks * oldState.drive.y, ticks * oldState.drive.z};
     if (actor.onContact == 0) drive.x = drive.z = 0.0f;
@@ -158,7 +159,7 @@ void SetActorState(Actor& actor, int32_t state, uint32_t startTime, int32_t blen
     const StateRecord& record = actor.states[state];
     const Vec3& impulse = record.impulse;
     if (impulse.y + impulse.z + impulse.x != 0.0f) {
-        // The drive that the same AdvanceActor adds afterwards is taken out, so that the impulse stands alone.
+        // AdvanceActor adds the drive to the velocity afterwards; it is subtracted here, so that only the impulse acts.
         const auto ticks = static_cast<float>(FrameTicks);
         AddLocalVelocity(actor, {impulse.x - ticks * record.drive.x, impulse.y - ticks * record.drive.y,
                                  impulse.z - ticks * record.drive.z});

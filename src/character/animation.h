@@ -21,9 +21,10 @@
 void LoadAnimations(AnimFileEntry* table, const MeshRecord& mesh);
 void LoadAnimation(const char* path, AnimRecord& record, const MeshRecord& mesh);
 
-// Once a frame: the state's handler, the clocks, a finished animation's transition, the drive.
+// Once a frame: calls the state's handler, moves the clocks on, makes the transition of a finished animation, and adds
+// the drive to the velocity.
 void AdvanceActor(Actor& actor);
 void SetActorState(Actor& actor, int32_t state, uint32_t startTime, int32_t blendDuration);
 
-// World transforms of every bone, at the start of drawing the actor.
+// Computes the world transform of every bone, at the start of drawing the actor.
 void PoseActor(Actor& actor);

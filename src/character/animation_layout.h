@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-// From the start of the file.
+// Offsets from the start of the file.
 constexpr uint32_t LENGTH_AT = 4;
 constexpr uint32_t TRACK_COUNT_AT = 8;
 constexpr uint32_t HIDDEN_BLOCK_AT = 12;
@@ -12,13 +12,13 @@ constexpr uint32_t ROTATION_TABLE_AT = 16;
 constexpr uint32_t POSITION_TABLE_AT = 20;
 constexpr uint32_t COMMANDS_AT = 32;
 
-// Skeleton commands; others are bones.
+// Skeleton commands; a number from 0 on is a bone.
 constexpr int32_t COMMAND_PUSH = -1;
 constexpr int32_t COMMAND_POP = -2;
 constexpr int32_t COMMAND_END = -3;
 constexpr uint32_t COMMAND_BYTES = 4;
 
-// A table of tracks: a word that is not used, then the offset of each track.
+// A table of tracks is an unused word, then the offset of each track.
 constexpr uint32_t TABLE_HEADER_BYTES = 4;
 constexpr uint32_t TABLE_ENTRY_BYTES = 4;
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int32_t HEAD = 0, TAIL = 1, FIRST = 2;
 constexpr int32_t KEY_BYTES = 4;
-constexpr int32_t FEW = 48;  // are sorted sooner than a radix sort has cleared its counts
+constexpr int32_t FEW = 48;  // up to here a comparison sort is faster: a radix sort has to clear its counts
 constexpr uint32_t SIGN = 0x80000000;
 
 int32_t NextFree;
@@ -23,7 +23,7 @@ float BetweenMarkers(float depth) {
 }
 
 struct SortedNode {
-    uint32_t key;  // smaller: farther
+    uint32_t key;  // a smaller key is farther
     int32_t node;
 };
 
@@ -38,7 +38,7 @@ uint32_t FarthestFirst(float depth) {
     return (bits & SIGN) != 0 ? bits : ~(bits | SIGN);
 }
 
-// One pass of a radix sort, which keeps the order of equals. False: all have the same byte there, nothing was moved.
+// One pass of a radix sort; equal keys keep their order. False: all keys have the same byte there, nothing was moved.
 bool SortByKeyByte(const SortedNode* from, SortedNode* to, int32_t count, int32_t byte) {
     int32_t starts[257] = {};
     const auto digit = [byte](const SortedNode& entry) { return entry.key >> (8 * byte) & 0xFF; };

@@ -14,8 +14,8 @@ namespace {
 
 constexpr float START_DISTANCE = 100.0f;  // planes farther than this from the actor do not cut it
 constexpr float PLANE_THICKNESS = 1.0f;   // corners this near count as on the plane
-constexpr uint32_t SCRATCH_GAP = 100;     // the clipper's own scratch lies below
-constexpr uint32_t PIECE_CORNERS = 12;    // the pipeline's limit for an unclipped polygon
+constexpr uint32_t SCRATCH_GAP = 100;     // entries between the used counts and this one's scratch, left to the clipper
+constexpr uint32_t PIECE_CORNERS = 12;    // the most corners that the pipeline takes in an unclipped polygon
 
 enum class Side : uint8_t { On, Front, Back };
 
@@ -42,7 +42,7 @@ float PlaneDistance(const PlaneRecord& plane, float x, float y, float z) {
     return plane.nx * x + plane.ny * y + plane.nz * z + plane.d;
 }
 
-// True when the polygon has corners on both sides.
+// On which sides of the plane the polygon has corners; on both: it must be split.
 struct Classification {
     bool anyFront, anyBack;
 };
@@ -62,7 +62,7 @@ Classification Classify(const PolyRecord& polygon, const PlaneRecord& plane, Cor
     return result;
 }
 
-// The crossing of the edge i -> j: a new point, and a corner on it.
+// Makes a new point where the edge i -> j crosses the plane, and returns a corner on it.
 PolyVertex SplitEdge(const PolyVertex& vi, const PolyVertex& vj, float di, float dj) {
     const float t = di / (di - dj);
     const uint32_t point = NextPoint++;
@@ -83,7 +83,7 @@ bool Crosses(const Corner& from, const Corner& to) {
     return from.side != Side::On && to.side != Side::On && from.side != to.side;
 }
 
-// Whether the piece on the kept side fits the scratch and the pipeline.
+// Whether the piece on the kept side fits the scratch tables and has few enough corners for the pipeline.
 bool PieceFits(const PolyRecord& source, Side kept, const Corner* corners) {
     uint32_t cornerCount = 0, crossings = 0;
     for (uint32_t i = 0; i < source.cornerCount; ++i) {
@@ -96,7 +96,7 @@ bool PieceFits(const PolyRecord& source, Side kept, const Corner* corners) {
            NextVertex + cornerCount <= WorldGeometry.file.polyVertices + SPARE_POLY_VERTICES;
 }
 
-// The part of the polygon on the kept side, as a new scratch polygon; false, and dropped, when it does not fit.
+// Makes the part of the polygon on the kept side a new scratch polygon. False: it does not fit, and was dropped.
 bool SplitPolygon(uint32_t polygon, Side kept, const Corner* corners, uint32_t& piece) {
     const PolyRecord source = WorldGeometry.polygons[polygon];
     if (!PieceFits(source, kept, corners)) {
@@ -131,7 +131,7 @@ void BinIntoLeaf(uint32_t leaf, std::span<const uint16_t> list) {
     BinPoolUsed += static_cast<uint32_t>(count);
 }
 
-// Around all points of the visible list, and so of its pieces.
+// The bounding box of all points of the visible list, and therefore of its pieces.
 struct Box {
     Vec3 least, greatest;
 };
@@ -153,7 +153,7 @@ Box BoxAround(std::span<const uint16_t> list) {
     return around;
 }
 
-// The side on which Classify finds every polygon inside the box, with room for its rounding; On: not known.
+// The side on which Classify finds every polygon inside the box, with a margin for rounding. On: not known.
 Side SideOfBox(const PlaneRecord& plane) {
     const Vec3 normal = {plane.nx, plane.ny, plane.nz};
     float nearest = plane.d, farthest = plane.d, size = std::fabs(plane.d);
@@ -174,7 +174,7 @@ struct SubLists {
     std::span<uint16_t> front, back;
 };
 
-// Both sub-lists lie compactly behind `list`, the front one first.
+// Splits the list at the plane. Both sub-lists lie directly behind `list`, the front one first.
 SubLists Divide(std::span<const uint16_t> list, const PlaneRecord& plane, uint16_t* free, const uint16_t* limit) {
     const auto room = static_cast<size_t>(limit - free) / 2;
     if (list.size() > room) {

@@ -10,7 +10,7 @@
 
 constexpr uint32_t BIN_LIMIT = 20000;  // polygon numbers in the visible list and in the bins
 
-extern uint32_t DroppedPolygons;  // in this frame
+extern uint32_t DroppedPolygons;  // polygons and pieces dropped in this frame for want of room
 
 void ClearVisibleList();
 void AppendVisible(uint32_t polygon);

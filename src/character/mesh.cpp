@@ -23,7 +23,7 @@ constexpr uint32_t COORDINATES_ENTRY = 28;
 struct MeshPart {
     const uint8_t* image;
     uint32_t pointCount, faceCount;
-    uint32_t positions, triangles;  // offsets
+    uint32_t positions, triangles;  // offsets in the file
 };
 
 bool AllFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
@@ -33,7 +33,7 @@ bool AllFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
     return true;
 }
 
-// False when anything lies outside the file or an index outside the part.
+// False: something lies outside the file, or an index is outside the part.
 bool FindPart(const uint8_t* image, uint32_t bytes, uint32_t& boneCount, MeshPart& part) {
     if (bytes < PART_TABLE + 4) return false;
     boneCount = ImageField<uint32_t>(image, 4);

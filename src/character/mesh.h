@@ -12,7 +12,8 @@
 
 #include <cstdint>
 
-// Where the next character goes. LoadLevel sets both to the used counts; LoadMesh moves them past the mesh.
+// Entries of WorldGeometry where the next character goes. LoadLevel sets both to the used counts; LoadMesh moves them
+// past the mesh.
 extern uint32_t CharPointBase;
 extern uint32_t CharPolyBase;
 

@@ -13,7 +13,7 @@ namespace {
 
 struct Track {
     const uint8_t* image;
-    uint32_t keys;  // offset of key 0
+    uint32_t keys;  // offset of key 0 in the file
     uint32_t keyBytes;
     uint32_t count;
 
@@ -27,11 +27,11 @@ struct Track {
 struct BoneTracks {
     Track rotation, position;
     double pivot[3];
-    uint32_t time;  // of the layer they come from
+    uint32_t time;  // clock of the layer that the tracks come from
 };
 
-Transform CurrentTransform;  // carried down the walk
-bool FirstBoneDone;          // its position keys move the skeleton
+Transform CurrentTransform;  // transform of the bone that the walk stands at
+bool FirstBoneDone;          // the first bone was placed: only its position keys move the skeleton
 
 Track TrackOf(const AnimRecord& record, uint32_t table, uint32_t bone, const TrackShape& shape) {
     const auto offset = ImageField<uint32_t>(record.image, table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * bone);
@@ -39,7 +39,7 @@ Track TrackOf(const AnimRecord& record, uint32_t table, uint32_t bone, const Tra
     return {record.image, keys, shape.keyBytes, ImageField<uint32_t>(record.image, keys - KEY_COUNT_BYTES)};
 }
 
-// The first layer that animates this bone, otherwise the last one that has tracks for it: layer 0 always has.
+// Takes the first layer that animates this bone, otherwise the last one that has tracks for it; layer 0 always has.
 BoneTracks ChooseLayer(const Actor& actor, uint32_t bone) {
     const StateRecord& state = actor.states[actor.state];
     BoneTracks tracks{};
@@ -66,7 +66,7 @@ uint32_t FindKey(const Track& track, uint32_t t) {
     return k;
 }
 
-// How far t lies between two times; outside them the nearer one holds.
+// How far t lies between two times, 0 to 1; a t outside them counts as the nearer one.
 double Fraction(uint32_t t, uint32_t from, uint32_t to) {
     if (t <= from) return t < from || to > from ? 0.0 : 1.0;
     if (t >= to) return 1.0;
@@ -91,7 +91,7 @@ void EvaluatePosition(const Track& track, uint32_t t, double out[3]) {
     }
 }
 
-// Turns the bone about its pivot and hangs it on the current transform.
+// Turns the bone about its pivot and attaches it to the current transform.
 void PlaceBone(BoneRecord& bone, const Quat& q, const double position[3], const double pivot[3]) {
     Transform local;
     QuatToMatrix(q, local.r);
@@ -113,7 +113,8 @@ void EvaluateBone(uint32_t index, MeshRecord& mesh, const Actor& actor) {
     PlaceBone(bone, bone.rotation, bone.position, tracks.pivot);
 }
 
-// From the last unblended pose towards the key under way. Nothing is stored, so the whole blend starts from there.
+// Blends from the last unblended pose towards the next key. The result is not stored in the bone, so every frame of the
+// blend starts from that same pose.
 void EvaluateBlendedBone(uint32_t index, MeshRecord& mesh, const Actor& actor) {
     BoneRecord& bone = mesh.bones[index];
     const BoneTracks tracks = ChooseLayer(actor, index);
@@ -157,6 +158,6 @@ void PoseActor(Actor& actor) {
             EvaluateBlendedBone(static_cast<uint32_t>(command), mesh, actor);
         }
     }
-    for (; pushed > 0; --pushed)  // or they would pile up from frame to frame
+    for (; pushed > 0; --pushed)  // otherwise they would pile up on the stack from frame to frame
         PopMatrix(CurrentTransform);
 }

@@ -19,7 +19,7 @@ constexpr int8_t LAST_VERSION_WITHOUT_MATRIX = 3;
 struct BlockView {
     uint16_t matrix;
     uint16_t hardCount, softCount;
-    uint32_t hardPoints, softPoints;  // offsets
+    uint32_t hardPoints, softPoints;  // offsets in the file
     uint32_t end;
 };
 
@@ -42,7 +42,8 @@ BlockView ReadBlock(const uint8_t* image, uint32_t offset) {
     return block;
 }
 
-// The same walk as ReadBlock, looking before each step. 0: the block leaves the file or names a point of no mesh.
+// Walks as ReadBlock does, but checks before each step. 0: the block reaches beyond the file, or names a point that the
+// mesh does not have.
 uint32_t CheckedBlockEnd(const uint8_t* image, uint64_t bytes, uint64_t offset, uint32_t pointCount) {
     if (Version(image) > LAST_VERSION_WITHOUT_MATRIX) offset += 2;
     if (offset + 2 > bytes) return 0;
@@ -101,7 +102,7 @@ void ListWeights(const uint8_t* image) {
     }
 }
 
-// A bone's world transform, held in double precision and applied in single.
+// A bone's world transform, computed in double precision and applied in single precision.
 struct SkinMatrix {
     float r[9];
     float t[3];

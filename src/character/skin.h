@@ -16,5 +16,5 @@ extern const uint8_t BoneOrder[BONE_LIMIT];
 // FatalError(1, "Not a valid weights file") when a count or index is out of range.
 void* LoadWeights(const char* path, const MeshRecord& mesh);
 
-// Rest positions to skinned world positions, into the ViewPoints of the character.
+// Moves the rest positions with the bones, and writes the world positions into the character's ViewPoints.
 void SkinActor(const Actor& actor);

@@ -15,8 +15,8 @@ LightSlot LightSlots[LIGHT_SLOT_COUNT];
 
 namespace {
 
-constexpr float LEVEL_SCALE = NEUTRAL_LEVEL;  // light bytes an intensity of 1
-constexpr float DIMMEST = 0.01f;              // dynamic lights below this touch nothing
+constexpr float LEVEL_SCALE = NEUTRAL_LEVEL;  // light bytes that an intensity of 1 adds
+constexpr float DIMMEST = 0.01f;              // dynamic lights of less intensity raise no light byte
 constexpr int LIST_ROOM = 35000;
 static_assert(LIGHT_CONTRIBUTION_MAX <= LIST_ROOM);
 static_assert(CORNER_NUMBERS <= CORNER_LIGHT_POLYGONS * CORNER_LIGHT_CORNERS);
@@ -39,7 +39,7 @@ bool ReadContributions(ContributionList& list, uint32_t count) {
            ReadBlock(list.weights, count * uint32_t{sizeof list.weights[0]});
 }
 
-// A corner may be any: its 16-bit number lies inside the tables, whether the world has the polygon or not.
+// Corner numbers need no check: all 16-bit numbers lie inside the tables, whether the world has the polygon or not.
 bool RunIsValid(const ContributionList& list, int32_t first, int32_t count, int32_t listLength, uint32_t targetCount) {
     if (count <= 0) return true;
     if (first < 0 || first > listLength - count) return false;
@@ -59,7 +59,7 @@ bool ContributionsAreValid(const LightSlot& slot, int32_t listLength) {
            RunIsValid(CornerContributions, slot.firstCorner, slot.cornerCount, listLength, CORNER_NUMBERS);
 }
 
-// Of each type only what it uses. Every slot in use lights the character, by its place, radius and intensity.
+// Checks only the fields that the slot's type uses. Every used slot lights the character by place, radius, intensity.
 bool IsValid(const LightSlot& slot, int32_t listLength) {
     const int32_t type = slot.type;
     if (type == LIGHT_FREE) return true;
@@ -84,7 +84,7 @@ bool ReadLightSlots() {
                        [&](const LightSlot& slot) { return IsValid(slot, contributions); });
 }
 
-// The first light of a frame starts from the base, the others add.
+// The first light that raises a byte in a frame starts from the base; the others add to it.
 void Raise(int8_t& current, int8_t base, uint16_t& stamp, float amount) {
     const int8_t start = stamp == FrameCount ? current : base;
     const int32_t raised = TruncToInt(amount + static_cast<float>(start));
@@ -113,7 +113,7 @@ void ApplyContributions(const LightSlot& slot) {
     }
 }
 
-// The world's points within the radius; how many. Those of sky and character are left out.
+// Lists the world's points within the radius and returns their number. Points of sky and character are left out.
 int GatherPoints(const LightSlot& slot) {
     const Vec3 place = slot.position;
     const float radius = slot.radius;
@@ -132,7 +132,7 @@ int GatherPoints(const LightSlot& slot) {
     return count;
 }
 
-// By weight x scale + flat.
+// Raises each point within the slot's radius by (how near it is, 0..1) x scale + flat.
 void RaisePointsAround(const LightSlot& slot, float scale, float flat) {
     if (!(slot.intensity >= DIMMEST)) return;
     const int count = GatherPoints(slot);
@@ -156,7 +156,7 @@ void Ramp(LightSlot& slot) {
     }
 }
 
-// A file's timer may be anything, so the count wraps.
+// A file's timer may have any value, so the subtraction may wrap.
 void CountDown(LightSlot& slot) {
     slot.timer = static_cast<int32_t>(static_cast<uint32_t>(slot.timer) - 1);
 }

@@ -24,4 +24,4 @@ void UpdateLights();  // once a frame, before the world is drawn: moves every sl
 // A free slot becomes a dynamic light of radius 500 and intensity 1 at CameraPos. -1: none is free; slot 0 never is.
 int32_t SpawnLight();
 void SetLightPosition(int32_t slot, float x, float y, float z);  // nothing for a negative slot
-void FreeLight(int32_t slot);                                    // likewise
+void FreeLight(int32_t slot);                                    // does nothing for a negative slot

@@ -1,5 +1,5 @@
-// The transforms saved by the skeleton walk. The depth is 0 at program start and nothing else resets it: every push
-// must be matched by a pop.
+// The stack of transforms that the skeleton walk saves. It is empty at program start and nothing else empties it: every
+// push must be matched by a pop.
 #pragma once
 
 #include "records/matrices.h"

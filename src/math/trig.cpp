@@ -25,7 +25,7 @@ struct ReducedAngle {
     int32_t quarter;    // quarter turns taken off, of which only the lowest two bits matter
 };
 
-// head + tail = sum exactly.
+// Makes head + tail exactly a + b; head is the rounded sum.
 void AddExactly(double a, double b, double& head, double& tail) {
     head = a + b;
     const double added = head - a;
@@ -76,7 +76,7 @@ double CosReduced(const ReducedAngle& angle) {
 
 constexpr int ARC_SIN_TERMS = 26;
 
-// Of x^3, x^5 and so on in the arcsine's series: 1/2 / 3, (1 3)/(2 4) / 5 ...
+// The coefficients of x^3, x^5 and so on in the arcsine's series: 1/2 / 3, (1 3)/(2 4) / 5 ...
 constexpr std::array<double, ARC_SIN_TERMS> ARC_SIN_COEFFICIENTS = [] {
     std::array<double, ARC_SIN_TERMS> table = {};
     double ratio = 1.0;

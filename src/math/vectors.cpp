@@ -113,7 +113,7 @@ void ComputePolyPlane(int32_t poly) {
         plane.nx = static_cast<float>(normal.x / length);
         plane.ny = static_cast<float>(normal.y / length);
         plane.nz = static_cast<float>(normal.z / length);
-        // From the stored normal, so that the first corner lies on the plane as the side tests see it.
+        // The stored, rounded normal is taken, so that the first corner lies on the plane as the side tests see it.
         plane.d = -(p0.x * plane.nx + p0.y * plane.ny + p0.z * plane.nz);
     }
     WorldGeometry.planes[polygon.plane] = plane;

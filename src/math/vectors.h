@@ -18,11 +18,11 @@ void RotationFromAngles(float ax, float ay, float az, Matrix3& out);
 void ViewRotationFromAngles(float ax, float ay, float az, Matrix3& out);  // row 1 multiplied by ScreenAspect
 
 void RotateVector(float x, float y, float z, const Matrix3& m);
-void RotateVectorT(float x, float y, float z, const Matrix3& m);  // by the transpose
+void RotateVectorT(float x, float y, float z, const Matrix3& m);  // multiplies by the transpose of m
 void RotateIntVector(int32_t x, int32_t y, int32_t z, const Matrix3& m);
 void RotateIntVectorT(int32_t x, int32_t y, int32_t z, const Matrix3& m);
 
-// Of a polygon's corner, in the world.
+// The position in the world of one of a polygon's corners; corner counts from 0.
 inline const Vec3& CornerPosition(const PolyRecord& polygon, uint32_t corner) {
     return WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + corner].point].position;
 }
@@ -38,11 +38,13 @@ inline int32_t NodeSideOfCamera(int32_t node) {
 inline int32_t PolySideOfCamera(int32_t poly) {
     return SideOfPlane(WorldGeometry.polygons[poly].plane, CameraPos);
 }
-int32_t NodeSideOfPoint(int32_t node);  // of SideTestPoint
+int32_t
+NodeSideOfPoint(int32_t node);  // the side of the node's plane on which SideTestPoint lies: +1 or -1, as SideOfPlane
 int32_t PolySideOfPoint(int32_t poly, int32_t x, int32_t y, int32_t z);
 
-void ComputePolyPlane(int32_t poly);  // from the first three corners; a degenerate triangle stores zeros
-void GenerateVertexNormals();         // of every used point; FatalError(1, "Generate Vert Normals - Mem Error")
+void ComputePolyPlane(int32_t poly);  // takes the polygon's first three corners; a degenerate triangle stores zeros
+// Sets the normal of every point in use. FatalError(1, "Generate Vert Normals - Mem Error").
+void GenerateVertexNormals();
 
 void TransformIdentity(Transform& t);
 void TransformConcat(const Transform& a, const Transform& b, Transform& out);  // b first; out is neither

@@ -9,7 +9,7 @@ std::FILE* ReadStream;
 
 namespace {
 
-// The end-of-file value is added like any byte: what a reader gives past the end is defined, if of no use.
+// EOF (-1) is added like any byte, so that what is read past the end is defined, though useless.
 uint32_t NextByte() {
     return static_cast<uint32_t>(ReadStream ? std::getc(ReadStream) : EOF);
 }

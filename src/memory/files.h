@@ -18,4 +18,4 @@ uint16_t ReadWord();
 uint32_t ReadLong();
 
 bool ReadBlock(void* destination, uint32_t bytes);  // false: fewer arrived; the rest keeps its contents
-uint32_t BytesLeft();                               // from here to the end of ReadStream
+uint32_t BytesLeft();                               // bytes from the read position to the end of ReadStream

@@ -7,11 +7,11 @@ uint32_t PoolLargestFree;
 
 namespace {
 
-// In front of every block, free or allocated.
+// Stands directly in front of the data of every block, free or allocated.
 struct BlockHeader {
-    BlockHeader* prev;  // in the list the block is on
+    BlockHeader* prev;  // neighbour in the list (free or used) that the block is on
     BlockHeader* next;
-    uint8_t* data;  // always the header's own address + 32: how PoolFree knows a block
+    uint8_t* data;  // always the header's own address + 32, by which PoolFree recognises a block
     int32_t size;   // data bytes, a multiple of 32
 };
 constexpr int32_t HEADER_BYTES = POOL_HEADER_BYTES;
@@ -19,7 +19,7 @@ static_assert(sizeof(BlockHeader) <= HEADER_BYTES);
 
 uint8_t* PoolStart;
 uint8_t* PoolEnd;
-BlockHeader* FreeHead;  // in ascending order of address, never adjacent to each other
+BlockHeader* FreeHead;  // blocks in ascending order of address, no two of them adjacent in memory
 BlockHeader* FreeTail;
 BlockHeader* UsedHead;  // most recently allocated first
 
@@ -53,7 +53,7 @@ void UnlinkUsed(BlockHeader* block) {
     if (UsedHead == block) UsedHead = block->next;
 }
 
-// Puts `block` into the free list between two neighbours, either of which may be null.
+// Links `block` into the free list between two neighbours, either of which may be null.
 void LinkFree(BlockHeader* block, BlockHeader* prev, BlockHeader* next) {
     block->prev = prev;
     block->next = next;

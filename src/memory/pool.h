@@ -1,13 +1,12 @@
 // The memory pool of one game: first fit, 32-byte granules, a 32-byte header in front of every block. Loaders take
-// from it and hardly ever give back; the whole pool is thrown away at the end of the game, and every pointer into it
-// with it.
+// from it and hardly ever give back. The end of the game releases the whole pool, and all pointers into it die then.
 #pragma once
 
 #include "records/table_facts.h"
 
 #include <cstdint>
 
-constexpr uint32_t POOL_FILL_BYTES = 0x800000;  // of the pool, filled with 0x55
+constexpr uint32_t POOL_FILL_BYTES = 0x800000;  // PoolInit fills this much of the pool, from its start, with 0x55
 constexpr uint32_t POOL_MAX_REQUEST = 0x7FFFFFC0;
 
 extern uint32_t PoolLargestFree;  // data bytes; refreshed by PoolFreeTotal
@@ -20,9 +19,9 @@ void PoolInit(uint8_t* start, uint8_t* end);
 void* PoolMalloc(uint32_t bytes);
 void* PoolMallocHigh(uint32_t bytes);  // the same from the high end
 
-// The block's data size; 0 and nothing done for null and for what is not the start of a block's data. A block may be
-// released once only.
+// Releases a block and returns its data size. Null, or an address that is not the start of a block's data: 0, and
+// nothing is done. A block may be released only once.
 uint32_t PoolFree(void* data);
 
 uint32_t PoolFreeTotal();  // data bytes of all free blocks; 0 without a pool
-void PoolForget();         // its memory is being released: from now on there is no pool
+void PoolForget();         // called when the pool's memory is released: from then on there is no pool

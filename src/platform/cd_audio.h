@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-extern uint32_t CdTrack;  // the track to play, of which the low byte is used; set by RunGame
+extern uint32_t CdTrack;  // the track to play; only the low byte is used; set by RunGame
 
 bool OpenCdAudio();             // true: the drive is open, perhaps already before; false: none, or no disc
 void PlayCdTrack(HWND window);  // CdTrack from its start to its end, of which `window` gets MM_MCINOTIFY; also the

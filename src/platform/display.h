@@ -12,7 +12,7 @@ struct DisplayContext {
     IDirectDrawPalette* palette;    // 8-bit modes only
     IDirectDrawSurface* primary;    // with one back buffer
     IDirectDrawSurface* back;       // owned by primary
-    IDirectDrawSurface* offscreen;  // size of the display mode
+    IDirectDrawSurface* offscreen;  // as large as the display mode
     IDirectDrawClipper* clipper;    // never created by the full-screen display
     RECT source;                    // requested size: the part of offscreen that is shown
     RECT mode;                      // where it is shown

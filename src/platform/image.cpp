@@ -8,7 +8,7 @@ namespace {
 
 constexpr DWORD FILE_HEADER_BYTES = 14;
 constexpr DWORD INFO_HEADER_BYTES = 40;
-constexpr DWORD BITS_OFFSET_FIELD = 10;  // in the file header
+constexpr DWORD BITS_OFFSET_FIELD = 10;  // offset in the file header of the field that says where the pixels begin
 
 uint32_t Little32(const uint8_t* bytes) {
     return bytes[0] | static_cast<uint32_t>(bytes[1]) << 8 | static_cast<uint32_t>(bytes[2]) << 16 |

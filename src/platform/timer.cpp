@@ -10,7 +10,7 @@ uint16_t FrameCount = 1;
 namespace {
 
 // Milliseconds of GetTickCount().
-uint32_t ReferenceTick;  // at the end of the previous wait
+uint32_t ReferenceTick;  // GetTickCount at the end of the previous wait
 uint32_t CurrentTick;    // the latest reading
 
 }  // namespace

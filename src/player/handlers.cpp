@@ -11,14 +11,14 @@ int16_t JumpHeld;
 
 namespace {
 
-// Speeds in world units a frame, drives the same a tick; times of animations in their own units
-// (records/table_facts.h).
+// Speeds are in world units a frame, drives in world units a frame that each tick adds. Animation times are in the
+// units of ANIM_TICK_UNITS (records/table_facts.h).
 constexpr float TURN_RATE = 2.0f;  // degrees a tick
-constexpr float AIR_STEER = 0.1f;  // drive
+constexpr float AIR_STEER = 0.1f;  // drive in the direction of the held key, in the air
 
 constexpr float LEAP_SPEED = 2.0f;   // forward speed above which a running jump is a leap
-constexpr float LEAP_SHARE = 1.25f;  // of the forward speed, which a leap starts with
-constexpr float HOP_SHARE = 0.5f;    // the same of a hop
+constexpr float LEAP_SHARE = 1.25f;  // a leap starts with the forward speed times this
+constexpr float HOP_SHARE = 0.5f;    // a hop starts with the forward speed times this
 constexpr float LEAP_LIFT = 1.1f;    // drive upwards while the jump key stays down
 constexpr float LEAP_PUSH = 1.39f;   // drive forward meanwhile
 constexpr float HOP_LIFT = 5.4f;     // drive upwards while the jump key stays down
@@ -27,16 +27,17 @@ constexpr float HOP_PUSH = 0.4f;     // drive forward while the up key is down
 // A blend lasts until the clock of the new animation has reached this time.
 constexpr int32_t USUAL_BLEND = 75;
 constexpr int32_t NO_BLEND = 0;
-constexpr uint32_t CROUCH_START = 30;   // a jump leaves out the beginning of the crouch
-constexpr int32_t CROUCH_BLEND = 10;    // over by then
-constexpr uint32_t LANDING_START = 40;  // in the run, where a leap goes over into it
+constexpr uint32_t CROUCH_START = 30;  // a jump leaves out the beginning of the crouch
+constexpr int32_t CROUCH_BLEND = 10;   // the blend into a crouch ends at this time of its animation
+constexpr uint32_t LANDING_START =
+    40;  // a leap that goes over into the run leaves out this much of the run's animation
 
-// A fidget begins when a random number of these bits and the ticks in the state are together more than the limit.
+// A fidget begins when (Rand() & bits) + the ticks spent in the state exceed the limit.
 constexpr int32_t STAND_RANDOM_BITS = 0x3FF;
 constexpr int32_t STAND_TICKS = 1500;
 constexpr int32_t HALT_RANDOM_BITS = 63;
 constexpr int32_t HALT_TICKS = 100;
-constexpr int32_t ARMS_FOLDED_TICKS = 400;  // how long they stay so
+constexpr int32_t ARMS_FOLDED_TICKS = 400;  // how long the arms stay folded
 
 bool Held(uint16_t control) {
     return (Controls & control) != 0;

@@ -31,9 +31,9 @@ struct StateRow {
     PlayerState state;
     PlayerAnimation animation;
     int16_t mode = PLAY_ONCE;
-    const StateTransition* then = &STAY;  // when the animation has ended
+    const StateTransition* then = &STAY;  // where the state goes when its animation has ended
     float forward = 0.0f;                 // drive on the ground, per tick; negative: backwards
-    float upImpulse = 0.0f;               // once, on entering
+    float upImpulse = 0.0f;               // added once, on entering the state
     float slide;                          // share of the velocity kept after a contact
     uint16_t flags = 0;
     void (*handler)() = nullptr;

@@ -11,14 +11,14 @@
 struct BoneRecord {
     Transform world;     // takes the mesh's rest position to the world
     Quat rotation;       // last evaluated outside a blend
-    double position[3];  // likewise; moves the skeleton for the first bone only
+    double position[3];  // position last evaluated outside a blend; moves the skeleton for the first bone only
 };
 static_assert(sizeof(BoneRecord) == BONE_BYTES);
 
 // Where a character lies in WorldGeometry. Lives for the whole program, refilled by every level load.
 struct MeshRecord {
     uint32_t boneCount;
-    BoneRecord* bones;  // in the pool
+    BoneRecord* bones;  // lies in the pool
     uint16_t pointCount;
     uint16_t firstPoint;  // its points are consecutive
     uint16_t faceCount;
@@ -27,7 +27,7 @@ struct MeshRecord {
 
 // One loaded animation file. The track tables stay offsets from the start of the image.
 struct AnimRecord {
-    const uint8_t* image;  // in the pool
+    const uint8_t* image;  // the file as loaded; lies in the pool
     uint32_t imageBytes;
     uint32_t trackCount;
     uint32_t hiddenBlock;  // weight block that is not applied while this animation plays; >= bone count: none
@@ -60,6 +60,6 @@ struct StateRecord {
     Vec3 impulse;           // velocity given once on entering the state, in the actor's frame
     float slideFactor;      // share of the velocity kept after a contact
     void (*handler)();      // called once a frame, or null
-    int16_t animations[3];  // of layers 0..2, index into the actor's AnimFileEntry table; -1: none
+    int16_t animations[3];  // for layers 0..2: index into the actor's AnimFileEntry table; -1: none
     int16_t playModes[3];
 };

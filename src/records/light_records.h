@@ -17,8 +17,8 @@ constexpr int32_t LIGHT_DYNAMIC_RAMP = 6;  // a ramp that raises all points in i
 
 struct [[gnu::packed]] LightSlot {
     int32_t type;
-    int32_t phase;                    // 0 or 1
-    int32_t pointCount, cornerCount;  // contributions
+    int32_t phase;                    // 0 or 1: part of the type's cycle
+    int32_t pointCount, cornerCount;  // number of contributions to points, and to corners
     int32_t firstPoint, firstCorner;
     int32_t timer;  // frames
     Vec3 position;

@@ -5,7 +5,8 @@
 // A sphere moves through the world in the character's place.
 constexpr int MOVE_SPHERE_RADIUS = 16;
 constexpr float SPHERE_LOWERING = 93.0f;  // the sphere's centre lies this far below the actor's position
-constexpr float STANDING_HEIGHT = SPHERE_LOWERING + MOVE_SPHERE_RADIUS;  // of the actor's position above a level floor
+// Height of the actor's position above a level floor on which it stands.
+constexpr float STANDING_HEIGHT = SPHERE_LOWERING + MOVE_SPHERE_RADIUS;
 
 // The polygons that one move may touch lie within half its length and this margin.
 constexpr float GATHER_MARGIN = 144.0f;

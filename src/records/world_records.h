@@ -15,11 +15,11 @@ struct [[gnu::packed]] BspNode {
     int16_t frontChild;  // subtree on the side of distance >= 0; >= 0: node index, < 0: leaf ~frontChild
     int16_t backChild;   // same coding
     uint16_t plane;      // index into the PlaneRecord table
-    Vec3 centre;         // of the bounding box
+    Vec3 centre;         // centre of the bounding box
     float radius;        // the three radii are computed by GenerateNodeRadii, the file's values are overwritten
     float radiusRoot2;   // radius x 1.414213562
     float radiusAspect;  // radius x 1.414213562 x screen aspect
-    Vec3 halfExtents;    // of the bounding box
+    Vec3 halfExtents;    // half the sides of the bounding box
 };
 static_assert(sizeof(BspNode) == NODE_BYTES && offsetof(BspNode, radius) == 18 && offsetof(BspNode, halfExtents) == 30);
 

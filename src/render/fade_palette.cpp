@@ -7,15 +7,15 @@
 
 namespace {
 
-constexpr int FADE_STEPS = 64;             // from a colour to the dark or the bright end
+constexpr int FADE_STEPS = 64;             // steps from a colour to the dark or the bright end
 constexpr int WORST_MATCH = 10000;         // a target further from every colour gets colour 0
-constexpr double FULL_BRIGHTNESS = 189.0;  // of white: 3 x 63
+constexpr double FULL_BRIGHTNESS = 189.0;  // sum of the channels of white: 3 x 63
 
 struct Colour {
     double channel[3];  // red, green, blue, 0..63
 };
 
-Colour Palette[256];  // of the texture file
+Colour Palette[256];  // the palette of the texture file
 
 void ReadPalette() {
     const uint8_t* rgb = TextureImage + TEXTURE_PALETTE_OFFSET;
@@ -34,7 +34,7 @@ uint8_t NearestColour(const Colour& target) {
         const double blue = 1.1 * (Palette[i].channel[2] - target.channel[2]);
         const double distance = red * red + green * green + blue * blue;
         if (distance == 0) return static_cast<uint8_t>(i);
-        // Kept as an integer on purpose: a later colour has to beat the truncated distance.
+        // `best` is a whole number on purpose: a later colour has to be nearer than the truncated distance.
         if (distance < best) {
             best = static_cast<int>(distance);
             bestIndex = i;

@@ -32,7 +32,7 @@ void CombineColours(GrCombineFunction_t function) {
     grColorCombine(function, GR_COMBINE_FACTOR_LOCAL, GR_COMBINE_LOCAL_ITERATED, GR_COMBINE_OTHER_TEXTURE, FXFALSE);
 }
 
-// Texture x vertex colour + vertex alpha, where the texture's alpha is 0.
+// Draws texture x vertex colour + vertex alpha, and only where the texture's alpha is 0.
 void SetTextureStates() {
     grTexClampMode(GR_TMU0, GR_TEXTURECLAMP_CLAMP, GR_TEXTURECLAMP_CLAMP);
     grTexMipMapMode(GR_TMU0, GR_MIPMAP_NEAREST, FXTRUE);

@@ -17,7 +17,7 @@ namespace {
 
 struct ClipPlane {
     float Vec3::*axis;
-    float sign;  // inside: sign x axis <= z
+    float sign;  // a point is inside when sign x axis <= z
 };
 constexpr ClipPlane CLIP_PLANES[4] = {{&Vec3::x, 1.0f}, {&Vec3::x, -1.0f}, {&Vec3::y, 1.0f}, {&Vec3::y, -1.0f}};
 
@@ -101,7 +101,7 @@ void DrawLine2D(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
     }
     const int64_t dx = int64_t{x2} - x1;
     const int64_t dy = int64_t{y2} - y1;
-    // Only steps that can lie in the frame are made: far ends must not cost time.
+    // Only the steps that can lie in the frame are made, so that an end far outside costs no time.
     if (std::abs(dx) > dy) {
         const int64_t slope = dy * 65536 / std::abs(dx);
         const int64_t direction = dx > 0 ? 1 : -1;

@@ -15,7 +15,7 @@ namespace {
 struct ClipPlane {
     uint8_t bit;
     float ViewPoint::*axis;
-    float sign;  // inside: sign x axis <= z
+    float sign;  // a point is inside when sign x axis <= z
 };
 constexpr ClipPlane CLIP_PLANES[4] = {{OUT_RIGHT, &ViewPoint::x, 1.0f},
                                       {OUT_LEFT, &ViewPoint::x, -1.0f},
@@ -57,8 +57,8 @@ void AppendCrossing(const PolyVertex& inside, const PolyVertex& outside, const C
                                                     Interpolate(inside.intensity, outside.intensity, t)};
 }
 
-// Output corners: those of input on the plane's inner side and the crossings. A polygon that does not fit the
-// scratch space comes out empty.
+// The output's corners are those of the input on the plane's inner side, and the crossings. A polygon that does not fit
+// the scratch space comes out empty.
 void ClipAgainstPlane(const PolyRecord& input, PolyRecord& output, const ClipPlane& plane) {
     const uint32_t first = NextPolyVertex;
     const PolyVertex* corners = WorldGeometry.polyVertices + input.firstVertex;
@@ -96,7 +96,7 @@ void Project(ViewPoint& point) {
     point.inverseDepth = inverse;
 }
 
-// Points from firstFresh on are projected at every use: their slots are reused by the next clip.
+// Points from firstFresh on are projected at every use, because the next clip reuses their slots.
 void ProjectCorners(const PolyRecord& polygon, uint32_t firstFresh) {
     const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
     for (int i = 0; i < polygon.cornerCount; i++) {

@@ -1,9 +1,9 @@
-// From camera space to the screen, for one point or several at once: float, or a vector of floats.
+// Projects one point, or several at once, from camera space to the screen: float, or a vector of floats.
 #pragma once
 
 #include "render/render_tables.h"
 
-// In pixels. `inverse` is 1 / z.
+// The result is in pixels. `inverse` is 1 / z.
 template <typename Floats>
 Floats ScreenX(Floats x, Floats inverse) {
     return x * ProjectionScaleX * inverse + ScreenCentreX;

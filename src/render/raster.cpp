@@ -20,7 +20,7 @@ namespace {
 
 constexpr int MAX_CORNERS = 255;
 
-// Four floats stepped together; the arithmetic of each is that of a plain float.
+// Four floats that are stepped together; each gives the same bits as a plain float.
 typedef float Float4 __attribute__((vector_size(16)));
 
 struct EdgePoint {
@@ -41,7 +41,7 @@ struct Edge {
     EdgeHalf EdgeRow::*side;
 };
 
-// Those that cover a row from FirstRow to EndRow. Without a branch, which no processor would foresee.
+// Lists the edges that cover a row from FirstRow to EndRow, without a branch, since no processor could predict it.
 int ListEdges(const EdgePoint* points, int count, Edge* edges) {
     int listed = 0;
     for (int i = 0; i < count; i++) {
@@ -56,7 +56,8 @@ int ListEdges(const EdgePoint* points, int count, Edge* edges) {
     return listed;
 }
 
-// Writes one edge into the rows it covers. Rows above the frame are stepped over so that the others do not change.
+// Writes one edge into the rows it covers. It steps through the rows above the frame, too: starting further down would
+// change the bits of the rows inside.
 void WalkEdge(const Edge& edge) {
     const EdgePoint& top = *edge.top;
     const EdgePoint& bottom = *edge.bottom;
@@ -120,7 +121,7 @@ struct Columns {
     int32_t begin, end;
 };
 
-// No span reaches beyond these columns of the frame. Steps round, and wrap far outside.
+// Columns of the frame that no span of the polygon reaches beyond: the steps round, and wrap far outside.
 Columns ColumnsOf(const ScreenBounds& bounds) {
     constexpr int32_t FAR_AWAY = 4096 * 65536;
     constexpr int32_t MARGIN = 2;
@@ -141,7 +142,7 @@ void SkipCoveredRows(const Columns& columns) {
         EndRow--;
 }
 
-// The rows that the bounds cover, as far as they lie inside the frame and the cover does not hold them. False: none.
+// Sets FirstRow and EndRow to the rows that the bounds cover inside the frame and the cover does not hold. False: none.
 bool FindRows(const ScreenBounds& bounds) {
     FirstRow = std::max(CeilFixed(bounds.top), 0);
     EndRow = std::min({CeilFixed(bounds.bottom), ScreenHeight, EDGE_TABLE_ROWS});
@@ -149,7 +150,7 @@ bool FindRows(const ScreenBounds& bounds) {
     return FirstRow < EndRow;
 }
 
-// FirstRow and EndRow are the ones of this polygon already.
+// The polygon that FirstRow and EndRow belong to.
 const PolyRecord* polygonWithRows;
 
 bool FindRows(const PolyRecord& polygon) {

@@ -17,16 +17,16 @@ void RasterPolygonTransparent(const PolyRecord* polygon);  // texel 0 leaves the
 // The software renderer draws a frame from the nearest polygon to the farthest, each only where none before it has
 // been: the same picture as the other way round, without the work that nobody sees. Who draws polygons between these
 // two calls hands them over in that order; frame and shades must stay as they are, and the frame is complete after the
-// second call. False, and nothing is different from before: the accelerator draws, or the frame is too large.
+// second call. False, and nothing has changed: the accelerator draws, or the frame is too large.
 bool BeginNearestFirst();
 void EndNearestFirst();
-bool NearestFirst();  // whether the frame is drawn so
+bool NearestFirst();  // whether the frame is drawn from the nearest polygon on
 
-// What the projected corners of a polygon span, in 16.16 pixels.
+// The bounding rectangle of a polygon's projected corners, in 16.16 pixels.
 struct ScreenBounds {
     int32_t left, right, top, bottom;
 };
 
-// Whether all of a polygon with these bounds lies behind what has been drawn, or outside the frame. Only where the
-// frame is drawn from the nearest polygon on.
+// Whether all of a polygon with these bounds lies behind what has been drawn, or outside the frame. To be asked only
+// while NearestFirst().
 bool IsHidden(const PolyRecord& polygon, const ScreenBounds& bounds);

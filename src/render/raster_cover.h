@@ -8,7 +8,7 @@ constexpr int32_t COVER_ROWS = 1024;
 
 // The columns begin..end - 1, at least one and all inside a row.
 struct CoverColumns {
-    int32_t first, last;  // words
+    int32_t first, last;  // indices of words
     uint64_t firstMask, lastMask;
 
     CoverColumns(int32_t begin, int32_t end)
@@ -32,7 +32,7 @@ struct CoverRow {
 
     void Add(int32_t x) { words[x >> 6] |= uint64_t{1} << (x & 63); }
 
-    // Of up to 16 pixels from column x on those whose bit is set, the first in the lowest.
+    // Sets, for up to 16 pixels from column x on, those whose bit is set in `bits`; the lowest bit is column x.
     void AddBits(int32_t x, uint32_t bits) {
         const int32_t shift = x & 63;
         words[x >> 6] |= uint64_t{bits} << shift;

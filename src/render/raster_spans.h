@@ -1,5 +1,5 @@
-// Inside of the software rasteriser: the edge table and the routines that fill its rows. The fill routines differ in
-// speed only; each gives the same bytes.
+// The inside of the software rasteriser: the edge table and the routines that fill its rows. The fill routines differ
+// in speed only; each gives the same bytes.
 #pragma once
 
 #include "records/texture_records.h"
@@ -25,7 +25,8 @@ constexpr int32_t RECIPROCAL_COUNT = 1024;
 extern float ReciprocalTable[RECIPROCAL_COUNT];  // entry 0 is 1, entry i is 1 / i
 
 constexpr int32_t SPAN_BLOCK = 16;  // pixels between two exact texture positions; shorter spans have none inside
-constexpr int32_t SPAN_MOST_BLOCKS = RECIPROCAL_COUNT / SPAN_BLOCK;  // of one span, the incomplete one included
+// Blocks of one span at most, the incomplete one included.
+constexpr int32_t SPAN_MOST_BLOCKS = RECIPROCAL_COUNT / SPAN_BLOCK;
 
 struct EdgeRows {
     const EdgeRow* table;  // by screen row
@@ -34,7 +35,7 @@ struct EdgeRows {
 
 struct SpanTexture {
     const uint8_t* texels;  // first texel; rows are TEXTURE_PAGE_PITCH apart
-    uint32_t mask;          // of row x 256 + column
+    uint32_t mask;          // keeps an offset (row x 256 + column) inside the texture
 };
 
 enum class TexelZero { Drawn, Skipped };
@@ -47,13 +48,13 @@ inline int32_t CeilFixed(int32_t fixed) {
     return static_cast<int32_t>((int64_t{fixed} + 0xFFFF) >> 16);
 }
 
-// With `cover`, by row of the frame, only pixels that it does not hold are drawn, and it takes them in. Those of
-// FillRowsAvx2 are taken in at once and may be drawn as late as FinishRowsAvx2: until then frame, texels and shades
-// must stay as they are. Without a cover the pixels are drawn when it returns.
+// With `cover` (one entry a row of the frame) only pixels that the cover does not hold are drawn, and the cover takes
+// them in. FillRowsAvx2 lets the cover take them in at once and may draw them as late as FinishRowsAvx2: until then
+// frame, texels and shades must stay as they are. Without a cover all pixels are drawn when the call returns.
 void FillRowsPortable(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover = nullptr);
 void FillRowsAvx2(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero,
                   CoverRow* cover = nullptr);  // needs HasAvx2()
 void FinishRowsAvx2();                         // needs HasAvx2()
 
-bool HasAvx2();            // of this processor
+bool HasAvx2();            // whether this processor has AVX2
 extern bool UseAvx2Spans;  // HasAvx2() unless a test or benchmark changes it

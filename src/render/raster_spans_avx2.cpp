@@ -1,7 +1,7 @@
 // Spans are set up eight at a time, one to a lane: the divisions and conversions that rule short spans cost little more
 // for eight than for one. The texel and light positions of sixteen pixels are then worked out at once, in 16-bit lanes:
 // their wrap-around loses nothing, because a pixel reads only the low 16 bits. The texels and colours themselves are
-// scalar loads, which beat gathers, and are read a batch at a time, long after their positions have been stored.
+// scalar loads, which are faster than gathers, and are read a batch at a time, long after their positions were stored.
 //
 // With a cover, opaque spans of all polygons wait together for their lanes to fill up: no pixel is drawn twice, so it
 // makes no difference when. What a word stores beside its own pixels is what lay there.
@@ -20,11 +20,11 @@
 namespace {
 
 constexpr int32_t LANES = 8;
-constexpr int32_t WORD_PIXELS = 8;    // stored together
+constexpr int32_t WORD_PIXELS = 8;    // pixels stored together
 constexpr int32_t MOST_PIXELS = 640;  // longer spans are left to the portable routine
 constexpr int32_t MOST_BLOCKS = MOST_PIXELS / SPAN_BLOCK + 1;
 
-// Of each lane the u, v and light of a block's first pixel and their steps: the low 16 bits, twice.
+// For each lane: u, v and light at a block's first pixel and their steps, the low 16 bits of each written twice.
 struct alignas(32) LaneBlocks {
     uint32_t value[3][LANES], step[3][LANES];
 };
@@ -34,40 +34,40 @@ struct Block {
     const uint32_t* lane;  // its first value
     uint8_t* pixels;
     const uint8_t* texels;
-    uint32_t mask;   // of the texture, twice
-    uint32_t drawn;  // a bit for each pixel that is
+    uint32_t mask;   // the texture's mask, written twice
+    uint32_t drawn;  // a bit for each pixel that is drawn
 };
 
 // Eight pixels whose positions are known and whose texels are not read yet.
 struct alignas(32) Word {
     uint32_t shades[WORD_PIXELS];   // light level x 256
-    uint16_t offsets[WORD_PIXELS];  // of the texels
+    uint16_t offsets[WORD_PIXELS];  // offsets of the texels from the texture's first one
     uint8_t* pixels;
     const uint8_t* texels;
-    uint64_t drawn;  // 0xFF for each pixel that is
+    uint64_t drawn;  // 0xFF for each pixel that is drawn
 };
 
 constexpr int32_t MOST_WORDS = 128;
 
 struct Queue {
-    // Spans, one to a lane.
+    // The spans at both their ends, one to a lane.
     float left[LANES][4], right[LANES][4];  // u, v, light and 1, each divided by depth
     int32_t leftX[LANES], rightX[LANES];
     int32_t laneCount;
     LaneBlocks laneBlocks[MOST_BLOCKS];  // the incomplete one of a lane stands behind its complete ones
 
-    // Those of their blocks of which any pixel is drawn. The last of each array may be written and not counted.
+    // The blocks of which any pixel is drawn. The last entry of each array may be written without being counted.
     Block blocks[LANES * MOST_BLOCKS + 1];
     int32_t blockCount;
     Word words[MOST_WORDS + 1];
     int32_t wordCount;
 };
 
-// Of opaque spans and of those with holes, since the two are drawn by different routines.
+// The spans that wait. Opaque ones and those with holes have a set each: different routines draw the two.
 template <TexelZero ZERO>
 Queue queue;
 
-// One quantity each, by lane.
+// Each quantity of eight spans, one to a lane.
 struct OverDepth {
     __m256 u, v, light, inverseDepth;
 };
@@ -90,7 +90,7 @@ AVX2_CODE inline OverDepth LoadLanes(const float (&lanes)[LANES][4]) {
             _mm256_unpacklo_ps(restOfAc, restOfBd), _mm256_unpackhi_ps(restOfAc, restOfBd)};
 }
 
-// One by one: a load of all would wait until they have been stored.
+// The columns are loaded one by one: a load of all at once would wait until all have been stored.
 AVX2_CODE inline __m256i LoadColumns(const int32_t (&x)[LANES]) {
     return _mm256_setr_epi32(x[0], x[1], x[2], x[3], x[4], x[5], x[6], x[7]);
 }
@@ -99,7 +99,7 @@ AVX2_CODE inline __m256i CeilColumns(__m256i fixed) {
     return _mm256_srai_epi32(_mm256_add_epi32(fixed, _mm256_set1_epi32(0xFFFF)), 16);
 }
 
-// ReciprocalTable holds the same.
+// Gives the same bits as ReciprocalTable.
 AVX2_CODE inline __m256 Reciprocal(__m256i number) {
     return _mm256_div_ps(_mm256_set1_ps(1.0f), _mm256_cvtepi32_ps(number));
 }
@@ -208,7 +208,7 @@ AVX2_CODE void SetUpLanes(Queue& spans) {
     }
 }
 
-// A value of a lane at sixteen pixels.
+// One value of a lane's block at its sixteen pixels.
 AVX2_CODE inline __m256i AtPixels(const uint32_t* value) {
     constexpr ptrdiff_t STEP = 3 * LANES;
     const __m256i pixel = _mm256_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
@@ -216,7 +216,7 @@ AVX2_CODE inline __m256i AtPixels(const uint32_t* value) {
     return _mm256_add_epi16(_mm256_set1_epi32(static_cast<int32_t>(*value)), _mm256_mullo_epi16(steps, pixel));
 }
 
-// 0xFF for each bit.
+// For each byte: the word with a byte 0xFF for each bit that is set.
 constexpr std::array<uint64_t, 256> BYTES_OF_BITS = [] {
     std::array<uint64_t, 256> bytes{};
     for (uint32_t bits = 0; bits < 256; bits++)
@@ -233,7 +233,7 @@ AVX2_CODE inline void PutWord(Word& word, __m128i offsets, __m128i shades, const
     word.drawn = BYTES_OF_BITS[block.drawn >> first & 0xFF];
 }
 
-// Of the block's two words those of which any pixel is drawn; returns the place behind them.
+// Adds those of the block's two words of which any pixel is drawn; returns the place behind them.
 AVX2_CODE inline Word* AddWords(const Block& block, Word* word) {
     const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
     const __m256i column = _mm256_srli_epi16(AtPixels(block.lane), 8);
@@ -252,7 +252,7 @@ AVX2_CODE inline __m128i* Bytes(uint8_t* bytes) {
     return reinterpret_cast<__m128i*>(bytes);
 }
 
-// Eight bytes.
+// Gathers eight bytes into a word.
 template <typename ByteOf>
 AVX2_CODE inline __m128i Gather(ByteOf byteOf) {
     __m128i bytes = _mm_cvtsi32_si128(byteOf(0));
@@ -266,14 +266,14 @@ AVX2_CODE inline __m128i Gather(ByteOf byteOf) {
 }
 
 AVX2_CODE inline void TakeDrawn(CoverRow* cover, const uint8_t* pixels, __m128i drawn) {
-    // In 32 bits: a division of 64 takes longer than all the rest.
+    // The remainder is taken of 32 bits: a division of 64 bits takes longer than all the rest.
     const auto place = static_cast<uint32_t>(pixels - FrameBuffer);
     const auto pitch = static_cast<uint32_t>(FramePitch);
     const auto bits = static_cast<uint32_t>(_mm_movemask_epi8(drawn));
     cover[place / pitch].AddBits(static_cast<int32_t>(place % pitch), bits);
 }
 
-// What lies beside the drawn pixels is stored as it was.
+// The pixels of a word that are not drawn are stored as they were read.
 template <TexelZero ZERO>
 AVX2_CODE inline void DrawWord(const Word& word, CoverRow* cover) {
     const uint8_t* const texels = word.texels;
@@ -326,7 +326,7 @@ struct Place {
     int32_t x, count;
 };
 
-// Three blocks: with up to seven bits before it, a piece of the cover lies in eight bytes.
+// Three blocks, so that a piece of the cover lies in eight bytes, even with up to seven bits before it.
 constexpr int32_t PIECE_PIXELS = 3 * SPAN_BLOCK;
 
 // The bits of the next pixels of a span, at most PIECE_PIXELS, that the cover does not hold. It takes them in, unless

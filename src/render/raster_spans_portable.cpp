@@ -9,7 +9,7 @@
 
 namespace {
 
-// 8.8 fixed point; the pixels read only the low 16 bits, so the arithmetic may wrap.
+// Values in 8.8 fixed point. Pixels read only the low 16 bits, so the arithmetic may wrap.
 struct SpanValues {
     uint32_t u, v, light;
 };
@@ -47,7 +47,7 @@ SpanValues Advanced(const SpanValues& value, const SpanValues& step, uint32_t pi
     return {value.u + step.u * pixels, value.v + step.v * pixels, value.light + step.light * pixels};
 }
 
-// Columns outside the frame are left out.
+// Adds the part of a run that lies inside the frame's columns.
 void AddRun(Batch& batch, uint8_t* row, int32_t x, int32_t count, const SpanValues& value, const SpanValues& step) {
     const int32_t skipped = std::max(0, -x);
     const int32_t visible = std::min(count, ScreenWidth - x) - skipped;
@@ -100,7 +100,7 @@ void AddLongSpan(Batch& batch, uint8_t* row, int32_t x, int32_t count, const Edg
     AddRun(batch, row, x, count, value, step);
 }
 
-// Where the cover does not hold the pixels yet.
+// Draws the pixels that the cover does not hold yet.
 template <TexelZero ZERO>
 void DrawRunBehind(Run run, SpanTexture texture, CoverRow* cover) {
     const ptrdiff_t place = run.pixels - FrameBuffer;
@@ -117,7 +117,7 @@ void DrawRunBehind(Run run, SpanTexture texture, CoverRow* cover) {
     }
 }
 
-// By value: as far as the compiler knows, the pixels written could change what is passed by reference.
+// Arguments go by value: as far as the compiler knows, writing pixels could change what is passed by reference.
 template <TexelZero ZERO>
 void DrawRun(Run run, SpanTexture texture) {
     SpanValues value = run.value;

@@ -10,7 +10,7 @@ struct ScreenRes {
 };
 extern const ScreenRes ScreenResTable[3];  // 320 x 240, 512 x 384, 640 x 480
 
-extern int32_t ScreenResIndex;  // of the open display; 2 with the accelerator
+extern int32_t ScreenResIndex;  // entry of ScreenResTable of the open display; 2 with the accelerator
 extern int32_t ScreenWidth, ScreenHeight;
 extern int32_t FramePitch;    // bytes a row of the software frame
 extern uint8_t* FrameBuffer;  // software frame being drawn; set by SetupFog and by GameFrame

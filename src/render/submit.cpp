@@ -18,7 +18,7 @@ constexpr float NEUTRAL_LEVEL_SCALE = 256.0f / NEUTRAL_LEVEL;  // the neutral li
 
 uint32_t CurrentTexture = NO_TEXTURE;
 
-// The sum has room for sixteenths of a pixel only.
+// Rounds to 1/16: a sum with so large a number has no bits for anything finer.
 float SnapToSixteenth(float value) {
     return (value + 524288.0f) - 524288.0f;
 }

@@ -27,7 +27,8 @@ void L_LoadGlideTexture(int32_t level);
 // FatalError(-1, "L_CreateGlideUVs - tm_width  = 0.0") or "... - tm_height = 0.0" for an empty texture.
 void L_CreateGlideUVs();
 
-uint8_t RemappedTexture(uint8_t texture);  // by TextureRemap; itself when the level has no such texture
+// TextureRemap's entry; `texture` itself when the level has no such texture.
+uint8_t RemappedTexture(uint8_t texture);
 
 // The texture a polygon is drawn with; null when there is none, or it has no texels.
 const TextureRecord* PolygonTexture(const PolyRecord& polygon);

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr double ROOT_2 = 1.414213562;
-constexpr double VERTICAL_NORMAL = 0.0001;  // a plane normal with less than this across has no yaw
+constexpr double VERTICAL_NORMAL = 0.0001;  // a plane normal whose horizontal part is shorter has no yaw
 
 uint32_t PointCapacity() {
     return WorldGeometry.file.points + SPARE_POINTS;

@@ -6,7 +6,7 @@
 // The counts against the index widths of the records and tables: nodes 1..32768, leaves 1..16384, planes, points
 // and polygon vertices with their spare room within 65536, polygons with theirs within 32767.
 bool BspCountsAreValid();
-uint64_t BspTableBytes();  // of the six tables in the file
+uint64_t BspTableBytes();  // size of the six tables in the file, by the counts
 
 // The loaded tables: every index in range, the nodes a tree of at most BSP_MAX_DEPTH levels whose leaves hold at most
 // BSP_MAX_LEAF_POLYGONS, 3..12 corners, finite numbers. Radii and point normals are not looked at, since they are

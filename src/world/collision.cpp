@@ -16,7 +16,7 @@ int16_t ContactCount;
 
 namespace {
 
-constexpr float SKIP_LENGTH = 1.0f;  // shorter velocities are ignored
+constexpr float SKIP_LENGTH = 1.0f;  // velocities shorter than this are ignored
 constexpr float STOP_LENGTH = 0.5f;  // a rest of the move this short ends it
 constexpr int PASS_LIMIT = 11;
 
@@ -30,7 +30,8 @@ float Distance(const PlaneRecord& plane, const Vec3& p) {
     return plane.nx * p.x + plane.ny * p.y + plane.nz * p.z + plane.d;
 }
 
-// The polygon's outline grown outward by r holds q. An edge whose normal is not finite counts as passed.
+// Whether q lies inside the polygon's outline grown outward by r. An edge whose normal is not finite counts as passed:
+// an edge too short to have a normal holds nothing out (docs/kept_as_is.md).
 bool InsideGrownOutline(const PolyRecord& polygon, const IntVec3& q, int32_t r) {
     const Vec3 n = Normal(WorldGeometry.planes[polygon.plane]);
     const Vec3 point = ToFloat(q);
@@ -85,8 +86,8 @@ void GatherNode(int32_t index, const SphereQuery& query) {
     GatherNode(behind ? node.frontChild : node.backChild, query);
 }
 
-// The first contact in list order that a move from start to end crosses, or -1. It is always crossed at fraction 0:
-// the move stops at its start and the slide carries the rest.
+// The first contact in list order that a move from start to end crosses, or -1. The move stops at its start, not where
+// it crosses, and the slide carries the rest (docs/kept_as_is.md).
 int32_t SweepContacts(const Vec3& start, const Vec3& end, int32_t radius) {
     const auto r = static_cast<float>(radius);
     for (const int32_t* contact = ContactList; *contact != -1; ++contact) {
@@ -165,8 +166,9 @@ void MoveAgainstWorld(Actor& actor) {
     actor.contactSlope = 0.0f;
     Vec3 kept = v;  // the velocity the actor will keep
     Vec3 result = end;
-    float stepUp = 0.0f;       // once accepted, it holds for the rest of the move
-    float ledgeHeight = 0.0f;  // of the last ledge looked at, accepted or not: what the lift adds
+    float stepUp = 0.0f;  // height of an accepted step; it holds for the rest of the move
+    // The height of the last ledge looked at, accepted or not: it is what the lift adds (docs/kept_as_is.md).
+    float ledgeHeight = 0.0f;
     int32_t lastHit = -1;
     for (int pass = 0; pass < PASS_LIMIT; ++pass) {
         result = end;
@@ -181,7 +183,7 @@ void MoveAgainstWorld(Actor& actor) {
             ledgeHeight = HighestCorner(WorldGeometry.polygons[hit]) - (start.y - MOVE_SPHERE_RADIUS) + LEDGE_CLEARANCE;
             if (ledgeHeight < LEDGE_LIMIT) stepUp = ledgeHeight;
         }
-        result = start;  // crossed at fraction 0
+        result = start;  // the move stops at its start
         v = Slide(frame, v, false);
         kept = Slide(frame, kept, stepUp != 0.0f);
         if (stepUp != 0.0f) v.y += ledgeHeight;

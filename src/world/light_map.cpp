@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr uint32_t VALUES_BYTES = 28;  // of the file, behind the light bytes
+constexpr uint32_t VALUES_BYTES = 28;  // size of the values behind the light bytes in the file
 constexpr float NEAREST_FADE = 1.0f;
 
 // What the accelerator multiplies the file's value by.
@@ -74,7 +74,7 @@ float DistanceFade(uint32_t point) {
 }
 
 float LevelToIntensity(float level) {
-    if (!(level > 0.0f)) return IntensityTable[0];  // also when it is not a number
+    if (!(level > 0.0f)) return IntensityTable[0];  // also when level is not a number
     if (level > BRIGHTEST_LEVEL) return IntensityTable[BRIGHTEST_LEVEL];
     return IntensityTable[static_cast<int32_t>(level)];
 }

@@ -49,7 +49,7 @@ Load AppendPoints(uint32_t count) {
     return Load::Done;
 }
 
-// The corners' points are counted from the next one of WorldGeometry.
+// The object's point numbers count from the first point that it is given in WorldGeometry.
 Load AppendPolygon(uint32_t pointCount) {
     GeometryCounts& used = WorldGeometry.used;
     FilePolygon polygon;
@@ -75,7 +75,7 @@ Load AppendPolygon(uint32_t pointCount) {
     return Load::Done;
 }
 
-// From the counts on.
+// Reads the rest of the file, from the counts on.
 Load ReadObject() {
     GeometryCounts& used = WorldGeometry.used;
     const uint32_t polygons = ReadLong();

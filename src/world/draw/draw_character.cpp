@@ -26,7 +26,7 @@ void TransformCharacterPoint(uint32_t point) {
     ShadeCharacterPoint(point);
 }
 
-// The sum is a whole number, truncated after each addition.
+// The sum is kept as a whole number and truncated after each addition.
 float MeanDepth(const PolyRecord& polygon) {
     int32_t sum = 0;
     for (uint32_t k = 0; k < polygon.cornerCount; ++k) {

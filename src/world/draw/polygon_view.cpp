@@ -17,12 +17,12 @@ constexpr int GROUP = 4;
 constexpr float FAR_AWAY = 1 << 30;  // 16.16 pixels
 
 struct ViewColumns {
-    float x[3], y[3], z[3];  // the rows of the rotation, by the coordinate they give
+    float x[3], y[3], z[3];  // the rows of the rotation: x gives the x of the view, and so on
     Vec3 translation;
 };
 ViewColumns matrix;
 
-// By lane, all bits set where true.
+// One bit a lane, set where all bits of the lane are.
 int Bits(Int4 mask) {
 #ifdef __x86_64__
     return _mm_movemask_ps(reinterpret_cast<__m128>(mask));
@@ -52,7 +52,7 @@ void Store(void* bytes, Float4 values) {
     std::memcpy(bytes, &values, sizeof values);
 }
 
-// Rows and columns exchanged.
+// Exchanges rows and columns.
 void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
     const Float4 lowAb = __builtin_shufflevector(a, b, 0, 4, 1, 5), highAb = __builtin_shufflevector(a, b, 2, 6, 3, 7);
     const Float4 lowCd = __builtin_shufflevector(c, d, 0, 4, 1, 5), highCd = __builtin_shufflevector(c, d, 2, 6, 3, 7);
@@ -87,7 +87,7 @@ Int4 Outcodes(const CornerGroup& group) {
            ((-group.y > group.z) & OUT_BOTTOM) | ((group.z > FarDistance) & OUT_DEPTH);
 }
 
-// Least and greatest of both coordinates, by lane.
+// The least and the greatest of both screen coordinates, in each lane over its own corners.
 struct LaneBounds {
     Float4 left, right, top, bottom;
 };
@@ -115,7 +115,7 @@ void Project(CornerGroup& group, LaneBounds& bounds, PolygonView& view) {
     bounds = {Least(bounds.left, x), Greatest(bounds.right, x), Least(bounds.top, y), Greatest(bounds.bottom, y)};
 }
 
-// Truncation keeps the order.
+// The bounds of all lanes. Truncating them afterwards is right, since truncation keeps the order.
 ScreenBounds Joined(LaneBounds lanes) {
     lanes.right = -lanes.right;
     lanes.bottom = -lanes.bottom;

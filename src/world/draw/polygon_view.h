@@ -10,24 +10,26 @@ typedef float Float4 __attribute__((vector_size(16)));
 typedef int32_t Int4 __attribute__((vector_size(16)));
 
 struct CornerGroup {
-    Float4 x, y, z;         // as in ViewPoint
-    Int4 screenX, screenY;  // as in ViewPoint.screen.fixed; these and inverseDepth only where IsProjected
+    Float4 x, y, z;  // the fields of four ViewPoints
+    // As ViewPoint.screen.fixed. These and inverseDepth are valid only where IsProjected.
+    Int4 screenX, screenY;
     Float4 inverseDepth;
 };
 
 struct PolygonView {
-    static constexpr int MOST_GROUPS = 64;  // for 255 corners; what is missing from the last repeats its last corner
+    // Enough for 255 corners. Where the last group has fewer than four, it repeats the last corner.
+    static constexpr int MOST_GROUPS = 64;
     CornerGroup groups[MOST_GROUPS];
-    uint8_t outsideAll;  // the bits that the outcodes of all corners have
-    uint8_t outsideAny;  // the bits that any of them has
+    uint8_t outsideAll;  // the bits that are set in the outcodes of all corners
+    uint8_t outsideAny;  // the bits that are set in any corner's outcode
     bool isOnScreen;     // projected, and all corners so near the frame that bounds holds
     ScreenBounds bounds;
 };
 
-// Takes the view matrix of the frame; before the first LookAtPolygon.
+// Reads the frame's view matrix. To be called before the frame's first LookAtPolygon.
 void BeginPolygonViews();
 
 void LookAtPolygon(const PolyRecord& polygon, PolygonView& view);
 
-// Into WorldGeometry.viewPoints and outcodes, for the steps that follow.
+// Writes the corners into WorldGeometry.viewPoints and outcodes, for the steps that follow.
 void StoreView(const PolyRecord& polygon, const PolygonView& view);

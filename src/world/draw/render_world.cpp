@@ -27,12 +27,12 @@ enum BoxResult { BOX_INVISIBLE, BOX_INSIDE, BOX_CROSSING };  // relative to the 
 
 struct Box {
     Vec3 centre;
-    float radius;        // of the sphere test, root 2 larger than the bounding sphere
-    float radiusAspect;  // the same in the vertical direction of the view
-    Vec3 halfExtents;    // of either sign
+    float radius;        // radius of the sphere test, root 2 larger than the bounding sphere's
+    float radiusAspect;  // the same, scaled to the vertical direction of the view
+    Vec3 halfExtents;    // half the sides of the box; any sign
 };
 
-// A point q is outside when normal . q > offset.
+// A plane of the view volume: a point q is outside when normal . q > offset.
 struct ViewPlane {
     Vec3 normal;
     float offset;
@@ -72,8 +72,8 @@ Box BoxOf(const NodeOrLeaf& record) {
     return {record.centre, record.radiusRoot2, record.radiusAspect, record.halfExtents};
 }
 
-// The exact test, for boxes whose spheres cross a side plane. Of the eight corners only the one least far along a
-// plane's normal and the one farthest along it decide; rounding keeps their order.
+// The exact test, for boxes whose spheres cross a side plane. Only two of the eight corners decide: the one least far
+// along the plane's normal and the one farthest along it; rounding keeps their order.
 BoxResult TestBoxCorners(const Box& box) {
     const Vec3 half = {std::fabs(box.halfExtents.x), std::fabs(box.halfExtents.y), std::fabs(box.halfExtents.z)};
     const Vec3 low = box.centre - half;
@@ -113,7 +113,7 @@ bool HoldsCharacter(int32_t leaf) {
     return WorldGeometry.leaves[leaf].frameStamp == FrameCount;
 }
 
-// The guard matters only for worlds in which several nodes share a leaf.
+// The list can be full only in worlds in which several nodes share a leaf.
 void Append(int32_t entry) {
     if (RenderListCount < static_cast<int32_t>(2 * WorldGeometry.leafCount)) {
         WorldGeometry.renderList[RenderListCount++] = entry;
@@ -192,12 +192,12 @@ void CollectLeaves(int32_t subtree) {
     }
 }
 
-// What nobody sees needs no light, but has been handed over like any other.
+// Counts a hidden polygon as submitted: it needs no shading, but the report counts it like any other.
 void CountHidden() {
     SubmittedPolygons++;
 }
 
-// Only what is seen is put into the tables.
+// Only a polygon that is seen is written into the tables of WorldGeometry.
 void DrawFacingPolygon(uint32_t polygon, bool mayCross) {
     const PolyRecord& record = WorldGeometry.polygons[polygon];
     PolygonView view;
@@ -220,8 +220,8 @@ struct FacingPolygons {
     uint32_t count;
 };
 
-// Half of all polygons face away, in no order that a processor could foresee: they are sorted out without a branch, and
-// the corners of the others are on their way from memory before the first of them is drawn.
+// Half of all polygons face away, in an order that no processor could predict: they are sorted out without a branch.
+// Memory fetches of the others' corners are started before the first of them is drawn.
 FacingPolygons ListFacing(uint32_t first, uint32_t count) {
     FacingPolygons facing;
     facing.count = 0;
