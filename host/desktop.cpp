@@ -1,5 +1,5 @@
-// A desktop computer: the parts of the machine that this build has. A build for something else takes a file like this
-// one in its place (host/CMakeLists.txt).
+// The back ends and boards of a build for desktop computers. A build for another kind of computer takes a file like
+// this one in its place (host/CMakeLists.txt).
 #include "backends/headless/headless.h"
 #include "backends/sdl/sdl_machine.h"
 #include "boards/cpu/cpu_board.h"

@@ -27,12 +27,12 @@ struct FogTable {
 };
 
 struct BoardState {
-    uint32_t texture = NO_BOARD_TEXTURE;  // of a triangle: a loaded one
-    bool wrapS = false, wrapT = false;    // else the edge's texels go on
+    uint32_t texture = NO_BOARD_TEXTURE;  // number of a loaded texture; triangles only
+    bool wrapS = false, wrapT = false;    // repeats; otherwise the texels at the edge go on
     bool addsAlpha = false;               // texture x colour + alpha
     bool testsAlpha = false;              // draws only where the texture's alpha is alphaReference
     uint8_t alphaReference = 0;
-    bool testsDepth = false;  // draws only what is nearer; else depth is neither read nor written
+    bool testsDepth = false;  // draws only what is nearer; otherwise depth is neither read nor written
     bool writesDepth = false;
     bool hasFog = false;
     FogTable fog{};
@@ -44,7 +44,7 @@ enum class BoardAction { Triangles, Lines, ClearColour, ClearDepth };
 struct BoardRun {
     BoardAction action;
     uint32_t first, count;  // vertices of Triangles and Lines
-    uint32_t state;         // of Triangles
+    uint32_t state;         // number of the state, for Triangles
     uint32_t value;         // to clear with: 0x00RRGGBB or depth
 };
 
@@ -61,7 +61,7 @@ struct TextureLevel {
 };
 
 struct TextureImage {
-    int32_t firstLod;  // of the largest level: its longer side is 256 >> firstLod
+    int32_t firstLod;  // LOD of the largest level: its longer side is 256 >> firstLod
     std::vector<TextureLevel> levels;
 };
 
@@ -75,8 +75,8 @@ struct Board {
     void (*finish)();                                           // waits until all is drawn
     void (*swap)();
     uint32_t (*scale)();  // how many times BOARD_WIDTH x BOARD_HEIGHT its picture is
-    // The front buffer, 0x00RRGGBB, rows of `pitch` pixels; as it is until the next swap.
+    // The front buffer, 0x00RRGGBB, rows of `pitch` pixels. It stays as it is until the next swap.
     const uint32_t* (*front)(uint32_t& pitch);
-    // The same as a texture of OpenGL, upper row first. Null: the board has none.
+    // The front buffer as an OpenGL texture, upper row first. Null: the board has none.
     uint32_t (*frontTexture)();
 };

@@ -10,7 +10,7 @@ uint32_t BoardScale = 1;
 
 namespace {
 
-std::span<const Board* const> candidates;  // of the choice `auto`, if it is still open
+std::span<const Board* const> candidates;  // the boards that the choice `auto` may still take; empty once it is settled
 
 const Board* BoardOf(BoardChoice choice, std::span<const Board* const> boards) {
     if (choice == BoardChoice::None) return nullptr;

@@ -35,7 +35,8 @@ constexpr FormatName FORMAT_NAMES[] = {
     {"ap88", GR_TEXFMT_AP_88},
 };
 
-// In lower case, without the line's end and spaces around. False: no line end within LONGEST_LINE characters.
+// Reads a line in lower case, without its end and the spaces around it. False: no line end within LONGEST_LINE
+// characters.
 bool ReadLine(std::FILE* file, std::string& line) {
     line.clear();
     for (int c = std::fgetc(file); c != '\n'; c = std::fgetc(file)) {
@@ -68,7 +69,7 @@ bool TakePair(const std::string& line, const char* pattern, unsigned& first, uns
 }
 
 bool HasVersion(const std::string& line) {
-    int end = 0;  // of a major and a minor number, whichever they are
+    int end = 0;  // characters read, with a major and a minor version number, whichever they are
     std::sscanf(line.c_str(), "3df v%*[0-9].%*[0-9]%n", &end);
     return end > 0;
 }

@@ -10,7 +10,7 @@
 
 #include <cstdio>
 
-// False: not such a file. Otherwise the file stands at the table.
+// False: not a texture file. Otherwise the next read of `file` gives the table.
 bool ReadTextureHeader(std::FILE* file, Gu3dfInfo& info);
-// Into info.table and info.data; 16-bit texels in host byte order. False: the file is too short.
+// Reads into info.table and info.data; 16-bit texels in host byte order. False: the file is too short.
 bool ReadTexels(std::FILE* file, Gu3dfInfo& info);

@@ -8,11 +8,11 @@
 
 constexpr int KEY_COUNT = 256;
 
-// Who holds a key down. Each source has its own table and they are ORed, so that one source's release never lets go
-// of another's key.
+// Who holds a key down. Each source has its own table, and a key is down while any source holds it: one source's
+// release never lets go of another's key.
 enum class KeySource { Keyboard, Pad, Script };
 
-// Reports.
+// --- What back ends and scripts report.
 void DeviceKey(KeySource source, uint8_t scanCode, bool down);
 void DeviceMouseMotion(int x, int y, int wheel);  // summed until the game reads the mouse; without the focus dropped
 void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle; others are ignored
@@ -22,7 +22,7 @@ void DeviceFocus(bool gained);
 void DeviceCloseRequest();        // the window's close button: SessionHooks::requestClose
 void PulseKey(uint8_t scanCode);  // down for exactly the next keyboard poll
 
-// What the game takes.
+// --- What the game's input calls take.
 void TakeKeys(uint8_t* keys);          // KEY_COUNT bytes, 0x80 = down; ends the pulses
 void DropPulses();                     // a poll that failed
 void TakeMouse(DIMOUSESTATE& state);   // the sums since the last call, and the buttons

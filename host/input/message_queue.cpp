@@ -11,8 +11,8 @@ HWND window = nullptr;
 std::deque<MSG> queue;
 bool quitPosted = false;
 int quitCode = 0;
-uint32_t arrivals = 0;        // messages that ever came
-uint32_t arrivalsAtLook = 0;  // of them, those already there at the latest look
+uint32_t arrivals = 0;        // messages that have ever come
+uint32_t arrivalsAtLook = 0;  // value of `arrivals` at the latest look
 
 }  // namespace
 

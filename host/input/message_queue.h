@@ -5,7 +5,7 @@
 
 void OpenQueue(HWND window);  // what is posted from now on is for this window
 
-// At the end of the queue. Dropped while there is no window, and while a recording is replayed.
+// Appends a message. It is dropped while there is no window, and while a recording is replayed.
 void PostToWindow(UINT message, WPARAM wParam, LPARAM lParam);
 void PostQuit(int exitCode);                   // WM_QUIT, which comes when the queue is empty
 bool TakeMessage(MSG& message, bool removes);  // the next one; false: there is none

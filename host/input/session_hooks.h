@@ -28,12 +28,13 @@ struct SessionHooks {
     void (*tookKeys)(HRESULT result, const uint8_t* keys) = [](HRESULT, const uint8_t*) {};
     void (*tookMouse)(HRESULT result, const DIMOUSESTATE& state) = [](HRESULT, const DIMOUSESTATE&) {};
     void (*tookMessage)(const MSG* message) = [](const MSG*) {};  // null: there was none
-    // A file that is to be read, or is missing, and the low half of a digest of its path and content; in a replay, too.
+    // A file is to be read, or is missing. `digest`: the low half of one over its path and content. Called in a replay,
+    // too.
     void (*openedFile)(const char* path, uint32_t digest) = [](const char*, uint32_t) {};
 
     bool (*wantsPicture)() = [] { return true; };  // as HostWantsPicture
     void (*requestClose)() = [] {};                // the window's close button
-    // The game fails: keeps what the session has of the run. A sentence that says where it is; empty: nowhere.
+    // The game fails: the session keeps what it has of the run, and returns a sentence that says where; empty: nowhere.
     std::string (*keepFailure)() = [] { return std::string(); };
     void (*finish)() = [] {};  // the process ends: completes the files that the run writes
 };

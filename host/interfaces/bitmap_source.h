@@ -11,7 +11,7 @@
 // One colour channel of a 16- or 32-bit pixel.
 struct ChannelMask {
     uint32_t mask;
-    int shift;  // to bit 0
+    int shift;  // by how much to the right, to reach bit 0
     int bits;
 
     uint32_t Widened(uint32_t pixel) const;  // 0..255: high bits repeated; 0 for an empty mask

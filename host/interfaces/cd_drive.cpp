@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr uint32_t REPEAT_WITHIN = 1000;  // ms after the end in which a repeat joins on; then there is silence
+constexpr uint32_t REPEAT_WITHIN = 1000;  // ms after the end within which a repeat joins on; after that the sound stops
 constexpr uint32_t FRAMES_A_SECOND = 75;
 
 struct Play {
@@ -32,8 +32,8 @@ std::optional<Disc> disc;
 MCIDEVICEID lastDevice = 0;
 MCIDEVICEID openDevice = 0;  // 0: closed
 std::optional<Play> playing;
-std::optional<Play> ended;            // its sound goes on for a while, in case it is to be repeated
-std::shared_ptr<TrackReader> reader;  // of the sound; null on a machine without
+std::optional<Play> ended;            // its sound goes on for REPEAT_WITHIN, in case it is to be repeated
+std::shared_ptr<TrackReader> reader;  // reads the file of the sound; null on a machine without sound
 std::set<std::string> said;
 
 void Log(const std::string& event) {

@@ -9,4 +9,4 @@
 
 void SetDiscFolder(const std::string& folder);  // takes the disc out and puts this one in; it is read when it is opened
 void TurnCdDrive();   // posts what the drive has to report at this reading of the clock; called by the message calls
-void ResetCdDrive();  // closed, no disc
+void ResetCdDrive();  // closes the drive and takes the disc out

@@ -25,8 +25,8 @@ bool EqualWithoutCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
 }
 
-// The entry of `folder` that `name` means: itself, else the first in alphabetical order that differs in case only,
-// else itself again.
+// The entry of `folder` that `name` means: the one of exactly that name, or else the first in alphabetical order that
+// differs in case only. Without either, `name` itself.
 std::string MatchName(const std::string& folder, const std::string& name) {
     std::error_code error;
     if (fs::symlink_status(fs::path(folder) / name, error).type() != fs::file_type::not_found) return name;
@@ -39,7 +39,7 @@ std::string MatchName(const std::string& folder, const std::string& name) {
     return best.empty() ? name : best;
 }
 
-// Of a file that is to be read, or is missing: what the game reads is part of what enters it.
+// Tells the session of a file that is to be read, or is missing: its content is part of what enters the game.
 void NoteFile(const char* gamePath, std::FILE* stream) {
     Digest digest;
     digest.Add(gamePath, std::strlen(gamePath));

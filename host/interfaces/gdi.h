@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-// What a device context draws on. The screen's own has no memory: drawing there does nothing.
+// What a device context draws on. That of the screen has no memory: drawing there does nothing.
 struct HostDeviceContext {
     uint8_t* pixels;  // null: the screen
     uint32_t pitch;   // bytes

@@ -35,7 +35,7 @@ BoardVertex ToBoard(const GrVertex& vertex) {
             vertex.g, vertex.b, vertex.a};
 }
 
-// A line takes nothing but these; the caller has not set the rest.
+// Copies the only fields that a line reads; the caller has not set the others.
 BoardVertex ToLineEnd(const GrVertex& vertex) {
     return {vertex.x, vertex.y, 0, 0, 0, vertex.r, vertex.g, vertex.b, 0};
 }
@@ -61,7 +61,7 @@ void ShowBoardFront() {
         ShowFront(ReadBoardFront());
 }
 
-// Of a larger picture the mean of the pixels that lie in one of 640 x 480.
+// A pixel of the 640 x 480 picture: the mean of the pixels of a larger picture that lie in it.
 uint16_t HighColour(const uint32_t* corner, uint32_t pitch, uint32_t scale) {
     uint32_t red = 0;
     uint32_t green = 0;

@@ -7,7 +7,7 @@ GlideState Glide;
 
 namespace {
 
-constexpr size_t MOST_VERTICES = size_t{1} << 18;  // of a collected frame
+constexpr size_t MOST_VERTICES = size_t{1} << 18;  // vertices that a collected frame holds at most
 
 BoardFrame frame;
 bool stateIsNew = true;

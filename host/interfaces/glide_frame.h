@@ -16,8 +16,8 @@ struct GlideState {
 };
 extern GlideState Glide;
 
-// Into the collected frame.
-void AddVertices(BoardAction action, std::initializer_list<BoardVertex> vertices);  // with the state as it is
+// Adds to the collected frame, with the state as it is.
+void AddVertices(BoardAction action, std::initializer_list<BoardVertex> vertices);
 void AddClear(BoardAction action, uint32_t value);
 
 void StateChanged();  // the next triangle may need another state than the last one

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Where the recording and the log of a run are that ends by a fault.
+// Tells where the recording and the log of a run are that ends by a fault.
 void TellFailure() {
     const std::string kept = Session.keepFailure();
     if (!kept.empty()) PrintError("the game failed. %s", kept.c_str());
@@ -22,7 +22,7 @@ void TellFailure() {
 
 namespace {
 
-constexpr unsigned LONGEST_RESCUE = 5;  // s
+constexpr unsigned LONGEST_RESCUE = 5;  // seconds until the process is ended anyhow
 constexpr size_t STACK_BYTES = 64 * 1024;
 
 struct Fault {
@@ -35,13 +35,14 @@ constexpr Fault FAULTS[] = {{SIGSEGV, EXCEPTION_ACCESS_VIOLATION},
                             {SIGILL, EXCEPTION_ILLEGAL_INSTRUCTION}};
 
 sigjmp_buf resumePoint;
-thread_local volatile std::sig_atomic_t guarded = 0;  // a fault of a helping thread cannot be resumed: it ends all
+// 1 while this thread runs a guarded step. A fault in a helping thread cannot be resumed: it ends the process.
+thread_local volatile std::sig_atomic_t guarded = 0;
 
-// On a stack of its own: the fault may be that the usual one is used up.
+// Runs on a stack of its own, since the fault may be that the usual stack is used up.
 void OnFault(int signal) {
     if (guarded) siglongjmp(resumePoint, signal);
     std::signal(signal, SIG_DFL);
-    alarm(LONGEST_RESCUE);  // what the fault has left behind may be anything
+    alarm(LONGEST_RESCUE);  // the fault may have left any state behind, in which the rescue hangs
     TellFailure();
     std::raise(signal);
 }

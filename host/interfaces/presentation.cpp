@@ -8,7 +8,7 @@
 namespace {
 
 FrontBuffer shown{};
-FrontTexture shownTexture{};  // 0: `shown` is the picture
+FrontTexture shownTexture{};  // texture 0: `shown` is the picture
 bool converted = true;
 std::vector<uint32_t> pixels;
 Picture picture{};
@@ -50,7 +50,8 @@ void CopyTrueColour() {
         std::memcpy(&pixels[size_t{y} * shown.width], shown.pixels + size_t{y} * shown.pitch, size_t{shown.width} * 4);
 }
 
-// Left until somebody looks: a run without a window pays for the pictures it writes only.
+// Converts the shown picture. This is left until somebody looks, so that a run without a window pays only for the
+// pictures it writes.
 void Convert() {
     if (converted) return;
     converted = true;

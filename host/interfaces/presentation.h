@@ -22,11 +22,11 @@ struct FrontTexture {
     FrontBuffer (*read)();
 };
 
-// Shows it. The memory must stay as it is until the next call or FreezeFront.
+// Shows the front buffer. Its memory must stay as it is until the next call or FreezeFront.
 void ShowFront(const FrontBuffer& front);
 void ShowFrontTexture(const FrontTexture& front);  // the same for the texture
-void FreezeFront();                                // the memory is about to go: the picture stays on the screen
-const Picture* FrontPicture();                     // valid until the next ShowFront; null before the first
-bool FrontIsReproducible();                        // the same input gives the same pixels on every machine
-uint32_t PresentCount();                           // pictures shown so far
+void FreezeFront();             // called before the memory is released: the picture stays on the screen
+const Picture* FrontPicture();  // valid until the next ShowFront; null before the first
+bool FrontIsReproducible();     // the same input gives the same pixels on every machine
+uint32_t PresentCount();        // pictures shown so far
 void ResetPresentation();

@@ -24,7 +24,7 @@ std::map<std::string, WNDCLASSA, std::less<>> classes;
 std::unique_ptr<HostWindow> mainWindow;
 int cursorCount = 0;
 
-// What the game only passes on: any address that is not null will do.
+// Handles that the game only passes on point here: any address that is not null will do.
 int resourceToken = 0;
 
 }  // namespace

@@ -5,7 +5,7 @@
 namespace {
 
 uint32_t now = 0;
-uint32_t offset = 0;  // of our clock against the machine's
+uint32_t offset = 0;  // our clock minus the machine's, modulo 2^32
 
 }  // namespace
 

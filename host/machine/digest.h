@@ -25,7 +25,7 @@ public:
     uint64_t Value() const { return value_; }
 
 private:
-    // The product carries a difference upwards only; the fold brings it down again.
+    // The product carries a difference into higher bits only; the fold brings it down again.
     void Mix(uint64_t word) {
         value_ = (value_ ^ word) * 0x9E3779B97F4A7C15;
         value_ ^= value_ >> 32;

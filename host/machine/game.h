@@ -3,5 +3,5 @@
 
 #include "host/host.h"
 
-// What HostMain was given; until then a game without a level. Never null.
+// The game that HostMain was given; before that, a game without a level. Never null.
 extern const HostGame* CurrentGame;

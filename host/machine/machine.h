@@ -32,8 +32,8 @@ struct Machine {
     bool (*createWindow)(const char* title);
     void (*desktopSize)(int* width, int* height);
     void (*present)(const Picture& picture);  // show it now; null: nobody looks
-    // The same for a picture in a texture of OpenGL, upper row first, which stays there until the next picture. False:
-    // it cannot be shown from there. Null: never.
+    // The same for a picture in an OpenGL texture, upper row first, which stays there until the next picture. False: it
+    // cannot be shown from there. Null: this machine never can.
     bool (*presentTexture)(uint32_t texture, int width, int height);
     void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
     int (*messageBox)(const char* text, const char* caption);

@@ -24,7 +24,7 @@ struct Options {
     int level = 0;            // 1 to the number of levels; 0: chosen by hand
     RendererChoice renderer = RendererChoice::Unset;
     BoardChoice board = BoardChoice::Auto;
-    uint32_t boardScale = 1;  // of the gpu board's picture
+    uint32_t boardScale = 1;  // sides of the gpu board's picture, in times of 640 x 480
     bool headless = false;
     std::string script;
     std::string record;

@@ -11,7 +11,7 @@
 
 namespace {
 
-// What was named may be a device, which stays.
+// Removes a file that was not written in full; but a device that was named stays.
 void RemoveHalfAPicture(const std::string& file) {
     std::error_code ignored;
     if (std::filesystem::symlink_status(file, ignored).type() == std::filesystem::file_type::regular)

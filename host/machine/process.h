@@ -1,8 +1,8 @@
-// What the program owes to whoever started it: standard streams that go where they were sent, and an orderly end when
-// a signal asks for one.
+// How the program behaves as a process: its standard streams go where they were sent, and a signal that asks for the
+// end gets an orderly one.
 #pragma once
 
-// Opens /dev/null for each standard stream that is closed: else the next file opened would get what is written to it.
+// Opens /dev/null for each standard stream that is closed: the next file opened would get what is written to it.
 // Called before any file is opened.
 void OpenStandardStreams();
 

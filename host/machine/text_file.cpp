@@ -17,7 +17,7 @@ bool IsFileOrPipe(fs::file_type type) {
     return type == fs::file_type::regular || type == fs::file_type::fifo;
 }
 
-// An empty text: it was read.
+// Returns what went wrong; empty: nothing.
 std::string Read(const std::string& file, size_t most, std::string& text) {
     std::error_code ignored;
     const fs::file_status status = fs::status(file, ignored);

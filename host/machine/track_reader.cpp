@@ -54,7 +54,7 @@ std::string ProblemOf(const SF_INFO& info) {
 
 int16_t ToSample(float value) {
     const float scaled = value * FULL_SCALE;
-    if (!(scaled > -32768.0f)) return -32768;  // also what is not a number
+    if (!(scaled > -32768.0f)) return -32768;  // also for a sample that is not a number
     return static_cast<int16_t>(std::lrintf(std::min(scaled, 32767.0f)));
 }
 

@@ -17,7 +17,7 @@ public:
     static std::unique_ptr<TrackReader> Open(const std::string& path, std::string& problem);
 
     uint32_t Rate() const { return rate_; }         // samples a second
-    uint32_t Milliseconds() const;                  // of the whole file, rounded up
+    uint32_t Milliseconds() const;                  // length of the whole file, rounded up
     void SetSpan(uint32_t from, uint32_t to);       // milliseconds; Read begins at `from`, and again there at `to`
     void Read(std::span<int16_t> samples);          // left, right, left ...; silence once the file broke off
     bool Broken() const { return broken_.load(); }  // may be asked from another thread than the one that reads
@@ -32,7 +32,7 @@ private:
     std::unique_ptr<void, Closer> file_;
     uint32_t rate_ = 0;
     size_t channels_ = 0;
-    int64_t length_ = 0;           // of the file; positions and lengths count sample frames
+    int64_t length_ = 0;           // length of the file; positions and lengths count sample frames
     int64_t first_ = 0, end_ = 0;  // the span
     int64_t position_ = 0;
     std::vector<float> decoded_;

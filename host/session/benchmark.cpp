@@ -17,7 +17,7 @@ constexpr size_t STAGE_COUNT = std::size(STAGE_NAMES);
 
 bool isRunning = false;
 std::vector<double> stageTimes[STAGE_COUNT];  // ms, a frame each
-double frameTimes[STAGE_COUNT];               // of the frame under way
+double frameTimes[STAGE_COUNT];               // times of the frame under way
 size_t stage = STAGE_COUNT;                   // the one under way; STAGE_COUNT: none
 Clock::time_point stageStart, firstFrame, lastFrame;
 

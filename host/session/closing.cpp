@@ -7,7 +7,7 @@
 
 namespace {
 
-// More polls than the game ever makes between two messages, but for its choice screens.
+// More polls than the game ever makes between two messages, except on its choice screens.
 constexpr uint32_t POLLS_WITHOUT_PUMP = 8;
 
 bool requested = false;

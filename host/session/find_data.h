@@ -11,4 +11,4 @@ std::vector<std::filesystem::path> DataFolders(const std::filesystem::path& prog
 // The first that holds a folder `game`; empty: none does.
 std::filesystem::path FindDataFolder(const std::vector<std::filesystem::path>& folders);
 
-std::filesystem::path ProgramFolder();  // of the running program
+std::filesystem::path ProgramFolder();  // the folder that the running program lies in

@@ -14,7 +14,7 @@ enum class FieldKind { Unsigned, Signed, Real };
 struct FieldInfo {
     const char* name;
     FieldKind kind;
-    uint32_t count;  // of numbers; 0: a list of any length
+    uint32_t count;  // how many numbers the field has; 0: a list of any length
     bool isSlow;     // recordings hold it in every 32nd frame only: it would cost more than all others together
 };
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-// What tells them apart: host/host.h.
+// host/host.h says what tells the screens apart.
 enum Screen { SCREEN_NONE, SCREEN_ATTRACT, SCREEN_LEVEL, SCREEN_RENDERER, SCREEN_COUNT };
 constexpr uint32_t FLIPS_OF_A_NEW_SCREEN = 2;
 

@@ -24,7 +24,8 @@ constexpr int STATUS_WRONG_INPUT = 2;
 
 struct HostInstance* const INSTANCE = reinterpret_cast<HostInstance*>(uintptr_t{0x400000});
 
-// No window of the game is open yet, and who started it from a desktop sees no terminal.
+// Shows the message in a box as well: no window of the game is open yet, and a user who started it from a desktop sees
+// no terminal.
 bool RefuseData(const Options& options, const std::string& text) {
     HostReportFatal(text.c_str(), nullptr);
     if (!options.headless) CurrentMachine->messageBox(text.c_str(), CurrentGame->title);

@@ -1,4 +1,4 @@
-// How far the game is. Counted by session/run.cpp.
+// How far the game has come. Counted by session/run.cpp.
 #pragma once
 
 #include <cstdint>

@@ -29,6 +29,6 @@ void RecordMessage(const MSG* message);  // null: there was none
 void RecordFile(uint32_t digest);
 void RecordFrame(const RecordedFrame& frame);
 
-// Answers as a recording writes them down; the replay reads them back.
+// A call's result as recordings hold it.
 DeviceResult DeviceResultOf(HRESULT result);
 HRESULT ResultOfDevice(DeviceResult result);

@@ -11,7 +11,7 @@ constexpr char MAGIC[] = {'t', 'w', 'r', 'e', 'c', '\r', '\n', '\x1A'};
 constexpr uint16_t VERSION = 1;
 constexpr size_t HEADER_BYTES = sizeof MAGIC + 3;
 
-// The first byte of a section: a bit for each kind of answers that is not as in the section before, and these.
+// The first byte of a section has a bit for each kind of answers that differs from the section before, and these bits.
 constexpr uint8_t SECTION_HAS_PIXELS = 1 << 5;
 constexpr uint8_t SECTION_RESERVED = 1 << 6;
 constexpr uint8_t SECTION_IS_LAST = 1 << 7;
@@ -44,7 +44,8 @@ int64_t UnZigZag(uint64_t value) {
     return static_cast<int64_t>(value >> 1 ^ (0 - (value & 1)));
 }
 
-// Floats' bits in the order of the numbers, so that small steps of a number are small steps of its bits.
+// A float's bits, changed so that they count up with the number: a small step of the number is a small step of its
+// bits.
 uint32_t ToOrder(size_t field, uint32_t word) {
     if (FRAME_FIELDS[field].kind != FieldKind::Real) return word;
     return word >> 31 ? ~word : word | 0x80000000;

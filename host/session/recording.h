@@ -47,7 +47,7 @@ enum class RunEnd : uint8_t { Ordinary, Failure };
 struct Section {
     Answers answers[ANSWER_KINDS];
     RecordedFrame frame;
-    std::optional<RunEnd> end;  // of the last section, which has no frame
+    std::optional<RunEnd> end;  // only in the last section, which has no frame
 };
 
 struct RecordingHeader {
@@ -56,14 +56,15 @@ struct RecordingHeader {
 
 bool IsFullFrame(uint32_t frame);  // frame: from 1
 
-// What the coding of a section goes by: the sections before it.
+// What the coding of a section depends on: the sections before it.
 struct SectionContext {
-    uint32_t frame = 1;  // of the section
+    uint32_t frame = 1;  // the game frame of the section
     Answers answers[ANSWER_KINDS];
     FrameFields last, beforeLast;  // empty: not known
 
     void Follow(const Section& section);
-    uint32_t Predict(size_t field, size_t index) const;  // its bits, in an order that is that of the numbers
+    uint32_t Predict(size_t field,
+                     size_t index) const;  // the expected bits, coded so that they count up with the number
 };
 
 class RecordingWriter {
@@ -81,7 +82,7 @@ private:
     void AddCheck();
 
     std::vector<uint8_t> bytes_;
-    size_t checked_ = 0;  // bytes that a checksum stands for
+    size_t checked_ = 0;  // bytes that are already under a checksum
     SectionContext context_;
 };
 

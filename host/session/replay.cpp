@@ -30,7 +30,7 @@ uint32_t drawFrom = 0;
 // Where the game is in a row of answers.
 struct Place {
     size_t run;
-    uint32_t taken;  // of the run
+    uint32_t taken;  // answers already taken from that run of equal ones
 };
 Place places[ANSWER_KINDS];
 uint32_t asked[ANSWER_KINDS];
@@ -39,7 +39,7 @@ uint32_t beyond = 0;
 uint32_t clockNow = 0;
 uint8_t keysDown[KEY_COUNT];
 DIMOUSESTATE mouse{};
-uint32_t paceStart = 0;  // of the machine's clock, when the recorded one was 0
+uint32_t paceStart = 0;  // reading of the machine's clock when the recorded clock was 0
 bool hasPace = false;
 
 struct Difference {
@@ -58,7 +58,7 @@ std::string InFrame(uint32_t frame) {
     return "game frame " + std::to_string(frame) + " differs from the recorded one: ";
 }
 
-// What the run that was recorded failed by did not happen again, or has no answers any more.
+// The recorded run failed here. The failure did not happen again, or the game goes on beyond the recorded answers.
 [[noreturn]] void EndAsRecorded(uint32_t frame) {
     std::fprintf(stderr, "the recording ends here, in game frame %u, as the run did that it was made of\n", frame);
     isPlaying = false;
@@ -108,7 +108,7 @@ std::string DigestValues(uint32_t recorded, uint32_t now) {
     return text;
 }
 
-// The first field that differs; nothing when all that this frame holds are the same.
+// The first field that differs; nothing when all the fields that this frame holds are the same.
 std::optional<std::string> DifferentField(uint32_t frame, const FrameFields& now) {
     const FrameFields& recorded = section.frame.fields;
     for (size_t field = 0; field < FIELD_COUNT; ++field) {

@@ -32,12 +32,12 @@ bool underWay = false;
 bool endsByItself = false;
 uint32_t frameLimit = 0;  // 0: none
 uint32_t firstDrawn = 1;
-uint32_t framesAsked = 0;  // the last frame that the limit or a shot waits for
+uint32_t framesAsked = 0;  // the last frame that --frames or a shot waits for
 std::vector<ShotRequest> frameShots;
 std::FILE* trace = nullptr;
 std::string tracePath;
 
-uint32_t lastDropped = 0;  // of the frame before
+uint32_t lastDropped = 0;  // polygons dropped in the frame before
 uint32_t lastEvent = 0;    // clock of the latest thing that was asked for
 
 void CollectShots(const Options& options, const Script& script) {
@@ -64,7 +64,7 @@ bool CloseTrace() {
     return complete;
 }
 
-// A flip leaves the picture of two frames ago to draw over.
+// The picture of two frames ago is drawn, too, because the next frame is drawn over it after a flip.
 bool IsDrawn(uint32_t frame) {
     return frame + 2 >= firstDrawn;
 }
@@ -82,7 +82,7 @@ std::optional<uint32_t> LowHalf(const std::optional<uint64_t>& digest) {
     return static_cast<uint32_t>(*digest);
 }
 
-// A person in front of a replay has two ways to end it.
+// Ends a replay when the user presses Escape or closes the window.
 void WatchReplay() {
     uint8_t keys[KEY_COUNT];
     TakeKeys(keys);
@@ -93,7 +93,7 @@ void EndWhenIdle() {
     if (endsByItself && !ScriptTimesPending() && ClockNow() - lastEvent >= RUN_IDLE_END) RequestClose();
 }
 
-// The first frame of a row of them tells enough.
+// Logs only the first of several frames in a row that drop polygons.
 void LogDropped(uint32_t dropped) {
     if (dropped > 0 && lastDropped == 0)
         HostLog("frame %u: no room for %u polygons of the character", Progress.framesPlayed, dropped);

@@ -15,7 +15,7 @@ constexpr size_t LONGEST_SCRIPT = 16;  // MiB
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 constexpr size_t LONGEST_QUOTE = 80;
 
-// For a message: cut short, and without what a terminal would take for a command.
+// A word as messages quote it: cut short, and without control characters.
 std::string Quote(std::string_view word) {
     std::string quote(word.substr(0, LONGEST_QUOTE));
     std::replace_if(
@@ -47,7 +47,7 @@ bool TakeWhen(std::string_view word, ScriptLine& line) {
     return TakeNumber<uint32_t>(word.substr(0, word.size() - 2), 0, UINT32_MAX, line.when);
 }
 
-// One of two words: `on` tells which.
+// Takes one of two words; isOn says which.
 bool TakeEither(std::string_view word, std::string_view off, std::string_view on, bool& isOn) {
     isOn = word == on;
     return isOn || word == off;
@@ -111,7 +111,7 @@ const ActionEntry* FindAction(std::string_view word) {
     return nullptr;
 }
 
-// An empty text: the line is good.
+// Returns what is wrong with the line; empty: nothing.
 std::string ParseLine(const Words& words, ScriptLine& line) {
     if (!TakeWhen(words[0], line)) return Quote(words[0]) + " is neither a frame from 1 on (120) nor a time (3500ms)";
     if (words.size() < 2) return "an action is missing after " + Quote(words[0]);

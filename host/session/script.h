@@ -22,7 +22,7 @@ enum class ScriptAction { KeyDown, KeyUp, Tap, Mouse, Button, Focus, Wait, Shot,
 struct ScriptLine {
     uint32_t when;  // frame or milliseconds
     bool isFrame;
-    uint32_t number;  // of the line in the file, from 1
+    uint32_t number;  // number of the line in the file, from 1
     ScriptAction action;
     uint8_t code;           // scan code; mouse button 0 or 1
     bool on;                // Button: down; Focus: gained

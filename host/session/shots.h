@@ -5,4 +5,4 @@
 
 // The picture last presented. False: there is none, or the file cannot be written; one line on standard error says so.
 bool WriteShot(const std::string& file);
-bool ShotsFailed();  // any since the program started
+bool ShotsFailed();  // whether any could not be written since the program started

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-// `frame` and the fields in their order; "digest": DigestFrame's; `dropped`, which is no part of the digest: it is what
-// a table had no room for, not what the game has done; "pixels": the same kind of digest over the picture's 32-bit
-// pixels, null without one. No line end.
+// A line without its end: `frame`; the fields in their order; "digest" (DigestFrame's); `dropped`, which is no part of
+// the digest, as it tells what a table had no room for and not what the game has done; "pixels", the same kind of
+// digest over the picture's 32-bit pixels, null without a picture.
 std::string TraceLine(uint32_t frame, const FrameFields& fields, uint64_t digest, uint32_t dropped,
                       const std::optional<uint64_t>& pixels);

@@ -25,7 +25,7 @@ struct TestMachineState {
     std::vector<std::string> messageBoxes;  // texts shown
     bool mouseCaptured = false;
     bool soundOpens = true;                            // the CD drive finds a sound device
-    std::vector<std::shared_ptr<TrackReader>> sounds;  // that were begun; null: silence
+    std::vector<std::shared_ptr<TrackReader>> sounds;  // the tracks that were begun; null: silence
 };
 extern TestMachineState TestMachine;
 

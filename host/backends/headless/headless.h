@@ -1,4 +1,4 @@
-// The machine without a window: a clock that moves by 1 at each call of `milliseconds` and never else, no devices.
+// The machine without a window: no devices, and a clock that moves by 1 at each call of `milliseconds` and only then.
 // Input comes from a script only, so two runs with the same options give the same bytes.
 #pragma once
 

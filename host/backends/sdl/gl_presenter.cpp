@@ -123,7 +123,7 @@ private:
     SDL_Window* window;
     SDL_GLContext context;
     GLuint program = 0, vertexArray = 0, ownTexture = 0;
-    GLuint texture = 0;  // shown
+    GLuint texture = 0;  // the one being shown
     GLint enlargementPlace = -1;
     int width = 0, height = 0;
 };

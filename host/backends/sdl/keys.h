@@ -5,4 +5,4 @@
 
 #include <cstdint>
 
-uint8_t ScanCodeOf(SDL_Scancode key);  // as the game's keyboard counts; 0: that keyboard has no such key
+uint8_t ScanCodeOf(SDL_Scancode key);  // the DIK_ code; 0: the game's keyboard has no such key

@@ -10,10 +10,10 @@
 namespace {
 
 constexpr int STICK_PRESS = 10000;
-constexpr int STICK_RELEASE = 8000;  // lower than the press, so that a stick held near the edge does not flutter
+constexpr int STICK_RELEASE = 8000;  // lower than STICK_PRESS, so that a stick held near it does not flutter
 constexpr int TURN_DEAD_ZONE = 8000;
-constexpr float TURN_COUNTS_A_SECOND = 180;  // of a right stick pushed all the way
-constexpr uint32_t TURN_LONGEST_MS = 100;    // after a pause the camera must not jump
+constexpr float TURN_COUNTS_A_SECOND = 180;  // mouse counts that a right stick pushed all the way gives in a second
+constexpr uint32_t TURN_LONGEST_MS = 100;  // longer times count as this, so that the camera does not jump after a pause
 
 // What a controller can hold down: its buttons, then its sticks' directions and its trigger.
 enum PadInput { STICK_UP = SDL_CONTROLLER_BUTTON_MAX, STICK_DOWN, STICK_LEFT, STICK_RIGHT, TRIGGER, PAD_INPUTS };
@@ -52,7 +52,7 @@ struct Pad {
 std::map<SDL_JoystickID, Pad> pads;
 std::bitset<256> keysDown;
 bool turning = false;
-float countsLeftX = 0, countsLeftY = 0;  // below one count, kept for the next report
+float countsLeftX = 0, countsLeftY = 0;  // fractions of a count, kept for the next report
 
 void ReportKeys() {
     std::bitset<PAD_INPUTS> held;

@@ -12,9 +12,10 @@ class Presenter {
 public:
     virtual ~Presenter() = default;
     virtual void Show(const Picture& picture) = 0;
-    // A texture of OpenGL, which stays until the next picture. False: drawn without OpenGL.
+    // Shows an OpenGL texture, which must stay until the next picture. False: this presenter does not use OpenGL.
     virtual bool ShowTexture(uint32_t texture, int width, int height) = 0;
-    virtual void ShowAgain() = 0;  // the latest picture at the window's size of now; nothing before the first Show
+    virtual void
+    ShowAgain() = 0;  // shows the latest picture at the window's present size; does nothing before the first Show
 };
 
 std::unique_ptr<Presenter> MakeGlPresenter(SDL_Window* window);       // null: no OpenGL 3.3 context; see SDL_GetError

@@ -14,8 +14,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto CLOCK_NAP = 200us;   // of a loop that reads the clock until it moves
-constexpr auto KEYBOARD_NAP = 2ms;  // of a loop that polls the keyboard until a key is down
+constexpr auto CLOCK_NAP = 200us;   // sleep of a loop that reads the clock until it moves
+constexpr auto KEYBOARD_NAP = 2ms;  // sleep of a loop that polls the keyboard until a key is down
 constexpr int WAIT_SLICE_MS = 20;
 
 Options startOptions;
@@ -86,7 +86,7 @@ void DesktopSize(int* width, int* height) {
 }
 
 int MessageBox(const char* text, const char* caption) {
-    // Where nothing is shown SDL looks for a dialog program, and may wait for it without end.
+    // Without a display SDL looks for a dialog program, and may wait for it without end.
     if (DisplayIsUnseen()) {
         std::fprintf(stderr, "%s: %s\n", caption, text);
     } else {

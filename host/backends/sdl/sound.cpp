@@ -44,7 +44,7 @@ bool OpenSound(std::string& problem) {
         SDL_QuitSubSystem(SDL_INIT_AUDIO);
         return false;
     }
-    // The device's thread must be gone before what it plays is, however the program ends.
+    // The device's thread must end before what it plays is destroyed, however the program ends.
     [[maybe_unused]] static const int registered = std::atexit(CloseSound);
     SDL_PauseAudioDevice(device, 0);
     return true;

@@ -31,14 +31,14 @@ bool pointerWanted = false;
 bool pointerHeld = false;
 
 std::bitset<SDL_NUM_SCANCODES> keysHeld;
-std::optional<uint32_t> altReleased;  // the latest time, in ms of SDL's clock
+std::optional<uint32_t> altReleased;  // when Alt was last released, in ms of SDL's clock
 
 void UpdatePointer() {
     const bool hold = window && focused && pointerWanted;
     if (hold == pointerHeld) return;
     pointerHeld = hold;
     SDL_SetRelativeMouseMode(hold ? SDL_TRUE : SDL_FALSE);
-    SDL_FlushEvent(SDL_MOUSEMOTION);  // the way of the pointer before the switch is no motion of the mouse
+    SDL_FlushEvent(SDL_MOUSEMOTION);  // how the pointer moved before the switch is no motion for the game
 }
 
 void ChangeFocus(bool gained) {
@@ -53,7 +53,7 @@ void HandleWindowEvent(const SDL_WindowEvent& event) {
     switch (event.event) {
     case SDL_WINDOWEVENT_FOCUS_GAINED: ChangeFocus(true); break;
     case SDL_WINDOWEVENT_FOCUS_LOST:
-        if (!DisplayIsUnseen()) ChangeFocus(false);  // there is nothing there that it could come back from
+        if (!DisplayIsUnseen()) ChangeFocus(false);  // on an unseen display the focus could never come back
         break;
     case SDL_WINDOWEVENT_EXPOSED:
     case SDL_WINDOWEVENT_SIZE_CHANGED:
@@ -115,7 +115,7 @@ void HandleEvent(const SDL_Event& event) {
     }
 }
 
-// Of the data folder; without it the window has the desktop's own.
+// Takes the icon from the data folder; without one the window shows the desktop's own.
 void ShowIcon() {
     PngPixels icon = ReadPng(std::string(HostDataFolder()) + "/icon.png");
     if (icon.pixels.empty()) return;
@@ -128,7 +128,7 @@ void ShowIcon() {
 
 SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t flags) {
     const bool windowed = options.windowWidth > 0 && !options.fullscreen;
-    // Full screen, too, opens at its final size: without a window manager nothing enlarges it later.
+    // A full-screen window, too, is opened at its final size: without a window manager nothing enlarges it later.
     SDL_Rect area{0, 0, options.windowWidth, options.windowHeight};
     if (!windowed && SDL_GetDisplayBounds(0, &area) != 0) area = {0, 0, SMALLEST_WIDTH, SMALLEST_HEIGHT};
     flags |= SDL_WINDOW_ALLOW_HIGHDPI;

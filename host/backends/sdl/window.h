@@ -4,12 +4,13 @@
 #include "machine/machine.h"
 #include "machine/options.h"
 
-bool DisplayIsUnseen();  // SDL runs one of its drivers that show nothing, or none
+bool DisplayIsUnseen();                                          // SDL runs a driver that shows nothing, or none at all
 bool OpenGameWindow(const char* title, const Options& options);  // false: a line on standard error says why
 void CloseGameWindow();
 bool GameWindowOpen();
 void ShowPicture(const Picture& picture);
-bool ShowTexture(uint32_t texture, int width, int height);   // of OpenGL; false: the window has nothing to do with it
+// An OpenGL texture. False: the window does not draw with OpenGL.
+bool ShowTexture(uint32_t texture, int width, int height);
 void CapturePointer(bool captured);                          // hold and hide it while the window has the focus
-void PumpWindowEvents();                                     // everything pending, into input/devices.h
-void ShowMessageBox(const char* text, const char* caption);  // returns when it was closed
+void PumpWindowEvents();                                     // reports all pending events to input/devices.h
+void ShowMessageBox(const char* text, const char* caption);  // returns when the user has closed it

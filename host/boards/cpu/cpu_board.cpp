@@ -13,20 +13,21 @@ constexpr size_t BUFFER_PIXELS = size_t{CPU_PITCH} * BOARD_HEIGHT;
 
 constexpr unsigned MOST_THREADS = 4;
 
-// The picture is drawn in bands of rows, each by one thread in the order of the frame: how many threads there are shows
-// nowhere. So many even out the threads' work, and leave one's pixels in its cache.
+// The picture is drawn in bands of rows, each by one thread in the order of the frame, so the number of threads does
+// not change it. This many bands even out the threads' work, and the pixels of one fit a core's cache.
 constexpr int32_t BANDS = 12;
 static_assert(BOARD_HEIGHT % BANDS == 0);
 
 struct Band {
-    int32_t first, end;               // rows
-    std::vector<uint32_t> triangles;  // that may reach it: the numbers of their first vertices, in the frame's order
+    int32_t first, end;  // rows
+    // Triangles that may reach the band: the numbers of their first vertices, in the frame's order.
+    std::vector<uint32_t> triangles;
 };
 
 std::unique_ptr<Crew> crew;
 
 std::array<Band, BANDS> bands;
-std::vector<FillState> states;  // of the frame
+std::vector<FillState> states;  // the states of the frame, made ready for filling
 std::vector<uint32_t> back, front;
 std::vector<uint16_t> depth;
 std::vector<CpuTexture> textures;
@@ -55,7 +56,7 @@ void LoadTexture(uint32_t number, TextureImage image) {
 
 FillState Prepare(const BoardState& state) {
     FillState fill{};
-    // What draws lines only has no texture.
+    // A state that draws only lines has no texture.
     if (state.texture < textures.size()) fill.texture = &textures[state.texture];
     fill.wrapS = state.wrapS;
     fill.wrapT = state.wrapT;
@@ -90,7 +91,7 @@ void DrawLine(const BoardVertex& from, const BoardVertex& to, const Band& band) 
     const int32_t dx = static_cast<int32_t>(std::floor(to.x)) - x;
     const int32_t dy = static_cast<int32_t>(std::floor(to.y)) - y;
     const int32_t steps = std::max({std::abs(dx), std::abs(dy), 1});
-    // To the nearest pixel of the shorter direction; a tie goes right or down.
+    // Rounds to the nearest pixel in the shorter direction; a tie goes right or down.
     const auto along = [steps](int32_t whole, int32_t i) {
         const int32_t doubled = 2 * whole * i + steps;
         return doubled / (2 * steps) - (doubled % (2 * steps) < 0);

@@ -6,5 +6,6 @@
 extern const Board CpuBoard;
 
 bool CpuBoardHasAvx2();
-extern unsigned CpuBoardThreads;  // 1..4 are used, from the next opening on; the processor's unless changed likewise
-extern bool CpuBoardUsesAvx2;     // CpuBoardHasAvx2() unless a test or benchmark changes it; the pictures are the same
+extern unsigned
+    CpuBoardThreads;  // used from the next opening on, as 1..4; the processor's number unless a test changes it
+extern bool CpuBoardUsesAvx2;  // CpuBoardHasAvx2() unless a test or benchmark changes it; the pictures are the same

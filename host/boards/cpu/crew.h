@@ -1,4 +1,4 @@
-// Threads that share one piece of work at a time with the one that hands it out.
+// Threads that share one piece of work at a time with the thread that hands it out.
 #pragma once
 
 #include <atomic>
@@ -29,7 +29,7 @@ private:
     const std::function<void(int)>* work_ = nullptr;
     int parts_ = 0;
     std::atomic<int> next_{0};
-    unsigned round_ = 0;    // of the work handed out
+    unsigned round_ = 0;    // number of the piece of work handed out last
     unsigned helping_ = 0;  // threads that have not finished this round
     bool ends_ = false;
 };

@@ -10,8 +10,8 @@
 
 namespace {
 
-// Channels of eight pixels in 16 bits each: of pixels 0 1 4 5, and of 2 3 6 7, the order in which instructions that
-// work within 128 bits take a register apart and together again.
+// The channels of eight pixels, 16 bits each: pixels 0 1 4 5 in one register and 2 3 6 7 in the other. That is the
+// order in which instructions that work within 128 bits unpack and pack a register.
 struct Channels {
     __m256i low, high;
 };
@@ -20,10 +20,11 @@ struct Channels {
 struct Setting {
     const FillState& state;
     const Triangle& triangle;
-    const MipLevel* level;  // of the last group, and its LOD: the next one's is likely the same
+    // The level that the last group used, and its LOD: the next group most likely uses it, too.
+    const MipLevel* level;
     __m256i lod;
     __m256 steps[PLANE_TOW + 1];
-    __m256i colourOffsets[4];  // of pixels 0 and 4, 1 and 5, 2 and 6, 3 and 7
+    __m256i colourOffsets[4];  // for pixels 0 and 4, 1 and 5, 2 and 6, 3 and 7
     __m128i colourStep;
 };
 
@@ -108,18 +109,18 @@ AVX2_INLINE __m256i Positions(__m256 coordinate, float scale, bool wraps, int32_
     return _mm256_cvtps_epi32(_mm256_min_ps(_mm256_max_ps(position, _mm256_setzero_ps()), _mm256_set1_ps(last)));
 }
 
-// Two bytes of each 32 bits, over all of a pixel's pairs: of pixels `i` and `i + 4`.
+// Copies two bytes of each 32 bits to all of that pixel's pairs, for the pixels `i` and `i + 4`.
 AVX2_INLINE __m256i SpreadBytes(__m256i pixels, int i) {
     return _mm256_shuffle_epi8(pixels, _mm256_set1_epi16(static_cast<int16_t>(0x0100 + 0x0404 * i)));
 }
 
-// The low 16 bits of each 32, over all of a pixel's channels.
+// Copies the low 16 bits of each 32 to all of that pixel's channels.
 AVX2_INLINE Channels SpreadWords(__m256i pixels) {
     const __m256i words = _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(pixels, 0xA0), 0xA0);
     return {_mm256_unpacklo_epi32(words, words), _mm256_unpackhi_epi32(words, words)};
 }
 
-// The share, 1/32768, of the way.
+// From `from` towards `to` by `share` / 32768 of the way.
 AVX2_INLINE __m256i Mix(__m256i from, __m256i to, __m256i share) {
     return _mm256_add_epi16(from, _mm256_mulhrs_epi16(_mm256_sub_epi16(to, from), share));
 }
@@ -155,7 +156,7 @@ AVX2_INLINE Channels Sample(const FillState& state, const MipLevel& level, __m25
     return {Filter(taps(0), taps(1), partS.low), Filter(taps(2), taps(3), partS.high)};
 }
 
-// Neighbouring pixels rarely take different levels: one level at a time, for the pixels that want it.
+// Samples one level at a time, for the pixels that take it: neighbouring pixels rarely take different levels.
 [[gnu::noinline]] AVX2_CODE Channels SampleLevels(const FillState& state, __m256i lods, __m256 s, __m256 t,
                                                   __m256i drawn) {
     alignas(32) int32_t lod[GROUP];

@@ -4,14 +4,14 @@
 
 namespace {
 
-// The nearest whole number, ties to even: the sum has no room for a fraction. The least one for what is out of range,
-// as the vector instructions do.
+// The nearest whole number, ties to even, by a sum that has no room for a fraction. A value out of range gives the
+// least integer, as the vector instructions do.
 int32_t Round(float value) {
     if (!(value >= -2147483648.0F && value < 2147483648.0F)) return INT32_MIN;
     return static_cast<int32_t>((double{value} + 6755399441055744.0) - 6755399441055744.0);
 }
 
-// Not a number gives the second one, as the vector instructions do.
+// The smaller of two; when one is not a number, the second, as the vector instructions do.
 float Least(float a, float b) {
     return a < b ? a : b;
 }
@@ -34,7 +34,7 @@ int32_t Lod(const FillState& state, const Triangle& triangle, float alongRow, fl
     return std::clamp(static_cast<int32_t>(bits >> 24) - 64, state.texture->firstLod, state.texture->lastLod);
 }
 
-// Where the upper left one of the four taps is the whole part.
+// The position of a coordinate in 1/128 texels; its whole texels name the upper left one of the four that are mixed.
 int32_t Position(float coordinate, float scale, bool wraps, int32_t mask, float last) {
     const float position = coordinate * scale - 64.0F;
     return wraps ? Round(position) & mask : Round(Least(Greatest(position, 0.0F), last));

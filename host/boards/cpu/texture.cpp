@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr float POSITIONS = 128;  // in a texel
+constexpr float POSITIONS = 128;  // positions to a texel
 
 size_t PairBytes(const TextureLevel& level) {
     return size_t{TEXEL_PAIR_BYTES} * (level.width + 1) * level.height;

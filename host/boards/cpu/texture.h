@@ -22,7 +22,7 @@ struct MipLevel {
 struct CpuTexture {
     int32_t firstLod, lastLod;    // -1, -1: not loaded
     MipLevel levels[BOARD_LODS];  // by LOD, firstLod..lastLod
-    std::vector<int8_t> pairs;    // of all levels
+    std::vector<int8_t> pairs;    // the texels of all levels
 };
 
 CpuTexture MakeCpuTexture(const TextureImage& image);

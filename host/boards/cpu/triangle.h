@@ -1,4 +1,4 @@
-// Inside of the cpu board: a triangle made ready, its rows, and what fills them. The fill routines differ in speed
+// The inside of the cpu board: a triangle made ready, its rows, and what fills them. The fill routines differ in speed
 // only: each does the same operations on a pixel in the same order, so that each gives the same bytes.
 #pragma once
 
@@ -12,11 +12,11 @@ constexpr int32_t GROUP = 8;  // pixels filled at once
 // A group may begin at the last pixel of a row; what lies beyond the row's end is stored as it was.
 constexpr int32_t CPU_PITCH = BOARD_WIDTH + 2 * GROUP;
 
-// Of the fog's colour, 1/32768, where a depth code is a multiple of 1024, and how much more at the next one.
+// The share of the fog's colour, 1/32768, where a depth code is a multiple of 1024, and the step to the next multiple.
 struct FogEntry {
     int16_t share, step;
 };
-constexpr int16_t FOG_FRACTION = 0x3FC;  // of a depth code: the eight bits that place it between two entries
+constexpr int16_t FOG_FRACTION = 0x3FC;  // the eight bits of a depth code that place it between two entries
 
 // A BoardState made ready for filling.
 struct FillState {
@@ -48,10 +48,10 @@ enum Channel { CHANNEL_BLUE, CHANNEL_GREEN, CHANNEL_RED, CHANNEL_ALPHA, CHANNEL_
 struct Triangle {
     double origin[PLANE_COUNT], perRow[PLANE_COUNT], perColumn[PLANE_COUNT];
     float columnStep[PLANE_COUNT];
-    // 1/65536, modulo 2^32. The whole part: alpha rounded, of colours that plus one.
+    // In 1/65536, modulo 2^32. The whole part is alpha rounded; for colours it is one more than that.
     uint32_t colourOrigin[CHANNEL_COUNT], colourPerRow[CHANNEL_COUNT], colourPerColumn[CHANNEL_COUNT];
-    // Twice how far s and t go from one pixel to the next, but for the factor W x W: along a row this is the same
-    // everywhere in it, down a column everywhere in that.
+    // Twice how far s and t go from one pixel to the next, without the factor W x W. Along a row this is the same
+    // for all of the row; down a column it is the same for all of the column.
     double alongRow[2], alongRowPerRow[2];
     float downColumn[2], downColumnPerColumn[2];
     Edge longEdge, upperEdge, lowerEdge;  // from top to bottom; the two on the other side
@@ -59,7 +59,7 @@ struct Triangle {
     int32_t firstRow, endRow;
 };
 
-// False: it has no pixel.
+// False: the triangle covers no pixel.
 bool SetUpTriangle(const BoardVertex* corners, Triangle& triangle);
 
 // The pixels begin..end - 1 of a row.
@@ -77,8 +77,8 @@ inline Span SpanOf(const Triangle& triangle, int32_t row) {
     return {static_cast<int32_t>(onScreen(left)), static_cast<int32_t>(onScreen(right))};
 }
 
-// The square of twice how far s and t go from one pixel to the next, but for the factor W^4. A LOD is half its binary
-// exponent, less one.
+// The square of twice how far s and t go from one pixel to the next, without the factor W^4. The LOD is half of the
+// square's binary exponent, minus one.
 inline float SquareAlongRow(const Triangle& triangle, int32_t row) {
     const double s = triangle.alongRow[0] + triangle.alongRowPerRow[0] * row;
     const double t = triangle.alongRow[1] + triangle.alongRowPerRow[1] * row;

@@ -16,12 +16,13 @@ int32_t Sixteenths(float pixels) {
     return whole - (static_cast<float>(whole) > scaled);
 }
 
-// The first row whose centre does not lie above.
+// The first row whose centre does not lie above y.
 int32_t RowFrom(int32_t y) {
     return (y + 7) >> 4;
 }
 
-// The quotient lies half a step of its divisor above what it should be: no error of rounding reaches a whole number.
+// The quotient is made half a step of its divisor too large, so that no rounding error can carry it across a whole
+// number.
 Edge MakeEdge(const Corner& top, const Corner& bottom) {
     const double dx = bottom.x - top.x;
     const double dy = bottom.y - top.y;
@@ -39,8 +40,8 @@ struct Planes {
     Four origin, perRow, perColumn;
 };
 
-// How values go over the screen, from their differences to two corners. In double precision: on a sliver the
-// differences of floats would be worth nothing.
+// How values change over the screen, from their differences to two corners. Double precision is needed: on a sliver the
+// differences of floats would mean nothing.
 class Slopes {
 public:
     Slopes(const Corner& a, const Corner& b, const Corner& c, double area) {
@@ -94,8 +95,8 @@ void SetUpPlanes(const Slopes& slopes, const Corner* corners, Triangle& triangle
     }
 }
 
-// To the nearest 1/65536, modulo 2^32: the sum has no room for a finer fraction. Only on slivers that hold hardly a
-// pixel can a value be too large for this.
+// Rounds to the nearest 1/65536, modulo 2^32, by a sum that has no room for a finer fraction. Only on slivers of hardly
+// a pixel can a value be too large for this.
 void ToFixed(const Four& values, uint32_t* fixed) {
     constexpr double SHIFTER = 6755399441055744.0;  // 1.5 x 2^52
     for (int i = 0; i < CHANNEL_COUNT; ++i)
@@ -135,7 +136,7 @@ bool SetUpTriangle(const BoardVertex* vertices, Triangle& triangle) {
     const double area = double(middle.x - top.x) * (bottom.y - top.y) - double(bottom.x - top.x) * (middle.y - top.y);
     if (area == 0 || triangle.firstRow >= triangle.endRow) return false;
     triangle.longEdgeIsLeft = area > 0;
-    // An edge along a row bounds nothing.
+    // An edge that runs along a row bounds no row.
     const Edge nowhere = {triangle.longEdgeIsLeft ? BOARD_WIDTH : 0.0, 0};
     triangle.longEdge = MakeEdge(top, bottom);
     triangle.upperEdge = top.y == middle.y ? nowhere : MakeEdge(top, middle);

@@ -76,7 +76,7 @@ GL_FUNCTIONS(DECLARE_GL_FUNCTION)
 #undef DECLARE_GL_FUNCTION
 }  // namespace gl
 
-// From the context that is current on this thread. False: `error` names the function it does not have.
+// Loads the functions from the context that is current on this thread. False: `error` names one that it lacks.
 bool LoadGl(std::string& error);
 
 // The vertex program's inputs are numbered by layout(location). 0: `error` says what the driver objects to.

@@ -35,7 +35,7 @@ void CloseContext() {
     startedVideo = false;
 }
 
-// Drawing off the screen needs no display, and is tried first. SDL_VIDEODRIVER, when set, decides both times.
+// SDL's offscreen driver needs no display and is tried first. When SDL_VIDEODRIVER is set, both tries use that driver.
 bool OpenContext() {
     if (SDL_WasInit(SDL_INIT_VIDEO)) return OpenHiddenWindow();
     if (StartVideo("offscreen") && OpenHiddenWindow()) return true;

@@ -6,7 +6,7 @@
 
 #include <string>
 
-// For SDL's next window that draws with OpenGL.
+// Sets the attributes of the context that SDL makes for the next window.
 void AskForGlContext();
 
 // Makes the functions of gl.h usable on this thread, as often as wanted; the hidden window stays until the program

@@ -73,7 +73,7 @@ GLuint MakeColourTexture() {
     return texture;
 }
 
-// Both share the depth buffer.
+// Makes a colour buffer, front or back. Both share the depth buffer.
 bool MakeBuffer(Buffer& buffer) {
     buffer.colour = MakeColourTexture();
     gl::GenFramebuffers(1, &buffer.frame);
@@ -202,7 +202,7 @@ void Clear(const BoardRun& run) {
     if (current) gl::DepthMask(current->writesDepth);
 }
 
-// The window's pictures are drawn with the same context: nothing stands as it was left.
+// Sets every state anew: the window's pictures are drawn with the same context, which changes all states.
 void BeginDrawing() {
     gl::BindFramebuffer(GL_FRAMEBUFFER, back.frame);
     gl::Viewport(0, 0, width, height);
@@ -217,7 +217,7 @@ void BeginDrawing() {
     gl::Uniform1i(uniforms.isLine, GL_TRUE);
 }
 
-// What draws the lines comes behind the frame's own vertices.
+// Uploads the frame's vertices, and behind them the triangles that draw its lines.
 void Upload(const BoardFrame& frame) {
     std::vector<BoardVertex> lines;
     for (const BoardRun& run : frame.runs)
@@ -284,7 +284,7 @@ const uint32_t* Front(uint32_t& pitch) {
     return frontPixels.data();
 }
 
-// A processor that draws OpenGL's way is slower than one that draws the cpu board's.
+// Without a graphics card the cpu board is faster than OpenGL drawn by the processor.
 bool HasGraphicsCard(std::string& why) {
     if (!EnterGl(why)) return false;
     if (!GlIsSoftware()) return true;

@@ -1,5 +1,5 @@
 // The accelerator drawn by OpenGL: the cpu board's pictures, or whole multiples of their size (BoardScale). At the same
-// size channels differ by two steps at most, but for less than one pixel in 500 at edges and where a hole or a mip
+// size channels differ by two steps at most, except in fewer than one pixel in 500, at edges and where a hole or a mip
 // level begins.
 #pragma once
 

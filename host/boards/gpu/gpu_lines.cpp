@@ -4,8 +4,8 @@
 
 namespace {
 
-// A line that runs midway between two pixels takes the right or the lower one. The smallest step that every OpenGL
-// tells apart.
+// A line that runs midway between two pixels takes the right or the lower one, so lines are moved by the smallest step
+// that every OpenGL tells apart.
 constexpr float TO_RIGHT_AND_DOWN = 1.0F / 256;
 
 BoardVertex Moved(BoardVertex vertex, float x, float y) {
@@ -25,7 +25,8 @@ void AppendPixel(const BoardVertex& centre, std::vector<BoardVertex>& triangles)
                triangles);
 }
 
-// A strip one pixel wide from centre to centre; the pixels at its ends, of which it covers one at most, on their own.
+// Makes a strip one pixel wide from centre to centre. It covers at most one of the pixels at its ends, so these are
+// drawn on their own.
 void AppendLine(BoardVertex from, BoardVertex to, std::vector<BoardVertex>& triangles) {
     for (BoardVertex* end : {&from, &to}) {
         end->x = std::floor(end->x) + 0.5F;

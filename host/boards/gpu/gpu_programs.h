@@ -23,7 +23,7 @@ void main() {
 }
 )";
 
-// Of the bound vertex array: its bound buffer holds BoardVertex records.
+// Describes the bound vertex array: the buffer bound to it holds BoardVertex records.
 inline void DescribeVertices() {
     const auto attribute = [](GLuint location, GLint count, size_t offset) {
         gl::EnableVertexAttribArray(location);
@@ -40,21 +40,21 @@ in vec3 overW;
 in vec4 vertexColour;
 out vec4 pixel;
 
-uniform bool isLine;         // nothing but its colour
+uniform bool isLine;         // drawn in its colour alone
 uniform sampler2D map;
 uniform int alphaReference;  // -1: no test
 uniform bool addsAlpha;
 uniform bool hasFog;
 uniform vec3 fogColour;
-uniform vec2 fog[64];        // entry, and what leads to the next one
+uniform vec2 fog[64];        // an entry of the table, and the difference to the next
 
-// Four bits of exponent, twelve of mantissa.
+// The depth code of 1 / W: four bits of exponent, twelve of mantissa.
 int depthOf(float oow) {
     int bits = floatBitsToInt(oow);
     return bits <= 0 ? 0xFFFF : clamp((0x3F800000 - bits + 0x7FF) >> 11, 0, 0xFFFF);
 }
 
-// Of the power of two that is not greater.
+// The exponent of the largest power of two that is not greater than `value`.
 int exponentOf(float value) {
     return (floatBitsToInt(value) >> 23 & 0xFF) - 127;
 }
@@ -71,7 +71,7 @@ int lodAt(vec2 st, float w) {
 vec4 texelAt(vec2 st, float w) {
     vec2 size = vec2(textureSize(map, 0));
     float longer = max(size.x, size.y);
-    int level = lodAt(st, w) - 8 + exponentOf(longer);  // OpenGL keeps to those there are
+    int level = lodAt(st, w) - 8 + exponentOf(longer);  // OpenGL clamps it to the levels that there are
     return textureLod(map, st / 256.0 * longer / size, float(level));
 }
 

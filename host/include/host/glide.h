@@ -72,7 +72,7 @@ void grDepthBufferMode(GrDepthBufferMode_t mode);
 void grDepthBufferFunction(GrCmpFnc_t function);  // GR_CMP_LESS, GR_CMP_ALWAYS
 void grDepthMask(FxBool writes);
 
-void grAlphaTestFunction(GrCmpFnc_t function);  // GR_CMP_EQUAL, GR_CMP_ALWAYS; of the texture's alpha
+void grAlphaTestFunction(GrCmpFnc_t function);  // GR_CMP_EQUAL, GR_CMP_ALWAYS; they compare the texture's alpha
 void grAlphaTestReferenceValue(uint8_t value);
 
 enum GrCombineFunction_t {
@@ -137,7 +137,7 @@ enum GrAspectRatio_t {  // width x height
 };
 enum GrTextureClampMode_t { GR_TEXTURECLAMP_WRAP, GR_TEXTURECLAMP_CLAMP };
 enum GrTextureFilterMode_t { GR_TEXTUREFILTER_BILINEAR };
-enum GrMipMapMode_t { GR_MIPMAP_NEAREST };  // of the level nearest to one texel a pixel
+enum GrMipMapMode_t { GR_MIPMAP_NEAREST };  // takes the level nearest to one texel a pixel
 enum GrMipMapLevelMask_t { GR_MIPMAPLEVELMASK_BOTH };
 
 void grTexClampMode(GrChipID_t unit, GrTextureClampMode_t s, GrTextureClampMode_t t);  // until the next guTexSource
@@ -156,7 +156,7 @@ union GuTexTable {
 };
 
 struct Gu3dfHeader {
-    uint32_t width, height;        // of the largest level
+    uint32_t width, height;        // size of the largest level
     GrLOD_t small_lod, large_lod;  // small_lod is the larger number
     GrAspectRatio_t aspect_ratio;
     GrTextureFormat_t format;
@@ -194,7 +194,7 @@ enum GrBuffer_t { GR_BUFFER_FRONTBUFFER };
 enum GrLfbWriteMode_t { GR_LFBWRITEMODE_ANY };
 
 struct GrLfbInfo_t {
-    uint32_t size;  // of this structure, set by the caller
+    uint32_t size;  // sizeof(GrLfbInfo_t), set by the caller
     const void* lfbPtr;
     uint32_t strideInBytes;
     GrLfbWriteMode_t writeMode;

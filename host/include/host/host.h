@@ -6,14 +6,14 @@
 #include <cstdint>
 #include <span>
 
-// All that the machine knows of the game. Keys are DIK_ codes.
+// Everything that the machine knows about the game. Keys are DIK_ codes.
 //
 // --level and --renderer go through the screens before a level by keys: attract pictures, choice of the level, choice
 // of the renderer. Their display mode tells them from a level; the attract pictures take messages between two polls of
 // the keyboard, the choices take none, and each choice begins with two flips.
 struct HostGame {
     const char* program;                 // begins each message on standard error
-    const char* title;                   // of the message boxes that the machine shows
+    const char* title;                   // title of the message boxes that the machine shows
     uint32_t frontEndBits;               // bits a pixel of the display before a level; a level's has others
     uint8_t startKey;                    // leads from the attract pictures to the choice of the level
     std::span<const uint8_t> levelKeys;  // choose level 1, 2 ...: as many as there are levels

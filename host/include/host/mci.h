@@ -16,7 +16,7 @@ constexpr UINT MCI_PLAY = 0x806;   // MCI_PLAY_PARMS, with both MCI_FROM and MCI
 constexpr UINT MCI_STOP = 0x808;   // parameters may be null
 constexpr UINT MCI_SET = 0x80D;    // MCI_SET_PARMS; the time format TMSF is the only one
 
-constexpr DWORD MCI_NOTIFY = 0x1;  // of MCI_PLAY: MM_MCINOTIFY is posted when the play is over
+constexpr DWORD MCI_NOTIFY = 0x1;  // a flag of MCI_PLAY: MM_MCINOTIFY is posted when the play is over
 constexpr DWORD MCI_WAIT = 0x2;
 constexpr DWORD MCI_FROM = 0x4;
 constexpr DWORD MCI_TO = 0x8;

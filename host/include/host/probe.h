@@ -14,8 +14,8 @@ struct HostStateSpan {
 struct HostFrameReport {
     uint32_t ticks;     // FrameTicks used by this frame
     int32_t level;      // 1..8
-    int32_t state;      // of the player
-    float position[3];  // of the player
+    int32_t state;      // the player's, a PlayerState
+    float position[3];  // the player's, world units
     float velocity[3];
     float heading;
     int32_t contact;
@@ -23,8 +23,9 @@ struct HostFrameReport {
     uint32_t time0;  // animation clock of layer 0
     float camera[3];
     float cameraAngles[3];
-    uint32_t polygons;              // SubmitPolygon calls
-    uint32_t dropped;               // of the character: polygons and pieces that a table had no room for
+    uint32_t polygons;  // SubmitPolygon calls
+    // Polygons and pieces of the character that a table had no room for.
+    uint32_t dropped;
     std::span<const float> lights;  // intensities of the lights that animate or move, in the order of their slots
     std::span<const float> shots;   // x, y, z of each that flies; both spans last until HostEndOfFrame returns
     uint32_t random;                // state of the random numbers
@@ -35,10 +36,10 @@ struct HostFrameReport {
 // goes on as ever, so that the frames after it are the same.
 bool HostWantsPicture();
 
-// The parts of a frame that benchmarks measure. Each ends where the next begins, and the last one at the end of the
-// frame; one may begin several times.
+// The parts of a frame that benchmarks measure. A part ends where the next begins, the last one at the end of the
+// frame; a part may begin several times.
 enum class HostStageName { Character, Lights, Sky, World, Present };
-void HostStage(HostStageName stage);  // it begins
+void HostStage(HostStageName stage);  // this part begins
 
 // Called right after the picture is presented. True: end the program through the normal way out.
 bool HostEndOfFrame(const HostFrameReport& report);
