@@ -60,7 +60,7 @@ std::string InFrame(uint32_t frame) {
 
 // The recorded run failed here. The failure did not happen again, or the game goes on beyond the recorded answers.
 [[noreturn]] void EndAsRecorded(uint32_t frame) {
-    std::fprintf(stderr, "the recording ends here, in game frame %u, as the run did that it was made of\n", frame);
+    std::fprintf(stderr, "the recording ends here, in game frame %u: the recorded run failed at this point\n", frame);
     isPlaying = false;
     EndRun(EXIT_SUCCESS);
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Points in the mesh's frame by the bones that move them.
+// The points of the mesh, in its frame, by the bones that move them.
 using BonePoints = std::array<std::vector<Vector>, CHARACTER_BONES>;
 
 BonePoints GroupPoints(const SkinnedMesh& mesh) {
@@ -40,7 +40,8 @@ BoneTurns Middle(const BoneTurns& a, const BoneTurns& b) {
     return middle;
 }
 
-// The game turns from key to key by the quaternions as they stand: neighbours must lie on the same side.
+// Negates quaternions where needed: the game turns from key to key by the quaternions as they stand, so neighbours must
+// lie on the same side of the sphere.
 void KeepSides(std::vector<BoneTurns>& poses) {
     for (size_t b = 0; b < CHARACTER_BONES; ++b) {
         for (size_t k = 0; k < poses.size(); ++k) {
@@ -79,7 +80,7 @@ BoneTracks TracksOf(const Bone& bone, size_t index, const std::vector<BoneTurns>
     return tracks;
 }
 
-// Of the model's animation, where the game's has come so far.
+// The part of the model's animation that belongs to the part of the game's that is over.
 double PartOf(ClipPlay play, double part) {
     if (play == ClipPlay::FIRST_POSE) return 0;
     return play == ClipPlay::BACKWARDS ? 1 - part : part;

@@ -1,4 +1,4 @@
-// The game's animations out of a model's: keys at the recipe's times, and how far the result strays from the model.
+// Makes the game's animations from a model's: keys at the recipe's times, and how far the result strays from the model.
 #pragma once
 
 #include "charc/skin.h"
@@ -9,7 +9,7 @@ struct Stray {
     int bone = 0;
 };
 
-constexpr double LEAST_WALK = 3;  // units; what is less is an odd end of a loop
+constexpr double LEAST_WALK = 3;  // units; a loop that walks less far just does not end exactly where it begins
 
 struct ClipReport {
     std::string file, clip;
@@ -17,7 +17,7 @@ struct ClipReport {
     Stray atKeys;         // what turning bones cannot follow: moved or scaled joints
     Stray betweenKeys;    // half-way between two keys
     Stray loopGap;        // from the last pose to the first, of a loop
-    double walksOff = 0;  // over the ground from a loop's start to its end, taken back
+    double walksOff = 0;  // how far a loop moves over the ground from start to end; taken out
 };
 
 struct BuiltClip {

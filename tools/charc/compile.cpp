@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr double STRAY_LIMIT = 1;  // units beyond which the user is told
+constexpr double STRAY_LIMIT = 1;  // units; the user is told of a larger stray
 
 template <class Numbers>
 double Dot(const Numbers& a, const Numbers& b) {

@@ -10,10 +10,11 @@ int main(int argc, char** argv) {
     CLI::App app("Converts a rigged model with its animations into the game's character.");
     std::string recipe, output;
     bool quiet = false, motion = false;
-    app.add_option("recipe", recipe, "the .toml that says what is what in the model")->required();
+    app.add_option("recipe", recipe, "the recipe (.toml): which joint is which bone, which clip fills which file")
+        ->required();
     app.add_option("-o,--output", output, "the folder to write to")->required();
-    app.add_flag("--quiet", quiet, "say nothing of the model");
-    app.add_flag("--report", motion, "how evenly the game will move it, in every state and from one to another");
+    app.add_flag("--quiet", quiet, "print no report about the model");
+    app.add_flag("--report", motion, "print how evenly the game will move it, in every state and between states");
     CLI11_PARSE(app, argc, argv);
     try {
         const std::string report = CompileToFolder(recipe, output);

@@ -1,5 +1,5 @@
-// A rigged model out of a glTF 2.0 file (.glb): its joints, its skinned triangles, its named animations. Metres, y up,
-// facing +z.
+// A rigged model read from a glTF 2.0 file (.glb): its joints, its skinned triangles, its named animations. Metres, y
+// up, facing +z.
 #pragma once
 
 #include "gltf/gltf_file.h"

@@ -24,12 +24,14 @@ std::vector<uint32_t> ListedTimes(const Settings& table, uint32_t length, uint32
     std::vector<uint32_t> times;
     for (const float number : table.Numbers("keys")) {
         if (!(number >= 0 && number <= LONGEST_CLIP))
-            table.RefuseKey("keys", "holds an odd time", "give times from 10");
+            table.RefuseKey("keys", fmt::format("holds {}", number),
+                            fmt::format("give times from {} to the length", CHARACTER_FIRST_TIME));
         times.push_back(static_cast<uint32_t>(number));
     }
     if (times.size() < 2 || times.front() != CHARACTER_FIRST_TIME || times.back() != length ||
         std::adjacent_find(times.begin(), times.end(), std::greater_equal<>()) != times.end()) {
-        table.RefuseKey("keys", fmt::format("do not rise from {} to {}", CHARACTER_FIRST_TIME, length), "list them so");
+        table.RefuseKey("keys", fmt::format("do not rise from {} to {}", CHARACTER_FIRST_TIME, length),
+                        "begin with the first, end with the second, and let each time be later than the one before");
     }
     if (times[1] < blend) {
         table.RefuseKey("keys", fmt::format("have one at {}, before {}", times[1], blend),
@@ -42,7 +44,9 @@ ClipRecipe ReadClipRecipe(const Settings& table) {
     ClipRecipe clip;
     clip.file = table.NeedText("file");
     const UsualClip* usual = UsualClipOf(clip.file);
-    if (!usual) table.RefuseKey("file", "is none that the game loads", "see docs/character.md");
+    if (!usual)
+        table.RefuseKey("file", fmt::format("is '{}', which the game does not load", Shown(clip.file)),
+                        "docs/character.md lists the files that it loads");
     clip.clip = table.NeedText("clip");
     clip.loop = table.Flag("loop", usual->loop);
     const auto length = static_cast<uint32_t>(table.Int("length", static_cast<int>(usual->length), 11, LONGEST_CLIP));

@@ -15,7 +15,7 @@
 
 struct SkinRecipe {
     std::string file;                             // .tuv
-    std::vector<std::filesystem::path> pictures;  // of texture 0, 1, ...
+    std::vector<std::filesystem::path> pictures;  // the pictures of texture 0, 1 and so on
     size_t uvSet = 0;
 };
 
@@ -26,23 +26,23 @@ struct ClipRecipe {
     std::string clip;  // its name in the model
     bool loop = false;
     ClipPlay play = ClipPlay::AS_IT_IS;
-    std::vector<uint32_t> times;  // of the keys; the first is CHARACTER_FIRST_TIME, the last the length
+    std::vector<uint32_t> times;  // times of the keys; the first is CHARACTER_FIRST_TIME, the last the length
 };
 
 struct CharacterRecipe {
     std::string file;
     std::filesystem::path model;
     double scale = 100;                  // units a metre; unused where there is a height
-    double height = 0;                   // units that the model at rest shall be tall, its lowest point on the ground
-    Quaternion turn;                     // of the model, so that it faces +z
+    double height = 0;                   // height of the model at rest, units; its lowest point stands on the ground
+    Quaternion turn;                     // turns the model so that it faces +z
     double origin = 110;                 // units from the ground to where the game holds the character
-    std::vector<std::string> joints;     // by bone; an empty name is a bone that the model has not
+    std::vector<std::string> joints;     // for each bone the name of its joint; empty: the model has no such bone
     std::vector<std::string> folded;     // joints whose points follow the next bone above them
-    bool foldsRest = false;              // so do all others that are no bone
-    std::vector<std::string> materials;  // by texture
+    bool foldsRest = false;              // all other joints that are no bone follow it, too
+    std::vector<std::string> materials;  // for each texture the name of its material
     std::vector<SkinRecipe> skins;
-    std::vector<ClipRecipe> clips;   // of every file
-    std::vector<std::string> notes;  // what it was silent about, for the user
+    std::vector<ClipRecipe> clips;   // the clips of all files
+    std::vector<std::string> notes;  // what the recipe leaves open and the tool chose, for the user
 };
 
 // What the game loads, in its folder of animations.
@@ -56,8 +56,8 @@ struct UsualClip {
     const char* file;
     uint32_t length;
     bool loop;
-    uint32_t step;   // between keys; in loops 20, so that the blends into them end with a fifth of the way
-    uint32_t blend;  // before which no key but the first stands
+    uint32_t step;   // time between keys; in loops 20, so that the blends into them end with a fifth of the way
+    uint32_t blend;  // no key but the first stands before this time
 };
 constexpr std::array<UsualClip, 19> CHARACTER_CLIPS = {{
     {"zeroback.anm", 250, true, 20, 0},      {"zerofol2.anm", 2100, false, 190, 0},

@@ -61,7 +61,7 @@ std::vector<int> NameBones(const Model& model, const CharacterRecipe& recipe, st
     return boneOfJoint;
 }
 
-// The first node above with a bone.
+// The bone of the nearest node above that has one.
 int BoneAbove(const Model& model, const std::map<int, int>& boneOfNode, int node) {
     for (node = model.nodes.nodes[static_cast<size_t>(node)].parent; node >= 0;
          node = model.nodes.nodes[static_cast<size_t>(node)].parent) {
@@ -119,7 +119,7 @@ struct Heights {
     double lowest = 1e300, highest = -1e300;
 };
 
-// Of the model's points at rest.
+// The lowest and the highest of the model's points at rest.
 Heights MeasureHeights(const Model& model) {
     const std::vector<Affine> rest = RestPose(model);
     Heights heights;

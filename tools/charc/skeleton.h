@@ -1,4 +1,4 @@
-// The game's bones out of a model's joints: their order, their pivots, and where a pose of the model takes them.
+// Makes the game's bones from a model's joints: their order, their pivots, and where a pose of the model takes them.
 //
 // The game turns every bone about its pivot in the mesh's own frame, its parent's turn after its own; only the root
 // moves. So a bone's key is what the model's joint does beyond what its parent bone already does.
@@ -8,14 +8,14 @@
 #include "charc/recipe.h"
 
 struct Bone {
-    int joint = -1;   // of the model; -1: the model has no such bone
+    int joint = -1;   // joint of the model; -1: the model has no such bone
     int parent = -1;  // bone; -1 for bone 0 and for missing ones
     Vector pivot;     // units, mesh frame: from the root's pivot
 };
 
 struct Skeleton {
     std::array<Bone, CHARACTER_BONES> bones;
-    std::vector<int> boneOfJoint;   // folded joints: of the bone they follow
+    std::vector<int> boneOfJoint;   // for folded joints: the bone that they follow
     std::vector<int32_t> commands;  // the walk from parents to children
     Affine meshToGame;              // from the model's mesh to the game's
     Affine gameToMesh;
@@ -33,7 +33,7 @@ BonePlaces PlaceBones(const Model& model, const Skeleton& skeleton, const std::v
 // What the game makes of such a pose: turns alone, and the root's position.
 struct BoneTurns {
     std::array<Quaternion, CHARACTER_BONES> turns;
-    Vector position;  // of the root
+    Vector position;  // place of the root bone
 };
 BoneTurns TurnsOf(const Skeleton& skeleton, const BonePlaces& places);
 BonePlaces PlacesOf(const Skeleton& skeleton, const BoneTurns& turns);

@@ -46,14 +46,14 @@ std::array<float, 3> ToFloats(const Vector& p) {
     return {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
 }
 
-// What the game moves as one: corners that differ in texture only.
+// A point that the game moves as one: corners that differ only in their texture coordinates share it.
 struct Point {
     std::array<float, 3> position;
     std::vector<BoneWeight> weights;
     double dropped = 0;  // weight of further bones
 };
 
-// Vertices by what they are: files split them further, for normals and for other materials' meshes.
+// The model's vertices without duplicates: files split them further, for normals and for other materials' meshes.
 struct Vertices {
     std::vector<std::array<float, 3>> positions;
     std::vector<uint32_t> sources;  // the first of the model's vertices that is this one
@@ -113,7 +113,7 @@ private:
         return entry->second;
     }
 
-    // Also what is not a number.
+    // Refuses coordinates that are too large or not a number.
     void CheckVertex(const ModelVertex& vertex, const Vector& place) const {
         const double distance = Length(place);
         if (!(distance <= FARTHEST)) {
@@ -152,7 +152,7 @@ bool TooLarge(const Vertices& vertices) {
 }
 
 void Simplify(Vertices& vertices, const Model& model) {
-    constexpr float ERROR_LIMIT = 0.2F;  // of the model's size
+    constexpr float ERROR_LIMIT = 0.2F;  // share of the model's size
     std::vector<unsigned> indices;
     for (const auto& triangle : vertices.triangles)
         indices.insert(indices.end(), triangle.begin(), triangle.end());
@@ -237,7 +237,7 @@ private:
     static constexpr uint32_t NONE = UINT32_MAX;
 
     const Vertices& vertices_;
-    std::vector<uint32_t> taken_;  // by point: its number in the mesh
+    std::vector<uint32_t> taken_;  // for each point its number in the mesh
     double worst_ = 0;
     size_t reduced_ = 0;
 };

@@ -1,4 +1,5 @@
-// The game's mesh out of a model's triangles: welded points, texture coordinates and weights, within the game's limits.
+// Makes the game's mesh from a model's triangles: welded points, texture coordinates and weights, within the game's
+// limits.
 #pragma once
 
 #include "charc/skeleton.h"
@@ -10,9 +11,9 @@ struct BoneWeight {
 
 struct SkinnedMesh {
     CharacterMesh mesh;
-    std::vector<std::vector<BoneWeight>> weights;   // of each point, sum 1, in the order of the blocks
-    std::vector<int> textures;                      // of each triangle
-    std::vector<std::array<uint32_t, 3>> vertices;  // of each triangle, in the model
+    std::vector<std::vector<BoneWeight>> weights;   // for each point its weights, sum 1, in the order of the blocks
+    std::vector<int> textures;                      // for each triangle its texture
+    std::vector<std::array<uint32_t, 3>> vertices;  // for each triangle its vertices in the model
     std::vector<std::string> notes;
 };
 

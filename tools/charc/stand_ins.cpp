@@ -14,7 +14,7 @@ struct StandIn {
     ClipPlay play;
 };
 
-// The first whose source the recipe has. Else zeroidle.anm's first pose.
+// The first row for a file whose source the recipe has is taken; without one, zeroidle.anm's first pose.
 constexpr StandIn STAND_INS[] = {
     {"zerorun.anm", "zerowalk.anm", ClipPlay::AS_IT_IS},    {"zerowalk.anm", "zerorun.anm", ClipPlay::AS_IT_IS},
     {"zeroback.anm", "zerowalk.anm", ClipPlay::BACKWARDS},  {"zeroback.anm", "zerorun.anm", ClipPlay::BACKWARDS},

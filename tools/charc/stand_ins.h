@@ -3,6 +3,6 @@
 
 #include "charc/recipe.h"
 
-// Fills each from the nearest clip that the recipe has, with a note about it. False: there is nothing to take, as
-// zeroidle.anm is missing too.
+// Fills each missing file from the nearest clip that the recipe has, with a note about it. False: there is nothing to
+// take, because zeroidle.anm is missing too.
 bool AddStandIns(CharacterRecipe& recipe);

@@ -1,4 +1,4 @@
-// The changes of state of the character as films: what charc --report measures, to look at.
+// The character's changes of state as films: pictures of what charc --report measures.
 #pragma once
 
 #include "motion/transitions.h"
@@ -11,8 +11,8 @@ struct FilmRow {
     std::vector<Moment> frames;
 };
 
-// Into the states named so, or into all. Of every change the departure with the largest step, at so many ticks a frame.
-// Needs the game's tables for itself and leaves them empty.
+// The changes into the named states, or into all. Each film shows the departure with the largest step, at `ticks` ticks
+// a frame. No Stage may exist meanwhile, and the game's tables are left empty.
 std::vector<FilmRow> FilmsInto(const std::vector<std::string>& states, uint32_t ticks);
 
-void DrawPlayerAs(const Moment& moment);  // in place of DrawActorAt(0)
+void DrawPlayerAs(const Moment& moment);  // to be called in place of DrawActorAt(0)

@@ -32,21 +32,21 @@
 namespace {
 
 constexpr uint32_t MOMENTS = 12;
-constexpr int WIDTH = 320, HEIGHT = 240;            // of the software frame
-constexpr int CELL_WIDTH = 136, CELL_HEIGHT = 196;  // from its middle
+constexpr int WIDTH = 320, HEIGHT = 240;            // size of the software frame
+constexpr int CELL_WIDTH = 136, CELL_HEIGHT = 196;  // the part that is cut from its middle
 constexpr float EYE_DISTANCE = 165.0f;
-constexpr float SOLES = 110.0f;  // below the actor's position
+constexpr float SOLES = 110.0f;  // distance of the soles below the actor's position
 
 struct Options {
     int32_t level = 3;
-    float heading = 70.0f;  // from which the character is seen: 0 its back, 90 its left side, 180 its face
+    float heading = 70.0f;  // direction from which it is seen: 0 its back, 90 its left side, 180 its face
     std::string output = "clips.png";
-    std::vector<std::string> clips;  // or states
+    std::vector<std::string> clips;  // file names of animations, or names of states
     bool changes = false;
     uint32_t ticks = 1;
 };
 Options Wanted;
-const Moment* Shown;  // in place of the state's own animation; null: that
+const Moment* Shown;  // pose drawn in place of the state's own animation; null: the latter
 
 std::string NameOf(const AnimFileEntry& entry) {
     const std::string path = entry.path;
@@ -99,11 +99,11 @@ Frame DrawFrame(bool withPlayer) {
     return frame;
 }
 
-// The background pale, so that the figure stands out.
+// Copies the figure to the sheet and makes the background pale, so that the figure stands out.
 void DrawCell(Image& sheet, int left, int top) {
     const uint8_t* palette = TextureImage + TEXTURE_PALETTE_OFFSET;
     const Frame empty = DrawFrame(false);
-    DrawFrame(true);  // what it is lit by
+    DrawFrame(true);  // a frame before, which gathers the lights that the figure is drawn with
     const Frame frame = DrawFrame(true);
     // A pixel of the figure may have the background's colour; its neighbours give it away.
     const auto isBackground = [&](size_t i) {
@@ -168,12 +168,13 @@ int main(int argumentCount, char** arguments) {
     CLI::App app("Draws the character's animations as the game shows them.");
     std::string data;
     app.add_option("--data", data, "the game's data");
-    app.add_option("--level", Wanted.level, "where it stands")->check(CLI::Range(1, LEVEL_COUNT));
-    app.add_option("--heading", Wanted.heading, "from which it is seen: 0 from behind, 180 from ahead");
+    app.add_option("--level", Wanted.level, "level in which the character stands")->check(CLI::Range(1, LEVEL_COUNT));
+    app.add_option("--heading", Wanted.heading,
+                   "direction from which it is seen in degrees: 0 from behind, 180 from ahead");
     app.add_option("-o,--output", Wanted.output, "the picture to write (.png)");
-    app.add_flag("--changes", Wanted.changes, "the changes into states, the worst departure of each");
-    app.add_option("--ticks", Wanted.ticks, "of a frame, for --changes")->check(CLI::Range(1, 12));
-    app.add_option("clips", Wanted.clips, "names of animation files, or of states; all without");
+    app.add_flag("--changes", Wanted.changes, "show the changes into the states, each at its worst departure");
+    app.add_option("--ticks", Wanted.ticks, "length of a frame in ticks, for --changes")->check(CLI::Range(1, 12));
+    app.add_option("clips", Wanted.clips, "names of animation files, or of states; all when none is named");
     CLI11_PARSE(app, argumentCount, arguments);
     std::vector<std::string> words = {arguments[0], "--headless"};
     if (!data.empty()) words.insert(words.end(), {"--data", data});

@@ -94,7 +94,7 @@ private:
     const WorldFile& world_;
     Report& report_;
     std::vector<WorldFace> faces_;
-    std::vector<int> owners_;  // leaves of each polygon
+    std::vector<int> owners_;  // for each polygon the number of leaves that hold it
     std::vector<Side> cell_;
 };
 

@@ -12,7 +12,7 @@ struct CharacterData {
     std::string folder = "game/data/anims";
     std::optional<CharacterMesh> mesh;
     std::optional<std::vector<WeightBlock>> weights;
-    std::map<std::string, std::vector<SkinTriangle>> skins;  // by path
+    std::map<std::string, std::vector<SkinTriangle>> skins;  // the skins by their paths
     std::map<std::string, CharacterAnimation> clips;
 
     std::string MeshPath() const { return folder + "/zero.msh"; }

@@ -38,7 +38,8 @@ void CheckSkin(const std::string& path, const std::vector<SkinTriangle>& skin, c
     }
 }
 
-// A point is placed by one bone, then blended towards others: what blends an unplaced point uses the frame before.
+// A point is placed by one bone, then blended towards others. Blending a point that is not placed would use the frame
+// before.
 void CheckWeights(const CharacterData& character, Report& report) {
     const std::vector<WeightBlock>& blocks = *character.weights;
     if (blocks.size() != CHARACTER_BONES) {

@@ -27,7 +27,7 @@ bool EqualWithoutCase(const std::string& a, const std::string& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
 }
 
-// The game finds a file whatever the case of its letters. Empty: there is none.
+// Finds a file whatever the case of its letters, as the game does. Empty: there is none.
 fs::path Find(const fs::path& folder, const fs::path& name) {
     fs::path at = folder;
     for (const fs::path& component : name) {
@@ -59,7 +59,7 @@ public:
     }
 
 private:
-    // What decode makes of the file, or nothing and a problem.
+    // What `decode` makes of the file; nothing, after telling a problem, when it cannot be read.
     template <class Decode>
     auto Load(const std::string& path, bool needed, Decode decode)
         -> std::optional<decltype(decode(std::vector<uint8_t>(), path))> {

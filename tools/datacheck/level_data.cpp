@@ -92,7 +92,7 @@ std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, s
     std::vector<Vec3> places = {StartOf(level)};
     const size_t step = floors.size() / most + 1;
     for (size_t i = 0; i < floors.size(); i += step) {
-        // The top of a thing under a ceiling is no place for an eye: it would look out from inside the ceiling.
+        // No place is taken on top of a thing close under a ceiling: the eye would look out from inside the ceiling.
         const bool hasRoom = NearestHit(faces, floors[i], {0, 1, 0}, 0) > EYE_HEIGHT;
         if (hasRoom) places.push_back(floors[i] + Vec3{0, EYE_HEIGHT, 0});
     }

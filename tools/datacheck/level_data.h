@@ -16,14 +16,15 @@
 // A file that could not be read is missing here; its problem is already told.
 struct LevelData {
     int number = 0;      // 1..8
-    std::string folder;  // for messages
+    std::string folder;  // the level's folder as messages name it
     std::optional<WorldFile> world;
     std::optional<LightMapFile> light;
     std::optional<LightSlotFile> slots;
     std::optional<TextureFile> textures;
-    std::map<size_t, GlideTexture> glideTextures;  // by texture
+    std::map<size_t, GlideTexture> glideTextures;  // the accelerator's pictures by texture
     std::optional<StaticObjectFile> sky;
-    size_t characterBytes = 450000;  // of engine memory: what the character is planned to take while it has no files
+    // Engine memory that the character takes; while it has no files, what it is planned to take.
+    size_t characterBytes = 450000;
 
     std::string WorldPath() const;
     std::string LightPath() const { return folder + "/lights.lmp"; }
@@ -33,7 +34,7 @@ struct LevelData {
     std::string SkyPath() const { return folder + "/sky.sob"; }
 };
 
-// What is built into the game.
+// The level's start in the game's table.
 Vec3 StartOf(int level);
 bool HasSky(int level);
 double LeastLeafRadius(int level);  // smaller leaves lose contacts at the level's frame length

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr size_t PLACES = 200;      // of play, at which the lights are counted
-constexpr double BYTES_MAX = 1000;  // that a light may add to a surface beside it
+constexpr size_t PLACES = 200;      // places of play at which the lights are counted
+constexpr double BYTES_MAX = 1000;  // light bytes that a light may add to a surface beside it
 const char* const REBUILD = "build the level again with mapc";
 
 bool IsLightByte(int8_t value) {
@@ -49,7 +49,7 @@ void CheckDistances(const LevelData& level, Report& report) {
     if (light.farDistance < diagonal) {
         report.Problem(
             level.LightPath(), "far distance",
-            fmt::format("{} ends before the world's {:.0f} from corner to corner", light.farDistance, diagonal),
+            fmt::format("{} is less than the world's {:.0f} from corner to corner", light.farDistance, diagonal),
             "raise the key \"far_distance\" of worldspawn");
     }
 }
@@ -147,7 +147,8 @@ private:
         const float most = slot.type == LIGHT_FLICKER ? 3 : std::max(slot.intensity, slot.highIntensity);
         const double bytes = double{contribution.weight} * double{most} * NEUTRAL_LEVEL;
         if (!(std::abs(bytes) <= BYTES_MAX))
-            Problem(place, fmt::format("gets {} light bytes, {} at most are of use", bytes, BYTES_MAX), REBUILD);
+            Problem(place, fmt::format("gets {} light bytes, but more than {} are of no use", bytes, BYTES_MAX),
+                    REBUILD);
     }
 
     void CheckShots() {
@@ -184,15 +185,14 @@ void CheckLight(const LevelData& level, Report& report) {
     const std::string file = level.LightPath();
     CheckLightBytes(level, report);
     if (light.lightLevel < 0 || light.lightLevel > 200 || light.contrast <= 0 || light.contrast > 300) {
-        report.Problem(
-            file, "light level and contrast",
-            fmt::format("{} and {} percent, 0 to 200 and 1 to 300 show something", light.lightLevel, light.contrast),
-            "change the keys \"light_level\" and \"contrast\" of worldspawn");
+        report.Problem(file, "light level and contrast",
+                       fmt::format("{} and {} percent, but only 0 to 200 and 1 to 300 show anything", light.lightLevel,
+                                   light.contrast),
+                       "change the keys \"light_level\" and \"contrast\" of worldspawn");
     }
     if (light.fadeDistance < 2000) {
-        report.Problem(file, "fade distance",
-                       fmt::format("{} leaves the room before one in the dark", light.fadeDistance),
-                       "raise the key \"fade_distance\" of worldspawn");
+        report.Problem(file, fmt::format("fade distance {}", light.fadeDistance),
+                       "even the room in front of the player is dark", "raise the key \"fade_distance\" of worldspawn");
     }
     if (light.lightMode < 0 || light.lightMode > 3)
         report.Problem(file, "light mode", fmt::format("{}, 0 to 3 exist", light.lightMode), REBUILD);

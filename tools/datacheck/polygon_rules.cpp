@@ -6,12 +6,12 @@
 
 namespace {
 
-constexpr double PLANE_TOLERANCE = 0.15;  // of a corner from its polygon's plane
-constexpr double DENT_TOLERANCE = 0.15;   // of a corner into its polygon: welding moves each by up to 0.1
+constexpr double PLANE_TOLERANCE = 0.15;  // distance of a corner from its polygon's plane
+constexpr double DENT_TOLERANCE = 0.15;  // depth of a corner inside its polygon: welding moves each corner by up to 0.1
 constexpr double SHORTEST_EDGE = 0.099;
 constexpr double SAME_DIRECTION = 0.99;  // least cosine between the stored normal and the corners' own
-constexpr float FARTHEST = 26000;        // coordinate at which collision still measures distances
-constexpr double LEAST_AREA = 1e-3;      // of the first three corners, doubled
+constexpr float FARTHEST = 26000;        // largest coordinate at which the game's collision still measures distances
+constexpr double LEAST_AREA = 1e-3;      // twice the area of the first three corners
 const char* const REBUILD = "build the world again with mapc";
 const char* const REPAIR = "move the map's vertices apart, or onto one plane";
 

@@ -8,10 +8,10 @@
 
 namespace {
 
-// The first block's data on a machine whose malloc aligns to 16, and so not always to the granule.
+// Data bytes of the first free block on a machine whose malloc aligns to 16, which is not always the granule.
 constexpr size_t FREE_BYTES = POOL_BYTES - POOL_GRANULE - POOL_HEADER_BYTES - POOL_GRANULE;
 
-// What a block of so many bytes takes.
+// Pool bytes that a block of so many data bytes takes.
 size_t Taken(size_t bytes) {
     return (bytes + POOL_GRANULE - 1) / POOL_GRANULE * POOL_GRANULE + POOL_HEADER_BYTES;
 }

@@ -11,7 +11,8 @@ struct PoolUse {
     size_t free = 0;                  // bytes left in the end
 };
 
-// What stays of the character, from the folder of its files: the clips, each as often as the game loads it, the weights
-// and the bones, with their headers. 0 without a file. Mesh and skin are given back before the clips are loaded.
+// Pool bytes that the character keeps, by the files of a folder: the clips, each as often as the game loads it, the
+// weights and the bones, with their headers. 0: a file is missing. Mesh and skin are given back before the clips are
+// loaded, and do not count.
 size_t CharacterBytes(const std::filesystem::path& folder);
 PoolUse ReplayPool(const WorldFile& world, size_t textureCount, size_t texturePages, size_t characterBytes);

@@ -7,10 +7,11 @@
 
 class Report {
 public:
-    // The place may be empty. What is wrong more than a handful of times in one file, numbers apart, is counted only.
+    // The place may be empty. A text that comes more than a handful of times for one file, whatever its numbers, is
+    // only counted.
     void Problem(const std::string& file, const std::string& place, const std::string& wrong,
                  const std::string& remedy);
-    // Worth a look, but the game works with it.
+    // Tells of something that is worth a look, though the game works with it.
     void Note(const std::string& file, const std::string& place, const std::string& wrong, const std::string& remedy);
     void Problem(const std::string& line);  // a ready line, such as a ContentError's text
 
@@ -21,6 +22,7 @@ private:
     void Add(const std::string& file, const std::string& wrong, const std::string& line);
 
     std::vector<std::string> lines_;
-    std::map<std::string, int> repeats_;  // by file and what is wrong, without numbers
+    std::map<std::string, int>
+        repeats_;  // how often a file broke a rule; the key is the file and the text without its numbers
     int problems_ = 0;
 };

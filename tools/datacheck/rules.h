@@ -5,15 +5,15 @@
 #include "datacheck/level_data.h"
 #include "datacheck/report.h"
 
-// Records and tree of a world. False: the tree cannot be walked, so no other rule of the world can be asked.
+// Records and tree of a world. False: the tree cannot be walked, so the other rules of the world cannot be checked.
 bool CheckTree(const LevelData& level, Report& report);
-// Corners, winding, planes, shading kinds. False: there were faults, so that what follows from the polygons' shapes is
-// not worth asking.
+// Corners, winding, planes, shading kinds. False: there were faults, so rules that follow from the polygons' shapes are
+// not worth checking.
 bool CheckPolygons(const LevelData& level, Report& report);
 void CheckSizes(const LevelData& level, Report& report);  // counts, depth, pool memory
 void CheckBoxes(const LevelData& level, Report& report);  // boxes, cells and radii of leaves and nodes
 
-// Seen along random rays: painter's order, and walls without holes.
+// Painter's order, and walls without holes, both looked at along random rays.
 void CheckSight(const LevelData& level, Report& report);
 void CheckPaintersOrder(const LevelData& level, Report& report);  // the first half of it
 

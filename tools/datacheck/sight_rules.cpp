@@ -6,7 +6,7 @@ namespace {
 
 constexpr int EYES = 200;
 constexpr int RAYS_PER_EYE = 20;
-constexpr size_t PLACES = 100;      // of play, from which holes are looked for
+constexpr size_t PLACES = 100;      // places of play from which holes are looked for
 constexpr double INSIDE = 0.2;      // units from an edge: nearer hits may belong to either neighbour
 constexpr double HOLE_WIDTH = 0.5;  // narrower gaps between polygons are not holes
 
@@ -29,7 +29,7 @@ private:
     uint64_t state_ = 7;
 };
 
-// By texture: whether it has any texel to see. Clip walls have none.
+// For each texture whether it has any texel that can be seen. Clip walls have none.
 std::vector<bool> VisibleTextures(const LevelData& level) {
     std::vector<bool> visible(256, true);
     if (!level.textures) return visible;
@@ -76,8 +76,8 @@ private:
     std::vector<size_t> order_;
 };
 
-// Software never clears the upper half of the frame, and nobody may fall out of the world. Where there is a sky, only
-// the ground is sure to be closed.
+// The world must be closed, because the software renderer never clears the upper half of the frame and nobody may fall
+// out of the world. Where there is a sky, only the ground must be.
 void CheckClosed(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     Dice dice;
     for (const Vec3& eye : PlacesOfPlay(level.number, faces, PLACES)) {

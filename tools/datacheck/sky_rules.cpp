@@ -42,7 +42,7 @@ std::string FaultOf(const StaticObjectPolygon& polygon, const WorldFace& face, c
     for (const Vec3& p : face.corners) {
         const double distance = Length(p - EYE);
         if (!(distance >= NEAREST && distance <= SKY_FARTHEST)) {
-            return fmt::format("has a corner {:.0f} from the eye, {} to {} are possible", distance, NEAREST,
+            return fmt::format("has a corner {:.0f} from the eye; {} to {} are possible", distance, NEAREST,
                                SKY_FARTHEST);
         }
     }
@@ -57,7 +57,7 @@ std::string FaultOf(const StaticObjectPolygon& polygon, const WorldFace& face, c
     return "";
 }
 
-// Evenly spread: equal steps of height, turned by the golden angle.
+// Directions spread evenly: equal steps of height, turned by the golden angle.
 Vec3 DirectionOf(int i) {
     const double height = 1 - (2.0 * i + 1) / DIRECTIONS;
     const double turn = 2.399963229728653 * i;
@@ -65,7 +65,7 @@ Vec3 DirectionOf(int i) {
     return {reach * std::cos(turn), height, reach * std::sin(turn)};
 }
 
-// Nothing else covers the picture's upper half, where the frames before would show.
+// The sky must be closed: nothing else covers the picture's upper half, where earlier frames would show.
 void CheckClosed(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     std::vector<WorldFace> closing;
     for (size_t i = 0; i < faces.size(); ++i) {

@@ -13,7 +13,7 @@ const char* const SIMPLIFY = "leave out or simplify brushes, or raise the key \"
 struct TreeWalk {
     const WorldFile& world;
     std::vector<int> nodeVisits, leafVisits;
-    size_t polygons = 0;  // of the leaves, each as often as it hangs
+    size_t polygons = 0;  // polygons of the leaves, each leaf counted as often as it hangs in the tree
     int depth = 0;
     bool isTree = true;
 

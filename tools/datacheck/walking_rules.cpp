@@ -6,10 +6,10 @@
 
 namespace {
 
-constexpr double START_LOWEST = STANDING_HEIGHT + 2;  // of the start above its floor
+constexpr double START_LOWEST = STANDING_HEIGHT + 2;  // least height of the start above its floor
 constexpr double START_HIGHEST = STANDING_HEIGHT + 8;
-constexpr double STEP_TOLERANCE = 0.01;  // of the height of a step, which the file holds rounded
-constexpr double BEFORE_WALL = 8;        // where the floor in front of a wall is felt for
+constexpr double STEP_TOLERANCE = 0.01;  // rounding of a step's height in the file
+constexpr double BEFORE_WALL = 8;        // distance in front of a wall at which its floor is looked for
 
 void CheckStart(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     const Vec3 start = StartOf(level.number);
@@ -33,7 +33,8 @@ bool IsWall(const WorldFace& face) {
     return std::abs(face.normal.y) < STEEP_SLOPE;
 }
 
-// The last polygon hit decides how a step is taken. Nothing is stepped on at a ceiling.
+// What a touched polygon is to a walking player. The last one touched decides how a step is taken; a ceiling is never
+// stepped on.
 enum class Contact { Tread, Wall, Riser, Ceiling };
 
 Contact ContactOf(const WorldFace& face) {
@@ -42,7 +43,7 @@ Contact ContactOf(const WorldFace& face) {
     return HeightOf(face) <= STEP_HEIGHT + STEP_TOLERANCE ? Contact::Riser : Contact::Wall;
 }
 
-// Whether one may stand before the wall on a floor no more than LEDGE_LIMIT below the edge.
+// Whether the player may stand in front of the wall on a floor no more than LEDGE_LIMIT below the edge.
 bool FloorIsNear(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& edge) {
     const Vec3 eye = edge - wall.normal * BEFORE_WALL;
     for (const WorldFace& face : faces) {
@@ -55,7 +56,7 @@ bool SameDirectionPlane(const WorldFace& a, const WorldFace& b) {
     return Dot(a.normal, b.normal) > 0.9999 && std::abs(b.Distance(a.corners[0])) < 0.1;
 }
 
-// The top edge of a wall polygon that another polygon of the same wall continues upwards.
+// Whether another polygon of the same wall continues this one upwards from its top edge.
 bool IsContinued(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& middle) {
     const Vec3 above = middle + Vec3{0, 1, 0};
     for (const WorldFace& face : faces) {
@@ -67,7 +68,7 @@ bool IsContinued(const std::vector<WorldFace>& faces, const WorldFace& wall, con
     return false;
 }
 
-// The lower part of a wall that is cut within reach of the feet reads as a ledge, on which the player bobs.
+// The game takes the lower part of a wall that is cut within reach of the feet for a ledge, and the player bobs on it.
 void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     for (const WorldFace& wall : faces) {
         if (!IsWall(wall)) continue;

@@ -28,7 +28,7 @@ double FiniteDouble(ByteReader& in) {
     return value;
 }
 
-// Counts come from the file: what they count must be there before anything is reserved for it.
+// Checks a count of the file: the entries must be in the file before memory is reserved for them.
 size_t CountOf(const ByteReader& in, uint32_t count, size_t bytesEach) {
     if (count > in.Left() / bytesEach) {
         Refuse(in.File(), 0, fmt::format("counts {} entries and ends before them", count), REMEDY);

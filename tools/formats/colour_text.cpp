@@ -23,7 +23,8 @@ std::vector<Rgba> ReadColours(const Settings& settings, const std::string& key) 
 
 Rgba ReadColour(const Settings& settings, const std::string& key) {
     const std::vector<Rgba> colours = ReadColours(settings, key);
-    if (colours.size() != 1) settings.RefuseKey(key, "is not one colour", "write it as \"#rrggbb\"");
+    if (colours.size() != 1)
+        settings.RefuseKey(key, fmt::format("has {} colours", colours.size()), "write one, as \"#rrggbb\"");
     return colours[0];
 }
 

@@ -36,8 +36,8 @@ bool Holds(const fs::path& path, const Bytes& content) {
 class PartFile {
 public:
     PartFile(const fs::path& path, const Bytes& content) : path_(path) {
-        std::error_code error;                                              // what fails shows in the writing
-        if (fs::exists(path_, error)) path_ = fs::canonical(path_, error);  // what a link points to
+        std::error_code error;  // an error here shows up again when the file is written
+        if (fs::exists(path_, error)) path_ = fs::canonical(path_, error);  // the file that a link points to is written
         if (fs::exists(path_, error) && !fs::is_regular_file(path_, error)) {
             Refuse(path.string(), 0, "is no regular file", "name a file to write");
         }
@@ -75,7 +75,7 @@ private:
         part_.clear();
     }
 
-    fs::path path_, part_;  // part_ is empty where nothing is left to do
+    fs::path path_, part_;  // part_ is empty when nothing is left to do
 };
 
 }  // namespace

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <vector>
 
-constexpr size_t FILE_MOST_BYTES = 64 << 20;  // of a picture, a model, a map
-constexpr size_t TEXT_MOST_BYTES = 1 << 20;   // of settings and lists, which people write by hand
+constexpr size_t FILE_MOST_BYTES = 64 << 20;  // of a picture, a model or a map, at most
+constexpr size_t TEXT_MOST_BYTES = 1 << 20;   // of settings and lists, which people write by hand, at most
 
 // ContentError for what cannot be read, is no regular file (a device may have no end) or is larger.
 std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path, size_t mostBytes = FILE_MOST_BYTES);
@@ -16,8 +16,8 @@ struct OutputFile {
     std::vector<uint8_t> content;
 };
 
-// Each through a temporary file beside it, <path>.part. Only when all are written do they take their names; otherwise
-// the temporary files are removed, and a ContentError says why. Folders are made. A file that holds its content already
+// Writes each file to a temporary one beside it, <path>.part. These take their names only when all are written;
+// otherwise they are removed, and a ContentError says why. Folders are made. A file that holds its content already
 // is left alone: the build then need not make again what depends on it.
 void WriteWholeFiles(const std::vector<OutputFile>& files);
 void WriteWholeFile(const std::filesystem::path& path, const std::vector<uint8_t>& content);

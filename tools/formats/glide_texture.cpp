@@ -17,7 +17,7 @@ namespace {
 constexpr std::ptrdiff_t HEADER_LIMIT = 80;
 const char* const REMEDY = "build the textures again with texc";
 
-// Light of a texel, times the part of it that is solid.
+// The linear light of a texel, times the part of it that is solid.
 struct Light {
     double r = 0, g = 0, b = 0, solid = 0;
 };
@@ -31,13 +31,13 @@ const std::array<double, 256> LINEAR = [] {
     std::array<double, 256> table{};
     for (size_t i = 0; i < table.size(); ++i) {
         const double value = static_cast<double>(i) / 255;
-        // Whole numbers: libraries differ in the last bits of a power.
+        // Rounded to whole numbers, because libraries differ in the last bits of a power.
         table[i] = std::round(65535 * (value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4)));
     }
     return table;
 }();
 
-// The byte whose light is nearest.
+// The byte that stands for the nearest light.
 uint8_t ToByte(double light) {
     const auto above = std::lower_bound(LINEAR.begin(), LINEAR.end(), light);
     if (above == LINEAR.begin()) return 0;
@@ -71,7 +71,8 @@ LightImage Halve(const LightImage& from) {
     return to;
 }
 
-// The least solid part a texel needs, that the level has as many solid texels as the picture's coverage asks for.
+// The least solid part with which a texel counts as solid, so that the level has as many solid texels as the picture's
+// coverage asks for.
 double SolidFrom(const LightImage& level, double coverage) {
     const auto count = std::lround(coverage * static_cast<double>(level.texels.size()));
     if (count == 0) return 2;

@@ -17,7 +17,7 @@ std::vector<Image> MakeMipLevels(const Image& picture);
 std::vector<uint8_t> EncodeGlideTexture(const std::vector<Image>& levels);
 
 struct GlideTexture {
-    int width = 0, height = 0;  // of the largest level
+    int width = 0, height = 0;  // size of the largest level
     int smallest = 0;           // longer side of the smallest
 };
 

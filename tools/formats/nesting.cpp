@@ -40,7 +40,7 @@ private:
                fmt::format("is nested deeper than {} levels", NESTING_MOST), "write it flatter");
     }
 
-    // From an opening quote to behind the closing one. One that never ends takes the rest: a parser stops there too.
+    // Goes from an opening quote to behind the closing one, or to the end of the text: a parser stops there, too.
     void SkipQuoted(char quote) {
         const std::string three{quote, quote, quote};
         const bool multiLine = toml_ && text_.substr(at_, 3) == three;

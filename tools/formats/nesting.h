@@ -1,4 +1,4 @@
-// Text whose values hold each other, before a parser that calls itself for every level sees it.
+// Checks how deep the values of a text hold each other, before it goes to a parser that calls itself for every level.
 #pragma once
 
 #include <string>

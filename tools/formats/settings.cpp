@@ -8,6 +8,7 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <sstream>
 
 struct Settings::Document {
     toml::table root;
@@ -15,8 +16,8 @@ struct Settings::Document {
 
 namespace {
 
-constexpr size_t DESCRIPTION_MOST = 200;  // bytes of what the TOML library says
-constexpr size_t LIST_MOST = 4096;        // entries
+constexpr size_t DESCRIPTION_MOST = 200;  // bytes quoted of a message of the TOML library
+constexpr size_t LIST_MOST = 4096;        // entries of a list
 
 const toml::table& Table(const void* table) {
     return *static_cast<const toml::table*>(table);
@@ -28,6 +29,13 @@ const toml::node& Node(const void* node) {
 
 int LineOf(const toml::node& node) {
     return static_cast<int>(node.source().begin.line);
+}
+
+// A value as messages quote it, in the notation of TOML.
+std::string ShownValue(const toml::node& node) {
+    std::ostringstream text;
+    node.visit([&](const auto& value) { text << value; });
+    return Shown(text.str());
 }
 
 }  // namespace
@@ -71,7 +79,7 @@ int Settings::Int(const std::string& key, int fallback, int least, int most) con
     if (!found) return fallback;
     const auto value = Node(found).value_exact<int64_t>();
     if (!value || *value < least || *value > most) {
-        RefuseKey(key, "is not a fitting whole number", fmt::format("give a number from {} to {}", least, most));
+        RefuseKey(key, "is " + ShownValue(Node(found)), fmt::format("give a whole number from {} to {}", least, most));
     }
     return static_cast<int>(*value);
 }
@@ -86,7 +94,7 @@ float Settings::Number(const std::string& key, float fallback, float least, floa
     if (!found) return fallback;
     const auto value = Node(found).value<double>();
     if (!value || !(*value >= static_cast<double>(least) && *value <= static_cast<double>(most))) {
-        RefuseKey(key, "is not a fitting number", fmt::format("give a number from {} to {}", least, most));
+        RefuseKey(key, "is " + ShownValue(Node(found)), fmt::format("give a number from {} to {}", least, most));
     }
     return static_cast<float>(*value);
 }
@@ -95,7 +103,7 @@ bool Settings::Flag(const std::string& key, bool fallback) const {
     const void* found = Find(key);
     if (!found) return fallback;
     const auto value = Node(found).value_exact<bool>();
-    if (!value) RefuseKey(key, "is neither true nor false", "write true or false");
+    if (!value) RefuseKey(key, "is " + ShownValue(Node(found)), "write true or false");
     return *value;
 }
 
@@ -103,7 +111,7 @@ std::string Settings::Text(const std::string& key, const std::string& fallback) 
     const void* found = Find(key);
     if (!found) return fallback;
     const auto value = Node(found).value_exact<std::string>();
-    if (!value) RefuseKey(key, "is not a text", "write it in quotes");
+    if (!value) RefuseKey(key, "is " + ShownValue(Node(found)) + ", which is no text", "write it in quotes");
     return *value;
 }
 
@@ -124,7 +132,8 @@ size_t Settings::Choice(const std::string& key, const std::string& fallback,
 }
 
 void Settings::CheckList(const std::string& key, size_t entries) const {
-    if (entries > LIST_MOST) RefuseKey(key, "is too long a list", fmt::format("{} entries are the most", LIST_MOST));
+    if (entries > LIST_MOST)
+        RefuseKey(key, fmt::format("has {} entries or more", entries), fmt::format("{} are the most", LIST_MOST));
 }
 
 std::vector<std::string> Settings::Texts(const std::string& key) const {
@@ -136,7 +145,8 @@ std::vector<std::string> Settings::Texts(const std::string& key) const {
     CheckList(key, list->size());
     for (const toml::node& item : *list) {
         const auto text = item.value_exact<std::string>();
-        if (!text) RefuseKey(key, "holds something that is not a text", "write every entry in quotes");
+        if (!text)
+            RefuseKey(key, fmt::format("holds {}, which is no text", ShownValue(item)), "write every entry in quotes");
         texts.push_back(*text);
     }
     return texts;
@@ -148,7 +158,7 @@ std::vector<float> Settings::Numbers(const std::string& key) const {
     const auto add = [&](const toml::node& item) {
         const auto value = item.value<double>();
         if (!value || !(*value > -1e6 && *value < 1e6)) {
-            RefuseKey(key, "holds something that is not a fitting number", "write plain numbers");
+            RefuseKey(key, "holds " + ShownValue(item), "write plain numbers between -1000000 and 1000000");
         }
         CheckList(key, numbers.size() + 1);
         numbers.push_back(static_cast<float>(*value));
@@ -182,7 +192,8 @@ std::vector<float> Settings::Numbers(const std::string& key, size_t count, const
 std::vector<Settings> Settings::Tables(const std::string& key) const {
     std::vector<Settings> tables;
     const auto add = [&](const toml::node& item) {
-        if (!item.is_table()) RefuseKey(key, "is not a table", fmt::format("write it as [[{}]]", key));
+        if (!item.is_table())
+            RefuseKey(key, fmt::format("is {}, not a table", ShownValue(item)), fmt::format("write it as [[{}]]", key));
         Settings settings;
         settings.document_ = document_;
         settings.table_ = item.as_table();

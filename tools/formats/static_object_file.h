@@ -20,7 +20,7 @@
 constexpr uint32_t STATIC_OBJECT_MAGIC = 0x45736f62;  // "Esob"
 constexpr uint32_t STATIC_OBJECT_VERSION = 9;
 
-// So that the character and its split pieces find room behind it in the game's tables.
+// Leaves room behind the object, in the game's tables, for the character and its split pieces.
 constexpr size_t STATIC_OBJECT_MAX_POLYGONS = 1000;
 constexpr size_t STATIC_OBJECT_MAX_POINTS = 2000;
 constexpr size_t STATIC_OBJECT_MAX_POLYGON_CORNERS = BSP_MAX_CORNERS;
@@ -28,7 +28,7 @@ constexpr size_t STATIC_OBJECT_MAX_CORNERS = 4000;
 static_assert(STATIC_OBJECT_MAX_POLYGONS < SPARE_POLYGONS && STATIC_OBJECT_MAX_POLYGONS < SPARE_PLANES &&
               STATIC_OBJECT_MAX_POINTS < SPARE_POINTS && STATIC_OBJECT_MAX_CORNERS < SPARE_POLY_VERTICES);
 
-// From the eye, where the accelerator's depths end, a little less.
+// Distance from the eye: a little less than where the accelerator's depths end.
 constexpr double SKY_FARTHEST = 6000;
 static_assert(SKY_FARTHEST * GLIDE_DEPTH_RANGE / GLIDE_FAR_DISTANCE < 65535);
 

@@ -166,7 +166,7 @@ void CheckIndex(const ByteReader& in, const char* owner, size_t number, const ch
     Refuse(in.File(), 0, fmt::format("{} {} points outside the {} {}", owner, number, count, table), REBUILD);
 }
 
-// One past the entry that a child code names.
+// The number of entries a table needs for the entry that a child code names.
 size_t ChildEnd(int16_t child) {
     return static_cast<size_t>(child >= 0 ? child : ~child) + 1;
 }

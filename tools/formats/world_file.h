@@ -24,7 +24,7 @@ struct WorldNode {
     int16_t front = 0;
     int16_t back = 0;
     uint16_t plane = 0;
-    WorldVector centre{};  // of the box; the engine measures the radii from it
+    WorldVector centre{};  // centre of the box; the engine measures the radii from it
     WorldVector halfExtents{};
 };
 

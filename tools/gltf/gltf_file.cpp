@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t TEXT_OFFSET = 20;  // behind the headers of the file and of its first chunk
 constexpr size_t JSON_MOST_BYTES = 4 << 20;
-constexpr size_t NUMBERS_MOST = 8'000'000;  // of all accessors that are read, each as often as it is
+constexpr size_t NUMBERS_MOST = 8'000'000;  // numbers of all accessors that are read; one counts as often as it is read
 constexpr size_t LOADER_ERROR_MOST = 200;   // bytes
 
 double Component(const unsigned char* at, int type, bool normalized) {

@@ -24,7 +24,7 @@ struct GltfNode {
     Vector translation;
     Quaternion rotation;
     Vector scale{1, 1, 1};
-    bool hasMatrix = false;  // then `matrix` stands for the three above, which no animation moves
+    bool hasMatrix = false;  // `matrix` holds in place of the three above; no animation moves it
     Affine matrix;
 };
 
@@ -44,7 +44,7 @@ public:
     const std::string& Name() const { return name_; }
     const tinygltf::Model& Data() const { return data_; }
 
-    // A list element, after a look at the index that the file gives for it.
+    // An element of a list, after checking the index that the file gives for it.
     template <class T>
     const T& Pick(const std::vector<T>& list, int index, const char* what) const {
         if (index < 0 || static_cast<size_t>(index) >= list.size()) RefuseIndex(index, what, list.size());
@@ -52,10 +52,10 @@ public:
     }
 
     GltfNumbers Read(int accessor, size_t width) const;
-    // One element a vertex; `count` 0: as many as there are.
+    // Numbers of one element for each vertex; `count` 0: as many as there are.
     GltfNumbers Attribute(const tinygltf::Primitive& primitive, const std::string& name, size_t width,
                           size_t count) const;
-    // Three a triangle, each below `vertexCount`.
+    // Three indices for each triangle, all below `vertexCount`.
     std::vector<uint32_t> TriangleCorners(const tinygltf::Primitive& primitive, size_t vertexCount) const;
     GltfNodes Nodes() const;
 
@@ -68,7 +68,7 @@ private:
 
     std::string name_;
     tinygltf::Model data_;
-    mutable size_t taken_ = 0;  // numbers, by Read
+    mutable size_t taken_ = 0;  // numbers read so far
 };
 
 bool IsTriangles(const tinygltf::Primitive& primitive);  // as against lines, points and strips

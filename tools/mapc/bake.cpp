@@ -10,11 +10,11 @@
 
 namespace {
 
-constexpr size_t RAYS = 256;  // over the hemisphere of a spot
+constexpr size_t RAYS = 256;  // rays over the hemisphere of a spot
 constexpr size_t RAYS_FAST = 32;
 constexpr size_t CENTRES_MAX = 8;
-constexpr double LIGHT_MIN = 0.02;  // light bytes: less is not worth a ray
-// Of what a shining surface sheds it shows itself, whatever falls on it: more would wash out its colours.
+constexpr double LIGHT_MIN = 0.02;  // light bytes; for less no ray is sent
+// The share of the light that a shining surface sheds that it also shows itself. More would wash out its colours.
 constexpr double OWN_PART = 0.5;
 constexpr double PI = 3.14159265358979323846;
 constexpr double PATCH_NEAR = 2;   // a shining surface is divided until its parts are this many times their size away
@@ -25,7 +25,7 @@ Vec3 Widened(const WorldVector& v) {
     return {v[0], v[1], v[2]};
 }
 
-// Everything that has light to itself, and which receiver each corner of the world is.
+// Each place whose light is computed on its own, and for each corner and point of the world its receiver.
 struct Receivers {
     std::vector<Receiver> list;
     std::vector<size_t> ofCorner;  // NONE where nothing is drawn
@@ -68,14 +68,15 @@ private:
     const BakeInput& input_;
     const WorldFile& world_;
     Receivers found_;
-    std::map<std::pair<size_t, double>, size_t> numbers_;  // by point and own light: neighbours agree on their border
+    std::map<std::pair<size_t, double>, size_t>
+        numbers_;  // receivers by point and own light: neighbouring polygons agree on their border
 };
 
-// A world as fans of triangles: the surfaces of rays, and whose light they show.
+// The world as fans of triangles for rays, and for each triangle the corners whose light it shows.
 struct Fans {
     RaySurfaces surfaces;
-    std::vector<std::array<size_t, 3>> corners;  // of each solid triangle, into WorldFile::corners
-    std::vector<size_t> polygons;                // whose each solid triangle is
+    std::vector<std::array<size_t, 3>> corners;  // for each solid triangle its corners in WorldFile::corners
+    std::vector<size_t> polygons;                // for each solid triangle its polygon
 };
 
 void AddFan(const BakeInput& input, size_t number, Fans& fans) {
@@ -86,7 +87,7 @@ void AddFan(const BakeInput& input, size_t number, Fans& fans) {
     };
     const size_t first = polygon.firstCorner;
     for (size_t i = first + 2; i < first + polygon.cornerCount; ++i) {
-        // The corners run so that their product points into the solid; here it points off the surface.
+        // The order is turned round: the corners' product points into the solid, but must point off the surface here.
         const RayTriangle triangle{place(first), place(i), place(i - 1)};
         if (look.cover < 1) {
             fans.surfaces.veils.push_back(triangle);
@@ -111,7 +112,7 @@ Fans FansOf(const BakeInput& input) {
     return fans;
 }
 
-// What a lit triangle reflects, linear over its plane.
+// The light that a lit triangle reflects, as a linear function over its plane.
 struct Reflection {
     Vec3 gradient;
     double atZero = 0;
@@ -138,7 +139,7 @@ Reflection ReflectionOf(const RayTriangle& triangle, double a, double b, double 
 struct Glow {
     RayTriangle triangle;
     double light = 0;
-    double reachSquared = 0;  // beyond it is not worth a ray
+    double reachSquared = 0;  // beyond this distance no ray is sent
 };
 
 Vec3 CentreOf(const RayTriangle& triangle) {
@@ -190,7 +191,7 @@ private:
         FindPlaces();
     }
 
-    // What comes straight from lamps, the sun and shining surfaces.
+    // The light that comes straight from lamps, the sun and shining surfaces.
     double Direct(size_t number) {
         const Receiver& receiver = receivers_.list[number];
         size_t& rays = rays_[number];
@@ -225,7 +226,7 @@ private:
         return sun * passed / static_cast<double>(spots.all.size());
     }
 
-    // Linear in the distance and in the cosine of the angle.
+    // The light falls linearly with the distance and with the cosine of the angle.
     double FromLamp(const Lamp& lamp, const Receiver& receiver, const Spots& spots, size_t& rays) const {
         const Vec3 way = lamp.position - (receiver.position + receiver.outward * SPOT_HEIGHT);
         const double distanceSquared = LengthSquared(way);
@@ -275,7 +276,7 @@ private:
         return FromAround(spots.near, receivers_.list[number].outward, rays_[number]);
     }
 
-    // The surroundings as spots see them.
+    // The light that comes from the surroundings, as the spots see them.
     double FromAround(const std::vector<Vec3>& spots, const Vec3& outward, size_t& rays) const {
         const Surroundings& around = input_.surroundings;
         const SurfaceFrame frame(outward);
@@ -300,7 +301,7 @@ private:
                static_cast<double>(directions_.size());
     }
 
-    // Where no spot sees anything, the light of the corners beside it.
+    // A corner none of whose spots sees anything takes the light of the corners beside it.
     void LightBuried(std::vector<double>& light) const {
         std::vector<double> sums(light.size(), 0);
         std::vector<double> counts(light.size(), 0);
@@ -403,8 +404,9 @@ private:
     std::vector<Glow> glows_;
     std::vector<Spots> spots_;
     std::vector<double> light_;
-    std::vector<std::vector<double>> changing_;  // by lamp
-    std::vector<size_t> rays_;                   // of each receiver, so that the threads need not share a counter
+    std::vector<std::vector<double>> changing_;  // for each changing lamp its light on every receiver
+    // Rays of each receiver, counted apart so that the threads need not share a counter.
+    std::vector<size_t> rays_;
     std::vector<Reflection> reflections_;
     std::vector<PlaceLight> places_;
     size_t placeRays_ = 0;

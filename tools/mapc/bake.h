@@ -12,16 +12,17 @@
 struct Lamp {
     Vec3 position;
     double brightness = 0;  // light byte right beside it, on a surface that faces it; negative darkens
-    double radius = 0;      // where it has faded to nothing, linearly
-    double mean = 1;        // of one that changes: the part of its brightness in the mean of time, which bounces
+    double radius = 0;      // distance at which it has faded to nothing, linearly
+    // A lamp that changes: the mean share of its brightness over time, which is what bounces.
+    double mean = 1;
 };
 
 // How the material of a texture slot looks to light.
 struct SurfaceLook {
-    bool drawn = true;         // what is not drawn neither catches light nor stops it
+    bool drawn = true;         // a surface that is not drawn neither catches light nor stops it
     double reflectance = 0.5;  // 0..1
-    double cover = 1;          // below 1: the part of a cut-out's texels that is not hole
-    double light = 0;          // light byte that it gives a surface that it covers all the sight of
+    double cover = 1;          // part of the texels that is not hole; below 1 for a cut-out
+    double light = 0;          // light byte that it gives a surface that sees nothing else
 };
 
 struct Surroundings {
@@ -42,16 +43,16 @@ enum class LightQuality {
 struct BakeOptions {
     LightQuality quality = LightQuality::Full;
     int threads = 1;
-    std::function<void(double)> progress;  // told now and then which part is done, at last 1
+    std::function<void(double)> progress;  // called now and then with the part that is done; 1 at the end
 };
 
 struct BakeInput {
     const WorldFile& world;
-    std::vector<SurfaceLook> looks;  // by texture slot
-    std::vector<Winding> sky;        // faces that the sky shows through
-    std::vector<Lamp> lamps;         // that always burn
+    std::vector<SurfaceLook> looks;  // for each texture slot how its material looks to light
+    std::vector<Winding> sky;        // the faces through which the sky shows
+    std::vector<Lamp> lamps;         // the lamps that always burn
     Surroundings surroundings;
-    std::vector<Lamp> changing{};  // each gets a field to itself, of what it sends straight
+    std::vector<Lamp> changing{};  // each gets a field of its own, with the light that it sends straight
     std::vector<Vec3> floors{};    // places that a player may stand on
 };
 
@@ -60,21 +61,21 @@ struct LightField {
     std::vector<std::array<double, 8>> corners;  // one a polygon up to the last with corner light
 };
 
-constexpr double PLAYER_MIDDLE = 110;  // above the floor that the player stands on
+constexpr double PLAYER_MIDDLE = 110;  // height above the floor that the player stands on
 
 // The light on the middle of a player, as light bytes of a surface that faces where it comes from.
 struct PlaceLight {
     Vec3 place;
-    std::vector<double> lamps;  // one each; the changing ones come last
+    std::vector<double> lamps;  // light of each lamp; the changing ones come last
     double sun = 0;
-    double above = 0;   // from the surroundings, on a surface that looks up
-    double around = 0;  // and on one that looks to a side
+    double above = 0;   // light from the surroundings on a surface that faces up
+    double around = 0;  // light from the surroundings on a surface that faces to a side
 };
 
 struct BakedLight {
     LightField steady;  // all light but what changing lamps send straight
     std::vector<LightField> changing;
-    std::vector<PlaceLight> places;  // above the floors, where a player has the room
+    std::vector<PlaceLight> places;  // places above the floors where a player has room
     Vec3 toSun;                      // unit
     size_t rays = 0;
 };

@@ -1,5 +1,5 @@
-// Rays through a level. An answer says which surface a ray meets; places on it are reckoned here from the surface
-// itself, so that the ray tracer's rounding, which differs between processors, decides nothing.
+// Rays through a level. The ray tracer says only which surface a ray meets. The place on it is computed here from the
+// surface itself, since the ray tracer's rounding differs between processors.
 #pragma once
 
 #include "mapc/ray_tracer.h"
@@ -9,11 +9,11 @@
 struct RaySurfaces {
     std::vector<RayTriangle> solid;
     std::vector<RayTriangle> sky;
-    std::vector<RayTriangle> veils;  // with holes
+    std::vector<RayTriangle> veils;  // surfaces with holes
     std::vector<double> veilCover;   // the part of each veil that is not hole, 0..1
 };
 
-enum class Meets { Nothing, Sky, Front, Back };  // the last two: of a solid surface
+enum class Meets { Nothing, Sky, Front, Back };  // Front and Back: a solid surface, met on that side
 
 inline Vec3 FrontOf(const RayTriangle& triangle) {
     return Cross(triangle[1] - triangle[0], triangle[2] - triangle[0]);
@@ -21,7 +21,7 @@ inline Vec3 FrontOf(const RayTriangle& triangle) {
 
 struct RayHit {
     Meets meets = Meets::Nothing;
-    size_t triangle = 0;  // of RaySurfaces::solid
+    size_t triangle = 0;  // its number in RaySurfaces::solid
     double distance = 0;  // with Front and Back
     double passed = 1;    // the part of the light that the veils on the way let through
 };

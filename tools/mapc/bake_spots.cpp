@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr double SPREAD_PART = 0.25;  // of the way to the middle of a polygon: the farther spots
+constexpr double SPREAD_PART = 0.25;  // how far along the way to a polygon's middle the farther spots lie
 constexpr double SPREAD_MAX = 48;
 constexpr double HEIGHTS[] = {SPOT_HEIGHT, 0.5, 0.125};
 
@@ -34,8 +34,9 @@ Spots SpotsOf(const Receiver& receiver, const std::function<bool(const Vec3&)>& 
 }
 
 std::vector<Vec3> HemisphereDirections(size_t count) {
-    // Powers of the inverse of the plastic number, the two-dimensional golden ratio: an even sequence over a square.
-    // Points evenly over the disc below the hemisphere are just as dense over it as light counts.
+    // Powers of the inverse of the plastic number, the two-dimensional golden ratio, give an even sequence over a
+    // square. Points spread evenly over the disc below the hemisphere are as dense on the hemisphere as light counts
+    // there.
     constexpr double STEP_X = 0.7548776662466927;
     constexpr double STEP_Y = 0.5698402909980532;
     std::vector<Vec3> directions;

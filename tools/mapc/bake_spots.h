@@ -1,5 +1,5 @@
-// Where light is measured for a point or corner of the world: on spots a little off its surface, which keeps them out
-// of the surface's own shadow, and moved toward the middles of the polygons around it, out of its neighbours'.
+// Where light is measured for a point or corner of the world: on spots a little off its surface, outside the surface's
+// own shadow, and toward the middles of the polygons around it, outside the shadows of its neighbours.
 #pragma once
 
 #include "formats/world_file.h"
@@ -8,22 +8,23 @@
 #include <functional>
 #include <vector>
 
-constexpr double SPOT_HEIGHT = 2;  // off the surface
-constexpr double SPOT_INSET = 4;   // toward the middle of the polygon
+constexpr double SPOT_HEIGHT = 2;  // distance of a spot from the surface
+constexpr double SPOT_INSET = 4;   // distance by which a spot is moved toward the middle of a polygon
 
 struct Receiver {
     Vec3 position;
     Vec3 outward;                      // unit, off the surface
-    std::vector<Vec3> polygonCentres;  // of the polygons around it, at most eight
-    double light = 0;                  // that its own material sheds
+    std::vector<Vec3> polygonCentres;  // centres of the polygons around it, at most eight
+    double light = 0;                  // light byte that its own material sheds
 };
 
 struct Spots {
-    std::vector<Vec3> near;  // where the surroundings are looked at; empty: all spots lie inside something
-    std::vector<Vec3> all;   // and some farther apart, which soften the edges of shadows
+    std::vector<Vec3> near;  // spots from which rays go to the surroundings; empty: all lie inside something
+    std::vector<Vec3> all;   // the near ones and some farther apart, which soften the edges of shadows
 };
 
-// Spots that isBuried lie inside something and see nothing. Where all do, spots closer to the surface are tried.
+// The spots of a receiver. Those for which isBuried holds lie inside something and are left out; where all do, spots
+// closer to the surface are tried.
 Spots SpotsOf(const Receiver& receiver, const std::function<bool(const Vec3&)>& isBuried);
 
 // Directions over the hemisphere z > 0, denser toward its pole, so that each stands for the same light on a surface.

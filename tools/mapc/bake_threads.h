@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <functional>
 
-int ThreadCount();  // what the machine can run at once
+int ThreadCount();  // the number of threads that the machine runs at once
 
 // Calls work(i) for each i below count, in any order, from `threads` threads. progress is told now and then, by the
 // calling thread only, which part of it is done. work must not throw.

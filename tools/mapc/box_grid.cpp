@@ -4,7 +4,7 @@ namespace {
 
 constexpr double CELL_MIN = 256;
 constexpr int CELLS_MAX = 128;          // along one axis
-constexpr size_t ENTRIES_PER_BOX = 16;  // on average; large boxes take larger cells, or the grid would not fit
+constexpr size_t ENTRIES_PER_BOX = 16;  // average; large boxes get larger cells, so that the grid stays this small
 
 }  // namespace
 
@@ -32,7 +32,7 @@ void BoxGrid::SetCellSize(double size) {
         cells_[axis] = static_cast<int>((bounds_.max[axis] - bounds_.min[axis]) / cellSize_) + 1;
 }
 
-// How often boxes would stand in cells.
+// How many entries all cells together would have.
 size_t BoxGrid::CountEntries() const {
     size_t count = 0;
     for (const Box& box : boxes_) {

@@ -39,5 +39,6 @@ private:
     Box bounds_;
     double cellSize_ = 256;
     int cells_[2] = {1, 1};
-    std::vector<std::vector<int>> contents_;  // by y * cells_[0] + x
+    std::vector<std::vector<int>>
+        contents_;  // the boxes in each cell; the cell at x, y has the index y * cells_[0] + x
 };

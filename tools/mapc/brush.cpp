@@ -100,7 +100,7 @@ private:
         Brush brush;
         brush.line = source.line;
         std::vector<const Material*> materials;
-        std::vector<const MapFace*> faces;  // of the sides; a plane given twice counts once
+        std::vector<const MapFace*> faces;  // the face of each side; a plane that is given twice counts once
         for (const MapFace& face : source.faces) {
             const Plane plane = PlaneOf(face);
             materials.push_back(&MaterialOf(face));

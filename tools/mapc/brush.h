@@ -8,7 +8,7 @@
 
 #include <vector>
 
-constexpr size_t BRUSHES_MAX = 65536;  // of the map and its terrains together
+constexpr size_t BRUSHES_MAX = 65536;  // brushes of the map and of its terrains together
 
 // In order of rank: where faces of two brushes coincide, the brush of lower rank keeps its face, and of equal ranks the
 // earlier one in the map.
@@ -36,7 +36,7 @@ struct Brush {
 
 struct Brushes {
     std::string file;         // the map, as messages call it
-    std::vector<Brush> list;  // by rank
+    std::vector<Brush> list;  // all brushes in the order of their rank
     std::vector<FaceTexture> textures;
     PlaneTable planes;
     std::vector<int> terrainLines;  // planes of the grids of terrains

@@ -7,16 +7,17 @@
 
 namespace {
 
-constexpr size_t CANDIDATES_MAX = 100;             // planes tried at a node
-constexpr size_t ORDER_TEST_MAX = 400;             // more faces than this are never order-free
-constexpr size_t SEALING_NODES_MAX = 100'000;      // the largest of our levels has 656
-constexpr size_t COMPARISONS_MAX = 1'000'000'000;  // of faces with planes; the largest of our levels takes 1,500,000
-constexpr double GRID = 1024;                      // planes on this grid are tried where many faces spread beyond it
+constexpr size_t CANDIDATES_MAX = 100;         // planes tried at a node
+constexpr size_t ORDER_TEST_MAX = 400;         // more faces than this are never order-free
+constexpr size_t SEALING_NODES_MAX = 100'000;  // the largest of our levels has 656
+constexpr size_t COMPARISONS_MAX =
+    1'000'000'000;             // comparisons of a face with a plane; the largest of our levels takes 1,500,000
+constexpr double GRID = 1024;  // planes on this grid are tried where many faces spread beyond it
 constexpr size_t GRID_FACES_MIN = 100;
-constexpr double SPLIT_COST = 20;  // against one face of imbalance
-constexpr double SLOPE_COST = 4;   // of a plane that is not axial
+constexpr double SPLIT_COST = 20;  // cost of a split face, in faces of imbalance between the two sides
+constexpr double SLOPE_COST = 4;   // cost of a plane that is not axial
 constexpr double HIDDEN_SPLIT_COST = 1;
-constexpr double WALL_SPLIT_COST = 300;  // of a wall cut across: the player takes a low lower part for a step
+constexpr double WALL_SPLIT_COST = 300;  // cost of cutting a wall across: the player takes a low lower part for a step
 
 enum class TreeKind { Sealing, Drawing };
 
@@ -31,7 +32,7 @@ PlaneSide SideOf(const Face& face, const Plane& plane) {
     return ClassifyWinding(face.winding, plane);
 }
 
-// On also for a plane of another number that the face lies in within the tolerance.
+// On: the face lies in the plane within the tolerance, whatever the plane's number.
 PlaneSide SideOf(const Face& face, int plane, const PlaneTable& planes) {
     return (face.plane | 1) == (plane | 1) ? PlaneSide::On : SideOf(face, planes[plane]);
 }
@@ -58,7 +59,8 @@ private:
         return ~static_cast<int>(tree_.leaves.size() - 1);
     }
 
-    // A world needs a node: one leaf is divided by the plane of its first face, behind which nothing lies.
+    // A world needs at least one node: a tree of one leaf is divided by the plane of its first face, behind which
+    // nothing lies.
     void SplitRoot() {
         const std::vector<Face>& faces = tree_.leaves[0];
         const int plane = faces.empty() ? planes_.Find({0, 0, 1}, 0) : faces[0].plane;
@@ -149,7 +151,7 @@ private:
         return best;
     }
 
-    // The planes of the faces that have a say, each once, in order of first use.
+    // The planes of the faces that are not hidden, each once, in order of first use.
     std::vector<int> CandidatesOf(const std::vector<Face>& faces) {
         stamps_.resize(static_cast<size_t>(planes_.Count()), 0);
         ++stamp_;
@@ -186,7 +188,7 @@ private:
         return face.hidden ? HIDDEN_SPLIT_COST : SPLIT_COST;
     }
 
-    // Beyond the limit only as far as needed to know that it is. A plane that separates nothing costs everything.
+    // Counting stops once the cost is beyond the limit. A plane that separates nothing costs an infinite amount.
     double CostOf(const std::vector<Face>& faces, int plane, double limit) {
         comparisons_ += faces.size();
         double front = 0;
@@ -222,7 +224,7 @@ private:
     TreeKind kind_;
     const std::vector<int> terrainLines_;
     Tree tree_;
-    std::vector<int> stamps_;  // by plane: the node that last listed it
+    std::vector<int> stamps_;  // for each plane the node that last listed it
     int stamp_ = 0;
     size_t comparisons_ = 0;
 };

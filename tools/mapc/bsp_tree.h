@@ -27,7 +27,7 @@ Tree BuildSealingTree(std::vector<Face> faces, Brushes& brushes);
 
 // Splits until the faces of each leaf may be drawn in any order, from any eye: of each two, either both lie in front of
 // the other (a convex room) or both behind (a convex solid), so that no ray meets two of them from their front. A face
-// in a node's plane goes to the side it faces. Hidden faces take part without a say. The
+// in a node's plane goes to the side it faces. Hidden faces are divided, too, but choose no planes. The
 // terrain's grid divides it without cutting anything.
 Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes);
 

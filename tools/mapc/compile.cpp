@@ -89,7 +89,8 @@ void AddLight(const LightSources& sources, const BakeOptions& options, CompiledL
     compiled.lightSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-// What shines must not lend its brightness to the surface beside it, with which it shares points.
+// Gives shining surfaces corner light: they share points with the surfaces beside them, which must not get their
+// brightness.
 void LightShiningPerCorner(Brushes& brushes) {
     for (FaceTexture& texture : brushes.textures)
         texture.cornerLight = texture.cornerLight || texture.material->light > 0;

@@ -19,8 +19,8 @@ struct CompiledLevel {
     PlacesFile places;
     std::vector<Count> counts;
     Contacts contacts;
-    size_t rays = 0;          // of the light
-    double lightSeconds = 0;  // that it took
+    size_t rays = 0;          // rays traced for the light
+    double lightSeconds = 0;  // time that the light took
 };
 
 // A level that is not sealed. The path leads from info_player_start to the outside, in map space.

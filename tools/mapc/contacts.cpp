@@ -9,7 +9,7 @@ constexpr double SPEED = 120;  // units a frame, of a long fall
 constexpr double RADIUS = SPEED / 2 + GATHER_MARGIN;
 constexpr size_t PLACES_MAX = 4'000'000;  // fifteen floors as large as a level may be
 constexpr double SAMPLE_STEP = 128;       // between places tried on a floor
-// Of the sphere above the floor: standing and in a leap.
+// Heights of the sphere above the floor that are tried: standing, and in a leap.
 constexpr double HEIGHTS[] = {MOVE_SPHERE_RADIUS + 1, 150, 300};
 constexpr double ROOT_2 = 1.414213562;
 

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr double AREA_MIN = 0.01;       // a smaller covered part is not cut out
-constexpr size_t PAIRS_MAX = 500'000;   // of brushes that touch; the largest of our levels has 7,390
-constexpr size_t PIECES_MAX = 100'000;  // of faces; merging and leaving out the unseen must bring them to 20,000
+constexpr double AREA_MIN = 0.01;       // area; a smaller covered part is not cut out
+constexpr size_t PAIRS_MAX = 500'000;   // pairs of brushes that touch; the largest of our levels has 7,390
+constexpr size_t PIECES_MAX = 100'000;  // pieces of faces; merging and leaving out the unseen must bring them to 20,000
 
 class Cutter {
 public:
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    // Many brushes in one place touch each other all.
+    // Refuses a map with too many brushes in one place, since all of them touch each other.
     void CheckPairs() {
         size_t pairs = 0;
         for (const Brush& brush : brushes_.list) {

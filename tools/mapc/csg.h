@@ -1,4 +1,4 @@
-// From overlapping brushes to the surface of what they form together.
+// Makes, from overlapping brushes, the surface of the body that they form together.
 #pragma once
 
 #include "mapc/brush.h"

@@ -32,7 +32,7 @@ public:
     }
 
 private:
-    // A place where each plane is used: there its rounded record fits best.
+    // Finds a place on each plane where it is used, so that its rounded record fits best there.
     void FindPlaneAnchors() {
         anchors_.resize(static_cast<size_t>(brushes_.planes.Count()));
         planeOfId_.resize(anchors_.size(), -1);
@@ -86,7 +86,7 @@ private:
         return brushes_.textures[static_cast<size_t>(polygon.texture)].smooth;
     }
 
-    // Of the terrain's faces around each vertex, large ones count more.
+    // Adds up the normals of the terrain's faces around each vertex; large faces count more.
     void FindSmoothNormals() {
         for (const auto& leaf : mesh_.leaves) {
             for (const MeshPolygon& polygon : leaf) {
@@ -242,12 +242,12 @@ private:
     const Brushes& brushes_;
     const Placement& placement_;
     WorldFile world_;
-    std::vector<Vec3> anchors_;   // by plane
+    std::vector<Vec3> anchors_;   // for each plane a place on it where it is used
     std::vector<int> planeOfId_;  // number of the record, -1: none yet
-    std::vector<Box> leafBoxes_;  // tight, engine space
+    std::vector<Box> leafBoxes_;  // tight boxes of the leaves, engine space
     std::map<std::tuple<float, float, float, float>, size_t> planeNumbers_;
-    std::unordered_map<uint64_t, size_t> pointNumbers_;  // by vertex and plane; only looked up
-    std::map<int, Vec3> smoothNormals_;                  // by vertex, of any length
+    std::unordered_map<uint64_t, size_t> pointNumbers_;  // numbers of points by vertex and plane; only looked up
+    std::map<int, Vec3> smoothNormals_;                  // normals of the terrain's vertices, of any length
 };
 
 }  // namespace

@@ -4,6 +4,5 @@
 #include "mapc/mesh.h"
 #include "mapc/placement.h"
 
-// Not checked against any limit: counts beyond 16 bits are kept by the caller's limits, see limits.h, which is asked
-// first.
+// Checks no limit: the caller must have checked the counts (limits.h), which keeps them within 16 bits.
 WorldFile EmitWorld(const Tree& tree, const Mesh& mesh, const Brushes& brushes, const Placement& placement);

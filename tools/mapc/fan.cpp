@@ -52,7 +52,7 @@ public:
                 Triangle(corners[start], corners[(start + 1) % corners.size()], corners[(start + 2) % corners.size()]);
             const double smallest = SmallestTriangle(corners, start);
             const double score = smallest > AREA_MIN ? smallest : std::min(first, AREA_MIN);
-            if (score <= bestScore + AREA_MIN * 0.1) continue;  // the first of equals
+            if (score <= bestScore + AREA_MIN * 0.1) continue;  // of equal ones the first stays
             bestScore = score;
             best = start;
         }
@@ -61,7 +61,7 @@ public:
 
 private:
     static constexpr double AREA_MIN = 1e-3;
-    static constexpr size_t TRY_ALL_MAX = 64;  // of more corners only the even halves are tried
+    static constexpr size_t TRY_ALL_MAX = 64;  // corners; of outlines with more only the even halves are tried
 
     static Corners::const_iterator At(const Corners& corners, size_t i) {
         return corners.begin() + static_cast<std::ptrdiff_t>(i);

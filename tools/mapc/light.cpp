@@ -53,7 +53,7 @@ std::vector<Lamp> LampsOf(const std::vector<PointLight>& lights, const Placement
     return lamps;
 }
 
-// Without lamps.
+// The bake's input, still without lamps.
 BakeInput InputOf(const WorldFile& world, const LightSources& sources) {
     const LevelSettings& settings = sources.settings;
     const Placement& placement = sources.placement;

@@ -9,13 +9,13 @@
 
 namespace {
 
-constexpr double LIGHT_STEP = NEUTRAL_LEVEL;  // light bytes of an intensity of 1
+constexpr double LIGHT_STEP = NEUTRAL_LEVEL;  // light bytes that an intensity of 1 adds
 constexpr size_t FLOORS_MAX = 1000;
 constexpr double FAR_DISTANCE = 1e5;
 constexpr double FAR_RADIUS = 1e6;
-constexpr double FAR_SHARE = 1 - FAR_DISTANCE / FAR_RADIUS;  // of its intensity, which arrives
-constexpr double FAR_LEAST = 0.5;                            // light bytes: less is not worth a slot
-constexpr int FIT_STEPS = 8;                                 // of radius and height
+constexpr double FAR_SHARE = 1 - FAR_DISTANCE / FAR_RADIUS;  // the share of its intensity that arrives
+constexpr double FAR_LEAST = 0.5;                            // light bytes; less gets no slot
+constexpr int FIT_STEPS = 8;                                 // steps in which radius and height are tried
 
 Vec3 Widened(const WorldVector& v) {
     return {v[0], v[1], v[2]};
@@ -28,7 +28,7 @@ struct SlotShape {
     double intensity = 0;
 };
 
-// Over the places, the sums that tell how near a shape comes to the light that is there.
+// Sums over the places that tell how near a shape comes to the light that is there.
 struct FitSums {
     double wantedShown = 0;
     double shownSquared = 0;
@@ -42,7 +42,7 @@ struct FitSums {
 
 struct Slot {
     LightSlotRecord record;
-    int line = 0;  // of its light; 0: sun, sky and what is everywhere
+    int line = 0;  // line of its light in the map; 0: the sun, the sky, or light that is everywhere
 };
 
 class SlotMaker {
@@ -71,7 +71,8 @@ private:
 
     LightSlotRecord& Add(int32_t type, const SlotShape& shape, int line) {
         if (slots_.size() == LEVEL_SLOTS_MAX) {
-            RefuseLight(line, fmt::format("this light needs the slot {} of {}", LEVEL_SLOTS_MAX + 1, LEVEL_SLOTS_MAX),
+            RefuseLight(line,
+                        fmt::format("this light needs slot {}, but there are {}", LEVEL_SLOTS_MAX + 1, LEVEL_SLOTS_MAX),
                         "use fewer lights, larger ones instead of several");
         }
         LightSlotRecord& record = slots_.emplace_back(Slot{{}, line}).record;
@@ -96,7 +97,7 @@ private:
             mean.around += place.around / static_cast<double>(baked_.places.size());
         }
         if (box.IsEmpty()) return;
-        // Four directions evenly around: one from above, three from below the horizon.
+        // Four directions, evenly spread: one from above, three from below the horizon.
         constexpr double LEVEL = 0.9428090415820634;
         AddFar(box.Centre(), {0, 1, 0}, mean.above);
         for (const Vec3& toLight : {Vec3{LEVEL, -1.0 / 3, 0}, Vec3{-LEVEL / 2, -1.0 / 3, 0.816496580927726},

@@ -26,7 +26,7 @@ LampsByStyle SortLamps(const std::vector<PointLight>& lights);
 std::vector<Vec3> FloorsOf(const WorldFile& world);
 
 struct SlotSources {
-    const std::string& map;  // its name in messages
+    const std::string& map;  // the map's name in messages
     const WorldFile& world;
     const LampsByStyle& lamps;  // as they were given to the bake
     const Placement& placement;

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Within the engine's limits, which the asserts below hold them to, and within what its memory has room for.
+// Limits of the compiler. The asserts below hold them against the engine's own; its memory sets others.
 constexpr size_t NODES_MAX = 32767;
 constexpr size_t LEAVES_MAX = BSP_MAX_LEAVES;
 constexpr size_t PLANES_MAX = 62000;
@@ -21,7 +21,8 @@ static_assert(NODES_MAX <= BSP_MAX_NODES && PLANES_MAX + SPARE_PLANES <= INDEX_L
               POLYGONS_MAX + SPARE_POLYGONS <= POLYGON_LIMIT && POINTS_MAX + SPARE_POINTS <= INDEX_LIMIT &&
               CORNERS_MAX + SPARE_POLY_VERTICES <= INDEX_LIMIT);
 constexpr size_t POLYGONS_AT_POINT_MAX = 127;
-// What the engine's 8 MiB leave for the world beside 12 texture pages, the character, its clips and the frame.
+// The part of the engine's 8 MiB that is left for the world beside 12 texture pages, the character, its clips and the
+// frame.
 constexpr size_t MEMORY_MAX = 4300000;
 
 std::vector<size_t> PolygonsAtPoints(const WorldFile& world) {

@@ -57,7 +57,7 @@ public:
                next_.text.find_first_not_of("+-.eE0123456789") == std::string_view::npos;
     }
 
-    // One more of what the map may hold so many of.
+    // Refuses one thing more than the map may hold.
     void Count(size_t count, size_t most, const char* what) const {
         if (count < most) return;
         Refuse(file_, next_.line, fmt::format("more than {} {}", most, what), "leave some out, or divide the level");
@@ -111,7 +111,7 @@ private:
     const std::string& file_;
     size_t at_ = 0;
     int line_ = 1;
-    size_t brushes_ = 0, faces_ = 0;  // taken so far
+    size_t brushes_ = 0, faces_ = 0;  // read so far
     Token next_;
 };
 

@@ -13,12 +13,12 @@
 #include <string>
 #include <vector>
 
-// Asked while the text is read. A level's world holds 20,000 polygons at most.
+// Limits that hold while the text is read. A level's world holds 20,000 polygons at most.
 constexpr size_t MAP_ENTITIES_MAX = 20000;
 constexpr size_t MAP_BRUSHES_MAX = 20000;
-constexpr size_t MAP_KEYS_MAX = 256;         // of an entity
-constexpr size_t MAP_BRUSH_FACES_MAX = 128;  // of a brush
-constexpr size_t MAP_FACES_MAX = 200000;     // of all brushes
+constexpr size_t MAP_KEYS_MAX = 256;         // keys of one entity
+constexpr size_t MAP_BRUSH_FACES_MAX = 128;  // faces of one brush
+constexpr size_t MAP_FACES_MAX = 200000;     // faces of all brushes
 
 struct MapFace {
     std::array<Vec3, 3> points;
@@ -30,7 +30,7 @@ struct MapFace {
     double rotation = 0;  // degrees; of no effect with hasAxes
     double uScale = 0;    // map units per texel
     double vScale = 0;
-    bool smooth = false;  // of a terrain: lit as one surface with its neighbours
+    bool smooth = false;  // a terrain's face: lit as one surface with its neighbours
     int line = 0;
 };
 

@@ -15,7 +15,7 @@ constexpr double FRAMES_MAX = 100000;
 struct StyleName {
     const char* name;
     LightStyle style;
-    std::vector<const char*> keys;  // besides those that every light takes
+    std::vector<const char*> keys;  // keys that it takes besides those that every light takes
 };
 
 const std::vector<StyleName>& Styles() {

@@ -13,7 +13,7 @@ constexpr double CONVEX_TOLERANCE = 1e-6;  // sine of the turn at a corner
 
 using Corners = std::vector<int>;
 
-// The faces of one plane and one way of painting.
+// Faces that lie in one plane and are painted alike.
 class Group {
 public:
     Group(const std::vector<Face>& faces, const std::vector<size_t>& members, const Vec3& normal) : normal_(normal) {
@@ -70,7 +70,7 @@ private:
         return false;
     }
 
-    // b runs along a's edge k the other way: b's other corners replace that edge.
+    // Joins two outlines: b runs along a's edge k the other way, so b's other corners replace that edge.
     std::optional<Corners> Join(const Corners& a, size_t k, const Corners& b) const {
         size_t j = 0;
         while (b[j] != At(a, k + 1) || At(b, j + 1) != a[k]) {
@@ -114,7 +114,8 @@ private:
     Vec3 normal_;
     std::vector<Vec3> vertices_;
     std::vector<Corners> outlines_;  // empty: taken in by another
-    // From corner to corner: the outline. Edges that have vanished may still be listed.
+    // For each edge, from corner to corner, the outline that it belongs to. Edges that have vanished may still be
+    // listed.
     std::map<std::pair<int, int>, size_t> edges_;
 };
 

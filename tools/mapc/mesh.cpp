@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    // What lies between two vertices depends on the two alone, so that all polygons at an edge agree about it.
+    // Fills in the vertices between two others. They depend on the two alone, so that all polygons at an edge agree.
     void FillEdge(int from, int to, std::vector<int>& filled) {
         near_.clear();
         const Vec3& a = Vertex(std::min(from, to));
@@ -91,7 +91,7 @@ private:
     std::vector<int> near_;  // vertices close to the edge being filled
 };
 
-// Where the outline runs along an edge and straight back, that edge bounds nothing.
+// Removes the corners at which the outline runs along an edge and straight back: such an edge bounds nothing.
 void RemoveSpikes(std::vector<int>& corners) {
     for (size_t i = 0; i < corners.size() && corners.size() >= 3;) {
         const size_t count = corners.size();

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Where the brush's top is above or below the point, as far as a vertical line through the point meets it.
+// The height of the brush's top above or below the point; nothing when a vertical line through the point misses it.
 std::optional<double> TopOf(const Brush& brush, const PlaneTable& planes, const Vec3& p) {
     double bottom = -std::numeric_limits<double>::max();
     double top = std::numeric_limits<double>::max();

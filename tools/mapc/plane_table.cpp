@@ -23,7 +23,7 @@ Plane Snapped(Plane plane) {
     return plane;
 }
 
-// The first component that is not tiny decides, so that a plane and its flip agree on who comes first.
+// Decided by the first component that is not tiny, so that a plane and its reverse agree on which comes first.
 bool PointsForward(const Vec3& normal) {
     for (int axis = 0; axis < 3; ++axis) {
         if (std::abs(normal[axis]) > NORMAL_TOLERANCE) return normal[axis] > 0;

@@ -18,7 +18,7 @@ private:
     int Search(const Plane& plane, int64_t bucket) const;
 
     std::vector<Plane> planes_;
-    std::unordered_map<int64_t, std::vector<int>> buckets_;  // by distance; only ever looked up
+    std::unordered_map<int64_t, std::vector<int>> buckets_;  // planes by their rounded distance; only ever looked up
 };
 
 inline bool IsAxial(const Plane& plane) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-// One set of instructions everywhere: the results of different ones differ.
+// The same set of instructions on every processor, because different ones give different results.
 constexpr const char* DEVICE_SETTINGS = "isa=sse4.2,threads=1";
 
 }  // namespace

@@ -8,10 +8,11 @@
 namespace {
 
 constexpr size_t PORTALS_MAX = 1'000'000;  // the largest of our levels has 3,092
-constexpr double MARGIN = 64;              // of empty space around the map
+constexpr double MARGIN = 64;              // empty space around the map, map units
 constexpr double PORTAL_AREA_MIN = 0.1;    // what is smaller lets nothing through
-constexpr double SEEN_AREA_MIN = 0.05;     // of a face; a smaller face must border on it with its half
-constexpr double SOLID_TOLERANCE = 0.01;   // a point on the seam of two brushes is solid
+// Area of a face that must border on flooded space; of a smaller face, half of it must.
+constexpr double SEEN_AREA_MIN = 0.05;
+constexpr double SOLID_TOLERANCE = 0.01;  // a point on the seam of two brushes is solid
 
 std::array<Plane, 6> SidesOf(const Box& box) {
     std::array<Plane, 6> sides;  // facing inwards
@@ -119,8 +120,8 @@ void SealedSpace::Join(int front, int back, const Winding& winding) {
     }
 }
 
-// A leaf is all solid or all empty, so a few points inside it tell; more than one, because one could lie just where
-// tolerances decide.
+// A leaf is wholly solid or wholly empty, so a few points inside it tell which. More than one is asked, because one
+// could lie just where tolerances decide.
 void SealedSpace::MarkSolid(const Brushes& brushes) {
     std::vector<Box> boxes;
     for (const Brush& brush : brushes.list) {
@@ -190,7 +191,7 @@ void SealedSpace::TracePath(int leaf, const Vec3& start) {
     StraightenPath();
 }
 
-// From each point on to the farthest that is seen from it.
+// Leads the path from each point straight on to the farthest one that is seen from it.
 void SealedSpace::StraightenPath() {
     std::vector<Vec3> straight{leakPath_[0]};
     for (size_t at = 0; at + 1 < leakPath_.size();) {

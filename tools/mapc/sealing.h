@@ -1,6 +1,6 @@
-// Where the player can get to. The space around the solid brushes is divided into leaves, portals join the empty ones,
-// and a flood from the player's start finds those that belong to the level. A level is sealed: a flood that gets out of
-// it is a leak.
+// Finds where the player can get to. The space around the solid brushes is divided into leaves, portals join the empty
+// ones, and a flood from the player's start finds those that belong to the level. A level is sealed: a flood that gets
+// out of it is a leak.
 #pragma once
 
 #include "mapc/bsp_tree.h"
@@ -23,7 +23,7 @@ private:
         bool flooded = false;
         bool outside = false;  // borders on the end of the map
         std::vector<int> portals;
-        Vec3 centreSum;  // of all portals, solid or not
+        Vec3 centreSum;  // sum of the centres of all portals, solid or not
         int centreCount = 0;
         int cameFrom = -1;  // portal
     };

@@ -60,7 +60,7 @@ const std::vector<EntityClass> ENTITY_CLASSES{
       "route_time",
       "mapversion",
       "message",
-      "wad"}},  // the last three are editors'
+      "wad"}},  // the last three are written by editors
     {"func_group", {"corner_light"}},
     {"func_detail", {"corner_light"}},
     {"func_terrain", {"image", "steep", "steep_from", "high", "high_from"}},
@@ -68,7 +68,8 @@ const std::vector<EntityClass> ENTITY_CLASSES{
     {"light", {"origin", "light", "radius", "style", "low", "rise", "fall", "high_time", "low_time", "start"}},
 };
 
-// A misspelt key would go unnoticed. Editors begin those of their own with an underscore, and lights have a _color.
+// Refuses unknown keys, since a misspelt one would go unnoticed. Editors begin their own keys with an underscore, and
+// lights have a _color.
 void CheckKeys(const MapFile& map, const MapEntity& entity, const std::vector<std::string>& known) {
     for (const MapKey& key : entity.keys) {
         if (key.name == "classname" || key.name.starts_with('_')) continue;

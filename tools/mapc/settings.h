@@ -1,4 +1,4 @@
-// What the map itself says about its level: the keys of worldspawn.
+// The settings that a map makes for its level: the keys of worldspawn.
 #pragma once
 
 #include "mapc/map_file.h"

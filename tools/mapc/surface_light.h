@@ -1,4 +1,4 @@
-// The light of a world by place: what the light pass gave the points of a mesh, for a mesh that is yet to be made.
+// The light of a finished world by place, for a mesh that is yet to be made from the same map.
 #pragma once
 
 #include "mapc/placement.h"

@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    // The face of the box toward each side: its texture is the terrain's there.
+    // Finds the box's face toward each side: its texture is the terrain's on that side.
     void ReadBox() {
         const MapBrush& brush = entity_.brushes[0];
         for (const MapFace& face : brush.faces) {
@@ -77,7 +77,7 @@ private:
         highFrom_ = box_.min.z + NumberKey(map_, entity_, "high_from", (box_.max.z - box_.min.z) / 2);
     }
 
-    // On whole units, so that neighbours meet exactly.
+    // A corner of the grid, on whole units, so that neighbouring cells meet exactly.
     Vec3 Corner(int x, int y) const {
         const auto between = [](double from, double to, double part) {
             return std::floor(from + (to - from) * part + 0.5);
@@ -87,7 +87,7 @@ private:
                 between(box_.min.z, box_.max.z, image_.At(x, y) / 65535.0)};
     }
 
-    // Divided where it bends less, so that ridges and valleys run through.
+    // Divides the cell along the diagonal on which it bends less, so that ridges and valleys run through.
     void AddCell(const Vec3& southWest, const Vec3& southEast, const Vec3& northEast, const Vec3& northWest) {
         if (std::abs(southWest.z - northEast.z) <= std::abs(southEast.z - northWest.z)) {
             AddPrism({southWest, southEast, northEast});

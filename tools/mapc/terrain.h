@@ -10,6 +10,6 @@ struct Terrain {
 };
 
 // Keys: `image`, beside the map; `steep` and `steep_from` (35 degrees), `high` and `high_from` (map units above the
-// box's bottom): textures that take the place of the box's top on such ground. The image's upper border is north, white
-// the top of the box, black its bottom; where all is black there is none.
+// box's bottom): textures that take the place of the box's top on such ground. The image's upper border is north. White
+// is the top of the box, black its bottom; a cell that is all black has no ground.
 Terrain BuildTerrain(const MapFile& map, const MapEntity& entity);

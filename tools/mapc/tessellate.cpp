@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr double STRIP_PART = 0.125;  // of the grid: narrower strips are not cut off
-constexpr double FALL_REACH = 600;    // engine units: farther from the edge of a floor nobody falls
+constexpr double STRIP_PART = 0.125;  // share of the grid's size: narrower strips are not cut off
+constexpr double FALL_REACH = 600;    // engine units; nobody falls farther away than this from the edge of a floor
 
 // Where the grid may cut a face.
 class GridLines {
@@ -63,7 +63,7 @@ struct Cut {
     double at = 0;
 };
 
-// false when the face lies on one side.
+// Cuts a face in two. False: it lies on one side of the cut.
 bool CutFace(const Face& whole, const Cut& cut, Face& below, Face& above) {
     Vec3 normal;
     normal[cut.axis] = 1;

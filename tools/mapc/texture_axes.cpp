@@ -10,7 +10,7 @@ struct FacingAxes {
     Vec3 normal, u, v;
 };
 
-// Of equals the first wins, so a 45 degree slope is painted like a floor.
+// The first one wins where several fit equally, so a 45 degree slope is painted like a floor.
 constexpr std::array<FacingAxes, 6> FACINGS{{
     {{0, 0, 1}, {1, 0, 0}, {0, -1, 0}},
     {{0, 0, -1}, {1, 0, 0}, {0, -1, 0}},
@@ -41,7 +41,7 @@ Vec3 Rotated(Vec3 v, int first, int second, const SineCosine& turn) {
     return v;
 }
 
-// Least and greatest texel coordinate of the corners.
+// The least and the greatest texel coordinate of the corners.
 std::array<double, 2> RangeOf(const std::vector<const Winding*>& windings, const Vec3& axis, double offset) {
     std::array<double, 2> range{std::numeric_limits<double>::max(), -std::numeric_limits<double>::max()};
     for (const Winding* winding : windings) {

@@ -5,7 +5,7 @@
 #include "mapc/map_file.h"
 #include "mapc/winding.h"
 
-constexpr double UNITS_PER_TEXEL = 2;  // where the map gives no scale
+constexpr double UNITS_PER_TEXEL = 2;  // used where the map gives no scale
 
 struct FaceTexture {
     const Material* material = nullptr;
@@ -14,13 +14,13 @@ struct FaceTexture {
     Vec3 uAxis, vAxis;         // texels per map unit
     double uOffset = 0;        // texels
     double vOffset = 0;
-    int line = 0;  // of the face in the map
+    int line = 0;  // line of the face in the map
 
     double U(const Vec3& p) const { return (Dot(p, uAxis) + uOffset) * 256; }  // 1/256 texel, as the engine wants it
     double V(const Vec3& p) const { return (Dot(p, vAxis) + vOffset) * 256; }
 };
 
-// The face's own axes, or those that its direction and rotation give.
+// The face's own texture axes, or those that its direction and rotation give.
 FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& material);
 // Whether two textures paint every place alike, apart from whole repeats.
 bool PaintAlike(const FaceTexture& a, const FaceTexture& b);

@@ -1,4 +1,4 @@
-// Points that are nearly the same become one.
+// Makes one vertex of points that are nearly the same.
 #pragma once
 
 #include "mapc/geometry.h"

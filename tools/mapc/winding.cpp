@@ -2,7 +2,7 @@
 
 namespace {
 
-// Computed from the front point, so that the two polygons of a shared edge get the same new corner.
+// The way is taken from the front point, so that the two polygons of a shared edge get the same new corner.
 Vec3 CrossingPoint(const Vec3& front, double frontDistance, const Vec3& back, double backDistance, const Plane& plane) {
     Vec3 point = front + (back - front) * (frontDistance / (frontDistance - backDistance));
     for (int axis = 0; axis < 3; ++axis) {

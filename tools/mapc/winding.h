@@ -13,7 +13,7 @@ constexpr double SPLIT_EPSILON = 0.01;  // points nearer than this to a plane co
 enum class PlaneSide { Front, Back, On, Both };
 
 Winding BaseWinding(const Plane& plane);  // a square on the plane that reaches beyond every map
-// Where the points lie; points nearer than epsilon count for neither side.
+// On which side the points lie. Points nearer than epsilon count for neither side.
 PlaneSide ClassifyWinding(const Winding& winding, const Plane& plane, double epsilon = SPLIT_EPSILON);
 // The parts in front of and behind the plane, empty when there is none. A winding in the plane is in neither.
 void SplitWinding(const Winding& winding, const Plane& plane, Winding& front, Winding& back,

@@ -1,4 +1,4 @@
-// What an animator wants to know of a character: how evenly it moves in every state and from one state to another.
+// For animators: how evenly a character moves in every state and from one state to another.
 #pragma once
 
 #include "motion/transitions.h"
@@ -9,7 +9,7 @@ const char* NameOf(int32_t state);
 
 struct LoopMeasures {
     double closing = 0;   // largest distance from the end's pose to the start's
-    double symmetry = 0;  // of a joint to its mirrored twin half a cycle later
+    double symmetry = 0;  // largest distance of a joint from its mirrored twin half a cycle later
 };
 LoopMeasures MeasureLoop(Stage& stage, PlayerState state);
 

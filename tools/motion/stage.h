@@ -1,5 +1,5 @@
-// The character in the hands of the game itself, on a flat floor without end: its states, its drives, its blends and
-// its skinning, without a picture. What is measured here is what players see.
+// Runs the character with the game itself, on a flat floor without end: states, drives, blends and skinning, but no
+// picture. What is measured here is what players see.
 //
 // The game's tables are global, so there is one stage at a time.
 #pragma once
@@ -11,15 +11,16 @@
 #include <filesystem>
 #include <vector>
 
-constexpr float GROUND = -110.0f;  // of the frame of the actor's position: a model's origin, minus its `origin`
+// Height of the ground in the frame of the actor's position: minus the recipe's `origin`.
+constexpr float GROUND = -110.0f;
 
 // The character in one frame, in the frame of the actor's position: y up, facing -z, the right hand at -x.
 struct Moment {
     int32_t state = 0;
-    uint32_t time = 0;  // of its animation
+    uint32_t time = 0;  // time in its animation
     bool blends = false;
     bool onGround = false;
-    Vec3 travel{};  // of that frame over the floor since the moment before
+    Vec3 travel{};  // how far the actor moved over the floor since the moment before
     std::vector<Vec3> points;
     std::array<Transform, BONE_LIMIT> bones{};
 };
@@ -28,7 +29,7 @@ struct FrameInput {
     uint16_t controls = 0;  // CTL_...
     int32_t random = 0;     // the random word that the state's handler finds
     bool lands = false;     // the last move is taken to have touched level ground
-    bool stopped = false;   // a wall has taken all speed
+    bool stopped = false;   // a wall has stopped the character
 };
 
 class Stage {
@@ -39,7 +40,7 @@ public:
     Stage& operator=(const Stage&) = delete;
     ~Stage();
 
-    // A frame in two halves: states, clocks and the move; then the pose, into Now().
+    // A frame has two halves. Move: the states, the clocks and the move. Then the pose, which Now() returns.
     void Move(uint32_t ticks, const FrameInput& input);
     void Draw();
     void Frame(uint32_t ticks, const FrameInput& input) {
@@ -47,7 +48,7 @@ public:
         Draw();
     }
     int32_t State() const;
-    // Without moving or blending: a moment of a state's animation.
+    // The pose at a time of a state's animation, without moving or blending.
     Moment PoseAt(PlayerState state, uint32_t time);
     const Moment& Now() const { return now_; }
     uint32_t LengthOf(int32_t state) const;
@@ -78,6 +79,6 @@ private:
     PlayerFiles player_;
     std::array<std::vector<size_t>, 2> soles_;
     Moment now_;
-    Vec3 travel_{};       // of the latest frame
-    Vec3 shownTravel_{};  // of the frame before it: what is drawn lags behind by one
+    Vec3 travel_{};       // how far the actor moved in the latest frame
+    Vec3 shownTravel_{};  // the same of the frame before it: what is drawn lags behind by one
 };

@@ -10,18 +10,19 @@
 
 namespace {
 
-constexpr float DOWN = 1.5f;                  // a sole as near as that to the floor is down
-constexpr int EVERY_FRAME = 60;               // of a state, in which all keys are tried; later ones at times
-constexpr int AT_TIMES = 12;                  // frames between the later ones
+constexpr float DOWN = 1.5f;  // a sole counts as down within this distance of the floor, units
+constexpr int EVERY_FRAME =
+    60;                       // in this many first frames of a state all keys are tried; later ones only now and then
+constexpr int AT_TIMES = 12;  // frames between the later ones
 constexpr int LONGEST_STAY = 600;             // frames, beyond all that the handlers wait for
 constexpr int AFTER_BLEND = 3;                // frames that still belong to a change
-constexpr int32_t EVEN = 0x3FE, ODD = 0x3FF;  // random words that make a waiting handler act
+constexpr int32_t EVEN = 0x3FE, ODD = 0x3FF;  // random words that make a handler act that waits for one
 
 double Distance(const Vec3& a, const Vec3& b) {
     return std::hypot(double{a.x} - double{b.x}, double{a.y} - double{b.y}, double{a.z} - double{b.z});
 }
 
-// Of the sole's lowest point, if it is down in both moments.
+// How far the sole's lowest point slid, if it is down in both moments.
 double Slide(const std::vector<size_t>& sole, const Moment& before, const Moment& after) {
     const auto lower = [&](size_t a, size_t b) { return after.points[a].y < after.points[b].y; };
     const auto lowest = std::min_element(sole.begin(), sole.end(), lower);
@@ -64,7 +65,8 @@ public:
     }
 
 private:
-    // One frame more in the same state, by whatever keys keep it. False, and nothing done: it ends by itself.
+    // Plays one frame more in the same state, with whatever keys keep it. False: the state ends by itself; nothing was
+    // done.
     bool Stay() {
         const Stage::Snapshot before = stage_.Save();
         for (const uint16_t controls :
@@ -80,7 +82,8 @@ private:
         return false;
     }
 
-    // Without a blend a state looks the same whatever came before: one walk through it is enough.
+    // Whether no walk has come by here: without a blend a state looks the same whatever came before, so one walk is
+    // enough.
     bool IsNew(const Moment& moment) {
         if (moment.blends) return true;
         const auto [claim, isFirst] = walks_.try_emplace({moment.state, moment.time}, walk_);
@@ -146,9 +149,10 @@ private:
     uint16_t held_ = 0;
     Movement movement_;
     std::set<StatePair> known_;
-    std::map<std::pair<int32_t, uint32_t>, int> walks_;  // by state and time of its animation, the first to come by
+    std::map<std::pair<int32_t, uint32_t>, int>
+        walks_;  // for each state and time of its animation the walk that came by first
     int walk_ = 0;
-    std::deque<Stage::Snapshot> pending_;  // just after a change not yet looked behind
+    std::deque<Stage::Snapshot> pending_;  // the moments just after a change, from which the search has yet to go on
 };
 
 }  // namespace

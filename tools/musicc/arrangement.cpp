@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int STEPS_THAT_SWING = 4;            // of a beat
+constexpr int STEPS_THAT_SWING = 4;            // steps of a beat
 constexpr int64_t JOINING = SAMPLE_RATE / 10;  // the longest pause over which a note glides
 
 // Places the sections of a score one after the other.

@@ -8,17 +8,17 @@
 
 struct Note {
     int64_t start;   // samples from the start of the music
-    int64_t length;  // for which it is held
+    int64_t length;  // samples for which it is held
     float pitch;
     float fromPitch;   // from which it glides; its own when nothing came right before
     float level;       // its velocity and the section's ramp, as a factor
     float brightness;  // octaves added to the cutoff
-    uint32_t seed;     // of its noise
+    uint32_t seed;     // seed of its noise
 };
 
 struct Arrangement {
     int64_t length;                        // samples, after which the music begins again
-    std::vector<std::vector<Note>> parts;  // by instrument, in order of their starts
+    std::vector<std::vector<Note>> parts;  // for each instrument its notes in the order of their starts
 };
 
 Arrangement Arrange(const Score& score);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr size_t WARM_UP = 12 * SAMPLE_RATE;
 constexpr double CEILING = -1.0;  // dB
-constexpr double LOWEST = 25.0;   // Hz that are kept
+constexpr double LOWEST = 25.0;   // lowest frequency that is kept, Hz
 constexpr size_t LOOK_AHEAD = SAMPLE_RATE / 200;
 constexpr double LIMITER_RELEASE = 0.4;  // seconds to fall to a thousandth
 
@@ -116,7 +116,7 @@ private:
     std::array<float, LINES> gains_{};
 };
 
-float RoundOff(float value) {  // straight up to a half, and never above 1
+float RoundOff(float value) {  // identity up to a half, then curved, and never above 1
     const float size = std::abs(value);
     if (size <= 0.5f) return value;
     const float over = (size - 0.5f) * 2.0f;
@@ -158,7 +158,7 @@ double MeanPower(const Loop& sound) {
 std::vector<float> LeastAhead(const std::vector<float>& values) {
     const size_t size = values.size(), window = std::min(LOOK_AHEAD, size);
     std::vector<float> least(size);
-    std::deque<size_t> rising;  // places of values that may still become the least
+    std::deque<size_t> rising;  // indices of values that may still become the least
     for (size_t i = 2 * size; i-- > 0;) {
         while (!rising.empty() && values[rising.back() % size] >= values[i % size])
             rising.pop_back();

@@ -13,7 +13,7 @@ namespace {
 constexpr int OCTAVE = 12;
 constexpr float ACCENT = 1.3f, SOFT = 0.6f;
 
-// The class of "c", "f#", "bb" at the start of the text, which loses it; nothing when there is none.
+// Takes "c", "f#", "bb" from the start of the text and returns its pitch class; nothing when there is none.
 std::optional<int> TakeClass(std::string_view& text) {
     constexpr int CLASSES[] = {9, 11, 0, 2, 4, 5, 7};  // a to g
     if (text.empty() || text[0] < 'a' || text[0] > 'g') return {};

@@ -10,7 +10,7 @@
 std::optional<int> ParseNote(std::string_view text);
 
 struct Chord {
-    std::vector<int> classes;  // of its tones, 0..11 above c, each once
+    std::vector<int> classes;  // pitch classes of its tones, 0..11 above c, each once
     int bass;                  // the class of its lowest tone
 };
 // "Em", "C", "F#m7", "Bbmaj7", "G/B"; nothing for what is no chord.

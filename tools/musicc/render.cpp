@@ -62,7 +62,7 @@ int16_t ToSample(float value) {
     return static_cast<int16_t>(std::lrintf(std::clamp(value, -1.0f, 1.0f) * 32767.0f));
 }
 
-// What the sound library writes to, until the whole of it goes to disk.
+// A file in memory that the sound library writes to, until all of it goes to disk.
 struct MemoryFile {
     std::vector<uint8_t> bytes;
     size_t position = 0;

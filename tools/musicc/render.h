@@ -1,4 +1,4 @@
-// A score as sound.
+// Renders a score as sound.
 #pragma once
 
 #include "musicc/score.h"
@@ -9,5 +9,5 @@
 
 // Stereo samples of 16 bits, left first. The last leads on to the first.
 std::vector<int16_t> RenderScore(const Score& score);
-// The name's end says how: .flac, .ogg or .wav.
+// The end of the name chooses the format: .flac, .ogg or .wav.
 void WriteSound(const std::filesystem::path& path, const std::vector<int16_t>& samples);

@@ -19,7 +19,7 @@ std::vector<std::string> Words(const std::string& text) {
     return words;
 }
 
-// The position of the one with this name.
+// The index of the list's element with this name.
 template <typename Named>
 size_t Find(const std::vector<Named>& all, const std::string& name, const Settings& from, const std::string& key) {
     for (size_t i = 0; i < all.size(); ++i)
@@ -32,8 +32,10 @@ EnvelopeTimes LoadEnvelope(const Settings& from, const std::string& key, const E
     const std::vector<float> times =
         from.Numbers(key, 4, {fallback.attack, fallback.decay, fallback.sustain, fallback.release});
     for (const float time : times)
-        if (time < 0.0f || time > 20.0f) from.RefuseKey(key, "is out of range", "give 0 to 20 for each number");
-    if (times[2] > 1.0f) from.RefuseKey(key, "sustains above 1", "give 0 to 1 for the third number");
+        if (time < 0.0f || time > 20.0f)
+            from.RefuseKey(key, fmt::format("holds {}", time), "give 0 to 20 for each number");
+    if (times[2] > 1.0f)
+        from.RefuseKey(key, fmt::format("sustains at {}", times[2]), "give 0 to 1 for the third number");
     return {times[0], times[1], times[2], times[3]};
 }
 
@@ -42,7 +44,7 @@ std::vector<float> LoadNumbers(const Settings& from, const std::string& key, siz
     const std::vector<float> numbers = from.Numbers(key, count, fallback);
     for (const float number : numbers)
         if (number < 0.0f || number > most)
-            from.RefuseKey(key, "is out of range", fmt::format("give 0 to {} for each number", most));
+            from.RefuseKey(key, fmt::format("holds {}", number), fmt::format("give 0 to {} for each number", most));
     return numbers;
 }
 
@@ -141,7 +143,8 @@ Ramp LoadRamp(const Settings& from, const Score& score) {
     const std::vector<float> gain = from.Numbers("gain", 2, {0.0f, 0.0f});
     const std::vector<float> brightness = from.Numbers("brightness", 2, {0.0f, 0.0f});
     for (const float number : {gain[0], gain[1], brightness[0], brightness[1]})
-        if (number < -60.0f || number > 24.0f) from.RefuseTable("a ramp is out of range", "give -60 to 24");
+        if (number < -60.0f || number > 24.0f)
+            from.RefuseTable(fmt::format("a ramp holds {}", number), "give -60 to 24");
     const Ramp ramp{Find(score.instruments, from.NeedText("instrument"), from, "instrument"),
                     {gain[0], gain[1]},
                     {brightness[0], brightness[1]}};
@@ -151,7 +154,7 @@ Ramp LoadRamp(const Settings& from, const Score& score) {
 
 Section LoadSection(const Settings& from, const Score& score) {
     Section section;
-    from.Text("name", "");  // for whoever reads the score
+    from.Text("name", "");  // read so that it is a known key; only people use it
     section.bars = from.NeedInt("bars", 1, 512);
     section.chordBeats = from.Int("chord_beats", score.beatsPerBar, 1, 64);
     section.chords = LoadChords(from);

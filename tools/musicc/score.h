@@ -10,12 +10,12 @@
 
 struct Synth {
     WaveShape shape;
-    int voices = 1;        // of the wave, detuned against each other
+    int voices = 1;        // how often the wave sounds at once, detuned
     float detune = 10.0f;  // cents from the lowest voice to the highest
-    float spread = 0.5f;   // of the voices between left and right
+    float spread = 0.5f;   // how far the voices lie apart between left and right
     float sub = 0.0f;      // level of a sine an octave lower
     float noise = 0.0f;
-    float index = 0.0f;  // of fm, in turns, at the modulation envelope's height
+    float index = 0.0f;  // modulation of fm, in turns, at the modulation envelope's height
     FilterKind filter = FilterKind::Low;
     float cutoff = 20000.0f;  // Hz
     float resonance = 0.0f;
@@ -32,8 +32,8 @@ struct Drum {
     std::vector<float> tone;  // Hz at first, Hz at last, seconds of the fall between
     float toneDecay = 0.2f, toneLevel = 1.0f;
     float noiseLevel = 0.0f, noiseDecay = 0.1f;
-    std::vector<float> band;  // of the noise, lowest and highest Hz
-    int bursts = 1;           // of the noise, 11 ms apart
+    std::vector<float> band;  // lowest and highest Hz of the noise
+    int bursts = 1;           // bursts of the noise, 11 ms apart
 };
 
 struct Instrument {

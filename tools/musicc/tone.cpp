@@ -12,7 +12,7 @@ constexpr double OCTAVES_OF_A_THOUSANDTH = 9.965784284662087;
 constexpr double DECIBELS_AN_OCTAVE = 6.020599913279624;
 constexpr double HIGHEST_CUTOFF = 0.45 * SAMPLE_RATE;
 
-// What a jump by 2 at phase 0 lacks to be rounded within a step on each side of it.
+// The correction that rounds a jump by 2 at phase 0 within a step on each side of it.
 double Corner(double phase, double step) {
     if (phase < step) {
         const double x = phase / step;

@@ -26,8 +26,8 @@ enum class Wave { Sine, Triangle, Saw, Pulse, Fm };
 
 struct WaveShape {
     Wave wave = Wave::Saw;
-    float width = 0.5f;  // of a pulse: the share of the cycle that is high
-    float ratio = 1.0f;  // of fm: the modulator's frequency to the carrier's
+    float width = 0.5f;  // a pulse: the share of the cycle that is high
+    float ratio = 1.0f;  // fm: the modulator's frequency to the carrier's
 };
 
 // One value of a wave: `phase` and the `step` it makes a sample are in turns, 0 <= phase < 1; `shift`, in turns, is

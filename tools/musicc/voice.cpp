@@ -9,7 +9,7 @@ namespace {
 constexpr int MOST_VOICES = 9;
 constexpr int64_t CONTROL_STEP = 32;  // samples between changes of pitch and cutoff
 constexpr int64_t LONGEST_TAIL = 30 * SAMPLE_RATE;
-constexpr double HIGHEST_STEP = 0.5;  // turns a sample: what is higher cannot be played
+constexpr double HIGHEST_STEP = 0.5;  // turns a sample; nothing higher can be played
 constexpr double MIDDLE_C = 60.0;
 constexpr int64_t BURST_STEP = SAMPLE_RATE * 11 / 1000;
 
@@ -20,8 +20,8 @@ struct Stereo {
 // One of the detuned voices of a note.
 struct Strand {
     double phase, modulator;  // turns
-    double ratio;             // of its frequency to the note's
-    Stereo share;             // of it in left and right
+    double ratio;             // its frequency to the note's
+    Stereo share;             // its share in left and right
 };
 
 class SynthNote {
@@ -34,7 +34,8 @@ public:
             const float side = count > 1 ? 2.0f * static_cast<float>(i) / static_cast<float>(count - 1) - 1.0f : 0.0f;
             const float pan = (i % 2 == 0 ? side : -side) * synth.spread;
             strands_[static_cast<size_t>(i)] = {
-                count > 1 ? static_cast<double>(noise_.Next()) * 0.5 + 0.5 : 0.0,  // they do not begin in step
+                count > 1 ? static_cast<double>(noise_.Next()) * 0.5 + 0.5
+                          : 0.0,  // the strands begin at different phases
                 0.0,
                 PowerOfTwo(static_cast<double>(side * synth.detune) * 0.5 / 1200.0),
                 {level * std::sqrt(0.5f - 0.5f * pan), level * std::sqrt(0.5f + 0.5f * pan)}};

@@ -13,9 +13,9 @@ Rgba Scaled(const Rgba& colour, int part);                // part 256: unchanged
 // Even steps through a list of colours; place 0..length-1.
 Rgba Ramp(const std::vector<Rgba>& colours, int place, int length);
 void Blend(Image& image, int x, int y, const Rgba& colour, int part);  // ignored outside
-// Where `shape` is, mixes in colours that run from the top of the rectangle to its bottom. part 0..255.
+// Mixes colours that run from the top of the rectangle to its bottom into the pixels that `shape` covers. part 0..255.
 void BlendShape(Image& image, const Coverage& shape, const Rectangle& area, const std::vector<Rgba>& colours, int part,
                 int dx = 0, int dy = 0);
 // A rectangle with round corners; `inside` shrinks it on all sides.
 Coverage RoundedBox(int width, int height, const Rectangle& box, int radius, int inside = 0);
-Image Shrink(const Image& image, int factor);  // averages; what does not fill a whole pixel is left out
+Image Shrink(const Image& image, int factor);  // averages; columns and rows that do not fill a whole pixel are left out

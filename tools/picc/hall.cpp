@@ -9,7 +9,7 @@ namespace {
 constexpr float FOCAL_LENGTH = 420;  // pixels
 constexpr float UNITS_A_TEXEL = 2;
 constexpr float FARTHEST = 1e6F;
-constexpr int SAMPLES = 3;  // a side; the far texels would flicker otherwise
+constexpr int SAMPLES = 3;  // samples along a pixel's side: with fewer the far texels would flicker
 
 int Wrap(float units, int size) {
     const int texel = static_cast<int>(units / UNITS_A_TEXEL) % size;

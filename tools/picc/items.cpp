@@ -93,7 +93,7 @@ TextStyle ReadStyle(const Settings& item, float size) {
     return {item.Text("font", "DejaVuSans"), item.Number("size", size, 6, 200), item.Number("spacing", 0, -10, 60)};
 }
 
-// Draws letters with what belongs around them: shadow, outline, a gradient over their height.
+// Draws letters with their shadow, their outline and a gradient over their height.
 void PaintLetters(Painter& painter, const Settings& item, const Coverage& letters, const Rectangle& height) {
     const int outline = item.Int("outline", 0, 0, 8);
     const int shadow = item.Int("shadow", 0, 0, 20);

@@ -1,4 +1,4 @@
-// The kinds of things a picture is made of. Each reads its own settings and paints onto the picture.
+// The kinds of items that a picture is made of. Each reads its own settings and paints onto the picture.
 #pragma once
 
 #include "formats/image.h"
@@ -16,5 +16,5 @@ struct Painter {
     const Image& Texture(const Settings& item, const std::string& name);
 };
 
-// Reads the key `kind` and paints.
+// Paints the item of the key `kind`.
 void PaintItem(Painter& painter, const Settings& item);

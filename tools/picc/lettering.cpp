@@ -92,7 +92,7 @@ Lettering::Lettering(std::filesystem::path fontFolder)
 }
 
 Lettering::~Lettering() {
-    FT_Done_FreeType(library_->handle);  // and its faces
+    FT_Done_FreeType(library_->handle);  // releases its faces, too
 }
 
 void* Lettering::Face(const Settings& where, const TextStyle& style) {

@@ -1,4 +1,4 @@
-// From the description of a sky, a .toml, to the static object that the game draws.
+// Makes, from the description of a sky (.toml), the static object that the game draws.
 #pragma once
 
 #include "formats/material_list.h"

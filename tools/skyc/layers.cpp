@@ -11,7 +11,7 @@ namespace {
 
 constexpr int SEGMENTS_MOST = 64;
 
-// A ring of a surface of revolution: how far from the axis, and how high.
+// A ring of a surface of revolution: its distance from the axis, and its height.
 struct Ring {
     double reach = 0, height = 0;
     bool IsPoint() const { return reach < 1e-6; }
@@ -22,7 +22,7 @@ struct Mapping {
     std::vector<std::string> materials;  // side by side around the eye, again and again
     int around = 1;                      // pictures side by side
     double top = 0, bottom = 1;          // part of the picture's height that the strip shows
-    double flat = 0;                     // otherwise: laid on from above, a picture every so many units
+    double flat = 0;                     // not 0: laid on from above, a picture every so many units
 };
 
 struct Turning {

@@ -5,7 +5,7 @@
 #include "skyc/sky_shape.h"
 
 constexpr float SKY_NEAREST = 100;  // distance from the eye
-constexpr float SKY_RADIUS = 1500;  // of layers that name none; the accelerator's fog begins at 1900
+constexpr float SKY_RADIUS = 1500;  // radius of layers that name none; the accelerator's fog begins at 1900
 
 // Bands around the eye from one elevation to the next. All bands of a dome meet without a gap.
 void AddDome(const Settings& layer, float radius, SkyShape& shape);
@@ -15,7 +15,7 @@ void AddSheet(const Settings& layer, SkyShape& shape);
 void AddDisc(const Settings& layer, float radius, SkyShape& shape);
 // Many small pictures, scattered evenly.
 void AddStars(const Settings& layer, float radius, SkyShape& shape);
-// ContentError for more polygons than a sky may have, in time to make no more of them.
+// ContentError for more polygons than a sky may have; called before each layer makes more of them.
 void CheckCount(size_t polygons, const Settings& layer);
-// A mesh out of a .glb, beside the description.
+// Adds a mesh from a .glb beside the description.
 void AddModel(const Settings& layer, SkyShape& shape);

@@ -14,7 +14,7 @@ namespace {
 constexpr float UNITS_PER_METRE = 100;
 constexpr double MOST_REPEATS = 1000;
 
-// From the model to the sky: its front, +z, is where the player comes from.
+// Adds a model to the sky. The model's front, +z, points to where the player comes from.
 class ModelLayer {
 public:
     ModelLayer(const Settings& layer, const std::filesystem::path& path, double scale, double bearing)

@@ -18,7 +18,7 @@ struct SkyPolygon {
     std::string material;
     std::vector<SkyCorner> corners;
     bool fitted = false;  // one picture, or a part of one: its opposite side must not show at the border
-    int line = 0;         // of its layer in the description
+    int line = 0;         // line of its layer in the description
 };
 
 using SkyShape = std::vector<SkyPolygon>;

@@ -30,7 +30,7 @@ std::vector<float> BlurLine(const Canvas& canvas, const std::vector<float>& fiel
 
 float LightAt(const Canvas& canvas, const std::vector<float>& around, const Finish& finish, int column, int row) {
     const auto tall = [&](int dx, int dy) { return canvas.tall[canvas.Index(column + dx, row + dy)]; };
-    // Texels of rise a texel, seen from the upper left; steep edges must not burn out.
+    // Texels of rise for each texel toward the lower right; limited, so that steep edges do not become white.
     const float slope = (tall(1, 0) - tall(-1, 0) + tall(0, 1) - tall(0, -1)) * (0.5F * SAMPLES);
     const float soft = slope / (1 + (slope < 0 ? -slope : slope) * 0.6F);
     const float hollow = around[canvas.Index(column, row)] - tall(0, 0);

@@ -19,7 +19,7 @@ Rgba ToRgba(const PaletteColour& colour) {
     return {byte(0), byte(1), byte(2), 255};
 }
 
-// Darker it fades to the dark colour, brighter to white, bright colours more.
+// Below UNCHANGED the colour fades to the dark colour, above it to white; bright colours fade more.
 Rgba Lit(const PaletteColour& colour, int level, const std::array<int, 3>& dark) {
     const int sum = colour[0] + colour[1] + colour[2];
     PaletteColour lit;

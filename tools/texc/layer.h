@@ -22,12 +22,12 @@ private:
     std::vector<float> area_;    // x, y, width, height: drawn only there; empty: everywhere
     std::vector<float> origin_;  // x, y: moves the pattern
     std::vector<float> scroll_;  // texels the pattern moves in one animation cycle
-    std::vector<float> repeat_;  // width, height: the pattern is drawn that small and repeated; empty: once
+    std::vector<float> repeat_;  // width, height at which the pattern is drawn and repeated; empty: once
     bool mirrorX_, mirrorY_, mirrorDiagonal_;
     bool perCell_;  // every brick below gets a variant of its own
-    float wobble_;  // texels by which lines waver
+    float wobble_;  // texels by which straight lines waver
     int wobbleCells_;
-    std::vector<float> cut_;  // value at which it begins and is full; empty: always full
+    std::vector<float> cut_;  // the values at which it begins and at which it is full; empty: always full
 };
 
 class Layer {

@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr Rgba SKIN_COLOUR{176, 160, 144, 255};  // of a level without a skin
-constexpr int SKIN_WEIGHT = 4;                   // in the choice of the palette: it is what players look at
+constexpr Rgba SKIN_COLOUR{176, 160, 144, 255};  // colour of the skin's textures in a level without a skin
+constexpr int SKIN_WEIGHT = 4;  // how often the skin's texels count for the palette, since players look at them most
 
 Image LoadPicture(const std::filesystem::path& folder, const std::string& name, int pictures) {
     const std::filesystem::path path = folder / (name + ".png");
@@ -44,7 +44,7 @@ unsigned CutoutFlag(const Image& image) {
     return std::any_of(image.pixels.begin(), image.pixels.end(), IsHole) ? MATERIAL_CUTOUT : 0U;
 }
 
-// Mean colour of what is not hole, and how much that is.
+// Sets the mean colour of the texels that are not holes, and their share.
 void SetLook(const Image& image, Material& material) {
     unsigned red = 0;
     unsigned green = 0;

@@ -28,7 +28,7 @@ struct LevelTextures {
     std::string animated;  // moving material, or empty
     std::vector<std::string> materials;
     std::vector<std::string> skin = {};     // pictures of the character's skin, or none
-    std::map<std::string, int> light = {};  // of materials that shed some, see the material list
+    std::map<std::string, int> light = {};  // the light that materials shed; see the material list
 };
 
 struct NamedPicture {

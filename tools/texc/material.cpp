@@ -16,8 +16,8 @@ struct Studio::Recipe {
 
 namespace {
 
-constexpr size_t MAX_DEPTH = 4;     // of recipes that show others
-constexpr size_t MAX_LAYERS = 256;  // of a recipe and its bases
+constexpr size_t MAX_DEPTH = 4;     // how deep recipes may show others
+constexpr size_t MAX_LAYERS = 256;  // layers of a recipe and its bases together
 
 int ReadSide(const Settings& text, size_t index) {
     const float side = text.Numbers("size", 2, {128, 128})[index];

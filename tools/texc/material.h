@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-constexpr int ANIMATION_PICTURES = 4;  // of a moving material, shown in turn
+constexpr int ANIMATION_PICTURES = 4;  // pictures of a moving material, shown in turn
 
 struct PaintedMaterial {
     Image picture;  // alpha 0 or 255; the pictures of a moving material stand below each other
@@ -24,7 +24,7 @@ PaintedMaterial PaintMaterial(const std::filesystem::path& recipe);
 // show it.
 class Studio {
 public:
-    // What a key names, beside the recipe that the settings are of. They last as long as the studio.
+    // The picture or recipe that a key names, looked for beside the recipe of `from`. It lasts as long as the studio.
     const Image& Picture(const Settings& from, const std::string& key);
     const Image& Material(const Settings& from, const std::string& key);
 

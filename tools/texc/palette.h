@@ -21,7 +21,7 @@ constexpr int PALETTE_WHITE = 255;
 struct PaletteWishes {
     struct Picture {
         const Image* image;
-        int weight;  // texels count that often
+        int weight;  // how often each texel counts
     };
     std::vector<Picture> pictures;
     Rgba dark, ground;  // what unlit surfaces fade to; see PALETTE_GROUND

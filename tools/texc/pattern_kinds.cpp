@@ -2,6 +2,8 @@
 
 #include "texc/material.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -22,7 +24,7 @@ float Length(float x, float y) {
     return std::sqrt(x * x + y * y);
 }
 
-// Shortest way from a to b on a line that repeats after `period`.
+// The shortest way from a to b, with its sign, on a line that repeats after `period`.
 float Around(float a, float b, float period) {
     const float way = WrapFloat(b - a, period);
     return way > period / 2 ? way - period : way;
@@ -33,7 +35,7 @@ int NeedCount(const Settings& settings, const char* key, size_t index, int fallb
         settings.Numbers(key, 2, {static_cast<float>(fallback), static_cast<float>(fallback)});
     const float value = numbers[index];
     if (value < 1 || value > 256 || value != static_cast<float>(static_cast<int>(value))) {
-        settings.RefuseKey(key, "is not a pair of whole numbers", "give two numbers from 1 to 256");
+        settings.RefuseKey(key, fmt::format("holds {}", value), "give two whole numbers from 1 to 256");
     }
     return static_cast<int>(value);
 }
@@ -41,7 +43,8 @@ int NeedCount(const Settings& settings, const char* key, size_t index, int fallb
 std::vector<float> NeedPairs(const Settings& settings, const char* key, size_t leastPairs) {
     std::vector<float> numbers = settings.Numbers(key);
     if (numbers.size() % 2 != 0 || numbers.size() < leastPairs * 2) {
-        settings.RefuseKey(key, "is not a list of places", "write it as [[x, y], [x, y], ...]");
+        settings.RefuseKey(key, fmt::format("has {} numbers", numbers.size()),
+                           fmt::format("write it as [[x, y], [x, y], ...], {} places or more", leastPairs));
     }
     return numbers;
 }

@@ -128,7 +128,7 @@ TEST_F(ForeignCharacter, FaultsAreNamedAndNothingIsWritten) {
         {"'Bip.000', 'Bip.001'", "'Bip.001', 'Bip.000'", "'Bip.000' outside the root"},
         {"take 1", "jump", "has no animation 'Armature|jump'"},
         {"zerorun.anm", "zerowalk.anm", "makes zerowalk.anm twice"},
-        {"zerorun.anm", "zeerorun.anm", "is none that the game loads"},
+        {"zerorun.anm", "zeerorun.anm", "is 'zeerorun.anm', which the game does not load"},
         {"zeroidle.anm'", "zeroidle.anm'\nlopp = true", "lopp"},
         {"[10, 110,", "[20, 110,", "do not rise from 10 to 410"},
         {"310, 410]", "310, 400]", "do not rise from 10 to 410"},

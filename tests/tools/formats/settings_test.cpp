@@ -67,7 +67,7 @@ TEST(Settings, MessagesQuoteALittleOfWhatTheyRefuse) {
     ExpectRefusal("'" + start + "...' is not known", [&] { Settings::Parse(text, "a.toml").Choice("k", "", {"red"}); });
     ExpectRefusal("'?[2J' is not known",
                   [] { Settings::Parse("k = \"\\u001B[2J\"\n", "a.toml").Choice("k", "", {"red"}); });
-    ExpectRefusal("is too long a list", [] {
+    ExpectRefusal("has 4097 entries or more: 4096 are the most", [] {
         std::string list = "n = [0";
         for (int i = 0; i < 4096; ++i)
             list += ",0";

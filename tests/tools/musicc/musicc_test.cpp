@@ -73,7 +73,7 @@ TEST(Musicc, ErrorsNameFileLineAndRemedy) {
         {With("tempo", "temop"), "piece.toml:1: 'temop' is not known here"},
         {With("voices = 3", "voices = 30"), "piece.toml:14: 'voices' "},
         {With("[10, 5, 0.1]", "[10, 5]"), "piece.toml:17: 'vibrato' has 2 numbers"},
-        {With("0.6, 0.8]", "6, 0.8]"), "piece.toml:19: 'amplitude' sustains above 1"},
+        {With("0.6, 0.8]", "6, 0.8]"), "piece.toml:19: 'amplitude' sustains at 6: give 0 to 1"},
         {With("= \"kick\"\nhits", "= \"kik\"\nhits"), "piece.toml:26: 'instrument' names 'kik'"},
         {With("X...x...", "X...x.."), "piece.toml:27: 'hits' has 15 steps in bar 1: a bar has 16"},
         {With("o...", "o..y"), "piece.toml:27: 'hits' has 'y' in bar 1"},

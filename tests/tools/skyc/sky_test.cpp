@@ -122,7 +122,7 @@ TEST(Sky, BadDescriptionsAreRefusedWithTheirPlace) {
         {"\n" + band + "material = 'green'\n", "sky.toml:2: the level has no material 'green'"},
         {band + "material = 'sky'\n", "'sky' is never drawn"},
         {band + "material = 'blue'\nradios = 3\n", "sky.toml:5: 'radios' is not known here"},
-        {"[[layer]]\nkind = 'disc'\nmaterial = 'star'\nradius = 7000\n", "'radius' is not a fitting number"},
+        {"[[layer]]\nkind = 'disc'\nmaterial = 'star'\nradius = 7000\n", "'radius' is 7000: give a number"},
         {"[[layer]]\nkind = 'disc'\nmaterial = 'star'\nradius = 6000\n", "has a corner 60"},
         {"[[layer]]\nkind = 'stars'\nmaterial = 'star'\ncount = 990\n" + DOME,
          "the sky has 1014 polygons up to this layer"},
