@@ -6,7 +6,7 @@
 #include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
-#include "math/vectors.h"
+#include "math/vector_operators.h"
 #include "memory/system.h"
 #include "platform/timer.h"
 #include "player/player.h"

@@ -1,5 +1,5 @@
 // sky.sob of a small world: what is loaded can be seen from every side.
-#include "math/vectors.h"
+#include "math/world_planes.h"
 #include "platform/timer.h"
 #include "support/game_file.h"
 #include "support/small_world.h"

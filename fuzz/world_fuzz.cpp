@@ -1,6 +1,6 @@
 // A world file: what LoadBspWorld accepts can be measured, looked at from anywhere, drawn, probed and walked.
 #include "camera/camera.h"
-#include "math/vectors.h"
+#include "math/world_planes.h"
 #include "platform/timer.h"
 #include "records/character_records.h"
 #include "render/render_tables.h"

@@ -9,7 +9,7 @@
 #include "character/skin.h"
 #include "lights/light_slots.h"
 #include "math/convert.h"
-#include "math/vectors.h"
+#include "math/world_planes.h"
 #include "platform/timer.h"
 #include "player/player.h"
 #include "render/fog.h"

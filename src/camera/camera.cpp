@@ -1,5 +1,6 @@
 #include "camera/camera.h"
 
+#include "camera/camera_tables.h"
 #include "character/character_tables.h"
 #include "math/convert.h"
 #include "math/vectors.h"

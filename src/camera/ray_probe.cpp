@@ -1,6 +1,6 @@
 #include "camera/camera.h"
 #include "math/convert.h"
-#include "math/vectors.h"
+#include "math/world_planes.h"
 #include "world/world_tables.h"
 
 #include <cmath>

@@ -1,6 +1,7 @@
 #include "character/mesh.h"
 
 #include "math/vectors.h"
+#include "math/world_planes.h"
 #include "memory/fatal.h"
 #include "memory/files.h"
 #include "memory/image.h"

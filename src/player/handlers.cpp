@@ -29,8 +29,8 @@ constexpr int32_t USUAL_BLEND = 75;
 constexpr int32_t NO_BLEND = 0;
 constexpr uint32_t CROUCH_START = 30;  // a jump leaves out the beginning of the crouch
 constexpr int32_t CROUCH_BLEND = 10;   // the blend into a crouch ends at this time of its animation
-constexpr uint32_t LANDING_START =
-    40;  // a leap that goes over into the run leaves out this much of the run's animation
+// A leap that goes over into the run leaves out this much of the run's animation.
+constexpr uint32_t LANDING_START = 40;
 
 // A fidget begins when (Rand() & bits) + the ticks spent in the state exceed the limit.
 constexpr int32_t STAND_RANDOM_BITS = 0x3FF;

@@ -4,6 +4,7 @@
 #include "host/glide.h"
 #include "math/convert.h"
 #include "math/vectors.h"
+#include "math/world_planes.h"
 #include "platform/timer.h"
 #include "render/device/device.h"
 #include "render/render_tables.h"

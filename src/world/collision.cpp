@@ -2,7 +2,7 @@
 
 #include "app/app_tables.h"
 #include "math/convert.h"
-#include "math/vectors.h"
+#include "math/world_planes.h"
 #include "memory/fatal.h"
 #include "platform/timer.h"
 #include "records/character_records.h"

@@ -7,7 +7,7 @@
 #include "camera/camera_tables.h"
 #include "input/devices.h"
 #include "interfaces/display.h"
-#include "math/vectors.h"
+#include "math/world_planes.h"
 #include "memory/system.h"
 #include "platform/input.h"
 #include "platform/timer.h"

@@ -2,7 +2,6 @@
 #include "character/skin.h"
 
 #include "formats/character_files.h"
-#include "math/vectors.h"
 #include "support/pool_fixture.h"
 #include "support/throwing_fatal.h"
 #include "support/tiny_world.h"

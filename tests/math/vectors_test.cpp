@@ -1,5 +1,6 @@
 #include "math/convert.h"
 #include "math/vectors.h"
+#include "math/world_planes.h"
 
 #include "camera/camera_tables.h"
 #include "support/tiny_world.h"

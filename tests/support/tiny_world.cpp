@@ -1,6 +1,6 @@
 #include "support/tiny_world.h"
 
-#include "math/vectors.h"
+#include "math/world_planes.h"
 
 #include <algorithm>
 

@@ -4,6 +4,7 @@
 #include "character/character_tables.h"
 #include "math/convert.h"
 #include "math/vectors.h"
+#include "math/world_planes.h"
 #include "platform/timer.h"
 #include "render/lines.h"
 #include "render/pipeline.h"

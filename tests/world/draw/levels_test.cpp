@@ -1,7 +1,9 @@
 // The compiled levels, seen as the game sees them: from places over their floors nothing near is hidden by what is far.
 #include "app/app_tables.h"
+#include "camera/camera_tables.h"
 #include "host/files.h"
 #include "math/vectors.h"
+#include "math/world_planes.h"
 #include "platform/timer.h"
 #include "render/render_tables.h"
 #include "render/textures.h"
