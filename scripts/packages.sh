@@ -148,7 +148,7 @@ remedy() {
 log=$(mktemp) || exit 1
 trap 'rm -f "$log"' EXIT
 if command -v apt-get >/dev/null && { [ "$(id -u)" = 0 ] || command -v sudo >/dev/null; }; then
-    # Twice: what clang brings along shows only once it is here.
+    # Two passes: which runtime package is missing is known only once clang is installed.
     for _ in 1 2; do
         [ ${#names[@]} = 0 ] && break
         echo "Installing ${packages[*]}"

@@ -29,6 +29,7 @@ bool EqualWithoutCase(std::string_view a, std::string_view b) {
 // differs in case only. Without either, `name` itself.
 std::string MatchName(const std::string& folder, const std::string& name) {
     std::error_code error;
+    // Kept as it is: the game's paths are in mixed case, and found whatever the case of the file's letters.
     if (fs::symlink_status(fs::path(folder) / name, error).type() != fs::file_type::not_found) return name;
     std::string best;
     fs::directory_iterator entry(folder, error);

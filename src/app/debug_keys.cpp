@@ -21,6 +21,7 @@ constexpr float LIGHT_STEP = 0.02f;
 constexpr int32_t LIGHT_MODE_MASK = 3;
 
 void ToggleFog() {
+    // Kept as it is: the first press gives outlines, because FogSwitch starts on.
     FogSwitch = FogSwitch == 0 ? 1 : 0;
     if (GlideActive()) SetFogSwitchStates(FogSwitch != 0);
 }
@@ -39,6 +40,7 @@ void DistanceKeys() {
     if (KeyDown(DIK_L) && FarDistance < FAR_DISTANCE_MIN) FarDistance = FAR_DISTANCE_MIN;
     const bool fadeHeld = StepDistance(FadeDistance, DIK_I, DIK_K);
     const bool nearHeld = StepDistance(FogNearDistance, DIK_U, DIK_J);
+    // Kept as it is: the fade distance is held, and the near distance has no lower end.
     if (FadeDistance < FogNearDistance) FadeDistance = FogNearDistance;
     if (GlideActive() && (farHeld || fadeHeld || nearHeld)) ReloadFogTable();
 }
@@ -60,6 +62,7 @@ void DebugKeys() {
     if (KeyHit(DIK_F8))
         std::printf("Camera Coords     %d, %d, %d \n", TruncToInt(CameraPos.x), TruncToInt(CameraPos.y),
                     TruncToInt(CameraPos.z));
+    // Kept as it is: without ApplyLightLevel, so software shows it only after the next change of a light level.
     if (KeyHit(DIK_D)) LightMode = (LightMode + 1) & LIGHT_MODE_MASK;
     if ((Controls & CTL_RCTRL) != 0) FireShot();
     if (KeyHit(DIK_F5)) CameraMode = CAMERA_FOLLOW;

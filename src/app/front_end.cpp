@@ -30,6 +30,7 @@ void ShowAttractPicture(uint32_t picture) {
 void AttractStep() {
     PollKeyboard(Input);
     PollMouse(Input);
+    // Kept as it is: Space held goes before Escape pressed.
     if (KeyDown(START_KEY))
         GameMode = MODE_START;
     else if (KeyHit(DIK_ESCAPE) || KeyHit(DIK_LWIN) || KeyHit(DIK_RWIN) || KeyHit(DIK_APPS))
@@ -64,6 +65,7 @@ bool ChooseLevel() {
     while (CurrentLevel == -1) {
         PollKeyboard(Input);
         if (KeyHit(DIK_ESCAPE)) return false;
+        // Kept as it is: of several keys held the last one of the row counts.
         for (int level = 0; level < LEVEL_COUNT; level++)
             if (KeyDown(LevelKeys[level])) CurrentLevel = level;
     }
@@ -79,6 +81,7 @@ bool ChooseRenderer() {
         const bool software = KeyHit(SOFTWARE_KEY);
         const bool accelerator = KeyHit(ACCELERATOR_KEY);
         if (!software && !accelerator) continue;
+        // Kept as it is: both keys in one poll choose the accelerator.
         UseGlide = accelerator ? 1 : 0;
         return true;
     }

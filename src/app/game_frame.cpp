@@ -40,6 +40,7 @@ bool LockTarget() {
 // Rewrites all stamps at 0 and 32768: a stamp of 65536 frames ago, or one never written, must not equal FrameCount.
 void CountFrame() {
     FrameCount++;
+    // Kept as it is: FrameCount wraps to 0.
     if (FrameCount == 0) FillStamps(0xFFFF);
     if (FrameCount == 0x8000) FillStamps(0);
 }
@@ -92,6 +93,7 @@ bool GameFrame() {
     const bool locked = LockTarget();
     SummariseMouse();
     BuildControls();
+    // Kept as it is: the depth buffer ends beyond a depth of about 6028, where nothing is drawn.
     DepthScale = GLIDE_DEPTH_RANGE / std::max(FAR_DISTANCE_MIN, FarDistance);
     UpdateCamera();
     ClearFrame();

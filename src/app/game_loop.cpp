@@ -29,6 +29,7 @@ void GameStep() {
     PollKeyboard(Input);
     PollMouse(Input);
     const bool hostEnds = GameFrame();
+    // Kept as it is: Escape is read after the frame, and the Windows keys after Escape win.
     if (KeyDown(DIK_ESCAPE)) GameMode = MODE_LEAVE;
     if (KeyDown(DIK_LWIN) || KeyDown(DIK_RWIN) || KeyDown(DIK_APPS) || hostEnds) GameMode = MODE_QUIT;
 }
@@ -70,6 +71,7 @@ bool StartGame() {
     SwapScreen();
     MouseInput = {};  // otherwise the mouse motion of the previous game's last frame would move the camera
     UpdateCamera();
+    // Kept as it is: the first frame has 0 ticks, and the time of loading counts into the second.
     MeasuredTicks = 0;
     FrameTicks = 0;
     return true;

@@ -88,5 +88,6 @@ void LoadLevel(int32_t index) {
 }
 
 void ResetToLevelStart() {
+    // Kept as it is: the velocity is left as it is.
     PlayerActor.position = LevelTable[LoadedLevel].start;
 }

@@ -38,6 +38,7 @@ bool TouchesWorld(const Vec3& position) {
 }
 
 void UpdateShot(Shot& shot) {
+    // Kept as it is: shots count frames, not ticks.
     --shot.life;
     if (shot.life < 0 || TouchesWorld(shot.position)) {
         shot.state = SHOT_FREE;

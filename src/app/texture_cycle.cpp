@@ -20,8 +20,8 @@ void TextureCycle() {
     uint8_t* entries = TextureRemap + TEXTURE_CYCLE_FIRST;
     for (uint32_t i = 0; i < TEXTURE_CYCLE_LENGTH; i++) {
         uint8_t next = entries[(i + 1) % TEXTURE_CYCLE_LENGTH];
-        // The table is changed in place, which makes two neighbours equal; taking the entry after them keeps the
-        // picture moving.
+        // Kept as it is: texture 10 is not seen again. The table is changed in place, which makes two neighbours equal;
+        // taking the entry after them keeps the picture moving.
         if (next == entries[i]) next = entries[(i + 2) % TEXTURE_CYCLE_LENGTH];
         entries[i] = next;
     }

@@ -17,6 +17,7 @@ constexpr float PITCH_INSTEAD_OF_ZERO = 0.1f;
 constexpr int LOOK_SCALE = 8;  // mouse counts a degree, free flight
 constexpr int MOVE_SCALE = 4;
 
+// Kept as it is: smoothing goes by frames, not by time.
 void Approach(float& value, float goal) {
     value += (goal - value) / SMOOTHING;
 }
@@ -41,9 +42,11 @@ void TurnFollowCamera() {
     }
     Approach(state.yawOffset, state.yawAccumulator);
     Approach(state.pitch, state.pitchAccumulator);
+    // Kept as it is: the smoothed pitch is limited and the mouse's sum is not.
     state.pitch = std::clamp(state.pitch, CAMERA_PITCH_LOWEST, CAMERA_PITCH_HIGHEST);
     Approach(state.heading, PlayerActor.angles.y);
     CameraAngles.y = state.heading + state.yawOffset;
+    // Kept as it is: a pitch of exactly 0 becomes 0.1.
     CameraAngles.x = state.pitch == 0.0f ? PITCH_INSTEAD_OF_ZERO : state.pitch;
     BuildRotations();
 }
@@ -71,7 +74,7 @@ void FlyFree() {
         state.moveX += static_cast<float>(MouseInput.xMotion / MOVE_SCALE);
         state.moveZ -= static_cast<float>(MouseInput.yMotion / MOVE_SCALE);
     }
-    // CameraRotation is still that of the previous frame here: meant, see docs/kept_as_is.md.
+    // Kept as it is: CameraRotation is still that of the previous frame here.
     RotateIntVectorT(TruncToInt(state.moveX), 0, TruncToInt(state.moveZ), CameraRotation);
     CameraPos.x += static_cast<float>(RotatedIntVector.x);
     CameraPos.y += static_cast<float>(RotatedIntVector.y);

@@ -75,6 +75,7 @@ float CameraRayDistance(const Vec3& start, const Vec3& end) {
     probe.start = ToDouble(start);
     probe.direction = ToDouble(end) - probe.start;
     probe.directionSigns = SignBits(probe.direction);
+    // Kept as it is: sides are taken from whole numbers, and the ray does not end at `end`.
     SideTestPoint = {TruncToInt(start.x), TruncToInt(start.y), TruncToInt(start.z)};
     WalkTree(probe, 0);
     const double squared = probe.hits > 0 ? probe.nearestSquared : Dot(probe.direction, probe.direction);

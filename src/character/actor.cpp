@@ -17,6 +17,7 @@
 void AddActor(Actor& actor, MeshRecord* mesh, StateRecord* states, int32_t x, int32_t y, int32_t z,
               AnimFileEntry* animations) {
     actor.active = 1;
+    // Kept as it is: angles, velocity and contact stay as the level before left them.
     actor.mesh = mesh;
     actor.states = states;
     actor.animations = animations;
@@ -79,6 +80,7 @@ void DrawActor(Actor& actor) {
     InitDepthList();
     ListFacingTriangles(*actor.mesh);
     BinActorPolygons(VisibleCount(), actor.position.x, actor.position.y, actor.position.z);
+    // Kept as it is: the base is rebuilt last, so the next pose uses that of this frame.
     UpdateActorBase(actor);
 }
 
@@ -103,5 +105,6 @@ int32_t FacingSide(uint32_t a, uint32_t b, uint32_t c, const Vec3& eye) {
     const Vec3 first = {p0.x, p0.y, p0.z};
     const Vec3 normal = Cross(Vec3{p1.x, p1.y, p1.z} - first, Vec3{p2.x, p2.y, p2.z} - first);
     const float side = Dot(normal, eye) - Dot(normal, first);
+    // Kept as it is: the cut makes a triangle that is seen almost edge-on count as facing away.
     return TruncToInt(static_cast<double>(side));
 }

@@ -73,9 +73,10 @@ void CheckCommands(const AnimRecord& record, uint32_t boneCount, const char* pat
     FatalError(0, INVALID_ANIMATION, path);
 }
 
-// For layers 1 and 2; layer 0, whose end can also end the state, has FinishLayer0. Animation 0 does not move on here.
+// For layers 1 and 2; layer 0, whose end can also end the state, has FinishLayer0.
 void AdvanceLayer(Actor& actor, int layer, const StateRecord& oldState) {
     const int16_t animation = actor.states[actor.state].animations[layer];
+    // Kept as it is: animation 0 stands still on these layers, though it is a valid index.
     if (animation <= 0) return;
     const uint32_t length = actor.animations[animation].record->length;
     uint32_t& time = actor.layerTimes[layer];
@@ -87,6 +88,7 @@ void AdvanceLayer(Actor& actor, int layer, const StateRecord& oldState) {
 
 void FinishLayer0(Actor& actor, uint32_t length, const StateRecord& oldState) {
     if (oldState.playModes[0] == PLAY_LOOP) {
+        // Kept as it is: a loop no longer than its start time never comes back, and its last keys hold.
         actor.layerTimes[0] = actor.layerTimes[0] - length + ANIM_START_TIME;
         return;
     }
@@ -142,6 +144,7 @@ void AdvanceActor(Actor& actor) {
     // The drive forward and sideways acts on the ground only; gravity acts always.
     const auto ticks = static_cast<float>(FrameTicks);
     Vec3 drive = {ticks * oldState.drive.x, ticks * oldState.drive.y, ticks * oldState.drive.z};
+    // Kept as it is: drives are per tick while moves are per frame, so jumps are lower where frames are longer.
     if (actor.onContact == 0) drive.x = drive.z = 0.0f;
     drive.x += ticks * actor.localMove.x;
     drive.y += ticks * actor.localMove.y;
@@ -152,6 +155,7 @@ void AdvanceActor(Actor& actor) {
 }
 
 void SetActorState(Actor& actor, int32_t state, uint32_t startTime, int32_t blendDuration) {
+    // Kept as it is: of several changes in one frame each gives its impulse, and the last state stays.
     actor.state = state;
     for (uint32_t& time : actor.layerTimes)
         time = startTime;

@@ -45,6 +45,7 @@ BoneTracks ChooseLayer(const Actor& actor, uint32_t bone) {
     BoneTracks tracks{};
     for (int layer = 0; layer < 3 && state.animations[layer] != -1; ++layer) {
         const AnimRecord& record = *actor.animations[state.animations[layer]].record;
+        // Kept as it is: a clip may lack tracks.
         if (bone >= record.trackCount) continue;
         tracks.rotation = TrackOf(record, record.rotationTable, bone, ROTATION_TRACK);
         tracks.position = TrackOf(record, record.positionTable, bone, POSITION_TRACK);
@@ -61,6 +62,7 @@ BoneTracks ChooseLayer(const Actor& actor, uint32_t bone) {
 // The last key before time t, or key 0.
 uint32_t FindKey(const Track& track, uint32_t t) {
     uint32_t k = 0;
+    // Kept as it is: of several keys of one time the first is reached, and the last is left from.
     while (k + 1 < track.count && track.Time(k + 1) < t)
         ++k;
     return k;
@@ -98,6 +100,7 @@ void PlaceBone(BoneRecord& bone, const Quat& q, const double position[3], const 
     double turned[3] = {pivot[0], pivot[1], pivot[2]};
     RotateDVector(turned, local.r);
     for (int i = 0; i < 3; ++i) {
+        // Kept as it is: the first bone alone takes its position keys, and subtracts its turned pivot twice.
         local.t[i] = FirstBoneDone ? pivot[i] - turned[i] : position[i] - turned[i] - turned[i];
     }
     FirstBoneDone = true;
@@ -113,8 +116,8 @@ void EvaluateBone(uint32_t index, MeshRecord& mesh, const Actor& actor) {
     PlaceBone(bone, bone.rotation, bone.position, tracks.pivot);
 }
 
-// Blends from the last unblended pose towards the next key. The result is not stored in the bone, so every frame of the
-// blend starts from that same pose.
+// Kept as it is: blends from the last unblended pose towards one key. The result is not stored in the bone, so every
+// frame of the blend starts from that same pose.
 void EvaluateBlendedBone(uint32_t index, MeshRecord& mesh, const Actor& actor) {
     BoneRecord& bone = mesh.bones[index];
     const BoneTracks tracks = ChooseLayer(actor, index);
@@ -158,6 +161,6 @@ void PoseActor(Actor& actor) {
             EvaluateBlendedBone(static_cast<uint32_t>(command), mesh, actor);
         }
     }
-    for (; pushed > 0; --pushed)  // otherwise they would pile up on the stack from frame to frame
+    for (; pushed > 0; --pushed)  // kept as it is: a list may leave transforms behind
         PopMatrix(CurrentTransform);
 }

@@ -39,7 +39,8 @@ bool ReadContributions(ContributionList& list, uint32_t count) {
            ReadBlock(list.weights, count * uint32_t{sizeof list.weights[0]});
 }
 
-// Corner numbers need no check: all 16-bit numbers lie inside the tables, whether the world has the polygon or not.
+// Kept as it is: corner numbers need no check. All 16-bit numbers lie inside the tables, whether the world has the
+// polygon or not.
 bool RunIsValid(const ContributionList& list, int32_t first, int32_t count, int32_t listLength, uint32_t targetCount) {
     if (count <= 0) return true;
     if (first < 0 || first > listLength - count) return false;
@@ -114,6 +115,7 @@ void ApplyContributions(const LightSlot& slot) {
 }
 
 // Lists the world's points within the radius and returns their number. Points of sky and character are left out.
+// Kept as it is: it ends with the first thousand points.
 int GatherPoints(const LightSlot& slot) {
     const Vec3 place = slot.position;
     const float radius = slot.radius;
@@ -157,6 +159,7 @@ void Ramp(LightSlot& slot) {
 }
 
 // A file's timer may have any value, so the subtraction may wrap.
+// Kept as it is: lights count frames, not ticks.
 void CountDown(LightSlot& slot) {
     slot.timer = static_cast<int32_t>(static_cast<uint32_t>(slot.timer) - 1);
 }
@@ -223,6 +226,7 @@ void UpdateLights() {
 }
 
 int32_t SpawnLight() {
+    // Kept as it is: slot 0 is never handed out.
     for (int32_t i = 1; i < LIGHT_SLOT_COUNT; ++i) {
         LightSlot& slot = LightSlots[i];
         if (slot.type != LIGHT_FREE) continue;

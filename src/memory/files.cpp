@@ -9,7 +9,7 @@ std::FILE* ReadStream;
 
 namespace {
 
-// EOF (-1) is added like any byte, so that what is read past the end is defined, though useless.
+// Kept as it is: EOF (-1) is added like any byte, so that what is read past the end is defined, though useless.
 uint32_t NextByte() {
     return static_cast<uint32_t>(ReadStream ? std::getc(ReadStream) : EOF);
 }

@@ -96,6 +96,7 @@ void PoolInit(uint8_t* start, uint8_t* end) {
 void* PoolMalloc(uint32_t bytes) {
     if (bytes > POOL_MAX_REQUEST) return nullptr;
     const auto size = static_cast<int32_t>(RoundUp(bytes));
+    // Kept as it is: the room of a header must be left over, so a request that fits exactly fails.
     const int32_t need = size + HEADER_BYTES;
     for (BlockHeader* block = FreeHead; block; block = block->next) {
         if (block->size < need) continue;

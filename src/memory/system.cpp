@@ -45,6 +45,7 @@ bool SystemInit() {
 }
 
 void SystemShutdown() {
+    // Kept as it is: printed even when there is no pool.
     std::printf("Free Mem when running. %d \n", static_cast<int>(PoolFreeTotal()));
     CloseGlide();
     if (DisplayState != DISPLAY_NONE) CloseDisplay();

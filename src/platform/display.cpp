@@ -25,6 +25,7 @@ HRESULT StoreMode(const DDSURFACEDESC* description, void*) {
     const DisplayModeEntry mode = {description->dwWidth, description->dwHeight,
                                    description->ddpfPixelFormat.dwRGBBitCount};
     if (DisplayModeCount > 0 && mode == DisplayModeTable[DisplayModeCount - 1]) return DDENUMRET_OK;
+    // Kept as it is: every opening adds the modes it finds to the same table.
     DisplayModeTable[DisplayModeCount++] = mode;
     return DDENUMRET_OK;
 }
@@ -68,6 +69,7 @@ bool OpenContext(HWND window, DisplayContext& context, uint32_t width, uint32_t 
     if (Failed(context.directDraw->EnumDisplayModes(0, nullptr, nullptr, StoreMode))) return false;
     const DisplayModeEntry* mode = FindMode(width, height, bits);
     if (!mode) return false;
+    // Kept as it is: only the part that was asked for is shown.
     context.source = Area(width, height);
     context.mode = Area(mode->width, mode->height);
     return !Failed(context.directDraw->SetDisplayMode(mode->width, mode->height, bits)) && CreateFlipChain(context) &&
@@ -101,6 +103,7 @@ bool ReadSystemPalette(PALETTEENTRY (&entries)[PALETTE_SIZE]) {
 }
 
 BYTE EightBits(uint8_t sixBits) {
+    // Kept as it is: 63 becomes 252, not 255.
     return static_cast<BYTE>(sixBits * 4);
 }
 

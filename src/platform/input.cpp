@@ -70,8 +70,10 @@ void StopInput(InputDevices& devices) {
 }
 
 void PollKeyboard(InputDevices& devices) {
+    // Kept as it is: nothing clears KeyState between screens: a key held through a change is not pressed anew.
     std::memcpy(PrevKeyState, KeyState, sizeof(PrevKeyState));
     devices.keyboard->Acquire();
+    // Kept as it is: a failed reading leaves the state of the last one.
     devices.keyboard->GetDeviceState(sizeof(KeyState), KeyState);
     for (int code = 0; code < 256; code++)
         KeyHits[code] = static_cast<uint8_t>((KeyState[code] ^ PrevKeyState[code]) & KeyState[code]);

@@ -85,6 +85,7 @@ bool WantsJump() {
 }
 
 void BeginJump() {
+    // Kept as it is: the velocity is zeroed, but the state that is left still drives this frame.
     PlayerActor.velocity = {};
     JumpHeld = 1;
 }

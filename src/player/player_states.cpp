@@ -91,6 +91,7 @@ constexpr StateRow ROWS[] = {
      .slide = 0.5f,
      .handler = LeapTakeOffHandler},
     {.state = STATE_LEAP_AIR, .animation = ANIMATION_LEAP_AIR, .slide = 0.5f, .handler = LeapAirHandler},
+    // Kept as it is: no state leads here: leaps land in the run.
     {.state = STATE_LEAP_LAND,
      .animation = ANIMATION_LEAP_LAND,
      .then = &TO_RUN_FROM_LEAP,

@@ -104,4 +104,5 @@ constexpr uint8_t OUT_LEFT = 0x02;    // x < -z
 constexpr uint8_t OUT_TOP = 0x04;     // y > z
 constexpr uint8_t OUT_BOTTOM = 0x08;  // y < -z
 constexpr uint8_t OUT_SIDES = 0x0F;
-constexpr uint8_t OUT_DEPTH = 0x10;  // world: z > FarDistance; character: z < 0. Never clipped, only rejects
+constexpr uint8_t OUT_DEPTH =
+    0x10;  // world: z > FarDistance; character: z < 0. Kept as it is: only rejects, never clips

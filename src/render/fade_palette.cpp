@@ -34,7 +34,7 @@ uint8_t NearestColour(const Colour& target) {
         const double blue = 1.1 * (Palette[i].channel[2] - target.channel[2]);
         const double distance = red * red + green * green + blue * blue;
         if (distance == 0) return static_cast<uint8_t>(i);
-        // `best` is a whole number on purpose: a later colour has to be nearer than the truncated distance.
+        // Kept as it is: `best` is a whole number, so a later colour has to be nearer than the truncated distance.
         if (distance < best) {
             best = static_cast<int>(distance);
             bestIndex = i;
@@ -66,6 +66,7 @@ uint8_t FadeBright(double fraction, int index) {
 
 void BuildFadePalette() {
     std::printf("Generating fade palette...\n");
+    // Kept as it is: entry 0 is black, whatever the file says.
     std::fill_n(TextureImage + TEXTURE_PALETTE_OFFSET, 3, uint8_t{0});
     ReadPalette();
     for (int step = 0; step < FADE_STEPS; step++) {

@@ -29,6 +29,7 @@ void SetupFog() {
     SetFogStates();
 }
 
+// Kept as it is: the board's table ends before the fade distance, so fog is never more than 39 %.
 void LoadFogTable(float nearDistance) {
     if (FarDistance > 0)
         guFogGenerateLinear(FogTable, nearDistance * GLIDE_DEPTH_RANGE / FarDistance,

@@ -20,6 +20,7 @@ GrMipMapId_t AllocateTexture(const Gu3dfHeader& header) {
 
 void LoadGlideTexture(const char* path, GrMipMapId_t& handle) {
     Gu3dfInfo info{};
+    // Kept as it is: without a file the handle stays as it was.
     if (!gu3dfGetInfo(path, &info)) return;
     const std::unique_ptr<uint8_t[]> texels(new (std::nothrow) uint8_t[info.mem_required]);
     if (!texels) FatalError(-1, "L_LoadGlideTexture (Memory #2)", path);

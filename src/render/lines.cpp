@@ -103,6 +103,7 @@ void DrawLine2D(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
     const int64_t dx = int64_t{x2} - x1;
     const int64_t dy = int64_t{y2} - y1;
     // Only the steps that can lie in the frame are made, so that an end far outside costs no time.
+    // Kept as it is: a line whose ends fall on one pixel is not drawn.
     if (std::abs(dx) > dy) {
         const int64_t slope = dy * 65536 / std::abs(dx);
         const int64_t direction = dx > 0 ? 1 : -1;

@@ -13,4 +13,5 @@ Floats ScreenY(Floats y, Floats inverse) {
     return -(y * ProjectionScaleY) * inverse + ScreenCentreY;
 }
 
-constexpr float NEAREST_DEPTH = 0.000001f;  // points nearer than that are drawn at the centre of the screen
+// Kept as it is: points nearer than this, or behind the eye, are drawn at the centre of the screen.
+constexpr float NEAREST_DEPTH = 0.000001f;

@@ -85,6 +85,7 @@ void ClearFrame() {
     // The frame is filled in 32-bit words; a width or a gap that is no multiple of four loses its remainder.
     const int32_t filled = ScreenWidth / 4 * 4;
     const int32_t stride = filled + (FramePitch - ScreenWidth) / 4 * 4;
+    // Kept as it is: only the lower half is cleared.
     const int32_t rows = ScreenHeight / 2;
     uint8_t* row = FrameBuffer + static_cast<ptrdiff_t>(rows) * FramePitch;
     if (stride == filled) {

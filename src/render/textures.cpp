@@ -79,6 +79,7 @@ void ConvertToGlideUnits(const PolyRecord& polygon, const TextureRecord& texture
             if (s == width - 1) s = width;
             if (t == height - 1) t = height;
         }
+        // Kept as it is: a repeat is 255/256 of the texture long.
         WorldGeometry.polyVertices[i].u = s * 255 / larger;
         WorldGeometry.polyVertices[i].v = t * 255 / larger;
     }
@@ -90,6 +91,7 @@ int LoadTextureFile(int32_t level) {
     const char* path = LevelTable[level].textureFile;
     const int32_t size = FileSize(path);
     TextureImage = static_cast<uint8_t*>(LoadMalloc(path));
+    // Kept as it is: a missing texture file ends the program with exit status 0.
     if (TextureImage == nullptr) FatalError(0, "No Texture File Found", path);
     CheckTextureFile(static_cast<uint32_t>(size), path);
     PrepareTextures();

@@ -99,6 +99,7 @@ PolyFrame FrameOfNormal(double x, double y, double z) {
     return frame;
 }
 
+// Kept as it is: radii reach from the centre of the file's box to the farthest corner, not to the box.
 double FarthestCornerSquared(const BspLeaf& leaf, Vec3 centre, double farthest) {
     for (uint32_t p = leaf.firstPolygon; p < uint32_t{leaf.firstPolygon} + leaf.polygonCount; ++p) {
         const PolyRecord& polygon = WorldGeometry.polygons[p];
@@ -145,6 +146,7 @@ void GenerateRadiiBelow(int16_t subtree) {
 
 void LoadBspWorld(const char* path) {
     ReadStream = OpenGameFile(path, "rb");
+    // Kept as it is: a missing world ends the program with exit status 0.
     if (!ReadStream) FatalError(0, "No .BSP file found", path);
     ReadHeader(path);
     if (!AllocateTables()) RefuseWorld("Not enough memory for the BSP file", path);

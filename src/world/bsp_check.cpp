@@ -67,8 +67,8 @@ bool PointsAndVerticesAreValid() {
 }
 
 // The walks over the tree are recursive: a node reached twice would make them endless or exponential, and a deep
-// tree would exhaust the stack. A leaf may hang in several places, and is measured and drawn at each of them: many
-// polygons in many places would take hours. Nodes that the root does not reach are harmless.
+// tree would exhaust the stack. Kept as it is: a leaf may hang in several places, and is measured and drawn at each of
+// them: many polygons in many places would take hours. Nodes that the root does not reach are harmless.
 bool NodesFormATree() {
     struct Visit {
         int16_t node;

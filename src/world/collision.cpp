@@ -30,8 +30,8 @@ float Distance(const PlaneRecord& plane, const Vec3& p) {
     return plane.nx * p.x + plane.ny * p.y + plane.nz * p.z + plane.d;
 }
 
-// Whether q lies inside the polygon's outline grown outward by r. An edge whose normal is not finite counts as passed:
-// an edge too short to have a normal holds nothing out (docs/kept_as_is.md).
+// Whether q lies inside the polygon's outline grown outward by r. Kept as it is: an edge too short to have a normal
+// holds nothing out.
 bool InsideGrownOutline(const PolyRecord& polygon, const IntVec3& q, int32_t r) {
     const Vec3 n = Normal(WorldGeometry.planes[polygon.plane]);
     const Vec3 point = ToFloat(q);
@@ -86,8 +86,8 @@ void GatherNode(int32_t index, const SphereQuery& query) {
     GatherNode(behind ? node.frontChild : node.backChild, query);
 }
 
-// The first contact in list order that a move from start to end crosses, or -1. The move stops at its start, not where
-// it crosses, and the slide carries the rest (docs/kept_as_is.md).
+// The first contact in list order that a move from start to end crosses, or -1. Kept as it is: the move stops at its
+// start, not where it crosses, and the slide carries the rest.
 int32_t SweepContacts(const Vec3& start, const Vec3& end, int32_t radius) {
     const auto r = static_cast<float>(radius);
     for (const int32_t* contact = ContactList; *contact != -1; ++contact) {
@@ -97,6 +97,7 @@ int32_t SweepContacts(const Vec3& start, const Vec3& end, int32_t radius) {
         const float endDistance = Distance(plane, end);
         if (startDistance > r && endDistance > r) continue;
         if (-startDistance > r && -endDistance > r) continue;
+        // Kept as it is: a move that comes nearer by less than 0.1 is not stopped.
         if (endDistance < startDistance || std::fabs(endDistance - startDistance) < 0.1f) continue;
         const Vec3 projected =
             ToFloat(Truncate(end)) - Vec3{endDistance * plane.nx, endDistance * plane.ny, endDistance * plane.nz};
@@ -147,7 +148,7 @@ int16_t WorldSphereContacts(int32_t x, int32_t y, int32_t z, int32_t radius) {
     ContactCount = 0;
     SideTestPoint = {x, y, z};
     const auto unsignedRadius = static_cast<uint32_t>(radius);
-    const auto squared = static_cast<int32_t>(unsignedRadius * unsignedRadius);  // wraps
+    const auto squared = static_cast<int32_t>(unsignedRadius * unsignedRadius);  // kept as it is: wraps
     GatherNode(0, {ToFloat(SideTestPoint), radius, static_cast<float>(squared)});
     ContactList[ContactCount] = -1;
     return ContactCount;
@@ -167,15 +168,17 @@ void MoveAgainstWorld(Actor& actor) {
     Vec3 kept = v;  // the velocity the actor will keep
     Vec3 result = end;
     float stepUp = 0.0f;  // height of an accepted step; it holds for the rest of the move
-    // The height of the last ledge looked at, accepted or not: it is what the lift adds (docs/kept_as_is.md).
+    // Kept as it is: the height of the last ledge looked at, accepted or not, is what the lift adds.
     float ledgeHeight = 0.0f;
     int32_t lastHit = -1;
     for (int pass = 0; pass < PASS_LIMIT; ++pass) {
         result = end;
         const int32_t hit = SweepContacts(start, end, MOVE_SPHERE_RADIUS);
         if (hit == -1) break;
+        // Kept as it is: the first contact is slid along, the last one gives the slope.
         lastHit = hit;
         const PolyFrame& frame = WorldGeometry.polyFrames[hit];
+        // Kept as it is: walls and ceilings count as ground, too.
         actor.onContact = 1;
         actor.ticksSinceContact = 0;
         actor.contactSlope = std::fabs(frame.y);

@@ -49,6 +49,7 @@ void ReadLevelValues() {
     FadeDistance = ReadDistance();
     FarDistance = ReadDistance();
     if (GlideActive()) {
+        // Kept as it is: the accelerator replaces the level's distances and uses less of its contrast.
         LightContrast *= CurrentLevel == 0 ? GLIDE_FIRST_LEVEL_CONTRAST : GLIDE_CONTRAST;
         FogNearDistance = GLIDE_FOG_NEAR;
         FadeDistance = GLIDE_FADE_DISTANCE;
@@ -103,6 +104,7 @@ float PointIntensity(uint32_t point) {
 
 void LoadLightMap(const char* path) {
     ReadStream = OpenGameFile(path, "rb");
+    // Kept as it is: a missing light map leaves the values of the level before.
     if (!ReadStream) return;
     if (!ReadLightBytes()) {
         CloseReadStream();
@@ -123,6 +125,7 @@ void ShadePolygon(int32_t polygon) {
     PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
     const int count = record.cornerCount;
     if (record.shading == SHADE_CORNER_LIGHT) {
+        // Kept as it is: a polygon with more than eight corners reads the bytes of the next one.
         const uint32_t firstEntry = static_cast<uint32_t>(polygon) * 8;
         for (int k = 0; k < count; ++k) {
             const int8_t raw = CornerLightByte(firstEntry + static_cast<uint32_t>(k));

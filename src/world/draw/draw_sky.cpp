@@ -30,7 +30,7 @@ void DrawSkyPolygon(int32_t index) {
     const PolyRecord& polygon = WorldGeometry.polygons[index];
     for (uint32_t k = 0; k < polygon.cornerCount; ++k)
         WorldGeometry.polyVertices[polygon.firstVertex + k].intensity = SKY_INTENSITY;
-    // The pipeline has room for no more corners, and fewer cover nothing.
+    // Kept as it is: the pipeline has room for no more corners, and fewer cover nothing.
     if (polygon.cornerCount >= BSP_MIN_CORNERS && polygon.cornerCount <= BSP_MAX_CORNERS) DrawMeshByOutcodes(index);
 }
 

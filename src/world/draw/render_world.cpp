@@ -56,6 +56,7 @@ Vec3 ViewToWorld(float x, float y, float z) {
 void BuildViewPlanes() {
     const float width = FarDistance;
     const float height = FarDistance * (ProjectionScaleY / ProjectionScaleX);
+    // Kept as it is: the corners lie one unit beyond the far distance.
     const float depth = FarDistance + 1.0f;
     const Vec3 topRight = ViewToWorld(width, height, depth);
     const Vec3 bottomRight = ViewToWorld(width, -height, depth);
@@ -95,6 +96,7 @@ BoxResult TestBoxCorners(const Box& box) {
 
 BoxResult TestBox(const Box& box) {
     const Vec3 fromEye = box.centre - CameraPos;
+    // Kept as it is: the test uses whole numbers, cut before and after the turn.
     RotateIntVector(TruncToInt(fromEye.x), TruncToInt(fromEye.y), TruncToInt(fromEye.z), ViewMatrix.rotation);
     const float z = static_cast<float>(RotatedIntVector.z);
     if (z <= -box.radius || z >= FarDistance + box.radius) return BOX_INVISIBLE;
@@ -161,7 +163,7 @@ void VisitChildren(int32_t node, Visit visit) {
     visit(cameraInFront ? record.frontChild : record.backChild);
 }
 
-// The character is drawn even where its leaf is culled.
+// Kept as it is: the character is drawn even where its leaf is culled.
 void CollectCharacter(int32_t subtree) {
     if (subtree >= 0) {
         VisitChildren(subtree, CollectCharacter);
@@ -279,6 +281,7 @@ void DrawOutlines(int32_t subtree) {
         return;
     }
     const BspLeaf& leaf = WorldGeometry.leaves[~subtree];
+    // Kept as it is: the colour is the leaf's number, and nothing is skipped.
     LineColour = static_cast<uint32_t>(~subtree);
     for (int32_t p = leaf.firstPolygon; p < leaf.firstPolygon + leaf.polygonCount; ++p)
         DrawPolygonOutline(p);
