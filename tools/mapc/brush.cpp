@@ -24,10 +24,10 @@ public:
         if (name == "func_terrain") return AddTerrain(entity);
         const bool detail = name == "func_detail";
         if (!detail && name != "worldspawn" && name != "func_group") {
-            Refuse(map_.name, entity.line, fmt::format("a {} cannot have brushes", Shown(name)),
+            Refuse(entity.line, fmt::format("a {} cannot have brushes", Shown(name)),
                    "move them to the world, or make them a func_group, func_detail or func_terrain");
         }
-        const bool cornerLight = NumberKey(map_, entity, "corner_light", 0) != 0;
+        const bool cornerLight = NumberKey(entity, "corner_light", 0) != 0;
         for (const MapBrush& brush : entity.brushes)
             Add(brush, detail, cornerLight);
     }
@@ -43,14 +43,12 @@ private:
     const Material& MaterialOf(const MapFace& face) const {
         const auto found = materials_.find(face.texture);
         if (found == materials_.end()) {
-            Refuse(map_.name, face.line,
-                   fmt::format("the texture \"{}\" is not in the list of materials", Shown(face.texture)),
+            Refuse(face.line, fmt::format("the texture \"{}\" is not in the list of materials", Shown(face.texture)),
                    "choose another one, or add it to the level's materials");
         }
         const Material& material = *found->second;
         if (material.slot >= WORLD_SLOT_END && !(material.flags & MATERIAL_SKY)) {
-            Refuse(map_.name, face.line,
-                   fmt::format("the texture \"{}\" is in slot {}", Shown(face.texture), material.slot),
+            Refuse(face.line, fmt::format("the texture \"{}\" is in slot {}", Shown(face.texture), material.slot),
                    fmt::format("worlds may use slots 0..{}", WORLD_SLOT_END - 1));
         }
         return material;
@@ -62,11 +60,11 @@ private:
         const double length = Length(normal);
         for (const Vec3& p : face.points) {
             if (Box{{}, {}}.Holds(p, MAP_EXTENT)) continue;
-            Refuse(map_.name, face.line, fmt::format("a point lies beyond {} units", MAP_EXTENT),
+            Refuse(face.line, fmt::format("a point lies beyond {} units", MAP_EXTENT),
                    "move the brush nearer to the origin");
         }
         if (length < 1e-6) {
-            Refuse(map_.name, face.line, "the three points of the face lie on a line", "make the brush again");
+            Refuse(face.line, "the three points of the face lie on a line", "make the brush again");
         }
         const Vec3 unit = normal * (1 / length);
         return {unit, Dot(unit, a)};
@@ -93,8 +91,7 @@ private:
 
     void Add(const MapBrush& source, bool detail, bool cornerLight) {
         if (out_.list.size() == BRUSHES_MAX) {
-            Refuse(map_.name, source.line,
-                   fmt::format("more than {} brushes, those of terrains among them", BRUSHES_MAX),
+            Refuse(source.line, fmt::format("more than {} brushes, those of terrains among them", BRUSHES_MAX),
                    "make the height images smaller");
         }
         Brush brush;
@@ -137,10 +134,10 @@ private:
                 brush.box.Add(p);
         }
         if (valid < 4) {
-            Refuse(map_.name, brush.line, "the brush has no volume", "delete it, or move its faces apart");
+            Refuse(brush.line, "the brush has no volume", "delete it, or move its faces apart");
         }
         if (!Box{{}, {}}.Holds(brush.box.min, MAP_EXTENT) || !Box{{}, {}}.Holds(brush.box.max, MAP_EXTENT)) {
-            Refuse(map_.name, brush.line, "the brush is open: its faces do not close a volume", "make it again");
+            Refuse(brush.line, "the brush is open: its faces do not close a volume", "make it again");
         }
     }
 

@@ -29,7 +29,7 @@ struct Brush {
     BrushKind kind = BrushKind::Solid;
     Box box;
     std::vector<BrushSide> sides;  // the most upright first, so that they cut walls before the others do
-    int line = 0;                  // in the map
+    SourceLine line;               // in the map
 
     bool Holds(const Vec3& p, const PlaneTable& planes, double tolerance) const;
 };

@@ -1,8 +1,10 @@
 #include "mapc/compile.h"
 
+#include "formats/depfile.h"
 #include "formats/files.h"
 #include "mapc/emit.h"
 #include "mapc/fan.h"
+#include "mapc/instances.h"
 #include "mapc/light.h"
 #include "mapc/light_slots.h"
 #include "mapc/map_places.h"
@@ -30,10 +32,10 @@ std::string PlaceText(const Vec3& p) {
     throw LeakError(text, path);
 }
 
-void CheckStart(const MapFile& map, const Brushes& brushes, const PlayerStart& start) {
+void CheckStart(const Brushes& brushes, const PlayerStart& start) {
     for (const Brush& brush : brushes.list) {
         if (brush.kind == BrushKind::Cutout || !brush.Holds(start.origin, brushes.planes, 0)) continue;
-        Refuse(map.name, start.line, fmt::format("info_player_start is inside the brush of line {}", brush.line),
+        Refuse(start.line, fmt::format("info_player_start is inside the brush of {}", brush.line.Text()),
                "move it into the open");
     }
 }
@@ -130,10 +132,10 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     Brushes brushes = BuildBrushes(map, list.materials);
     CheckSize(brushes, settings.scale);
     LightShiningPerCorner(brushes);
-    CheckStart(map, brushes, start);
-    CheckLights(map, brushes, lights);
+    CheckStart(brushes, start);
+    CheckLights(brushes, lights);
     CompiledLevel compiled;
-    compiled.placement = PlaceMap(map, brushes, start, level, settings.scale);
+    compiled.placement = PlaceMap(brushes, start, level, settings.scale);
     compiled.places = PlacesOf(map, brushes, compiled.placement);
 
     Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes);
@@ -161,13 +163,19 @@ std::string CompileToFiles(const CompileFiles& files) {
     const std::string name = files.level > 0 ? LevelRowOf(files.level).world : files.map.stem().string();
     const std::filesystem::path pathFile = std::filesystem::path(files.map).replace_extension(".pts");
     try {
-        const CompiledLevel level =
-            CompileMap(ReadMapFile(files.map), ReadMaterialList(files.materials), files.level, files.bake);
+        const PlacedMap placed = ReadPlacedMap(files.map, files.prefabs);
+        const CompiledLevel level = CompileMap(placed.map, ReadMaterialList(files.materials), files.level, files.bake);
+        const std::filesystem::path world = files.output / (name + ".bgm");
         const std::string places = PlacesText(level.places);
-        WriteWholeFiles({{files.output / (name + ".bgm"), EncodeWorld(level.world)},
-                         {files.output / "lights.lmp", EncodeLightMap(level.light)},
-                         {files.output / "lights.alt", EncodeLightSlots(level.slots)},
-                         {files.output / "places.txt", {places.begin(), places.end()}}});
+        std::vector<OutputFile> outputs{{world, EncodeWorld(level.world)},
+                                        {files.output / "lights.lmp", EncodeLightMap(level.light)},
+                                        {files.output / "lights.alt", EncodeLightSlots(level.slots)},
+                                        {files.output / "places.txt", {places.begin(), places.end()}}};
+        if (!files.depfile.empty()) {
+            const std::string line = DepfileLine(world.string(), placed.files);
+            outputs.push_back({files.depfile, {line.begin(), line.end()}});
+        }
+        WriteWholeFiles(outputs);
         std::error_code ignored;
         std::filesystem::remove(pathFile, ignored);
         return ReportOf(level);

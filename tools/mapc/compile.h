@@ -39,6 +39,8 @@ struct CompileFiles {
     std::filesystem::path output;  // folder
     int level = 0;
     BakeOptions bake{};
+    std::filesystem::path prefabs{};  // folder, or empty
+    std::filesystem::path depfile{};  // written with the maps that the level was made of; empty: none
 };
 
 // Writes <output>/<name>.bgm, lights.lmp, lights.alt and places.txt and returns a report for the user. name: the

@@ -38,7 +38,7 @@ private:
             grid_.Find(brush.box, SPLIT_EPSILON, near_);
             pairs += near_.size();
             if (pairs <= PAIRS_MAX) continue;
-            Refuse(brushes_.file, brush.line,
+            Refuse(brush.line,
                    fmt::format("this brush touches {} others, and all brushes more than {} together", near_.size() - 1,
                                PAIRS_MAX),
                    "delete copies that lie in one place, and join small brushes to larger ones");

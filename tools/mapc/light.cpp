@@ -94,15 +94,15 @@ void SetLevelValues(const LevelSettings& settings, LightMapFile& file) {
 
 }  // namespace
 
-void CheckLights(const MapFile& map, const Brushes& brushes, const std::vector<PointLight>& lights) {
+void CheckLights(const Brushes& brushes, const std::vector<PointLight>& lights) {
     std::string buried;
     for (const PointLight& light : lights) {
         for (const Brush& brush : brushes.list) {
             const bool stopsLight = brush.kind == BrushKind::Solid || brush.kind == BrushKind::Detail;
             if (!stopsLight || !brush.Holds(light.origin, brushes.planes, 0)) continue;
             const Vec3& p = light.origin;
-            buried += fmt::format("{}{}:{}: the light at ({} {} {}) is inside the brush of line {}",
-                                  buried.empty() ? "" : "\n", map.name, light.line, p.x, p.y, p.z, brush.line);
+            buried += fmt::format("{}{}: the light at ({} {} {}) is inside the brush of {}", buried.empty() ? "" : "\n",
+                                  light.line.Text(), p.x, p.y, p.z, brush.line.Text());
             break;
         }
     }

@@ -18,7 +18,7 @@ struct LightSources {
 };
 
 // ContentError for a light inside a brush: it would light nothing.
-void CheckLights(const MapFile& map, const Brushes& brushes, const std::vector<PointLight>& lights);
+void CheckLights(const Brushes& brushes, const std::vector<PointLight>& lights);
 
 struct LitWorld {
     LightMapFile file;

@@ -42,7 +42,7 @@ struct FitSums {
 
 struct Slot {
     LightSlotRecord record;
-    int line = 0;  // line of its light in the map; 0: the sun, the sky, or light that is everywhere
+    SourceLine line;  // of its light; none: the sun, the sky, or light that is everywhere
 };
 
 class SlotMaker {
@@ -65,15 +65,11 @@ public:
     }
 
 private:
-    [[noreturn]] void RefuseLight(int line, const std::string& problem, const std::string& remedy) const {
-        Refuse(sources_.map, line, problem, remedy);
-    }
-
-    LightSlotRecord& Add(int32_t type, const SlotShape& shape, int line) {
+    LightSlotRecord& Add(int32_t type, const SlotShape& shape, const SourceLine& line) {
         if (slots_.size() == LEVEL_SLOTS_MAX) {
-            RefuseLight(line,
-                        fmt::format("this light needs slot {}, but there are {}", LEVEL_SLOTS_MAX + 1, LEVEL_SLOTS_MAX),
-                        "use fewer lights, larger ones instead of several");
+            Refuse(line,
+                   fmt::format("this light needs slot {}, but there are {}", LEVEL_SLOTS_MAX + 1, LEVEL_SLOTS_MAX),
+                   "use fewer lights, larger ones instead of several");
         }
         LightSlotRecord& record = slots_.emplace_back(Slot{{}, line}).record;
         record.type = type;
@@ -110,7 +106,7 @@ private:
     void AddFar(const Vec3& centre, const Vec3& toLight, double light) {
         const double shown = light * sources_.exposure;
         if (shown < FAR_LEAST) return;
-        Add(LIGHT_PASSIVE, {centre + toLight * FAR_DISTANCE, FAR_RADIUS, shown / LIGHT_STEP / FAR_SHARE}, 0);
+        Add(LIGHT_PASSIVE, {centre + toLight * FAR_DISTANCE, FAR_RADIUS, shown / LIGHT_STEP / FAR_SHARE}, {});
     }
 
     // --- The shape by which a lamp lights the character.
@@ -202,7 +198,7 @@ private:
                 return LengthSquared(Widened(point.position) - shape.position) <= shape.radius * shape.radius;
             });
         if (static_cast<size_t>(reached) <= GATHERED_POINT_LIMIT) return;
-        RefuseLight(
+        Refuse(
             light.line,
             fmt::format("this dynamic light reaches {} points of the world, at most {}", reached, GATHERED_POINT_LIMIT),
             "give it a smaller radius, or the style ramp, blink or flicker");
@@ -232,7 +228,8 @@ private:
 
     // --- What a lamp adds to the world. The engine adds whole light bytes only.
 
-    void AddContributions(const LightField& field, double intensity, double most, int line, LightSlotRecord& record) {
+    void AddContributions(const LightField& field, double intensity, double most, const SourceLine& line,
+                          LightSlotRecord& record) {
         const auto isSeen = [&](double light) { return light * sources_.exposure * most >= 1; };
         const auto weight = [&](double light) {
             return static_cast<float>(light * sources_.exposure / (LIGHT_STEP * intensity));
@@ -255,22 +252,22 @@ private:
         CheckContributions(line, record.cornerCount, file_.corners.size(), "corners of faces with corner light");
     }
 
-    void CheckContributions(int line, int32_t own, size_t total, const char* kind) const {
+    void CheckContributions(const SourceLine& line, int32_t own, size_t total, const char* kind) const {
         if (total <= LIGHT_CONTRIBUTION_MAX) return;
-        RefuseLight(line,
-                    fmt::format("the changing lights up to this one reach {} {}, at most {}; this one reaches {}",
-                                total, kind, LIGHT_CONTRIBUTION_MAX, own),
-                    "give changing lights smaller radii, or leave some out");
+        Refuse(line,
+               fmt::format("the changing lights up to this one reach {} {}, at most {}; this one reaches {}", total,
+                           kind, LIGHT_CONTRIBUTION_MAX, own),
+               "give changing lights smaller radii, or leave some out");
     }
 
-    [[noreturn]] void RefuseLatePolygon(int line, size_t polygon) const {
+    [[noreturn]] void RefuseLatePolygon(const SourceLine& line, size_t polygon) const {
         const WorldCorner& corner = sources_.world.corners[sources_.world.polygons[polygon].firstCorner];
         const Vec3 place = sources_.placement.ToMap(Widened(sources_.world.points[corner.point].position));
-        RefuseLight(line,
-                    fmt::format("this light changes the corner light of polygon {} at ({:.0f} {:.0f} {:.0f}), which "
-                                "only polygons below {} can show",
-                                polygon, place.x, place.y, place.z, CORNER_NUMBER_POLYGONS),
-                    "take \"corner_light\" from the brushes there, or give the light a smaller radius");
+        Refuse(line,
+               fmt::format("this light changes the corner light of polygon {} at ({:.0f} {:.0f} {:.0f}), which "
+                           "only polygons below {} can show",
+                           polygon, place.x, place.y, place.z, CORNER_NUMBER_POLYGONS),
+               "take \"corner_light\" from the brushes there, or give the light a smaller radius");
     }
 
     void CheckCrowding() const {
@@ -281,14 +278,14 @@ private:
                 const Vec3 position{record.position[0], record.position[1], record.position[2]};
                 if (LengthSquared(position - place.place) > record.radiusSquared) continue;
                 ++count;
-                if (line > 0) lines += fmt::format("{}{}", lines.empty() ? "" : ", ", line);
+                if (line.number > 0) lines += fmt::format("{}{}", lines.empty() ? "" : ", ", line.Text());
             }
             if (count <= CHARACTER_LIGHT_COUNT) continue;
             const Vec3 p = sources_.placement.ToMap(place.place);
             Refuse(sources_.map, 0,
                    fmt::format("{} lights reach the player at ({:.0f} {:.0f} {:.0f}), at most {}", count, p.x, p.y, p.z,
                                CHARACTER_LIGHT_COUNT),
-                   "give some of them smaller radii, those of the lines " + lines);
+                   "give some of them smaller radii, those of " + lines);
         }
     }
 

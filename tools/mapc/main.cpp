@@ -25,6 +25,8 @@ int main(int argc, char** argv) {
     CompileFiles files;
     app.add_option("map", files.map, "the .map file")->required();
     app.add_option("--materials", files.materials, "the level's list of materials")->required();
+    app.add_option("--prefabs", files.prefabs, "folder of prefabs that are not beside the map");
+    app.add_option("--depfile", files.depfile, "write the maps that the level depends on, for the build");
     app.add_option("--output", files.output, "the folder to write to")->required();
     app.add_option("--level", files.level, "place the map as this level of the game")
         ->check(CLI::Range(1, LEVEL_COUNT));

@@ -21,9 +21,13 @@ struct Token {
 
 class Scanner {
 public:
-    Scanner(std::string_view text, const std::string& file) : text_(text), file_(file) { Advance(); }
+    Scanner(std::string_view text, const std::string& file)
+        : text_(text), file_(std::make_shared<const std::string>(file)) {
+        Advance();
+    }
 
-    const std::string& File() const { return file_; }
+    SourceLine LineOf(const Token& token) const { return {file_, token.line, nullptr}; }
+    SourceLine Line() const { return LineOf(next_); }
     const Token& Next() const { return next_; }
     bool AtEnd() const { return next_.text.empty() && !next_.quoted; }
     bool Is(std::string_view word) const { return !next_.quoted && next_.text == word; }
@@ -47,7 +51,7 @@ public:
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
         const bool whole = error == std::errc() && end == digits.data() + digits.size();
         if (!whole || !(std::abs(value) < 1e9)) {
-            Refuse(file_, token.line, fmt::format("\"{}\" is not a number", Shown(token.text)), "save the map again");
+            Refuse(LineOf(token), fmt::format("\"{}\" is not a number", Shown(token.text)), "save the map again");
         }
         return value;
     }
@@ -60,15 +64,15 @@ public:
     // Refuses one thing more than the map may hold.
     void Count(size_t count, size_t most, const char* what) const {
         if (count < most) return;
-        Refuse(file_, next_.line, fmt::format("more than {} {}", most, what), "leave some out, or divide the level");
+        Refuse(Line(), fmt::format("more than {} {}", most, what), "leave some out, or divide the level");
     }
 
     void CountBrush() { Count(brushes_++, MAP_BRUSHES_MAX, "brushes in one map"); }
     void CountFace() { Count(faces_++, MAP_FACES_MAX, "faces in one map"); }
 
     [[noreturn]] void Fail(const std::string& problem, const std::string& remedy) const {
-        if (AtEnd()) Refuse(file_, next_.line, "the file ends too early", "it was cut short; save the map again");
-        Refuse(file_, next_.line, problem, remedy);
+        if (AtEnd()) Refuse(Line(), "the file ends too early", "it was cut short; save the map again");
+        Refuse(Line(), problem, remedy);
     }
 
 private:
@@ -96,7 +100,7 @@ private:
         if (text_[at_] == '"') {
             const size_t close = text_.find_first_of("\"\n", at_ + 1);
             if (close == std::string_view::npos || text_[close] == '\n') {
-                Refuse(file_, line_, "a quoted text has no end", "close the quotes on the same line");
+                Refuse({file_, line_, nullptr}, "a quoted text has no end", "close the quotes on the same line");
             }
             next_ = {text_.substr(at_ + 1, close - at_ - 1), true, line_};
             at_ = close + 1;
@@ -108,7 +112,7 @@ private:
     }
 
     std::string_view text_;
-    const std::string& file_;
+    const std::shared_ptr<const std::string> file_;
     size_t at_ = 0;
     int line_ = 1;
     size_t brushes_ = 0, faces_ = 0;  // read so far
@@ -134,7 +138,7 @@ void TakeAxis(Scanner& in, Vec3& direction, double& offset) {
 
 MapFace TakeFace(Scanner& in) {
     MapFace face;
-    face.line = in.Next().line;
+    face.line = in.Line();
     for (Vec3& p : face.points)
         p = TakePoint(in);
     if (in.Is("(")) in.Fail("a face in a form this compiler does not know", "save the map as Standard or Valve 220");
@@ -152,7 +156,7 @@ MapFace TakeFace(Scanner& in) {
     face.vScale = in.TakeNumber();
     for (const double scale : {face.uScale, face.vScale}) {
         if (scale == 0 || std::abs(scale) >= SCALE_MIN) continue;
-        Refuse(in.File(), face.line, fmt::format("a texture scale of {}", scale), "use the editor's default scale");
+        Refuse(face.line, fmt::format("a texture scale of {}", scale), "use the editor's default scale");
     }
     while (in.NextIsNumber())
         in.TakeNumber();
@@ -161,7 +165,7 @@ MapFace TakeFace(Scanner& in) {
 
 MapBrush TakeBrush(Scanner& in) {
     MapBrush brush;
-    brush.line = in.Next().line;
+    brush.line = in.Line();
     in.CountBrush();
     in.Expect("{");
     while (!in.Is("}")) {
@@ -179,7 +183,7 @@ MapBrush TakeBrush(Scanner& in) {
 
 MapEntity TakeEntity(Scanner& in) {
     MapEntity entity;
-    entity.line = in.Next().line;
+    entity.line = in.Line();
     in.Expect("{");
     while (!in.Is("}")) {
         if (in.Is("{")) {
@@ -194,7 +198,7 @@ MapEntity TakeEntity(Scanner& in) {
         in.Count(entity.keys.size(), MAP_KEYS_MAX, "keys of one entity");
         const Token name = in.Take();
         if (!in.Next().quoted) in.Fail("a key without a value", "write keys as \"name\" \"value\"");
-        entity.keys.push_back({std::string(name.text), std::string(in.Take().text), name.line});
+        entity.keys.push_back({std::string(name.text), std::string(in.Take().text), in.LineOf(name)});
     }
     in.Expect("}");
     return entity;
@@ -229,29 +233,28 @@ MapFile ReadMapFile(const std::filesystem::path& path) {
     return ParseMap(std::string(content.begin(), content.end()), path.string());
 }
 
-double NumberKey(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing) {
+double NumberKey(const MapEntity& entity, const std::string& name, double ifMissing) {
     const MapKey* key = entity.Find(name);
     if (!key) return ifMissing;
     double value = 0;
     const char* end = key->value.data() + key->value.size();
     const auto result = std::from_chars(key->value.data(), end, value);
     if (result.ec != std::errc() || result.ptr != end || !(std::abs(value) < 1e9)) {
-        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, Shown(key->value)), "give it one number");
+        Refuse(key->line, fmt::format("the key {} is \"{}\"", name, Shown(key->value)), "give it one number");
     }
     return value;
 }
 
-double NumberKeyIn(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing, double least,
-                   double most) {
-    const double value = NumberKey(map, entity, name, ifMissing);
+double NumberKeyIn(const MapEntity& entity, const std::string& name, double ifMissing, double least, double most) {
+    const double value = NumberKey(entity, name, ifMissing);
     if (value < least || value > most) {
-        Refuse(map.name, entity.Find(name)->line, fmt::format("the key {} is {}", name, value),
+        Refuse(entity.Find(name)->line, fmt::format("the key {} is {}", name, value),
                fmt::format("use {} to {}", least, most));
     }
     return value;
 }
 
-std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const std::string& name) {
+std::optional<Vec3> VectorKey(const MapEntity& entity, const std::string& name) {
     const MapKey* key = entity.Find(name);
     if (!key) return std::nullopt;
     std::istringstream words(key->value);
@@ -264,8 +267,7 @@ std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const
         if (count < 3) vector[static_cast<int>(count)] = value;
     }
     if (count != 3 || !(LengthSquared(vector) < 1e18)) {
-        Refuse(map.name, key->line, fmt::format("the key {} is \"{}\"", name, Shown(key->value)),
-               "give it three numbers");
+        Refuse(key->line, fmt::format("the key {} is \"{}\"", name, Shown(key->value)), "give it three numbers");
     }
     return vector;
 }

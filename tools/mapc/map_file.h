@@ -6,6 +6,7 @@
 #pragma once
 
 #include "mapc/geometry.h"
+#include "mapc/source_line.h"
 
 #include <array>
 #include <filesystem>
@@ -31,24 +32,24 @@ struct MapFace {
     double uScale = 0;    // map units per texel
     double vScale = 0;
     bool smooth = false;  // a terrain's face: lit as one surface with its neighbours
-    int line = 0;
+    SourceLine line;
 };
 
 struct MapBrush {
     std::vector<MapFace> faces;
-    int line = 0;
+    SourceLine line;
 };
 
 struct MapKey {
     std::string name;
     std::string value;
-    int line = 0;
+    SourceLine line;
 };
 
 struct MapEntity {
     std::vector<MapKey> keys;
     std::vector<MapBrush> brushes;
-    int line = 0;
+    SourceLine line;
 
     const MapKey* Find(const std::string& name) const;
     std::string ClassName() const;  // empty when there is none
@@ -63,7 +64,7 @@ MapFile ParseMap(const std::string& text, const std::string& name);  // ContentE
 MapFile ReadMapFile(const std::filesystem::path& path);
 
 // Values of keys; a missing key gives the default, a malformed one a ContentError that names the key's line.
-double NumberKey(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing);
-double NumberKeyIn(const MapFile& map, const MapEntity& entity, const std::string& name, double ifMissing, double least,
+double NumberKey(const MapEntity& entity, const std::string& name, double ifMissing);
+double NumberKeyIn(const MapEntity& entity, const std::string& name, double ifMissing, double least,
                    double most);  // also a ContentError beyond least and most
-std::optional<Vec3> VectorKey(const MapFile& map, const MapEntity& entity, const std::string& name);
+std::optional<Vec3> VectorKey(const MapEntity& entity, const std::string& name);

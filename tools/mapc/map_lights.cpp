@@ -36,7 +36,7 @@ double BrightnessOf(const Vec3& colour) {
     return (0.299 * colour.x + 0.587 * colour.y + 0.114 * colour.z) / most;
 }
 
-const StyleName& StyleOf(const MapFile& map, const MapEntity& entity) {
+const StyleName& StyleOf(const MapEntity& entity) {
     const MapKey* key = entity.Find("style");
     if (!key) return Styles().front();
     std::string known;
@@ -44,28 +44,27 @@ const StyleName& StyleOf(const MapFile& map, const MapEntity& entity) {
         if (key->value == style.name) return style;
         known += fmt::format("{}{}", known.empty() ? "" : ", ", style.name);
     }
-    Refuse(map.name, key->line, fmt::format("the light has the unknown style \"{}\"", Shown(key->value)),
-           "use " + known);
+    Refuse(key->line, fmt::format("the light has the unknown style \"{}\"", Shown(key->value)), "use " + known);
 }
 
-void RefuseIdleKeys(const MapFile& map, const MapEntity& entity, const StyleName& style) {
+void RefuseIdleKeys(const MapEntity& entity, const StyleName& style) {
     for (const char* name : {"low", "rise", "fall", "high_time", "low_time", "start"}) {
         const bool used = std::any_of(style.keys.begin(), style.keys.end(),
                                       [&](const char* key) { return std::string(key) == name; });
         const MapKey* key = entity.Find(name);
         if (used || !key) continue;
-        Refuse(map.name, key->line, fmt::format("the key {} means nothing to a light of style {}", name, style.name),
+        Refuse(key->line, fmt::format("the key {} means nothing to a light of style {}", name, style.name),
                "leave it out, or change the style");
     }
 }
 
-PointLight LightOf(const MapFile& map, const MapEntity& entity) {
-    const std::optional<Vec3> origin = VectorKey(map, entity, "origin");
-    if (!origin) Refuse(map.name, entity.line, "a light has no origin", "place it in the map");
-    const StyleName& style = StyleOf(map, entity);
-    RefuseIdleKeys(map, entity, style);
+PointLight LightOf(const MapEntity& entity) {
+    const std::optional<Vec3> origin = VectorKey(entity, "origin");
+    if (!origin) Refuse(entity.line, "a light has no origin", "place it in the map");
+    const StyleName& style = StyleOf(entity);
+    RefuseIdleKeys(entity, style);
     const auto number = [&](const char* name, double ifMissing, double least, double most) {
-        return NumberKeyIn(map, entity, name, ifMissing, least, most);
+        return NumberKeyIn(entity, name, ifMissing, least, most);
     };
     const auto frames = [&](const char* name, int ifMissing, int least) {
         return static_cast<int>(number(name, ifMissing, least, FRAMES_MAX));
@@ -79,9 +78,9 @@ PointLight LightOf(const MapFile& map, const MapEntity& entity) {
     light.lowTime = frames("low_time", light.lowTime, 1);
     light.start = frames("start", light.start, 0);
     light.line = entity.line;
-    if (const std::optional<Vec3> colour = VectorKey(map, entity, "_color")) light.brightness *= BrightnessOf(*colour);
+    if (const std::optional<Vec3> colour = VectorKey(entity, "_color")) light.brightness *= BrightnessOf(*colour);
     if (light.style != LightStyle::Steady && light.brightness <= 0) {
-        Refuse(map.name, entity.line, fmt::format("a light of style {} does not shine", style.name),
+        Refuse(entity.line, fmt::format("a light of style {} does not shine", style.name),
                "give it a \"light\" above 0");
     }
     return light;
@@ -92,7 +91,7 @@ PointLight LightOf(const MapFile& map, const MapEntity& entity) {
 std::vector<PointLight> ReadLights(const MapFile& map) {
     std::vector<PointLight> lights;
     for (const MapEntity& entity : map.entities) {
-        if (entity.ClassName() == "light") lights.push_back(LightOf(map, entity));
+        if (entity.ClassName() == "light") lights.push_back(LightOf(entity));
     }
     return lights;
 }

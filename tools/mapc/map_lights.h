@@ -24,7 +24,7 @@ struct PointLight {
     int highTime = 30;                      // "high_time": frames that a blinking light is bright
     int lowTime = 30;                       // "low_time": and low
     int start = 0;                          // "start": frames of its cycle that are over when the level begins
-    int line = 0;
+    SourceLine line{};
 };
 
 // In map order. ContentError for a key out of its range and for one that the light's style has no use for.

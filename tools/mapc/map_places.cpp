@@ -16,7 +16,7 @@ constexpr double TIME_MAX = 3600;
 
 struct Mark {
     MarkedPlace place;
-    int line = 0;
+    SourceLine line;
 };
 
 // The angle 0 of a map is east, the heading 0 of the world is +z.
@@ -25,33 +25,31 @@ double HeadingOf(double angle, const Placement& placement) {
     return heading - 360 * std::floor(heading / 360);
 }
 
-Mark MarkOf(const MapFile& map, const MapEntity& entity, const Brushes& brushes, const Placement& placement) {
-    const std::optional<Vec3> origin = VectorKey(map, entity, "origin");
-    if (!origin) Refuse(map.name, entity.line, "info_route has no origin", "place it in the map");
+Mark MarkOf(const MapEntity& entity, const Brushes& brushes, const Placement& placement) {
+    const std::optional<Vec3> origin = VectorKey(entity, "origin");
+    if (!origin) Refuse(entity.line, "info_route has no origin", "place it in the map");
     const std::optional<double> floor = FloorBelow(brushes, *origin);
-    if (!floor) Refuse(map.name, entity.line, "there is no floor below info_route", "put it above a floor");
+    if (!floor) Refuse(entity.line, "there is no floor below info_route", "put it above a floor");
     const Vec3 position = placement.ToEngine({origin->x, origin->y, *floor});
     Mark mark{{.x = position.x, .y = position.y + double{STANDING_HEIGHT}, .z = position.z}, entity.line};
-    const double order = NumberKeyIn(map, entity, "order", 0, 0, ORDER_MAX);
+    const double order = NumberKeyIn(entity, "order", 0, 0, ORDER_MAX);
     if (order != std::floor(order)) {
-        Refuse(map.name, entity.Find("order")->line, fmt::format("the order is {}", order), "use a whole number");
+        Refuse(entity.Find("order")->line, fmt::format("the order is {}", order), "use a whole number");
     }
     mark.place.order = static_cast<int>(order);
-    mark.place.reach = NumberKeyIn(map, entity, "reach", REACH_DEFAULT, 16, 1000);
-    if (entity.Find("angle"))
-        mark.place.heading = HeadingOf(NumberKeyIn(map, entity, "angle", 0, -360, 360), placement);
+    mark.place.reach = NumberKeyIn(entity, "reach", REACH_DEFAULT, 16, 1000);
+    if (entity.Find("angle")) mark.place.heading = HeadingOf(NumberKeyIn(entity, "angle", 0, -360, 360), placement);
     if (const MapKey* name = entity.Find("name")) mark.place.name = Shown(name->value);
     std::replace(mark.place.name.begin(), mark.place.name.end(), '#', '?');  // begins a comment in the file
     return mark;
 }
 
-void CheckOrder(const MapFile& map, const std::vector<Mark>& marks) {
+void CheckOrder(const std::vector<Mark>& marks) {
     int expected = 1;
     for (const Mark& mark : marks) {
         if (mark.place.order == 0) continue;
         if (mark.place.order != expected) {
-            Refuse(map.name, mark.line,
-                   fmt::format("the route's mark {} stands where {} should", mark.place.order, expected),
+            Refuse(mark.line, fmt::format("the route's mark {} stands where {} should", mark.place.order, expected),
                    "number the marks 1, 2, 3 and so on, each once");
         }
         ++expected;
@@ -63,14 +61,14 @@ void CheckOrder(const MapFile& map, const std::vector<Mark>& marks) {
 PlacesFile PlacesOf(const MapFile& map, const Brushes& brushes, const Placement& placement) {
     PlacesFile places;
     places.frame = placement;
-    places.routeTime = NumberKeyIn(map, map.entities[0], "route_time", 0, 0, TIME_MAX);
+    places.routeTime = NumberKeyIn(map.entities[0], "route_time", 0, 0, TIME_MAX);
     std::vector<Mark> marks;
     for (const MapEntity& entity : map.entities) {
-        if (entity.ClassName() == "info_route") marks.push_back(MarkOf(map, entity, brushes, placement));
+        if (entity.ClassName() == "info_route") marks.push_back(MarkOf(entity, brushes, placement));
     }
     const auto rank = [](const Mark& mark) { return mark.place.order == 0 ? ORDER_MAX + 1 : mark.place.order; };
     std::stable_sort(marks.begin(), marks.end(), [&](const Mark& a, const Mark& b) { return rank(a) < rank(b); });
-    CheckOrder(map, marks);
+    CheckOrder(marks);
     for (const Mark& mark : marks)
         places.marks.push_back(mark.place);
     return places;

@@ -64,28 +64,27 @@ PlayerStart FindPlayerStart(const MapFile& map) {
     const MapEntity* found = nullptr;
     for (const MapEntity& entity : map.entities) {
         if (entity.ClassName() != "info_player_start") continue;
-        if (found) Refuse(map.name, entity.line, "a second info_player_start", "keep one");
+        if (found) Refuse(entity.line, "a second info_player_start", "keep one");
         found = &entity;
     }
     if (!found) Refuse(map.name, 0, "there is no info_player_start", "place one where the player begins");
-    const std::optional<Vec3> origin = VectorKey(map, *found, "origin");
-    if (!origin) Refuse(map.name, found->line, "info_player_start has no origin", "place it in the map");
-    const double angle = NumberKey(map, *found, "angle", 0);
+    const std::optional<Vec3> origin = VectorKey(*found, "origin");
+    if (!origin) Refuse(found->line, "info_player_start has no origin", "place it in the map");
+    const double angle = NumberKey(*found, "angle", 0);
     const double quarters = std::floor(angle / 90);
     if (angle != quarters * 90) {
-        Refuse(map.name, found->line, fmt::format("info_player_start looks along {} degrees", angle),
-               "use 0, 90, 180 or 270");
+        Refuse(found->line, fmt::format("info_player_start looks along {} degrees", angle), "use 0, 90, 180 or 270");
     }
     return {*origin, static_cast<int>(quarters - std::floor(quarters / 4) * 4) * 90, found->line};
 }
 
-Placement PlaceMap(const MapFile& map, const Brushes& brushes, const PlayerStart& start, int level, double scale) {
+Placement PlaceMap(const Brushes& brushes, const PlayerStart& start, int level, double scale) {
     Placement placement;
     placement.scale = scale;
     if (level == 0) return placement;
     const std::optional<double> floor = FloorBelow(brushes, start.origin);
     if (!floor) {
-        Refuse(map.name, start.line, "there is no floor below info_player_start", "put it above a floor");
+        Refuse(start.line, "there is no floor below info_player_start", "put it above a floor");
     }
     placement.quarterTurns = (90 - start.angle + 360) / 90 % 4;
     const LevelRow& row = LevelRowOf(level);

@@ -18,7 +18,7 @@ struct Placement : MapFrame {
 struct PlayerStart {
     Vec3 origin;
     int angle = 0;  // degrees, 0 east, 90 north; a multiple of 90
-    int line = 0;
+    SourceLine line;
 };
 
 // The map's info_player_start. ContentError when there is none, more than one, or none with a usable origin and angle.
@@ -29,4 +29,4 @@ std::optional<double> FloorBelow(const Brushes& brushes, const Vec3& p);
 
 // level 0: scaled only. 1..8: the start's east-north position comes to the level's start, the floor below the start to
 // the level's floor, and the start's direction to +z. ContentError when there is no floor below the start.
-Placement PlaceMap(const MapFile& map, const Brushes& brushes, const PlayerStart& start, int level, double scale);
+Placement PlaceMap(const Brushes& brushes, const PlayerStart& start, int level, double scale);

@@ -8,25 +8,25 @@
 
 namespace {
 
-void ReadColour(const MapFile& map, const MapEntity& entity, const char* name, std::array<int, 3>& colour) {
-    const std::optional<Vec3> vector = VectorKey(map, entity, name);
+void ReadColour(const MapEntity& entity, const char* name, std::array<int, 3>& colour) {
+    const std::optional<Vec3> vector = VectorKey(entity, name);
     if (!vector) return;
     for (int channel = 0; channel < 3; ++channel) {
         const double value = (*vector)[channel];
         if (value < 0 || value > 63) {
-            Refuse(map.name, entity.Find(name)->line, fmt::format("the colour {} has a channel of {}", name, value),
+            Refuse(entity.Find(name)->line, fmt::format("the colour {} has a channel of {}", name, value),
                    "use 0 to 63");
         }
         colour[static_cast<size_t>(channel)] = static_cast<int>(value);
     }
 }
 
-void ReadDarkColour(const MapFile& map, const MapEntity& world, const std::optional<std::array<int, 3>>& ofMaterials,
+void ReadDarkColour(const MapEntity& world, const std::optional<std::array<int, 3>>& ofMaterials,
                     std::array<int, 3>& colour) {
     colour = ofMaterials.value_or(colour);
-    ReadColour(map, world, "dark_color", colour);
+    ReadColour(world, "dark_color", colour);
     if (!ofMaterials || colour == *ofMaterials) return;
-    Refuse(map.name, world.Find("dark_color")->line,
+    Refuse(world.Find("dark_color")->line,
            fmt::format("dark_color is {} {} {}, but the level's textures are made for {} {} {}", colour[0], colour[1],
                        colour[2], (*ofMaterials)[0], (*ofMaterials)[1], (*ofMaterials)[2]),
            "leave the key out, or change the dark colour of the textures");
@@ -65,16 +65,18 @@ const std::vector<EntityClass> ENTITY_CLASSES{
     {"func_detail", {"corner_light"}},
     {"func_terrain", {"image", "steep", "steep_from", "high", "high_from"}},
     {"info_route", {"origin", "order", "angle", "reach", "name"}},
+    {"func_instance", {"file", "origin", "angles"}},  // and replace...
     {"light", {"origin", "light", "radius", "style", "low", "rise", "fall", "high_time", "low_time", "start"}},
 };
 
 // Refuses unknown keys, since a misspelt one would go unnoticed. Editors begin their own keys with an underscore, and
 // lights have a _color.
-void CheckKeys(const MapFile& map, const MapEntity& entity, const std::vector<std::string>& known) {
+void CheckKeys(const MapEntity& entity, const std::vector<std::string>& known) {
     for (const MapKey& key : entity.keys) {
         if (key.name == "classname" || key.name.starts_with('_')) continue;
+        if (entity.ClassName() == "func_instance" && key.name.starts_with("replace")) continue;
         if (std::find(known.begin(), known.end(), key.name) != known.end()) continue;
-        Refuse(map.name, key.line, fmt::format("unknown key {} of a {}", Shown(key.name), entity.ClassName()),
+        Refuse(key.line, fmt::format("unknown key {} of a {}", Shown(key.name), entity.ClassName()),
                fmt::format("correct its name, or leave it out; known are {}", fmt::join(known, ", ")));
     }
 }
@@ -88,12 +90,12 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     }
     const MapEntity& world = map.entities[0];
     const auto number = [&](const char* name, double ifMissing, double least, double most) {
-        return NumberKeyIn(map, world, name, ifMissing, least, most);
+        return NumberKeyIn(world, name, ifMissing, least, most);
     };
     settings.scale = number("scale", settings.scale, 0.01, 100);
     settings.subdivide = number("subdivide", settings.subdivide, 0, 8192);
     if (settings.subdivide > 0 && settings.subdivide < 128) {
-        Refuse(map.name, world.Find("subdivide")->line, fmt::format("the key subdivide is {}", settings.subdivide),
+        Refuse(world.Find("subdivide")->line, fmt::format("the key subdivide is {}", settings.subdivide),
                "use 0, or 128 and more: finer surfaces overflow the engine's contact list");
     }
     settings.lightTolerance = number("light_tolerance", settings.lightTolerance, 0, 127);
@@ -102,9 +104,9 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     settings.ambient = number("ambient", settings.ambient, 0, 127);
     settings.ambientDistance = number("ambient_distance", settings.ambientDistance, 1, 100000);
     settings.sun = number("sun", settings.sun, 0, 1000);
-    settings.sunDirection = VectorKey(map, world, "sun_direction").value_or(settings.sunDirection);
+    settings.sunDirection = VectorKey(world, "sun_direction").value_or(settings.sunDirection);
     if (LengthSquared(settings.sunDirection) == 0) {
-        Refuse(map.name, world.Find("sun_direction")->line, "the sun shines in no direction", "use 0 0 -1 for noon");
+        Refuse(world.Find("sun_direction")->line, "the sun shines in no direction", "use 0 0 -1 for noon");
     }
     settings.skyLight = number("sky_light", settings.skyLight, 0, 1000);
     settings.bounce = number("bounce", settings.bounce, 0, 10);
@@ -113,8 +115,8 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     settings.farDistance = static_cast<int>(number("far_distance", settings.farDistance, 1, 1e6));
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
     settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
-    ReadColour(map, world, "bright_color", settings.brightColour);
-    ReadDarkColour(map, world, dark, settings.darkColour);
+    ReadColour(world, "bright_color", settings.brightColour);
+    ReadDarkColour(world, dark, settings.darkColour);
     return settings;
 }
 
@@ -125,10 +127,9 @@ void CheckEntities(const MapFile& map) {
                                         [&](const EntityClass& entityClass) { return entityClass.name == name; });
         if (known == ENTITY_CLASSES.end()) {
             if (name.starts_with("info_")) continue;
-            Refuse(map.name, entity.line,
-                   name.empty() ? "an entity without a classname" : "unknown entity " + Shown(name),
-                   "use worldspawn, func_group, func_detail, func_terrain, light and info_*");
+            Refuse(entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + Shown(name),
+                   "use worldspawn, func_group, func_detail, func_terrain, func_instance, light and info_*");
         }
-        CheckKeys(map, entity, known->keys);
+        CheckKeys(entity, known->keys);
     }
 }

@@ -18,7 +18,7 @@ class TerrainBuilder {
 public:
     TerrainBuilder(const MapFile& map, const MapEntity& entity) : map_(map), entity_(entity) {
         if (entity.brushes.size() != 1) {
-            Refuse(map.name, entity.line, fmt::format("a func_terrain has {} brushes", entity.brushes.size()),
+            Refuse(entity.line, fmt::format("a func_terrain has {} brushes", entity.brushes.size()),
                    "give it one, a box: where the terrain lies and how high it rises");
         }
         ReadBox();
@@ -52,17 +52,17 @@ private:
             }
         }
         const bool isBox = brush.faces.size() == 6 && std::count(sides_.begin(), sides_.end(), nullptr) == 0;
-        if (!isBox) Refuse(map_.name, brush.line, "the brush of a func_terrain is no box", "make it an upright box");
+        if (!isBox) Refuse(brush.line, "the brush of a func_terrain is no box", "make it an upright box");
     }
 
     void ReadImage() {
         const MapKey* key = entity_.Find("image");
-        if (!key) Refuse(map_.name, entity_.line, "a func_terrain has no image", "name a height image beside the map");
+        if (!key) Refuse(entity_.line, "a func_terrain has no image", "name a height image beside the map");
         image_ = ReadHeightImage(std::filesystem::path(map_.name).parent_path() / key->value);
         const Vec3 size = box_.max - box_.min;
         const double cell = std::min(size.x / (image_.width - 1), size.y / (image_.height - 1));
         if (cell >= CELL_MIN) return;
-        Refuse(map_.name, key->line, fmt::format("{} gives cells of {:.0f} units", Shown(key->value), cell),
+        Refuse(key->line, fmt::format("{} gives cells of {:.0f} units", Shown(key->value), cell),
                fmt::format("make it smaller, or the box larger: {:.0f} are the least", CELL_MIN));
     }
 
@@ -73,8 +73,8 @@ private:
         };
         steep_ = texture("steep");
         high_ = texture("high");
-        steepFrom_ = SineCosineOfDegrees(NumberKey(map_, entity_, "steep_from", STEEP_FROM)).cosine;
-        highFrom_ = box_.min.z + NumberKey(map_, entity_, "high_from", (box_.max.z - box_.min.z) / 2);
+        steepFrom_ = SineCosineOfDegrees(NumberKey(entity_, "steep_from", STEEP_FROM)).cosine;
+        highFrom_ = box_.min.z + NumberKey(entity_, "high_from", (box_.max.z - box_.min.z) / 2);
     }
 
     // A corner of the grid, on whole units, so that neighbouring cells meet exactly.

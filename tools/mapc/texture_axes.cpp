@@ -78,21 +78,27 @@ void Inset(Vec3& axis, double& offset, double size) {
 
 }  // namespace
 
+void GiveAxes(MapFace& face, const Vec3& normal) {
+    for (double* scale : {&face.uScale, &face.vScale}) {
+        if (*scale == 0) *scale = UNITS_PER_TEXEL;
+    }
+    if (face.hasAxes) return;
+    const FacingAxes& facing = FacingOf(normal);
+    const SineCosine turn = SineCosineOfDegrees(face.rotation);
+    face.uAxis = Rotated(facing.u, MainAxis(facing.u), MainAxis(facing.v), turn);
+    face.vAxis = Rotated(facing.v, MainAxis(facing.u), MainAxis(facing.v), turn);
+    face.hasAxes = true;
+}
+
 FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& material) {
+    MapFace painted = face;
+    GiveAxes(painted, normal);
     FaceTexture texture;
     texture.material = &material;
     texture.line = face.line;
     texture.smooth = face.smooth;
-    Vec3 u = face.uAxis;
-    Vec3 v = face.vAxis;
-    if (!face.hasAxes) {
-        const FacingAxes& facing = FacingOf(normal);
-        const SineCosine turn = SineCosineOfDegrees(face.rotation);
-        u = Rotated(facing.u, MainAxis(facing.u), MainAxis(facing.v), turn);
-        v = Rotated(facing.v, MainAxis(facing.u), MainAxis(facing.v), turn);
-    }
-    texture.uAxis = u * (1 / (face.uScale != 0 ? face.uScale : UNITS_PER_TEXEL));
-    texture.vAxis = v * (1 / (face.vScale != 0 ? face.vScale : UNITS_PER_TEXEL));
+    texture.uAxis = painted.uAxis * (1 / painted.uScale);
+    texture.vAxis = painted.vAxis * (1 / painted.vScale);
     texture.uOffset = face.uOffset;
     texture.vOffset = face.vOffset;
     return texture;

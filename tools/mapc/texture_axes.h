@@ -14,12 +14,14 @@ struct FaceTexture {
     Vec3 uAxis, vAxis;         // texels per map unit
     double uOffset = 0;        // texels
     double vOffset = 0;
-    int line = 0;  // line of the face in the map
+    SourceLine line;  // of the face in its map
 
     double U(const Vec3& p) const { return (Dot(p, uAxis) + uOffset) * 256; }  // 1/256 texel, as the engine wants it
     double V(const Vec3& p) const { return (Dot(p, vAxis) + vOffset) * 256; }
 };
 
+// Writes a face of the first form in the second, where it can be moved and turned.
+void GiveAxes(MapFace& face, const Vec3& normal);
 // The face's own texture axes, or those that its direction and rotation give.
 FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& material);
 // Whether two textures paint every place alike, apart from whole repeats.

@@ -2,7 +2,7 @@
 #include "formats/error.h"
 #include "formats/files.h"
 #include "texc/contact_sheet.h"
-#include "texc/depfile.h"
+#include "formats/depfile.h"
 #include "texc/level_textures.h"
 #include "texc/material.h"
 

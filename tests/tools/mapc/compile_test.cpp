@@ -101,7 +101,7 @@ TEST(Compile, MapsThatCannotBecomeLevelsAreRefused) {
         {OneRoom().Start("70 70 70"), "a second info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}), "there is no info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("600 0 0"), "the level leaks"},
-        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("-8 64 64"), "is inside the brush of line"},
+        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("-8 64 64"), "is inside the brush of test.map:"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64", 45), "looks along 45 degrees"},
         {OneRoom().BeginEntity("func_door").Box({100, 100, 0}, {164, 164, 64}), "unknown entity func_door"},
         {OneRoom().BeginEntity("info_note").Box({100, 100, 0}, {164, 164, 64}), "a info_note cannot have brushes"},

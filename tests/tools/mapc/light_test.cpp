@@ -166,7 +166,7 @@ TEST(Light, NumberOfThreadsDoesNotMatter) {
 
 TEST(Light, LampsInsideWallsAreRefusedAllAtOnce) {
     const auto compile = [] { Compile(DarkRoom().Light("0 0 -8").Light("0 0 100").Light("517 0 8")); };
-    ExpectRefusal("the light at (0 0 -8) is inside the brush of line 6", compile);
+    ExpectRefusal("the light at (0 0 -8) is inside the brush of test.map:6", compile);
     ExpectRefusal("the light at (517 0 8)", compile);
     EXPECT_EQ(MessageOf(compile).find("0 0 100"), std::string::npos);
 }

@@ -1,4 +1,4 @@
-#include "texc/depfile.h"
+#include "formats/depfile.h"
 
 namespace {
 
