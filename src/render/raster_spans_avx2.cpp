@@ -252,17 +252,18 @@ AVX2_CODE inline __m128i* Bytes(uint8_t* bytes) {
     return reinterpret_cast<__m128i*>(bytes);
 }
 
-// Gathers eight bytes into a word.
+// Gathers eight bytes into a word. They are given as char because the intrinsic, a macro without optimisation, changes
+// their sign, of which g++ warns.
 template <typename ByteOf>
 AVX2_CODE inline __m128i Gather(ByteOf byteOf) {
     __m128i bytes = _mm_cvtsi32_si128(byteOf(0));
-    bytes = _mm_insert_epi8(bytes, byteOf(1), 1);
-    bytes = _mm_insert_epi8(bytes, byteOf(2), 2);
-    bytes = _mm_insert_epi8(bytes, byteOf(3), 3);
-    bytes = _mm_insert_epi8(bytes, byteOf(4), 4);
-    bytes = _mm_insert_epi8(bytes, byteOf(5), 5);
-    bytes = _mm_insert_epi8(bytes, byteOf(6), 6);
-    return _mm_insert_epi8(bytes, byteOf(7), 7);
+    bytes = _mm_insert_epi8(bytes, static_cast<char>(byteOf(1)), 1);
+    bytes = _mm_insert_epi8(bytes, static_cast<char>(byteOf(2)), 2);
+    bytes = _mm_insert_epi8(bytes, static_cast<char>(byteOf(3)), 3);
+    bytes = _mm_insert_epi8(bytes, static_cast<char>(byteOf(4)), 4);
+    bytes = _mm_insert_epi8(bytes, static_cast<char>(byteOf(5)), 5);
+    bytes = _mm_insert_epi8(bytes, static_cast<char>(byteOf(6)), 6);
+    return _mm_insert_epi8(bytes, static_cast<char>(byteOf(7)), 7);
 }
 
 AVX2_CODE inline void TakeDrawn(CoverRow* cover, const uint8_t* pixels, __m128i drawn) {
