@@ -67,7 +67,10 @@ std::string HostResolvePath(const char* gamePath) {
     std::string path = slashed.starts_with('/') ? "" : dataFolder;
     for (size_t start = 0; start < slashed.size();) {
         const size_t end = std::min(slashed.find('/', start), slashed.size());
-        if (end > start) path += "/" + MatchName(path.empty() ? "/" : path, slashed.substr(start, end - start));
+        if (end > start) {
+            const std::string name = MatchName(path.empty() ? "/" : path, slashed.substr(start, end - start));
+            path.append("/").append(name);
+        }
         start = end + 1;
     }
     return path;

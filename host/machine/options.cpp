@@ -142,7 +142,8 @@ std::string ArgumentOf(const OptionEntry& entry) {
 void PrintHelp() {
     std::printf("usage: %s [option]...\n\n", CurrentGame->program);
     for (const OptionEntry& entry : OPTIONS) {
-        const std::string left = entry.name + (entry.argument ? " " + ArgumentOf(entry) : "");
+        std::string left = entry.name;
+        if (entry.argument) left.append(" ").append(ArgumentOf(entry));
         std::printf("  %-32s %s\n", left.c_str(), entry.help);
     }
 }

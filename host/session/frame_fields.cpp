@@ -57,6 +57,6 @@ std::string FieldText(size_t field, const FieldWords& words) {
     const FieldInfo& info = FRAME_FIELDS[field];
     std::string text;
     for (const uint32_t word : words)
-        text += (text.empty() ? "" : ",") + NumberText(info.kind, word);
+        text.append(text.empty() ? "" : ",").append(NumberText(info.kind, word));
     return info.count == 1 ? text : "[" + text + "]";
 }

@@ -44,7 +44,7 @@ bool OpenData(Options& options) {
         if (options.data.empty()) {
             std::string text = "The game's data is missing. It was looked for in";
             for (const auto& folder : folders)
-                text += "\n" + folder.string();
+                text.append("\n").append(folder.string());
             return RefuseData(options,
                               text + "\nInstall it again, build the target `content`, or name the folder that holds "
                                      "game/ and FrontEnd/ with --data.");

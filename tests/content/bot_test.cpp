@@ -26,15 +26,11 @@ struct ShippedLevel {
 std::string RandomScript(int frames, unsigned seed) {
     std::mt19937 random(seed);
     std::ostringstream script;
-    const auto chance = [&](unsigned percent) { return random() % 100 < percent; };
-    for (int frame = 10; frame < frames; frame += 5 + static_cast<int>(random() % 56)) {
-        script << frame << (chance(70) ? " down UP\n" : " up UP\n");
-        script << frame << (chance(15) ? " down LSHIFT\n" : " up LSHIFT\n");
-        script << frame << (chance(10) ? " down DOWN\n" : " up DOWN\n");
-        script << frame << (chance(30) ? " down LEFT\n" : " up LEFT\n");
-        script << frame << (chance(30) ? " down RIGHT\n" : " up RIGHT\n");
-        script << frame << (chance(35) ? " down SPACE\n" : " up SPACE\n");
-    }
+    const std::pair<const char*, unsigned> percents[] = {{"UP", 70},   {"LSHIFT", 15}, {"DOWN", 10},
+                                                         {"LEFT", 30}, {"RIGHT", 30},  {"SPACE", 35}};
+    for (int frame = 10; frame < frames; frame += 5 + static_cast<int>(random() % 56))
+        for (const auto& [key, percent] : percents)
+            script << frame << (random() % 100 < percent ? " down " : " up ") << key << '\n';
     return script.str();
 }
 

@@ -22,20 +22,6 @@ constexpr int HEIGHT = 3;
 constexpr int PICTURE[HEIGHT][WIDTH] = {{0, 1, 1, 0, 0}, {1, 0, 1, 0, 1}, {0, 0, 0, 1, 0}};
 constexpr uint16_t EXPECTED[2] = {3 << 11 | 41 << 5 | 27, 30 << 11 | 8 << 5 | 11};
 const std::filesystem::path FORMATS = SOURCE_FOLDER "/fuzz/corpus/bitmap";
-constexpr const char* FORMAT_NAMES[] = {"one_bit",
-                                        "four_bits",
-                                        "rle4",
-                                        "eight_bits",
-                                        "rle8",
-                                        "high_colour",
-                                        "fields",
-                                        "fields_32",
-                                        "true_colour",
-                                        "long_header",
-                                        "true_colour_32",
-                                        "eight_bits_top_down",
-                                        "true_colour_top_down"};
-
 constexpr uint16_t UNTOUCHED = 0xABCD;
 constexpr int SURFACE_WIDTH = 16;
 constexpr int SURFACE_HEIGHT = 10;
@@ -78,7 +64,9 @@ protected:
 };
 
 TEST_F(Bitmaps, OfEveryFormatDrawTheSamePicture) {
-    for (const char* name : FORMAT_NAMES) {
+    for (const char* name :
+         {"one_bit", "four_bits", "rle4", "eight_bits", "rle8", "high_colour", "fields", "fields_32", "true_colour",
+          "long_header", "true_colour_32", "eight_bits_top_down", "true_colour_top_down"}) {
         SCOPED_TRACE(name);
         SetUp();
         const Bytes file = ReadBitmap(FORMATS / name);

@@ -3,6 +3,7 @@
 #include "host/mci.h"
 #include "machine/clock.h"
 #include "support/sound_file.h"
+#include "support/test_window.h"
 #include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
@@ -31,17 +32,10 @@ protected:
         WriteSound(folder + "/track03.wav", WAV, 8000, 2, Triangle(8000, 2));
         WriteSound(folder + "/track05.wav", WAV, 8000, 2, Triangle(1, 2));
         SetDiscFolder(folder);
-        WNDCLASSA windowClass{};
-        windowClass.lpszClassName = "test";
-        windowClass.lpfnWndProc = Procedure;
-        RegisterClassA(&windowClass);
-        window = CreateWindowExA(0, "test", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+        window = OpenTestWindow(Procedure);
         codes.clear();
     }
-    void TearDown() override {
-        ResetCdDrive();
-        std::filesystem::remove_all(folder);
-    }
+    void TearDown() override { ResetCdDrive(); }
 
     MCIERROR Open() {
         MCI_OPEN_PARMSA open{};

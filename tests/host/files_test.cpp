@@ -26,8 +26,6 @@ protected:
         SetTestDataFolder(folder_.string());
     }
 
-    void TearDown() override { fs::remove_all(folder_); }
-
     std::string Below(const char* path) const { return (folder_ / path).string(); }
 
     fs::path folder_;

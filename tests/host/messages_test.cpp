@@ -2,6 +2,7 @@
 #include "host/win32.h"
 #include "input/devices.h"
 #include "input/message_queue.h"
+#include "support/test_window.h"
 #include "testing/test_machine.h"
 
 #include <gtest/gtest.h>
@@ -19,11 +20,7 @@ class Messages : public testing::Test {
 protected:
     void SetUp() override {
         UseTestMachine();
-        WNDCLASSA windowClass{};
-        windowClass.lpfnWndProc = Procedure;
-        windowClass.lpszClassName = "Game";
-        RegisterClassA(&windowClass);
-        window_ = CreateWindowExA(0, "Game", "Game", 0, 0, 0, 640, 480, nullptr, nullptr, nullptr, nullptr);
+        window_ = OpenTestWindow(Procedure);
     }
 
     BOOL Peek() { return PeekMessageA(&message_, nullptr, 0, 0, PM_REMOVE); }

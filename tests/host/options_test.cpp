@@ -3,9 +3,6 @@
 #include "host/dinput.h"
 #include "machine/game.h"
 
-#include "host/dinput.h"
-#include "machine/game.h"
-
 #include <gtest/gtest.h>
 
 #include <utility>

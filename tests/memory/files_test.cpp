@@ -27,7 +27,6 @@ protected:
         if (ReadStream) std::fclose(ReadStream);
         ReadStream = nullptr;
         PoolForget();
-        fs::remove_all(folder);
     }
 
     void Write(const std::string& name, const std::string& bytes) {

@@ -14,8 +14,6 @@
 #include <fstream>
 #include <optional>
 #include <random>
-#include <string>
-#include <unistd.h>
 
 int ShadedPolygons;
 
@@ -28,11 +26,6 @@ constexpr uint32_t ROOM = 4000;        // entries of every table before the scra
 
 std::optional<TinyWorld> World;
 std::vector<uint8_t> Frame, Pool;
-
-struct RemoveAtEnd {
-    std::filesystem::path folder;
-    ~RemoveAtEnd() { std::filesystem::remove_all(folder); }
-};
 
 }  // namespace
 
@@ -95,17 +88,16 @@ bool GuardsAreIntact() {
 }
 
 void LoadTextures(const std::vector<uint8_t>& file) {
-    const auto folder = std::filesystem::temp_directory_path() / ("scene" + std::to_string(getpid()));
+    const auto folder = std::filesystem::temp_directory_path();
     const auto level = folder / "game/data/levels/level1";
     std::filesystem::create_directories(level);
-    if (!file.empty()) {
-        std::ofstream out(level / "texture.bin", std::ios::binary);
-        out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
-    }
+    std::filesystem::remove(level / "texture.bin");
+    if (!file.empty())
+        std::ofstream(level / "texture.bin", std::ios::binary)
+            .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
     SetTestDataFolder(folder.string());
     Pool.assign(file.size() + POOL_ROOM, 0x55);
     PoolInit(Pool.data(), Pool.data() + Pool.size());
-    const RemoveAtEnd removed{folder};  // also where the loading ends with an exception
     LoadTextureFile(0);
 }
 

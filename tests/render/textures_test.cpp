@@ -23,13 +23,9 @@ protected:
 };
 
 std::string LoadError(const std::vector<uint8_t>& file) {
-    try {
-        LoadTextures(file);
-    } catch (const FatalThrown& fatal) {
-        EXPECT_FALSE(fatal.path.empty());
-        return fatal.text;
-    }
-    return "";
+    const FatalThrown fatal = CatchFatal([&] { LoadTextures(file); });
+    EXPECT_EQ(fatal.path.empty(), fatal.text.empty());
+    return fatal.text;
 }
 
 std::vector<uint8_t> TwoTextures() {
@@ -98,13 +94,9 @@ TEST_F(Textures, AnEmptyOneStopsTheAcceleratorAndNamesItsFile) {
     file[TEXTURE_RECORDS_OFFSET + 10] = 0;  // the first one's width
     LoadTextures(file);
     AppendPolygon({{0, 0, 1, 0, 0, 0}, {0, 1, 1, 0, 0, 0}, {1, 0, 1, 0, 0, 0}});
-    try {
-        L_CreateGlideUVs();
-        ADD_FAILURE() << "accepted";
-    } catch (const FatalThrown& fatal) {
-        EXPECT_EQ(fatal.text, "L_CreateGlideUVs - tm_width  = 0.0");
-        EXPECT_TRUE(fatal.path.ends_with("texture.bin")) << fatal.path;
-    }
+    const FatalThrown fatal = CatchFatal(L_CreateGlideUVs);
+    EXPECT_EQ(fatal.text, "L_CreateGlideUVs - tm_width  = 0.0");
+    EXPECT_TRUE(fatal.path.ends_with("texture.bin")) << fatal.path;
 }
 
 TEST_F(Textures, BlackBrightensOnlyWhereBrighteningIsPlain) {

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr const char* FOLDER = SOURCE_FOLDER "/tests/replay/";
-constexpr const char* DATA = "--data '" SOURCE_FOLDER "/tests/levels/data' ";
+const std::string FOLDER = SOURCE_FOLDER "/tests/replay/";
+const std::string DATA = "--data '" SOURCE_FOLDER "/tests/levels/data' ";
 
 // A sanitized build draws twenty times as slowly: there only short recordings are drawn, of the others the state
 // counts.
@@ -40,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(Play, Recorded, testing::ValuesIn(Recordings()), [](con
 
 TEST_P(Recorded, IsPlayedTheSame) {
     const bool isShort = GetParam() == "again" || GetParam() == "keys_accelerator";
-    const ProgramResult result = ProgramRun().Run(DATA + ("--replay " + FileOf(GetParam()) + (isShort ? "" : UNDRAWN)));
+    const ProgramResult result = ProgramRun().Run(DATA + "--replay " + FileOf(GetParam()) + (isShort ? "" : UNDRAWN));
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.errors.ends_with(" frames, all as recorded\n")) << result.errors;
 }
@@ -73,7 +73,7 @@ protected:
     }
 
     ProgramResult PlayChanged(const std::string& options) const {
-        return program.Run(DATA + ("--replay changed.rec " + options));
+        return program.Run(DATA + "--replay changed.rec " + options);
     }
 
     ProgramRun program;
@@ -128,7 +128,7 @@ TEST_F(Replay, WhatIsNotDrawnChangesNothingThatFollows) {
     for (const char* name : {"keys", "again"}) {
         std::vector<std::string> frames[2];
         for (const uint32_t from : {1u, 50u}) {
-            program.Run(DATA + ("--replay " + FileOf(name) + " --trace t.jsonl --from " + std::to_string(from)));
+            program.Run(DATA + "--replay " + FileOf(name) + " --trace t.jsonl --from " + std::to_string(from));
             std::istringstream trace(program.Read("t.jsonl"));
             for (std::string line; std::getline(trace, line);)
                 frames[from > 1].push_back(line);
@@ -157,12 +157,12 @@ TEST_F(Replay, RefusesWhatItCannotPlay) {
         int status;
     } rows[] = {
         {"--data empty " + keys, "it was recorded with another FrontEnd\\Title.Bmp; replay it with the data", 1},
-        {DATA + std::string("--replay cut.rec"), "cut.rec: the recording is damaged at byte 3000, in game frame ", 2},
+        {DATA + "--replay cut.rec", "cut.rec: the recording is damaged at byte 3000, in game frame ", 2},
         {"--replay empty", "the recording empty cannot be read, or is empty", 2},
         {keys + " --level 3", "--level does not go with a replay", 2},
         {keys + " --record new.rec", "--record does not go with a replay", 2},
         {hardware + " --board none", "was recorded with an accelerator", 2},
-        {DATA + std::string("--record none/x.rec"), "cannot write the recording none/x.rec: ", 2},
+        {DATA + "--record none/x.rec", "cannot write the recording none/x.rec: ", 2},
     };
     for (const auto& row : rows) {
         const ProgramResult result = program.Run(row.arguments);
@@ -172,7 +172,7 @@ TEST_F(Replay, RefusesWhatItCannotPlay) {
 }
 
 TEST_F(Replay, BenchmarkMeasuresEveryStage) {
-    const ProgramResult result = program.Run(DATA + ("--benchmark " + FileOf("again")));
+    const ProgramResult result = program.Run(DATA + "--benchmark " + FileOf("again"));
     EXPECT_EQ(result.status, 0);
     for (const char* part :
          {"100 frames, ", " frames/s", "median ms", "character", "sky", "lights", "world", "present"})

@@ -13,10 +13,7 @@
 class PoolFixture : public testing::Test {
 protected:
     void SetUp() override { FreshPool(POOL_BYTES); }
-    void TearDown() override {
-        PoolForget();
-        std::filesystem::remove(filePath_);
-    }
+    void TearDown() override { PoolForget(); }
 
     void FreshPool(size_t bytes) {
         memory_.assign(bytes, 0x55);
@@ -25,11 +22,7 @@ protected:
 
     // The path of a file that holds these bytes until the next call or the end of the test.
     const char* FileOf(const std::vector<uint8_t>& bytes) {
-        const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
-        std::string name = std::string(test->test_suite_name()) + "_" + test->name();
-        for (char& letter : name)
-            letter = letter == '/' ? '_' : letter;
-        filePath_ = (std::filesystem::temp_directory_path() / (name + ".bin")).string();
+        filePath_ = (std::filesystem::temp_directory_path() / "file.bin").string();
         std::ofstream stream(filePath_, std::ios::binary | std::ios::trunc);
         stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         return filePath_.c_str();

@@ -3,9 +3,9 @@
 
 #include "host/win32.h"
 
-inline HWND OpenTestWindow() {
+inline HWND OpenTestWindow(WNDPROC procedure = DefWindowProcA) {
     WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.lpfnWndProc = procedure;
     windowClass.lpszClassName = "test";
     RegisterClassA(&windowClass);
     return CreateWindowExA(0, "test", "test", WS_POPUP, 0, 0, 640, 480, nullptr, nullptr, nullptr, nullptr);

@@ -14,13 +14,20 @@ public:
     std::string path;  // empty: none was given
 };
 
-// How a call ends: "1: Matrix stack overflow.", the code and the text, or "no fatal error".
+// How a call ends; without a fatal error text and path are empty.
 template <class Call>
-std::string FatalOf(Call call) {
+FatalThrown CatchFatal(Call call) {
     try {
         call();
     } catch (const FatalThrown& fatal) {
-        return std::to_string(fatal.code) + ": " + fatal.text;
+        return fatal;
     }
-    return "no fatal error";
+    return {0, "", nullptr};
+}
+
+// The same as "1: Matrix stack overflow.", the code and the text, or "no fatal error".
+template <class Call>
+std::string FatalOf(Call call) {
+    const FatalThrown fatal = CatchFatal(call);
+    return fatal.text.empty() ? "no fatal error" : std::to_string(fatal.code) + ": " + fatal.text;
 }

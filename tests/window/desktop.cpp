@@ -93,8 +93,6 @@ bool Desktop::Possible() {
 }
 
 Desktop::Desktop() {
-    char pattern[] = "/tmp/tarnwick-window-XXXXXX";
-    folder = mkdtemp(pattern);
     displayName = StartServer(server);
     setenv("DISPLAY", displayName.c_str(), 1);
     display = XOpenDisplay(displayName.c_str());
@@ -106,7 +104,6 @@ Desktop::~Desktop() {
     End(game);
     if (display) XCloseDisplay(display);
     End(server);
-    std::filesystem::remove_all(folder);
 }
 
 void Desktop::StartGame(const std::vector<std::string>& options) {
@@ -137,11 +134,11 @@ int Desktop::GameStatus() {
 }
 
 std::string Desktop::OutputFile() const {
-    return folder + "/output";
+    return testing::TempDir() + "/output";
 }
 
 std::string Desktop::TraceFile() const {
-    return folder + "/trace";
+    return testing::TempDir() + "/trace";
 }
 
 size_t Desktop::TracedFrames() const {

@@ -45,7 +45,6 @@ public:
 private:
     unsigned long GameWindow();
 
-    std::string folder;
     pid_t server = -1, game = -1;
     struct _XDisplay* display = nullptr;  // Xlib's, kept out of this header with its macros
     std::string displayName;

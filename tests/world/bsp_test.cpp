@@ -21,19 +21,15 @@ namespace {
 constexpr const char* INVALID = "Not a valid BSP file";
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
+using Damage = std::function<void(WorldGeometryTables&)>;
+
 // Two leaves on either side of x = 0: a wall with four corners at x = 10, a triangle on the floor at x < 0.
-void PublishTwoLeaves(TinyWorld& world) {
+std::vector<uint8_t> TwoLeavesFile(const Damage& damage = [](WorldGeometryTables&) {}) {
+    TinyWorld world;
     const int16_t wall = world.AddLeaf({{{10, 0, 0}, {10, 0, 8}, {10, 6, 8}, {10, 6, 0}}});
     const int16_t floor = world.AddLeaf({{{0, 0, 0}, {0, 0, -8}, {-8, 0, 0}}});
     world.AddNode({1, 0, 0, 0}, wall, floor);
     world.Publish();
-}
-
-using Damage = std::function<void(WorldGeometryTables&)>;
-
-std::vector<uint8_t> TwoLeavesFile(const Damage& damage = [](WorldGeometryTables&) {}) {
-    TinyWorld world;
-    PublishTwoLeaves(world);
     damage(WorldGeometry);
     return WorldFileBytes();
 }
@@ -43,15 +39,11 @@ protected:
     // The message of the refusal; empty when the file is loaded.
     std::string Refusal(const std::vector<uint8_t>& bytes) {
         FreshPool(POOL_BYTES);
-        try {
-            LoadBspWorld(FileOf(bytes));
-        } catch (const FatalThrown& fatal) {
-            EXPECT_EQ(fatal.code, 0);
-            EXPECT_FALSE(fatal.path.empty());
-            EXPECT_EQ(ReadStream, nullptr) << "the file is left open";
-            return fatal.text;
-        }
-        return "";
+        const FatalThrown fatal = CatchFatal([&] { LoadBspWorld(FileOf(bytes)); });
+        EXPECT_EQ(fatal.code, 0);
+        EXPECT_EQ(fatal.path.empty(), fatal.text.empty());
+        EXPECT_EQ(ReadStream, nullptr) << "the file is left open";
+        return fatal.text;
     }
 };
 

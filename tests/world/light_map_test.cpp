@@ -16,9 +16,9 @@ constexpr size_t COUNTS_OFFSET = 12, VALUES_BYTES = 28;
 
 // Of three points and one polygon.
 std::vector<uint8_t> GoodFile() {
-    std::vector<uint8_t> bytes(COUNTS_OFFSET);
-    bytes.insert(bytes.end(), {0, 0, 0, 3, 0, 0, 0, 1});
-    bytes.resize(bytes.size() + 3 + 8 + VALUES_BYTES);
+    std::vector<uint8_t> bytes(COUNTS_OFFSET + 8 + 3 + 8 + VALUES_BYTES);
+    bytes[COUNTS_OFFSET + 3] = 3;
+    bytes[COUNTS_OFFSET + 7] = 1;
     return bytes;
 }
 

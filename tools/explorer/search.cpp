@@ -1,6 +1,7 @@
 #include "explorer/search.h"
 
 #include "math/vectors.h"
+#include "math/world_planes.h"
 #include "records/walking_facts.h"
 #include "world/collision.h"
 #include "world/world_tables.h"

@@ -17,6 +17,6 @@ std::string Escape(const std::string& path) {
 std::string DepfileLine(const std::string& output, const std::vector<std::filesystem::path>& sources) {
     std::string line = Escape(output) + ":";
     for (const auto& source : sources)
-        line += " " + Escape(source.string());
+        line.append(" ").append(Escape(source.string()));
     return line + "\n";
 }

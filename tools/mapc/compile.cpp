@@ -28,7 +28,7 @@ std::string PlaceText(const Vec3& p) {
         fmt::format("{}: the level leaks: the space around info_player_start is open to the outside", map.name);
     text += ": close the hole along this path:";
     for (const Vec3& p : path)
-        text += " " + PlaceText(p);
+        text.append(" ").append(PlaceText(p));
     throw LeakError(text, path);
 }
 

@@ -1,6 +1,5 @@
 // show_recordings coverage FILE...   what the recordings reach, and how often; status 1 when something is missing
 // show_recordings differences OLD NEW   each field's first difference: field, frame, old, new
-// show_recordings states FILE        the player's states in their order: frame, state, place
 #include "replay/play/recorded_play.h"
 
 #include <algorithm>
@@ -51,21 +50,6 @@ int ShowDifferences(const std::string& oldFile, const std::string& newFile) {
     return 0;
 }
 
-int ShowStates(const std::string& file) {
-    int32_t state = -1;
-    const std::vector<PlayedFrame> play = ReadPlay(file);
-    for (size_t frame = 0; frame < play.size(); ++frame) {
-        const PlayedFrame& now = play[frame];
-        if (now.Whole("state") == state) continue;
-        state = now.Whole("state");
-        std::printf("%6zu %2d  ticks %2d  at %.0f %.0f %.0f  speed %.1f %.1f %.1f\n", frame + 1, state,
-                    now.Whole("ticks"), static_cast<double>(now.Real("pos")), static_cast<double>(now.Real("pos", 1)),
-                    static_cast<double>(now.Real("pos", 2)), static_cast<double>(now.Real("vel")),
-                    static_cast<double>(now.Real("vel", 1)), static_cast<double>(now.Real("vel", 2)));
-    }
-    return 0;
-}
-
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -73,8 +57,7 @@ int main(int argumentCount, char** arguments) {
     try {
         if (words.size() > 1 && words[0] == "coverage") return ShowCoverage({words.begin() + 1, words.end()});
         if (words.size() == 3 && words[0] == "differences") return ShowDifferences(words[1], words[2]);
-        if (words.size() == 2 && words[0] == "states") return ShowStates(words[1]);
-        std::fprintf(stderr, "show_recordings coverage FILE... | differences OLD NEW | states FILE\n");
+        std::fprintf(stderr, "show_recordings coverage FILE... | differences OLD NEW\n");
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "show_recordings: %s\n", error.what());
     }

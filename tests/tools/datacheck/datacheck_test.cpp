@@ -306,7 +306,6 @@ protected:
              {"Title.Bmp", "Options.Bmp", "LoadSave.Bmp", "Lang.Bmp", "Select01.bmp", "Select02.bmp"})
             WriteWholeFile(folder_ / "FrontEnd" / name, EncodeBitmap(Image(640, 480)));
     }
-    void TearDown() override { fs::remove_all(folder_); }
 
     std::string Findings() const {
         Report report;

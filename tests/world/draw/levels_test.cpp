@@ -52,10 +52,10 @@ std::vector<Vec3> PlacesOverFloors() {
         const PolyRecord& polygon = WorldGeometry.polygons[i];
         if (WorldGeometry.planes[polygon.plane].ny > -0.7f) continue;
         Vec3 place = {0, EYE_HEIGHT, 0};
-        for (int k = 0; k < polygon.cornerCount; ++k) {
-            const Vec3 p = WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + k].point].position;
+        for (uint32_t k = 0; k < polygon.cornerCount; ++k) {
+            const Vec3& p = CornerPosition(polygon, k);
             const float share = 1.0f / polygon.cornerCount;
-            place = {place.x + p.x * share, place.y + p.y * share, place.z + p.z * share};
+            place = place + Vec3{p.x * share, p.y * share, p.z * share};
         }
         places.push_back(place);
     }
@@ -67,66 +67,36 @@ constexpr double DEPTH_MARGIN = 0.05;  // polygons nearer than this to each othe
 constexpr double VIEW_MARGIN = 0.95;   // of the view volume in which rays are cast
 
 struct Ray {
-    double origin[3];
-    double direction[3];
+    DoubleVec3 origin, direction;
 };
 
-double Component(const Vec3& v, int axis) {
-    return axis == 0 ? v.x : axis == 1 ? v.y : v.z;
-}
-
 // The distance along the ray, or infinity.
-double Hit(const Ray& ray, int polygon) {
-    const PolyRecord record = WorldGeometry.polygons[polygon];
-    const PlaneRecord& plane = WorldGeometry.planes[record.plane];
-    const double normal[3] = {plane.nx, plane.ny, plane.nz};
-    double distance = plane.d;
-    double speed = 0.0;
-    for (int i = 0; i < 3; ++i) {
-        distance += normal[i] * ray.origin[i];
-        speed += normal[i] * ray.direction[i];
-    }
+double Hit(const Ray& ray, int number) {
+    const PolyRecord& polygon = WorldGeometry.polygons[number];
+    const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
+    const DoubleVec3 normal = {plane.nx, plane.ny, plane.nz}, way = ray.direction;
+    const double distance = Dot(normal, ray.origin) + plane.d, speed = Dot(normal, way);
     constexpr double MISS = std::numeric_limits<double>::infinity();
     if (distance >= 0.0 || speed < 1e-6) return MISS;
     const double t = -distance / speed;
-    double hit[3];
-    for (int i = 0; i < 3; ++i)
-        hit[i] = ray.origin[i] + t * ray.direction[i];
-    for (int k = 0; k < record.cornerCount; ++k) {
-        const Vec3 a = WorldGeometry.points[WorldGeometry.polyVertices[record.firstVertex + k].point].position;
-        const int next = (k + 1) % record.cornerCount;
-        const Vec3 b = WorldGeometry.points[WorldGeometry.polyVertices[record.firstVertex + next].point].position;
-        double edge[3], inside[3], length = 0.0, side = 0.0;
-        for (int i = 0; i < 3; ++i) {
-            edge[i] = Component(b, i) - Component(a, i);
-            inside[i] = hit[i] - Component(a, i);
-            length += edge[i] * edge[i];
-        }
-        for (int i = 0; i < 3; ++i) {
-            const int j = (i + 1) % 3;
-            const int l = (i + 2) % 3;
-            side += normal[i] * (edge[j] * inside[l] - edge[l] * inside[j]);
-        }
-        if (side < EDGE_MARGIN * std::sqrt(length)) return MISS;
+    const DoubleVec3 hit = ray.origin + DoubleVec3{t * way.x, t * way.y, t * way.z};
+    for (uint32_t k = 0; k < polygon.cornerCount; ++k) {
+        const DoubleVec3 corner = ToDouble(CornerPosition(polygon, k));
+        const DoubleVec3 edge = ToDouble(CornerPosition(polygon, (k + 1) % polygon.cornerCount)) - corner;
+        if (Dot(normal, Cross(edge, hit - corner)) < EDGE_MARGIN * std::sqrt(Dot(edge, edge))) return MISS;
     }
     return t;
 }
 
-std::vector<int> FacingPolygonsOf(const BspLeaf& leaf) {
-    std::vector<int> facing;
-    for (int p = leaf.firstPolygon; p < leaf.firstPolygon + leaf.polygonCount; ++p) {
-        if (PolySideOfCamera(p) < 0) facing.push_back(p);
-    }
-    return facing;
-}
-
+// Those that are turned to the eye, in the order of drawing.
 std::vector<int> DrawnPolygons() {
     std::vector<int> drawn;
     for (int i = 0; i < RenderListCount; ++i) {
         const int32_t entry = WorldGeometry.renderList[i];
         if (entry >= CHARACTER_ENTRY) continue;
-        const std::vector<int> leaf = FacingPolygonsOf(WorldGeometry.leaves[entry < 0 ? ~entry : entry]);
-        drawn.insert(drawn.end(), leaf.begin(), leaf.end());
+        const BspLeaf& leaf = WorldGeometry.leaves[entry < 0 ? ~entry : entry];
+        for (int p = leaf.firstPolygon; p < leaf.firstPolygon + leaf.polygonCount; ++p)
+            if (PolySideOfCamera(p) < 0 && CanBeSeen(p)) drawn.push_back(p);
     }
     return drawn;
 }
@@ -147,8 +117,7 @@ public:
         LookFrom(eye, pitch, Between(0.0f, 360.0f));
         FrameCount = static_cast<uint16_t>(FrameCount + 1);
         RenderWorld();
-        std::vector<int> drawn = DrawnPolygons();
-        std::erase_if(drawn, [&](int polygon) { return !CanBeSeen(polygon); });
+        const std::vector<int> drawn = DrawnPolygons();
         for (int i = 0; i < RAYS; ++i)
             Cast(RandomRay(eye), eye, drawn);
     }
@@ -176,13 +145,9 @@ private:
             const double t = Hit(ray, polygon);
             if (std::isinf(t)) continue;
             ++crossings;
-            if (t > nearest + DEPTH_MARGIN) {
+            if (t > nearest + DEPTH_MARGIN)
                 faults.push_back(Describe("is drawn over the nearer", eye, polygon, nearestPolygon));
-            }
-            if (t < nearest) {
-                nearest = t;
-                nearestPolygon = polygon;
-            }
+            if (t < nearest) nearest = t, nearestPolygon = polygon;
         }
         CheckNothingIsMissing(ray, eye, nearest, nearestPolygon);
     }
