@@ -5,10 +5,11 @@
 
 #include <gtest/gtest.h>
 
-TEST(RayProbe, OfTwoWallsInTwoLeavesTheNearerHoldsTheCamera) {
+TEST(RayProbe, TheNearestOfSeveralWallsHoldsTheCamera) {
+    const auto wall = [](float x) { return FacingSquare({x, 0, 0}, {-1, 0, 0}, 50); };
     TinyWorld world;
-    const int16_t nearLeaf = world.AddLeaf({FacingSquare({10, 0, 0}, {-1, 0, 0}, 50)});
-    world.AddNode({1, 0, 0, -15}, world.AddLeaf({FacingSquare({20, 0, 0}, {-1, 0, 0}, 50)}), nearLeaf);
+    const int16_t nearLeaf = world.AddLeaf({wall(12), wall(10)});
+    world.AddNode({1, 0, 0, -15}, world.AddLeaf({wall(20)}), nearLeaf);
     world.Publish();
     EXPECT_FLOAT_EQ(CameraRayDistance({0, 0, 0}, {30, 0, 0}), 10);
 }
