@@ -33,11 +33,11 @@ protected:
         CharPolygon_ = WorldGeometry.used.polygons;
     }
 
-    // With normals that hold their x.
+    // With normals that hold their x, and u and v laid out as x and z.
     void AddTriangle(Vec3 a, Vec3 b, Vec3 c) {
         const uint32_t first = WorldGeometry.used.points;
         AppendVisible(static_cast<uint32_t>(
-            AppendPolygon({{a.x, a.y, a.z, 0, 0, 0}, {b.x, b.y, b.z, 0, 0, 0}, {c.x, c.y, c.z, 0, 0, 0}})));
+            AppendPolygon({{a.x, a.y, a.z, a.x, a.z, 0}, {b.x, b.y, b.z, b.x, b.z, 0}, {c.x, c.y, c.z, c.x, c.z, 0}})));
         for (uint32_t p = first; p < first + 3; ++p)
             WorldGeometry.points[p].normal = {0, WorldGeometry.viewPoints[p].x, 0};
     }
@@ -51,7 +51,7 @@ protected:
 };
 
 // All else about pieces is recorded.
-TEST_F(Bins, APieceHasTheNormalsOfItsPlaces) {
+TEST_F(Bins, APieceHasTheNormalsAndTexelsOfItsPlaces) {
     AddTriangle({-40, 0, -30}, {50, 0, -20}, {10, 0, 60});
     Bin({99, 0, -99});  // just near enough to the planes
     for (int leaf = 0; leaf < 4; ++leaf) {
@@ -59,8 +59,11 @@ TEST_F(Bins, APieceHasTheNormalsOfItsPlaces) {
         for (int i = 0; i < LeafBins[leaf].count; ++i) {
             const PolyRecord record = WorldGeometry.polygons[LeafBins[leaf].polygons[i]];
             for (uint32_t k = 0; k < record.cornerCount; ++k) {
-                const uint32_t point = WorldGeometry.polyVertices[record.firstVertex + k].point;
-                EXPECT_NEAR(WorldGeometry.points[point].normal.y, WorldGeometry.viewPoints[point].x, 1e-3f);
+                const PolyVertex& corner = WorldGeometry.polyVertices[record.firstVertex + k];
+                const ViewPoint& place = WorldGeometry.viewPoints[corner.point];
+                EXPECT_NEAR(WorldGeometry.points[corner.point].normal.y, place.x, 1e-3f);
+                EXPECT_NEAR(corner.u, place.x, 1e-3f);
+                EXPECT_NEAR(corner.v, place.z, 1e-3f);
             }
         }
     }
