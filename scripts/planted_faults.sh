@@ -113,7 +113,7 @@ run_tests() {
     return 1
 }
 
-planted=''
+planted='' first=''
 remove_fault() {
     [ -z "$planted" ] || cp "$planted" "$copy/$planted"
     planted=''
@@ -133,7 +133,7 @@ copy_tree
 configure
 programs=$(ninja -C "$build" -t targets all | sed -n 's/^\(test_[a-z_]*\): phony$/\1/p')
 run_tests "$(printf '%s\n' "${tests[@]}" | tr ' ' '\n' | sort -u | xargs)" ||
-    fail "without any fault, $first fails, or nothing compiles, see $log"
+    fail "without any fault ${first:-something} fails or does not compile, see $log"
 
 found=0 missed=0 broken=0 table=''
 for i in "${!files[@]}"; do
