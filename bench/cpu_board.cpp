@@ -75,10 +75,10 @@ void MeasureParts() {
     OpenCpuBoard(1);
     const std::vector<GrVertex> vertices = Triangles(SCENES[0]);
     // Over a row's centre line, but between the centres of its pixels.
-    const auto dot = [](float x, float y) { return GrVertex{x, y, 0.01F, 255, 255, 255, 16, {{0, 0}}}; };
+    const auto dot = [](float x, float y) { return GrVertex{x, y, 0.01f, 255, 255, 255, 16, {{0, 0}}}; };
     std::vector<GrVertex> dots;
     for (int i = 0; i < 1000; ++i)
-        for (const GrVertex& corner : {dot(100.625F, 100.25F), dot(100.625F, 101.25F), dot(101.25F, 101.25F)})
+        for (const GrVertex& corner : {dot(100.625f, 100.25f), dot(100.625f, 101.25f), dot(101.25f, 101.25f)})
             dots.push_back(corner);
     Rounds rounds;
     const size_t works[] = {

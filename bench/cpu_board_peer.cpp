@@ -97,7 +97,7 @@ ClipVertex ToClip(const PeerVertex& vertex) {
     const float w = vertex.w;
     return {{(vertex.x * 2 / WIDTH - 1) * w, (vertex.y * 2 / HEIGHT - 1) * w, w - 2, w},
             {vertex.s / PEER_TEXTURE_SIDE, vertex.t / PEER_TEXTURE_SIDE},
-            std::clamp((w - fogNearW) / (fogFarW - fogNearW), 0.0F, 1.0F),
+            std::clamp((w - fogNearW) / (fogFarW - fogNearW), 0.0f, 1.0f),
             {vertex.colour[0], vertex.colour[1], vertex.colour[2], vertex.colour[3]}};
 }
 

@@ -22,7 +22,7 @@ namespace {
 
 constexpr int RECORDED_FRAME = 80;
 constexpr int ROUNDS = 15;
-constexpr double MOST_MILLISECONDS = 1000.0 / 60;
+constexpr double MILLISECONDS_MAX = 1000.0 / 60;
 
 int Level;
 int FrameNumber;
@@ -57,7 +57,7 @@ void Print(const char* name, const Rounds& rounds, size_t work) {
     const double milliseconds = rounds.Median(work) * 1e-6;
     std::fprintf(Output, "  %-22s %7.3f ms  spread %4.1f %%  %6.2f million triangles/s  %7.1f million pixels/s%s\n",
                  name, milliseconds, 100 * rounds.Spread(work), load.triangles / milliseconds * 1e-3,
-                 load.pixels / milliseconds * 1e-3, milliseconds <= MOST_MILLISECONDS ? "" : "  MISSED");
+                 load.pixels / milliseconds * 1e-3, milliseconds <= MILLISECONDS_MAX ? "" : "  MISSED");
 }
 
 void Measure(const char* name, const Board& board, Rounds::Clock clock) {

@@ -1,5 +1,5 @@
 // The texts that the tools read besides maps and scores: the first byte chooses whose, the rest is the text.
-#include "charc/recipe.h"
+#include "charc/recipe_reader.h"
 #include "formats/error.h"
 #include "formats/material_list.h"
 #include "picc/picture.h"

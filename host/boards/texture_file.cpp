@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr size_t LONGEST_LINE = 1024;
+constexpr size_t LINE_LENGTH_MAX = 1024;
 
 struct FormatName {
     const char* name;
@@ -35,12 +35,12 @@ constexpr FormatName FORMAT_NAMES[] = {
     {"ap88", GR_TEXFMT_AP_88},
 };
 
-// Reads a line in lower case, without its end and the spaces around it. False: no line end within LONGEST_LINE
+// Reads a line in lower case, without its end and the spaces around it. False: no line end within LINE_LENGTH_MAX
 // characters.
 bool ReadLine(std::FILE* file, std::string& line) {
     line.clear();
     for (int c = std::fgetc(file); c != '\n'; c = std::fgetc(file)) {
-        if (c == EOF || line.size() == LONGEST_LINE) return false;
+        if (c == EOF || line.size() == LINE_LENGTH_MAX) return false;
         line += static_cast<char>(std::tolower(c));
     }
     line.erase(line.find_last_not_of(" \t\r") + 1);

@@ -14,8 +14,8 @@ constexpr DWORD COMPRESSION_RLE8 = 1;
 constexpr DWORD COMPRESSION_RLE4 = 2;
 constexpr DWORD COMPRESSION_MASKS = 3;
 
-constexpr int64_t MAX_SIDE = 32767;
-constexpr int64_t MAX_UNPACKED_PIXELS = 16 << 20;
+constexpr int64_t SIDE_MAX = 32767;
+constexpr int64_t UNPACKED_PIXELS_MAX = 16 << 20;
 
 uint32_t ReadLong(const uint8_t* bytes) {
     uint32_t value;
@@ -150,7 +150,7 @@ bool ReadRows(const uint8_t* data, size_t bytes, DWORD compression, BitmapSource
         bitmap.stride = static_cast<size_t>((bitmap.width * bitmap.bits + 31) / 32 * 4);
         return bitmap.stride * static_cast<size_t>(bitmap.height) <= bytes;
     }
-    if (bitmap.width * bitmap.height > MAX_UNPACKED_PIXELS) return false;
+    if (bitmap.width * bitmap.height > UNPACKED_PIXELS_MAX) return false;
     bitmap.unpacked.assign(static_cast<size_t>(bitmap.width * bitmap.height), 0);
     RunLengthReader(data, bytes, compression == COMPRESSION_RLE4, bitmap).Read();
     bitmap.bits = 8;
@@ -197,8 +197,8 @@ bool ReadBitmap(const BITMAPINFOHEADER* info, const void* bits, BitmapSource& bi
     bitmap.height = std::abs(int64_t{header.biHeight});
     bitmap.bits = header.biBitCount;
     bitmap.topDown = header.biHeight < 0;
-    if (header.biSize < sizeof header || bitmap.width < 1 || bitmap.height < 1 || bitmap.width > MAX_SIDE ||
-        bitmap.height > MAX_SIDE || !KnownFormat(header))
+    if (header.biSize < sizeof header || bitmap.width < 1 || bitmap.height < 1 || bitmap.width > SIDE_MAX ||
+        bitmap.height > SIDE_MAX || !KnownFormat(header))
         return false;
     if (bitmap.bits <= 8)
         ReadColours(infoStart, infoBytes, header, bitmap);

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr uint32_t MAX_SIDE = 4096;
+constexpr uint32_t SIDE_MAX = 4096;
 
 class Palette final : public IDirectDrawPalette {
 public:
@@ -285,7 +285,7 @@ private:
     static HRESULT CreateOffscreen(const DDSURFACEDESC& description, IDirectDrawSurface** surface) {
         const uint32_t width = description.dwWidth;
         const uint32_t height = description.dwHeight;
-        if (width == 0 || height == 0 || width > MAX_SIDE || height > MAX_SIDE) return DDERR_INVALIDPARAMS;
+        if (width == 0 || height == 0 || width > SIDE_MAX || height > SIDE_MAX) return DDERR_INVALIDPARAMS;
         const bool videoMemory = !(description.ddsCaps.dwCaps & DDSCAPS_SYSTEMMEMORY);
         *surface = new Surface(width, height, ProgramScreenMode()->bits, videoMemory);
         return DD_OK;

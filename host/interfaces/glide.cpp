@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr float LEAST_POSITION = -2048.0F;
-constexpr float GREATEST_POSITION = 2047.0F;
-constexpr float GREATEST_VALUE = 1e9F;
+constexpr float POSITION_MIN = -2048.0f;
+constexpr float GREATEST_POSITION = 2047.0f;
+constexpr float GREATEST_VALUE = 1e9f;
 constexpr uint32_t RGB_MASK = 0xFFFFFF;
 
 constexpr uint32_t READ_BACK_STRIDE = 2048;
@@ -21,7 +21,7 @@ constexpr uint32_t READ_BACK_STRIDE = 2048;
 std::vector<uint16_t> readBack;
 
 bool IsPosition(float value) {
-    return value >= LEAST_POSITION && value <= GREATEST_POSITION;
+    return value >= POSITION_MIN && value <= GREATEST_POSITION;
 }
 
 bool IsUsable(const BoardVertex& vertex) {

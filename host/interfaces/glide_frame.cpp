@@ -7,7 +7,7 @@ GlideState Glide;
 
 namespace {
 
-constexpr size_t MOST_VERTICES = size_t{1} << 18;  // vertices that a collected frame holds at most
+constexpr size_t VERTICES_MAX = size_t{1} << 18;  // vertices that a collected frame holds at most
 
 BoardFrame frame;
 bool stateIsNew = true;
@@ -29,7 +29,7 @@ void AddVertices(BoardAction action, std::initializer_list<BoardVertex> vertices
         frame.runs.push_back({action, static_cast<uint32_t>(frame.vertices.size()), 0, state, 0});
     frame.vertices.insert(frame.vertices.end(), vertices);
     frame.runs.back().count += static_cast<uint32_t>(vertices.size());
-    if (frame.vertices.size() >= MOST_VERTICES) FlushFrame();
+    if (frame.vertices.size() >= VERTICES_MAX) FlushFrame();
 }
 
 void AddClear(BoardAction action, uint32_t value) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr uintptr_t LEAST_BYTES = 16;
+constexpr uintptr_t BYTES_MIN = 16;
 
 std::map<uintptr_t, uintptr_t> blocks;  // start, bytes
 
@@ -24,7 +24,7 @@ size_t GlobalBytesFrom(const void* address) {
 }
 
 HGLOBAL GlobalAlloc(UINT, uintptr_t bytes) {
-    const uintptr_t size = std::max(bytes, LEAST_BYTES);
+    const uintptr_t size = std::max(bytes, BYTES_MIN);
     void* block = std::calloc(1, size);
     if (block) blocks[reinterpret_cast<uintptr_t>(block)] = size;
     return block;

@@ -22,7 +22,7 @@ void TellFailure() {
 
 namespace {
 
-constexpr unsigned LONGEST_RESCUE = 5;  // seconds until the process is ended anyhow
+constexpr unsigned RESCUE_MAX = 5;  // seconds until the process is ended anyhow
 constexpr size_t STACK_BYTES = 64 * 1024;
 
 struct Fault {
@@ -42,7 +42,7 @@ thread_local volatile std::sig_atomic_t guarded = 0;
 void OnFault(int signal) {
     if (guarded) siglongjmp(resumePoint, signal);
     std::signal(signal, SIG_DFL);
-    alarm(LONGEST_RESCUE);  // the fault may have left any state behind, in which the rescue hangs
+    alarm(RESCUE_MAX);  // the fault may have left any state behind, in which the rescue hangs
     TellFailure();
     std::raise(signal);
 }

@@ -6,11 +6,11 @@ namespace {
 
 // Programs wait by reading the clock until it is late enough. A clock that naps within the same millisecond is read
 // again here, so that a recording need not hold as many readings that say nothing.
-constexpr int MOST_READINGS = 8;
+constexpr int READINGS_MAX = 8;
 
 void ReadChangedClock() {
     const uint32_t before = ClockNow();
-    for (int readings = 0; readings < MOST_READINGS && ReadClock() == before; ++readings) {
+    for (int readings = 0; readings < READINGS_MAX && ReadClock() == before; ++readings) {
     }
 }
 

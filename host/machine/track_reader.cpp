@@ -44,11 +44,11 @@ bool KnownCoding(int format) {
 std::string ProblemOf(const SF_INFO& info) {
     if (!KnownCoding(info.format)) return "neither plain WAV nor FLAC nor Ogg Vorbis";
     if (info.channels != 1 && info.channels != 2) return std::to_string(info.channels) + " channels, not one or two";
-    if (info.samplerate < static_cast<int>(TRACK_LEAST_RATE) || info.samplerate > static_cast<int>(TRACK_MOST_RATE))
-        return std::to_string(info.samplerate) + " Hz, not " + std::to_string(TRACK_LEAST_RATE) + " to " +
-               std::to_string(TRACK_MOST_RATE);
+    if (info.samplerate < static_cast<int>(TRACK_RATE_MIN) || info.samplerate > static_cast<int>(TRACK_RATE_MAX))
+        return std::to_string(info.samplerate) + " Hz, not " + std::to_string(TRACK_RATE_MIN) + " to " +
+               std::to_string(TRACK_RATE_MAX);
     if (info.frames <= 0) return "no sound in it";
-    if (info.frames / info.samplerate >= TRACK_MOST_MILLISECONDS / 1000) return "longer than 100 minutes";
+    if (info.frames / info.samplerate >= TRACK_MILLISECONDS_MAX / 1000) return "longer than 100 minutes";
     return {};
 }
 

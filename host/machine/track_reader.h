@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-constexpr uint32_t TRACK_LEAST_RATE = 8000, TRACK_MOST_RATE = 192000;  // Hz
-constexpr uint32_t TRACK_MOST_MILLISECONDS = 100 * 60 * 1000;
+constexpr uint32_t TRACK_RATE_MIN = 8000, TRACK_RATE_MAX = 192000;  // Hz
+constexpr uint32_t TRACK_MILLISECONDS_MAX = 100 * 60 * 1000;
 
 class TrackReader {
 public:

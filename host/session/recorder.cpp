@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr size_t MOST_BYTES = size_t{64} << 20;  // several hours; a longer run is recorded up to there
+constexpr size_t BYTES_MAX = size_t{64} << 20;  // several hours; a longer run is recorded up to there
 
 std::optional<RecordingWriter> writer;
 bool isAskedFor = false;
@@ -132,7 +132,7 @@ void RecordFrame(const RecordedFrame& frame) {
     if (!writer) return;
     section.frame = frame;
     EndSection();
-    if (writer->Bytes().size() < MOST_BYTES) return;
+    if (writer->Bytes().size() < BYTES_MAX) return;
     HostLog("the recording ends here: it is %zu bytes long", writer->Bytes().size());
     FinishRecorder();
 }

@@ -34,7 +34,7 @@ constexpr AnswerFormat FORMATS[ANSWER_KINDS] = {
     {3, {{0, UINT32_MAX}, ANY_WORD, ANY_WORD}},
     {1, {{0, UINT32_MAX}}},
 };
-constexpr uint64_t MOST_KEYS = 256;
+constexpr uint64_t KEYS_MAX = 256;
 
 uint64_t ZigZag(int64_t value) {
     return static_cast<uint64_t>(value) << 1 ^ static_cast<uint64_t>(value >> 63);
@@ -212,11 +212,11 @@ void RecordingReader::ReadAnswers(AnswerKind kind, Answers& answers) {
         AnswerRun& run = answers.emplace_back();
         run.times = static_cast<uint32_t>(Number(UINT32_MAX));
         if (run.times == 0) Fail("a number is out of range");
-        uint64_t keys = kind == ANSWER_KEYS ? Number(MOST_KEYS) : 0;
+        uint64_t keys = kind == ANSWER_KEYS ? Number(KEYS_MAX) : 0;
         for (size_t i = 0; i < format.words; ++i)
             run.words.push_back(Signed(format.ranges[i].least, format.ranges[i].most));
         for (; keys > 0 && !problem_; --keys)
-            run.words.push_back(Signed(0, MOST_KEYS - 1));
+            run.words.push_back(Signed(0, KEYS_MAX - 1));
     }
 }
 

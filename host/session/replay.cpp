@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr uint32_t MOST_BEYOND = 100000;  // answers that nobody recorded: the game waits for one that does not come
-constexpr int32_t LONGEST_PAUSE = 1000;   // ms, of a replay in a window
+constexpr uint32_t BEYOND_MAX = 100000;  // answers that nobody recorded: the game waits for one that does not come
+constexpr int32_t PAUSE_MAX = 1000;      // ms, of a replay in a window
 
 std::string file;
 std::vector<uint8_t> bytes;
@@ -77,7 +77,7 @@ const AnswerRun* TakeAnswer(AnswerKind kind) {
     }
     const uint32_t frame = Progress.framesPlayed + 1;
     if (section.end) EndAsRecorded(frame);
-    if (++beyond > MOST_BEYOND) Differ(InFrame(frame) + "the game waits for an answer that was not recorded");
+    if (++beyond > BEYOND_MAX) Differ(InFrame(frame) + "the game waits for an answer that was not recorded");
     return nullptr;
 }
 
@@ -151,7 +151,7 @@ void CompareRest(uint32_t frame, const std::optional<uint64_t>& pixels) {
 // cut short.
 void KeepPace() {
     const auto ahead = [] { return static_cast<int32_t>(paceStart + clockNow - CurrentMachine->milliseconds()); };
-    if (!hasPace || ahead() > LONGEST_PAUSE) paceStart = CurrentMachine->milliseconds() - clockNow;
+    if (!hasPace || ahead() > PAUSE_MAX) paceStart = CurrentMachine->milliseconds() - clockNow;
     hasPace = true;
     while (ahead() > 0) {
     }

@@ -11,16 +11,16 @@ namespace {
 
 using Words = std::vector<std::string_view>;
 
-constexpr size_t LONGEST_SCRIPT = 16;  // MiB
+constexpr size_t SCRIPT_MAX = 16;  // MiB
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-constexpr size_t LONGEST_QUOTE = 80;
+constexpr size_t QUOTE_LENGTH_MAX = 80;
 
 // A word as messages quote it: cut short, and without control characters.
 std::string Quote(std::string_view word) {
-    std::string quote(word.substr(0, LONGEST_QUOTE));
+    std::string quote(word.substr(0, QUOTE_LENGTH_MAX));
     std::replace_if(
         quote.begin(), quote.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, '?');
-    return '"' + quote + (word.size() > LONGEST_QUOTE ? "...\"" : "\"");
+    return '"' + quote + (word.size() > QUOTE_LENGTH_MAX ? "...\"" : "\"");
 }
 
 Words SplitLine(std::string_view line) {
@@ -148,5 +148,5 @@ bool ParseScript(std::string_view text, const std::string& name, Script& script,
 
 bool LoadScript(const std::string& file, Script& script, std::string& error) {
     std::string text;
-    return ReadTextFile(file, LONGEST_SCRIPT, text, error) && ParseScript(text, file, script, error);
+    return ReadTextFile(file, SCRIPT_MAX, text, error) && ParseScript(text, file, script, error);
 }

@@ -6,6 +6,7 @@
 #include "app/load_level.h"
 #include "app/pump.h"
 #include "camera/camera.h"
+#include "memory/shutdown.h"
 #include "memory/system.h"
 #include "platform/cd_audio.h"
 #include "platform/display.h"

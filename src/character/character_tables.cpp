@@ -6,4 +6,4 @@ int16_t ActorCount;
 
 CharacterLight CharacterLightList[CHARACTER_LIGHT_COUNT];
 int32_t CharacterLightCount;
-LeafBin LeafBins[BSP_MAX_LEAVES];
+LeafBin LeafBins[BSP_LEAVES_MAX];

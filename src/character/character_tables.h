@@ -27,4 +27,4 @@ struct LeafBin {
     uint16_t* polygons;
     int32_t count;
 };
-extern LeafBin LeafBins[BSP_MAX_LEAVES];
+extern LeafBin LeafBins[BSP_LEAVES_MAX];

@@ -25,9 +25,9 @@ struct Corner {
 };
 
 // The visible list; the sub-lists of the recursion lie behind it.
-uint16_t Visible[BIN_LIMIT];
+uint16_t Visible[BIN_MAX];
 uint32_t VisibleUsed;
-uint16_t BinPool[BIN_LIMIT];
+uint16_t BinPool[BIN_MAX];
 uint32_t BinPoolUsed;
 uint32_t NextPolygon, NextPoint, NextVertex;
 
@@ -122,7 +122,7 @@ bool SplitPolygon(uint32_t polygon, Side kept, const Corner* corners, uint32_t& 
 }
 
 void BinIntoLeaf(uint32_t leaf, std::span<const uint16_t> list) {
-    const auto room = static_cast<size_t>(BIN_LIMIT - BinPoolUsed);
+    const auto room = static_cast<size_t>(BIN_MAX - BinPoolUsed);
     const size_t count = std::min(list.size(), room);
     DroppedPolygons += static_cast<uint32_t>(list.size() - count);
     WorldGeometry.leaves[leaf].frameStamp = FrameCount;
@@ -212,7 +212,7 @@ void BinPolygons(int32_t index, std::span<const uint16_t> list, uint16_t* free) 
         return;
     }
     const BspNode& node = WorldGeometry.nodes[index];
-    const SubLists lists = Divide(list, WorldGeometry.planes[node.plane], free, Visible + BIN_LIMIT);
+    const SubLists lists = Divide(list, WorldGeometry.planes[node.plane], free, Visible + BIN_MAX);
     uint16_t* const behind = lists.back.data() + lists.back.size();
     if (!lists.back.empty()) BinPolygons(node.backChild, lists.back, behind);
     if (!lists.front.empty()) BinPolygons(node.frontChild, lists.front, behind);
@@ -242,7 +242,7 @@ void ClearVisibleList() {
 }
 
 void AppendVisible(uint32_t polygon) {
-    if (VisibleUsed < BIN_LIMIT) {
+    if (VisibleUsed < BIN_MAX) {
         Visible[VisibleUsed++] = static_cast<uint16_t>(polygon);
     } else {
         DroppedPolygons += 1;

@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-constexpr uint32_t BIN_LIMIT = 20000;  // polygon numbers in the visible list and in the bins
+constexpr uint32_t BIN_MAX = 20000;  // polygon numbers in the visible list and in the bins
 
 extern uint32_t DroppedPolygons;  // polygons and pieces dropped in this frame for want of room
 

@@ -38,7 +38,7 @@ bool AllFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
 bool FindPart(const uint8_t* image, uint32_t bytes, uint32_t& boneCount, MeshPart& part) {
     if (bytes < PART_TABLE + 4) return false;
     boneCount = ImageField<uint32_t>(image, 4);
-    if (boneCount < 1 || boneCount > BONE_LIMIT || PART_TABLE + 4 * boneCount > bytes) return false;
+    if (boneCount < 1 || boneCount > BONES_MAX || PART_TABLE + 4 * boneCount > bytes) return false;
     const uint64_t start = ImageField<uint32_t>(image, PART_TABLE) & ~3u;
     if (start + PART_HEADER > bytes) return false;
     const auto offset = static_cast<uint32_t>(start);

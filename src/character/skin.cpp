@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-const uint8_t BoneOrder[BONE_LIMIT] = {4, 3, 2, 21, 19, 16, 18, 5, 15, 17, 20, 1, 0, 6, 7, 9, 11, 13, 8, 10, 12, 14};
+const uint8_t BoneOrder[BONES_MAX] = {4, 3, 2, 21, 19, 16, 18, 5, 15, 17, 20, 1, 0, 6, 7, 9, 11, 13, 8, 10, 12, 14};
 
 namespace {
 
@@ -164,7 +164,7 @@ void SkinActor(const Actor& actor) {
     uint32_t offset = FIRST_BLOCK;
     for (uint32_t b = 0; b < mesh.boneCount; ++b) {
         const BlockView block = ReadBlock(image, offset);
-        const uint8_t bone = BoneOrder[b];  // a mesh of fewer than BONE_LIMIT bones lacks some
+        const uint8_t bone = BoneOrder[b];  // a mesh of fewer than BONES_MAX bones lacks some
         if (b != hidden && bone < mesh.boneCount) {
             SkinBlock(image, block, SkinMatrix(mesh.bones[bone].world), mesh.firstPoint);
         }

@@ -9,7 +9,7 @@
 #include "records/actor_record.h"
 #include "records/character_records.h"
 
-extern const uint8_t BoneOrder[BONE_LIMIT];
+extern const uint8_t BoneOrder[BONES_MAX];
 
 // Lists the file on standard output and returns its image. A missing file ends the process with status 1 and without
 // a shut-down: "Failed to LoadMalloc weights file!\n" on standard output, and on standard error with the path.

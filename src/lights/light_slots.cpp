@@ -32,7 +32,7 @@ struct GatheredPoint {
     uint16_t point;
     float weight;
 };
-GatheredPoint Gathered[GATHERED_POINT_LIMIT];
+GatheredPoint Gathered[GATHERED_POINTS_MAX];
 
 bool ReadContributions(ContributionList& list, uint32_t count) {
     return ReadBlock(list.targets, count * uint32_t{sizeof list.targets[0]}) &&
@@ -121,7 +121,7 @@ int GatherPoints(const LightSlot& slot) {
     const float radius = slot.radius;
     const double radiusSquared = slot.radiusSquared;
     int count = 0;
-    for (uint32_t i = 0; i < WorldGeometry.file.points && count < GATHERED_POINT_LIMIT; ++i) {
+    for (uint32_t i = 0; i < WorldGeometry.file.points && count < GATHERED_POINTS_MAX; ++i) {
         const Vec3& point = WorldGeometry.points[i].position;
         const float dx = std::fabs(place.x - point.x);
         const float dy = std::fabs(place.y - point.y);

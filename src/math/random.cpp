@@ -4,5 +4,5 @@ uint32_t RandState = RAND_SEED;
 
 int32_t Rand() {
     RandState = RandState * 1103515245u + 12345u;
-    return static_cast<int32_t>((RandState >> 16) & RAND_LIMIT);
+    return static_cast<int32_t>((RandState >> 16) & RANDOM_MAX);
 }

@@ -56,7 +56,7 @@ void ComputePolyPlane(int32_t poly) {
 void GenerateVertexNormals() {
     const uint32_t pointCount = WorldGeometry.used.points;
     auto* uses =
-        static_cast<uint32_t*>(PoolMalloc(std::max(NORMAL_COUNTERS_MIN_BYTES, pointCount * NORMAL_COUNTER_BYTES)));
+        static_cast<uint32_t*>(PoolMalloc(std::max(NORMAL_COUNTERS_BYTES_MIN, pointCount * NORMAL_COUNTER_BYTES)));
     if (!uses) FatalError(1, "Generate Vert Normals - Mem Error");
     std::printf("Generating Vertex Normals...\n");
 

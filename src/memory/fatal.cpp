@@ -1,7 +1,7 @@
 #include "memory/fatal.h"
 
 #include "host/files.h"
-#include "memory/system.h"
+#include "memory/shutdown.h"
 
 #include <cstdlib>
 

@@ -94,7 +94,7 @@ void PoolInit(uint8_t* start, uint8_t* end) {
 }
 
 void* PoolMalloc(uint32_t bytes) {
-    if (bytes > POOL_MAX_REQUEST) return nullptr;
+    if (bytes > POOL_REQUEST_MAX) return nullptr;
     const auto size = static_cast<int32_t>(RoundUp(bytes));
     // Kept as it is: the room of a header must be left over, so a request that fits exactly fails.
     const int32_t need = size + HEADER_BYTES;
@@ -109,7 +109,7 @@ void* PoolMalloc(uint32_t bytes) {
 }
 
 void* PoolMallocHigh(uint32_t bytes) {
-    if (bytes > POOL_MAX_REQUEST) return nullptr;
+    if (bytes > POOL_REQUEST_MAX) return nullptr;
     const auto size = static_cast<int32_t>(RoundUp(bytes));
     const int32_t need = size + HEADER_BYTES;
     for (BlockHeader* block = FreeTail; block; block = block->prev) {

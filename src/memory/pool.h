@@ -7,7 +7,7 @@
 #include <cstdint>
 
 constexpr uint32_t POOL_FILL_BYTES = 0x800000;  // PoolInit fills this much of the pool, from its start, with 0x55
-constexpr uint32_t POOL_MAX_REQUEST = 0x7FFFFFC0;
+constexpr uint32_t POOL_REQUEST_MAX = 0x7FFFFFC0;
 
 extern uint32_t PoolLargestFree;  // data bytes; refreshed by PoolFreeTotal
 
@@ -15,7 +15,7 @@ extern uint32_t PoolLargestFree;  // data bytes; refreshed by PoolFreeTotal
 void PoolInit(uint8_t* start, uint8_t* end);
 
 // 32-byte aligned, not cleared. Null when no free block holds the request, rounded up to the granule, and one header
-// more, or when `bytes` is above POOL_MAX_REQUEST. 0 bytes give a distinct pointer and cost a header.
+// more, or when `bytes` is above POOL_REQUEST_MAX. 0 bytes give a distinct pointer and cost a header.
 void* PoolMalloc(uint32_t bytes);
 void* PoolMallocHigh(uint32_t bytes);  // the same from the high end
 

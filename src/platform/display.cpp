@@ -6,7 +6,7 @@
 
 DisplayContext Display;
 uint8_t DisplayState = DISPLAY_NONE;
-DisplayModeEntry DisplayModeTable[DISPLAY_MODE_LIMIT];
+DisplayModeEntry DisplayModeTable[DISPLAY_MODES_MAX];
 uint16_t DisplayModeCount;
 uint8_t* SurfaceMemory;
 int32_t SurfacePitch;
@@ -21,7 +21,7 @@ bool operator==(const DisplayModeEntry& a, const DisplayModeEntry& b) {
 
 // Modes that differ only in refresh rate come one after the other and are stored once.
 HRESULT StoreMode(const DDSURFACEDESC* description, void*) {
-    if (DisplayModeCount >= DISPLAY_MODE_LIMIT) return DDENUMRET_CANCEL;
+    if (DisplayModeCount >= DISPLAY_MODES_MAX) return DDENUMRET_CANCEL;
     const DisplayModeEntry mode = {description->dwWidth, description->dwHeight,
                                    description->ddpfPixelFormat.dwRGBBitCount};
     if (DisplayModeCount > 0 && mode == DisplayModeTable[DisplayModeCount - 1]) return DDENUMRET_OK;

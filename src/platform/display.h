@@ -26,8 +26,8 @@ extern uint8_t DisplayState;
 struct DisplayModeEntry {
     uint32_t width, height, bits;
 };
-constexpr uint16_t DISPLAY_MODE_LIMIT = 100;
-extern DisplayModeEntry DisplayModeTable[DISPLAY_MODE_LIMIT];  // for the whole run: each opening appends what it finds
+constexpr uint16_t DISPLAY_MODES_MAX = 100;
+extern DisplayModeEntry DisplayModeTable[DISPLAY_MODES_MAX];  // for the whole run: each opening appends what it finds
 extern uint16_t DisplayModeCount;
 
 extern uint8_t* SurfaceMemory;  // the locked offscreen surface; set by LockSurface

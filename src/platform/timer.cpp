@@ -25,7 +25,7 @@ void FrameLimiter() {
         MeasuredTicks = (CurrentTick - ReferenceTick) >> TICK_SHIFT;
     }
     ReferenceTick = CurrentTick;
-    if (MeasuredTicks > TICK_MAX_PER_FRAME) MeasuredTicks = TICK_MAX_PER_FRAME;
+    if (MeasuredTicks > FRAME_TICKS_MAX) MeasuredTicks = FRAME_TICKS_MAX;
 }
 
 void FrameStep() {

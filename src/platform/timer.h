@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-constexpr uint32_t TICK_SHIFT = 4;           // milliseconds >> TICK_SHIFT = ticks
-constexpr uint32_t TICK_MAX_PER_FRAME = 12;  // longer frames are reported as this
+constexpr uint32_t TICK_SHIFT = 4;        // milliseconds >> TICK_SHIFT = ticks
+constexpr uint32_t FRAME_TICKS_MAX = 12;  // longer frames are reported as this
 
 extern uint16_t MinFrameTicks;  // 1, 2 or 4; LoadLevel copies it from the level record
 extern uint32_t MeasuredTicks;  // length of the frame under way so far; StartGame sets it to 0

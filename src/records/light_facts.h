@@ -11,7 +11,7 @@ constexpr int BRIGHTEST_LEVEL = 127;
 // The table of animated lights: those of lights.alt, then those that shots take as they fly.
 constexpr int LIGHT_SLOT_COUNT = 150;
 constexpr int LIGHT_CONTRIBUTION_MAX = 32767;  // contributions in lights.alt to points, and again to corners
-constexpr int GATHERED_POINT_LIMIT = 1000;     // points that a dynamic light reaches; those of the lowest numbers
+constexpr int GATHERED_POINTS_MAX = 1000;      // points that a dynamic light reaches; those of the lowest numbers
 constexpr float SHOT_LIGHT_RADIUS = 500.0f;    // world units
 constexpr int CHARACTER_LIGHT_COUNT = 30;      // lights that reach the character at once; it takes the first ones
 

@@ -6,15 +6,15 @@
 
 // --- The world
 
-constexpr uint32_t BSP_MAX_NODES = 32768;
-constexpr uint32_t BSP_MAX_LEAVES = 16384;  // RenderList entries from here on mean the character in a leaf
-constexpr int BSP_MAX_DEPTH = 1024;         // nodes from the root to a leaf
-constexpr uint32_t BSP_MAX_LEAF_POLYGONS =
+constexpr uint32_t BSP_NODES_MAX = 32768;
+constexpr uint32_t BSP_LEAVES_MAX = 16384;  // RenderList entries from here on mean the character in a leaf
+constexpr int BSP_DEPTH_MAX = 1024;         // nodes from the root to a leaf
+constexpr uint32_t BSP_LEAF_POLYGONS_MAX =
     65536;                          // polygons of all leaves, a leaf counted once for every place it hangs at
-constexpr int BSP_MIN_CORNERS = 3;  // least corners of a polygon that is drawn
-constexpr int BSP_MAX_CORNERS = 12;
-constexpr uint32_t INDEX_LIMIT = 65536;    // the numbers of planes, points and polygon corners are 16-bit
-constexpr uint32_t POLYGON_LIMIT = 32767;  // polygon numbers of the depth list are signed 16-bit
+constexpr int BSP_CORNERS_MIN = 3;  // least corners of a polygon that is drawn
+constexpr int BSP_CORNERS_MAX = 12;
+constexpr uint32_t INDICES_MAX = 65536;          // the numbers of planes, points and polygon corners are 16-bit
+constexpr uint32_t POLYGON_NUMBERS_MAX = 32767;  // polygon numbers of the depth list are signed 16-bit
 
 // Room beyond the world file's counts for the sky, the character and per-frame scratch.
 constexpr uint32_t SPARE_PLANES = 3000;
@@ -28,14 +28,14 @@ constexpr uint32_t CLIP_SCRATCH_ENTRIES = 100;
 
 constexpr uint32_t CHAR_TEXTURE_BASE = 93;  // the world's slots lie below, the character's from here on
 constexpr uint32_t CHAR_TEXTURE_COUNT = 2;
-constexpr uint32_t TEXTURE_LIMIT = 500;  // slots that the accelerator has room for
+constexpr uint32_t TEXTURES_MAX = 500;  // slots that the accelerator has room for
 // These slots take turns, so that their picture moves.
 constexpr uint32_t TEXTURE_CYCLE_FIRST = 10;
 constexpr uint32_t TEXTURE_CYCLE_LENGTH = 5;
 
 // --- The character
 
-constexpr uint32_t BONE_LIMIT = 22;       // bones that weight blocks can name
+constexpr uint32_t BONES_MAX = 22;        // bones that weight blocks can name
 constexpr uint32_t ANIM_TICK_UNITS = 5;   // animation time units a tick of 16 ms, 312.5 a second
 constexpr uint32_t ANIM_START_TIME = 10;  // where animations start and loops wrap to
 
@@ -69,5 +69,5 @@ constexpr uint32_t TEXTURE_RECORD_BYTES = 12;
 constexpr uint32_t TEXTURE_RECORDS_OFFSET = 770;  // offset in texture.bin, which is kept in memory as it is
 constexpr uint32_t TEXTURE_PAGE_BYTES = 65536;
 constexpr uint32_t NORMAL_COUNTER_BYTES = 4;           // a point; given back before the frame is taken
-constexpr uint32_t NORMAL_COUNTERS_MIN_BYTES = 35000;  // least size of the block that holds all of them
+constexpr uint32_t NORMAL_COUNTERS_BYTES_MIN = 35000;  // least size of the block that holds all of them
 constexpr uint32_t OFFSCREEN_FRAME_BYTES = 1048576;

@@ -10,14 +10,14 @@ constexpr float STANDING_HEIGHT = SPHERE_LOWERING + MOVE_SPHERE_RADIUS;
 
 // The polygons that one move may touch lie within half its length and this margin.
 constexpr float GATHER_MARGIN = 144.0f;
-constexpr int CONTACT_LIMIT = 200;  // more of them end the program
+constexpr int CONTACTS_MAX = 200;  // more of them end the program
 
 // A polygon flatter than STEEP_SLOPE is a floor or a ceiling, any other a wall or the riser of a step.
 constexpr float STEEP_SLOPE = 0.2f;
 // Onto a step the sphere is lifted by the height of the riser's highest corner above its own lowest point, and by the
 // clearance. What would need more than the limit is a wall.
 constexpr float LEDGE_CLEARANCE = 14.0f;
-constexpr float LEDGE_LIMIT = 64.0f;
-constexpr float STEP_HEIGHT = LEDGE_LIMIT - LEDGE_CLEARANCE;  // steps lower than this are walked up
+constexpr float LEDGE_MAX = 64.0f;
+constexpr float STEP_HEIGHT = LEDGE_MAX - LEDGE_CLEARANCE;  // steps lower than this are walked up
 
 constexpr float LANDING_SLOPE = 0.7f;  // flatter contacts end a jump

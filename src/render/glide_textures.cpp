@@ -7,7 +7,7 @@
 #include <memory>
 #include <new>
 
-GrMipMapId_t TextureHandles[TEXTURE_LIMIT];
+GrMipMapId_t TextureHandles[TEXTURES_MAX];
 
 namespace {
 

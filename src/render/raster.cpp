@@ -18,7 +18,7 @@ bool UseAvx2Spans = HasAvx2();
 
 namespace {
 
-constexpr int MAX_CORNERS = 255;
+constexpr int CORNERS_MAX = 255;
 
 // Four floats that are stepped together; each gives the same bits as a plain float.
 typedef float Float4 __attribute__((vector_size(16)));
@@ -81,7 +81,7 @@ void WalkEdge(const Edge& edge) {
 }
 
 void WalkEdges(const EdgePoint* points, int count) {
-    Edge edges[MAX_CORNERS];
+    Edge edges[CORNERS_MAX];
     const int listed = ListEdges(points, count, edges);
     for (int i = 0; i < listed; i++)
         WalkEdge(edges[i]);
@@ -188,7 +188,7 @@ void BuildReciprocalTable() {
 
 bool BuildEdgeTable(const PolyRecord* polygon) {
     if (!FindRows(*polygon)) return false;
-    EdgePoint points[MAX_CORNERS];
+    EdgePoint points[CORNERS_MAX];
     WalkEdges(points, MakeEdgePoints(*polygon, points));
     return true;
 }

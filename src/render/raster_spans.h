@@ -26,7 +26,7 @@ extern float ReciprocalTable[RECIPROCAL_COUNT];  // entry 0 is 1, entry i is 1 /
 
 constexpr int32_t SPAN_BLOCK = 16;  // pixels between two exact texture positions; shorter spans have none inside
 // Blocks of one span at most, the incomplete one included.
-constexpr int32_t SPAN_MOST_BLOCKS = RECIPROCAL_COUNT / SPAN_BLOCK;
+constexpr int32_t SPAN_BLOCKS_MAX = RECIPROCAL_COUNT / SPAN_BLOCK;
 
 struct EdgeRows {
     const EdgeRow* table;  // by screen row

@@ -20,9 +20,9 @@
 namespace {
 
 constexpr int32_t LANES = 8;
-constexpr int32_t WORD_PIXELS = 8;    // pixels stored together
-constexpr int32_t MOST_PIXELS = 640;  // longer spans are left to the portable routine
-constexpr int32_t MOST_BLOCKS = MOST_PIXELS / SPAN_BLOCK + 1;
+constexpr int32_t WORD_PIXELS = 8;   // pixels stored together
+constexpr int32_t PIXELS_MAX = 640;  // longer spans are left to the portable routine
+constexpr int32_t BLOCKS_MAX = PIXELS_MAX / SPAN_BLOCK + 1;
 
 // For each lane: u, v and light at a block's first pixel and their steps, the low 16 bits of each written twice.
 struct alignas(32) LaneBlocks {
@@ -47,19 +47,19 @@ struct alignas(32) Word {
     uint64_t drawn;  // 0xFF for each pixel that is drawn
 };
 
-constexpr int32_t MOST_WORDS = 128;
+constexpr int32_t WORDS_MAX = 128;
 
 struct Queue {
     // The spans at both their ends, one to a lane.
     float left[LANES][4], right[LANES][4];  // u, v, light and 1, each divided by depth
     int32_t leftX[LANES], rightX[LANES];
     int32_t laneCount;
-    LaneBlocks laneBlocks[MOST_BLOCKS];  // the incomplete one of a lane stands behind its complete ones
+    LaneBlocks laneBlocks[BLOCKS_MAX];  // the incomplete one of a lane stands behind its complete ones
 
     // The blocks of which any pixel is drawn. The last entry of each array may be written without being counted.
-    Block blocks[LANES * MOST_BLOCKS + 1];
+    Block blocks[LANES * BLOCKS_MAX + 1];
     int32_t blockCount;
-    Word words[MOST_WORDS + 1];
+    Word words[WORDS_MAX + 1];
     int32_t wordCount;
 };
 
@@ -304,7 +304,7 @@ AVX2_CODE void AddWordsOfLanes(CoverRow* cover) {
     SetUpLanes(spans);
     Word* word = spans.words + spans.wordCount;
     for (int32_t i = 0; i < spans.blockCount; i++) {
-        if (word > spans.words + MOST_WORDS - 2) {
+        if (word > spans.words + WORDS_MAX - 2) {
             spans.wordCount = static_cast<int32_t>(word - spans.words);
             DrawWords<ZERO>(cover);
             word = spans.words;
@@ -399,7 +399,7 @@ AVX2_CODE void AddRows(const EdgeRows& rows, SpanTexture texture, CoverRow* cove
         const int32_t begin = CeilFixed(row.left.x);
         const int32_t end = CeilFixed(row.right.x);
         if (end <= begin) continue;
-        if (begin < 0 || end > ScreenWidth || end - begin > MOST_PIXELS || line + end > lastEnd) {
+        if (begin < 0 || end > ScreenWidth || end - begin > PIXELS_MAX || line + end > lastEnd) {
             FillRowsPortable({rows.table, y, y + 1}, texture, ZERO, cover);
             continue;
         }

@@ -22,7 +22,7 @@ struct Run {
 };
 
 struct Batch {
-    Run runs[SPAN_MOST_BLOCKS];
+    Run runs[SPAN_BLOCKS_MAX];
     int32_t count;
 };
 
@@ -150,7 +150,7 @@ void FillRows(const EdgeRows& rows, const SpanTexture& texture, CoverRow* cover)
         const int32_t x = CeilFixed(left.x);
         const int32_t count = CeilFixed(right.x) - x;
         if (count <= 0 || count >= RECIPROCAL_COUNT) continue;
-        if (batch.count + SpanBlocks(count) > SPAN_MOST_BLOCKS) DrawBatch<ZERO>(batch, texture, cover);
+        if (batch.count + SpanBlocks(count) > SPAN_BLOCKS_MAX) DrawBatch<ZERO>(batch, texture, cover);
         const float preStep = static_cast<float>(int64_t{x} * 65536 - left.x) / 65536;
         const EdgeHalf start = SpanStart(left, right, preStep * ReciprocalTable[count]);
         uint8_t* const row = FrameBuffer + static_cast<ptrdiff_t>(y) * FramePitch;

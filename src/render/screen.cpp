@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int BACKGROUND_COLOUR = 0xFE;
-constexpr int32_t MOST_PENDING_SWAPS = 3;
+constexpr int32_t PENDING_SWAPS_MAX = 3;
 
 void UseScreenSize() {
     const ScreenRes size = ScreenResTable[ScreenResIndex];
@@ -27,7 +27,7 @@ float ProjectionScale(int32_t size) {
 }
 
 void SwapGlide() {
-    while (grBufferNumPending() > MOST_PENDING_SWAPS) {
+    while (grBufferNumPending() > PENDING_SWAPS_MAX) {
     }
     grBufferSwap(1);
 }

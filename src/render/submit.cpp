@@ -13,7 +13,7 @@ uint32_t SubmittedPolygons;
 
 namespace {
 
-constexpr int MOST_CORNERS = 16;
+constexpr int CORNERS_MAX = 16;
 constexpr float NEUTRAL_LEVEL_SCALE = 256.0f / NEUTRAL_LEVEL;  // the neutral light level leaves the texture as it is
 
 uint32_t CurrentTexture = NO_TEXTURE;
@@ -56,8 +56,8 @@ void UseTextureOf(const PolyRecord& polygon) {
 }
 
 void SubmitToGlide(const PolyRecord& polygon) {
-    GrVertex vertices[MOST_CORNERS];
-    const int count = std::min<int>(polygon.cornerCount, MOST_CORNERS);
+    GrVertex vertices[CORNERS_MAX];
+    const int count = std::min<int>(polygon.cornerCount, CORNERS_MAX);
     for (int i = 0; i < count; i++)
         vertices[i] = MakeVertex(WorldGeometry.polyVertices[polygon.firstVertex + i]);
     UseTextureOf(polygon);

@@ -33,7 +33,7 @@ void CheckTextureFile(uint32_t size, const char* path) {
     const char* const invalid = "Not a valid texture file";
     if (size < TEXTURE_RECORDS_OFFSET) FatalError(0, invalid, path);
     TextureCount = static_cast<uint32_t>(TextureImage[0] | TextureImage[1] << 8);
-    if (TextureCount < 1 || TextureCount > TEXTURE_LIMIT) FatalError(0, "No Texture File Found", path);
+    if (TextureCount < 1 || TextureCount > TEXTURES_MAX) FatalError(0, "No Texture File Found", path);
     if (size < TexelStart()) FatalError(0, invalid, path);
     const uint32_t pageCount = (size - TexelStart()) / TEXTURE_PAGE_BYTES;
     for (uint32_t i = 0; i < TextureCount; i++) {

@@ -17,7 +17,7 @@ void BuildTextureRemap();  // FatalError(1, "No memory for the texture remap tab
 void ComputeWrapFlags();   // POLY_WRAPS of every polygon in use whose corners leave its texture
 void SetTexturePalette();  // the display's palette from texture.bin, when DirectDraw is in use
 
-extern GrMipMapId_t TextureHandles[TEXTURE_LIMIT];  // the accelerator's, by texture
+extern GrMipMapId_t TextureHandles[TEXTURES_MAX];  // the accelerator's, by texture
 
 // Accelerator only: glidetex/NN.3df of the level for each texture; one that cannot be read leaves its handle as it was.
 // FatalError(-1, "L_LoadGlideTexture (Memory #2)"), "... (Load #1)" or "... (Memory #1)".

@@ -15,7 +15,7 @@ constexpr uint32_t BSP_VERSION = 10;
 // Fills WorldGeometry with the file's contents: file and used counts are set, spare polygon records, light bytes and
 // stamps are 0, FrameCount is 1. Must be the first pool user of a level.
 // FatalError(0, path): "No .BSP file found"; "Old BSP Version"; "Not a valid BSP file": wrong magic, too short, a
-// count or index out of range, a cyclic, shared or too deep node, more than BSP_MAX_LEAF_POLYGONS, a corner count
+// count or index out of range, a cyclic, shared or too deep node, more than BSP_LEAF_POLYGONS_MAX, a corner count
 // outside 3..12, a number that is not finite; "Not enough memory for the BSP file": the pool is too small for the
 // tables.
 void LoadBspWorld(const char* path);

@@ -1,6 +1,6 @@
 #include "world/bsp_check.h"
 
-#include "world/bsp.h"
+#include "records/table_facts.h"
 #include "world/world_tables.h"
 
 #include <cmath>
@@ -47,7 +47,7 @@ bool PlanesAreValid() {
 bool PolygonsAreValid() {
     for (uint32_t i = 0; i < WorldGeometry.file.polygons; ++i) {
         const PolyRecord& polygon = WorldGeometry.polygons[i];
-        if (polygon.cornerCount < BSP_MIN_CORNERS || polygon.cornerCount > BSP_MAX_CORNERS) return false;
+        if (polygon.cornerCount < BSP_CORNERS_MIN || polygon.cornerCount > BSP_CORNERS_MAX) return false;
         if (uint32_t{polygon.firstVertex} + polygon.cornerCount > WorldGeometry.file.polyVertices) return false;
         if (polygon.plane >= WorldGeometry.file.planes) return false;
     }
@@ -80,7 +80,7 @@ bool NodesFormATree() {
     while (!pending.empty()) {
         const Visit visit = pending.back();
         pending.pop_back();
-        if (visit.depth > BSP_MAX_DEPTH || reached[static_cast<size_t>(visit.node)]) return false;
+        if (visit.depth > BSP_DEPTH_MAX || reached[static_cast<size_t>(visit.node)]) return false;
         reached[static_cast<size_t>(visit.node)] = true;
         const BspNode& node = WorldGeometry.nodes[visit.node];
         for (const int16_t child : {node.frontChild, node.backChild}) {
@@ -89,7 +89,7 @@ bool NodesFormATree() {
             else
                 polygons += WorldGeometry.leaves[~child].polygonCount;
         }
-        if (polygons > BSP_MAX_LEAF_POLYGONS) return false;
+        if (polygons > BSP_LEAF_POLYGONS_MAX) return false;
     }
     return true;
 }
@@ -98,10 +98,10 @@ bool NodesFormATree() {
 
 bool BspCountsAreValid() {
     const GeometryCounts& file = WorldGeometry.file;
-    return WorldGeometry.nodeCount >= 1 && WorldGeometry.nodeCount <= BSP_MAX_NODES && WorldGeometry.leafCount >= 1 &&
-           WorldGeometry.leafCount <= BSP_MAX_LEAVES && file.planes <= INDEX_LIMIT - SPARE_PLANES &&
-           file.polygons <= POLYGON_LIMIT - SPARE_POLYGONS && file.points <= INDEX_LIMIT - SPARE_POINTS &&
-           file.polyVertices <= INDEX_LIMIT - SPARE_POLY_VERTICES;
+    return WorldGeometry.nodeCount >= 1 && WorldGeometry.nodeCount <= BSP_NODES_MAX && WorldGeometry.leafCount >= 1 &&
+           WorldGeometry.leafCount <= BSP_LEAVES_MAX && file.planes <= INDICES_MAX - SPARE_PLANES &&
+           file.polygons <= POLYGON_NUMBERS_MAX - SPARE_POLYGONS && file.points <= INDICES_MAX - SPARE_POINTS &&
+           file.polyVertices <= INDICES_MAX - SPARE_POLY_VERTICES;
 }
 
 uint64_t BspTableBytes() {

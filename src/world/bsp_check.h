@@ -8,7 +8,7 @@
 bool BspCountsAreValid();
 uint64_t BspTableBytes();  // size of the six tables in the file, by the counts
 
-// The loaded tables: every index in range, the nodes a tree of at most BSP_MAX_DEPTH levels whose leaves hold at most
-// BSP_MAX_LEAF_POLYGONS, 3..12 corners, finite numbers. Radii and point normals are not looked at, since they are
+// The loaded tables: every index in range, the nodes a tree of at most BSP_DEPTH_MAX levels whose leaves hold at most
+// BSP_LEAF_POLYGONS_MAX, 3..12 corners, finite numbers. Radii and point normals are not looked at, since they are
 // overwritten before anything reads them.
 bool BspTablesAreValid();

@@ -11,14 +11,14 @@
 #include <algorithm>
 #include <cmath>
 
-int32_t ContactList[CONTACT_LIMIT + 1];
+int32_t ContactList[CONTACTS_MAX + 1];
 int16_t ContactCount;
 
 namespace {
 
 constexpr float SKIP_LENGTH = 1.0f;  // velocities shorter than this are ignored
 constexpr float STOP_LENGTH = 0.5f;  // a rest of the move this short ends it
-constexpr int PASS_LIMIT = 11;
+constexpr int PASSES_MAX = 11;
 
 float LengthL1(const Vec3& v) {
     return std::fabs(v.x) + std::fabs(v.y) + std::fabs(v.z);
@@ -55,7 +55,7 @@ struct SphereQuery {
 
 void AppendContact(int32_t polygon) {
     ContactList[ContactCount++] = polygon;
-    if (ContactCount > CONTACT_LIMIT) FatalError(1, "Opps too many faces.\n", LevelTable[LoadedLevel].worldFile);
+    if (ContactCount > CONTACTS_MAX) FatalError(1, "Opps too many faces.\n", LevelTable[LoadedLevel].worldFile);
 }
 
 void GatherLeaf(const BspLeaf& leaf, const SphereQuery& query) {
@@ -171,7 +171,7 @@ void MoveAgainstWorld(Actor& actor) {
     // Kept as it is: the height of the last ledge looked at, accepted or not, is what the lift adds.
     float ledgeHeight = 0.0f;
     int32_t lastHit = -1;
-    for (int pass = 0; pass < PASS_LIMIT; ++pass) {
+    for (int pass = 0; pass < PASSES_MAX; ++pass) {
         result = end;
         const int32_t hit = SweepContacts(start, end, MOVE_SPHERE_RADIUS);
         if (hit == -1) break;
@@ -184,7 +184,7 @@ void MoveAgainstWorld(Actor& actor) {
         actor.contactSlope = std::fabs(frame.y);
         if (actor.contactSlope < STEEP_SLOPE && (state.flags & STATE_CAN_STEP)) {
             ledgeHeight = HighestCorner(WorldGeometry.polygons[hit]) - (start.y - MOVE_SPHERE_RADIUS) + LEDGE_CLEARANCE;
-            if (ledgeHeight < LEDGE_LIMIT) stepUp = ledgeHeight;
+            if (ledgeHeight < LEDGE_MAX) stepUp = ledgeHeight;
         }
         result = start;  // the move stops at its start
         v = Slide(frame, v, false);

@@ -10,10 +10,10 @@
 
 #include <cstdint>
 
-extern int32_t ContactList[CONTACT_LIMIT + 1];  // polygon numbers, ended by -1
+extern int32_t ContactList[CONTACTS_MAX + 1];  // polygon numbers, ended by -1
 extern int16_t ContactCount;
 
-// Every world polygon that the sphere touches; the number of them. More than CONTACT_LIMIT:
+// Every world polygon that the sphere touches; the number of them. More than CONTACTS_MAX:
 // FatalError(1, "Opps too many faces.\n", the level's world file).
 int16_t WorldSphereContacts(int32_t x, int32_t y, int32_t z, int32_t radius);
 

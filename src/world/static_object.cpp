@@ -55,7 +55,7 @@ Load AppendPolygon(uint32_t pointCount) {
     FilePolygon polygon;
     if (!ReadBlock(&polygon, sizeof polygon)) return Load::Invalid;
     const PlaneRecord plane = {polygon.nx.value, polygon.ny.value, polygon.nz.value, polygon.d.value};
-    if (polygon.cornerCount < 1 || polygon.cornerCount > STATIC_OBJECT_MAX_CORNERS) return Load::Invalid;
+    if (polygon.cornerCount < 1 || polygon.cornerCount > STATIC_OBJECT_CORNERS_MAX) return Load::Invalid;
     if (!GeometryHasRoomFor({1, 1, pointCount, polygon.cornerCount})) return Load::NoRoom;
 
     PolyRecord& record = WorldGeometry.polygons[used.polygons++];

@@ -9,7 +9,7 @@
 
 constexpr uint32_t STATIC_OBJECT_MAGIC = 0x45736f62;  // "Esob"
 constexpr uint32_t STATIC_OBJECT_VERSION = 9;
-constexpr int STATIC_OBJECT_MAX_CORNERS = 127;  // those with less than 3 or more than 12 are loaded but not drawn
+constexpr int STATIC_OBJECT_CORNERS_MAX = 127;  // those with less than 3 or more than 12 are loaded but not drawn
 
 // Appends the object to WorldGeometry, moves the static marks behind it and says in SkyObject where it lies. 1: done;
 // 0: there is no such file, or it is none ("Not a valid .SOB file." on standard output), and SkyObject is empty.

@@ -8,7 +8,7 @@
 #include "input/devices.h"
 #include "interfaces/display.h"
 #include "math/world_planes.h"
-#include "memory/system.h"
+#include "memory/shutdown.h"
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"

@@ -5,7 +5,7 @@
 #include "formats/files.h"
 #include "formats/texture_file.h"
 #include "memory/pool.h"
-#include "memory/system.h"
+#include "memory/shutdown.h"
 #include "platform/input.h"
 #include "support/test_window.h"
 #include "testing/test_machine.h"

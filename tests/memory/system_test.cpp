@@ -1,4 +1,5 @@
 // The real ways out of the program.
+#include "memory/shutdown.h"
 #include "memory/system.h"
 
 #include "memory/fatal.h"

@@ -122,14 +122,14 @@ TEST_F(WorldFile, HoldsATreeOfLimitedDepthAndAsManyPolygonsAsItsRadiiCanBeMeasur
         return Refusal(WorldFileBytes());
     };
     const Damage none = [](auto&) {}, skipsNodeOne = [](auto&w) { w.nodes[0].frontChild = 2; };
-    EXPECT_EQ(refusal(BSP_MAX_DEPTH, none), "");
-    EXPECT_EQ(refusal(BSP_MAX_DEPTH + 1, none), INVALID);
+    EXPECT_EQ(refusal(BSP_DEPTH_MAX, none), "");
+    EXPECT_EQ(refusal(BSP_DEPTH_MAX + 1, none), INVALID);
     EXPECT_EQ(refusal(3, skipsNodeOne), "");
     EXPECT_EQ(refusal(3, [](auto& w) { w.nodes[0].backChild = 2; }), INVALID) << "two parents";
     EXPECT_EQ(refusal(3, [](auto& w) { w.nodes[2].backChild = 1; }), INVALID) << "a cycle";
-    EXPECT_EQ(refusal(BSP_MAX_DEPTH - 1, none, 64), "");
-    EXPECT_EQ(refusal(BSP_MAX_DEPTH, none, 64), INVALID);
-    EXPECT_EQ(refusal(BSP_MAX_DEPTH, skipsNodeOne, 64), "");
+    EXPECT_EQ(refusal(BSP_DEPTH_MAX - 1, none, 64), "");
+    EXPECT_EQ(refusal(BSP_DEPTH_MAX, none, 64), INVALID);
+    EXPECT_EQ(refusal(BSP_DEPTH_MAX, skipsNodeOne, 64), "");
 }
 
 TEST(WorldCounts, LeaveRoomForTheSpareRecordsInEveryIndex) {

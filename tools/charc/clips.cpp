@@ -105,7 +105,7 @@ BuiltClip BuildClip(const Model& model, const Skeleton& skeleton, const SkinnedM
     const auto wantedAt = [&](double time) {
         const double part = PartOf(recipe.play, (time - CHARACTER_FIRST_TIME) / span);
         BonePlaces places = placesAt(part);
-        if (built.report.walksOff <= LEAST_WALK) return places;
+        if (built.report.walksOff <= WALK_MIN) return places;
         for (Affine& place : places)
             place = Translation(walked * -part) * place;
         return places;

@@ -9,7 +9,7 @@ struct Stray {
     int bone = 0;
 };
 
-constexpr double LEAST_WALK = 3;  // units; a loop that walks less far just does not end exactly where it begins
+constexpr double WALK_MIN = 3;  // units; a loop that walks less far just does not end exactly where it begins
 
 struct ClipReport {
     std::string file, clip;

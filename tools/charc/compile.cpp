@@ -1,5 +1,6 @@
 #include "charc/compile.h"
 
+#include "charc/recipe_reader.h"
 #include "formats/error.h"
 #include "formats/files.h"
 
@@ -11,7 +12,7 @@
 
 namespace {
 
-constexpr double STRAY_LIMIT = 1;  // units; the user is told of a larger stray
+constexpr double STRAY_MAX = 1;  // units; the user is told of a larger stray
 
 template <class Numbers>
 double Dot(const Numbers& a, const Numbers& b) {
@@ -75,15 +76,15 @@ void CheckFinite(const BuiltClip& clip, const Model& model) {
 
 void NoteStrays(const ClipReport& report, const CharacterRecipe& recipe, std::vector<std::string>& notes) {
     const auto joint = [&](const Stray& stray) { return recipe.joints[static_cast<size_t>(stray.bone)]; };
-    if (report.atKeys.distance > STRAY_LIMIT) {
+    if (report.atKeys.distance > STRAY_MAX) {
         notes.push_back(fmt::format("'{}' moves or scales '{}' by itself: up to {:.1f} units off, bones only turn",
                                     report.clip, joint(report.atKeys), report.atKeys.distance));
     }
-    if (report.walksOff > LEAST_WALK) {
+    if (report.walksOff > WALK_MIN) {
         notes.push_back(
             fmt::format("'{}' walks {:.0f} units off by itself: taken back", Shown(report.clip), report.walksOff));
     }
-    if (report.loopGap.distance > STRAY_LIMIT) {
+    if (report.loopGap.distance > STRAY_MAX) {
         notes.push_back(fmt::format("'{}' does not end as it begins: {:.1f} units at '{}'", report.clip,
                                     report.loopGap.distance, joint(report.loopGap)));
     }
@@ -91,7 +92,7 @@ void NoteStrays(const ClipReport& report, const CharacterRecipe& recipe, std::ve
 
 std::string Report(const CompiledCharacter& character, const CharacterRecipe& recipe) {
     std::string text = fmt::format("{} triangles of {}, {} points of {}\n", character.triangles,
-                                   CHARACTER_MAX_TRIANGLES, character.points, CHARACTER_MAX_POINTS);
+                                   CHARACTER_TRIANGLES_MAX, character.points, CHARACTER_POINTS_MAX);
     for (const ClipReport& clip : character.clips) {
         const std::string& joint = recipe.joints[static_cast<size_t>(clip.betweenKeys.bone)];
         text += fmt::format("{:13} {:3} keys, between them up to {:.1f} units off ({})\n", clip.file, clip.keys,

@@ -77,6 +77,3 @@ static_assert(CHARACTER_CLIPS.size() == ANIMATION_HOP_CROUCH &&
                          [](const UsualClip& clip, std::string_view file) { return clip.file == file; }));
 
 std::vector<uint32_t> EvenTimes(uint32_t length, uint32_t step, uint32_t blend);
-
-// ContentError for a recipe that breaks a rule. Files of animations that it leaves out are filled from others.
-CharacterRecipe ReadRecipe(const std::filesystem::path& path);

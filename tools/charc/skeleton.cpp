@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t LISTED_MOST = 22;
+constexpr size_t LISTED_MAX = 22;
 
 std::string JointName(const Model& model, size_t joint) {
     return model.nodes.nodes[static_cast<size_t>(model.joints[joint].node)].name;
@@ -18,9 +18,9 @@ std::string JointName(const Model& model, size_t joint) {
 
 std::string List(const std::vector<std::string>& names) {
     std::string list;
-    for (size_t i = 0; i < std::min(names.size(), LISTED_MOST); ++i)
+    for (size_t i = 0; i < std::min(names.size(), LISTED_MAX); ++i)
         list += fmt::format("{}'{}'", i == 0 ? "" : ", ", Shown(names[i]));
-    return names.size() <= LISTED_MOST ? list : fmt::format("{} and {} more", list, names.size() - LISTED_MOST);
+    return names.size() <= LISTED_MAX ? list : fmt::format("{} and {} more", list, names.size() - LISTED_MAX);
 }
 
 // The bone of each joint by its name, -1 for folded ones.

@@ -30,7 +30,7 @@ std::vector<BoneWeight> BoneWeights(const ModelVertex& vertex, const Skeleton& s
     for (const auto& [block, weight] : byBlock)
         ranked.emplace_back(-weight, block);
     std::sort(ranked.begin(), ranked.end());
-    if (ranked.size() > CHARACTER_MAX_INFLUENCES) ranked.resize(CHARACTER_MAX_INFLUENCES);
+    if (ranked.size() > CHARACTER_INFLUENCES_MAX) ranked.resize(CHARACTER_INFLUENCES_MAX);
     double kept = 0;
     for (const auto& [negative, block] : ranked)
         kept -= negative;
@@ -121,14 +121,14 @@ private:
                    fmt::format("make the model or the recipe's 'scale' smaller: {:.0f} are the most", FARTHEST));
         }
         for (const auto& uv : vertex.uv) {
-            if (std::max(std::abs(uv[0]), std::abs(uv[1])) <= MOST_REPEATS) continue;
+            if (std::max(std::abs(uv[0]), std::abs(uv[1])) <= REPEATS_MAX) continue;
             Refuse(model_.file, 0, fmt::format("has a texture coordinate ({} {})", uv[0], uv[1]),
-                   fmt::format("keep within {:.0f} repeats of the picture", MOST_REPEATS));
+                   fmt::format("keep within {:.0f} repeats of the picture", REPEATS_MAX));
         }
     }
 
     static constexpr double FARTHEST = 10000;
-    static constexpr double MOST_REPEATS = 1000;
+    static constexpr double REPEATS_MAX = 1000;
 
     const Model& model_;
     const Skeleton& skeleton_;
@@ -148,27 +148,27 @@ size_t CountPoints(const Vertices& vertices) {
 }
 
 bool TooLarge(const Vertices& vertices) {
-    return vertices.triangles.size() > CHARACTER_MAX_TRIANGLES || CountPoints(vertices) > CHARACTER_MAX_POINTS;
+    return vertices.triangles.size() > CHARACTER_TRIANGLES_MAX || CountPoints(vertices) > CHARACTER_POINTS_MAX;
 }
 
 void Simplify(Vertices& vertices, const Model& model) {
-    constexpr float ERROR_LIMIT = 0.2F;  // share of the model's size
+    constexpr float ERROR_MAX = 0.2f;  // share of the model's size
     std::vector<unsigned> indices;
     for (const auto& triangle : vertices.triangles)
         indices.insert(indices.end(), triangle.begin(), triangle.end());
     const size_t before = vertices.triangles.size();
     const size_t points = CountPoints(vertices);
-    const size_t first = std::min(before, CHARACTER_MAX_TRIANGLES);  // few triangles may have too many points
+    const size_t first = std::min(before, CHARACTER_TRIANGLES_MAX);  // few triangles may have too many points
     for (size_t target = first; TooLarge(vertices); target = target * 15 / 16) {
         std::vector<unsigned> fewer(indices.size());
         fewer.resize(meshopt_simplify(fewer.data(), indices.data(), indices.size(), vertices.positions[0].data(),
-                                      vertices.positions.size(), sizeof vertices.positions[0], target * 3, ERROR_LIMIT,
-                                      0, nullptr));
+                                      vertices.positions.size(), sizeof vertices.positions[0], target * 3, ERROR_MAX, 0,
+                                      nullptr));
         const bool stuck = target < first / 4;
         if (stuck) {
             Refuse(model.file, 0,
                    fmt::format("has {} triangles with {} points, which cannot be simplified to {} with {}", before,
-                               points, CHARACTER_MAX_TRIANGLES, CHARACTER_MAX_POINTS),
+                               points, CHARACTER_TRIANGLES_MAX, CHARACTER_POINTS_MAX),
                    "join its loose parts and texture islands, or decimate it in the modelling program");
         }
         vertices.triangles.clear();
@@ -183,8 +183,8 @@ bool IsFlat(const std::array<float, 3>& a, const std::array<float, 3>& b, const 
                       static_cast<double>(q[1]) - static_cast<double>(p[1]),
                       static_cast<double>(q[2]) - static_cast<double>(p[2])};
     };
-    constexpr double LEAST_DOUBLE_AREA = 1e-3;  // square units
-    return Length(Cross(edge(a, b), edge(a, c))) < LEAST_DOUBLE_AREA;
+    constexpr double DOUBLE_AREA_MIN = 1e-3;  // square units
+    return Length(Cross(edge(a, b), edge(a, c))) < DOUBLE_AREA_MIN;
 }
 
 std::vector<int> TexturesOfMaterials(const Model& model, const CharacterRecipe& recipe) {

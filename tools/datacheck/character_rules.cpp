@@ -16,8 +16,8 @@ void CheckMesh(const CharacterData& character, Report& report) {
         if (count > most)
             report.Problem(character.MeshPath(), "", fmt::format("{}: {}, at most {}", what, count, most), remedy);
     };
-    limit("points", mesh.points.size(), CHARACTER_MAX_POINTS, "simplify the model");
-    limit("triangles", mesh.triangles.size(), CHARACTER_MAX_TRIANGLES, "simplify the model");
+    limit("points", mesh.points.size(), CHARACTER_POINTS_MAX, "simplify the model");
+    limit("triangles", mesh.triangles.size(), CHARACTER_TRIANGLES_MAX, "simplify the model");
     if (mesh.boneCount == CHARACTER_BONES) return;
     report.Problem(character.MeshPath(), "",
                    fmt::format("has {} bones, {} are needed", mesh.boneCount, CHARACTER_BONES), REBUILD);

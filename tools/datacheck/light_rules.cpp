@@ -100,8 +100,8 @@ private:
             Problem(place, "has contributions, which its type never uses", REBUILD);
         if (gathers && level_.world) {
             const auto reached = PointsWithin(Widened(slot.position), slot.radius);
-            if (reached > GATHERED_POINT_LIMIT) {
-                Problem(place, fmt::format("reaches {} points, at most {}", reached, GATHERED_POINT_LIMIT),
+            if (reached > GATHERED_POINTS_MAX) {
+                Problem(place, fmt::format("reaches {} points, at most {}", reached, GATHERED_POINTS_MAX),
                         "give the light a smaller radius");
             }
         }
@@ -154,9 +154,9 @@ private:
     void CheckShots() {
         for (const Vec3& place : PlacesOfPlay(level_.number, FacesOf(*level_.world), PLACES)) {
             const auto reached = PointsWithin(place, double{SHOT_LIGHT_RADIUS});
-            if (reached <= GATHERED_POINT_LIMIT) continue;
+            if (reached <= GATHERED_POINTS_MAX) continue;
             report_.Note(level_.SlotPath(), "at " + Describe(place),
-                         fmt::format("a shot reaches {} points and lights {} of them", reached, GATHERED_POINT_LIMIT),
+                         fmt::format("a shot reaches {} points and lights {} of them", reached, GATHERED_POINTS_MAX),
                          "simplify the brushes around it");
         }
     }

@@ -8,17 +8,17 @@ namespace {
 
 constexpr double PLANE_TOLERANCE = 0.15;  // distance of a corner from its polygon's plane
 constexpr double DENT_TOLERANCE = 0.15;  // depth of a corner inside its polygon: welding moves each corner by up to 0.1
-constexpr double SHORTEST_EDGE = 0.099;
+constexpr double EDGE_LENGTH_MIN = 0.099;
 constexpr double SAME_DIRECTION = 0.99;  // least cosine between the stored normal and the corners' own
 constexpr float FARTHEST = 26000;        // largest coordinate at which the game's collision still measures distances
-constexpr double LEAST_AREA = 1e-3;      // twice the area of the first three corners
+constexpr double AREA_MIN = 1e-3;        // twice the area of the first three corners
 const char* const REBUILD = "build the world again with mapc";
 const char* const REPAIR = "move the map's vertices apart, or onto one plane";
 
 std::string FaultOf(const WorldPolygon& polygon) {
     const bool cornerLight = polygon.shading == WORLD_CORNER_LIGHT;
     if (!cornerLight && polygon.shading != WORLD_POINT_LIGHT) return "has an unknown kind of light";
-    const size_t most = cornerLight ? CORNER_LIGHT_CORNERS : BSP_MAX_CORNERS;
+    const size_t most = cornerLight ? CORNER_LIGHT_CORNERS : BSP_CORNERS_MAX;
     if (polygon.cornerCount < 3 || polygon.cornerCount > most) {
         return fmt::format("has {} corners, 3 to {} are possible with its kind of light", polygon.cornerCount, most);
     }
@@ -39,10 +39,10 @@ std::string FaultOfShape(const WorldFace& face) {
         const Vec3& p = face.corners[k];
         const Vec3& next = face.corners[(k + 1) % count];
         if (std::abs(face.Distance(p)) > PLANE_TOLERANCE) return "a corner lies off its plane";
-        if (Length(next - p) < SHORTEST_EDGE) return "an edge is shorter than 0.1";
+        if (Length(next - p) < EDGE_LENGTH_MIN) return "an edge is shorter than 0.1";
         own = own + Cross(p - face.corners[0], next - face.corners[0]);
     }
-    if (Length(Cross(face.corners[1] - face.corners[0], face.corners[2] - face.corners[0])) < LEAST_AREA) {
+    if (Length(Cross(face.corners[1] - face.corners[0], face.corners[2] - face.corners[0])) < AREA_MIN) {
         return "its first three corners lie on a line";
     }
     if (Dot(own, face.normal) < SAME_DIRECTION * Length(own)) return "its corners run clockwise seen from outside";

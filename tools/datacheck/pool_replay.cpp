@@ -43,7 +43,7 @@ size_t CharacterBytes(const std::filesystem::path& folder) {
     for (const char* file : PLAYER_ANIMATION_FILES)
         add(file);
     add("zero.wei");
-    return bytes == 0 ? 0 : bytes + Taken(BONE_LIMIT * BONE_BYTES);
+    return bytes == 0 ? 0 : bytes + Taken(BONES_MAX * BONE_BYTES);
 }
 
 PoolUse ReplayPool(const WorldFile& world, size_t textureCount, size_t texturePages, size_t characterBytes) {
@@ -69,7 +69,7 @@ PoolUse ReplayPool(const WorldFile& world, size_t textureCount, size_t texturePa
     // The counters of the normals are given back before the frame is taken: the larger of the two must fit.
     Pool counters = pool;
     counters.Take("the point normals",
-                  std::max(size_t{NORMAL_COUNTERS_MIN_BYTES}, NORMAL_COUNTER_BYTES * world.points.size()));
+                  std::max(size_t{NORMAL_COUNTERS_BYTES_MIN}, NORMAL_COUNTER_BYTES * world.points.size()));
     if (counters.use.failedFor != nullptr) return counters.use;
     pool.Take("the frame", OFFSCREEN_FRAME_BYTES);
     return pool.use;

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr size_t LEAST_COUNT = CHAR_TEXTURE_BASE + CHAR_TEXTURE_COUNT;
+constexpr size_t COUNT_MIN = CHAR_TEXTURE_BASE + CHAR_TEXTURE_COUNT;
 constexpr size_t ANIMATED_FIRST = TEXTURE_CYCLE_FIRST;  // shown until the first cycle
 constexpr size_t ANIMATED_LAST = TEXTURE_CYCLE_FIRST + TEXTURE_CYCLE_LENGTH - 1;
 
@@ -67,8 +67,8 @@ void CheckGlideTextures(const LevelData& level, Report& report) {
 
 void CheckTextures(const LevelData& level, Report& report) {
     const size_t count = level.textures->slots.size();
-    if (count < LEAST_COUNT) {
-        report.Problem(level.TexturePath(), "", fmt::format("has {} textures, {} are needed", count, LEAST_COUNT),
+    if (count < COUNT_MIN) {
+        report.Problem(level.TexturePath(), "", fmt::format("has {} textures, {} are needed", count, COUNT_MIN),
                        "fill the unused slots with a small picture");
     }
     if (count > ANIMATED_LAST) CheckAnimatedSlots(level, report);

@@ -30,7 +30,7 @@ struct TreeWalk {
         }
         const size_t i = static_cast<size_t>(child);
         depth = std::max(depth, level);
-        isTree = isTree && level <= BSP_MAX_DEPTH && ++nodeVisits[i] == 1;
+        isTree = isTree && level <= BSP_DEPTH_MAX && ++nodeVisits[i] == 1;
         if (!isTree) return;
         Visit(world.nodes[i].front, level + 1);
         Visit(world.nodes[i].back, level + 1);
@@ -43,13 +43,13 @@ bool CheckTree(const LevelData& level, Report& report) {
     const TreeWalk walk(*level.world);
     const std::string file = level.WorldPath();
     if (!walk.isTree) {
-        report.Problem(file, "tree", fmt::format("is empty, deeper than {} or reaches a node twice", BSP_MAX_DEPTH),
+        report.Problem(file, "tree", fmt::format("is empty, deeper than {} or reaches a node twice", BSP_DEPTH_MAX),
                        REBUILD);
         return false;
     }
-    if (walk.polygons > BSP_MAX_LEAF_POLYGONS) {
+    if (walk.polygons > BSP_LEAF_POLYGONS_MAX) {
         report.Problem(file, "tree",
-                       fmt::format("its leaves hold {} polygons, at most {}", walk.polygons, BSP_MAX_LEAF_POLYGONS),
+                       fmt::format("its leaves hold {} polygons, at most {}", walk.polygons, BSP_LEAF_POLYGONS_MAX),
                        REBUILD);
         return false;
     }

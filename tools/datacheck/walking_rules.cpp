@@ -43,11 +43,11 @@ Contact ContactOf(const WorldFace& face) {
     return HeightOf(face) <= STEP_HEIGHT + STEP_TOLERANCE ? Contact::Riser : Contact::Wall;
 }
 
-// Whether the player may stand in front of the wall on a floor no more than LEDGE_LIMIT below the edge.
+// Whether the player may stand in front of the wall on a floor no more than LEDGE_MAX below the edge.
 bool FloorIsNear(const std::vector<WorldFace>& faces, const WorldFace& wall, const Vec3& edge) {
     const Vec3 eye = edge - wall.normal * BEFORE_WALL;
     for (const WorldFace& face : faces) {
-        if (face.Up() > STEEP_SLOPE && face.Hit(eye, {0, -1, 0}, 0) < LEDGE_LIMIT - 0.1) return true;
+        if (face.Up() > STEEP_SLOPE && face.Hit(eye, {0, -1, 0}, 0) < LEDGE_MAX - 0.1) return true;
     }
     return false;
 }
@@ -79,18 +79,18 @@ void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces,
             const bool isTop = std::abs(p.y - next.y) < 0.1 && wall.Centre().y < middle.y - 0.1;
             if (!isTop || !FloorIsNear(faces, wall, middle) || !IsContinued(faces, wall, middle)) continue;
             report.Note(level.WorldPath(), "wall at " + Describe(middle),
-                        fmt::format("is cut horizontally less than {} above a floor", LEDGE_LIMIT),
+                        fmt::format("is cut horizontally less than {} above a floor", LEDGE_MAX),
                         fmt::format("let one face of the wall reach {} above the floor, and no ledge's plane cut it",
-                                    LEDGE_LIMIT));
+                                    LEDGE_MAX));
         }
     }
 }
 
 void CheckContacts(const LevelData& level, Report& report) {
     const Contacts contacts = MostContacts(*level.world);
-    if (contacts.count <= CONTACTS_MAX) return;
+    if (contacts.count <= LEVEL_CONTACTS_MAX) return;
     report.Problem(level.WorldPath(), "at " + Describe(Widened(contacts.place)),
-                   fmt::format("a moving player touches {} polygons, at most {}", contacts.count, CONTACTS_MAX),
+                   fmt::format("a moving player touches {} polygons, at most {}", contacts.count, LEVEL_CONTACTS_MAX),
                    "use fewer or larger faces there");
 }
 

@@ -76,7 +76,7 @@ bool WentThroughAWall(const Vec3& before, const Vec3& after) {
             low = std::min(low, CornerPosition(polygon, k).y);
             high = std::max(high, CornerPosition(polygon, k).y);
         }
-        if (high - low > LEDGE_LIMIT && IsInOutline(polygon, after - lowering)) return true;
+        if (high - low > LEDGE_MAX && IsInOutline(polygon, after - lowering)) return true;
     }
     return false;
 }

@@ -22,10 +22,10 @@
 #include <string>
 #include <vector>
 
-constexpr size_t CHARACTER_BONES = BONE_LIMIT;
-constexpr size_t CHARACTER_MAX_TRIANGLES = 900;  // so that split pieces find room in the game's tables
-constexpr size_t CHARACTER_MAX_POINTS = 500;
-constexpr size_t CHARACTER_MAX_INFLUENCES = 3;
+constexpr size_t CHARACTER_BONES = BONES_MAX;
+constexpr size_t CHARACTER_TRIANGLES_MAX = 900;  // so that split pieces find room in the game's tables
+constexpr size_t CHARACTER_POINTS_MAX = 500;
+constexpr size_t CHARACTER_INFLUENCES_MAX = 3;
 constexpr uint32_t CHARACTER_FIRST_TIME = ANIM_START_TIME;
 constexpr double CHARACTER_TIME_PER_SECOND = ANIM_TICK_UNITS / 0.016;
 static_assert(CHARACTER_TIME_PER_SECOND == 312.5);

@@ -6,12 +6,12 @@
 
 namespace {
 
-constexpr size_t PATH_SHOWN_MOST = 400;
+constexpr size_t PATH_SHOWN_MAX = 400;
 
 }  // namespace
 
 void Refuse(const std::string& file, int line, const std::string& problem, const std::string& remedy) {
-    const std::string name = Shown(file, PATH_SHOWN_MOST);
+    const std::string name = Shown(file, PATH_SHOWN_MAX);
     const std::string place = line > 0 ? fmt::format("{}:{}", name, line) : name;
     throw ContentError(fmt::format("{}: {}: {}", place, problem, remedy));
 }

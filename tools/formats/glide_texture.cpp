@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::ptrdiff_t HEADER_LIMIT = 80;
+constexpr std::ptrdiff_t HEADER_MAX = 80;
 const char* const REMEDY = "build the textures again with texc";
 
 // The linear light of a texel, times the part of it that is solid.
@@ -136,7 +136,7 @@ std::vector<uint8_t> EncodeGlideTexture(const std::vector<Image>& levels) {
 
 GlideTexture DecodeGlideTexture(const std::vector<uint8_t>& content, const std::string& fileName) {
     const std::string head(content.begin(),
-                           content.begin() + std::min<std::ptrdiff_t>(HEADER_LIMIT, std::ssize(content)));
+                           content.begin() + std::min<std::ptrdiff_t>(HEADER_MAX, std::ssize(content)));
     unsigned smallest = 0, largest = 0, across = 0, down = 0;
     int headerBytes = 0;
     std::sscanf(head.c_str(), "3df v%*[0-9].%*[0-9]\nargb1555\nlod range: %3u %3u\naspect ratio: %1u %1u%n", &smallest,

@@ -74,9 +74,9 @@ HeightImage ReadHeightImage(const std::filesystem::path& path) {
         Refuse(file, 0, fmt::format("has {} bits a channel{}", content[24], content[25] == 0 ? "" : ", and colours"),
                remedy);
     }
-    if (std::min(width, height) < 2 || std::max(width, height) > HEIGHT_IMAGE_MAX_SIDE) {
+    if (std::min(width, height) < 2 || std::max(width, height) > HEIGHT_IMAGE_SIDE_MAX) {
         Refuse(file, 0, fmt::format("is {} x {} pixels", width, height),
-               fmt::format("make each side 2 to {}: a pixel is a corner of the grid", HEIGHT_IMAGE_MAX_SIDE));
+               fmt::format("make each side 2 to {}: a pixel is a corner of the grid", HEIGHT_IMAGE_SIDE_MAX));
     }
     HeightImage image{static_cast<int>(width), static_cast<int>(height), std::vector<uint16_t>(width * height)};
     std::vector<png_bytep> rows;

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <vector>
 
-constexpr uint32_t HEIGHT_IMAGE_MAX_SIDE = 129;  // 128 cells
+constexpr uint32_t HEIGHT_IMAGE_SIDE_MAX = 129;  // 128 cells
 
 struct HeightImage {
     int width = 0, height = 0;

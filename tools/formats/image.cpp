@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int MAX_PNG_SIDE = 4096;
+constexpr int PNG_SIDE_MAX = 4096;
 constexpr uint32_t BITMAP_HEADER_SIZE = 54;  // 14 bytes of file header, 40 of picture header
 
 size_t BitmapRowSize(int width) {
@@ -25,10 +25,10 @@ Image ReadPng(const std::filesystem::path& path) {
     if (!png_image_begin_read_from_memory(&reader, content.data(), content.size())) {
         Refuse(path.string(), 0, reader.message, "save the picture as PNG again");
     }
-    if (reader.width > MAX_PNG_SIDE || reader.height > MAX_PNG_SIDE) {
+    if (reader.width > PNG_SIDE_MAX || reader.height > PNG_SIDE_MAX) {
         png_image_free(&reader);
         Refuse(path.string(), 0, fmt::format("is {} x {} pixels", reader.width, reader.height),
-               fmt::format("make it at most {} a side", MAX_PNG_SIDE));
+               fmt::format("make it at most {} a side", PNG_SIDE_MAX));
     }
     reader.format = PNG_FORMAT_RGBA;
     Image image(static_cast<int>(reader.width), static_cast<int>(reader.height));
@@ -93,7 +93,7 @@ Image DecodeBitmap(std::vector<uint8_t> content, const std::string& fileName) {
     if (in.U32() != BITMAP_HEADER_SIZE || in.U32() != 40) Refuse(fileName, 0, "has an unusual header", remedy);
     const int width = in.I32();
     const int height = in.I32();
-    if (width < 1 || height < 1 || width > MAX_PNG_SIDE || height > MAX_PNG_SIDE) {
+    if (width < 1 || height < 1 || width > PNG_SIDE_MAX || height > PNG_SIDE_MAX) {
         Refuse(fileName, 0, fmt::format("says it is {} x {} pixels", width, height), remedy);
     }
     if (in.U16() != 1 || in.U16() != 24 || in.U32() != 0) Refuse(fileName, 0, "is not plain 24-bit colour", remedy);

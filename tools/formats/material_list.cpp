@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int SLOT_END = TEXTURE_LIMIT;
+constexpr int SLOT_END = TEXTURES_MAX;
 constexpr int TEXELS_MIN = 8;
 constexpr int TEXELS_MAX = 128;
 constexpr int LIGHT_MAX = 1000;
@@ -146,7 +146,7 @@ std::string LineOf(const Material& material) {
 }  // namespace
 
 MaterialList ReadMaterialList(const std::filesystem::path& path) {
-    const std::vector<uint8_t> content = ReadWholeFile(path, TEXT_MOST_BYTES);
+    const std::vector<uint8_t> content = ReadWholeFile(path, TEXT_BYTES_MAX);
     std::istringstream stream(std::string(content.begin(), content.end()));
     MaterialList list;
     std::set<std::string> names;

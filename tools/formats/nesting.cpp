@@ -34,10 +34,10 @@ public:
 
 private:
     void Deepen(int depth) const {
-        if (depth <= NESTING_MOST) return;
+        if (depth <= NESTING_MAX) return;
         const auto end = text_.begin() + static_cast<std::ptrdiff_t>(std::min(at_, text_.size()));
         Refuse(file_, static_cast<int>(std::count(text_.begin(), end, '\n')) + 1,
-               fmt::format("is nested deeper than {} levels", NESTING_MOST), "write it flatter");
+               fmt::format("is nested deeper than {} levels", NESTING_MAX), "write it flatter");
     }
 
     // Goes from an opening quote to behind the closing one, or to the end of the text: a parser stops there, too.

@@ -6,7 +6,7 @@
 
 enum class NestedText { Json, Toml };
 
-constexpr int NESTING_MOST = 64;
+constexpr int NESTING_MAX = 64;
 
 // ContentError with the line where brackets, or the parts of a TOML key (a.b.c), are nested deeper.
 void CheckNesting(std::string_view text, NestedText kind, const std::string& fileName);

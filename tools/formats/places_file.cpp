@@ -55,7 +55,7 @@ std::array<double, 3> MapFrame::ToMap(const std::array<double, 3>& p) const {
 }
 
 PlacesFile ReadPlaces(const std::filesystem::path& path) {
-    const std::vector<uint8_t> bytes = ReadWholeFile(path, TEXT_MOST_BYTES);
+    const std::vector<uint8_t> bytes = ReadWholeFile(path, TEXT_BYTES_MAX);
     std::istringstream text(std::string(bytes.begin(), bytes.end()));
     PlacesFile places;
     int number = 0;

@@ -16,8 +16,8 @@ struct Settings::Document {
 
 namespace {
 
-constexpr size_t DESCRIPTION_MOST = 200;  // bytes quoted of a message of the TOML library
-constexpr size_t LIST_MOST = 4096;        // entries of a list
+constexpr size_t DESCRIPTION_MAX = 200;  // bytes quoted of a message of the TOML library
+constexpr size_t LIST_MAX = 4096;        // entries of a list
 
 const toml::table& Table(const void* table) {
     return *static_cast<const toml::table*>(table);
@@ -41,7 +41,7 @@ std::string ShownValue(const toml::node& node) {
 }  // namespace
 
 Settings Settings::Load(const std::filesystem::path& path) {
-    const std::vector<uint8_t> content = ReadWholeFile(path, TEXT_MOST_BYTES);
+    const std::vector<uint8_t> content = ReadWholeFile(path, TEXT_BYTES_MAX);
     return Parse({reinterpret_cast<const char*>(content.data()), content.size()}, path.string());
 }
 
@@ -56,7 +56,7 @@ Settings Settings::Parse(std::string_view text, const std::string& fileName) {
         settings.file_ = fileName;
         return settings;
     } catch (const toml::parse_error& error) {
-        Refuse(fileName, static_cast<int>(error.source().begin.line), Shown(error.description(), DESCRIPTION_MOST),
+        Refuse(fileName, static_cast<int>(error.source().begin.line), Shown(error.description(), DESCRIPTION_MAX),
                "correct the TOML text");
     }
 }
@@ -132,8 +132,8 @@ size_t Settings::Choice(const std::string& key, const std::string& fallback,
 }
 
 void Settings::CheckList(const std::string& key, size_t entries) const {
-    if (entries > LIST_MOST)
-        RefuseKey(key, fmt::format("has {} entries or more", entries), fmt::format("{} are the most", LIST_MOST));
+    if (entries > LIST_MAX)
+        RefuseKey(key, fmt::format("has {} entries or more", entries), fmt::format("{} are the most", LIST_MAX));
 }
 
 std::vector<std::string> Settings::Texts(const std::string& key) const {

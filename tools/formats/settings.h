@@ -1,6 +1,6 @@
 // One table of a TOML file, read key by key; the limits are given where a key is read. Every refusal names file and
 // line. Keys that nobody asked for are refused by Finish, so that a misspelt key is never silently ignored. A file has
-// at most TEXT_MOST_BYTES (formats/files.h), a list at most 4096 entries.
+// at most TEXT_BYTES_MAX (formats/files.h), a list at most 4096 entries.
 #pragma once
 
 #include <filesystem>

@@ -14,15 +14,15 @@ constexpr const char* REBUILD = "build it again with skyc";
 constexpr const char* SIMPLIFY = "make it simpler";
 constexpr size_t HEADER_SIZE = 20;
 constexpr size_t POINT_SIZE = 12;
-constexpr size_t POLYGON_MIN_SIZE = 36 + 3 * 10;
+constexpr size_t POLYGON_SIZE_MIN = 36 + 3 * 10;
 
 void CheckLimit(const std::string& file, const char* what, size_t count, size_t limit) {
     if (count > limit) Refuse(file, 0, fmt::format("has {} {}, {} at most", count, what, limit), SIMPLIFY);
 }
 
 void CheckCounts(const std::string& file, size_t polygons, size_t points) {
-    CheckLimit(file, "polygons", polygons, STATIC_OBJECT_MAX_POLYGONS);
-    CheckLimit(file, "points", points, STATIC_OBJECT_MAX_POINTS);
+    CheckLimit(file, "polygons", polygons, STATIC_OBJECT_POLYGONS_MAX);
+    CheckLimit(file, "points", points, STATIC_OBJECT_POINTS_MAX);
 }
 
 void CheckPolygons(const std::string& file, const StaticObjectFile& object) {
@@ -30,9 +30,9 @@ void CheckPolygons(const std::string& file, const StaticObjectFile& object) {
     for (size_t i = 0; i < object.polygons.size(); ++i) {
         const StaticObjectPolygon& polygon = object.polygons[i];
         const size_t count = polygon.corners.size();
-        if (count < 3 || count > STATIC_OBJECT_MAX_POLYGON_CORNERS) {
+        if (count < 3 || count > STATIC_OBJECT_POLYGON_CORNERS_MAX) {
             Refuse(file, 0, fmt::format("polygon {} has {} corners", i, count),
-                   fmt::format("give it 3 to {}", STATIC_OBJECT_MAX_POLYGON_CORNERS));
+                   fmt::format("give it 3 to {}", STATIC_OBJECT_POLYGON_CORNERS_MAX));
         }
         for (const StaticObjectCorner& corner : polygon.corners) {
             if (corner.point >= object.points.size()) {
@@ -42,7 +42,7 @@ void CheckPolygons(const std::string& file, const StaticObjectFile& object) {
         }
         corners += count;
     }
-    CheckLimit(file, "corners", corners, STATIC_OBJECT_MAX_CORNERS);
+    CheckLimit(file, "corners", corners, STATIC_OBJECT_CORNERS_MAX);
 }
 
 void PutPolygon(ByteWriter& out, const StaticObjectPolygon& polygon) {
@@ -95,7 +95,7 @@ std::pair<uint32_t, uint32_t> ReadHeader(ByteReader& in) {
     const uint32_t points = in.BigU32();
     in.Take(4);
     CheckCounts(in.File(), polygons, points);
-    const size_t least = points * POINT_SIZE + polygons * POLYGON_MIN_SIZE;
+    const size_t least = points * POINT_SIZE + polygons * POLYGON_SIZE_MIN;
     if (in.Left() < least) Refuse(in.File(), 0, "is shorter than its counts ask for", REBUILD);
     return {polygons, points};
 }

@@ -21,12 +21,12 @@ constexpr uint32_t STATIC_OBJECT_MAGIC = 0x45736f62;  // "Esob"
 constexpr uint32_t STATIC_OBJECT_VERSION = 9;
 
 // Leaves room behind the object, in the game's tables, for the character and its split pieces.
-constexpr size_t STATIC_OBJECT_MAX_POLYGONS = 1000;
-constexpr size_t STATIC_OBJECT_MAX_POINTS = 2000;
-constexpr size_t STATIC_OBJECT_MAX_POLYGON_CORNERS = BSP_MAX_CORNERS;
-constexpr size_t STATIC_OBJECT_MAX_CORNERS = 4000;
-static_assert(STATIC_OBJECT_MAX_POLYGONS < SPARE_POLYGONS && STATIC_OBJECT_MAX_POLYGONS < SPARE_PLANES &&
-              STATIC_OBJECT_MAX_POINTS < SPARE_POINTS && STATIC_OBJECT_MAX_CORNERS < SPARE_POLY_VERTICES);
+constexpr size_t STATIC_OBJECT_POLYGONS_MAX = 1000;
+constexpr size_t STATIC_OBJECT_POINTS_MAX = 2000;
+constexpr size_t STATIC_OBJECT_POLYGON_CORNERS_MAX = BSP_CORNERS_MAX;
+constexpr size_t STATIC_OBJECT_CORNERS_MAX = 4000;
+static_assert(STATIC_OBJECT_POLYGONS_MAX < SPARE_POLYGONS && STATIC_OBJECT_POLYGONS_MAX < SPARE_PLANES &&
+              STATIC_OBJECT_POINTS_MAX < SPARE_POINTS && STATIC_OBJECT_CORNERS_MAX < SPARE_POLY_VERTICES);
 
 // Distance from the eye: a little less than where the accelerator's depths end.
 constexpr double SKY_FARTHEST = 6000;

@@ -27,7 +27,7 @@ TextureSlot ReadSlot(ByteReader& in, size_t index, size_t pageCount) {
 }  // namespace
 
 bool IsTextureSide(int side) {
-    return side >= TEXTURE_MIN_SIDE && side <= TEXTURE_MAX_SIDE && std::has_single_bit(static_cast<unsigned>(side));
+    return side >= TEXTURE_SIDE_MIN && side <= TEXTURE_SIDE_MAX && std::has_single_bit(static_cast<unsigned>(side));
 }
 
 std::vector<uint8_t> EncodeTextureFile(const TextureFile& file) {
@@ -49,7 +49,7 @@ TextureFile DecodeTextureFile(std::vector<uint8_t> content, const std::string& f
     ByteReader in(std::move(content), fileName);
     TextureFile file;
     const size_t count = in.U16();
-    if (count == 0 || count > TEXTURE_MAX_COUNT) {
+    if (count == 0 || count > TEXTURE_COUNT_MAX) {
         Refuse(fileName, 0, fmt::format("says it has {} textures", count), REMEDY);
     }
     for (auto& colour : file.palette) {
@@ -60,7 +60,7 @@ TextureFile DecodeTextureFile(std::vector<uint8_t> content, const std::string& f
     }
     const size_t recordBytes = count * 12;
     const size_t pageBytes = in.Left() < recordBytes ? 0 : in.Left() - recordBytes;
-    if (pageBytes == 0 || pageBytes % TEXTURE_PAGE_SIZE != 0 || pageBytes / TEXTURE_PAGE_SIZE > TEXTURE_MAX_PAGES) {
+    if (pageBytes == 0 || pageBytes % TEXTURE_PAGE_SIZE != 0 || pageBytes / TEXTURE_PAGE_SIZE > TEXTURE_PAGES_MAX) {
         Refuse(fileName, 0, "does not end with 1 to 12 whole pages", REMEDY);
     }
     const size_t pageCount = pageBytes / TEXTURE_PAGE_SIZE;

@@ -12,14 +12,14 @@
 
 constexpr int TEXTURE_PAGE_SIDE = 256;
 constexpr size_t TEXTURE_PAGE_SIZE = 65536;
-constexpr size_t TEXTURE_MAX_PAGES = 12;
-constexpr size_t TEXTURE_MAX_COUNT = 256;  // the animation table has one byte an entry
-constexpr int TEXTURE_MIN_SIDE = 8;
-constexpr int TEXTURE_MAX_SIDE = 128;
+constexpr size_t TEXTURE_PAGES_MAX = 12;
+constexpr size_t TEXTURE_COUNT_MAX = 256;  // the animation table has one byte an entry
+constexpr int TEXTURE_SIDE_MIN = 8;
+constexpr int TEXTURE_SIDE_MAX = 128;
 
 struct TextureSlot {
     uint8_t page = 0, x = 0, y = 0;
-    uint8_t width = 0, height = 0;  // powers of two, TEXTURE_MIN_SIDE..TEXTURE_MAX_SIDE
+    uint8_t width = 0, height = 0;  // powers of two, TEXTURE_SIDE_MIN..TEXTURE_SIDE_MAX
     bool operator==(const TextureSlot&) const = default;
 };
 

@@ -13,9 +13,9 @@
 namespace {
 
 constexpr size_t TEXT_OFFSET = 20;  // behind the headers of the file and of its first chunk
-constexpr size_t JSON_MOST_BYTES = 4 << 20;
-constexpr size_t NUMBERS_MOST = 8'000'000;  // numbers of all accessors that are read; one counts as often as it is read
-constexpr size_t LOADER_ERROR_MOST = 200;   // bytes
+constexpr size_t JSON_BYTES_MAX = 4 << 20;
+constexpr size_t NUMBERS_MAX = 8'000'000;  // numbers of all accessors that are read; one counts as often as it is read
+constexpr size_t LOADER_ERROR_MAX = 200;   // bytes
 
 double Component(const unsigned char* at, int type, bool normalized) {
     const auto as = [&](auto value, double most) {
@@ -69,7 +69,7 @@ GltfFile::GltfFile(const std::filesystem::path& path) : name_(path.string()) {
     std::string error, warning;
     const bool loaded = loader.LoadBinaryFromMemory(&data_, &error, &warning, content.data(),
                                                     static_cast<unsigned>(content.size()), "");
-    if (!loaded) RefuseFile(fmt::format("is no glTF binary ({})", Shown(error, LOADER_ERROR_MOST)));
+    if (!loaded) RefuseFile(fmt::format("is no glTF binary ({})", Shown(error, LOADER_ERROR_MAX)));
 }
 
 // The library calls itself for every level of the text, and takes some hundred bytes of memory for every value.
@@ -78,8 +78,8 @@ void GltfFile::CheckText(const std::vector<uint8_t>& content) const {
     ByteReader head(content, name_);
     head.Take(12);
     const size_t size = std::min<size_t>(head.U32(), content.size() - TEXT_OFFSET);
-    if (size > JSON_MOST_BYTES) {
-        RefuseFile(fmt::format("has {} bytes of JSON", size), fmt::format("{} are the most", JSON_MOST_BYTES));
+    if (size > JSON_BYTES_MAX) {
+        RefuseFile(fmt::format("has {} bytes of JSON", size), fmt::format("{} are the most", JSON_BYTES_MAX));
     }
     CheckNesting({reinterpret_cast<const char*>(content.data()) + TEXT_OFFSET, size}, NestedText::Json, name_);
 }
@@ -108,8 +108,8 @@ GltfNumbers GltfFile::Read(int accessorIndex, size_t width) const {
         RefuseFile(fmt::format("ends before the numbers of accessor {}", accessorIndex));
     }
     taken_ += accessor.count * width;
-    if (taken_ > NUMBERS_MOST) {
-        RefuseFile(fmt::format("has more than {} numbers in its meshes and animations", NUMBERS_MOST),
+    if (taken_ > NUMBERS_MAX) {
+        RefuseFile(fmt::format("has more than {} numbers in its meshes and animations", NUMBERS_MAX),
                    "export each mesh once, and decimate it");
     }
     GltfNumbers numbers{{}, width};

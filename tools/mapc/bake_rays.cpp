@@ -7,9 +7,9 @@ namespace {
 constexpr unsigned SOLID = 0;
 constexpr unsigned SKY = 1;
 constexpr unsigned VEIL = 2;
-constexpr float FARTHEST = 1e6F;
-constexpr float SAME_DISTANCE = 1e-5F;
-constexpr float BEFORE_END = 0.999F;  // share of the way that is looked at: a surface at the very end is not between
+constexpr float FARTHEST = 1e6f;
+constexpr float SAME_DISTANCE = 1e-5f;
+constexpr float BEFORE_END = 0.999f;  // share of the way that is looked at: a surface at the very end is not between
 
 struct VeilHit {
     unsigned veil;

@@ -1,6 +1,6 @@
 #include "mapc/bsp_tree.h"
 
-#include "mapc/limits.h"
+#include "mapc/counts.h"
 #include "records/walking_facts.h"
 
 #include <optional>

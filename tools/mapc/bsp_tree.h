@@ -11,8 +11,6 @@ struct TreeNode {
     int back = 0;
 };
 
-constexpr int TREE_DEPTH_MAX = BSP_MAX_DEPTH - 24;  // a little below the game's own limit
-
 struct Tree {
     std::vector<TreeNode> nodes;  // node 0 is the root; there is always one
     std::vector<std::vector<Face>> leaves;

@@ -58,7 +58,7 @@ Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
     CheckMesh(brushes.file, tree, mesh);
     MakeFans(mesh, brushes.planes, [&](const MeshPolygon& polygon) {
         const bool cornerLight = brushes.textures[static_cast<size_t>(polygon.texture)].cornerLight;
-        return cornerLight ? CORNER_LIGHT_CORNERS : BSP_MAX_CORNERS;
+        return cornerLight ? CORNER_LIGHT_CORNERS : BSP_CORNERS_MAX;
     });
     return mesh;
 }
@@ -72,11 +72,11 @@ WorldFile CutOnWholeGrid(const MapFile& map, Tree tree, const Brushes& brushes, 
 }
 
 void CheckContacts(const MapFile& map, const Contacts& contacts, const Placement& placement) {
-    if (contacts.count <= CONTACTS_MAX) return;
+    if (contacts.count <= LEVEL_CONTACTS_MAX) return;
     const Vec3 place = placement.ToMap({contacts.place[0], contacts.place[1], contacts.place[2]});
     Refuse(map.name, 0,
            fmt::format("a player at {} touches {} polygons at once, at most {}", PlaceText(place), contacts.count,
-                       CONTACTS_MAX),
+                       LEVEL_CONTACTS_MAX),
            "simplify the brushes around that place");
 }
 
@@ -103,7 +103,7 @@ std::string ReportOf(const CompiledLevel& level) {
     for (const Count& count : level.counts) {
         report += fmt::format("{:>9} of {:>8}  {}\n", count.value, count.limit, count.name);
     }
-    report += fmt::format("{:>9} of {:>8}  polygons touched at one place\n", level.contacts.count, CONTACTS_MAX);
+    report += fmt::format("{:>9} of {:>8}  polygons touched at one place\n", level.contacts.count, LEVEL_CONTACTS_MAX);
     report += fmt::format("{:>9.2f} seconds of light: {} rays, {:.1f} million a second\n", level.lightSeconds,
                           level.rays, static_cast<double>(level.rays) / (level.lightSeconds * 1e6));
     return report;

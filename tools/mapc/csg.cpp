@@ -2,7 +2,7 @@
 
 #include "formats/error.h"
 #include "mapc/box_grid.h"
-#include "mapc/limits.h"
+#include "mapc/counts.h"
 
 #include <fmt/format.h>
 

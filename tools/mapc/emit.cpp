@@ -12,7 +12,7 @@ namespace {
 constexpr double LEAF_RADIUS_MIN = 240;  // engine units: the reach test of a smaller leaf misses contacts and shots
 
 WorldVector Narrowed(const Vec3& v) {
-    return {static_cast<float>(v.x) + 0.0F, static_cast<float>(v.y) + 0.0F, static_cast<float>(v.z) + 0.0F};
+    return {static_cast<float>(v.x) + 0.0f, static_cast<float>(v.y) + 0.0f, static_cast<float>(v.z) + 0.0f};
 }
 
 class Emitter {
@@ -75,7 +75,7 @@ private:
     int AddPlane(const Vec3& outward, const Vec3& place) {
         const WorldVector normal = Narrowed(-placement_.Turned(outward));
         const double offset = -Dot({normal[0], normal[1], normal[2]}, placement_.ToEngine(place));
-        const WorldPlane plane{normal, static_cast<float>(offset) + 0.0F};
+        const WorldPlane plane{normal, static_cast<float>(offset) + 0.0f};
         const auto [entry, isNew] =
             planeNumbers_.try_emplace({normal[0], normal[1], normal[2], plane.offset}, world_.planes.size());
         if (isNew) world_.planes.push_back(plane);
@@ -158,8 +158,8 @@ private:
         polygon.plane = PlaneOf(source);
         for (const int vertex : source.corners) {
             const Vec3& p = mesh_.vertices[static_cast<size_t>(vertex)];
-            world_.corners.push_back({PointOf(vertex, source), static_cast<float>(texture.U(p)) + 0.0F,
-                                      static_cast<float>(texture.V(p)) + 0.0F});
+            world_.corners.push_back({PointOf(vertex, source), static_cast<float>(texture.U(p)) + 0.0f,
+                                      static_cast<float>(texture.V(p)) + 0.0f});
         }
         world_.polygons.push_back(polygon);
     }

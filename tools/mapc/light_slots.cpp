@@ -14,7 +14,7 @@ constexpr size_t FLOORS_MAX = 1000;
 constexpr double FAR_DISTANCE = 1e5;
 constexpr double FAR_RADIUS = 1e6;
 constexpr double FAR_SHARE = 1 - FAR_DISTANCE / FAR_RADIUS;  // the share of its intensity that arrives
-constexpr double FAR_LEAST = 0.5;                            // light bytes; less gets no slot
+constexpr double FAR_LIGHT_MIN = 0.5;                        // light bytes; less gets no slot
 constexpr int FIT_STEPS = 8;                                 // steps in which radius and height are tried
 
 Vec3 Widened(const WorldVector& v) {
@@ -105,7 +105,7 @@ private:
 
     void AddFar(const Vec3& centre, const Vec3& toLight, double light) {
         const double shown = light * sources_.exposure;
-        if (shown < FAR_LEAST) return;
+        if (shown < FAR_LIGHT_MIN) return;
         Add(LIGHT_PASSIVE, {centre + toLight * FAR_DISTANCE, FAR_RADIUS, shown / LIGHT_STEP / FAR_SHARE}, {});
     }
 
@@ -197,10 +197,10 @@ private:
             std::count_if(sources_.world.points.begin(), sources_.world.points.end(), [&](const WorldPoint& point) {
                 return LengthSquared(Widened(point.position) - shape.position) <= shape.radius * shape.radius;
             });
-        if (static_cast<size_t>(reached) <= GATHERED_POINT_LIMIT) return;
+        if (static_cast<size_t>(reached) <= GATHERED_POINTS_MAX) return;
         Refuse(
             light.line,
-            fmt::format("this dynamic light reaches {} points of the world, at most {}", reached, GATHERED_POINT_LIMIT),
+            fmt::format("this dynamic light reaches {} points of the world, at most {}", reached, GATHERED_POINTS_MAX),
             "give it a smaller radius, or the style ramp, blink or flicker");
     }
 

@@ -10,17 +10,6 @@
 
 namespace {
 
-// Limits of the compiler. The asserts below hold them against the engine's own; its memory sets others.
-constexpr size_t NODES_MAX = 32767;
-constexpr size_t LEAVES_MAX = BSP_MAX_LEAVES;
-constexpr size_t PLANES_MAX = 62000;
-constexpr size_t POLYGONS_MAX = CORNER_LIGHT_POLYGONS;
-constexpr size_t POINTS_MAX = 25000;
-constexpr size_t CORNERS_MAX = 52000;
-static_assert(NODES_MAX <= BSP_MAX_NODES && PLANES_MAX + SPARE_PLANES <= INDEX_LIMIT &&
-              POLYGONS_MAX + SPARE_POLYGONS <= POLYGON_LIMIT && POINTS_MAX + SPARE_POINTS <= INDEX_LIMIT &&
-              CORNERS_MAX + SPARE_POLY_VERTICES <= INDEX_LIMIT);
-constexpr size_t POLYGONS_AT_POINT_MAX = 127;
 // The part of the engine's 8 MiB that is left for the world beside 12 texture pages, the character, its clips and the
 // frame.
 constexpr size_t MEMORY_MAX = 4300000;
@@ -42,27 +31,15 @@ size_t MostCorners(const WorldFile& world, uint8_t shading) {
 
 }  // namespace
 
-Count DepthCount(int treeDepth) {
-    return {"levels of the tree", static_cast<size_t>(treeDepth), size_t{TREE_DEPTH_MAX}};
-}
-
-Count NodeCount(size_t nodes) {
-    return {"nodes", nodes, NODES_MAX};
-}
-
-Count PolygonCount(size_t polygons) {
-    return {"polygons", polygons, POLYGONS_MAX};
-}
-
 void CheckSize(const Brushes& brushes, double scale) {
     Box box;
     for (const Brush& brush : brushes.list)
         box.Add(brush.box);
     const Vec3 size = (box.max - box.min) * scale;
     const double largest = std::max({size.x, size.y, size.z});
-    if (largest <= SIZE_MAX_UNITS) return;
+    if (largest <= LEVEL_SIZE_MAX) return;
     Refuse(brushes.file, 0, fmt::format("the level measures {:.0f} units from end to end", largest),
-           fmt::format("make it smaller, or its key \"scale\": {:.0f} are the most", SIZE_MAX_UNITS));
+           fmt::format("make it smaller, or its key \"scale\": {:.0f} are the most", LEVEL_SIZE_MAX));
 }
 
 void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh) {
@@ -92,21 +69,9 @@ std::vector<Count> CountWorld(const WorldFile& world, int treeDepth) {
             {"polygon corners", world.corners.size(), CORNERS_MAX},
             {"polygons at one point", uses.empty() ? 0 : *std::max_element(uses.begin(), uses.end()),
              POLYGONS_AT_POINT_MAX},
-            {"corners of a polygon", MostCorners(world, WORLD_POINT_LIGHT), size_t{BSP_MAX_CORNERS}},
+            {"corners of a polygon", MostCorners(world, WORLD_POINT_LIGHT), size_t{BSP_CORNERS_MAX}},
             {"corners of a polygon with corner light", MostCorners(world, WORLD_CORNER_LIGHT),
              size_t{CORNER_LIGHT_CORNERS}},
             {"depth of the tree", static_cast<size_t>(treeDepth), size_t{TREE_DEPTH_MAX}},
             {"bytes of engine memory", memory, MEMORY_MAX}};
-}
-
-void CheckCounts(const std::string& file, const std::vector<Count>& counts) {
-    std::string exceeded;
-    for (const Count& count : counts) {
-        if (count.value <= count.limit) continue;
-        exceeded +=
-            fmt::format("{}{} {}, at most {}", exceeded.empty() ? "" : "; ", count.value, count.name, count.limit);
-    }
-    if (exceeded.empty()) return;
-    Refuse(file, 0, "the level is too large: " + exceeded,
-           "leave out or simplify brushes, or raise the key \"subdivide\" of worldspawn");
 }

@@ -1,7 +1,7 @@
 #include "mapc/sealing.h"
 
 #include "mapc/box_grid.h"
-#include "mapc/limits.h"
+#include "mapc/counts.h"
 
 #include <array>
 

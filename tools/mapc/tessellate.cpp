@@ -1,8 +1,8 @@
 #include "mapc/tessellate.h"
 
 #include "mapc/box_grid.h"
+#include "mapc/counts.h"
 #include "mapc/light_fit.h"
-#include "mapc/limits.h"
 #include "mapc/mesh.h"
 #include "records/walking_facts.h"
 
@@ -27,7 +27,7 @@ public:
         double highest = -MAP_EXTENT * 2;
         for (const int floor : near_)
             highest = std::max(highest, floorBoxes_[static_cast<size_t>(floor)].max.z);
-        return highest + double{LEDGE_LIMIT} / grid_.scale;
+        return highest + double{LEDGE_MAX} / grid_.scale;
     }
 
     std::vector<double> Through(const Box& box, int axis, double lowestCut) const {

@@ -22,7 +22,7 @@ struct Moment {
     bool onGround = false;
     Vec3 travel{};  // how far the actor moved over the floor since the moment before
     std::vector<Vec3> points;
-    std::array<Transform, BONE_LIMIT> bones{};
+    std::array<Transform, BONES_MAX> bones{};
 };
 
 struct FrameInput {

@@ -12,10 +12,10 @@ namespace {
 
 constexpr float DOWN = 1.5f;  // a sole counts as down within this distance of the floor, units
 constexpr int EVERY_FRAME =
-    60;                       // in this many first frames of a state all keys are tried; later ones only now and then
-constexpr int AT_TIMES = 12;  // frames between the later ones
-constexpr int LONGEST_STAY = 600;             // frames, beyond all that the handlers wait for
-constexpr int AFTER_BLEND = 3;                // frames that still belong to a change
+    60;                         // in this many first frames of a state all keys are tried; later ones only now and then
+constexpr int AT_TIMES = 12;    // frames between the later ones
+constexpr int STAY_MAX = 600;   // frames, beyond all that the handlers wait for
+constexpr int AFTER_BLEND = 3;  // frames that still belong to a change
 constexpr int32_t EVEN = 0x3FE, ODD = 0x3FF;  // random words that make a handler act that waits for one
 
 double Distance(const Vec3& a, const Vec3& b) {
@@ -93,7 +93,7 @@ private:
 
     void StayAndLeave() {
         ++walk_;
-        for (int frame = 0; frame < LONGEST_STAY; ++frame) {
+        for (int frame = 0; frame < STAY_MAX; ++frame) {
             const Stage::Snapshot here = stage_.Save();
             if (!IsNew(here.now)) return;
             if (frame < EVERY_FRAME || frame % AT_TIMES == 0) LeaveEveryWay(here);

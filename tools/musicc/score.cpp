@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int MOST_SECONDS = 600;
+constexpr int SECONDS_MAX = 600;
 
 std::vector<std::string> Words(const std::string& text) {
     std::vector<std::string> words;
@@ -189,9 +189,9 @@ void CheckLength(const Settings& from, const Score& score) {
         bars += section.bars;
     if (bars == 0) from.RefuseTable("there is no section", "add a [[section]]");
     const float seconds = static_cast<float>(bars * score.beatsPerBar) * 60.0f / score.tempo;
-    if (seconds > static_cast<float>(MOST_SECONDS))
+    if (seconds > static_cast<float>(SECONDS_MAX))
         from.RefuseKey("tempo", fmt::format("makes {} bars last {} seconds", bars, static_cast<int>(seconds)),
-                       fmt::format("stay below {}", MOST_SECONDS));
+                       fmt::format("stay below {}", SECONDS_MAX));
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr int MOST_VOICES = 9;
+constexpr int VOICES_MAX = 9;
 constexpr int64_t CONTROL_STEP = 32;  // samples between changes of pitch and cutoff
-constexpr int64_t LONGEST_TAIL = 30 * SAMPLE_RATE;
+constexpr int64_t TAIL_MAX = 30 * SAMPLE_RATE;
 constexpr double HIGHEST_STEP = 0.5;  // turns a sample; nothing higher can be played
 constexpr double MIDDLE_C = 60.0;
 constexpr int64_t BURST_STEP = SAMPLE_RATE * 11 / 1000;
@@ -44,7 +44,7 @@ public:
 
     void Play(Loop& out) {
         auto place = static_cast<size_t>(note_.start) % out.Size();
-        for (int64_t i = 0; i < note_.length + LONGEST_TAIL && !amplitude_.Over(); ++i) {
+        for (int64_t i = 0; i < note_.length + TAIL_MAX && !amplitude_.Over(); ++i) {
             if (i % CONTROL_STEP == 0) Tune(i);
             const Stereo sample = Next(i < note_.length);
             out.left[place] += sample.left;
@@ -107,7 +107,7 @@ private:
     const Note& note_;
     Envelope amplitude_, modulation_;
     Noise noise_;
-    std::array<Strand, MOST_VOICES> strands_{};
+    std::array<Strand, VOICES_MAX> strands_{};
     std::array<Filter, 2> filters_;
     double step_ = 0.0;  // turns a sample
     double subPhase_ = 0.0;
@@ -132,7 +132,7 @@ void PlayDrum(const Drum& drum, const Note& note, Loop& out) {
     float toneLevel = drum.toneLevel, noiseLevel = drum.noiseLevel, pitchLevel = 1.0f;
     double turns = 0.0;
     auto place = static_cast<size_t>(note.start) % out.Size();
-    for (int64_t i = 0; i < LONGEST_TAIL && toneLevel + noiseLevel > 0.0001f; ++i) {
+    for (int64_t i = 0; i < TAIL_MAX && toneLevel + noiseLevel > 0.0001f; ++i) {
         if (i % BURST_STEP == 0 && i < BURST_STEP * drum.bursts) noiseLevel = drum.noiseLevel;
         float value = high.Next(FilterKind::High, low.Next(FilterKind::Low, noise.Next())) * noiseLevel;
         value += static_cast<float>(SineOfTurns(turns)) * toneLevel;

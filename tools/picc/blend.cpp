@@ -42,11 +42,11 @@ Coverage RoundedBox(int width, int height, const Rectangle& box, int radius, int
     for (int y = box.top + inside; y < box.bottom - inside; ++y) {
         for (int x = box.left + inside; x < box.right - inside; ++x) {
             const float dx =
-                corner - static_cast<float>(std::min(x - box.left - inside, box.right - inside - 1 - x)) - 0.5F;
+                corner - static_cast<float>(std::min(x - box.left - inside, box.right - inside - 1 - x)) - 0.5f;
             const float dy =
-                corner - static_cast<float>(std::min(y - box.top - inside, box.bottom - inside - 1 - y)) - 0.5F;
+                corner - static_cast<float>(std::min(y - box.top - inside, box.bottom - inside - 1 - y)) - 0.5f;
             const float beyond = dx > 0 && dy > 0 ? std::sqrt(dx * dx + dy * dy) - corner : -1;
-            shape.Add(x, y, static_cast<uint8_t>(std::clamp(0.5F - beyond, 0.0F, 1.0F) * 255));
+            shape.Add(x, y, static_cast<uint8_t>(std::clamp(0.5f - beyond, 0.0f, 1.0f) * 255));
         }
     }
     return shape;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr float FOCAL_LENGTH = 420;  // pixels
 constexpr float UNITS_A_TEXEL = 2;
-constexpr float FARTHEST = 1e6F;
+constexpr float FARTHEST = 1e6f;
 constexpr int SAMPLES = 3;  // samples along a pixel's side: with fewer the far texels would flicker
 
 int Wrap(float units, int size) {
@@ -29,7 +29,7 @@ Rgba LookAlong(const HallView& hall, float dx, float dy) {
     const Image& texture = *(isWall ? (dx < 0 ? hall.left : hall.right) : dy > 0 ? hall.floor : hall.ceiling);
     const float u = isWall ? z : x + half;
     const float v = isWall ? down : z;
-    const float side = isWall ? 0.85F : 1.0F;
+    const float side = isWall ? 0.85f : 1.0f;
     const float clear = hall.sight / (hall.sight + z);
     const Rgba& texel = texture.At(Wrap(u, texture.width), Wrap(v, texture.height));
     return MixColours(hall.haze, Scaled(texel, static_cast<int>(256 * hall.brightness * side)),
@@ -43,8 +43,8 @@ void PaintHall(Image& image, const HallView& hall) {
         for (int x = 0; x < image.width; ++x) {
             int red = 0, green = 0, blue = 0;
             for (int i = 0; i < SAMPLES * SAMPLES; ++i) {
-                const float sampleX = static_cast<float>(x) + (static_cast<float>(i % SAMPLES) + 0.5F) / SAMPLES;
-                const float sampleY = static_cast<float>(y) + (static_cast<float>(i / SAMPLES) + 0.5F) / SAMPLES;
+                const float sampleX = static_cast<float>(x) + (static_cast<float>(i % SAMPLES) + 0.5f) / SAMPLES;
+                const float sampleY = static_cast<float>(y) + (static_cast<float>(i / SAMPLES) + 0.5f) / SAMPLES;
                 const Rgba c = LookAlong(hall, sampleX - static_cast<float>(hall.vanishing),
                                          sampleY - static_cast<float>(hall.horizon));
                 red += c.r;

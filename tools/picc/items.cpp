@@ -4,7 +4,6 @@
 #include "formats/error.h"
 #include "picc/blend.h"
 #include "picc/hall.h"
-#include "picc/picture.h"
 
 #include <fmt/format.h>
 
@@ -23,7 +22,7 @@ Rectangle ReadRectangle(const Settings& item) {
 }
 
 int ReadOpacity(const Settings& item) {
-    return static_cast<int>(item.Number("opacity", 1, 0, 1) * 255 + 0.5F);
+    return static_cast<int>(item.Number("opacity", 1, 0, 1) * 255 + 0.5f);
 }
 
 std::vector<Rgba> NeedColours(const Settings& item, const char* key) {
@@ -118,14 +117,14 @@ void PaintLine(Painter& painter, const Settings& item, const TextStyle& style, c
     Coverage letters(PICTURE_WIDTH, PICTURE_HEIGHT);
     painter.lettering.Draw(item, style, line, x, y, letters);
     const int baseline = static_cast<int>(y);
-    PaintLetters(painter, item, letters, {0, baseline - static_cast<int>(style.size * 0.75F), 0, baseline + 1});
+    PaintLetters(painter, item, letters, {0, baseline - static_cast<int>(style.size * 0.75f), 0, baseline + 1});
 }
 
 void PaintText(Painter& painter, const Settings& item) {
     const TextStyle style = ReadStyle(item, 20);
     const std::vector<float> at = item.Numbers("at", 2, {0, 0});
     const size_t align = item.Choice("align", "left", {"left", "centre", "right"});
-    const float lineHeight = item.Number("line_height", style.size * 1.35F, 1, 400);
+    const float lineHeight = item.Number("line_height", style.size * 1.35f, 1, 400);
     float y = at[1];
     for (const std::string& line : item.Texts("text")) {
         const float width = painter.lettering.Width(item, style, line);

@@ -7,6 +7,10 @@
 
 #include <map>
 
+// Size of every front-end picture, pixels.
+constexpr int PICTURE_WIDTH = 640;
+constexpr int PICTURE_HEIGHT = 480;
+
 struct Painter {
     Image image;
     std::filesystem::path materials;

@@ -18,7 +18,7 @@ namespace {
 constexpr float SUBPIXELS = 64;  // FreeType's lengths are 1/64 pixels
 
 FT_Pos ToSubpixels(float pixels) {
-    return static_cast<FT_Pos>(pixels * SUBPIXELS + (pixels < 0 ? -0.5F : 0.5F));
+    return static_cast<FT_Pos>(pixels * SUBPIXELS + (pixels < 0 ? -0.5f : 0.5f));
 }
 
 // The code points of UTF-8 text; a byte that does not belong there becomes U+FFFD.

@@ -7,9 +7,6 @@
 #include <filesystem>
 #include <string>
 
-constexpr int PICTURE_WIDTH = 640;
-constexpr int PICTURE_HEIGHT = 480;
-
 struct PictureSources {
     std::filesystem::path materials;  // folder of <name>.png
     std::filesystem::path fonts;      // folder of <name>.ttf

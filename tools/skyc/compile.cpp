@@ -12,7 +12,7 @@
 namespace {
 
 constexpr double BENT = 0.5;  // units that a corner may lie off its polygon's plane
-constexpr double LEAST_AREA = 0.01;
+constexpr double AREA_MIN = 0.01;
 const char* const TURN_ROUND = "wind its corners counter-clockwise as seen from the middle of the sky";
 
 WorldVector Narrowed(const Vector& v) {
@@ -75,7 +75,7 @@ private:
         Vector normal;
         for (size_t i = 1; i + 1 < polygon.corners.size(); ++i)
             normal = normal + Cross(place(i) - place(0), place(i + 1) - place(0));
-        if (Length(normal) < LEAST_AREA) RefusePolygon(polygon, "has no area", "remove it");
+        if (Length(normal) < AREA_MIN) RefusePolygon(polygon, "has no area", "remove it");
         normal = normal * (1 / Length(normal));
         for (size_t i = 0; i < polygon.corners.size(); ++i) {
             if (std::abs(Dot(normal, place(i) - place(0))) > BENT) RefusePolygon(polygon, "is bent", "use triangles");
@@ -148,6 +148,6 @@ std::string CompileSkyToFile(const std::filesystem::path& description, const std
     const std::string file = description.string();
     const StaticObjectFile sky = CompileSky(ReadSky(description), ReadMaterialList(materials).materials, file);
     WriteWholeFile(output, EncodeStaticObject(sky, file));
-    return fmt::format("{} polygons of {}, {} points of {}\n", sky.polygons.size(), STATIC_OBJECT_MAX_POLYGONS,
-                       sky.points.size(), STATIC_OBJECT_MAX_POINTS);
+    return fmt::format("{} polygons of {}, {} points of {}\n", sky.polygons.size(), STATIC_OBJECT_POLYGONS_MAX,
+                       sky.points.size(), STATIC_OBJECT_POINTS_MAX);
 }

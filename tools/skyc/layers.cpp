@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int SEGMENTS_MOST = 64;
+constexpr int SEGMENTS_MAX = 64;
 
 // A ring of a surface of revolution: its distance from the axis, and its height.
 struct Ring {
@@ -65,7 +65,7 @@ void AddStrip(const Ring& lower, const Ring& upper, const Turning& turning, cons
 
 Turning ReadTurning(const Settings& layer) {
     Turning turning;
-    turning.segments = layer.Int("segments", turning.segments, 3, SEGMENTS_MOST);
+    turning.segments = layer.Int("segments", turning.segments, 3, SEGMENTS_MAX);
     turning.bearing = static_cast<double>(layer.Number("bearing", 0, -360, 360));
     return turning;
 }
@@ -147,9 +147,9 @@ private:
 }  // namespace
 
 void CheckCount(size_t polygons, const Settings& layer) {
-    if (polygons <= STATIC_OBJECT_MAX_POLYGONS) return;
+    if (polygons <= STATIC_OBJECT_POLYGONS_MAX) return;
     layer.RefuseTable(fmt::format("the sky has {} polygons up to this layer", polygons),
-                      fmt::format("{} are the most: give it fewer segments or stars", STATIC_OBJECT_MAX_POLYGONS));
+                      fmt::format("{} are the most: give it fewer segments or stars", STATIC_OBJECT_POLYGONS_MAX));
 }
 
 Vector DirectionOf(double bearing, double elevation) {

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr float UNITS_PER_METRE = 100;
-constexpr double MOST_REPEATS = 1000;
+constexpr double REPEATS_MAX = 1000;
 
 // Adds a model to the sky. The model's front, +z, points to where the player comes from.
 class ModelLayer {
@@ -55,7 +55,7 @@ private:
             for (const size_t k : order) {
                 const size_t vertex = corners[i + k];
                 const double* p = positions[vertex];
-                if (!(std::max(std::abs(uv[vertex][0]), std::abs(uv[vertex][1])) <= MOST_REPEATS))
+                if (!(std::max(std::abs(uv[vertex][0]), std::abs(uv[vertex][1])) <= REPEATS_MAX))
                     file_.RefuseFile("has a texture coordinate of more than 1000 repeats", "lay out its UVs again");
                 polygon.corners.push_back({ToSky(place({p[0], p[1], p[2]})), uv[vertex][0], uv[vertex][1]});
             }

@@ -5,7 +5,7 @@
 Canvas::Canvas(int texelWidth, int texelHeight)
     : width(texelWidth), height(texelHeight), columns(texelWidth * SAMPLES), rows(texelHeight * SAMPLES) {
     const size_t count = static_cast<size_t>(columns) * static_cast<size_t>(rows);
-    colour.assign(count, {0.5F, 0.5F, 0.5F});
+    colour.assign(count, {0.5f, 0.5f, 0.5f});
     tall.assign(count, 0);
     opacity.assign(count, 1);
     cell.assign(count, 0);
@@ -16,7 +16,7 @@ namespace {
 // One pass of a sliding average along rows (dx = 1) or columns (dy = 1).
 std::vector<float> BlurLine(const Canvas& canvas, const std::vector<float>& field, int radius, int dx, int dy) {
     std::vector<float> result(field.size());
-    const float share = 1.0F / static_cast<float>(2 * radius + 1);
+    const float share = 1.0f / static_cast<float>(2 * radius + 1);
     for (int row = 0; row < canvas.rows; ++row) {
         for (int column = 0; column < canvas.columns; ++column) {
             float sum = 0;
@@ -31,14 +31,14 @@ std::vector<float> BlurLine(const Canvas& canvas, const std::vector<float>& fiel
 float LightAt(const Canvas& canvas, const std::vector<float>& around, const Finish& finish, int column, int row) {
     const auto tall = [&](int dx, int dy) { return canvas.tall[canvas.Index(column + dx, row + dy)]; };
     // Texels of rise for each texel toward the lower right; limited, so that steep edges do not become white.
-    const float slope = (tall(1, 0) - tall(-1, 0) + tall(0, 1) - tall(0, -1)) * (0.5F * SAMPLES);
-    const float soft = slope / (1 + (slope < 0 ? -slope : slope) * 0.6F);
+    const float slope = (tall(1, 0) - tall(-1, 0) + tall(0, 1) - tall(0, -1)) * (0.5f * SAMPLES);
+    const float soft = slope / (1 + (slope < 0 ? -slope : slope) * 0.6f);
     const float hollow = around[canvas.Index(column, row)] - tall(0, 0);
-    return (1 + finish.relief * 0.45F * soft) * (1 - Clamp01(hollow * finish.hollows));
+    return (1 + finish.relief * 0.45f * soft) * (1 - Clamp01(hollow * finish.hollows));
 }
 
 uint8_t ToByte(float value) {
-    return static_cast<uint8_t>(Clamp01(value) * 255 + 0.5F);
+    return static_cast<uint8_t>(Clamp01(value) * 255 + 0.5f);
 }
 
 }  // namespace
@@ -65,7 +65,7 @@ Image Develop(const Canvas& canvas, const Finish& finish) {
             }
             const auto channel = [&](size_t c) {
                 const float mean = solid > 0 ? sum[c] / solid : 0;
-                return ToByte((mean - 0.5F) * finish.contrast + 0.5F);
+                return ToByte((mean - 0.5f) * finish.contrast + 0.5f);
             };
             const bool visible = solid * 2 >= SAMPLES * SAMPLES;
             image.At(x, y) = {channel(0), channel(1), channel(2), static_cast<uint8_t>(visible ? 255 : 0)};

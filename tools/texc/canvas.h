@@ -32,7 +32,7 @@ std::vector<float> BoxBlur(const Canvas& canvas, const std::vector<float>& field
 
 struct Finish {
     float relief = 1;       // how strongly slopes toward the upper left catch the light
-    float hollows = 0.25F;  // how much places are darkened that lie lower than their surroundings
+    float hollows = 0.25f;  // how much places are darkened that lie lower than their surroundings
     float contrast = 1;     // contrast about middle grey
     float brightness = 1;
 };

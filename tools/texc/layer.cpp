@@ -2,6 +2,7 @@
 
 #include "formats/colour_text.h"
 #include "texc/noise.h"
+#include "texc/pattern_table.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr size_t MASKS_MOST = 16;
+constexpr size_t MASKS_MAX = 16;
 
 std::vector<Colour> ReadRamp(const Settings& settings) {
     const auto channel = [](uint8_t byte) { return static_cast<float>(byte) / 255; };
@@ -21,8 +22,8 @@ std::vector<Colour> ReadRamp(const Settings& settings) {
 
 }  // namespace
 
-PlacedPattern::PlacedPattern(const Settings& settings, uint32_t seed, Studio& studio)
-    : pattern_(MakePattern(settings, studio)),
+PlacedPattern::PlacedPattern(const Settings& settings, uint32_t seed, PictureSource& pictures)
+    : pattern_(MakePattern(settings, pictures)),
       seed_(Hash(seed, static_cast<uint32_t>(settings.Int("seed", 0, 0, 1'000'000)))),
       area_(settings.Numbers("area", 4, {})), origin_(settings.Numbers("origin", 2, {0, 0})),
       scroll_(settings.Numbers("scroll", 2, {0, 0})), repeat_(settings.Numbers("repeat", 2, {})),
@@ -45,8 +46,8 @@ void PlacedPattern::Wobble(const Canvas& canvas, Spot& spot) const {
     FractalShape shape;
     shape.columns = shape.rows = wobbleCells_;
     shape.octaves = 2;
-    spot.x += (FractalNoise(Hash(seed_, 11), x, y, shape) - 0.5F) * 2 * wobble_;
-    spot.y += (FractalNoise(Hash(seed_, 12), x, y, shape) - 0.5F) * 2 * wobble_;
+    spot.x += (FractalNoise(Hash(seed_, 11), x, y, shape) - 0.5f) * 2 * wobble_;
+    spot.y += (FractalNoise(Hash(seed_, 12), x, y, shape) - 0.5f) * 2 * wobble_;
 }
 
 void PlacedPattern::Place(const Canvas& canvas, Spot& spot) const {
@@ -79,8 +80,8 @@ void PlacedPattern::Place(const Canvas& canvas, Spot& spot) const {
 
 Sample PlacedPattern::At(const Canvas& canvas, int column, int row, const Moment& moment) const {
     Spot spot{};
-    spot.x = (static_cast<float>(column) + 0.5F) / SAMPLES;
-    spot.y = (static_cast<float>(row) + 0.5F) / SAMPLES;
+    spot.x = (static_cast<float>(column) + 0.5f) / SAMPLES;
+    spot.y = (static_cast<float>(row) + 0.5f) / SAMPLES;
     spot.width = static_cast<float>(canvas.width);
     spot.height = static_cast<float>(canvas.height);
     spot.index = canvas.Index(column, row);
@@ -103,18 +104,18 @@ Sample PlacedPattern::At(const Canvas& canvas, int column, int row, const Moment
     return sample;
 }
 
-Layer::Layer(const Settings& settings, uint32_t seed, Studio& studio)
-    : pattern_(settings, seed, studio), ramp_(ReadRamp(settings)), steps_(settings.Flag("steps", false)),
+Layer::Layer(const Settings& settings, uint32_t seed, PictureSource& pictures)
+    : pattern_(settings, seed, pictures), ramp_(ReadRamp(settings)), steps_(settings.Flag("steps", false)),
       opacity_(settings.Number("opacity", 1, 0, 1)), vary_(settings.Number("vary", 0, 0, 1)),
       raise_(settings.Number("raise", 0, -64, 64)), seed_(seed) {
     mode_ = static_cast<Mode>(settings.Choice("mode", "paint", {"paint", "shade", "glow", "hole", "relief"}));
     uint32_t index = 100;
     for (const Settings& mask : settings.Tables("mask")) {
-        masks_.push_back({PlacedPattern(mask, Hash(seed, index++), studio), mask.Flag("invert", false)});
+        masks_.push_back({PlacedPattern(mask, Hash(seed, index++), pictures), mask.Flag("invert", false)});
         mask.Finish();
     }
-    if (masks_.size() > MASKS_MOST)
-        settings.RefuseKey("mask", "stands there too often", fmt::format("{} are the most", MASKS_MOST));
+    if (masks_.size() > MASKS_MAX)
+        settings.RefuseKey("mask", "stands there too often", fmt::format("{} are the most", MASKS_MAX));
     settings.Finish();
     const bool coloured = mode_ == Mode::Paint || mode_ == Mode::Shade || mode_ == Mode::Glow;
     const std::string pattern = settings.Text("pattern", "");
@@ -152,7 +153,7 @@ void Layer::PaintSample(Canvas& canvas, int column, int row, const Moment& momen
     const size_t index = canvas.Index(column, row);
     const float cover = sample.cover * through * opacity_;
     canvas.tall[index] += raise_ * sample.profile * through;
-    if (sample.cell != 0 && sample.cover * through > 0.5F) canvas.cell[index] = sample.cell;
+    if (sample.cell != 0 && sample.cover * through > 0.5f) canvas.cell[index] = sample.cell;
     if (cover <= 0 || mode_ == Mode::Relief) return;
     if (mode_ == Mode::Hole) {
         canvas.opacity[index] *= 1 - cover;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "texc/pattern.h"
+#include "texc/picture_source.h"
 
 #include <memory>
 #include <vector>
@@ -9,7 +10,7 @@
 // A pattern laid onto the canvas: moved, repeated, mirrored, made uneven.
 class PlacedPattern {
 public:
-    PlacedPattern(const Settings& settings, uint32_t seed, Studio& studio);
+    PlacedPattern(const Settings& settings, uint32_t seed, PictureSource& pictures);
     void Prepare(const Canvas& canvas) { pattern_->Prepare(canvas); }
     Sample At(const Canvas& canvas, int column, int row, const Moment& moment) const;
 
@@ -32,7 +33,7 @@ private:
 
 class Layer {
 public:
-    Layer(const Settings& settings, uint32_t seed, Studio& studio);
+    Layer(const Settings& settings, uint32_t seed, PictureSource& pictures);
     void Paint(Canvas& canvas, const Moment& moment);
 
 private:

@@ -94,7 +94,7 @@ void AddAnimated(Slots& slots, const LevelTextures& level, const std::filesystem
 
 void AddSkin(Slots& slots, const LevelTextures& level, const std::filesystem::path& folder) {
     slots.firstSkinImage = slots.images.size();
-    const size_t plain = slots.AddImage(Image(TEXTURE_MIN_SIDE, TEXTURE_MIN_SIDE, SKIN_COLOUR));
+    const size_t plain = slots.AddImage(Image(TEXTURE_SIDE_MIN, TEXTURE_SIDE_MIN, SKIN_COLOUR));
     for (size_t i = SLOT_FIRST_SKIN; i < SLOT_COUNT; ++i)
         slots.imageOfSlot[i] = plain;
     for (size_t i = 0; i < level.skin.size(); ++i)
@@ -103,7 +103,7 @@ void AddSkin(Slots& slots, const LevelTextures& level, const std::filesystem::pa
 
 Slots FillSlots(const LevelTextures& level, const std::filesystem::path& folder) {
     Slots slots;
-    const size_t nothing = slots.AddImage(Image(TEXTURE_MIN_SIDE, TEXTURE_MIN_SIDE, {0, 0, 0, 0}));
+    const size_t nothing = slots.AddImage(Image(TEXTURE_SIDE_MIN, TEXTURE_SIDE_MIN, {0, 0, 0, 0}));
     std::fill(slots.imageOfSlot.begin(), slots.imageOfSlot.end(), nothing);
     if (!level.animated.empty()) AddAnimated(slots, level, folder);
     int slot = 0;

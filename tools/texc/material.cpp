@@ -16,8 +16,8 @@ struct Studio::Recipe {
 
 namespace {
 
-constexpr size_t MAX_DEPTH = 4;     // how deep recipes may show others
-constexpr size_t MAX_LAYERS = 256;  // layers of a recipe and its bases together
+constexpr size_t DEPTH_MAX = 4;     // how deep recipes may show others
+constexpr size_t LAYERS_MAX = 256;  // layers of a recipe and its bases together
 
 int ReadSide(const Settings& text, size_t index) {
     const float side = text.Numbers("size", 2, {128, 128})[index];
@@ -47,7 +47,7 @@ void ReadHead(const Settings& text, Recipe& recipe) {
 std::filesystem::path Studio::PathOf(const Settings& from, const std::string& key) const {
     const std::filesystem::path path =
         std::filesystem::path(from.File()).parent_path() / (from.NeedText(key) + ".toml");
-    if (open_.size() > MAX_DEPTH || std::find(open_.begin(), open_.end(), path) != open_.end())
+    if (open_.size() > DEPTH_MAX || std::find(open_.begin(), open_.end(), path) != open_.end())
         from.RefuseKey(key, "goes round in a circle or too deep", "paint it from layers");
     return path;
 }
@@ -86,9 +86,9 @@ Studio::Recipe Studio::Read(const std::filesystem::path& path) {
     for (const Settings& layer : text.Tables("layer"))
         recipe.layers.emplace_back(layer, Hash(seed, index++), *this);
     if (recipe.layers.empty()) text.RefuseTable("has no layers", "add a [[layer]]");
-    if (recipe.layers.size() > MAX_LAYERS) {
+    if (recipe.layers.size() > LAYERS_MAX) {
         text.RefuseTable(fmt::format("has {} layers with those of its base", recipe.layers.size()),
-                         fmt::format("{} are the most", MAX_LAYERS));
+                         fmt::format("{} are the most", LAYERS_MAX));
     }
     text.Finish();
     open_.pop_back();

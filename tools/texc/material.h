@@ -4,6 +4,7 @@
 
 #include "formats/image.h"
 #include "formats/settings.h"
+#include "texc/picture_source.h"
 
 #include <filesystem>
 #include <map>
@@ -22,11 +23,10 @@ PaintedMaterial PaintMaterial(const std::filesystem::path& recipe);
 
 // Where recipes find what they show: each picture is read once and each other recipe painted once, however many layers
 // show it.
-class Studio {
+class Studio : public PictureSource {
 public:
-    // The picture or recipe that a key names, looked for beside the recipe of `from`. It lasts as long as the studio.
-    const Image& Picture(const Settings& from, const std::string& key);
-    const Image& Material(const Settings& from, const std::string& key);
+    const Image& Picture(const Settings& from, const std::string& key) override;
+    const Image& Material(const Settings& from, const std::string& key) override;
 
     PaintedMaterial Paint(const std::filesystem::path& recipe);
 

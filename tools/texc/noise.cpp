@@ -5,9 +5,9 @@
 namespace {
 
 // Twelve directions, so that no axis stands out.
-constexpr float GRADIENTS[12][2] = {{1, 0},           {0.866F, 0.5F},  {0.5F, 0.866F},  {0, 1},
-                                    {-0.5F, 0.866F},  {-0.866F, 0.5F}, {-1, 0},         {-0.866F, -0.5F},
-                                    {-0.5F, -0.866F}, {0, -1},         {0.5F, -0.866F}, {0.866F, -0.5F}};
+constexpr float GRADIENTS[12][2] = {{1, 0},           {0.866f, 0.5f},  {0.5f, 0.866f},  {0, 1},
+                                    {-0.5f, 0.866f},  {-0.866f, 0.5f}, {-1, 0},         {-0.866f, -0.5f},
+                                    {-0.5f, -0.866f}, {0, -1},         {0.5f, -0.866f}, {0.866f, -0.5f}};
 
 float Corner(uint32_t seed, int column, int row, float dx, float dy) {
     const float* gradient = GRADIENTS[Hash(seed, static_cast<uint32_t>(column), static_cast<uint32_t>(row)) % 12];
@@ -43,7 +43,7 @@ uint32_t Hash(uint32_t seed, uint32_t a, uint32_t b, uint32_t c) {
 }
 
 float HashUnit(uint32_t hash) {
-    return static_cast<float>(hash >> 8) / 16777216.0F;
+    return static_cast<float>(hash >> 8) / 16777216.0f;
 }
 
 float Smooth(float t) {
@@ -52,7 +52,7 @@ float Smooth(float t) {
 }
 
 float SmoothStep(float low, float high, float value) {
-    if (low == high) return value < low ? 0.0F : 1.0F;
+    if (low == high) return value < low ? 0.0f : 1.0f;
     return Smooth((value - low) / (high - low));
 }
 
@@ -98,11 +98,11 @@ float FractalNoise(uint32_t seed, float x, float y, const FractalShape& shape) {
         const float n = BoilingNoise(octaveSeed, x * static_cast<float>(columns), y * static_cast<float>(rows), columns,
                                      rows, shape);
         // Crests of 1 where the noise crosses 0.
-        sum += strength * (shape.ridged ? 1 - (n < 0 ? -n : n) * 2.2F : n * 1.5F);
+        sum += strength * (shape.ridged ? 1 - (n < 0 ? -n : n) * 2.2f : n * 1.5f);
         total += strength;
         strength *= shape.roughness;
         columns *= 2;
         rows *= 2;
     }
-    return Clamp01(shape.ridged ? sum / total : 0.5F + 0.5F * sum / total * 1.25F);
+    return Clamp01(shape.ridged ? sum / total : 0.5f + 0.5f * sum / total * 1.25f);
 }

@@ -24,7 +24,7 @@ float GradientNoise(uint32_t seed, float x, float y, int columns, int rows);
 struct FractalShape {
     int columns = 4, rows = 4;  // lattice cells across the picture
     int octaves = 4;            // each twice as fine
-    float roughness = 0.5F;     // strength of an octave relative to the one before
+    float roughness = 0.5f;     // strength of an octave relative to the one before
     bool ridged = false;        // sharp crests, as of veins and cracks
     int boil = 0;               // different pictures between one animation frame cycle and the next; 0: still
     float phase = 0;            // place in the animation cycle, 0..1

@@ -25,8 +25,8 @@ std::vector<TextureSlot> PackPages(const std::vector<TextureSize>& sizes, const 
             ++page;
             x = y = shelf = 0;
         }
-        if (page >= static_cast<int>(TEXTURE_MAX_PAGES)) {
-            Refuse(file, 0, fmt::format("the pictures need more than {} pages", TEXTURE_MAX_PAGES),
+        if (page >= static_cast<int>(TEXTURE_PAGES_MAX)) {
+            Refuse(file, 0, fmt::format("the pictures need more than {} pages", TEXTURE_PAGES_MAX),
                    "use fewer materials, or smaller ones");
         }
         shelf = std::max(shelf, size.height);

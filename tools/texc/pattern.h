@@ -1,5 +1,5 @@
 // What a layer of a material draws: bricks, boards, stones, boxes, noise ... docs/materials.md lists them with their
-// settings; the table in pattern.cpp is where their names come from.
+// settings; pattern_table.cpp has their names.
 #pragma once
 
 #include "formats/settings.h"
@@ -30,8 +30,6 @@ struct Moment {
     float phase = 0;  // 0..1 around the cycle
 };
 
-class Studio;
-
 class Pattern {
 public:
     virtual ~Pattern() = default;
@@ -39,6 +37,3 @@ public:
     virtual void Prepare(const Canvas&) {}
     virtual Sample At(const Spot& spot, const Moment& moment) const = 0;
 };
-
-// Reads the key `pattern` and that pattern's own settings.
-std::unique_ptr<Pattern> MakePattern(const Settings& settings, Studio& studio);

@@ -1,7 +1,5 @@
 #include "texc/pattern_kinds.h"
 
-#include "texc/material.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -10,7 +8,7 @@
 
 namespace {
 
-constexpr float FAR_AWAY = 1e6F;
+constexpr float FAR_AWAY = 1e6f;
 
 float Absolute(float value) {
     return value < 0 ? -value : value;
@@ -56,7 +54,7 @@ struct Division {
     float length, jitter;
 
     float Boundary(int index) const {
-        const float shift = (HashUnit(Hash(seed, static_cast<uint32_t>(WrapInt(index, count)))) - 0.5F) * jitter;
+        const float shift = (HashUnit(Hash(seed, static_cast<uint32_t>(WrapInt(index, count)))) - 0.5f) * jitter;
         return (static_cast<float>(index) + shift) * length / static_cast<float>(count);
     }
     // The part that holds `place`; may be -1 or `count` next to the ends.
@@ -79,7 +77,7 @@ Outline::Outline(const Settings& settings)
     : bevel(settings.Number("bevel", 0, 0, 128)), rounded(settings.Flag("rounded", false)) {}
 
 void Outline::Apply(float inside, Sample& sample) const {
-    sample.cover = sample.strength = Clamp01(inside * SAMPLES + 0.5F);
+    sample.cover = sample.strength = Clamp01(inside * SAMPLES + 0.5f);
     sample.profile = sample.cover;
     if (bevel > 0) {
         const float t = Clamp01(inside / bevel);
@@ -91,7 +89,7 @@ NoisePattern::NoisePattern(const Settings& settings) {
     shape_.columns = NeedCount(settings, "cells", 0, 4);
     shape_.rows = NeedCount(settings, "cells", 1, 4);
     shape_.octaves = settings.Int("octaves", 4, 1, 7);
-    shape_.roughness = settings.Number("roughness", 0.5F, 0, 1);
+    shape_.roughness = settings.Number("roughness", 0.5f, 0, 1);
     shape_.ridged = settings.Flag("ridged", false);
     shape_.boil = settings.Int("boil", 0, 0, 8);
 }
@@ -100,7 +98,7 @@ Sample NoisePattern::At(const Spot& spot, const Moment& moment) const {
     FractalShape shape = shape_;
     shape.phase = moment.phase;
     const float n = FractalNoise(spot.seed, spot.x / spot.width, spot.y / spot.height, shape);
-    return {1, n, n, n - 0.5F, 0, {}};
+    return {1, n, n, n - 0.5f, 0, {}};
 }
 
 GradientPattern::GradientPattern(const Settings& settings)
@@ -117,8 +115,8 @@ Sample GradientPattern::At(const Spot& spot, const Moment&) const {
 
 BricksPattern::BricksPattern(const Settings& settings)
     : columns_(settings.Int("columns", 4, 1, 64)), rows_(settings.Int("rows", 4, 1, 64)),
-      shift_(settings.Number("shift", 0.5F, 0, 1)), scattered_(settings.Flag("scattered", false)),
-      jitter_(settings.Number("jitter", 0, 0, 0.9F)), rowJitter_(settings.Number("row_jitter", 0, 0, 0.9F)),
+      shift_(settings.Number("shift", 0.5f, 0, 1)), scattered_(settings.Flag("scattered", false)),
+      jitter_(settings.Number("jitter", 0, 0, 0.9f)), rowJitter_(settings.Number("row_jitter", 0, 0, 0.9f)),
       gap_(settings.Number("gap", 2, 0, 32)), radius_(settings.Number("radius", 0, 0, 32)),
       upright_(settings.Flag("upright", false)), checks_(settings.Flag("checks", false)), outline_(settings) {}
 
@@ -145,13 +143,13 @@ Sample BricksPattern::At(const Spot& spot, const Moment&) const {
 
 StonesPattern::StonesPattern(const Settings& settings)
     : columns_(NeedCount(settings, "cells", 0, 4)), rows_(NeedCount(settings, "cells", 1, 4)),
-      jitter_(settings.Number("jitter", 0.8F, 0, 1)), gap_(settings.Number("gap", 2, 0, 32)), outline_(settings) {}
+      jitter_(settings.Number("jitter", 0.8f, 0, 1)), gap_(settings.Number("gap", 2, 0, 32)), outline_(settings) {}
 
 StonesPattern::Centre StonesPattern::CentreOf(const Spot& spot, int column, int row) const {
     const uint32_t id = Hash(spot.seed, static_cast<uint32_t>(WrapInt(column, columns_)),
                              static_cast<uint32_t>(WrapInt(row, rows_)), 5);
     const auto place = [&](int cell, uint32_t hash, float size, int count) {
-        const float shift = 0.5F + (HashUnit(hash) - 0.5F) * jitter_;
+        const float shift = 0.5f + (HashUnit(hash) - 0.5f) * jitter_;
         return (static_cast<float>(cell) + shift) * size / static_cast<float>(count);
     };
     return {place(column, Hash(id, 1), spot.width, columns_), place(row, Hash(id, 2), spot.height, rows_), CellId(id)};
@@ -191,7 +189,7 @@ Sample StonesPattern::At(const Spot& spot, const Moment&) const {
 
 ScatterPattern::ScatterPattern(const Settings& settings)
     : columns_(NeedCount(settings, "cells", 0, 8)), rows_(NeedCount(settings, "cells", 1, 8)),
-      radius_(settings.Numbers("radius", 2, {2, 4})), stretch_(settings.Number("stretch", 1, 0.05F, 1)),
+      radius_(settings.Numbers("radius", 2, {2, 4})), stretch_(settings.Number("stretch", 1, 0.05f, 1)),
       density_(settings.Number("density", 1, 0, 1)), outline_(settings) {
     if (radius_[0] <= 0 || radius_[1] < radius_[0]) {
         settings.RefuseKey("radius", "is not a range", "give the least and the most, both above 0");
@@ -200,10 +198,10 @@ ScatterPattern::ScatterPattern(const Settings& settings)
 
 float ScatterPattern::InsideOf(const Spot& spot, int column, int row, uint32_t id) const {
     // Sixteen directions of a circle are enough; no sine is needed for them.
-    static constexpr float DIRECTIONS[16][2] = {{1, 0},  {0.924F, 0.383F},   {0.707F, 0.707F},   {0.383F, 0.924F},
-                                                {0, 1},  {-0.383F, 0.924F},  {-0.707F, 0.707F},  {-0.924F, 0.383F},
-                                                {-1, 0}, {-0.924F, -0.383F}, {-0.707F, -0.707F}, {-0.383F, -0.924F},
-                                                {0, -1}, {0.383F, -0.924F},  {0.707F, -0.707F},  {0.924F, -0.383F}};
+    static constexpr float DIRECTIONS[16][2] = {{1, 0},  {0.924f, 0.383f},   {0.707f, 0.707f},   {0.383f, 0.924f},
+                                                {0, 1},  {-0.383f, 0.924f},  {-0.707f, 0.707f},  {-0.924f, 0.383f},
+                                                {-1, 0}, {-0.924f, -0.383f}, {-0.707f, -0.707f}, {-0.383f, -0.924f},
+                                                {0, -1}, {0.383f, -0.924f},  {0.707f, -0.707f},  {0.924f, -0.383f}};
     const float x = (static_cast<float>(column) + HashUnit(Hash(id, 1))) * spot.width / static_cast<float>(columns_);
     const float y = (static_cast<float>(row) + HashUnit(Hash(id, 2))) * spot.height / static_cast<float>(rows_);
     const float* direction = DIRECTIONS[Hash(id, 3) % 16];
@@ -225,7 +223,7 @@ Sample ScatterPattern::At(const Spot& spot, const Moment&) const {
         if (HashUnit(Hash(id, 5)) >= density_ || id < topmost) continue;
         Sample sample;
         outline_.Apply(InsideOf(spot, c, r, id), sample);
-        if (sample.cover <= 0.5F) continue;
+        if (sample.cover <= 0.5f) continue;
         topmost = id;
         sample.cell = id;
         sample.value = HashUnit(Hash(id, 7));
@@ -266,7 +264,7 @@ Sample BandPattern::At(const Spot& spot, const Moment&) const {
 }
 
 DiscsPattern::DiscsPattern(const Settings& settings)
-    : at_(NeedPairs(settings, "at", 0)), radius_(settings.Number("radius", 4, 0.5F, 256)),
+    : at_(NeedPairs(settings, "at", 0)), radius_(settings.Number("radius", 4, 0.5f, 256)),
       hole_(settings.Number("hole", 0, 0, 256)), outline_(settings) {}
 
 Sample DiscsPattern::At(const Spot& spot, const Moment&) const {
@@ -305,7 +303,7 @@ Sample PolygonPattern::At(const Spot& spot, const Moment&) const {
 }
 
 StripesPattern::StripesPattern(const Settings& settings)
-    : count_(settings.Numbers("count", 2, {0, 8})), share_(settings.Number("share", 0.5F, 0, 1)), outline_(settings) {
+    : count_(settings.Numbers("count", 2, {0, 8})), share_(settings.Number("share", 0.5f, 0, 1)), outline_(settings) {
     if (count_[0] == 0 && count_[1] == 0) settings.RefuseKey("count", "has no stripes", "make one of the two above 0");
 }
 
@@ -314,13 +312,13 @@ Sample StripesPattern::At(const Spot& spot, const Moment&) const {
     const float perY = count_[1] / spot.height;
     const float t = WrapFloat(spot.x * perX + spot.y * perY, 1);
     Sample sample;
-    outline_.Apply((share_ / 2 - Absolute(t - 0.5F)) / Length(perX, perY), sample);
+    outline_.Apply((share_ / 2 - Absolute(t - 0.5f)) / Length(perX, perY), sample);
     sample.value = t;
     return sample;
 }
 
 EdgesPattern::EdgesPattern(const Settings& settings)
-    : radius_(settings.Number("radius", 3, 0.5F, 16)), gain_(settings.Number("gain", 1, 0, 100)) {}
+    : radius_(settings.Number("radius", 3, 0.5f, 16)), gain_(settings.Number("gain", 1, 0, 100)) {}
 
 void EdgesPattern::Prepare(const Canvas& canvas) {
     strength_ = BoxBlur(canvas, canvas.tall, static_cast<int>(radius_ * SAMPLES));
@@ -358,18 +356,19 @@ Sample Between(const Sample& a, const Sample& b, float part) {
 
 }  // namespace
 
-PicturePattern::PicturePattern(const Settings& settings, Studio& studio) : image_(studio.Picture(settings, "file")) {}
+PicturePattern::PicturePattern(const Settings& settings, PictureSource& pictures)
+    : image_(pictures.Picture(settings, "file")) {}
 
 Sample PicturePattern::At(const Spot& spot, const Moment&) const {
     return SampleOf(image_.At(WrapInt(FloorInt(spot.x), image_.width), WrapInt(FloorInt(spot.y), image_.height)));
 }
 
-MaterialPattern::MaterialPattern(const Settings& settings, Studio& studio)
-    : image_(studio.Material(settings, "material")), zoom_(settings.Number("zoom", 1, 0.25F, 4)) {}
+MaterialPattern::MaterialPattern(const Settings& settings, PictureSource& pictures)
+    : image_(pictures.Material(settings, "material")), zoom_(settings.Number("zoom", 1, 0.25f, 4)) {}
 
 Sample MaterialPattern::At(const Spot& spot, const Moment&) const {
-    const float x = spot.x / zoom_ - 0.5F;
-    const float y = spot.y / zoom_ - 0.5F;
+    const float x = spot.x / zoom_ - 0.5f;
+    const float y = spot.y / zoom_ - 0.5f;
     const auto pixel = [&](int right, int down) {
         return SampleOf(
             image_.At(WrapInt(FloorInt(x) + right, image_.width), WrapInt(FloorInt(y) + down, image_.height)));

@@ -3,6 +3,7 @@
 
 #include "texc/noise.h"
 #include "texc/pattern.h"
+#include "texc/picture_source.h"
 
 // How a solid thing ends at its outline.
 struct Outline {
@@ -166,20 +167,20 @@ public:
 // A painted PNG beside the recipe; its transparent parts let the layers below through.
 class PicturePattern : public Pattern {
 public:
-    PicturePattern(const Settings& settings, Studio& studio);
+    PicturePattern(const Settings& settings, PictureSource& pictures);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
-    const Image& image_;  // the studio's
+    const Image& image_;  // owned by the source
 };
 
 // Another recipe's finished picture, smoothed where it is drawn larger or smaller.
 class MaterialPattern : public Pattern {
 public:
-    MaterialPattern(const Settings& settings, Studio& studio);
+    MaterialPattern(const Settings& settings, PictureSource& pictures);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
-    const Image& image_;  // the studio's
+    const Image& image_;  // owned by the source
     float zoom_;          // texels here for one of the material
 };

@@ -117,7 +117,7 @@ public:
 private:
     float Enlargement(int shown, int pixels) const {
         if (width >= SMOOTH_FROM_WIDTH) return 1;
-        return std::max(static_cast<float>(shown) / static_cast<float>(pixels), 1.0F);
+        return std::max(static_cast<float>(shown) / static_cast<float>(pixels), 1.0f);
     }
 
     SDL_Window* window;

@@ -13,7 +13,7 @@ constexpr int STICK_PRESS = 10000;
 constexpr int STICK_RELEASE = 8000;  // lower than STICK_PRESS, so that a stick held near it does not flutter
 constexpr int TURN_DEAD_ZONE = 8000;
 constexpr float TURN_COUNTS_A_SECOND = 180;  // mouse counts that a right stick pushed all the way gives in a second
-constexpr uint32_t TURN_LONGEST_MS = 100;  // longer times count as this, so that the camera does not jump after a pause
+constexpr uint32_t TURN_MS_MAX = 100;  // longer times count as this, so that the camera does not jump after a pause
 
 // What a controller can hold down: its buttons, then its sticks' directions and its trigger.
 enum PadInput { STICK_UP = SDL_CONTROLLER_BUTTON_MAX, STICK_DOWN, STICK_LEFT, STICK_RIGHT, TRIGGER, PAD_INPUTS };
@@ -155,7 +155,7 @@ void TurnWithPads(uint32_t milliseconds) {
     if (turned != turning) DeviceMouseButton(KeySource::Pad, 0, turned);
     turning = turned;
     if (!turned) return;
-    const float counts = TURN_COUNTS_A_SECOND * static_cast<float>(std::min(milliseconds, TURN_LONGEST_MS)) / 1000;
+    const float counts = TURN_COUNTS_A_SECOND * static_cast<float>(std::min(milliseconds, TURN_MS_MAX)) / 1000;
     countsLeftX += turnX * counts;
     countsLeftY += turnY * counts;
     const int x = WholeCounts(countsLeftX);

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int SMALLEST_WIDTH = 320, SMALLEST_HEIGHT = 240;
+constexpr int WIDTH_MIN = 320, HEIGHT_MIN = 240;
 constexpr int WHEEL_NOTCH = 120;
 constexpr uint32_t ALT_F4_MS = 250;  // from the release of Alt to a close request that it made
 
@@ -130,12 +130,12 @@ SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t fla
     const bool windowed = options.windowWidth > 0 && !options.fullscreen;
     // A full-screen window, too, is opened at its final size: without a window manager nothing enlarges it later.
     SDL_Rect area{0, 0, options.windowWidth, options.windowHeight};
-    if (!windowed && SDL_GetDisplayBounds(0, &area) != 0) area = {0, 0, SMALLEST_WIDTH, SMALLEST_HEIGHT};
+    if (!windowed && SDL_GetDisplayBounds(0, &area) != 0) area = {0, 0, WIDTH_MIN, HEIGHT_MIN};
     flags |= SDL_WINDOW_ALLOW_HIGHDPI;
     flags |= static_cast<uint32_t>(windowed ? SDL_WINDOW_RESIZABLE : SDL_WINDOW_FULLSCREEN_DESKTOP);
     SDL_Window* created =
         SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, area.w, area.h, flags);
-    if (created) SDL_SetWindowMinimumSize(created, SMALLEST_WIDTH, SMALLEST_HEIGHT);
+    if (created) SDL_SetWindowMinimumSize(created, WIDTH_MIN, HEIGHT_MIN);
     return created;
 }
 

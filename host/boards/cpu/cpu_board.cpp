@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t BUFFER_PIXELS = size_t{CPU_PITCH} * BOARD_HEIGHT;
 
-constexpr unsigned MOST_THREADS = 4;
+constexpr unsigned THREADS_MAX = 4;
 
 // The picture is drawn in bands of rows, each by one thread in the order of the frame, so the number of threads does
 // not change it. This many bands even out the threads' work, and the pixels of one fit a core's cache.
@@ -38,7 +38,7 @@ bool Open(std::string&) {
     depth.assign(BUFFER_PIXELS, 0xFFFF);
     for (int32_t i = 0; i < BANDS; ++i)
         bands[static_cast<size_t>(i)] = {BOARD_HEIGHT * i / BANDS, BOARD_HEIGHT * (i + 1) / BANDS, {}};
-    const unsigned threads = std::clamp(CpuBoardThreads, 1U, MOST_THREADS);
+    const unsigned threads = std::clamp(CpuBoardThreads, 1U, THREADS_MAX);
     if (!crew || crew->Size() != threads) crew = std::make_unique<Crew>(threads - 1);
     return true;
 }
@@ -82,7 +82,7 @@ void DrawTriangle(const FillState& state, const BoardVertex* corners, const Band
 }
 
 uint32_t ChannelBetween(float from, float to, float part) {
-    return static_cast<uint32_t>(std::clamp(from + (to - from) * part, 0.0F, 255.0F) + 0.5F);
+    return static_cast<uint32_t>(std::clamp(from + (to - from) * part, 0.0f, 255.0f) + 0.5f);
 }
 
 void DrawLine(const BoardVertex& from, const BoardVertex& to, const Band& band) {
@@ -137,7 +137,7 @@ void SortTriangles(const BoardFrame& frame) {
     for (Band& band : bands)
         band.triangles.clear();
     const auto bandOf = [](float y) {
-        const float row = std::clamp(y, 0.0F, static_cast<float>(BOARD_HEIGHT - 1));
+        const float row = std::clamp(y, 0.0f, static_cast<float>(BOARD_HEIGHT - 1));
         return static_cast<int32_t>(row) / (bands.front().end - bands.front().first);
     };
     for (const BoardRun& run : frame.runs) {

@@ -104,7 +104,7 @@ AVX2_INLINE __m256i Lods(const Setting& setting, const Row& row, __m256 w, __m25
 }
 
 AVX2_INLINE __m256i Positions(__m256 coordinate, float scale, bool wraps, int32_t mask, float last) {
-    const __m256 position = _mm256_sub_ps(_mm256_mul_ps(coordinate, _mm256_set1_ps(scale)), _mm256_set1_ps(64.0F));
+    const __m256 position = _mm256_sub_ps(_mm256_mul_ps(coordinate, _mm256_set1_ps(scale)), _mm256_set1_ps(64.0f));
     if (wraps) return _mm256_and_si256(_mm256_cvtps_epi32(position), _mm256_set1_epi32(mask));
     return _mm256_cvtps_epi32(_mm256_min_ps(_mm256_max_ps(position, _mm256_setzero_ps()), _mm256_set1_ps(last)));
 }
@@ -176,7 +176,7 @@ AVX2_INLINE Channels Sample(const FillState& state, const MipLevel& level, __m25
 
 AVX2_INLINE Channels Texels(Setting& setting, const Row& row, __m256 oow, __m256 columns, __m256i drawn) {
     const FillState& state = setting.state;
-    const __m256 w = _mm256_div_ps(_mm256_set1_ps(1.0F), oow);
+    const __m256 w = _mm256_div_ps(_mm256_set1_ps(1.0f), oow);
     const __m256 s = _mm256_mul_ps(At(setting, row, PLANE_SOW, columns), w);
     const __m256 t = _mm256_mul_ps(At(setting, row, PLANE_TOW, columns), w);
     const __m256i lods = Lods(setting, row, w, columns);

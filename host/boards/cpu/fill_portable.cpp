@@ -7,7 +7,7 @@ namespace {
 // The nearest whole number, ties to even, by a sum that has no room for a fraction. A value out of range gives the
 // least integer, as the vector instructions do.
 int32_t Round(float value) {
-    if (!(value >= -2147483648.0F && value < 2147483648.0F)) return INT32_MIN;
+    if (!(value >= -2147483648.0f && value < 2147483648.0f)) return INT32_MIN;
     return static_cast<int32_t>((double{value} + 6755399441055744.0) - 6755399441055744.0);
 }
 
@@ -21,7 +21,7 @@ float Greatest(float a, float b) {
 }
 
 uint32_t Depth(float oow) {
-    const auto bits = std::bit_cast<int32_t>(Greatest(oow, 0.0F));
+    const auto bits = std::bit_cast<int32_t>(Greatest(oow, 0.0f));
     return static_cast<uint32_t>(std::clamp((0x3F800000 + 0x7FF - bits) >> 11, 0, 0xFFFF));
 }
 
@@ -36,8 +36,8 @@ int32_t Lod(const FillState& state, const Triangle& triangle, float alongRow, fl
 
 // The position of a coordinate in 1/128 texels; its whole texels name the upper left one of the four that are mixed.
 int32_t Position(float coordinate, float scale, bool wraps, int32_t mask, float last) {
-    const float position = coordinate * scale - 64.0F;
-    return wraps ? Round(position) & mask : Round(Least(Greatest(position, 0.0F), last));
+    const float position = coordinate * scale - 64.0f;
+    return wraps ? Round(position) & mask : Round(Least(Greatest(position, 0.0f), last));
 }
 
 // round(a x b / 2^15)
@@ -118,7 +118,7 @@ void FillPixel(const FillState& state, const Triangle& triangle, const Row& row,
     const float oow = at(PLANE_OOW);
     const uint32_t newDepth = Depth(oow);
     if (state.testsDepth && newDepth >= depth) return;
-    const float w = 1.0F / oow;
+    const float w = 1.0f / oow;
     const int32_t lod = Lod(state, triangle, row.alongRow, w, static_cast<float>(row.begin + i));
     const uint32_t texel = Sample(state, lod, at(PLANE_SOW) * w, at(PLANE_TOW) * w);
     if (state.alphaReference >= 0 && texel >> 24 != static_cast<uint32_t>(state.alphaReference)) return;

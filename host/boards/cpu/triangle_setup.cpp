@@ -11,7 +11,7 @@ struct Corner {
 };
 
 int32_t Sixteenths(float pixels) {
-    const float scaled = pixels * 16.0F + 0.5F;
+    const float scaled = pixels * 16.0f + 0.5f;
     const auto whole = static_cast<int32_t>(scaled);
     return whole - (static_cast<float>(whole) > scaled);
 }

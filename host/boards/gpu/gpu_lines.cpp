@@ -6,7 +6,7 @@ namespace {
 
 // A line that runs midway between two pixels takes the right or the lower one, so lines are moved by the smallest step
 // that every OpenGL tells apart.
-constexpr float TO_RIGHT_AND_DOWN = 1.0F / 256;
+constexpr float TO_RIGHT_AND_DOWN = 1.0f / 256;
 
 BoardVertex Moved(BoardVertex vertex, float x, float y) {
     vertex.x += x;
@@ -20,8 +20,8 @@ void AppendQuad(const BoardVertex (&corners)[4], std::vector<BoardVertex>& trian
 }
 
 void AppendPixel(const BoardVertex& centre, std::vector<BoardVertex>& triangles) {
-    AppendQuad({Moved(centre, -0.5F, -0.5F), Moved(centre, -0.5F, 0.5F), Moved(centre, 0.5F, 0.5F),
-                Moved(centre, 0.5F, -0.5F)},
+    AppendQuad({Moved(centre, -0.5f, -0.5f), Moved(centre, -0.5f, 0.5f), Moved(centre, 0.5f, 0.5f),
+                Moved(centre, 0.5f, -0.5f)},
                triangles);
 }
 
@@ -29,15 +29,15 @@ void AppendPixel(const BoardVertex& centre, std::vector<BoardVertex>& triangles)
 // drawn on their own.
 void AppendLine(BoardVertex from, BoardVertex to, std::vector<BoardVertex>& triangles) {
     for (BoardVertex* end : {&from, &to}) {
-        end->x = std::floor(end->x) + 0.5F;
-        end->y = std::floor(end->y) + 0.5F;
+        end->x = std::floor(end->x) + 0.5f;
+        end->y = std::floor(end->y) + 0.5f;
     }
     const bool isSteep = std::fabs(to.y - from.y) > std::fabs(to.x - from.x);
     const auto aside = [isSteep](const BoardVertex& end, float distance) {
         return isSteep ? Moved(end, distance, 0) : Moved(end, 0, distance);
     };
-    const float before = -0.5F + TO_RIGHT_AND_DOWN;
-    const float behind = 0.5F + TO_RIGHT_AND_DOWN;
+    const float before = -0.5f + TO_RIGHT_AND_DOWN;
+    const float behind = 0.5f + TO_RIGHT_AND_DOWN;
     AppendQuad({aside(from, before), aside(from, behind), aside(to, behind), aside(to, before)}, triangles);
     AppendPixel(from, triangles);
     AppendPixel(to, triangles);

@@ -31,7 +31,7 @@ void DrawSkyPolygon(int32_t index) {
     for (uint32_t k = 0; k < polygon.cornerCount; ++k)
         WorldGeometry.polyVertices[polygon.firstVertex + k].intensity = SKY_INTENSITY;
     // Kept as it is: the pipeline has room for no more corners, and fewer cover nothing.
-    if (polygon.cornerCount >= BSP_MIN_CORNERS && polygon.cornerCount <= BSP_MAX_CORNERS) DrawMeshByOutcodes(index);
+    if (polygon.cornerCount >= BSP_CORNERS_MIN && polygon.cornerCount <= BSP_CORNERS_MAX) DrawMeshByOutcodes(index);
 }
 
 }  // namespace

@@ -18,8 +18,8 @@ struct CornerGroup {
 
 struct PolygonView {
     // Enough for 255 corners. Where the last group has fewer than four, it repeats the last corner.
-    static constexpr int MOST_GROUPS = 64;
-    CornerGroup groups[MOST_GROUPS];
+    static constexpr int GROUPS_MAX = 64;
+    CornerGroup groups[GROUPS_MAX];
     uint8_t outsideAll;  // the bits that are set in the outcodes of all corners
     uint8_t outsideAny;  // the bits that are set in any corner's outcode
     bool isOnScreen;     // projected, and all corners so near the frame that bounds holds

@@ -11,7 +11,7 @@
 //   e < 0                       leaf ~e, wholly inside the side planes: its polygons are never clipped
 //   0 <= e < CHARACTER_ENTRY    leaf e, crossing a side plane
 //   e >= CHARACTER_ENTRY        the character's polygons in leaf e - CHARACTER_ENTRY
-constexpr int32_t CHARACTER_ENTRY = BSP_MAX_LEAVES;
+constexpr int32_t CHARACTER_ENTRY = BSP_LEAVES_MAX;
 extern int32_t RenderListCount;
 
 // Needs the camera of the frame, FarDistance, the projection scales and the node radii. With FogSwitch 0 every leaf

@@ -86,8 +86,8 @@ protected:
             grAlphaTestFunction(random() % 2 ? GR_CMP_EQUAL : GR_CMP_ALWAYS);
             std::vector<GrVertex> corners;
             for (int k = 0; k < 3; ++k) {
-                const float range = random() % 4 ? 300.0F : 70000.0F;
-                corners.push_back(Vertex(x + number(-spread, spread), y + number(-spread, spread), number(0.5F, range),
+                const float range = random() % 4 ? 300.0f : 70000.0f;
+                corners.push_back(Vertex(x + number(-spread, spread), y + number(-spread, spread), number(0.5f, range),
                                          number(-600, 900), number(-600, 900)));
                 corners[static_cast<size_t>(k)].r = number(-20, 280);
                 corners[static_cast<size_t>(k)].g = number(0, 255);
@@ -156,7 +156,7 @@ TEST_F(GpuBoardPictures, AreThoseOfTheCpuBoardButForRounding) {
 TEST_F(GpuBoardPictures, AreReadBackAtTheirUsualSizeWhateverTheScale) {
     Reopen(&GpuBoard, 3);
     MakePlain(WHITE);
-    DrawQuad(10.5F, 20.5F, 14.5F, 24.5F);
+    DrawQuad(10.5f, 20.5f, 14.5f, 24.5f);
     const Shown shown = Swap();
     EXPECT_EQ(shown.picture->width, 3 * 640);
     EXPECT_EQ(shown.Count(), 9 * 16);

@@ -140,10 +140,10 @@ TEST_F(TextureFiles, HandlesCountUpToTheirLimit) {
 }
 
 TEST(Fog, TablesFollowDepth) {
-    EXPECT_FLOAT_EQ(guFogTableIndexToW(3), 1.6F);
-    EXPECT_FLOAT_EQ(guFogTableIndexToW(63), 52428.8F);
+    EXPECT_FLOAT_EQ(guFogTableIndexToW(3), 1.6f);
+    EXPECT_FLOAT_EQ(guFogTableIndexToW(63), 52428.8f);
     GrFog_t table[GR_FOG_TABLE_SIZE];
-    guFogGenerateLinear(table, 2000.0F * 63000 / 5796, 9196.0F * 63000 / 5796);
+    guFogGenerateLinear(table, 2000.0f * 63000 / 5796, 9196.0f * 63000 / 5796);
     EXPECT_EQ(std::vector<int>(table + 58, table + 64), (std::vector<int>{0, 14, 35, 51, 71, 100}));
     guFogGenerateLinear(table, 16, 16);
     EXPECT_EQ(table[15], 0);

@@ -3,6 +3,7 @@
 // are by the rules of its format: clip, key, place in the frame of the actor's position. dense.glb is the same with
 // more triangles than the game can take.
 #include "charc/compile.h"
+#include "charc/recipe_reader.h"
 #include "formats/files.h"
 #include "formats/image.h"
 #include "game_character.h"

@@ -3,6 +3,7 @@
 // named as is usual, is 5.9 units tall and looks along -z; it is made of tubes of 1,200 triangles, and has a few
 // animations, of which the walk goes away.
 #include "charc/compile.h"
+#include "charc/recipe_reader.h"
 #include "formats/files.h"
 #include "formats/image.h"
 #include "game_character.h"

@@ -1,5 +1,6 @@
 // The character that comes with the game.
 #include "charc/compile.h"
+#include "charc/recipe_reader.h"
 #include "formats/files.h"
 #include "game_character.h"
 #include "motion/report.h"
@@ -34,8 +35,8 @@ protected:
 }  // namespace
 
 TEST_F(Zero, IsWithinTheLimitsAndNeedsNoRemark) {
-    EXPECT_LE(Compiled().triangles, CHARACTER_MAX_TRIANGLES);
-    EXPECT_LE(Compiled().points, CHARACTER_MAX_POINTS);
+    EXPECT_LE(Compiled().triangles, CHARACTER_TRIANGLES_MAX);
+    EXPECT_LE(Compiled().points, CHARACTER_POINTS_MAX);
     for (const std::string& note : Compiled().notes)
         ADD_FAILURE() << note;
 }

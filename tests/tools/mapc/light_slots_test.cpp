@@ -57,7 +57,7 @@ TEST(LightSlots, ARampAddsWhatASteadyLampWouldAtItsBrightest) {
     EXPECT_FLOAT_EQ(ramp.stepUp, ramp.highIntensity / 40);
     EXPECT_FLOAT_EQ(ramp.stepDown, ramp.highIntensity / -20);
     EXPECT_EQ(ramp.phase, 1);
-    EXPECT_FLOAT_EQ(ramp.intensity, ramp.highIntensity * 0.75F);  // half-way down
+    EXPECT_FLOAT_EQ(ramp.intensity, ramp.highIntensity * 0.75f);  // half-way down
 }
 
 TEST(LightSlots, ABlinkingLampStartsWhereTheMapSays) {
@@ -66,7 +66,7 @@ TEST(LightSlots, ABlinkingLampStartsWhereTheMapSays) {
         return Compile(RoomWithLamp(Style("blink", keys))).slots.slots.at(0);
     };
     const LightSlotRecord dark = blinkAt("14");
-    EXPECT_EQ(std::tuple(dark.type, dark.phase, dark.timer, dark.intensity), std::tuple(LIGHT_BLINK, 0, 9, 0.0F));
+    EXPECT_EQ(std::tuple(dark.type, dark.phase, dark.timer, dark.intensity), std::tuple(LIGHT_BLINK, 0, 9, 0.0f));
     EXPECT_EQ(std::tuple(dark.highTime, dark.lowTime), std::tuple(5, 9));
     const LightSlotRecord bright = blinkAt("11");
     EXPECT_EQ(std::tuple(bright.phase, bright.timer), std::tuple(1, 3));
@@ -77,7 +77,7 @@ TEST(LightSlots, AFlickeringLampIsItsLightInTheMean) {
     const CompiledLevel level = Compile(RoomWithLamp(Style("flicker")));
     const LightSlotRecord& flicker = level.slots.slots.at(0);
     EXPECT_EQ(flicker.type, LIGHT_FLICKER);
-    EXPECT_NEAR(AddedAt(level, flicker, 2.49609375F, {0, 0, 0}), 45, 1e-3);
+    EXPECT_NEAR(AddedAt(level, flicker, 2.49609375f, {0, 0, 0}), 45, 1e-3);
     EXPECT_NEAR(OnCharacter(level.slots, {0, 110, 0}), 53, 10);  // 60 x (1 - 92 / 800)
     EXPECT_LT(OnCharacter(level.slots, {500, 110, 500}), 20);
 }

@@ -1,4 +1,4 @@
-#include "charc/recipe.h"
+#include "charc/recipe_reader.h"
 
 #include "charc/stand_ins.h"
 #include "formats/error.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int LONGEST_CLIP = 100000;
+constexpr int CLIP_LENGTH_MAX = 100000;
 
 const UsualClip* UsualClipOf(const std::string& file) {
     const auto found = std::find_if(CHARACTER_CLIPS.begin(), CHARACTER_CLIPS.end(),
@@ -23,7 +23,7 @@ const UsualClip* UsualClipOf(const std::string& file) {
 std::vector<uint32_t> ListedTimes(const Settings& table, uint32_t length, uint32_t blend) {
     std::vector<uint32_t> times;
     for (const float number : table.Numbers("keys")) {
-        if (!(number >= 0 && number <= LONGEST_CLIP))
+        if (!(number >= 0 && number <= CLIP_LENGTH_MAX))
             table.RefuseKey("keys", fmt::format("holds {}", number),
                             fmt::format("give times from {} to the length", CHARACTER_FIRST_TIME));
         times.push_back(static_cast<uint32_t>(number));
@@ -49,11 +49,12 @@ ClipRecipe ReadClipRecipe(const Settings& table) {
                         "docs/character.md lists the files that it loads");
     clip.clip = table.NeedText("clip");
     clip.loop = table.Flag("loop", usual->loop);
-    const auto length = static_cast<uint32_t>(table.Int("length", static_cast<int>(usual->length), 11, LONGEST_CLIP));
+    const auto length =
+        static_cast<uint32_t>(table.Int("length", static_cast<int>(usual->length), 11, CLIP_LENGTH_MAX));
     const bool listed = table.Has("keys");
     const auto blend = static_cast<uint32_t>(
-        table.Int("blend", listed || table.Has("every") ? 0 : static_cast<int>(usual->blend), 0, LONGEST_CLIP));
-    const auto step = static_cast<uint32_t>(table.Int("every", static_cast<int>(usual->step), 1, LONGEST_CLIP));
+        table.Int("blend", listed || table.Has("every") ? 0 : static_cast<int>(usual->blend), 0, CLIP_LENGTH_MAX));
+    const auto step = static_cast<uint32_t>(table.Int("every", static_cast<int>(usual->step), 1, CLIP_LENGTH_MAX));
     if (listed && table.Has("every")) table.RefuseKey("every", "stands beside 'keys'", "keep one of them");
     clip.times = listed ? ListedTimes(table, length, blend) : EvenTimes(length, step, blend);
     table.Finish();
@@ -121,7 +122,7 @@ CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
     CharacterRecipe recipe;
     recipe.file = path.string();
     recipe.model = folder / text.NeedText("model");
-    recipe.scale = static_cast<double>(text.Number("scale", 100, 0.001F, 100000));
+    recipe.scale = static_cast<double>(text.Number("scale", 100, 0.001f, 100000));
     recipe.height = static_cast<double>(text.Number("height", 0, 0, 1000));
     if (recipe.height > 0 && text.Has("scale")) text.RefuseKey("scale", "stands beside 'height'", "keep one of them");
     recipe.turn = TurnFrom(text);

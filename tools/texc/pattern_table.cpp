@@ -1,13 +1,13 @@
-#include "texc/pattern.h"
+#include "texc/pattern_table.h"
 
 #include "texc/pattern_kinds.h"
 
 namespace {
 
 template <typename Kind>
-std::unique_ptr<Pattern> Make(const Settings& settings, Studio& studio) {
-    if constexpr (std::is_constructible_v<Kind, const Settings&, Studio&>) {
-        return std::make_unique<Kind>(settings, studio);
+std::unique_ptr<Pattern> Make(const Settings& settings, PictureSource& pictures) {
+    if constexpr (std::is_constructible_v<Kind, const Settings&, PictureSource&>) {
+        return std::make_unique<Kind>(settings, pictures);
     } else {
         return std::make_unique<Kind>(settings);
     }
@@ -15,7 +15,7 @@ std::unique_ptr<Pattern> Make(const Settings& settings, Studio& studio) {
 
 struct Entry {
     const char* name;
-    std::unique_ptr<Pattern> (*make)(const Settings&, Studio&);
+    std::unique_ptr<Pattern> (*make)(const Settings&, PictureSource&);
 };
 
 constexpr Entry PATTERNS[] = {
@@ -28,9 +28,9 @@ constexpr Entry PATTERNS[] = {
 
 }  // namespace
 
-std::unique_ptr<Pattern> MakePattern(const Settings& settings, Studio& studio) {
+std::unique_ptr<Pattern> MakePattern(const Settings& settings, PictureSource& pictures) {
     std::vector<std::string> names;
     for (const Entry& entry : PATTERNS)
         names.emplace_back(entry.name);
-    return PATTERNS[settings.Choice("pattern", "", names)].make(settings, studio);
+    return PATTERNS[settings.Choice("pattern", "", names)].make(settings, pictures);
 }
