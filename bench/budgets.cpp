@@ -70,7 +70,7 @@ void DrawFrame(bool withCharacter) {
 IntVec3 BusiestPlace(int32_t radius) {
     IntVec3 best{};
     int16_t most = -1;
-    for (uint32_t leaf = 0; leaf < WorldGeometry.leafCount; leaf++) {
+    for (uint32_t leaf = 0; leaf < WorldGeometry.leafCount; ++leaf) {
         const Vec3 centre = WorldGeometry.leaves[leaf].centre;
         const IntVec3 place = {static_cast<int32_t>(centre.x), static_cast<int32_t>(centre.y),
                                static_cast<int32_t>(centre.z)};
@@ -84,7 +84,7 @@ IntVec3 BusiestPlace(int32_t radius) {
 
 int Measure(HINSTANCE, HINSTANCE, char*, int) {
     StartLevel();
-    for (int i = 0; i < 100; i++)
+    for (int i = 0; i < 100; ++i)
         UpdateCamera();  // behind the player
     Rounds rounds;
     const uint8_t* texels = TextureImage + TextureRecords()[0].texelOffset;

@@ -71,7 +71,7 @@ View ViewFrom(const FramePlace& place, std::string name) {
     PlayerActor.position = place.position;
     PlayerActor.angles = {0, place.heading, 0};
     UpdateActorBase(PlayerActor);
-    for (int i = 0; i < FRAMES_UNTIL_STILL; i++)
+    for (int i = 0; i < FRAMES_UNTIL_STILL; ++i)
         UpdateCamera();
     View view = {std::move(name), PlayerActor, CameraPos, ViewMatrix, CameraRotation, 0, 0};
     DrawFrame(false);
@@ -139,7 +139,7 @@ int Measure(HINSTANCE, HINSTANCE, char*, int) {
     rounds.Run(RoundCount);
     std::fprintf(Output, "Level %d, floor %.3f ms, spread %.1f %%\n", Level, rounds.Median(floor) * 1e-6,
                  100 * rounds.Spread(floor));
-    for (size_t i = 0; i < views.size(); i++)
+    for (size_t i = 0; i < views.size(); ++i)
         Print(rounds, floor, views[i], works[i]);
     std::fflush(Output);
     return 0;
@@ -161,7 +161,7 @@ int main(int argumentCount, char** arguments) {
     static char headless[] = "--headless";
     std::vector<char*> hostArguments = {arguments[0], headless};
     std::vector<int> levels;
-    for (int i = 1; i < argumentCount; i++) {
+    for (int i = 1; i < argumentCount; ++i) {
         if (std::strcmp(arguments[i], "--data") == 0 && i + 1 < argumentCount)
             hostArguments.insert(hostArguments.end(), {arguments[i], arguments[i + 1]}), i++;
         else if (std::strcmp(arguments[i], "--rounds") == 0 && i + 1 < argumentCount)

@@ -168,7 +168,7 @@ int main(int argumentCount, char** arguments) {
     if (!Output || !std::freopen("/dev/null", "w", stdout)) return EXIT_FAILURE;
     std::vector<std::string> hostArguments = {arguments[0]};
     std::vector<int> levels;
-    for (int i = 1; i < argumentCount; i++) {
+    for (int i = 1; i < argumentCount; ++i) {
         if (std::strcmp(arguments[i], "--data") == 0 && i + 1 < argumentCount)
             hostArguments.insert(hostArguments.end(), {arguments[i], arguments[i + 1]}), i++;
         else

@@ -26,7 +26,7 @@ double Quantile(std::vector<double> samples, double part) {
 double Rounds::Seconds(const std::function<void()>& work, int repeats) const {
     const clockid_t id = clock == Clock::Thread ? CLOCK_THREAD_CPUTIME_ID : CLOCK_MONOTONIC;
     const double start = Now(id);
-    for (int i = 0; i < repeats; i++)
+    for (int i = 0; i < repeats; ++i)
         work();
     return Now(id) - start;
 }
@@ -40,7 +40,7 @@ size_t Rounds::Add(std::string name, double units, std::function<void()> work) {
 }
 
 void Rounds::Run(int rounds) {
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         for (Work& work : works)
             work.samples.push_back(Seconds(work.run, work.repeats) * 1e9 / (work.units * work.repeats));
     }

@@ -95,12 +95,12 @@ std::vector<DrawnPolygon> MakePolygons() {
         const double turn = uniform(0, 6.28);
         const uint32_t first = WorldGeometry.used.polyVertices;
         std::vector<ViewCorner> shape;
-        for (int i = 0; i < corners; i++) {
+        for (int i = 0; i < corners; ++i) {
             const double angle = turn - 6.2831853 * i / corners;
             shape.push_back(TextureCorner(radiusX * std::cos(angle), radiusY * std::sin(angle)));
         }
         const int32_t number = AppendPolygon(shape);
-        for (int i = 0; i < corners; i++) {
+        for (int i = 0; i < corners; ++i) {
             const double angle = turn - 6.2831853 * i / corners;
             SetCorner(first + static_cast<uint32_t>(i), x + radiusX * std::cos(angle), y + radiusY * std::sin(angle),
                       static_cast<float>(uniform(100, 140)));
@@ -143,7 +143,7 @@ void MakeScene() {
     MakeWorld();
     WorldGeometry.fixed.polyVertices = WorldGeometry.fixed.points = 20000;
     LoadTextures(MakeTextureFile({{0, 0, 0, 64, 64}}, 1));
-    for (size_t i = 0; i < sizeof ShadeTable; i++)
+    for (size_t i = 0; i < sizeof ShadeTable; ++i)
         ShadeTable[i] = static_cast<uint8_t>(i * 2654435761u >> 13);
     BuildReciprocalTable();
 }
@@ -179,7 +179,7 @@ void Measure(int roundCount, bool hasTargets) {
     };
     rounds.Print(rowFloor);
     rounds.Print(blockFloor);
-    for (size_t i = 0; i < opaque.size(); i++) {
+    for (size_t i = 0; i < opaque.size(); ++i) {
         print(opaque[i], TARGETS[i].byBlocks ? blockFloor : rowFloor, TARGETS[i].opaque);
         print(transparent[i], opaque[i], TRANSPARENT_TARGET);
     }

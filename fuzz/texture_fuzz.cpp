@@ -20,7 +20,7 @@ void DrawWithTexture(uint8_t texture) {
         AppendPolygon({{0, 0, 1, -70000, -70000, 0}, {0, 0, 1, 0, 70000, 0}, {0, 0, 1, 70000, 0, 0}});
     WorldGeometry.polygons[polygon].texture = texture;
     const int32_t corners[][2] = {{0, 0}, {10, 40}, {60, 20}};
-    for (uint32_t i = 0; i < 3; i++) {
+    for (uint32_t i = 0; i < 3; ++i) {
         const uint32_t vertex = WorldGeometry.polygons[polygon].firstVertex + i;
         ViewPoint& point = WorldGeometry.viewPoints[WorldGeometry.polyVertices[vertex].point];
         point.screen.fixed = {corners[i][0] << 16, corners[i][1] << 16};
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t bytes) {
     } catch (const FatalThrown&) {
         return 0;
     }
-    for (uint32_t texture = 0; texture < std::min(TextureCount, 4u); texture++)
+    for (uint32_t texture = 0; texture < std::min(TextureCount, 4u); ++texture)
         DrawWithTexture(static_cast<uint8_t>(texture));
     return 0;
 }

@@ -66,7 +66,7 @@ bool ChooseLevel() {
         PollKeyboard(Input);
         if (KeyHit(DIK_ESCAPE)) return false;
         // Kept as it is: of several keys held the last one of the row counts.
-        for (int level = 0; level < LEVEL_COUNT; level++)
+        for (int level = 0; level < LEVEL_COUNT; ++level)
             if (KeyDown(LevelKeys[level])) CurrentLevel = level;
     }
     return true;

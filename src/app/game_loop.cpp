@@ -36,7 +36,7 @@ void GameStep() {
 }
 
 void BlackenBothBuffers() {
-    for (int buffer = 0; buffer < 2; buffer++) {
+    for (int buffer = 0; buffer < 2; ++buffer) {
         ClearSurface(Display.offscreen);
         PresentDisplay();
     }

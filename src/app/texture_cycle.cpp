@@ -18,7 +18,7 @@ void TextureCycle() {
     TicksSinceTurn = 0;
     if (TextureCount < TEXTURE_CYCLE_FIRST + TEXTURE_CYCLE_LENGTH) return;
     uint8_t* entries = TextureRemap + TEXTURE_CYCLE_FIRST;
-    for (uint32_t i = 0; i < TEXTURE_CYCLE_LENGTH; i++) {
+    for (uint32_t i = 0; i < TEXTURE_CYCLE_LENGTH; ++i) {
         uint8_t next = entries[(i + 1) % TEXTURE_CYCLE_LENGTH];
         // Kept as it is: texture 10 is not seen again. The table is changed in place, which makes two neighbours equal;
         // taking the entry after them keeps the picture moving.

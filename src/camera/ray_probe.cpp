@@ -23,7 +23,7 @@ struct Probe {
 };
 
 bool PolygonHolds(const PolyRecord& polygon, const DoubleVec3& normal, const DoubleVec3& point) {
-    for (uint32_t i = 0; i < polygon.cornerCount; i++) {
+    for (uint32_t i = 0; i < polygon.cornerCount; ++i) {
         const DoubleVec3 corner = ToDouble(CornerPosition(polygon, i));
         const DoubleVec3 edge = ToDouble(CornerPosition(polygon, (i + 1) % polygon.cornerCount)) - corner;
         const DoubleVec3 inward = Cross(normal, edge);
@@ -58,7 +58,7 @@ void TestPolygon(Probe& probe, int32_t index) {
 void WalkTree(Probe& probe, int32_t child) {
     if (child < 0) {
         const BspLeaf& leaf = WorldGeometry.leaves[~child];
-        for (int32_t i = 0; i < leaf.polygonCount; i++)
+        for (int32_t i = 0; i < leaf.polygonCount; ++i)
             TestPolygon(probe, leaf.firstPolygon + i);
         return;
     }

@@ -42,12 +42,12 @@ uint32_t FarthestFirst(float depth) {
 bool SortByKeyByte(const SortedNode* from, SortedNode* to, int32_t count, int32_t byte) {
     int32_t starts[257] = {};
     const auto digit = [byte](const SortedNode& entry) { return entry.key >> (8 * byte) & 0xFF; };
-    for (int32_t i = 0; i < count; i++)
+    for (int32_t i = 0; i < count; ++i)
         starts[digit(from[i]) + 1]++;
     if (starts[digit(from[0]) + 1] == count) return false;
-    for (int32_t i = 1; i < 256; i++)
+    for (int32_t i = 1; i < 256; ++i)
         starts[i] += starts[i - 1];
-    for (int32_t i = 0; i < count; i++)
+    for (int32_t i = 0; i < count; ++i)
         to[starts[digit(from[i])]++] = from[i];
     return true;
 }
@@ -73,16 +73,16 @@ void LinkDepthList() {
     SortedNode* sorted = buffers[0];
     SortedNode* other = buffers[1];
     const int32_t count = NextFree - FIRST;
-    for (int32_t i = 0; i < count; i++)
+    for (int32_t i = 0; i < count; ++i)
         sorted[i] = {FarthestFirst(DepthList[FIRST + i].depth), FIRST + i};
     if (count <= FEW) {
         std::sort(sorted, sorted + count, IsFarther);
     } else {
-        for (int32_t byte = 0; byte < KEY_BYTES; byte++)
+        for (int32_t byte = 0; byte < KEY_BYTES; ++byte)
             if (SortByKeyByte(sorted, other, count, byte)) std::swap(sorted, other);
     }
     int32_t previous = HEAD;
-    for (int32_t i = 0; i < count; i++) {
+    for (int32_t i = 0; i < count; ++i) {
         const int32_t node = sorted[i].node;
         DepthList[previous].next = node;
         DepthList[node].previous = previous;

@@ -80,7 +80,7 @@ constexpr int ARC_SIN_TERMS = 26;
 constexpr std::array<double, ARC_SIN_TERMS> ARC_SIN_COEFFICIENTS = [] {
     std::array<double, ARC_SIN_TERMS> table = {};
     double ratio = 1.0;
-    for (int k = 1; k <= ARC_SIN_TERMS; k++) {
+    for (int k = 1; k <= ARC_SIN_TERMS; ++k) {
         ratio *= (2.0 * k - 1.0) / (2.0 * k);
         table[static_cast<size_t>(k - 1)] = ratio / (2.0 * k + 1.0);
     }

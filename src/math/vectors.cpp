@@ -48,7 +48,7 @@ void RotationFromAngles(float ax, float ay, float az, Matrix3& out) {
 
 void ViewRotationFromAngles(float ax, float ay, float az, Matrix3& out) {
     RotationFromAngles(ax, ay, az, out);
-    for (int i = 3; i < 6; i++)
+    for (int i = 3; i < 6; ++i)
         out.m[i] *= ScreenAspect;
 }
 
@@ -75,20 +75,20 @@ void TransformIdentity(Transform& t) {
 }
 
 void TransformConcat(const Transform& a, const Transform& b, Transform& out) {
-    for (int row = 0; row < 3; row++) {
-        for (int column = 0; column < 3; column++) {
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column) {
             out.r[row * 3 + column] =
                 b.r[row * 3] * a.r[column] + b.r[row * 3 + 1] * a.r[3 + column] + b.r[row * 3 + 2] * a.r[6 + column];
         }
         out.t[row] = b.t[row];
     }
     RotateDVector(out.t, a.r);
-    for (int i = 0; i < 3; i++)
+    for (int i = 0; i < 3; ++i)
         out.t[i] += a.t[i];
 }
 
 void RotateDVector(double v[3], const double r[9]) {
     const double x = v[0], y = v[1], z = v[2];
-    for (int i = 0; i < 3; i++)
+    for (int i = 0; i < 3; ++i)
         v[i] = x * r[i] + y * r[3 + i] + z * r[6 + i];
 }

@@ -14,7 +14,7 @@ namespace {
 
 void AddPlaneNormalToCorners(const PolyRecord& polygon, uint32_t* uses) {
     const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
-    for (uint32_t corner = 0; corner < polygon.cornerCount; corner++) {
+    for (uint32_t corner = 0; corner < polygon.cornerCount; ++corner) {
         const uint32_t point = WorldGeometry.polyVertices[polygon.firstVertex + corner].point;
         Vec3& normal = WorldGeometry.points[point].normal;
         normal.x += plane.nx;
@@ -60,13 +60,13 @@ void GenerateVertexNormals() {
     if (!uses) FatalError(1, "Generate Vert Normals - Mem Error");
     std::printf("Generating Vertex Normals...\n");
 
-    for (uint32_t i = 0; i < pointCount; i++) {
+    for (uint32_t i = 0; i < pointCount; ++i) {
         WorldGeometry.points[i].normal = {};
         uses[i] = 0;
     }
-    for (uint32_t i = 0; i < WorldGeometry.used.polygons; i++)
+    for (uint32_t i = 0; i < WorldGeometry.used.polygons; ++i)
         AddPlaneNormalToCorners(WorldGeometry.polygons[i], uses);
-    for (uint32_t i = 0; i < pointCount; i++) {
+    for (uint32_t i = 0; i < pointCount; ++i) {
         if (uses[i] == 0) continue;
         const float count = static_cast<float>(uses[i]);
         Vec3& normal = WorldGeometry.points[i].normal;

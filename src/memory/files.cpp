@@ -64,7 +64,7 @@ uint16_t ReadWord() {
 
 uint32_t ReadLong() {
     uint32_t value = 0;
-    for (int i = 0; i < 4; i++)
+    for (int i = 0; i < 4; ++i)
         value = value * 256 + NextByte();
     return value;
 }

@@ -31,7 +31,7 @@ HRESULT StoreMode(const DDSURFACEDESC* description, void*) {
 }
 
 const DisplayModeEntry* FindMode(uint32_t width, uint32_t height, uint32_t bits) {
-    for (uint16_t i = 0; i < DisplayModeCount; i++) {
+    for (uint16_t i = 0; i < DisplayModeCount; ++i) {
         const DisplayModeEntry& mode = DisplayModeTable[i];
         if (mode.bits == bits && mode.width >= width && mode.height >= height) return &mode;
     }
@@ -198,7 +198,7 @@ bool InitPalette(DisplayContext& context) {
 bool SetPaletteRange(const uint8_t* rgb, DisplayContext& context, uint8_t first, uint8_t last) {
     PALETTEENTRY entries[PALETTE_SIZE] = {};
     if (!context.palette || !ReadSystemPalette(entries)) return false;
-    for (int i = first; i <= last; i++) {
+    for (int i = first; i <= last; ++i) {
         const uint8_t* colour = rgb + 3 * i;
         entries[i] = {EightBits(colour[0]), EightBits(colour[1]), EightBits(colour[2]), PC_NOCOLLAPSE};
     }

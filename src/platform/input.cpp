@@ -75,7 +75,7 @@ void PollKeyboard(InputDevices& devices) {
     devices.keyboard->Acquire();
     // Kept as it is: a failed reading leaves the state of the last one.
     devices.keyboard->GetDeviceState(sizeof(KeyState), KeyState);
-    for (int code = 0; code < 256; code++)
+    for (int code = 0; code < 256; ++code)
         KeyHits[code] = static_cast<uint8_t>((KeyState[code] ^ PrevKeyState[code]) & KeyState[code]);
 }
 

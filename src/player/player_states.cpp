@@ -115,7 +115,7 @@ constexpr StateRow ROWS[] = {
 };
 
 constexpr bool EachStandsAtItsState() {
-    for (size_t i = 0; i < std::size(ROWS); i++) {
+    for (size_t i = 0; i < std::size(ROWS); ++i) {
         if (ROWS[i].state != static_cast<int32_t>(i)) return false;
     }
     return std::size(ROWS) == PLAYER_STATE_COUNT;

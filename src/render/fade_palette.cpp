@@ -28,7 +28,7 @@ void ReadPalette() {
 uint8_t NearestColour(const Colour& target) {
     int best = WORST_MATCH;
     int bestIndex = 0;
-    for (int i = 0; i < 256; i++) {
+    for (int i = 0; i < 256; ++i) {
         const double red = 0.8 * (Palette[i].channel[0] - target.channel[0]);
         const double green = 1.2 * (Palette[i].channel[1] - target.channel[1]);
         const double blue = 1.1 * (Palette[i].channel[2] - target.channel[2]);
@@ -44,7 +44,7 @@ uint8_t NearestColour(const Colour& target) {
 }
 
 uint8_t FadeTowards(Colour colour, const int16_t target[3], double weight, double fraction) {
-    for (int i = 0; i < 3; i++) {
+    for (int i = 0; i < 3; ++i) {
         double& channel = colour.channel[i];
         channel = std::clamp(channel + (target[i] - channel) * weight * fraction, 0.0, 63.0);
     }
@@ -69,9 +69,9 @@ void BuildFadePalette() {
     // Kept as it is: entry 0 is black, whatever the file says.
     std::fill_n(TextureImage + TEXTURE_PALETTE_OFFSET, 3, uint8_t{0});
     ReadPalette();
-    for (int step = 0; step < FADE_STEPS; step++) {
+    for (int step = 0; step < FADE_STEPS; ++step) {
         const double fraction = step / static_cast<double>(FADE_STEPS);
-        for (int i = 0; i < 256; i++) {
+        for (int i = 0; i < 256; ++i) {
             ShadeTable[step * 256 + i] = FadeDark(1 - fraction, i);
             ShadeTable[(FADE_STEPS + step) * 256 + i] = FadeBright(fraction, i);
         }

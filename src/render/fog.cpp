@@ -20,7 +20,7 @@ GrFog_t FogTable[GR_FOG_TABLE_SIZE];
 }  // namespace
 
 void SetupFog() {
-    for (int i = 0; i < 128; i++)
+    for (int i = 0; i < 128; ++i)
         IntensityTable[i] = static_cast<float>(i * 256);
     FrameBuffer = static_cast<uint8_t*>(PoolMalloc(OFFSCREEN_FRAME_BYTES));
     if (FrameBuffer == nullptr) FatalError(1, "No memory for the off-screen frame");

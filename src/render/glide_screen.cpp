@@ -55,7 +55,7 @@ void SetBufferStates() {
 void WritePixels(std::FILE* file, const GrLfbInfo_t& picture) {
     const auto* row = static_cast<const uint8_t*>(picture.lfbPtr);
     for (int32_t y = 0; y < ScreenHeight; y++, row += picture.strideInBytes) {
-        for (int32_t x = 0; x < ScreenWidth; x++) {
+        for (int32_t x = 0; x < ScreenWidth; ++x) {
             uint16_t pixel;
             std::memcpy(&pixel, row + 2 * x, sizeof pixel);
             std::fputc(pixel >> 11 << 3, file);
@@ -79,7 +79,7 @@ void OpenGlide() {
     SetBufferStates();
     LoadFogTable(0.0f);
     SetFogStates();
-    for (int32_t i = 0; i < SHOWN_FOG_ENTRIES; i++)
+    for (int32_t i = 0; i < SHOWN_FOG_ENTRIES; ++i)
         std::printf("i = %d,  W = %f\n", i, guFogTableIndexToW(i));
     grBufferClear(0, 0, 0xFFFF);
     ScreenResIndex = GLIDE_SCREEN_RES;

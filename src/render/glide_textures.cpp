@@ -34,7 +34,7 @@ void LoadGlideTexture(const char* path, GrMipMapId_t& handle) {
 }  // namespace
 
 void L_LoadGlideTexture(int32_t level) {
-    for (uint32_t i = 0; i < TextureCount; i++) {
+    for (uint32_t i = 0; i < TextureCount; ++i) {
         char path[64];
         std::snprintf(path, sizeof path, "game\\data\\levels\\level%d\\glidetex\\%02u.3df", level + 1, i);
         LoadGlideTexture(path, TextureHandles[i]);

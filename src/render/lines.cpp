@@ -48,7 +48,7 @@ void Plot(int64_t x, int64_t y) {
 void DrawGlideLine(const int32_t x[2], const int32_t y[2]) {
     const uint8_t* const colour = TextureImage + TEXTURE_PALETTE_OFFSET + 3 * (LineColour & 0xFF);
     GrVertex ends[2] = {};
-    for (int i = 0; i < 2; i++) {
+    for (int i = 0; i < 2; ++i) {
         ends[i].x = static_cast<float>(x[i]);
         ends[i].y = static_cast<float>(y[i]);
         ends[i].r = static_cast<float>(2 * colour[0]);
@@ -82,7 +82,7 @@ void DrawLine3D(float x1, float y1, float z1, float x2, float y2, float z2) {
         if (!ClipSegment(ends[0], ends[1], plane)) return;
     }
     int32_t x[2], y[2];
-    for (int i = 0; i < 2; i++) {
+    for (int i = 0; i < 2; ++i) {
         Vec3& end = ends[i];
         if (end.z <= 0) end.z = 1.0f;
         x[i] = TruncToInt(end.x * ProjectionScaleX / end.z + ScreenCentreX);
@@ -109,13 +109,13 @@ void DrawLine2D(int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
         const int64_t direction = dx > 0 ? 1 : -1;
         const int64_t first = std::max(int64_t{0}, dx > 0 ? -int64_t{x1} : int64_t{x1} - (ScreenWidth - 1));
         const int64_t last = std::min(std::abs(dx), dx > 0 ? int64_t{ScreenWidth} - 1 - x1 : int64_t{x1});
-        for (int64_t i = first; i <= last; i++)
+        for (int64_t i = first; i <= last; ++i)
             Plot(x1 + direction * i, (int64_t{y1} * 65536 + slope * i) >> 16);
     } else if (dy != 0) {
         const int64_t slope = dx * 65536 / dy;
         const int64_t first = std::max(int64_t{0}, -int64_t{y1});
         const int64_t last = std::min(dy, int64_t{ScreenHeight} - 1 - y1);
-        for (int64_t i = first; i <= last; i++)
+        for (int64_t i = first; i <= last; ++i)
             Plot((int64_t{x1} * 65536 + slope * i) >> 16, y1 + i);
     }
 }
@@ -124,9 +124,9 @@ void DrawPolygonOutline(int32_t polygon) {
     if (PolySideOfCamera(polygon) > 0) return;
     const PolyRecord record = WorldGeometry.polygons[polygon];
     const PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
-    for (int i = 0; i < record.cornerCount; i++) {
+    for (int i = 0; i < record.cornerCount; ++i) {
         if (WorldGeometry.viewPoints[corners[i].point].transformStamp != FrameCount) PutIntoViewSpace(corners[i].point);
     }
-    for (int i = 0; i < record.cornerCount; i++)
+    for (int i = 0; i < record.cornerCount; ++i)
         DrawEdge(corners[i], corners[i + 1 < record.cornerCount ? i + 1 : 0]);
 }

@@ -64,7 +64,7 @@ void ClipAgainstPlane(const PolyRecord& input, PolyRecord& output, const ClipPla
     const PolyVertex* corners = WorldGeometry.polyVertices + input.firstVertex;
     output.firstVertex = static_cast<uint16_t>(first);
     output.cornerCount = 0;
-    for (int i = 0; i < input.cornerCount; i++) {
+    for (int i = 0; i < input.cornerCount; ++i) {
         const PolyVertex& current = corners[i];
         const PolyVertex& next = corners[i + 1 < input.cornerCount ? i + 1 : 0];
         const bool isCurrentOut = (WorldGeometry.outcodes[current.point] & plane.bit) != 0;
@@ -99,7 +99,7 @@ void Project(ViewPoint& point) {
 // Points from firstFresh on are projected at every use, because the next clip reuses their slots.
 void ProjectCorners(const PolyRecord& polygon, uint32_t firstFresh) {
     const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    for (int i = 0; i < polygon.cornerCount; i++) {
+    for (int i = 0; i < polygon.cornerCount; ++i) {
         const uint32_t index = corners[i].point;
         ViewPoint& point = WorldGeometry.viewPoints[index];
         if (point.projectionStamp != FrameCount || index >= firstFresh) Project(point);
@@ -125,7 +125,7 @@ void DrawPolygonAuto(int32_t polygon) {
     const PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
     uint8_t common = 0xFF;
     uint8_t any = 0;
-    for (int i = 0; i < record.cornerCount; i++) {
+    for (int i = 0; i < record.cornerCount; ++i) {
         common &= WorldGeometry.outcodes[corners[i].point];
         any |= WorldGeometry.outcodes[corners[i].point];
     }

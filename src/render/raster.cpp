@@ -44,7 +44,7 @@ struct Edge {
 // Lists the edges that cover a row from FirstRow to EndRow, without a branch, since no processor could predict it.
 int ListEdges(const EdgePoint* points, int count, Edge* edges) {
     int listed = 0;
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         const EdgePoint* const from = points + i;
         const EdgePoint* const to = points + (i + 1 < count ? i + 1 : 0);
         const bool rises = to->y < from->y;
@@ -83,13 +83,13 @@ void WalkEdge(const Edge& edge) {
 void WalkEdges(const EdgePoint* points, int count) {
     Edge edges[CORNERS_MAX];
     const int listed = ListEdges(points, count, edges);
-    for (int i = 0; i < listed; i++)
+    for (int i = 0; i < listed; ++i)
         WalkEdge(edges[i]);
 }
 
 int MakeEdgePoints(const PolyRecord& polygon, EdgePoint* points) {
     const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    for (int i = 0; i < polygon.cornerCount; i++)
+    for (int i = 0; i < polygon.cornerCount; ++i)
         points[i] = MakeEdgePoint(corners[i]);
     return polygon.cornerCount;
 }
@@ -107,7 +107,7 @@ CoverRow cover[COVER_ROWS];
 ScreenBounds BoundsOf(const PolyRecord& polygon) {
     const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
     ScreenBounds bounds = {INT32_MAX, INT32_MIN, INT32_MAX, INT32_MIN};
-    for (int i = 0; i < polygon.cornerCount; i++) {
+    for (int i = 0; i < polygon.cornerCount; ++i) {
         const auto point = WorldGeometry.viewPoints[corners[i].point].screen.fixed;
         bounds.left = std::min(bounds.left, point.x);
         bounds.right = std::max(bounds.right, point.x);
@@ -182,7 +182,7 @@ bool HasAvx2() {
 
 void BuildReciprocalTable() {
     ReciprocalTable[0] = 1.0f;
-    for (int i = 1; i < RECIPROCAL_COUNT; i++)
+    for (int i = 1; i < RECIPROCAL_COUNT; ++i)
         ReciprocalTable[i] = static_cast<float>(1.0 / i);
 }
 

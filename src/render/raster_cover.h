@@ -25,7 +25,7 @@ struct CoverRow {
         if (columns.first == columns.last) return (~words[columns.first] & columns.firstMask & columns.lastMask) == 0;
         if ((~words[columns.first] & columns.firstMask) != 0 || (~words[columns.last] & columns.lastMask) != 0)
             return false;
-        for (int32_t i = columns.first + 1; i < columns.last; i++)
+        for (int32_t i = columns.first + 1; i < columns.last; ++i)
             if (~words[i] != 0) return false;
         return true;
     }

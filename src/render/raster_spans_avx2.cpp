@@ -172,7 +172,7 @@ AVX2_CODE inline Values Choose(const Values& otherwise, const Values& where, __m
 }
 
 AVX2_CODE void SetUpLanes(Queue& spans) {
-    for (int32_t lane = spans.laneCount; lane < LANES; lane++)
+    for (int32_t lane = spans.laneCount; lane < LANES; ++lane)
         spans.leftX[lane] = spans.rightX[lane] = 0;
     const OverDepth left = LoadLanes(spans.left);
     const OverDepth right = LoadLanes(spans.right);
@@ -194,7 +194,7 @@ AVX2_CODE void SetUpLanes(Queue& spans) {
     const OverDepth blockChange = Times(Times(change, _mm256_set1_ps(SPAN_BLOCK)), perPixel);
     const __m256 perRestPixel = Reciprocal(_mm256_and_si256(count, _mm256_set1_epi32(SPAN_BLOCK - 1)));
     __m256i number = _mm256_setzero_si256();
-    for (LaneBlocks* lanes = spans.laneBlocks;; lanes++) {
+    for (LaneBlocks* lanes = spans.laneBlocks;; ++lanes) {
         const __m256i isComplete = _mm256_cmpgt_epi32(blockCounts, number);
         const Values restStep = StepsTowards(end, value, perRestPixel);
         if (_mm256_testz_si256(isComplete, isComplete)) return StoreBlocks(*lanes, value, restStep);
@@ -219,8 +219,8 @@ AVX2_CODE inline __m256i AtPixels(const uint32_t* value) {
 // For each byte: the word with a byte 0xFF for each bit that is set.
 constexpr std::array<uint64_t, 256> BYTES_OF_BITS = [] {
     std::array<uint64_t, 256> bytes{};
-    for (uint32_t bits = 0; bits < 256; bits++)
-        for (uint32_t i = 0; i < WORD_PIXELS; i++)
+    for (uint32_t bits = 0; bits < 256; ++bits)
+        for (uint32_t i = 0; i < WORD_PIXELS; ++i)
             if (bits >> i & 1) bytes[bits] |= uint64_t{0xFF} << (8 * i);
     return bytes;
 }();
@@ -293,7 +293,7 @@ template <TexelZero ZERO>
 AVX2_CODE void DrawWords(CoverRow* cover) {
     Queue& spans = queue<ZERO>;
     const Word* const end = spans.words + spans.wordCount;
-    for (const Word* word = spans.words; word != end; word++)
+    for (const Word* word = spans.words; word != end; ++word)
         DrawWord<ZERO>(*word, cover);
     spans.wordCount = 0;
 }
@@ -303,7 +303,7 @@ AVX2_CODE void AddWordsOfLanes(CoverRow* cover) {
     Queue& spans = queue<ZERO>;
     SetUpLanes(spans);
     Word* word = spans.words + spans.wordCount;
-    for (int32_t i = 0; i < spans.blockCount; i++) {
+    for (int32_t i = 0; i < spans.blockCount; ++i) {
         if (word > spans.words + WORDS_MAX - 2) {
             spans.wordCount = static_cast<int32_t>(word - spans.words);
             DrawWords<ZERO>(cover);

@@ -107,7 +107,7 @@ void DrawRunBehind(Run run, SpanTexture texture, CoverRow* cover) {
     CoverRow& row = cover[place / FramePitch];
     const int32_t x = static_cast<int32_t>(place % FramePitch);
     SpanValues value = run.value;
-    for (int32_t i = 0; i < run.count; i++) {
+    for (int32_t i = 0; i < run.count; ++i) {
         const uint8_t texel = texture.texels[((value.v & 0xFF00) | (value.u >> 8 & 0xFF)) & texture.mask];
         if ((ZERO == TexelZero::Drawn || texel != 0) && !row.Holds(x + i)) {
             run.pixels[i] = ShadeTable[(value.light & 0xFF00) | texel];
@@ -122,7 +122,7 @@ template <TexelZero ZERO>
 void DrawRun(Run run, SpanTexture texture) {
     SpanValues value = run.value;
 #pragma GCC unroll 8
-    for (int32_t i = 0; i < run.count; i++) {
+    for (int32_t i = 0; i < run.count; ++i) {
         const uint8_t texel = texture.texels[((value.v & 0xFF00) | (value.u >> 8 & 0xFF)) & texture.mask];
         if (ZERO == TexelZero::Drawn || texel != 0) run.pixels[i] = ShadeTable[(value.light & 0xFF00) | texel];
         value = Advanced(value, run.step, 1);
@@ -131,7 +131,7 @@ void DrawRun(Run run, SpanTexture texture) {
 
 template <TexelZero ZERO>
 void DrawBatch(Batch& batch, const SpanTexture& texture, CoverRow* cover) {
-    for (int32_t i = 0; i < batch.count; i++) {
+    for (int32_t i = 0; i < batch.count; ++i) {
         if (cover != nullptr)
             DrawRunBehind<ZERO>(batch.runs[i], texture, cover);
         else
@@ -144,7 +144,7 @@ template <TexelZero ZERO>
 void FillRows(const EdgeRows& rows, const SpanTexture& texture, CoverRow* cover) {
     Batch batch;
     batch.count = 0;
-    for (int32_t y = rows.first; y < rows.end; y++) {
+    for (int32_t y = rows.first; y < rows.end; ++y) {
         const EdgeHalf& left = rows.table[y].left;
         const EdgeHalf& right = rows.table[y].right;
         const int32_t x = CeilFixed(left.x);

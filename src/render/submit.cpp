@@ -58,10 +58,10 @@ void UseTextureOf(const PolyRecord& polygon) {
 void SubmitToGlide(const PolyRecord& polygon) {
     GrVertex vertices[CORNERS_MAX];
     const int count = std::min<int>(polygon.cornerCount, CORNERS_MAX);
-    for (int i = 0; i < count; i++)
+    for (int i = 0; i < count; ++i)
         vertices[i] = MakeVertex(WorldGeometry.polyVertices[polygon.firstVertex + i]);
     UseTextureOf(polygon);
-    for (int i = 1; i + 1 < count; i++)
+    for (int i = 1; i + 1 < count; ++i)
         grDrawTriangle(&vertices[0], &vertices[i], &vertices[i + 1]);
 }
 

@@ -36,7 +36,7 @@ void CheckTextureFile(uint32_t size, const char* path) {
     if (TextureCount < 1 || TextureCount > TEXTURES_MAX) FatalError(0, "No Texture File Found", path);
     if (size < TexelStart()) FatalError(0, invalid, path);
     const uint32_t pageCount = (size - TexelStart()) / TEXTURE_PAGE_BYTES;
-    for (uint32_t i = 0; i < TextureCount; i++) {
+    for (uint32_t i = 0; i < TextureCount; ++i) {
         if (!LiesInPage(TextureRecords()[i], pageCount)) FatalError(0, invalid, path);
     }
 }
@@ -50,7 +50,7 @@ int32_t CountTransparentTexels(const TextureRecord& texture) {
 }
 
 void PrepareTextures() {
-    for (uint32_t i = 0; i < TextureCount; i++) {
+    for (uint32_t i = 0; i < TextureCount; ++i) {
         TextureRecord& texture = TextureRecords()[i];
         texture.texelOffset =
             TexelStart() + texture.page * TEXTURE_PAGE_BYTES + texture.y * TEXTURE_PAGE_PITCH + texture.x;
@@ -72,7 +72,7 @@ void ConvertToGlideUnits(const PolyRecord& polygon, const TextureRecord& texture
     if (width == 0) FatalError(-1, "L_CreateGlideUVs - tm_width  = 0.0", path);
     if (height == 0) FatalError(-1, "L_CreateGlideUVs - tm_height = 0.0", path);
     const float larger = std::max(width, height);
-    for (uint32_t i = polygon.firstVertex; i < uint32_t{polygon.firstVertex} + polygon.cornerCount; i++) {
+    for (uint32_t i = polygon.firstVertex; i < uint32_t{polygon.firstVertex} + polygon.cornerCount; ++i) {
         float s = WorldGeometry.alternateVertices[i].u / 256;
         float t = WorldGeometry.alternateVertices[i].v / 256;
         if ((polygon.flags & POLY_WRAPS) == 0) {
@@ -105,12 +105,12 @@ int LoadTextureFile(int32_t level) {
 void BuildTextureRemap() {
     TextureRemap = static_cast<uint8_t*>(PoolMalloc(TextureCount));
     if (TextureRemap == nullptr) FatalError(1, "No memory for the texture remap table");
-    for (uint32_t i = 0; i < TextureCount; i++)
+    for (uint32_t i = 0; i < TextureCount; ++i)
         TextureRemap[i] = static_cast<uint8_t>(i);
 }
 
 void ComputeWrapFlags() {
-    for (uint32_t i = 0; i < WorldGeometry.used.polygons; i++) {
+    for (uint32_t i = 0; i < WorldGeometry.used.polygons; ++i) {
         PolyRecord& polygon = WorldGeometry.polygons[i];
         if (polygon.texture >= TextureCount) continue;
         const TextureRecord texture = TextureRecords()[polygon.texture];
@@ -127,7 +127,7 @@ void SetTexturePalette() {
 }
 
 void L_CreateGlideUVs() {
-    for (uint32_t i = 0; i < WorldGeometry.used.polygons; i++) {
+    for (uint32_t i = 0; i < WorldGeometry.used.polygons; ++i) {
         const PolyRecord polygon = WorldGeometry.polygons[i];
         if (polygon.texture < TextureCount) ConvertToGlideUnits(polygon, TextureRecords()[polygon.texture]);
     }

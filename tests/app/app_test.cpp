@@ -82,7 +82,7 @@ private:
         if (poll_ > 5000) throw std::runtime_error("the program polls for ever");
         if (atPoll_) atPoll_(poll_);
         if (poll_ < polls_.size()) {
-            for (int key = 0; key < 256; key++)
+            for (int key = 0; key < 256; ++key)
                 DeviceKey(KeySource::Keyboard, static_cast<uint8_t>(key), false);
             for (const uint8_t key : polls_[poll_])
                 DeviceKey(KeySource::Keyboard, key, true);

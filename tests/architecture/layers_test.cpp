@@ -117,7 +117,7 @@ bool IsFactOfTheGame(const string& path) {
 int LayerOf(const string& path) {
     int layer = -1;
     size_t longest = 0;
-    for (size_t i = 0; i < LAYERS.size(); i++) {
+    for (size_t i = 0; i < LAYERS.size(); ++i) {
         if (!path.starts_with(LAYERS[i] + "/") || LAYERS[i].size() < longest) continue;
         layer = static_cast<int>(i);
         longest = LAYERS[i].size();

@@ -51,7 +51,7 @@ string LevelsOfTrack(int track) {
     for (const LevelRow& row : LEVEL_ROWS)
         if (row.track == track) levels.push_back(to_string(row.number));
     string told = levels.front();
-    for (size_t i = 1; i < levels.size(); i++)
+    for (size_t i = 1; i < levels.size(); ++i)
         told += (i + 1 == levels.size() ? " and " : ", ") + levels[i];
     return told;
 }

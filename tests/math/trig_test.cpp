@@ -31,7 +31,7 @@ TEST(Trig, SineAndCosineAreWithinOneUlp) {
     std::mt19937_64 random(7);
     double worst = 0.0;
     for (const double limit : {0.8, 7.0, 100.0, 17453.3, TRIG_LIMIT}) {
-        for (int i = 0; i < 60000; i++) {
+        for (int i = 0; i < 60000; ++i) {
             const double angle = RandomAngle(random, limit);
             if (std::abs(angle) >= TRIG_LIMIT) continue;
             worst = std::max(worst, ErrorInUlp(Sin(angle), sinl(angle)));
@@ -60,7 +60,7 @@ TEST(Trig, ResultsHaveTheSameBitsEverywhere) {
         std::memcpy(&bits, &value, sizeof(bits));
         hash = (hash ^ bits) * 1099511628211u;
     };
-    for (int i = -4000; i <= 4000; i++) {
+    for (int i = -4000; i <= 4000; ++i) {
         add(Sin(i * 0.37));
         add(Cos(i * 0.37));
         add(ArcCos(i / 4000.0));

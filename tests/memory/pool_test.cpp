@@ -82,7 +82,7 @@ TEST_F(Pool, BehavesAsTheReferenceModel) {
     std::mt19937 random(11);
     ReferencePool model(WHOLE);
     std::vector<std::pair<uint8_t*, uint32_t>> held;  // with the bytes asked for
-    for (int step = 0; step < 20000; step++) {
+    for (int step = 0; step < 20000; ++step) {
         const bool allocate = held.empty() || random() % 100 < (step / 500 % 2 ? 40 : 60);
         if (allocate) {
             const auto bytes = static_cast<uint32_t>(random() % 4 ? random() % 400 : random() % 9000);

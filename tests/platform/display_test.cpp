@@ -32,7 +32,7 @@ protected:
     // Fills the offscreen surface of an 8-bit display.
     static void Fill(uint8_t index) {
         ASSERT_EQ(LockSurface(), DD_OK);
-        for (LONG y = 0; y < Display.mode.bottom; y++)
+        for (LONG y = 0; y < Display.mode.bottom; ++y)
             std::memset(SurfaceMemory + y * SurfacePitch, index, static_cast<size_t>(Display.mode.right));
         UnlockSurface();
     }

@@ -28,7 +28,7 @@ protected:
 std::vector<ViewCorner> Clip(int32_t number, uint8_t planes) {
     const PolyRecord* polygon = ClipPolygon(number, planes);
     std::vector<ViewCorner> corners;
-    for (uint32_t i = polygon->firstVertex; i < uint32_t{polygon->firstVertex} + polygon->cornerCount; i++) {
+    for (uint32_t i = polygon->firstVertex; i < uint32_t{polygon->firstVertex} + polygon->cornerCount; ++i) {
         const PolyVertex& vertex = WorldGeometry.polyVertices[i];
         const ViewPoint& point = WorldGeometry.viewPoints[vertex.point];
         corners.push_back({point.x, point.y, point.z, vertex.u, vertex.v, vertex.intensity});
@@ -42,7 +42,7 @@ TEST_F(Pipeline, AnEdgeGivesTheSameCrossingsInBothDirections) {
     const auto corner = [&] {
         return ViewCorner{at(random), at(random), depth(random), at(random), at(random), at(random)};
     };
-    for (int i = 0; i < 200; i++) {
+    for (int i = 0; i < 200; ++i) {
         const ViewCorner a = corner(), b = corner();
         // A degenerate polygon that is nothing but the edge, there and back: each crossing appears twice, alike.
         const std::vector<ViewCorner> forth = Clip(AppendPolygon({a, b}), OUT_SIDES);
@@ -67,7 +67,7 @@ TEST_F(Pipeline, ClippingAddsFourCornersAtMostAndCanLeaveNone) {
     EXPECT_EQ(SubmittedPolygons, 0u);
 
     std::vector<ViewCorner> comb;  // too large for the scratch space
-    for (int i = 0; i < 120; i++)
+    for (int i = 0; i < 120; ++i)
         comb.push_back({i % 2 == 0 ? 90.0f : 110.0f, static_cast<float>(i) - 60, 100, 0, 0, 0});
     PolyVertex& behind = WorldGeometry.polyVertices[WorldGeometry.fixed.polyVertices + CLIP_SCRATCH_ENTRIES];
     behind.point = 4711;

@@ -28,7 +28,7 @@ const PolyRecord* MakePolygon(const ScreenCorners& corners, uint8_t texture) {
     for (const ScreenCorner& corner : corners)
         plain.push_back({0, 0, 1, corner.u, corner.v, corner.intensity});
     const PolyRecord* polygon = WorldGeometry.polygons + AppendPolygon(plain, texture);
-    for (size_t i = 0; i < corners.size(); i++) {
+    for (size_t i = 0; i < corners.size(); ++i) {
         ViewPoint& point = WorldGeometry.viewPoints[i];
         point.screen.fixed = {corners[i].x, corners[i].y};
         point.inverseDepth = corners[i].inverseDepth;
@@ -54,7 +54,7 @@ protected:
                                       {1, 4, 3, 2, 4},
                                       {1, 0, 200, 0, 16}},
                                      2));
-        for (size_t i = 0; i < sizeof ShadeTable; i++)
+        for (size_t i = 0; i < sizeof ShadeTable; ++i)
             ShadeTable[i] = static_cast<uint8_t>(i * 2654435761u >> 13);
     }
     void TearDown() override {
@@ -114,7 +114,7 @@ protected:
     ScreenCorners Round(double x, double y, double radius, int count) {
         ScreenCorners corners;
         const double turn = Uniform(0, 6.28);
-        for (int i = 0; i < count; i++) {
+        for (int i = 0; i < count; ++i) {
             const double angle = turn - 6.2831853 * i / count;
             corners.push_back({Pixels(x + radius * std::cos(angle)), Pixels(y + radius * std::sin(angle)),
                                1 / Float(1, 900), Float(-300, 40000), Float(-300, 40000), Float(0, 32512)});
@@ -124,14 +124,14 @@ protected:
 };
 
 TEST_F(Raster, DrawsPolygonsOfEverySizePixelByPixel) {
-    for (int i = 0; i < 250 && !HasFailure(); i++) {
+    for (int i = 0; i < 250 && !HasFailure(); ++i) {
         const double radius = std::exp(Uniform(0, 6));
         ExpectAsDrawnPlainly({{Round(Uniform(-20, 220), Uniform(-20, 80), radius, 3 + i % 14), Texture(), i % 2 == 0}});
     }
 }
 
 TEST_F(Raster, DrawsAnyInputPixelByPixel) {
-    for (int i = 0; i < 250 && !HasFailure(); i++) {
+    for (int i = 0; i < 250 && !HasFailure(); ++i) {
         ScreenCorners corners(random() % 17);
         const double spread = i % 25 == 0 ? 32767 : 400;
         for (ScreenCorner& corner : corners) {
@@ -150,7 +150,7 @@ TEST_F(Raster, DrawsAnyInputPixelByPixel) {
 TEST_F(Raster, DrawsManyPolygonsPixelByPixel) {
     for (const int count : {12, 60, 5000}) {
         std::vector<Polygon> polygons;
-        for (int i = 0; i < count; i++)
+        for (int i = 0; i < count; ++i)
             polygons.push_back(
                 {Round(Uniform(-20, 220), Uniform(-20, 80), std::exp(Uniform(0, 5)), 5), Texture(), i % 2 == 0});
         ExpectAsDrawnPlainly(polygons);
@@ -166,7 +166,7 @@ TEST_F(Raster, TouchesNothingBehindTheLastPixel) {
     MakeFrame(40, 8, 40);
     uint8_t* const ownFrame = FrameBuffer;
     FrameBuffer = static_cast<uint8_t*>(pages) + page - 40 * 8;
-    for (int width = 1; width <= 40; width++) {
+    for (int width = 1; width <= 40; ++width) {
         const int32_t left = Pixels(40 - width), right = Pixels(40), bottom = Pixels(8);
         ExpectAsDrawnPlainly({{{{left, 0, 1, 0, 0, 0},
                                 {left, bottom, 1, 0, 0, 0},

@@ -32,14 +32,14 @@ std::vector<uint8_t> Frame, Pool;
 std::vector<uint8_t> MakeTextureFile(const std::vector<TestTexture>& textures, int pages) {
     std::mt19937 random(7);
     std::vector<uint8_t> file = {static_cast<uint8_t>(textures.size()), 0};
-    for (int i = 0; i < 256; i++) {
+    for (int i = 0; i < 256; ++i) {
         for (const int level : {i % 64, i / 64 * 16 + 1, i % 61})
             file.push_back(static_cast<uint8_t>(level));
     }
     for (const TestTexture& texture : textures)
         file.insert(file.end(),
                     {9, 9, 9, 9, 9, 0, 0, texture.page, texture.x, texture.y, texture.width, texture.height});
-    for (int i = 0; i < pages * 65536; i++)
+    for (int i = 0; i < pages * 65536; ++i)
         file.push_back(static_cast<uint8_t>(random()));
     return file;
 }
@@ -66,19 +66,19 @@ void MakeFrame(int32_t width, int32_t height, int32_t pitch) {
 }
 
 void FillFrame(uint8_t colour) {
-    for (int32_t y = 0; y < ScreenHeight; y++)
+    for (int32_t y = 0; y < ScreenHeight; ++y)
         std::memset(FrameBuffer + y * FramePitch, colour, static_cast<size_t>(ScreenWidth));
 }
 
 std::vector<uint8_t> FramePixels() {
     std::vector<uint8_t> pixels;
-    for (int32_t y = 0; y < ScreenHeight; y++)
+    for (int32_t y = 0; y < ScreenHeight; ++y)
         pixels.insert(pixels.end(), FrameBuffer + y * FramePitch, FrameBuffer + y * FramePitch + ScreenWidth);
     return pixels;
 }
 
 bool GuardsAreIntact() {
-    for (size_t i = 0; i < Frame.size(); i++) {
+    for (size_t i = 0; i < Frame.size(); ++i) {
         const int64_t offset = static_cast<int64_t>(i) - static_cast<int64_t>(GUARD_BYTES);
         const bool inside =
             offset >= 0 && offset < int64_t{FramePitch} * ScreenHeight && offset % FramePitch < ScreenWidth;

@@ -44,7 +44,7 @@ TEST_F(Textures, RecordsGetTheirTexelsAndTransparency) {
     EXPECT_EQ(+TextureRecords()[0].isTransparent, 1);
     EXPECT_EQ(+TextureRecords()[1].isTransparent, 0);
     EXPECT_EQ(+TextureRecords()[0].isEmpty, 0);
-    for (int row = 252; row < 256; row++)
+    for (int row = 252; row < 256; ++row)
         std::fill_n(file.begin() + texels + 65536 + row * 256 + 248, 8, uint8_t{0});
     ASSERT_EQ(LoadError(file), "");
     EXPECT_EQ(+TextureRecords()[1].isEmpty, 1);
@@ -101,7 +101,7 @@ TEST_F(Textures, AnEmptyOneStopsTheAcceleratorAndNamesItsFile) {
 
 TEST_F(Textures, BlackBrightensOnlyWhereBrighteningIsPlain) {
     std::vector<uint8_t> file = TwoTextures();
-    for (size_t i = 0; i < 256; i++)
+    for (size_t i = 0; i < 256; ++i)
         std::fill_n(file.begin() + static_cast<ptrdiff_t>(TEXTURE_PALETTE_OFFSET + 3 * i), 3, uint8_t(i % 64));
     ASSERT_EQ(LoadError(file), "");
     EXPECT_EQ(ShadeTable[127 * 256], 0);

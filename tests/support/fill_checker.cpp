@@ -37,7 +37,7 @@ void FillBehind(const PolyRecord& polygon, bool skipsTexelZero) {
     std::vector<uint8_t> dark(plainFrame.size(), 0), bright(plainFrame.size(), 0xFF);
     FillInto(dark, polygon, skipsTexelZero);
     FillInto(bright, polygon, skipsTexelZero);
-    for (size_t i = 0; i < plainFrame.size(); i++) {
+    for (size_t i = 0; i < plainFrame.size(); ++i) {
         if (dark[i] == bright[i] && !isTaken[i]) plainFrame[i] = dark[i];
         if (dark[i] == bright[i]) isTaken[i] = true;
     }
@@ -72,7 +72,7 @@ void OnTransparent(const PolyRecord* polygon) {
 
 void OnEnd() {
     RealEnd();
-    for (size_t i = 0; i < plainFrame.size(); i++) {
+    for (size_t i = 0; i < plainFrame.size(); ++i) {
         if (FrameBuffer[i] == plainFrame[i]) continue;
         const auto pitch = static_cast<size_t>(FramePitch);
         std::fprintf(stderr, "frame %d, column %zu, row %zu: %d instead of %d\n", frame, i % pitch, i / pitch,

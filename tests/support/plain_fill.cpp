@@ -44,7 +44,7 @@ void WalkPlainly(const Place& top, const Place& bottom, std::vector<Place>& rows
     uint32_t x = Rounded(static_cast<float>(top.x) + slope * preStep);
     Place place = top;
     const auto addSteps = [&](float rowCount) {
-        for (int q = 0; q < QUANTITIES; q++)
+        for (int q = 0; q < QUANTITIES; ++q)
             place.over[q] += (bottom.over[q] - top.over[q]) * perRow * rowCount;
         place.inverse += (bottom.inverse - top.inverse) * perRow * rowCount;
     };
@@ -71,7 +71,7 @@ std::vector<uint32_t> Along(const Place& left, const Place& right, int64_t n, in
         run(n, Rounded((right.over[q] * (1 / right.inverse) - Whole(value)) * OneOver(n)));
         return values;
     }
-    for (int64_t block = 0; block < n / BLOCK; block++) {
+    for (int64_t block = 0; block < n / BLOCK; ++block) {
         over += BLOCK * (right.over[q] - left.over[q]) * OneOver(n);
         inverse += BLOCK * (right.inverse - left.inverse) * OneOver(n);
         const uint32_t end = Rounded(over * (1 / inverse));
@@ -89,7 +89,7 @@ void FillPlainly(const PolyRecord& polygon, bool skipsTexelZero) {
     if (texture == nullptr) return;
     const uint32_t mask = (texture->height - 1u) * 256 + texture->width - 1u;
     std::vector<Place> corners;
-    for (int i = 0; i < polygon.cornerCount; i++) {
+    for (int i = 0; i < polygon.cornerCount; ++i) {
         const PolyVertex& corner = WorldGeometry.polyVertices[polygon.firstVertex + i];
         const ViewPoint& point = WorldGeometry.viewPoints[corner.point];
         const float inverse = point.inverseDepth;
@@ -100,17 +100,17 @@ void FillPlainly(const PolyRecord& polygon, bool skipsTexelZero) {
     }
     const auto height = static_cast<size_t>(ScreenHeight);
     std::vector<Place> left(height), right(height);  // rows that no edge crosses have spans of no width
-    for (size_t i = 0; i < corners.size(); i++) {
+    for (size_t i = 0; i < corners.size(); ++i) {
         const Place &from = corners[i], &to = corners[(i + 1) % corners.size()];
         to.y < from.y ? WalkPlainly(to, from, right) : WalkPlainly(from, to, left);
     }
-    for (size_t y = 0; y < height; y++) {
+    for (size_t y = 0; y < height; ++y) {
         const int64_t first = left[y].Column(), n = right[y].Column() - first;
         if (n <= 0 || n > WIDEST_SPAN) continue;
         std::vector<uint32_t> values[QUANTITIES];
-        for (int q = 0; q < QUANTITIES; q++)
+        for (int q = 0; q < QUANTITIES; ++q)
             values[q] = Along(left[y], right[y], n, q);
-        for (int64_t i = 0; i < n; i++) {
+        for (int64_t i = 0; i < n; ++i) {
             if (first + i < 0 || first + i >= ScreenWidth) continue;
             const auto at = [&](int q) { return values[q][static_cast<size_t>(i)] >> 8 & 0xFF; };
             const uint8_t texel = TextureImage[texture->texelOffset + ((at(1) * 256 + at(0)) & mask)];

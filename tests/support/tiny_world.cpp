@@ -210,6 +210,6 @@ void TinyWorld::Publish() {
     WorldGeometry.nodeCount = count(nodes);
     WorldGeometry.leafCount = count(leaves);
     WorldGeometry.file = WorldGeometry.used = WorldGeometry.fixed = counts;
-    for (uint32_t i = 0; i < counts.polygons; i++)
+    for (uint32_t i = 0; i < counts.polygons; ++i)
         ComputePolyPlane(static_cast<int32_t>(i));
 }

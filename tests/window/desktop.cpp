@@ -65,7 +65,7 @@ Window FindWindow(Display* display, Window parent) {
     unsigned count = 0;
     if (!XQueryTree(display, parent, &root, &above, &children, &count)) return 0;
     Window found = 0;
-    for (unsigned i = 0; i < count && !found; i++) {
+    for (unsigned i = 0; i < count && !found; ++i) {
         char* name = nullptr;
         if (XFetchName(display, children[i], &name) && std::strcmp(name, TITLE) == 0) found = children[i];
         if (name) XFree(name);
@@ -82,8 +82,8 @@ int IgnoreError(Display*, XErrorEvent*) {
 }  // namespace
 
 bool ScreenPicture::Black(int left, int top, int right, int bottom) const {
-    for (int y = top; y < bottom; y++)
-        for (int x = left; x < right; x++)
+    for (int y = top; y < bottom; ++y)
+        for (int x = left; x < right; ++x)
             if (pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)] != 0) return false;
     return true;
 }
@@ -213,8 +213,8 @@ ScreenPicture Desktop::Screen() {
     XImage* image = XGetImage(display, DefaultRootWindow(display), 0, 0, WIDTH, HEIGHT, AllPlanes, ZPixmap);
     if (!image) return {};
     picture.pixels.reserve(size_t{WIDTH} * HEIGHT);
-    for (int y = 0; y < HEIGHT; y++)
-        for (int x = 0; x < WIDTH; x++)
+    for (int y = 0; y < HEIGHT; ++y)
+        for (int x = 0; x < WIDTH; ++x)
             picture.pixels.push_back(static_cast<uint32_t>(XGetPixel(image, x, y) & 0xFFFFFF));
     XDestroyImage(image);
     return picture;

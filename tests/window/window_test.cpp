@@ -88,7 +88,7 @@ TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
     desktop->Key("F6");
     desktop->Input("mousedown 1");
     const double before = Yaw();
-    for (int i = 0; i < 20; i++)
+    for (int i = 0; i < 20; ++i)
         desktop->Input("mousemove_relative 100 0");  // off the screen, were it not held
     EXPECT_NEAR(before - Yaw(), 20 * 100 / 8, 20);   // each frame drops what is left of its motion over 8
     desktop->Input("mouseup 1");
@@ -157,7 +157,7 @@ TEST_F(Window, WhatWasPlayedReplaysWithoutAWindowAndInOne) {
     Rest(300);
     desktop->GiveFocus();
     desktop->Key("F6");
-    for (int i = 0; i < 20; i++)
+    for (int i = 0; i < 20; ++i)
         desktop->Input("mousemove_relative 30 -10");
     desktop->PressCloseButton();
     EXPECT_EQ(desktop->GameStatus(), 0) << Output();

@@ -92,7 +92,7 @@ Frame DrawFrame(bool withPlayer) {
     if (SkyFlag != 0) DrawSky();
     RenderWorld();
     Frame frame;
-    for (int y = 0; y < CELL_HEIGHT; y++) {
+    for (int y = 0; y < CELL_HEIGHT; ++y) {
         const uint8_t* row = FrameBuffer + (HEIGHT - CELL_HEIGHT + 2 * y) / 2 * FramePitch + (WIDTH - CELL_WIDTH) / 2;
         frame.insert(frame.end(), row, row + CELL_WIDTH);
     }
@@ -110,7 +110,7 @@ void DrawCell(Image& sheet, int left, int top) {
         const size_t before = i - std::min<size_t>(i, 1), after = std::min(i + 1, frame.size() - 1);
         return frame[i] == empty[i] && frame[before] == empty[before] && frame[after] == empty[after];
     };
-    for (size_t i = 0; i < frame.size(); i++) {
+    for (size_t i = 0; i < frame.size(); ++i) {
         const auto channel = [&](size_t c) {
             const int full = palette[size_t{3} * frame[i] + c] * 255 / 63;
             return static_cast<uint8_t>(isBackground(i) ? 150 + full / 4 : full);
@@ -127,9 +127,9 @@ int DrawChanges(HINSTANCE, HINSTANCE, char*, int) {
     for (const FilmRow& film : films)
         longest = std::max(longest, film.frames.size());
     Image sheet(CELL_WIDTH * static_cast<int>(longest), CELL_HEIGHT * static_cast<int>(films.size()));
-    for (size_t row = 0; row < films.size(); row++) {
+    for (size_t row = 0; row < films.size(); ++row) {
         std::printf("row %zu: %s\n", row + 1, films[row].name.c_str());
-        for (size_t i = 0; i < films[row].frames.size(); i++) {
+        for (size_t i = 0; i < films[row].frames.size(); ++i) {
             Shown = &films[row].frames[i];
             DrawCell(sheet, CELL_WIDTH * static_cast<int>(i), CELL_HEIGHT * static_cast<int>(row));
         }
@@ -142,18 +142,18 @@ int DrawSheet(HINSTANCE, HINSTANCE, char*, int) {
     StartLevel();
     std::set<std::string> seen;
     std::vector<int16_t> rows;
-    for (int16_t i = 0; PlayerAnimations[i].path != nullptr; i++) {
+    for (int16_t i = 0; PlayerAnimations[i].path != nullptr; ++i) {
         const std::string name = NameOf(PlayerAnimations[i]);
         const auto& clips = Wanted.clips;
         const bool wanted = clips.empty() || std::find(clips.begin(), clips.end(), name) != clips.end();
         if (wanted && seen.insert(name).second) rows.push_back(i);
     }
     Image sheet(CELL_WIDTH * static_cast<int>(MOMENTS), CELL_HEIGHT * static_cast<int>(rows.size()));
-    for (size_t row = 0; row < rows.size(); row++) {
+    for (size_t row = 0; row < rows.size(); ++row) {
         const AnimFileEntry& clip = PlayerAnimations[rows[row]];
         std::printf("row %zu: %s, 10 to %u\n", row + 1, NameOf(clip).c_str(), clip.record->length);
         PlayerStates[0].animations[0] = rows[row];
-        for (uint32_t i = 0; i < MOMENTS; i++) {
+        for (uint32_t i = 0; i < MOMENTS; ++i) {
             PlayerActor.layerTimes[0] = 10 + i * (clip.record->length - 10) / (MOMENTS - 1);
             DrawCell(sheet, CELL_WIDTH * static_cast<int>(i), CELL_HEIGHT * static_cast<int>(row));
         }

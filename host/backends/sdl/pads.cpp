@@ -63,7 +63,7 @@ void ReportKeys() {
         if (held[static_cast<size_t>(key.input)]) now.set(key.scanCode);
     const std::bitset<256> changed = now ^ keysDown;
     keysDown = now;
-    for (size_t code = 0; code < changed.size(); code++)
+    for (size_t code = 0; code < changed.size(); ++code)
         if (changed[code]) DeviceKey(KeySource::Pad, static_cast<uint8_t>(code), now[code]);
 }
 

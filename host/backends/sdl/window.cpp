@@ -65,7 +65,7 @@ void HandleWindowEvent(const SDL_WindowEvent& event) {
 
 // Several keys may stand for one of the game's, as X and right Ctrl do: it stays down until all of them are up.
 bool AnyKeyHeld(uint8_t scanCode) {
-    for (int key = 0; key < SDL_NUM_SCANCODES; key++)
+    for (int key = 0; key < SDL_NUM_SCANCODES; ++key)
         if (keysHeld[static_cast<size_t>(key)] && ScanCodeOf(static_cast<SDL_Scancode>(key)) == scanCode) return true;
     return false;
 }
@@ -94,7 +94,7 @@ void HandleCloseRequest(uint32_t time) {
 
 void HandleMouseButton(const SDL_MouseButtonEvent& event) {
     constexpr uint8_t BUTTONS[] = {SDL_BUTTON_LEFT, SDL_BUTTON_RIGHT, SDL_BUTTON_MIDDLE};
-    for (size_t button = 0; button < std::size(BUTTONS); button++)
+    for (size_t button = 0; button < std::size(BUTTONS); ++button)
         if (event.button == BUTTONS[button])
             DeviceMouseButton(KeySource::Keyboard, static_cast<int>(button), event.state == SDL_PRESSED);
 }

@@ -28,7 +28,7 @@ int Bits(Int4 mask) {
     return _mm_movemask_ps(reinterpret_cast<__m128>(mask));
 #else
     int bits = 0;
-    for (int lane = 0; lane < GROUP; lane++)
+    for (int lane = 0; lane < GROUP; ++lane)
         bits |= (mask[lane] & 1) << lane;
     return bits;
 #endif
@@ -167,7 +167,7 @@ void StoreView(const PolyRecord& polygon, const PolygonView& view) {
         Float4 screen[GROUP] = {stamps, reinterpret_cast<Float4>(group.screenX),
                                 reinterpret_cast<Float4>(group.screenY), group.inverseDepth};
         Transpose(screen[0], screen[1], screen[2], screen[3]);
-        for (int lane = 0; lane < GROUP && i + lane < polygon.cornerCount; lane++) {
+        for (int lane = 0; lane < GROUP && i + lane < polygon.cornerCount; ++lane) {
             const uint32_t index = corners[i + lane].point;
             ViewPoint& viewPoint = WorldGeometry.viewPoints[index];
             Store(&viewPoint, point[lane]);

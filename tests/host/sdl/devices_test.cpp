@@ -93,7 +93,7 @@ constexpr uint8_t UP = 0xC8, RIGHT = 0xCD, RIGHT_CTRL = 0x9D;
 // Two lists of keys written for different purposes, scripts and windows, name the same key positions.
 TEST(SdlKeys, AgreeWithTheNamesOfScripts) {
     int compared = 0;
-    for (int key = 0; key < SDL_NUM_SCANCODES; key++) {
+    for (int key = 0; key < SDL_NUM_SCANCODES; ++key) {
         std::string name = SDL_GetScancodeName(static_cast<SDL_Scancode>(key));
         std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
         if (name.rfind("KEYPAD ", 0) == 0 && std::isdigit(static_cast<unsigned char>(name.back())))

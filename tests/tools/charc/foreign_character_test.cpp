@@ -102,7 +102,7 @@ TEST_F(ForeignCharacter, TooManyPointsOfFewTrianglesAreSimplified) {
         model.replace(model.find("\"count\":4464") + 8, 4, corners);
         WriteWholeFile(fixture.folder / "dense.glb", {model.begin(), model.end()});
         const CompiledCharacter compiled = fixture.Compile();
-        EXPECT_LE(compiled.points, CHARACTER_MAX_POINTS);
+        EXPECT_LE(compiled.points, CHARACTER_POINTS_MAX);
         EXPECT_GT(compiled.triangles, 700U);
     }
 }

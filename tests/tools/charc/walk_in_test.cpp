@@ -71,9 +71,9 @@ TEST_F(WalkIn, StandsOnTheGroundAtTheHeightAskedForAndLooksAhead) {
 }
 
 TEST_F(WalkIn, IsBroughtWithinTheLimitsAndToldWhatWasDone) {
-    EXPECT_LE(made_.triangles, CHARACTER_MAX_TRIANGLES);
-    EXPECT_GT(made_.triangles, CHARACTER_MAX_TRIANGLES / 2);
-    EXPECT_LE(made_.points, CHARACTER_MAX_POINTS);
+    EXPECT_LE(made_.triangles, CHARACTER_TRIANGLES_MAX);
+    EXPECT_GT(made_.triangles, CHARACTER_TRIANGLES_MAX / 2);
+    EXPECT_LE(made_.points, CHARACTER_POINTS_MAX);
     EXPECT_EQ(Notes("simplified from"), 1U);
     EXPECT_EQ(Notes("joints follow the next bone above: 'Root', 'HeadTop_End', 'LeftHandFinger01'"), 1U);
     EXPECT_EQ(Notes("no clip is named for"), CHARACTER_CLIPS.size() - 4);
@@ -92,7 +92,7 @@ TEST_F(WalkIn, StaysInPlaceAndBacksOffAsItWalks) {
         const std::vector<Vec3> forward = PointsAt("zerowalk.anm", time);
         const std::vector<Vec3> backward = PointsAt("zeroback.anm", 260 - time);
         for (size_t i = 0; i < forward.size(); ++i)
-            ASSERT_LT(std::hypot(forward[i].y - backward[i].y, forward[i].z - backward[i].z), 0.5F) << time;
+            ASSERT_LT(std::hypot(forward[i].y - backward[i].y, forward[i].z - backward[i].z), 0.5f) << time;
     }
 }
 
