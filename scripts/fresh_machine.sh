@@ -43,7 +43,7 @@ cache=${cache:-$work/cache}
 mkdir -p "$cache/packages/partial"
 child=
 finish() {
-    # The first process of a system takes all others with it.
+    # Ending the first process of a system ends all others.
     [ -z "$child" ] || kill -KILL $(<"/proc/$child/task/$child/children") 2>/dev/null
     if [ -n "$keep" ]; then
         echo "The systems are in $work"
@@ -106,7 +106,7 @@ inside() {
     return $status
 }
 
-# Where this machine's packages come from, its keys and its way there: a system in a folder asks the same.
+# Gives a system in a folder this machine's package sources, keys and proxy.
 copy_sources() {
     local system=$1
     rm -f "$system"/etc/apt/sources.list
@@ -114,7 +114,7 @@ copy_sources() {
     [ -d /etc/apt/keyrings ] && cp -r /etc/apt/keyrings "$system/etc/apt/"
     cp -r /usr/share/keyrings/. "$system/usr/share/keyrings/"
     apt-config dump | grep -E '^Acquire::' | grep -v IndexTargets >"$system/etc/apt/apt.conf.d/90this-machine"
-    # Of the packages that are fetched here none is thrown away.
+    # Keeps all packages that are fetched here.
     echo 'Binary::apt-get::APT::Keep-Downloaded-Packages "true"; APT::Install-Recommends "true";' \
         >>"$system/etc/apt/apt.conf.d/90this-machine"
     cp /etc/resolv.conf /etc/hosts "$system/etc/"
@@ -155,7 +155,7 @@ installed() {
     dpkg-query --admindir="$1/var/lib/dpkg" -W -f '${Package} ${Version}\n'
 }
 
-# What the step before brought.
+# Lists the packages that the step before brought.
 new_packages() {
     local before=$work/$1.packages
     installed "$work/$1" | sort >"$before.now"
@@ -197,7 +197,7 @@ says() {
     [ $status != 0 ] && [ "$(wc -l <"$work/said")" -le "$lines" ] && tail -n 1 "$work/said" | grep -qE "$pattern"
 }
 
-# What goes wrong on machines is said in a line that tells what to do.
+# Tries what goes wrong on machines: each time one line must say what to do.
 refusals() {
     wants refusals || return
     local clone fetched=$work/nothing  # packages that are here already need no network
@@ -236,7 +236,7 @@ packages() {
         'for tool in mapc texc skyc charc picc musicc datacheck clip_sheet; do $tool --help || exit; done && datacheck /usr/share/tarnwick'
 }
 
-# The headless tour: its trace is the build's own.
+# Plays the headless tour: its trace must be the same as the build's own.
 tour() {
     cp "$root/scripts/tour.txt" "$work/package/tmp/"
     inside "$work/package" root sh -c "cd '$1' && '$2' --headless --level 3 --script /tmp/tour.txt --trace /tmp/tour.jsonl" &&
@@ -244,7 +244,7 @@ tour() {
 }
 
 tarball_tour() {
-    # The libraries that a desktop has; the tarball brings the game alone.
+    # Installs the libraries that a desktop has; the archive holds the game alone.
     inside "$work/package" root sh -c 'apt-get update && apt-get install -y --no-install-recommends libsdl2-2.0-0 libpng16-16 libsndfile1' || return
     mkdir -p "$work/package/opt/Spiele für später" && tar -C "$work/package/opt/Spiele für später" -xf "$work"/package/packages/*.tar.* &&
         tour "/opt" "$(cd "$work/package" && ls -d "opt/Spiele für später"/*/bin/tarnwick | sed 's,^,/,')"

@@ -39,7 +39,7 @@ END
     for package in "$build"/apt/archives/*.deb; do
         dpkg-deb --fsys-tarfile "$package" | tar -C "$ARM64_LIBRARIES" -x --keep-directory-symlink || return
     done
-    # Links to /lib/... would lead to this machine's own.
+    # Absolute links to /lib/... would lead to this machine's own libraries.
     find "$ARM64_LIBRARIES/usr/lib/aarch64-linux-gnu" -type l -lname '/*' | while read -r link; do
         ln -sf "$ARM64_LIBRARIES$(readlink "$link")" "$link"
     done
@@ -53,7 +53,7 @@ build_both() {
 }
 
 passed=0 failed=0
-# same_trace NAME OPTION...: of both builds
+# same_trace NAME OPTION...: compares the traces of both builds
 same_trace() {
     local name=$1 started=$SECONDS
     shift

@@ -8,7 +8,7 @@ build=$PWD/build-package
 packages=$build/packages
 
 scripts/packages.sh package
-# What goes into packages is as old as the commit.
+# All files in packages get the time of the commit.
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 export SOURCE_DATE_EPOCH
 [ -z "$(git status --porcelain)" ] || echo "package.sh: what is not committed is packed, too"
@@ -30,7 +30,7 @@ tar -C "$build/stage" --sort=name --format=posix --pax-option=delete=atime,delet
     --numeric-owner --mtime="@$SOURCE_DATE_EPOCH" --mode=u=rwX,go=rX -cJf "$packages/$name.tar.xz" "$name"
 rm -rf "$build/stage" "$packages/_CPack_Packages" "$build/_CPack_Packages"
 
-# A path of this machine in what is packed would differ on the next one.
+# No packed file may hold a path of this machine, since it would differ on the next one.
 if find "$build/tarnwick" "$build/tools" "$build/data" "$build/man" -type f -not -name '*.a' -not -name '*.cmake' \
     -not -path '*/CMakeFiles/*' -exec grep -lF "$PWD" {} +; then
     echo "package.sh: these hold the path of this folder; packages of another folder would differ" >&2

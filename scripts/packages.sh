@@ -94,7 +94,7 @@ install_missing() {
     as_root apt-get update && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y "${packages[@]}"
 }
 
-# Those that the system's lists do not have: it is too old, or nothing like Debian.
+# Names the packages that the system's lists do not have: the system is too old, or not like Debian.
 unknown_packages() {
     local package
     apt-cache show g++ >/dev/null 2>&1 || return  # no lists at all
@@ -123,7 +123,7 @@ fi
 find_missing
 if [ ${#names[@]} = 0 ]; then exit 0; fi
 
-# What apt or sudo said, as a line that tells what to do.
+# Turns what apt or sudo said into a line that tells what to do.
 remedy() {
     local unknown by_hand="sudo apt-get install ${packages[*]}"
     if grep -qE 'Temporary failure|Could not (resolve|connect)|Unable to connect|Failed to fetch|Connection (failed|timed out)' "$log"; then

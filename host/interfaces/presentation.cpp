@@ -12,7 +12,6 @@ FrontTexture shownTexture{};  // texture 0: `shown` is the picture
 bool converted = true;
 std::vector<uint32_t> pixels;
 Picture picture{};
-uint32_t presents = 0;
 
 constexpr uint32_t Rgb(uint32_t red, uint32_t green, uint32_t blue) {
     return red << 16 | green << 8 | blue;
@@ -73,14 +72,12 @@ void ShowFront(const FrontBuffer& front) {
     shown = front;
     shownTexture = {};
     converted = false;
-    ++presents;
     Present();
 }
 
 void ShowFrontTexture(const FrontTexture& front) {
     shownTexture = front;
     converted = false;
-    ++presents;
     if (!CurrentMachine->presentTexture ||
         !CurrentMachine->presentTexture(front.name, static_cast<int>(front.width), static_cast<int>(front.height)))
         Present();
@@ -102,13 +99,8 @@ bool FrontIsReproducible() {
     return shownTexture.name == 0;
 }
 
-uint32_t PresentCount() {
-    return presents;
-}
-
 void ResetPresentation() {
     converted = true;
     picture = {};
     shownTexture = {};
-    presents = 0;
 }

@@ -28,5 +28,4 @@ void ShowFrontTexture(const FrontTexture& front);  // the same for the texture
 void FreezeFront();             // called before the memory is released: the picture stays on the screen
 const Picture* FrontPicture();  // valid until the next ShowFront; null before the first
 bool FrontIsReproducible();     // the same input gives the same pixels on every machine
-uint32_t PresentCount();        // pictures shown so far
 void ResetPresentation();

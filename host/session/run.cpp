@@ -12,11 +12,11 @@
 #include "session/closing.h"
 #include "session/ending.h"
 #include "session/front_end.h"
+#include "session/pictures.h"
 #include "session/progress.h"
 #include "session/recorder.h"
 #include "session/replay.h"
 #include "session/script_player.h"
-#include "session/shots.h"
 #include "session/trace.h"
 
 #include <algorithm>
@@ -180,7 +180,7 @@ bool FinishRun() {
     const bool recorded = FinishRecorder();
     const bool traceComplete = CloseTrace();
     const bool logComplete = FinishLog();
-    return traceComplete && logComplete && !ShotsFailed() && recorded && replayed;
+    return traceComplete && logComplete && !PicturesFailed() && recorded && replayed;
 }
 
 void ResetRun() {
@@ -212,7 +212,7 @@ bool HostEndOfFrame(const HostFrameReport& report) {
     const std::optional<uint64_t> pixels = wantsPixels ? DigestPicture() : std::nullopt;
     if (trace) std::fprintf(trace, "%s\n", TraceLine(frame, fields, digest, report.dropped, pixels).c_str());
     for (const ShotRequest& shot : frameShots)
-        if (shot.frame == frame) WriteShot(shot.file);
+        if (shot.frame == frame) WritePicture(shot.file);
     const bool replayEnds = Replaying() && ReplayFrame(frame, fields, digest, firstDrawn == 1 ? pixels : std::nullopt);
     RecordFrame({fields, static_cast<uint32_t>(digest), LowHalf(pixels)});
     Progress.framesPlayed = frame;

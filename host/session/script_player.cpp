@@ -4,8 +4,8 @@
 #include "machine/clock.h"
 #include "session/closing.h"
 #include "session/front_end.h"
+#include "session/pictures.h"
 #include "session/progress.h"
-#include "session/shots.h"
 
 #include <algorithm>
 
@@ -39,7 +39,7 @@ void Act(const ScriptLine& line) {
     case ScriptAction::Button: DeviceMouseButton(KeySource::Script, line.code, line.on); break;
     case ScriptAction::Focus: DeviceFocus(line.on); break;
     case ScriptAction::Wait: SetClock(ClockNow() + line.milliseconds); break;
-    case ScriptAction::Shot: WriteShot(line.file); break;
+    case ScriptAction::Shot: WritePicture(line.file); break;
     case ScriptAction::Quit: RequestClose(); break;
     }
 }

@@ -3,6 +3,9 @@
 // The matrix forms are nine doubles row by row. The row-vector form is used as p R, like the rotation of a
 // Transform; the column-vector form, R p, is its transpose. An output argument may not be one of the inputs.
 // See Shoemake, "Animating Rotation with Quaternion Curves", 1985.
+//
+// The set is complete, so that what makes and measures animations finds each operation: the game itself calls only
+// some of them.
 #pragma once
 
 #include "records/matrices.h"

@@ -14,5 +14,5 @@ void SetFogSwitchStates(bool on);
 void SetSkyStates(bool on);
 
 // Writes the picture on the screen to 3DFX_00.raw, 3DFX_01.raw ...: red, green and blue of each pixel, upper row first,
-// no header. Nothing without the accelerator, or when the file cannot be opened.
+// no header. Nothing without the accelerator, or when the file cannot be opened. No key calls it: it is for debuggers.
 void SaveScreenshot();

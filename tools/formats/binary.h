@@ -32,7 +32,6 @@ class ByteReader {
 public:
     ByteReader(std::vector<uint8_t> content, std::string fileName);
 
-    size_t Offset() const { return offset_; }
     size_t Left() const { return content_.size() - offset_; }
     const std::string& File() const { return file_; }
 

@@ -135,7 +135,3 @@ StaticObjectFile DecodeStaticObject(std::vector<uint8_t> content, const std::str
     CheckPolygons(fileName, object);
     return object;
 }
-
-StaticObjectFile ReadStaticObjectFile(const std::filesystem::path& path) {
-    return DecodeStaticObject(ReadWholeFile(path), path.string());
-}

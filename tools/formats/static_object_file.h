@@ -53,4 +53,3 @@ struct StaticObjectFile {
 // decoding also a wrong magic or version and a short or overlong file.
 std::vector<uint8_t> EncodeStaticObject(const StaticObjectFile& object, const std::string& fileName);
 StaticObjectFile DecodeStaticObject(std::vector<uint8_t> content, const std::string& fileName);
-StaticObjectFile ReadStaticObjectFile(const std::filesystem::path& path);

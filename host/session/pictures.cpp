@@ -1,4 +1,4 @@
-#include "session/shots.h"
+#include "session/pictures.h"
 
 #include "interfaces/presentation.h"
 #include "machine/output.h"
@@ -12,7 +12,7 @@ bool failed = false;
 
 }  // namespace
 
-bool WriteShot(const std::string& file) {
+bool WritePicture(const std::string& file) {
     const Picture* picture = FrontPicture();
     std::string error = "no picture has been shown yet";
     if (picture && WritePng(file, *picture, error)) return true;
@@ -21,6 +21,6 @@ bool WriteShot(const std::string& file) {
     return false;
 }
 
-bool ShotsFailed() {
+bool PicturesFailed() {
     return failed;
 }

@@ -4,5 +4,5 @@
 #include <string>
 
 // The picture last presented. False: there is none, or the file cannot be written; one line on standard error says so.
-bool WriteShot(const std::string& file);
-bool ShotsFailed();  // whether any could not be written since the program started
+bool WritePicture(const std::string& file);
+bool PicturesFailed();  // whether any could not be written since the program started
