@@ -31,6 +31,26 @@ double Distance(const Vec3& a, const Vec3& b) {
     return std::hypot(double{a.x} - double{b.x}, double{a.y} - double{b.y}, double{a.z} - double{b.z});
 }
 
+// By steps towards the farthest place that become ever shorter; too large by a thousandth at most.
+double SmallestBall(const std::vector<Vec3>& places) {
+    constexpr int STEPS = 1000;
+    Vec3 centre = places[0];
+    double radius = 0;
+    for (int step = 1; step <= STEPS; ++step) {
+        const Vec3* farthest = &places[0];
+        radius = 0;
+        for (const Vec3& place : places) {
+            const double distance = Distance(place, centre);
+            if (distance > radius) farthest = &place;
+            radius = std::max(radius, distance);
+        }
+        const float share = 1.0f / static_cast<float>(step + 1);
+        centre = {centre.x + (farthest->x - centre.x) * share, centre.y + (farthest->y - centre.y) * share,
+                  centre.z + (farthest->z - centre.z) * share};
+    }
+    return radius;
+}
+
 std::string Row(const std::string& name, const Measures& m) {
     return fmt::format("{:34}{:8.1f}{:8.1f}{:8.1f}{:8.1f}", name, m.largest, m.mean, m.slide, m.depth);
 }
@@ -73,6 +93,22 @@ LoopMeasures MeasureLoop(Stage& stage, PlayerState state) {
     return loop;
 }
 
+double LeastStepFrom(Stage& stage, const std::vector<PlayerState>& states) {
+    std::vector<std::vector<Vec3>> places;  // by point
+    for (const PlayerState state : states) {
+        for (uint32_t time = ANIM_START_TIME; time <= stage.LengthOf(state); time += ANIM_TICK_UNITS) {
+            const Moment moment = stage.PoseAt(state, time);
+            places.resize(moment.points.size());
+            for (size_t i = 0; i < places.size(); ++i)
+                places[i].push_back(moment.points[i]);
+        }
+    }
+    double least = 0;
+    for (const std::vector<Vec3>& ofPoint : places)
+        least = std::max(least, SmallestBall(ofPoint));
+    return least;
+}
+
 std::string MotionReport(const std::filesystem::path& folder) {
     std::string text =
         "Steps of the character's points from frame to frame, as the game blends them, in units: the largest of any\n"
@@ -93,5 +129,12 @@ std::string MotionReport(const std::filesystem::path& folder) {
         const LoopMeasures loop = MeasureLoop(stage, state);
         text += fmt::format("{:34}{:8.1f}{:17.1f}\n", NameOf(state), loop.closing, loop.symmetry);
     }
+    text += "\nWith the best first pose of a crouch the largest step into it would be\n";
+    const auto row = [&](const char* name, const std::vector<PlayerState>& states) {
+        text += fmt::format("{:34}{:8.1f}\n", name, LeastStepFrom(stage, states));
+    };
+    row("from run", {STATE_RUN});
+    row("from walk", {STATE_WALK});
+    row("from ready, run up, run and walk", {STATE_READY, STATE_RUN_UP, STATE_RUN, STATE_WALK});
     return text;
 }

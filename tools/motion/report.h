@@ -13,5 +13,10 @@ struct LoopMeasures {
 };
 LoopMeasures MeasureLoop(Stage& stage, PlayerState state);
 
+// A state that is entered without a blend shows its first pose at once, whatever moment of the states before it was
+// shown last. However that pose is chosen, some point makes a step as long as this in some frame: the radius of the
+// smallest ball around all places of a point in those states, for the point with the largest.
+double LeastStepFrom(Stage& stage, const std::vector<PlayerState>& states);
+
 // Tables of text, for the character's files in a folder.
 std::string MotionReport(const std::filesystem::path& folder);
