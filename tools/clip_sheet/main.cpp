@@ -9,7 +9,9 @@
 #include "camera/camera.h"
 #include "character/actor.h"
 #include "formats/image.h"
+#include "host/glide.h"
 #include "math/random.h"
+#include "memory/fatal.h"
 #include "memory/system.h"
 #include "platform/input.h"
 #include "platform/timer.h"
@@ -27,13 +29,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <set>
 
 namespace {
 
 constexpr uint32_t MOMENTS = 12;
-constexpr int WIDTH = 320, HEIGHT = 240;            // size of the software frame
-constexpr int CELL_WIDTH = 136, CELL_HEIGHT = 196;  // the part that is cut from its middle
+constexpr int SOFTWARE_WIDTH = 320;
+constexpr int SOFTWARE_CELL_WIDTH = 136, SOFTWARE_CELL_HEIGHT = 196;  // the part cut from the picture's middle
 constexpr float EYE_DISTANCE = 165.0f;
 constexpr float SOLES = 110.0f;  // distance of the soles below the actor's position
 
@@ -44,9 +47,18 @@ struct Options {
     std::vector<std::string> clips;  // file names of animations, or names of states
     bool changes = false;
     uint32_t ticks = 1;
+    bool accelerator = false;
 };
 Options Wanted;
 const Moment* Shown;  // pose drawn in place of the state's own animation; null: the latter
+
+// The accelerator's pictures, and so the cells cut from them, have twice as many pixels each way.
+int CellWidth() {
+    return SOFTWARE_CELL_WIDTH * ScreenWidth / SOFTWARE_WIDTH;
+}
+int CellHeight() {
+    return SOFTWARE_CELL_HEIGHT * ScreenWidth / SOFTWARE_WIDTH;
+}
 
 std::string NameOf(const AnimFileEntry& entry) {
     const std::string path = entry.path;
@@ -54,7 +66,7 @@ std::string NameOf(const AnimFileEntry& entry) {
 }
 
 void StartLevel() {
-    UseGlide = 0;
+    UseGlide = Wanted.accelerator ? 1 : 0;
     BuildReciprocalTable();
     SystemInit();
     InitGraphics(0);
@@ -80,7 +92,44 @@ void LookAtPlayer() {
     UpdateCamera();
 }
 
-using Frame = std::vector<uint8_t>;  // CELL_WIDTH x CELL_HEIGHT palette entries
+using Frame = std::vector<Rgba>;  // pixels of a cell, upper row first
+
+Rgba SoftwarePixel(int x, int y) {
+    const uint8_t* colour = TextureImage + TEXTURE_PALETTE_OFFSET + size_t{3} * FrameBuffer[y * FramePitch + x];
+    const auto channel = [&](size_t c) { return static_cast<uint8_t>(colour[c] * 255 / 63); };
+    return {channel(0), channel(1), channel(2)};
+}
+
+Rgba AcceleratorPixel(const GrLfbInfo_t& picture, int x, int y) {
+    uint16_t pixel;
+    const auto* row = static_cast<const uint8_t*>(picture.lfbPtr) + static_cast<size_t>(y) * picture.strideInBytes;
+    std::memcpy(&pixel, row + size_t{2} * static_cast<size_t>(x), sizeof pixel);
+    return {static_cast<uint8_t>(pixel >> 11 << 3), static_cast<uint8_t>((pixel >> 5 & 0x3F) << 2),
+            static_cast<uint8_t>((pixel & 0x1F) << 3)};
+}
+
+template <typename PixelAt>
+Frame MiddleOfPicture(const PixelAt& pixelAt) {
+    Frame frame;
+    const int left = (ScreenWidth - CellWidth()) / 2, top = (ScreenHeight - CellHeight()) / 2;
+    for (int y = top; y < top + CellHeight(); ++y) {
+        for (int x = left; x < left + CellWidth(); ++x)
+            frame.push_back(pixelAt(x, y));
+    }
+    return frame;
+}
+
+Frame AcceleratorFrame() {
+    SwapScreen();
+    GrLfbInfo_t picture{};
+    picture.size = sizeof picture;
+    if (!grLfbLock(GR_LFB_READ_ONLY, GR_BUFFER_FRONTBUFFER, GR_LFBWRITEMODE_ANY, GR_ORIGIN_UPPER_LEFT, FXTRUE,
+                   &picture))
+        FatalError(1, "The accelerator's picture cannot be read", "");
+    Frame frame = MiddleOfPicture([&](int x, int y) { return AcceleratorPixel(picture, x, y); });
+    grLfbUnlock(GR_LFB_READ_ONLY, GR_BUFFER_FRONTBUFFER);
+    return frame;
+}
 
 Frame DrawFrame(bool withPlayer) {
     FrameCount++;
@@ -91,17 +140,11 @@ Frame DrawFrame(bool withPlayer) {
     if (withPlayer && !Shown) DrawActorAt(0);
     if (SkyFlag != 0) DrawSky();
     RenderWorld();
-    Frame frame;
-    for (int y = 0; y < CELL_HEIGHT; ++y) {
-        const uint8_t* row = FrameBuffer + (HEIGHT - CELL_HEIGHT + 2 * y) / 2 * FramePitch + (WIDTH - CELL_WIDTH) / 2;
-        frame.insert(frame.end(), row, row + CELL_WIDTH);
-    }
-    return frame;
+    return Wanted.accelerator ? AcceleratorFrame() : MiddleOfPicture(SoftwarePixel);
 }
 
 // Copies the figure to the sheet and makes the background pale, so that the figure stands out.
-void DrawCell(Image& sheet, int left, int top) {
-    const uint8_t* palette = TextureImage + TEXTURE_PALETTE_OFFSET;
+void DrawCell(Image& sheet, int column, int row) {
     const Frame empty = DrawFrame(false);
     DrawFrame(true);  // a frame before, which gathers the lights that the figure is drawn with
     const Frame frame = DrawFrame(true);
@@ -110,13 +153,12 @@ void DrawCell(Image& sheet, int left, int top) {
         const size_t before = i - std::min<size_t>(i, 1), after = std::min(i + 1, frame.size() - 1);
         return frame[i] == empty[i] && frame[before] == empty[before] && frame[after] == empty[after];
     };
+    const auto pale = [](uint8_t full) { return static_cast<uint8_t>(150 + full / 4); };
     for (size_t i = 0; i < frame.size(); ++i) {
-        const auto channel = [&](size_t c) {
-            const int full = palette[size_t{3} * frame[i] + c] * 255 / 63;
-            return static_cast<uint8_t>(isBackground(i) ? 150 + full / 4 : full);
-        };
-        const int index = static_cast<int>(i);
-        sheet.At(left + index % CELL_WIDTH, top + index / CELL_WIDTH) = {channel(0), channel(1), channel(2), 255};
+        const auto& [r, g, b, a] = frame[i];
+        const int x = static_cast<int>(i) % CellWidth(), y = static_cast<int>(i) / CellWidth();
+        sheet.At(CellWidth() * column + x, CellHeight() * row + y) =
+            isBackground(i) ? Rgba{pale(r), pale(g), pale(b)} : frame[i];
     }
 }
 
@@ -126,12 +168,12 @@ int DrawChanges(HINSTANCE, HINSTANCE, char*, int) {
     size_t longest = 0;
     for (const FilmRow& film : films)
         longest = std::max(longest, film.frames.size());
-    Image sheet(CELL_WIDTH * static_cast<int>(longest), CELL_HEIGHT * static_cast<int>(films.size()));
+    Image sheet(CellWidth() * static_cast<int>(longest), CellHeight() * static_cast<int>(films.size()));
     for (size_t row = 0; row < films.size(); ++row) {
         std::printf("row %zu: %s\n", row + 1, films[row].name.c_str());
         for (size_t i = 0; i < films[row].frames.size(); ++i) {
             Shown = &films[row].frames[i];
-            DrawCell(sheet, CELL_WIDTH * static_cast<int>(i), CELL_HEIGHT * static_cast<int>(row));
+            DrawCell(sheet, static_cast<int>(i), static_cast<int>(row));
         }
     }
     WritePng(Wanted.output, sheet);
@@ -148,14 +190,14 @@ int DrawSheet(HINSTANCE, HINSTANCE, char*, int) {
         const bool wanted = clips.empty() || std::find(clips.begin(), clips.end(), name) != clips.end();
         if (wanted && seen.insert(name).second) rows.push_back(i);
     }
-    Image sheet(CELL_WIDTH * static_cast<int>(MOMENTS), CELL_HEIGHT * static_cast<int>(rows.size()));
+    Image sheet(CellWidth() * static_cast<int>(MOMENTS), CellHeight() * static_cast<int>(rows.size()));
     for (size_t row = 0; row < rows.size(); ++row) {
         const AnimFileEntry& clip = PlayerAnimations[rows[row]];
         std::printf("row %zu: %s, 10 to %u\n", row + 1, NameOf(clip).c_str(), clip.record->length);
         PlayerStates[0].animations[0] = rows[row];
         for (uint32_t i = 0; i < MOMENTS; ++i) {
             PlayerActor.layerTimes[0] = 10 + i * (clip.record->length - 10) / (MOMENTS - 1);
-            DrawCell(sheet, CELL_WIDTH * static_cast<int>(i), CELL_HEIGHT * static_cast<int>(row));
+            DrawCell(sheet, static_cast<int>(i), static_cast<int>(row));
         }
     }
     WritePng(Wanted.output, sheet);
@@ -174,9 +216,10 @@ int main(int argumentCount, char** arguments) {
     app.add_option("-o,--output", Wanted.output, "the picture to write (.png)");
     app.add_flag("--changes", Wanted.changes, "show the changes into the states, each at its worst departure");
     app.add_option("--ticks", Wanted.ticks, "length of a frame in ticks, for --changes")->check(CLI::Range(1, 12));
+    app.add_flag("--accelerator", Wanted.accelerator, "drawn as the accelerator does, twice as large");
     app.add_option("clips", Wanted.clips, "names of animation files, or of states; all when none is named");
     CLI11_PARSE(app, argumentCount, arguments);
-    std::vector<std::string> words = {arguments[0], "--headless"};
+    std::vector<std::string> words = {arguments[0], "--headless", "--board", "cpu"};
     if (!data.empty()) words.insert(words.end(), {"--data", data});
     std::vector<char*> hostArguments;
     for (std::string& word : words)
