@@ -12,7 +12,7 @@ class BoxCheck {
 public:
     BoxCheck(const LevelData& level, Report& report)
         : level_(level), world_(*level.world), report_(report), faces_(FacesOf(world_)),
-          owners_(world_.polygons.size()) {}
+          visible_(VisibleTextures(level)), owners_(world_.polygons.size()) {}
 
     void Run() {
         Visit(0);
@@ -55,7 +55,7 @@ private:
             for (const Vec3& p : faces_[i].corners) {
                 box.Add(p);
                 radius = std::max(radius, Length(p - Widened(leaf.centre)));
-                inCell = inCell && IsInCell(p);
+                inCell = inCell && (!visible_[world_.polygons[i].texture] || IsInCell(p));
             }
         }
         if (leaf.polygonCount == 0) return box;
@@ -94,7 +94,8 @@ private:
     const WorldFile& world_;
     Report& report_;
     std::vector<WorldFace> faces_;
-    std::vector<int> owners_;  // for each polygon the number of leaves that hold it
+    std::vector<bool> visible_;  // for each texture: what is never drawn may leave its cell
+    std::vector<int> owners_;    // for each polygon the number of leaves that hold it
     std::vector<Side> cell_;
 };
 

@@ -33,6 +33,18 @@ double LeastLeafRadius(int level) {
     return ticks == 1 ? 50 : ticks == 2 ? 60 : 80;
 }
 
+std::vector<bool> VisibleTextures(const LevelData& level) {
+    std::vector<bool> visible(256, true);
+    if (!level.textures) return visible;
+    for (size_t i = 0; i < level.textures->slots.size() && i < visible.size(); ++i) {
+        const TextureSlot& slot = level.textures->slots[i];
+        visible[i] = false;
+        for (int at = 0; at < slot.width * slot.height && !visible[i]; ++at)
+            visible[i] = level.textures->Texel(slot, at % slot.width, at / slot.width) != 0;
+    }
+    return visible;
+}
+
 Vec3 Widened(const WorldVector& v) {
     return {v[0], v[1], v[2]};
 }

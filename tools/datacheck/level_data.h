@@ -34,6 +34,9 @@ struct LevelData {
     std::string SkyPath() const { return folder + "/sky.sob"; }
 };
 
+// For each texture whether it has any texel that can be seen. Clip walls have none.
+std::vector<bool> VisibleTextures(const LevelData& level);
+
 // The level's start in the game's table.
 Vec3 StartOf(int level);
 bool HasSky(int level);

@@ -29,19 +29,6 @@ private:
     uint64_t state_ = 7;
 };
 
-// For each texture whether it has any texel that can be seen. Clip walls have none.
-std::vector<bool> VisibleTextures(const LevelData& level) {
-    std::vector<bool> visible(256, true);
-    if (!level.textures) return visible;
-    for (size_t i = 0; i < level.textures->slots.size() && i < visible.size(); ++i) {
-        const TextureSlot& slot = level.textures->slots[i];
-        visible[i] = false;
-        for (int at = 0; at < slot.width * slot.height && !visible[i]; ++at)
-            visible[i] = level.textures->Texel(slot, at % slot.width, at / slot.width) != 0;
-    }
-    return visible;
-}
-
 // The polygons that face the eye and can be seen, in the order in which the engine draws them.
 class Painter {
 public:

@@ -239,6 +239,18 @@ Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes) {
     return TreeBuilder(brushes, TreeKind::Drawing).Build(std::move(faces));
 }
 
+void AddWhole(Tree& tree, std::vector<Face> hidden, const PlaneTable& planes) {
+    for (Face& face : hidden) {
+        const Vec3 middle = WindingCentre(face.winding);
+        int child = 0;
+        while (child >= 0) {
+            const TreeNode& node = tree.nodes[static_cast<size_t>(child)];
+            child = planes[node.plane].Distance(middle) >= 0 ? node.front : node.back;
+        }
+        tree.leaves[static_cast<size_t>(~child)].push_back(std::move(face));
+    }
+}
+
 bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes) {
     if (a.hidden || b.hidden || (a.plane | 1) == (b.plane | 1)) return true;
     const PlaneSide bSide = SideOf(b, planes[a.plane]);

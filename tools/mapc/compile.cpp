@@ -10,6 +10,7 @@
 #include "mapc/map_places.h"
 #include "mapc/merge.h"
 #include "mapc/sealing.h"
+#include "mapc/skirts.h"
 #include "mapc/tessellate.h"
 #include "records/levels.h"
 
@@ -40,15 +41,29 @@ void CheckStart(const Brushes& brushes, const PlayerStart& start) {
     }
 }
 
-// The faces that the player can get to see or touch.
-std::vector<Face> ReachableFaces(const MapFile& map, Brushes& brushes, const PlayerStart& start) {
+// Null when the list has none: then nothing invisible can be made.
+const Material* ClipMaterial(const MaterialList& list) {
+    const auto found = std::find_if(list.materials.begin(), list.materials.end(),
+                                    [](const Material& material) { return material.flags & MATERIAL_CLIP; });
+    return found == list.materials.end() ? nullptr : &*found;
+}
+
+struct ReachableSurface {
+    std::vector<Face> faces;   // that the player can get to see or touch
+    std::vector<Face> skirts;  // behind them
+};
+
+ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const PlayerStart& start, const Material* clip,
+                           double scale) {
     Surface surface = CutBrushes(brushes);
     const SealedSpace space(std::move(surface.sealing), brushes, start.origin);
     if (!space.LeakPath().empty()) RefuseLeak(map, space.LeakPath());
     std::erase_if(surface.visible, [&](const Face& face) { return !space.IsSeen(face); });
     MergeFaces(surface.visible, brushes);
-    CheckCounts(map.name, {PolygonCount(surface.visible.size())});
-    return std::move(surface.visible);
+    std::vector<Face> skirts;
+    if (clip) skirts = SkirtsBehind(surface.visible, brushes, space, *clip, scale);
+    CheckCounts(map.name, {PolygonCount(surface.visible.size() + skirts.size())});
+    return {std::move(surface.visible), std::move(skirts)};
 }
 
 Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
@@ -138,7 +153,10 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     compiled.placement = PlaceMap(brushes, start, level, settings.scale);
     compiled.places = PlacesOf(map, brushes, compiled.placement);
 
-    Tree tree = BuildDrawingTree(ReachableFaces(map, brushes, start), brushes);
+    const Material* clip = settings.skirts ? ClipMaterial(list) : nullptr;
+    ReachableSurface surface = SurfaceOf(map, brushes, start, clip, settings.scale);
+    Tree tree = BuildDrawingTree(std::move(surface.faces), brushes);
+    AddWhole(tree, std::move(surface.skirts), brushes.planes);
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
         const LightGrid grid{settings.subdivide / settings.scale, settings.scale};

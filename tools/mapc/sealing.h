@@ -11,6 +11,7 @@ public:
     SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start);
 
     const std::vector<Vec3>& LeakPath() const { return leakPath_; }  // empty when the level is sealed
+    bool Reaches(const Vec3& p) const { return leaves_[static_cast<size_t>(LeafAt(p))].flooded; }
     bool IsSeen(const Face& face) const;  // whether some of its front borders on the flooded space
 
 private:

@@ -58,6 +58,7 @@ const std::vector<EntityClass> ENTITY_CLASSES{
       "bounce",
       "exposure",
       "route_time",
+      "skirts",
       "mapversion",
       "message",
       "wad"}},  // the last three are written by editors
@@ -114,6 +115,7 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     settings.fadeDistance = static_cast<int>(number("fade_distance", settings.fadeDistance, 1, 1e6));
     settings.farDistance = static_cast<int>(number("far_distance", settings.farDistance, 1, 1e6));
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
+    settings.skirts = number("skirts", 1, 0, 1) != 0;
     settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
     ReadColour(world, "bright_color", settings.brightColour);
     ReadDarkColour(world, dark, settings.darkColour);

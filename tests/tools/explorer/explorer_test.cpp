@@ -39,6 +39,10 @@ TEST(Explorer, UprightWallsAreCreptThrough) {
     EXPECT_EQ(CountOf(report, FaultKind::Trap), 0);
 }
 
+TEST(Explorer, SkirtsStopWhoeverCreeps) {
+    EXPECT_EQ(Explore(Room::Skirted).faults.size(), 0U);
+}
+
 TEST(Explorer, ALedgeBesideATallWallThrowsThePlayerUp) {
     EXPECT_GT(CountOf(Explore(Room::Ledge), FaultKind::Lift), 0);
 }

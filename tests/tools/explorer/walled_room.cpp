@@ -64,7 +64,11 @@ MapBuilder LeaningRoom(const Hole& hole) {
 
 MapBuilder MapOf(Room room) {
     const int depth = room == Room::Pit ? 600 : 0;
-    if (room == Room::Upright) return MapBuilder().Room({0, 0, 0}, {SIDE, SIDE, HEIGHT});
+    if (room == Room::Upright || room == Room::Skirted) {
+        MapBuilder map;
+        map.skirts = room == Room::Skirted;
+        return map.Room({0, 0, 0}, {SIDE, SIDE, HEIGHT}).Box({500, 500, 0}, {580, 580, 300});
+    }
     MapBuilder map = LeaningRoom({{480, 480, -depth}, {600, 600, 0}});
     if (room != Room::Ledge) return map;
     for (int x = 250; x < 750; x += 110)

@@ -6,6 +6,7 @@
 enum class Room {
     Safe,     // its walls lean away, so that whoever falls along them presses into them
     Upright,  // its walls stand upright
+    Skirted,  // as Upright, with skirts behind them
     Ledge,    // as Safe, with ledges of 24 that lead aslant to a tall block
     Pit,      // as Safe, with a hole in the floor, 120 by 120 and 600 deep
 };

@@ -101,7 +101,8 @@ MapBuilder& MapBuilder::Light(const std::string& origin, const std::string& keys
 
 std::string MapBuilder::Text() const {
     const std::string last = open_.empty() ? "" : open_ + "}\n";
-    return "{\n\"classname\" \"worldspawn\"\n" + keys_ + worldBrushes_ + "}\n" + entities_ + last;
+    const std::string world = fmt::format("{{\n\"classname\" \"worldspawn\" \"skirts\" \"{}\"\n", skirts ? 1 : 0);
+    return world + keys_ + worldBrushes_ + "}\n" + entities_ + last;
 }
 
 CompiledLevel Compile(const MapBuilder& builder, int level, const BakeOptions& bake) {

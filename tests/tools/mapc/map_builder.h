@@ -28,7 +28,8 @@ public:
     MapBuilder& Light(const std::string& origin, const std::string& keys = "");
     std::string Text() const;
 
-    bool valve = false;  // write faces with axes
+    bool valve = false;   // write faces with axes
+    bool skirts = false;  // leaning faces behind walls
 
 private:
     std::string Face(const Corner& at, const Corner& u, const Corner& v, const std::string& texture) const;
