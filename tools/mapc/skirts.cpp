@@ -10,10 +10,10 @@ namespace {
 constexpr double INSET = 8;         // of a skirt's lower edge behind the wall
 constexpr double SAMPLE_STEP = 48;  // of the places where a wall's thickness is felt for
 constexpr double DEPTH_STEP = 8;
-constexpr double DEPTH_MOST = 136;   // thicker walls count as this
-constexpr double WIDTH_LEAST = 128;  // narrower walls are taken as a whole
+constexpr double DEPTH_MAX = 136;  // thicker walls count as this
+constexpr double WIDTH_MIN = 128;  // narrower walls are taken as a whole
 // Below this the floors on both sides of the wall reach far enough into it.
-constexpr double DEPTH_LEAST = 2 * MOVE_SPHERE_RADIUS + INSET;
+constexpr double DEPTH_MIN = 2 * MOVE_SPHERE_RADIUS + INSET;
 
 class SkirtMaker {
 public:
@@ -63,7 +63,7 @@ private:
 
     // How far it is behind the wall to where the player can be again.
     double DepthBehind(const Face& wall, const Vec3& back) const {
-        double least = DEPTH_MOST * unit_;
+        double least = DEPTH_MAX * unit_;
         const Vec3 centre = wall.box.Centre();
         const auto feel = [&](const Vec3& p) {
             for (double depth = DEPTH_STEP * unit_; depth < least; depth += DEPTH_STEP * unit_) {
@@ -71,7 +71,7 @@ private:
             }
         };
         feel(centre);
-        for (size_t i = 0; i < wall.winding.size() && least >= DEPTH_LEAST * unit_; ++i) {
+        for (size_t i = 0; i < wall.winding.size() && least >= DEPTH_MIN * unit_; ++i) {
             const Vec3& from = wall.winding[i];
             const Vec3 along = wall.winding[(i + 1) % wall.winding.size()] - from;
             const int steps = 1 + static_cast<int>(Length(along) / (SAMPLE_STEP * unit_));
@@ -94,7 +94,7 @@ private:
         const double across = std::sqrt(normal.x * normal.x + normal.y * normal.y);
         const Vec3 back{-normal.x / across, -normal.y / across, 0};
         const double depth = DepthBehind(wall.face, back);
-        if (depth >= DEPTH_LEAST * unit_) {
+        if (depth >= DEPTH_MIN * unit_) {
             AddBands(wall, back, normal.z / across, depth);
         } else {
             AddHalves(std::move(wall), {-back.y, back.x, 0});
@@ -108,7 +108,7 @@ private:
             low = std::min(low, Dot(p, right));
             high = std::max(high, Dot(p, right));
         }
-        if (high - low < WIDTH_LEAST * unit_) return;
+        if (high - low < WIDTH_MIN * unit_) return;
         const double middle = (low + high) / 2;
         Winding leftPart = wall.face.winding, rightPart = std::move(wall.face.winding);
         KeepBack(leftPart, {right, middle});
