@@ -33,6 +33,7 @@ for document in "${documents[@]}"; do
         build-debug/fuzz/*) [ -f "fuzz/${path#build-debug/fuzz/}_fuzz.cpp" ] ;;
         build/) ;;
         *.rec) exists "$(sed 's,^build/,,; s,rec$,log,' <<<"$path")" ;;  # the game leaves recordings beside its log
+        build/explorer/*) exists tools/explorer ;;  # what it has found
         *) exists "${path#build/}" ;;
         esac || fail "$document: nothing makes $path"
     done < <(grep -oE '\bbuild(-debug)?/[A-Za-z0-9_./<>-]*' "$document" | sed 's/[.]$//' | sort -u)
