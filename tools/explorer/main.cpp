@@ -1,10 +1,13 @@
 #include "explorer/report.h"
+#include "explorer/route.h"
 #include "formats/error.h"
+#include "formats/files.h"
 #include "records/levels.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 
 namespace fs = std::filesystem;
@@ -32,6 +35,28 @@ std::optional<PlacesFile> PlacesOf(const fs::path& data, int level) {
     return ReadPlaces(file);
 }
 
+// Status.
+int Walk(const WalkerLevel& files, const PlacesFile& places, uint32_t seed, const fs::path& script) {
+    Walker walker(files);
+    const RouteReport report = WalkRoute(walker, places, seed);
+    fmt::print("{}", RouteText(report, places));
+    const std::string text = ScriptOf(report.play, "along the route");
+    WriteWholeFile(script, {text.begin(), text.end()});
+    return report.WithinTime(places) ? 0 : 1;
+}
+
+int Explore(const WalkerLevel& files, const SearchOptions& options, const std::optional<PlacesFile>& places,
+            const fs::path& output, const std::string& level) {
+    const auto begin = std::chrono::steady_clock::now();
+    Walker walker(files);
+    const SearchReport report = Search(walker, options).Run();
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+    const std::optional<MapFrame> map = places ? std::optional(places->frame) : std::nullopt;
+    fmt::print("{}{:.1f} seconds\n", ReportOf(report, map, output, level), seconds.count());
+    const auto counts = [](const Fault& fault) { return fault.kind != FaultKind::Creep; };
+    return std::any_of(report.faults.begin(), report.faults.end(), counts) ? 1 : 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -49,20 +74,18 @@ int main(int argc, char** argv) {
     app.add_option("--data", data, "the data folder")->capture_default_str();
     app.add_option("--output", output, "the folder for a script of each fault, which the game plays")
         ->capture_default_str();
+    bool route = false;
+    app.add_flag("--route", route,
+                 "walk the route that the map marks instead; status 1 when it is too long or blocked");
     CLI11_PARSE(app, argc, argv);
     try {
-        const auto begin = std::chrono::steady_clock::now();
-        Walker walker(FilesOf(data, level, ticks));
-        const SearchReport report = Search(walker, options).Run();
-        const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-        fmt::print("{}{:.1f} seconds\n", ReportOf(report, PlacesOf(data, level), output, fmt::format("level{}", level)),
-                   seconds.count());
-        for (const Fault& fault : report.faults) {
-            if (fault.kind != FaultKind::Creep) return 1;
-        }
+        const WalkerLevel files = FilesOf(data, level, ticks);
+        const std::optional<PlacesFile> places = PlacesOf(data, level);
+        const std::string name = fmt::format("level{}", level);
+        if (!route) return Explore(files, options, places, output, name);
+        return Walk(files, places.value_or(PlacesFile{}), options.seed, output / (name + "_route.txt"));
     } catch (const std::exception& error) {
         fmt::print(stderr, "explorer: {}\n", error.what());
         return 2;
     }
-    return 0;
 }

@@ -21,7 +21,7 @@ constexpr std::array<NamedKey, 6> KEYS = {{{CTL_UP, "UP"},
                                            {CTL_SPACE, "SPACE"},
                                            {CTL_SHIFT, "LSHIFT"}}};
 
-std::string FaultText(const Fault& fault, const std::optional<PlacesFile>& map) {
+std::string FaultText(const Fault& fault, const std::optional<MapFrame>& map) {
     return fmt::format("{} at {}, to {}, {} times, first after {} frames", FAULT_NAMES[static_cast<int>(fault.kind)],
                        PlaceText(fault.place, map), PlaceText(fault.outcome, std::nullopt), fault.count, fault.frames);
 }
@@ -43,14 +43,14 @@ std::string ScriptOf(const KeyPlay& play, const std::string& comment) {
     return script + fmt::format("{} quit\n", frame + FRAMES_AFTERWARDS);
 }
 
-std::string PlaceText(const Vec3& place, const std::optional<PlacesFile>& map) {
+std::string PlaceText(const Vec3& place, const std::optional<MapFrame>& map) {
     std::string text = fmt::format("({:.0f} {:.0f} {:.0f})", place.x, place.y, place.z);
     if (!map) return text;
-    const auto [east, north, up] = map->frame.ToMap({place.x, place.y, place.z});
+    const auto [east, north, up] = map->ToMap({place.x, place.y, place.z});
     return text + fmt::format(", map ({:.0f} {:.0f} {:.0f})", east, north, up);
 }
 
-std::string ReportOf(const SearchReport& report, const std::optional<PlacesFile>& map,
+std::string ReportOf(const SearchReport& report, const std::optional<MapFrame>& map,
                      const std::filesystem::path& folder, const std::string& level) {
     std::string text;
     std::array<int, std::size(FAULT_NAMES)> counts{};

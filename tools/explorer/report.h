@@ -11,8 +11,8 @@
 std::string ScriptOf(const KeyPlay& play, const std::string& comment);
 
 // Where something lies in the world, and in the map as the editor shows it, if there is a places.txt that tells.
-std::string PlaceText(const Vec3& place, const std::optional<PlacesFile>& map);
+std::string PlaceText(const Vec3& place, const std::optional<MapFrame>& map);
 
 // Writes a script for each fault into the folder, <level>_<kind>_<number>.txt, and returns the report.
-std::string ReportOf(const SearchReport& report, const std::optional<PlacesFile>& map,
+std::string ReportOf(const SearchReport& report, const std::optional<MapFrame>& map,
                      const std::filesystem::path& folder, const std::string& level);
