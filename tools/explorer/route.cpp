@@ -2,6 +2,7 @@
 
 #include "explorer/report.h"
 #include "math/trig.h"
+#include "records/walking_facts.h"
 
 #include <fmt/format.h>
 
@@ -15,8 +16,8 @@ namespace {
 
 constexpr double REACH_UP = 64;  // world units, the reach of a mark in height
 constexpr double SECONDS_PER_TICK = 0.016;
-constexpr uint64_t LEG_FRAMES = 1'500'000;  // tried before a leg is given up
-constexpr float CELL = 48;                  // of two ways to a cell of this size the quicker is kept
+constexpr uint64_t LEG_FRAMES = 600'000;  // tried before a leg is given up
+constexpr float CELL = 48;                // of two ways to a cell of this size the quicker is kept
 constexpr double ROUND_DEGREES = 57.29577951308232;
 
 // How a piece of the way is played.
@@ -31,39 +32,56 @@ public:
     LegSearch(Walker& walker, const MarkedPlace& mark, std::mt19937& random)
         : walker_(walker), mark_(mark), random_(random) {}
 
+    // Ends at the mark, or else as near as it got.
     bool Run() {
-        Keep(Node{walker_.Save(), {}, 0});
-        for (uint64_t frames = 0; frames < LEG_FRAMES;) {
-            Node node = nodes_[Pick()];
-            walker_.Restore(node.body);
-            for (int i = 0; i < PIECES; ++i) {
-                const Manner manner = RandomManner(i == 0 && node.visits == 0);
-                const bool there = Play(manner, node);
-                frames += manner.frames;
-                node.body = walker_.Save();
-                node.visits = 0;
-                if (there) {
-                    end_ = std::move(node);
-                    return true;
-                }
-                Keep(node);
-            }
-        }
-        end_ = nodes_[closest_];
+        const Body start = walker_.Save();
+        bool there = TryFrom(start, LEG_FRAMES);
+        for (int i = 0; there && i < MORE_TRIES; ++i)
+            TryFrom(start, MORE_FRAMES);
+        if (!there) end_ = nodes_[closest_];
         walker_.Restore(end_.body);
-        return false;
+        return there;
     }
 
     const KeyPlay& Play() const { return end_.play; }
 
 private:
     static constexpr int PIECES = 6;
+    static constexpr int MORE_TRIES = 8;  // for a quicker way
+    static constexpr uint64_t MORE_FRAMES = 40'000;
 
     struct Node {
         Body body;
         KeyPlay play;
         int visits;
     };
+
+    // Whether there is a way, quicker than the one known.
+    bool TryFrom(const Body& start, uint64_t frames) {
+        nodes_.clear();
+        cells_.clear();
+        closest_ = 0;
+        Keep({start, {}, 0});
+        for (uint64_t played = 0; played < frames;) {
+            Node node = nodes_[Pick()];
+            walker_.Restore(node.body);
+            for (int i = 0; i < PIECES; ++i) {
+                const Manner manner = RandomManner(i == 0 && node.visits == 0);
+                const bool there = Play(manner, node);
+                played += manner.frames;
+                node.body = walker_.Save();
+                node.visits = 0;
+                if (node.body.frames >= mostFrames_) break;
+                if (there) {
+                    mostFrames_ = node.body.frames;
+                    end_ = std::move(node);
+                    return true;
+                }
+                Keep(node);
+            }
+        }
+        return false;
+    }
 
     double Across(const Vec3& p) const {
         const double x = double{p.x} - mark_.x, z = double{p.z} - mark_.z;
@@ -74,7 +92,8 @@ private:
 
     bool IsThere() const {
         const Vec3& p = walker_.Position();
-        return PlayerActor.onContact && std::abs(double{p.y} - mark_.y) <= REACH_UP && Across(p) <= mark_.reach;
+        return PlayerActor.contactSlope > LANDING_SLOPE && std::abs(double{p.y} - mark_.y) <= REACH_UP &&
+               Across(p) <= mark_.reach;
     }
 
     uint32_t Random(uint32_t below) { return static_cast<uint32_t>(random_() % below); }
@@ -148,6 +167,7 @@ private:
     std::map<std::tuple<int, int, int, int>, size_t> cells_;
     size_t closest_ = 0;
     Node end_{};
+    uint32_t mostFrames_ = UINT32_MAX;  // a way must take fewer
 };
 
 }  // namespace

@@ -86,6 +86,32 @@ WorldFile CutOnWholeGrid(const MapFile& map, Tree tree, const Brushes& brushes, 
     return EmitWorld(tree, mesh, brushes, placement);
 }
 
+void Emit(Tree tree, const Brushes& brushes, const std::vector<Face>& skirts, CompiledLevel& compiled) {
+    AddWhole(tree, skirts, brushes.planes);
+    const Mesh mesh = MeshOf(tree, brushes);
+    CheckMesh(brushes.file, tree, mesh);
+    compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);
+    compiled.counts = CountWorld(compiled.world, tree.depth);
+    CheckCounts(brushes.file, compiled.counts);
+    CheckPlacesToStand(brushes.file, compiled.world);
+    compiled.contacts = MostContacts(compiled.world);
+}
+
+// Where the player would touch too many polygons, the smallest skirts have to go.
+void EmitWithSkirts(const Tree& tree, const Brushes& brushes, std::vector<Face> skirts, CompiledLevel& compiled) {
+    const size_t all = skirts.size();
+    Emit(tree, brushes, skirts, compiled);
+    while (compiled.contacts.count > LEVEL_CONTACTS_MAX) {
+        const WorldVector& place = compiled.contacts.place;
+        const size_t tooMany = static_cast<size_t>(compiled.contacts.count - LEVEL_CONTACTS_MAX);
+        const double reach = CONTACTS_REACH / compiled.placement.scale;
+        if (!ThinSkirts(skirts, compiled.placement.ToMap({place[0], place[1], place[2]}), reach, tooMany)) break;
+        Emit(tree, brushes, skirts, compiled);
+    }
+    compiled.skirts = skirts.size();
+    compiled.skirtsLeftOut = all - skirts.size();
+}
+
 void CheckContacts(const MapFile& map, const Contacts& contacts, const Placement& placement) {
     if (contacts.count <= LEVEL_CONTACTS_MAX) return;
     const Vec3 place = placement.ToMap({contacts.place[0], contacts.place[1], contacts.place[2]});
@@ -119,6 +145,10 @@ std::string ReportOf(const CompiledLevel& level) {
         report += fmt::format("{:>9} of {:>8}  {}\n", count.value, count.limit, count.name);
     }
     report += fmt::format("{:>9} of {:>8}  polygons touched at one place\n", level.contacts.count, LEVEL_CONTACTS_MAX);
+    report += fmt::format("{:>9} skirts behind walls", level.skirts);
+    if (level.skirtsLeftOut > 0)
+        report += fmt::format("; {} more would be too many polygons at one place", level.skirtsLeftOut);
+    report += "\n";
     report += fmt::format("{:>9.2f} seconds of light: {} rays, {:.1f} million a second\n", level.lightSeconds,
                           level.rays, static_cast<double>(level.rays) / (level.lightSeconds * 1e6));
     return report;
@@ -156,7 +186,6 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     const Material* clip = settings.skirts ? ClipMaterial(list) : nullptr;
     ReachableSurface surface = SurfaceOf(map, brushes, start, clip, settings.scale);
     Tree tree = BuildDrawingTree(std::move(surface.faces), brushes);
-    AddWhole(tree, std::move(surface.skirts), brushes.planes);
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
         const LightGrid grid{settings.subdivide / settings.scale, settings.scale};
@@ -165,13 +194,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
         TessellateWhereLightBends(tree, brushes.planes, grid, {whole, light, compiled.placement},
                                   settings.lightTolerance);
     }
-    const Mesh mesh = MeshOf(tree, brushes);
-    CheckMesh(map.name, tree, mesh);
-    compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);
-    compiled.counts = CountWorld(compiled.world, tree.depth);
-    CheckCounts(map.name, compiled.counts);
-    CheckPlacesToStand(map.name, compiled.world);
-    compiled.contacts = MostContacts(compiled.world);
+    EmitWithSkirts(tree, brushes, std::move(surface.skirts), compiled);
     CheckContacts(map, compiled.contacts, compiled.placement);
     AddLight(sources, bake, compiled);
     return compiled;

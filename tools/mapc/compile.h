@@ -19,6 +19,7 @@ struct CompiledLevel {
     PlacesFile places;
     std::vector<Count> counts;
     Contacts contacts;
+    size_t skirts = 0, skirtsLeftOut = 0;
     size_t rays = 0;          // rays traced for the light
     double lightSeconds = 0;  // time that the light took
 };

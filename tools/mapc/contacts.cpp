@@ -5,8 +5,7 @@
 
 namespace {
 
-constexpr double SPEED = 120;  // units a frame, of a long fall
-constexpr double RADIUS = SPEED / 2 + GATHER_MARGIN;
+constexpr double RADIUS = CONTACTS_REACH;
 constexpr size_t PLACES_MAX = 4'000'000;  // fifteen floors as large as a level may be
 constexpr double SAMPLE_STEP = 128;       // between places tried on a floor
 // Heights of the sphere above the floor that are tried: standing, and in a leap.

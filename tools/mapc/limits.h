@@ -22,6 +22,7 @@ void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh);
 // All counts of a finished world.
 std::vector<Count> CountWorld(const WorldFile& world, int treeDepth);
 
+constexpr double CONTACTS_REACH = 120 / 2 + double{GATHER_MARGIN};  // of a query, at the speed of a long fall
 struct Contacts {
     int count = 0;
     WorldVector place{};  // sphere centre

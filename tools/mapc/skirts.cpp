@@ -201,6 +201,21 @@ private:
 
 }  // namespace
 
+bool ThinSkirts(std::vector<Face>& skirts, const Vec3& place, double reach, size_t count) {
+    std::vector<double> areas;
+    const Box near = Box{place, place}.Grown(reach);
+    for (const Face& skirt : skirts) {
+        if (skirt.box.Touches(near, 0)) areas.push_back(WindingArea(skirt.winding));
+    }
+    if (areas.empty()) return false;
+    count = std::min(count, areas.size());
+    std::nth_element(areas.begin(), areas.begin() + static_cast<std::ptrdiff_t>(count - 1), areas.end());
+    const double most = areas[count - 1];
+    std::erase_if(skirts,
+                  [&](const Face& skirt) { return skirt.box.Touches(near, 0) && WindingArea(skirt.winding) <= most; });
+    return true;
+}
+
 std::vector<Face> SkirtsBehind(const std::vector<Face>& faces, Brushes& brushes, const SealedSpace& space,
                                const Material& clip, double scale) {
     return SkirtMaker(brushes, space, clip, scale).Behind(faces);

@@ -1,5 +1,6 @@
 // The search in small rooms with one thing wrong each, and in one where nothing is; and its plays in the game.
 #include "explorer/report.h"
+#include "explorer/route.h"
 #include "program/run_program.h"
 #include "walled_room.h"
 
@@ -49,6 +50,21 @@ TEST(Explorer, ALedgeBesideATallWallThrowsThePlayerUp) {
 
 TEST(Explorer, APitWithoutAWayOutIsATrap) {
     EXPECT_GT(CountOf(Explore(Room::Pit), FaultKind::Trap), 0);
+}
+
+TEST(Explorer, ARouteEndsAtTheMarkThatCannotBeReached) {
+    WriteRoom(Room::Safe, "world.bgm");
+    Walker walker({"world.bgm", {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    PlacesFile places;
+    places.marks = {{1, 523, 485, 89, 60}, {2, 123, 485, 89, 60}, {3, 123, 885, 89, 60}};
+    places.routeTime = 10;
+    const RouteReport report = WalkRoute(walker, places, 1);
+    ASSERT_EQ(report.legs.size(), 3U);
+    EXPECT_TRUE(report.legs[1].reached);
+    EXPECT_GT(report.legs[1].seconds, 400 / 538.0);  // at a run
+    EXPECT_LT(report.legs[1].seconds, 3);
+    EXPECT_FALSE(report.legs[2].reached);  // too high up
+    EXPECT_FALSE(report.WithinTime(places));
 }
 
 // In the game the play ends where the search says, to the last bit.
