@@ -52,8 +52,10 @@ const std::vector<Layer> TOOL_LAYERS = {
     {"motion", {"formats"}},  // and the game
     {"charc", {"maths", "formats", "gltf", "motion"}},
     {"datacheck", {"maths", "formats", "mapc", "charc"}},
-    {"clip_sheet", {"formats", "motion"}},  // and the game
-    {"explorer", {"formats", "motion"}},    // and the game
+    {"game_picture", {"formats"}},                          // and the game
+    {"gallery", {"formats", "game_picture"}},               // and the game
+    {"clip_sheet", {"formats", "motion", "game_picture"}},  // and the game
+    {"explorer", {"formats", "motion"}},                    // and the game
 };
 
 struct SourceLine {
@@ -253,9 +255,8 @@ TEST(Layers, FactsOfTheGameIncludeNothingOfTheGame) {
 TEST(Layers, ToolsHaveTheirOwnReadersAndWriters) {
     ExpectNone(IncludesBelow("tools"), "not in tools/, and not the facts about the game", [](const Include& include) {
         const std::string& file = include.line.file;
-        const bool showsTheGame = file.starts_with("tools/clip_sheet/") || file.starts_with("tools/motion/") ||
-                                  file.starts_with("tools/explorer/");
-        return include.quoted && !showsTheGame && !IsFactOfTheGame(include.path) &&
+        static const std::regex showsTheGame("tools/(clip_sheet|explorer|gallery|game_picture|motion)/.*");
+        return include.quoted && !std::regex_match(file, showsTheGame) && !IsFactOfTheGame(include.path) &&
                !fs::exists(ROOT / "tools" / include.path);
     });
 }

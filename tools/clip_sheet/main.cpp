@@ -2,16 +2,14 @@
 // when one of its states follows another, frame by frame. Made of the game itself.
 
 #include "clip_sheet/film_rows.h"
+#include "game_picture/game_picture.h"
 
 #include "app/app_tables.h"
 #include "app/host_game.h"
 #include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
-#include "formats/image.h"
-#include "host/glide.h"
 #include "math/random.h"
-#include "memory/fatal.h"
 #include "memory/system.h"
 #include "platform/input.h"
 #include "platform/timer.h"
@@ -19,7 +17,6 @@
 #include "render/raster.h"
 #include "render/screen.h"
 #include "render/submit.h"
-#include "render/textures.h"
 #include "world/bsp.h"
 #include "world/draw/draw_sky.h"
 #include "world/draw/render_world.h"
@@ -29,7 +26,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <set>
 
 namespace {
@@ -94,40 +90,14 @@ void LookAtPlayer() {
 
 using Frame = std::vector<Rgba>;  // pixels of a cell, upper row first
 
-Rgba SoftwarePixel(int x, int y) {
-    const uint8_t* colour = TextureImage + TEXTURE_PALETTE_OFFSET + size_t{3} * FrameBuffer[y * FramePitch + x];
-    const auto channel = [&](size_t c) { return static_cast<uint8_t>(colour[c] * 255 / 63); };
-    return {channel(0), channel(1), channel(2)};
-}
-
-Rgba AcceleratorPixel(const GrLfbInfo_t& picture, int x, int y) {
-    uint16_t pixel;
-    const auto* row = static_cast<const uint8_t*>(picture.lfbPtr) + static_cast<size_t>(y) * picture.strideInBytes;
-    std::memcpy(&pixel, row + size_t{2} * static_cast<size_t>(x), sizeof pixel);
-    return {static_cast<uint8_t>(pixel >> 11 << 3), static_cast<uint8_t>((pixel >> 5 & 0x3F) << 2),
-            static_cast<uint8_t>((pixel & 0x1F) << 3)};
-}
-
-template <typename PixelAt>
-Frame MiddleOfPicture(const PixelAt& pixelAt) {
+Frame MiddleOfPicture() {
+    const Image picture = TakePicture();
     Frame frame;
     const int left = (ScreenWidth - CellWidth()) / 2, top = (ScreenHeight - CellHeight()) / 2;
     for (int y = top; y < top + CellHeight(); ++y) {
         for (int x = left; x < left + CellWidth(); ++x)
-            frame.push_back(pixelAt(x, y));
+            frame.push_back(picture.At(x, y));
     }
-    return frame;
-}
-
-Frame AcceleratorFrame() {
-    SwapScreen();
-    GrLfbInfo_t picture{};
-    picture.size = sizeof picture;
-    if (!grLfbLock(GR_LFB_READ_ONLY, GR_BUFFER_FRONTBUFFER, GR_LFBWRITEMODE_ANY, GR_ORIGIN_UPPER_LEFT, FXTRUE,
-                   &picture))
-        FatalError(1, "The accelerator's picture cannot be read", "");
-    Frame frame = MiddleOfPicture([&](int x, int y) { return AcceleratorPixel(picture, x, y); });
-    grLfbUnlock(GR_LFB_READ_ONLY, GR_BUFFER_FRONTBUFFER);
     return frame;
 }
 
@@ -140,7 +110,7 @@ Frame DrawFrame(bool withPlayer) {
     if (withPlayer && !Shown) DrawActorAt(0);
     if (SkyFlag != 0) DrawSky();
     RenderWorld();
-    return Wanted.accelerator ? AcceleratorFrame() : MiddleOfPicture(SoftwarePixel);
+    return MiddleOfPicture();
 }
 
 // Copies the figure to the sheet and makes the background pale, so that the figure stands out.
