@@ -1,5 +1,6 @@
-// Whole frames as the software renderer draws them for a player, from the pose of the character to the last pixel: at
-// the start of each level and at the places of frame_places.h, with the character in view and without:
+// Whole frames as the software renderer draws them for a player, from the pose of the character to the last pixel, with
+// the character in view and without: at the start of each level, and at the places that its map marks, in the costliest
+// of ten directions; in levels without marks at the places of frame_places.h:
 // frames [--data DIR] [--rounds N] [LEVEL...].
 
 #include "app/app_tables.h"
@@ -7,6 +8,7 @@
 #include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
+#include "formats/places_file.h"
 #include "frame_places.h"
 #include "memory/system.h"
 #include "platform/input.h"
@@ -24,9 +26,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 using namespace raster_floor;
 
@@ -34,10 +38,12 @@ namespace {
 
 constexpr double FRAME_TARGET = 8;        // times the floor of one full frame
 constexpr double CHARACTER_TARGET = 1.5;  // the same, of the character alone at the start
+constexpr int DIRECTIONS = 10;            // tried at a marked place
 constexpr int FRAMES_UNTIL_STILL = 200;   // the camera follows smoothly
 
 int32_t Level;
 int RoundCount = 15;
+std::filesystem::path LevelsFolder;
 std::FILE* Output;  // the game's own goes nowhere
 
 // What a player sees who stands somewhere.
@@ -91,14 +97,51 @@ void StartLevel() {
     MouseInput = {};
 }
 
+std::string NameOf(const FramePlace& place) {
+    char name[64];
+    std::snprintf(name, sizeof name, "%.0f %.0f %.0f, %.0f deg", place.position.x, place.position.y, place.position.z,
+                  place.heading);
+    return name;
+}
+
+std::vector<FramePlace> MarkedPlaces() {
+    const std::filesystem::path file = LevelsFolder / ("level" + std::to_string(Level)) / "places.txt";
+    std::vector<FramePlace> places;
+    if (!std::filesystem::exists(file)) return places;
+    for (const MarkedPlace& mark : ReadPlaces(file).marks)
+        places.push_back({{static_cast<float>(mark.x), static_cast<float>(mark.y), static_cast<float>(mark.z)}, 0});
+    return places;
+}
+
+double SecondsOf(const View& view) {
+    LookAt(view);
+    const auto start = std::chrono::steady_clock::now();
+    DrawFrame(false);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+View CostliestViewFrom(FramePlace place) {
+    View costliest;
+    double most = -1;
+    for (int i = 0; i < DIRECTIONS; ++i) {
+        place.heading = 360.0f / DIRECTIONS * static_cast<float>(i);
+        View view = ViewFrom(place, NameOf(place));
+        const double seconds = std::min({SecondsOf(view), SecondsOf(view), SecondsOf(view)});
+        if (seconds <= most) continue;
+        most = seconds;
+        costliest = std::move(view);
+    }
+    return costliest;
+}
+
 std::vector<View> ViewsOfLevel() {
     std::vector<View> views = {ViewFrom({PlayerActor.position, PlayerActor.angles.y}, "start")};
-    for (const FramePlace& place : FramePlaces[Level - 1]) {
-        char name[64];
-        std::snprintf(name, sizeof name, "%.0f %.0f %.0f, %.0f deg", place.position.x, place.position.y,
-                      place.position.z, place.heading);
-        views.push_back(ViewFrom(place, name));
-    }
+    const std::vector<FramePlace> marked = MarkedPlaces();
+    for (const FramePlace& place : marked)
+        views.push_back(CostliestViewFrom(place));
+    if (!marked.empty()) return views;
+    for (const FramePlace& place : FramePlaces[Level - 1])
+        views.push_back(ViewFrom(place, NameOf(place)));
     return views;
 }
 
@@ -159,16 +202,19 @@ int main(int argumentCount, char** arguments) {
     Output = fdopen(dup(STDOUT_FILENO), "w");
     if (!Output || !std::freopen("/dev/null", "w", stdout)) return EXIT_FAILURE;
     static char headless[] = "--headless";
+    std::filesystem::path data = std::filesystem::path(arguments[0]).parent_path() / "../data";  // of the build
     std::vector<char*> hostArguments = {arguments[0], headless};
     std::vector<int> levels;
     for (int i = 1; i < argumentCount; ++i) {
-        if (std::strcmp(arguments[i], "--data") == 0 && i + 1 < argumentCount)
+        if (std::strcmp(arguments[i], "--data") == 0 && i + 1 < argumentCount) {
+            data = arguments[i + 1];
             hostArguments.insert(hostArguments.end(), {arguments[i], arguments[i + 1]}), i++;
-        else if (std::strcmp(arguments[i], "--rounds") == 0 && i + 1 < argumentCount)
+        } else if (std::strcmp(arguments[i], "--rounds") == 0 && i + 1 < argumentCount)
             RoundCount = std::atoi(arguments[++i]);
         else
             levels.push_back(std::atoi(arguments[i]));
     }
+    LevelsFolder = data / "game/data/levels";
     if (levels.empty())
         for (int level = 1; level <= LEVEL_COUNT; ++level)
             levels.push_back(level);
