@@ -46,14 +46,17 @@ int Walk(const WalkerLevel& files, const PlacesFile& places, uint32_t seed, cons
 }
 
 int Explore(const WalkerLevel& files, const SearchOptions& options, const std::optional<PlacesFile>& places,
-            const fs::path& output, const std::string& level) {
+            const fs::path& output, const std::string& level, const std::vector<std::string>& allowed) {
     const auto begin = std::chrono::steady_clock::now();
     Walker walker(files);
     const SearchReport report = Search(walker, options).Run();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
     const std::optional<MapFrame> map = places ? std::optional(places->frame) : std::nullopt;
     fmt::print("{}{:.1f} seconds\n", ReportOf(report, map, output, level), seconds.count());
-    const auto counts = [](const Fault& fault) { return fault.kind != FaultKind::Creep; };
+    const auto counts = [&](const Fault& fault) {
+        const std::string name = FAULT_NAMES[static_cast<int>(fault.kind)];
+        return fault.kind != FaultKind::Creep && std::find(allowed.begin(), allowed.end(), name) == allowed.end();
+    };
     return std::any_of(report.faults.begin(), report.faults.end(), counts) ? 1 : 0;
 }
 
@@ -74,6 +77,9 @@ int main(int argc, char** argv) {
     app.add_option("--data", data, "the data folder")->capture_default_str();
     app.add_option("--output", output, "the folder for a script of each fault, which the game plays")
         ->capture_default_str();
+    std::vector<std::string> allowed;
+    app.add_option("--allow", allowed, "kinds of faults, fall, trap or lift, that are told but do not count")
+        ->check(CLI::IsMember({"fall", "trap", "lift"}));
     bool route = false;
     app.add_flag("--route", route,
                  "walk the route that the map marks instead; status 1 when it is too long or blocked");
@@ -82,7 +88,7 @@ int main(int argc, char** argv) {
         const WalkerLevel files = FilesOf(data, level, ticks);
         const std::optional<PlacesFile> places = PlacesOf(data, level);
         const std::string name = fmt::format("level{}", level);
-        if (!route) return Explore(files, options, places, output, name);
+        if (!route) return Explore(files, options, places, output, name, allowed);
         return Walk(files, places.value_or(PlacesFile{}), options.seed, output / (name + "_route.txt"));
     } catch (const std::exception& error) {
         fmt::print(stderr, "explorer: {}\n", error.what());
