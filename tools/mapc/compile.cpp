@@ -66,10 +66,10 @@ ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const PlayerSta
     return {std::move(surface.visible), std::move(skirts)};
 }
 
-Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
-    Mesh mesh = WeldMesh(tree);
+Mesh MeshOf(const Tree& tree, const Brushes& brushes, double scale) {
+    Mesh mesh = WeldMesh(tree, scale);
     CheckMesh(brushes.file, tree, mesh);
-    FillTJunctions(mesh);
+    FillTJunctions(mesh, scale);
     CheckMesh(brushes.file, tree, mesh);
     MakeFans(mesh, brushes.planes, [&](const MeshPolygon& polygon) {
         const bool cornerLight = brushes.textures[static_cast<size_t>(polygon.texture)].cornerLight;
@@ -81,14 +81,14 @@ Mesh MeshOf(const Tree& tree, const Brushes& brushes) {
 WorldFile CutOnWholeGrid(const MapFile& map, Tree tree, const Brushes& brushes, const Placement& placement,
                          const LightGrid& grid) {
     TessellateFaces(tree, brushes, grid);
-    const Mesh mesh = MeshOf(tree, brushes);
+    const Mesh mesh = MeshOf(tree, brushes, placement.scale);
     CheckMesh(map.name, tree, mesh);
     return EmitWorld(tree, mesh, brushes, placement);
 }
 
 void Emit(Tree tree, const Brushes& brushes, const std::vector<Face>& skirts, CompiledLevel& compiled) {
     AddWhole(tree, skirts, brushes.planes);
-    const Mesh mesh = MeshOf(tree, brushes);
+    const Mesh mesh = MeshOf(tree, brushes, compiled.placement.scale);
     CheckMesh(brushes.file, tree, mesh);
     compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);
     compiled.counts = CountWorld(compiled.world, tree.depth);

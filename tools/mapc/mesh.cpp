@@ -6,12 +6,13 @@
 
 namespace {
 
+// Engine units.
 constexpr double ON_EDGE = 0.15;  // a vertex nearer to an edge lies on it; more than welding can move it
 constexpr double NEAR_EDGE = 1;   // a vertex farther from an edge lies on none of its parts
 
 class JunctionFiller {
 public:
-    explicit JunctionFiller(Mesh& mesh) : mesh_(mesh) {
+    JunctionFiller(Mesh& mesh, double scale) : mesh_(mesh), onEdge_(ON_EDGE / scale), nearEdge_(NEAR_EDGE / scale) {
         std::vector<char> used(mesh.vertices.size(), 0);
         for (const auto& leaf : mesh.leaves) {
             for (const MeshPolygon& polygon : leaf) {
@@ -46,10 +47,10 @@ private:
             Box box;
             box.Add(a + along * (i / steps));
             box.Add(a + along * ((i + 1) / steps));
-            cells_.ForEach(box.Grown(NEAR_EDGE), [&](int number) {
+            cells_.ForEach(box.Grown(nearEdge_), [&](int number) {
                 const Vec3 offset = Vertex(number) - a;
                 const double at = Dot(offset, along) / length;
-                if (LengthSquared(offset) - at * at < NEAR_EDGE * NEAR_EDGE) near_.push_back(number);
+                if (LengthSquared(offset) - at * at < nearEdge_ * nearEdge_) near_.push_back(number);
             });
         }
         FillPart(from, to, filled);
@@ -69,7 +70,7 @@ private:
         const double length = Length(along);
         const Vec3 direction = along * (1 / length);
         std::optional<int> best;
-        double bestDistance = ON_EDGE * ON_EDGE;
+        double bestDistance = onEdge_ * onEdge_;
         for (const int number : near_) {
             if (number == from || number == to) continue;
             const Vec3 offset = Vertex(number) - a;
@@ -87,6 +88,7 @@ private:
     const Vec3& Vertex(int number) const { return mesh_.vertices[static_cast<size_t>(number)]; }
 
     const Mesh& mesh_;
+    const double onEdge_, nearEdge_;  // map units
     PointCells cells_{64};
     std::vector<int> near_;  // vertices close to the edge being filled
 };
@@ -110,10 +112,10 @@ void RemoveSpikes(std::vector<int>& corners) {
 
 }  // namespace
 
-Mesh WeldMesh(const Tree& tree) {
+Mesh WeldMesh(const Tree& tree, double scale) {
     Mesh mesh;
     mesh.leaves.resize(tree.leaves.size());
-    Welder welder(mesh.vertices, WELD_DISTANCE);
+    Welder welder(mesh.vertices, WELD_DISTANCE / scale);
     for (const bool hidden : {false, true}) {  // drawn corners first: the others follow them
         for (size_t i = 0; i < tree.leaves.size(); ++i) {
             for (const Face& face : tree.leaves[i]) {
@@ -129,8 +131,8 @@ Mesh WeldMesh(const Tree& tree) {
     return mesh;
 }
 
-void FillTJunctions(Mesh& mesh) {
-    JunctionFiller filler(mesh);
+void FillTJunctions(Mesh& mesh, double scale) {
+    JunctionFiller filler(mesh, scale);
     for (auto& leaf : mesh.leaves) {
         for (MeshPolygon& polygon : leaf) {
             if (polygon.hidden) continue;

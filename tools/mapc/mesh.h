@@ -4,7 +4,7 @@
 
 #include "mapc/bsp_tree.h"
 
-constexpr double WELD_DISTANCE = 0.1;  // nearer corners are one vertex
+constexpr double WELD_DISTANCE = 0.1;  // engine units; nearer corners are one vertex
 
 struct MeshPolygon {
     std::vector<int> corners;  // into Mesh::vertices
@@ -18,7 +18,8 @@ struct Mesh {
     std::vector<std::vector<MeshPolygon>> leaves;  // as in the tree
 };
 
-Mesh WeldMesh(const Tree& tree);
+// Both with the engine units per map unit: what is too small for the engine is so at every scale.
+Mesh WeldMesh(const Tree& tree, double scale);
 // Gives every edge the vertices that lie on it, and drops polygons that have no area left by that: their two sides have
 // become each other's neighbours. Hidden polygons are left alone.
-void FillTJunctions(Mesh& mesh);
+void FillTJunctions(Mesh& mesh, double scale);

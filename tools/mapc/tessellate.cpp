@@ -155,9 +155,10 @@ private:
     double tolerance_;
 };
 
-std::vector<LightSample> SamplesOf(const std::vector<Face>& cells, const SurfaceLight& light, const Vec3& normal) {
+std::vector<LightSample> SamplesOf(const std::vector<Face>& cells, const SurfaceLight& light, const Vec3& normal,
+                                   double weldDistance) {
     std::vector<Vec3> places;
-    Welder welder(places, WELD_DISTANCE);
+    Welder welder(places, weldDistance);
     for (const Face& cell : cells) {
         for (const Vec3& p : cell.winding)
             welder.Find(p);
@@ -203,7 +204,8 @@ void TessellateWhereLightBends(Tree& tree, const PlaneTable& planes, const Light
     GridLines lines(tree, planes, grid);
     CutDrawnFaces(tree, [&](Face& face) {
         const Vec3& normal = planes[face.plane].normal;
-        const std::vector<LightSample> samples = SamplesOf(CutEverywhere(lines, face), light, normal);
+        const std::vector<LightSample> samples =
+            SamplesOf(CutEverywhere(lines, face), light, normal, WELD_DISTANCE / grid.scale);
         Samples all;
         for (const LightSample& sample : samples)
             all.push_back(&sample);

@@ -41,14 +41,19 @@ std::string Wedge(int x, int y, int height) {
 
 }  // namespace
 
-TEST(Compile, BrushesThatRunThroughEachOtherAtOddAnglesAreSound) {
-    MapBuilder map;
-    map.Room({0, 0, 0}, {1536, 1536, 768}).Start("64 64 600");
-    for (int i = 0; i < 12; ++i) {
-        map.Brush(Wedge(200 + i * 83 % 1000, 200 + i * 197 % 1000, 150 + i * 31 % 200));
-        map.TurnedBox({150 + i * 151 % 1100, 150 + i * 89 % 1100, 0}, {260 + i * 151 % 1100, 260 + i * 89 % 1100, 90});
+TEST(Compile, BrushesThatRunThroughEachOtherAtOddAnglesAreSoundAtEveryScale) {
+    for (const char* scale : {"1", "3"}) {
+        MapBuilder map;
+        map.Key("scale", scale);
+        map.Room({0, 0, 0}, {1536, 1536, 768}).Start("64 64 600");
+        for (int i = 0; i < 12; ++i) {
+            map.Brush(Wedge(200 + i * 83 % 1000, 200 + i * 197 % 1000, 150 + i * 31 % 200));
+            map.TurnedBox({150 + i * 151 % 1100, 150 + i * 89 % 1100, 0},
+                          {260 + i * 151 % 1100, 260 + i * 89 % 1100, 90});
+        }
+        SCOPED_TRACE(scale);
+        ExpectSound(Compile(map).world);
     }
-    ExpectSound(Compile(map).world);
 }
 
 TEST(Compile, OneConvexRoomStillGetsANode) {
