@@ -78,6 +78,7 @@ std::string HostResolvePath(const char* gamePath) {
 
 std::FILE* HostOpenFile(const char* gamePath, const char* mode) {
     const std::string path = HostResolvePath(gamePath);
+    if (*mode == 'r' && CurrentMachine && CurrentMachine->bringFile) CurrentMachine->bringFile(path.c_str());
     std::error_code error;
     const fs::file_type type = fs::status(path, error).type();
     if (type != fs::file_type::regular && type != fs::file_type::not_found) return nullptr;

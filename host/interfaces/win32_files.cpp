@@ -18,7 +18,7 @@ DWORD GetFileSize(HANDLE file, DWORD* high) {
     const long size = std::ftell(stream);
     if (size < 0 || std::fseek(stream, place, SEEK_SET) != 0) return INVALID_FILE_SIZE;
     if (high) *high = static_cast<DWORD>(static_cast<uint64_t>(size) >> 32);
-    return !high && size >= long{INVALID_FILE_SIZE} ? INVALID_FILE_SIZE : static_cast<DWORD>(size);
+    return !high && static_cast<uint64_t>(size) >= INVALID_FILE_SIZE ? INVALID_FILE_SIZE : static_cast<DWORD>(size);
 }
 
 BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesRead, void*) {

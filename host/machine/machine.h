@@ -36,6 +36,9 @@ struct Machine {
     // cannot be shown from there. Null: this machine never can.
     bool (*presentTexture)(uint32_t texture, int width, int height);
     void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
+    // Called before a file of the data folder is opened for reading, for a machine that gets its files from elsewhere.
+    // Null: they are all there.
+    void (*bringFile)(const char* path);
     int (*messageBox)(const char* text, const char* caption);
     bool (*hasWindow)();  // a message box can be seen
 

@@ -72,6 +72,7 @@ std::unique_ptr<TrackReader> TrackReader::Open(const std::string& path, std::str
     reader->file_.reset(sf_open(path.c_str(), SFM_READ, &info));
     problem = reader->file_ ? ProblemOf(info) : std::string("damaged: ") + sf_strerror(nullptr);
     if (!problem.empty()) return nullptr;
+    reader->path_ = path;
     reader->rate_ = static_cast<uint32_t>(info.samplerate);
     reader->channels_ = static_cast<size_t>(info.channels);
     reader->length_ = reader->end_ = info.frames;

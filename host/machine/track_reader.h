@@ -19,7 +19,10 @@ public:
     uint32_t Rate() const { return rate_; }         // samples a second
     uint32_t Milliseconds() const;                  // length of the whole file, rounded up
     void SetSpan(uint32_t from, uint32_t to);       // milliseconds; Read begins at `from`, and again there at `to`
+    double SpanStart() const { return Seconds(first_); }
+    double SpanEnd() const { return Seconds(end_); }
     void Read(std::span<int16_t> samples);          // left, right, left ...; silence once the file broke off
+    const std::string& Path() const { return path_; }
     bool Broken() const { return broken_.load(); }  // may be asked from another thread than the one that reads
 
 private:
@@ -28,8 +31,10 @@ private:
     };
     TrackReader() = default;
     bool Rewind();
+    double Seconds(int64_t frames) const { return static_cast<double>(frames) / rate_; }
 
     std::unique_ptr<void, Closer> file_;
+    std::string path_;
     uint32_t rate_ = 0;
     size_t channels_ = 0;
     int64_t length_ = 0;           // length of the file; positions and lengths count sample frames

@@ -1,8 +1,8 @@
 #include "session/frame_fields.h"
 
+#include "machine/bits.h"
 #include "machine/digest.h"
 
-#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <span>
@@ -12,12 +12,12 @@ namespace {
 FieldWords Bits(std::span<const float> values) {
     FieldWords words;
     for (const float value : values)
-        words.push_back(std::bit_cast<uint32_t>(value));
+        words.push_back(BitCast<uint32_t>(value));
     return words;
 }
 
 FieldWords Bits(float value) {
-    return {std::bit_cast<uint32_t>(value)};
+    return {BitCast<uint32_t>(value)};
 }
 
 FieldWords Bits(int32_t value) {
@@ -27,7 +27,7 @@ FieldWords Bits(int32_t value) {
 std::string NumberText(FieldKind kind, uint32_t word) {
     if (kind == FieldKind::Unsigned) return std::to_string(word);
     if (kind == FieldKind::Signed) return std::to_string(static_cast<int32_t>(word));
-    const auto value = std::bit_cast<float>(word);
+    const auto value = BitCast<float>(word);
     char text[32] = "null";
     if (std::isfinite(value)) std::snprintf(text, sizeof text, "%.9g", static_cast<double>(value));
     return text;

@@ -56,6 +56,7 @@ const Machine TEST_MACHINE = {
     .present = nullptr,
     .presentTexture = nullptr,
     .setMouseCaptured = [](bool captured) { TestMachine.mouseCaptured = captured; },
+    .bringFile = nullptr,
     .messageBox = ShowBox,
     .hasWindow = [] { return true; },
     .openSound = [](std::string&) { return TestMachine.soundOpens; },

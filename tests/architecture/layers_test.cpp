@@ -31,14 +31,17 @@ const std::vector<Layer> HOST_LAYERS = {
     {"machine", {}},
     {"input", {"machine"}},
     {"boards", {"machine"}},
-    {"boards/cpu", {"boards"}},
+    {"boards/cpu", {"boards", "machine"}},
     {"boards/gpu", {"machine", "boards"}},
     {"backends/headless", {"machine"}},
     {"backends/sdl", {"machine", "input", "boards/gpu"}},
+    {"backends/web", {"machine", "input", "boards/gpu"}},
     {"interfaces", {"machine", "input", "boards"}},
     {"session", {"machine", "input", "boards", "interfaces"}},
     {"testing", {"machine", "input", "interfaces", "session"}},
-    {".", {"boards/cpu", "boards/gpu", "backends/headless", "backends/sdl", "session"}},  // desktop.cpp
+    {".",
+     {"boards/cpu", "boards/gpu", "backends/headless", "backends/sdl", "backends/web",
+      "session"}},  // desktop.cpp, web.cpp
 };
 const std::vector<Layer> TOOL_LAYERS = {
     {"maths", {}},

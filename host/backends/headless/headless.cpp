@@ -33,6 +33,7 @@ const Machine HeadlessMachine = {
     .present = nullptr,
     .presentTexture = nullptr,
     .setMouseCaptured = [](bool) {},
+    .bringFile = nullptr,
     .messageBox = ShowOnStandardError,
     .hasWindow = [] { return false; },
     .openSound = nullptr,

@@ -1,115 +1,54 @@
 #include "backends/sdl/pads.h"
 
-#include "input/devices.h"
-#include "input/keys.h"
+#include "input/pads.h"
 
-#include <algorithm>
-#include <bitset>
 #include <map>
+#include <optional>
 
 namespace {
 
-constexpr int STICK_PRESS = 10000;
-constexpr int STICK_RELEASE = 8000;  // lower than STICK_PRESS, so that a stick held near it does not flutter
-constexpr int TURN_DEAD_ZONE = 8000;
-constexpr float TURN_COUNTS_A_SECOND = 180;  // mouse counts that a right stick pushed all the way gives in a second
-constexpr uint32_t TURN_MS_MAX = 100;  // longer times count as this, so that the camera does not jump after a pause
+std::map<SDL_JoystickID, SDL_GameController*> controllers;
 
-// What a controller can hold down: its buttons, then its sticks' directions and its trigger.
-enum PadInput { STICK_UP = SDL_CONTROLLER_BUTTON_MAX, STICK_DOWN, STICK_LEFT, STICK_RIGHT, TRIGGER, PAD_INPUTS };
+std::optional<PadButton> ButtonOf(uint8_t button) {
+    switch (button) {
+    case SDL_CONTROLLER_BUTTON_A: return PadButton::A;
+    case SDL_CONTROLLER_BUTTON_B: return PadButton::B;
+    case SDL_CONTROLLER_BUTTON_X: return PadButton::X;
+    case SDL_CONTROLLER_BUTTON_Y: return PadButton::Y;
+    case SDL_CONTROLLER_BUTTON_BACK: return PadButton::Back;
+    case SDL_CONTROLLER_BUTTON_START: return PadButton::Start;
+    case SDL_CONTROLLER_BUTTON_LEFTSHOULDER: return PadButton::LeftShoulder;
+    case SDL_CONTROLLER_BUTTON_DPAD_UP: return PadButton::Up;
+    case SDL_CONTROLLER_BUTTON_DPAD_DOWN: return PadButton::Down;
+    case SDL_CONTROLLER_BUTTON_DPAD_LEFT: return PadButton::Left;
+    case SDL_CONTROLLER_BUTTON_DPAD_RIGHT: return PadButton::Right;
+    default: return {};
+    }
+}
 
-struct PadKey {
-    int input;
-    uint8_t scanCode;
-};
-
-constexpr PadKey PAD_KEYS[] = {
-    {SDL_CONTROLLER_BUTTON_DPAD_UP, KeyCode("UP")},
-    {SDL_CONTROLLER_BUTTON_DPAD_DOWN, KeyCode("DOWN")},
-    {SDL_CONTROLLER_BUTTON_DPAD_LEFT, KeyCode("LEFT")},
-    {SDL_CONTROLLER_BUTTON_DPAD_RIGHT, KeyCode("RIGHT")},
-    {STICK_UP, KeyCode("UP")},
-    {STICK_DOWN, KeyCode("DOWN")},
-    {STICK_LEFT, KeyCode("LEFT")},
-    {STICK_RIGHT, KeyCode("RIGHT")},
-    {SDL_CONTROLLER_BUTTON_A, KeyCode("SPACE")},   // Space
-    {SDL_CONTROLLER_BUTTON_B, KeyCode("LSHIFT")},  // left Shift
-    {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, KeyCode("LSHIFT")},
-    {SDL_CONTROLLER_BUTTON_X, KeyCode("RCONTROL")},  // right Ctrl in a level
-    {SDL_CONTROLLER_BUTTON_X, KeyCode("F11")},       // F11 in the front end
-    {TRIGGER, KeyCode("RCONTROL")},
-    {SDL_CONTROLLER_BUTTON_START, KeyCode("F1")},     // F1
-    {SDL_CONTROLLER_BUTTON_Y, KeyCode("F12")},        // F12
-    {SDL_CONTROLLER_BUTTON_BACK, KeyCode("ESCAPE")},  // Escape
-};
-
-struct Pad {
-    SDL_GameController* controller = nullptr;
-    std::bitset<PAD_INPUTS> held;
-    float turnX = 0, turnY = 0;  // -1..1
-};
-
-std::map<SDL_JoystickID, Pad> pads;
-std::bitset<256> keysDown;
-bool turning = false;
-float countsLeftX = 0, countsLeftY = 0;  // fractions of a count, kept for the next report
-
-void ReportKeys() {
-    std::bitset<PAD_INPUTS> held;
-    for (const auto& [id, pad] : pads)
-        held |= pad.held;
-    std::bitset<256> now;
-    for (const PadKey& key : PAD_KEYS)
-        if (held[static_cast<size_t>(key.input)]) now.set(key.scanCode);
-    const std::bitset<256> changed = now ^ keysDown;
-    keysDown = now;
-    for (size_t code = 0; code < changed.size(); ++code)
-        if (changed[code]) DeviceKey(KeySource::Pad, static_cast<uint8_t>(code), now[code]);
+std::optional<PadAxis> AxisOf(uint8_t axis) {
+    switch (axis) {
+    case SDL_CONTROLLER_AXIS_LEFTX: return PadAxis::LeftX;
+    case SDL_CONTROLLER_AXIS_LEFTY: return PadAxis::LeftY;
+    case SDL_CONTROLLER_AXIS_RIGHTX: return PadAxis::RightX;
+    case SDL_CONTROLLER_AXIS_RIGHTY: return PadAxis::RightY;
+    case SDL_CONTROLLER_AXIS_TRIGGERRIGHT: return PadAxis::RightTrigger;
+    default: return {};
+    }
 }
 
 void AddPad(int deviceIndex) {
     SDL_GameController* controller = SDL_GameControllerOpen(deviceIndex);
     if (!controller) return;
-    pads[SDL_JoystickInstanceID(SDL_GameControllerGetJoystick(controller))].controller = controller;
+    controllers[SDL_JoystickInstanceID(SDL_GameControllerGetJoystick(controller))] = controller;
 }
 
 void RemovePad(SDL_JoystickID id) {
-    const auto pad = pads.find(id);
-    if (pad == pads.end()) return;
-    SDL_GameControllerClose(pad->second.controller);
-    pads.erase(pad);
-}
-
-void HoldByAxis(Pad& pad, PadInput input, int value) {
-    const int threshold = pad.held[input] ? STICK_RELEASE : STICK_PRESS;
-    pad.held[input] = value >= threshold;
-}
-
-float TurnOf(int value) {
-    return value > -TURN_DEAD_ZONE && value < TURN_DEAD_ZONE ? 0 : static_cast<float>(value) / 32768;
-}
-
-void MoveAxis(Pad& pad, uint8_t axis, int value) {
-    switch (axis) {
-    case SDL_CONTROLLER_AXIS_LEFTX:
-        HoldByAxis(pad, STICK_LEFT, -value);
-        HoldByAxis(pad, STICK_RIGHT, value);
-        break;
-    case SDL_CONTROLLER_AXIS_LEFTY:
-        HoldByAxis(pad, STICK_UP, -value);
-        HoldByAxis(pad, STICK_DOWN, value);
-        break;
-    case SDL_CONTROLLER_AXIS_TRIGGERRIGHT: HoldByAxis(pad, TRIGGER, value); break;
-    case SDL_CONTROLLER_AXIS_RIGHTX: pad.turnX = TurnOf(value); break;
-    case SDL_CONTROLLER_AXIS_RIGHTY: pad.turnY = TurnOf(value); break;
-    default: break;
-    }
-}
-
-int WholeCounts(float& counts) {
-    const int whole = static_cast<int>(counts);
-    counts -= static_cast<float>(whole);
-    return whole;
+    const auto controller = controllers.find(id);
+    if (controller == controllers.end()) return;
+    SDL_GameControllerClose(controller->second);
+    controllers.erase(controller);
+    PadGone(id);
 }
 
 }  // namespace
@@ -119,46 +58,24 @@ void StartPads() {
 }
 
 void StopPads() {
-    while (!pads.empty())
-        RemovePad(pads.begin()->first);
-    ReportKeys();
-    TurnWithPads(0);
+    while (!controllers.empty())
+        RemovePad(controllers.begin()->first);
+    ResetPads();
 }
 
 void HandlePadEvent(const SDL_Event& event) {
-    if (event.type == SDL_CONTROLLERDEVICEADDED) {
-        AddPad(event.cdevice.which);
-        return;
+    switch (event.type) {
+    case SDL_CONTROLLERDEVICEADDED: AddPad(event.cdevice.which); break;
+    case SDL_CONTROLLERDEVICEREMOVED: RemovePad(event.cdevice.which); break;
+    case SDL_CONTROLLERAXISMOTION:
+        if (const auto axis = AxisOf(event.caxis.axis); axis && controllers.contains(event.caxis.which))
+            PadMove(event.caxis.which, *axis, event.caxis.value);
+        break;
+    case SDL_CONTROLLERBUTTONDOWN:
+    case SDL_CONTROLLERBUTTONUP:
+        if (const auto button = ButtonOf(event.cbutton.button); button && controllers.contains(event.cbutton.which))
+            PadPress(event.cbutton.which, *button, event.cbutton.state == SDL_PRESSED);
+        break;
+    default: break;
     }
-    if (event.type == SDL_CONTROLLERDEVICEREMOVED) {
-        RemovePad(event.cdevice.which);
-    } else if (event.type == SDL_CONTROLLERAXISMOTION) {
-        const auto pad = pads.find(event.caxis.which);
-        if (pad != pads.end()) MoveAxis(pad->second, event.caxis.axis, event.caxis.value);
-    } else if (event.type == SDL_CONTROLLERBUTTONDOWN || event.type == SDL_CONTROLLERBUTTONUP) {
-        const auto pad = pads.find(event.cbutton.which);
-        if (pad != pads.end() && event.cbutton.button < SDL_CONTROLLER_BUTTON_MAX)
-            pad->second.held[event.cbutton.button] = event.cbutton.state == SDL_PRESSED;
-    } else {
-        return;
-    }
-    ReportKeys();
-}
-
-void TurnWithPads(uint32_t milliseconds) {
-    float turnX = 0, turnY = 0;
-    for (const auto& [id, pad] : pads) {
-        turnX += pad.turnX;
-        turnY += pad.turnY;
-    }
-    const bool turned = turnX != 0 || turnY != 0;
-    if (turned != turning) DeviceMouseButton(KeySource::Pad, 0, turned);
-    turning = turned;
-    if (!turned) return;
-    const float counts = TURN_COUNTS_A_SECOND * static_cast<float>(std::min(milliseconds, TURN_MS_MAX)) / 1000;
-    countsLeftX += turnX * counts;
-    countsLeftY += turnY * counts;
-    const int x = WholeCounts(countsLeftX);
-    const int y = WholeCounts(countsLeftY);
-    DeviceMouseMotion(x, y, 0);
 }

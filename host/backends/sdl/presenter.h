@@ -1,5 +1,5 @@
-// Pictures onto the window: as large as fits with its sides in proportion, in the middle, black around it. A picture
-// less than 640 wide is shown with sharp pixels, a larger one smoothly.
+// Pictures onto the window (machine/picture_area.h), black around them. A picture less than 640 wide is shown with
+// sharp pixels, a larger one smoothly.
 #pragma once
 
 #include "machine/machine.h"
@@ -20,5 +20,3 @@ public:
 
 std::unique_ptr<Presenter> MakeGlPresenter(SDL_Window* window);       // null: no OpenGL 3.3 context; see SDL_GetError
 std::unique_ptr<Presenter> MakeSurfacePresenter(SDL_Window* window);  // never on a window that has a context
-
-SDL_Rect FitPicture(int pictureWidth, int pictureHeight, int windowWidth, int windowHeight);

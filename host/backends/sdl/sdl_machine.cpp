@@ -110,6 +110,7 @@ const Machine SdlMachine = {
     .present = ShowPicture,
     .presentTexture = ShowTexture,
     .setMouseCaptured = CapturePointer,
+    .bringFile = nullptr,
     .messageBox = MessageBox,
     .hasWindow = GameWindowOpen,
     .openSound = OpenSound,

@@ -1,4 +1,5 @@
 #include "backends/sdl/presenter.h"
+#include "machine/picture_area.h"
 
 #include <vector>
 
@@ -23,7 +24,8 @@ public:
         SDL_Surface* source =
             SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), width, height, 32, width * 4, SDL_PIXELFORMAT_RGB888);
         if (!source) return;
-        SDL_Rect area = FitPicture(width, height, target->w, target->h);
+        const PictureArea fit = FitPicture(width, height, target->w, target->h);
+        SDL_Rect area{fit.x, fit.y, fit.width, fit.height};
         SDL_FillRect(target, nullptr, 0);
         SDL_BlitScaled(source, nullptr, target, &area);
         SDL_FreeSurface(source);

@@ -1,6 +1,6 @@
 #include "boards/cpu/triangle.h"
+#include "machine/bits.h"
 
-#include <bit>
 
 namespace {
 
@@ -21,7 +21,7 @@ float Greatest(float a, float b) {
 }
 
 uint32_t Depth(float oow) {
-    const auto bits = std::bit_cast<int32_t>(Greatest(oow, 0.0f));
+    const auto bits = BitCast<int32_t>(Greatest(oow, 0.0f));
     return static_cast<uint32_t>(std::clamp((0x3F800000 + 0x7FF - bits) >> 11, 0, 0xFFFF));
 }
 
@@ -30,7 +30,7 @@ int32_t Lod(const FillState& state, const Triangle& triangle, float alongRow, fl
     const float downT = triangle.downColumn[1] + triangle.downColumnPerColumn[1] * column;
     const float longer = Greatest(downS * downS + downT * downT, alongRow);
     const float squaredW = w * w;
-    const auto bits = std::bit_cast<uint32_t>(longer * (squaredW * squaredW));
+    const auto bits = BitCast<uint32_t>(longer * (squaredW * squaredW));
     return std::clamp(static_cast<int32_t>(bits >> 24) - 64, state.texture->firstLod, state.texture->lastLod);
 }
 

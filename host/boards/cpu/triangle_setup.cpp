@@ -1,6 +1,6 @@
 #include "boards/cpu/triangle.h"
+#include "machine/bits.h"
 
-#include <bit>
 #include <utility>
 
 namespace {
@@ -100,7 +100,7 @@ void SetUpPlanes(const Slopes& slopes, const Corner* corners, Triangle& triangle
 void ToFixed(const Four& values, uint32_t* fixed) {
     constexpr double SHIFTER = 6755399441055744.0;  // 1.5 x 2^52
     for (int i = 0; i < CHANNEL_COUNT; ++i)
-        fixed[i] = static_cast<uint32_t>(std::bit_cast<uint64_t>(values.of[i] * 65536 + SHIFTER));
+        fixed[i] = static_cast<uint32_t>(BitCast<uint64_t>(values.of[i] * 65536 + SHIFTER));
 }
 
 void SetUpColours(const Slopes& slopes, const Corner* corners, Triangle& triangle) {

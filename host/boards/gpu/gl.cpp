@@ -1,6 +1,8 @@
 #include "boards/gpu/gl.h"
 
-#include <SDL.h>
+#include "boards/gpu/gl_context.h"
+
+#include <algorithm>
 
 namespace gl {
 #define DEFINE_GL_FUNCTION(name, NAME) PFNGL##NAME##PROC name = nullptr;
@@ -12,14 +14,15 @@ namespace {
 
 template <typename Function>
 bool Load(Function& function, const char* name, std::string& error) {
-    function = reinterpret_cast<Function>(SDL_GL_GetProcAddress(name));
+    function = reinterpret_cast<Function>(FindGlFunction(name));
     if (!function) error = std::string("this OpenGL has no ") + name;
     return function != nullptr;
 }
 
 void AttachShader(GLuint program, GLenum kind, const char* text) {
     const GLuint shader = gl::CreateShader(kind);
-    gl::ShaderSource(shader, 1, &text, nullptr);
+    const char* const parts[] = {GlslVersion(), text};
+    gl::ShaderSource(shader, 2, parts, nullptr);
     gl::CompileShader(shader);
     gl::AttachShader(program, shader);
     gl::DeleteShader(shader);
@@ -33,6 +36,13 @@ bool LoadGl(std::string& error) {
     GL_FUNCTIONS(LOAD_GL_FUNCTION)
 #undef LOAD_GL_FUNCTION
     return true;
+}
+
+std::vector<uint32_t> RedFirst(std::span<const uint32_t> pixels) {
+    std::vector<uint32_t> swapped(pixels.size());
+    std::transform(pixels.begin(), pixels.end(), swapped.begin(),
+                   [](uint32_t pixel) { return (pixel & 0xFF00FF00) | (pixel >> 16 & 0xFF) | (pixel & 0xFF) << 16; });
+    return swapped;
 }
 
 GLuint LinkGlProgram(const char* vertexProgram, const char* fragmentProgram, std::string& error) {

@@ -1,9 +1,13 @@
-// OpenGL 3.3 core: gl::Clear is glClear, once LoadGl has been called. Nothing is linked for it.
+// OpenGL 3.3 core, of which only what OpenGL ES 3.0 has too is used: gl::Clear is glClear, once LoadGl has been called.
+// Nothing is linked for it.
 #pragma once
 
 #include <GL/glcorearb.h>
 
+#include <cstdint>
+#include <span>
 #include <string>
+#include <vector>
 
 #define GL_FUNCTIONS(F)                                                                                                \
     F(ActiveTexture, ACTIVETEXTURE)                                                                                    \
@@ -79,5 +83,10 @@ GL_FUNCTIONS(DECLARE_GL_FUNCTION)
 // Loads the functions from the context that is current on this thread. False: `error` names one that it lacks.
 bool LoadGl(std::string& error);
 
-// The vertex program's inputs are numbered by layout(location). 0: `error` says what the driver objects to.
+// Pixels 0xAARRGGBB as OpenGL's GL_RGBA bytes, or the other way round: red and blue change places. OpenGL ES has no
+// other order.
+std::vector<uint32_t> RedFirst(std::span<const uint32_t> pixels);
+
+// The programs' text without its version line. The vertex program's inputs are numbered by layout(location). 0: `error`
+// says what the driver objects to.
 GLuint LinkGlProgram(const char* vertexProgram, const char* fragmentProgram, std::string& error);

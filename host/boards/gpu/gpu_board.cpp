@@ -141,8 +141,7 @@ void LoadTexture(uint32_t number, TextureImage image) {
     for (GLint i = 0; i < levels; ++i) {
         const TextureLevel& level = image.levels[static_cast<size_t>(i)];
         gl::TexImage2D(GL_TEXTURE_2D, i, GL_RGBA8, static_cast<GLsizei>(level.width),
-                       static_cast<GLsizei>(level.height), 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
-                       level.texels.data());
+                       static_cast<GLsizei>(level.height), 0, GL_RGBA, GL_UNSIGNED_BYTE, RedFirst(level.texels).data());
     }
     gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, levels - 1);
 }
@@ -278,7 +277,8 @@ const uint32_t* Front(uint32_t& pitch) {
         frontPixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
         gl::BindFramebuffer(GL_FRAMEBUFFER, front.frame);
         gl::PixelStorei(GL_PACK_ALIGNMENT, 4);
-        gl::ReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, frontPixels.data());
+        gl::ReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, frontPixels.data());
+        frontPixels = RedFirst(frontPixels);
         frontIsRead = true;
     }
     return frontPixels.data();

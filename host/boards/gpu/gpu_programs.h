@@ -8,8 +8,7 @@
 
 // The upper row of the picture lies at the bottom of OpenGL's, and so comes first in memory; that also makes upper
 // edges belong to a triangle. With w always 1 everything is interpolated linearly on the screen.
-inline const char* const GPU_VERTEX_PROGRAM = R"(#version 330 core
-layout(location = 0) in vec2 place;        // pixels
+inline const char* const GPU_VERTEX_PROGRAM = R"(layout(location = 0) in vec2 place;        // pixels
 layout(location = 1) in vec3 perspective;  // 1 / W, s / W, t / W
 layout(location = 2) in vec4 colour;
 uniform bool isLine;
@@ -35,8 +34,7 @@ inline void DescribeVertices() {
     attribute(2, 4, offsetof(BoardVertex, r));
 }
 
-inline const char* const GPU_FRAGMENT_PROGRAM = R"(#version 330 core
-in vec3 overW;
+inline const char* const GPU_FRAGMENT_PROGRAM = R"(in vec3 overW;
 in vec4 vertexColour;
 out vec4 pixel;
 

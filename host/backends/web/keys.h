@@ -1,0 +1,7 @@
+// The browser's names for the places of keys on a keyboard (KeyboardEvent.code), whatever its layout writes on them.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+uint8_t ScanCodeOfPlace(std::string_view place);  // 0: the game has no use for it

@@ -1,0 +1,147 @@
+#include "input/pads.h"
+
+#include "input/devices.h"
+#include "input/keys.h"
+
+#include <algorithm>
+#include <bitset>
+#include <map>
+
+namespace {
+
+constexpr int STICK_PRESS = 10000;
+constexpr int STICK_RELEASE = 8000;  // lower than STICK_PRESS, so that a stick held near it does not flutter
+constexpr int TURN_DEAD_ZONE = 8000;
+constexpr float TURN_COUNTS_A_SECOND = 180;  // mouse counts that a right stick pushed all the way gives in a second
+constexpr uint32_t TURN_MS_MAX = 100;  // longer times count as this, so that the camera does not jump after a pause
+
+// What a controller can hold down: its buttons, then its sticks' directions and its trigger.
+enum PadInput {
+    STICK_UP = static_cast<int>(PadButton::Right) + 1,
+    STICK_DOWN,
+    STICK_LEFT,
+    STICK_RIGHT,
+    TRIGGER,
+    PAD_INPUTS
+};
+
+constexpr int Of(PadButton button) {
+    return static_cast<int>(button);
+}
+
+struct PadKey {
+    int input;
+    uint8_t scanCode;
+};
+
+constexpr PadKey PAD_KEYS[] = {
+    {Of(PadButton::Up), KeyCode("UP")},
+    {Of(PadButton::Down), KeyCode("DOWN")},
+    {Of(PadButton::Left), KeyCode("LEFT")},
+    {Of(PadButton::Right), KeyCode("RIGHT")},
+    {STICK_UP, KeyCode("UP")},
+    {STICK_DOWN, KeyCode("DOWN")},
+    {STICK_LEFT, KeyCode("LEFT")},
+    {STICK_RIGHT, KeyCode("RIGHT")},
+    {Of(PadButton::A), KeyCode("SPACE")},   // Space
+    {Of(PadButton::B), KeyCode("LSHIFT")},  // left Shift
+    {Of(PadButton::LeftShoulder), KeyCode("LSHIFT")},
+    {Of(PadButton::X), KeyCode("RCONTROL")},  // right Ctrl in a level
+    {Of(PadButton::X), KeyCode("F11")},       // F11 in the front end
+    {TRIGGER, KeyCode("RCONTROL")},
+    {Of(PadButton::Start), KeyCode("F1")},     // F1
+    {Of(PadButton::Y), KeyCode("F12")},        // F12
+    {Of(PadButton::Back), KeyCode("ESCAPE")},  // Escape
+};
+
+struct Pad {
+    std::bitset<PAD_INPUTS> held;
+    float turnX = 0, turnY = 0;  // -1..1
+};
+
+std::map<int, Pad> pads;
+std::bitset<256> keysDown;
+bool turning = false;
+float countsLeftX = 0, countsLeftY = 0;  // fractions of a count, kept for the next report
+
+void ReportKeys() {
+    std::bitset<PAD_INPUTS> held;
+    for (const auto& [id, pad] : pads)
+        held |= pad.held;
+    std::bitset<256> now;
+    for (const PadKey& key : PAD_KEYS)
+        if (held[static_cast<size_t>(key.input)]) now.set(key.scanCode);
+    const std::bitset<256> changed = now ^ keysDown;
+    keysDown = now;
+    for (size_t code = 0; code < changed.size(); ++code)
+        if (changed[code]) DeviceKey(KeySource::Pad, static_cast<uint8_t>(code), now[code]);
+}
+
+void HoldByAxis(Pad& pad, PadInput input, int value) {
+    const int threshold = pad.held[input] ? STICK_RELEASE : STICK_PRESS;
+    pad.held[input] = value >= threshold;
+}
+
+float TurnOf(int value) {
+    return value > -TURN_DEAD_ZONE && value < TURN_DEAD_ZONE ? 0 : static_cast<float>(value) / 32768;
+}
+
+int WholeCounts(float& counts) {
+    const int whole = static_cast<int>(counts);
+    counts -= static_cast<float>(whole);
+    return whole;
+}
+
+}  // namespace
+
+void PadPress(int pad, PadButton button, bool down) {
+    pads[pad].held[static_cast<size_t>(button)] = down;
+    ReportKeys();
+}
+
+void PadMove(int number, PadAxis axis, int value) {
+    Pad& pad = pads[number];
+    switch (axis) {
+    case PadAxis::LeftX:
+        HoldByAxis(pad, STICK_LEFT, -value);
+        HoldByAxis(pad, STICK_RIGHT, value);
+        break;
+    case PadAxis::LeftY:
+        HoldByAxis(pad, STICK_UP, -value);
+        HoldByAxis(pad, STICK_DOWN, value);
+        break;
+    case PadAxis::RightTrigger: HoldByAxis(pad, TRIGGER, value); break;
+    case PadAxis::RightX: pad.turnX = TurnOf(value); break;
+    case PadAxis::RightY: pad.turnY = TurnOf(value); break;
+    }
+    ReportKeys();
+}
+
+void PadGone(int pad) {
+    pads.erase(pad);
+    ReportKeys();
+}
+
+void ResetPads() {
+    pads.clear();
+    ReportKeys();
+    TurnWithPads(0);
+}
+
+void TurnWithPads(uint32_t milliseconds) {
+    float turnX = 0, turnY = 0;
+    for (const auto& [id, pad] : pads) {
+        turnX += pad.turnX;
+        turnY += pad.turnY;
+    }
+    const bool turned = turnX != 0 || turnY != 0;
+    if (turned != turning) DeviceMouseButton(KeySource::Pad, 0, turned);
+    turning = turned;
+    if (!turned) return;
+    const float counts = TURN_COUNTS_A_SECOND * static_cast<float>(std::min(milliseconds, TURN_MS_MAX)) / 1000;
+    countsLeftX += turnX * counts;
+    countsLeftY += turnY * counts;
+    const int x = WholeCounts(countsLeftX);
+    const int y = WholeCounts(countsLeftY);
+    DeviceMouseMotion(x, y, 0);
+}
