@@ -37,7 +37,7 @@ bool EnterGl(std::string& error) {
 
 void* FindGlFunction(const char* name) {
     if (std::strcmp(name, "glClearDepth") == 0) return reinterpret_cast<void*>(ClearDepth);
-    return emscripten_webgl2_get_proc_address(name);
+    return emscripten_webgl_get_proc_address(name);
 }
 
 const char* GlslVersion() {

@@ -123,9 +123,15 @@ function pageFor(canvas, module, alive, options) {
         },
         hasWebGl: () => webGl ? 1 : 0,
         showPixels: (pixels, width, height) => {
+            if (!pixelContext) {
+                pixelContext = canvas.getContext('2d');
+                if (!pixelContext) {  // it has a context of WebGL that did not do
+                    canvas = freshCanvas();
+                    pixelContext = canvas.getContext('2d');
+                }
+            }
             canvas.width = width;
             canvas.height = height;
-            pixelContext ??= canvas.getContext('2d');
             const image = pixelContext.createImageData(width, height);
             image.data.set(pixels);
             for (let i = 3; i < image.data.length; i += 4) image.data[i] = 255;
