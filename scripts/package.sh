@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes packages of the last commit in build-package/packages: tarnwick_VERSION_ARCHITECTURE.deb with the game,
 # tarnwick-tools_... with the tools for authors, and tarnwick-VERSION-ARCHITECTURE.tar.xz, a folder with the game that
-# plays wherever it is unpacked. The same commit gives the same bytes in any folder. Status 1: something failed.
+# plays wherever it is unpacked. With --web it makes build-package/packages/web instead, the folder of the page that plays
+# in a browser, for any server of files. The same commit gives the same bytes in any folder. Status 1: something failed.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=$PWD/build-package
@@ -19,6 +20,10 @@ exec 9>"$build/.lock"
 flock 9
 cmake --preset package
 ninja -C "$build"
+if [ "${1:-}" = --web ]; then
+    mkdir -p "$packages"
+    exec scripts/web.sh --data "$build/data" --output "$packages/web"
+fi
 rm -rf "$packages" "$build/stage"
 
 (cd "$build" && cpack -G DEB)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# packages.sh play|check|fresh|package|processors: is everything here that ./play, ./check (and with it ./play),
-# scripts/fresh_machine.sh, scripts/package.sh or scripts/other_processors.sh need? On Debian and its relatives what is
+# packages.sh play|check|fresh|package|processors|web: is everything here that ./play, ./check (and with it ./play),
+# scripts/fresh_machine.sh, scripts/package.sh, scripts/other_processors.sh or ./play --web need? On Debian and its relatives what is
 # missing is installed, elsewhere it is named. Status 1: something is still missing. packages.sh --list WHAT prints the
 # Debian packages.
 set -u
@@ -47,6 +47,13 @@ program git          git
 program dpkg-shlibdeps dpkg-dev
 program file         file
 program xz           xz-utils
+"
+WEB="
+program em++         emscripten
+program node         nodejs
+"
+BROWSER="
+program chromium     chromium
 "
 PROCESSORS="
 program aarch64-linux-gnu-g++ g++-aarch64-linux-gnu
@@ -111,8 +118,10 @@ check) needed=$PLAY$CHECK ;;
 fresh) needed=$FRESH ;;
 package) needed=$PLAY$PACKAGE ;;
 processors) needed=$PLAY$PROCESSORS ;;
+web) needed=$PLAY$WEB ;;
+browser) needed=$PLAY$WEB$BROWSER ;;
 *)
-    echo "usage: packages.sh [--list] play|check|fresh|package|processors" >&2
+    echo "usage: packages.sh [--list] play|check|fresh|package|processors|web|browser" >&2
     exit 2
     ;;
 esac

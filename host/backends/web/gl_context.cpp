@@ -1,19 +1,11 @@
 // WebGL 2 on the page's canvas: OpenGL ES 3.0.
 #include "boards/gpu/gl_context.h"
 
-#include <cstring>
 #include <emscripten/html5.h>
-
-extern "C" void glClearDepthf(float depth);
 
 namespace {
 
 EMSCRIPTEN_WEBGL_CONTEXT_HANDLE context = 0;
-
-// OpenGL ES has it with floats only.
-void ClearDepth(double depth) {
-    glClearDepthf(static_cast<float>(depth));
-}
 
 }  // namespace
 
@@ -33,15 +25,6 @@ bool EnterGl(std::string& error) {
         return LoadGl(error);
     error = "this browser has no WebGL 2";
     return false;
-}
-
-void* FindGlFunction(const char* name) {
-    if (std::strcmp(name, "glClearDepth") == 0) return reinterpret_cast<void*>(ClearDepth);
-    return emscripten_webgl_get_proc_address(name);
-}
-
-const char* GlslVersion() {
-    return "#version 300 es\nprecision highp float;\nprecision highp int;\n";
 }
 
 bool GlIsSoftware() {

@@ -26,6 +26,7 @@ constexpr int WAIT_SLICE_MS = 20;
 uint32_t lastClock = 0, lastKeyboardPoll = 0, lastTurn = 0;
 std::bitset<KEY_COUNT> keysHeld[2];  // by one place of the keyboard, and by a second one that stands for the same key
 std::optional<GlPicture> shown;
+int shownWidth = 0, shownHeight = 0;  // of the canvas when it was drawn
 bool opened = false;
 
 uint32_t Now() {
@@ -37,8 +38,21 @@ uint32_t Milliseconds() {
     return lastClock = Now();
 }
 
+void DrawShown() {
+    pageCanvasSize(&shownWidth, &shownHeight);
+    if (shown->Draw(shownWidth, shownHeight)) pageShown();
+}
+
+// The front end draws only when something changes, and the page may have another size by then.
+void DrawAfterResize() {
+    int width = 0, height = 0;
+    pageCanvasSize(&width, &height);
+    if (shown && (width != shownWidth || height != shownHeight)) DrawShown();
+}
+
 void Pump() {
     pageReport();
+    DrawAfterResize();
     const uint32_t now = Now();
     TurnWithPads(now - lastTurn);
     lastTurn = now;
@@ -68,13 +82,6 @@ bool CreateGameWindow(const char*) {
 
 void DesktopSize(int* width, int* height) {
     pageCanvasSize(width, height);
-}
-
-void DrawShown() {
-    int width = 0, height = 0;
-    pageCanvasSize(&width, &height);
-    shown->Draw(width, height);
-    pageShown();
 }
 
 void Present(const Picture& picture) {

@@ -1,6 +1,6 @@
 #include "boards/gpu/gl.h"
 
-#include "boards/gpu/gl_context.h"
+#include "boards/gpu/gl_platform.h"
 
 #include <algorithm>
 

@@ -60,14 +60,6 @@ bool EnterGl(std::string& error) {
     return false;
 }
 
-void* FindGlFunction(const char* name) {
-    return SDL_GL_GetProcAddress(name);
-}
-
-const char* GlslVersion() {
-    return "#version 330 core\n";
-}
-
 bool GlIsSoftware() {
     const auto* text = reinterpret_cast<const char*>(gl::GetString(GL_RENDERER));
     const std::string_view renderer = text ? text : "";

@@ -13,10 +13,4 @@ void AskForGlContext();
 // ends. False: `error` says why there is no context.
 bool EnterGl(std::string& error);
 
-// A function of the current context by its name ("glClear"); null: it has none of that name.
-void* FindGlFunction(const char* name);
-
-// What stands before each program's text.
-const char* GlslVersion();
-
 bool GlIsSoftware();  // the processor draws, not a graphics card

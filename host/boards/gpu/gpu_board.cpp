@@ -226,7 +226,8 @@ void Upload(const BoardFrame& frame) {
     };
     gl::BindBuffer(GL_ARRAY_BUFFER, vertexBuffer);
     gl::BufferData(GL_ARRAY_BUFFER, bytes(frame.vertices) + bytes(lines), nullptr, GL_STREAM_DRAW);
-    gl::BufferSubData(GL_ARRAY_BUFFER, 0, bytes(frame.vertices), frame.vertices.data());
+    // A browser's OpenGL takes a length of 0 for all the memory there is.
+    if (!frame.vertices.empty()) gl::BufferSubData(GL_ARRAY_BUFFER, 0, bytes(frame.vertices), frame.vertices.data());
     if (!lines.empty()) gl::BufferSubData(GL_ARRAY_BUFFER, bytes(frame.vertices), bytes(lines), lines.data());
 }
 

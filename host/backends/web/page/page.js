@@ -152,7 +152,8 @@ function pageFor(canvas, module, alive, options) {
 
 let frames = 0, shownFirst = false;
 
-// Starts the game with the options of its command line; `given` maps paths to the bytes of files that it may name.
+// Starts the game with the options of its command line. `given` maps paths to the bytes of files that it may name; `data`
+// is another folder of its data among them, `fixedSize` the canvas's width and height whatever the page's.
 // Resolves with the module and its exit status when the game has ended.
 export async function startGame(options, { given = {}, ...rest } = {}) {
     const start = ++running;
@@ -185,9 +186,12 @@ export async function startGame(options, { given = {}, ...rest } = {}) {
     module = await createTarnwick(moduleOptions);
     if (!alive()) return null;
     files.prepare(module.FS, '/data');
-    for (const [path, bytes] of Object.entries(given)) module.FS.writeFile(path, bytes);
+    for (const [path, bytes] of Object.entries(given)) {
+        module.FS.mkdirTree(path.replace(/\/[^/]*$/, '') || '/');
+        module.FS.writeFile(path, bytes);
+    }
     try {
-        module.callMain(['--data', '/data', '--log', '/dev/null', ...options]);
+        module.callMain(['--data', rest.data ?? '/data', '--log', '/dev/null', ...options]);
     } catch (problem) {
         if (String(problem.message) !== 'the game has ended') {
             console.error(problem);

@@ -1,0 +1,203 @@
+// Tries the page in Chromium: node page_test.mjs PAGE_FOLDER GAME [PICTURES]. GAME is this machine's own build, whose
+// pictures and recordings the page's must equal. PICTURES: a folder for pictures of the page and of all levels.
+// Ends with "N passed, N failed"; status 1 when anything failed.
+import { execFileSync, spawn } from 'node:child_process';
+import { cpSync, mkdirSync, mkdtempSync, readdirSync, rmSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { dirname, join } from 'node:path';
+import { fileURLToPath } from 'node:url';
+import { Browser } from './browser.mjs';
+
+const [pageFolder, game, pictures] = process.argv.slice(2);
+const tests = join(dirname(fileURLToPath(import.meta.url)), '..');
+const folder = mkdtempSync(join(tmpdir(), 'tarnwick-page.'));
+const PICTURE_FRAMES = 60;
+
+let passed = 0, failed = 0;
+async function test(name, body) {
+    const started = Date.now();
+    let problem = null;
+    try {
+        await body();
+        passed++;
+    } catch (error) {
+        problem = error;
+        failed++;
+    }
+    console.log(`${name.padEnd(60)} ${problem ? `FAILED: ${problem.message}` : 'ok'}  ${Math.round((Date.now() - started) / 1000)} s`);
+}
+
+function expect(condition, what) {
+    if (!condition) throw new Error(what);
+}
+
+function startServer() {
+    return new Promise((resolve, reject) => {
+        const server = spawn('node', [join(tests, '../host/backends/web/serve_page.mjs'), folder, '0']);
+        server.stdout.once('data', (line) => resolve({ server, address: line.toString().trim() }));
+        server.once('exit', () => reject(new Error('the server did not start')));
+    });
+}
+
+// What the tests play lies beside the page: the frozen levels, the recordings, and pictures of this machine's own build.
+function prepareFolder() {
+    cpSync(pageFolder, folder, { recursive: true });
+    cpSync(join(tests, 'levels/data'), join(folder, 'frozen'), { recursive: true });
+    cpSync(join(tests, 'replay'), join(folder, 'recordings'), { recursive: true, filter: (name) => !/\.(cpp|txt|md)$/.test(name) });
+    execFileSync(game, ['--headless', '--data', join(tests, 'levels/data'), '--log', '/dev/null', '--replay',
+        join(tests, 'replay/moves.rec'), '--frames', String(PICTURE_FRAMES),
+        '--shot', `${PICTURE_FRAMES}:${join(folder, 'moves.png')}`], { stdio: 'ignore' });
+}
+
+function filesBelow(path) {
+    return readdirSync(path, { withFileTypes: true }).flatMap((entry) =>
+        entry.isDirectory() ? filesBelow(join(path, entry.name)) : [join(path, entry.name)]);
+}
+
+prepareFolder();
+const { server, address } = await startServer();
+const browser = await Browser.start();
+const faults = [];
+browser.on((method, params) => {
+    if (method === 'Runtime.exceptionThrown')
+        faults.push(params.exceptionDetails.exception?.description ?? params.exceptionDetails.text);
+});
+
+async function openPage(hash = '') {
+    await browser.open('about:blank');
+    await browser.open(address + hash);
+    await browser.until('window.tarnwick !== undefined', 'the page has loaded');
+}
+
+const cover = `document.getElementById('cover')`;
+const coverButton = `document.getElementById('cover-button')`;
+const pictureCome = (count) => browser.until(`tarnwick.frames() > ${count} && ${cover}.hidden`, `${count} pictures have come`);
+
+// Gives the game's files of the tests to the page, once.
+const frozen = filesBelow(join(folder, 'frozen')).map((path) => path.slice(folder.length + 1));
+async function takeFrozenFiles() {
+    await browser.value(`(async () => {
+        window.frozen = {};
+        for (const path of ${JSON.stringify(frozen)})
+            window.frozen['/' + path] = new Uint8Array(await (await fetch(path)).arrayBuffer());
+    })()`);
+}
+
+const replay = (name, more = []) => `(async () => {
+    const bytes = new Uint8Array(await (await fetch('recordings/${name}')).arrayBuffer());
+    const result = await tarnwick.startGame(['--replay', '/play.rec', ...${JSON.stringify(more)}],
+        { data: '/frozen', given: { ...frozen, '/play.rec': bytes }, fixedSize: [320, 240] });
+    return { status: result.status, lines: result.lines };
+})()`;
+
+await browser.size(1280, 900);
+await test('the first picture comes', async () => {
+    await openPage();
+    await pictureCome(1);
+});
+
+for (const [name, digit] of [['software', 'Digit9'], ['accelerator', 'Digit0']]) {
+    await test(`keys lead through the front end into level 3, ${name}`, async () => {
+        await openPage();
+        await pictureCome(1);
+        const steps = [['Space', 'FrontEnd/Select01.bmp'], ['Digit3', 'FrontEnd/Select02.bmp'],
+            [digit, 'game/data/levels/level3/texture.bin']];
+        for (const [key, file] of steps) {
+            await browser.hold(key, 150);
+            await browser.until(`tarnwick.files().placed.has('${file}') && ${cover}.hidden`, `${key} is answered`);
+        }
+        await pictureCome(20);
+        const look = () => browser.value(`document.getElementById('screen').toDataURL()`);
+        const before = await look();
+        await browser.hold('ArrowUp', 1200);
+        expect(await look() !== before, 'the picture is the same after a run');
+    });
+}
+
+await test('another size of the window', async () => {
+    await browser.size(800, 600, { scale: 2 });
+    await browser.until(`document.getElementById('screen').width >= 1100`, 'the canvas has the pixels of the screen');
+    const before = await browser.value('tarnwick.frames()');
+    await pictureCome(before + 5);
+    await browser.size(1280, 900);
+});
+
+await test('a hidden page stands still, a shown one goes on', async () => {
+    const hide = (hidden) => browser.value(`Object.defineProperty(document, 'hidden', { value: ${hidden}, configurable: true });
+        document.dispatchEvent(new Event('visibilitychange'))`);
+    await hide(true);
+    await new Promise((resolve) => setTimeout(resolve, 500));
+    const before = await browser.value('tarnwick.frames()');
+    await new Promise((resolve) => setTimeout(resolve, 500));
+    expect(await browser.value('tarnwick.frames()') === before, 'pictures come while nobody looks');
+    await hide(false);
+    await pictureCome(before + 3);
+});
+
+await test('a lost WebGL context is told, and the game starts again', async () => {
+    await browser.value(`document.getElementById('screen').getContext('webgl2').getExtension('WEBGL_lose_context').loseContext()`);
+    await browser.until(`!${coverButton}.hidden`, 'the page tells it');
+    await browser.value(`${coverButton}.click()`);
+    await pictureCome(3);
+});
+
+await test('a level that cannot be fetched is told, and comes later', async () => {
+    await openPage();
+    await pictureCome(1);
+    await browser.send('Network.setBlockedURLs', { urls: ['*/assets/*.bin'] });
+    await browser.value(`location.hash = '#level=2'`);
+    await browser.until(`!${coverButton}.hidden && ${cover}.textContent.includes('could not be fetched')`, 'the page tells it');
+    await browser.send('Network.setBlockedURLs', { urls: [] });
+    await browser.value(`${coverButton}.click()`);
+    await pictureCome(10);
+});
+
+await openPage('#wait');
+await takeFrozenFiles();
+for (const name of readdirSync(join(folder, 'recordings')).filter((file) => file.endsWith('.rec'))) {
+    await test(`${name} as recorded`, async () => {
+        const { status, lines } = await browser.value(replay(name));
+        expect(status === 0, lines.slice(-2).join(' '));
+    });
+}
+
+await test('the software picture is pixel for pixel the native one', async () => {
+    await browser.value(replay('moves.rec', ['--frames', String(PICTURE_FRAMES)]));
+    const different = await browser.value(`(async () => {
+        const pixels = (image) => {
+            const canvas = new OffscreenCanvas(320, 240);
+            const context = canvas.getContext('2d');
+            context.drawImage(image, 0, 0);
+            return new Uint32Array(context.getImageData(0, 0, 320, 240).data.buffer);
+        };
+        const native = pixels(await createImageBitmap(await (await fetch('moves.png')).blob()));
+        const shown = pixels(document.getElementById('screen'));
+        return shown.filter((pixel, i) => pixel !== native[i]).length;
+    })()`);
+    expect(different === 0, `${different} of 76800 pixels differ`);
+});
+
+if (pictures) {
+    mkdirSync(pictures, { recursive: true });
+    const take = async (name, hash, frames) => {
+        await openPage(hash);
+        await pictureCome(frames);
+        await browser.picture(join(pictures, name));
+    };
+    await take('desktop.png', '', 2);
+    for (const renderer of ['software', 'accelerator']) {
+        await browser.value(`localStorage.setItem('renderer', '${renderer}')`);
+        for (let level = 1; level <= 8; level++) await take(`level${level}_${renderer}.png`, `#level=${level}`, 40);
+    }
+    await browser.size(412, 915, { scale: 2, touch: true });
+    await take('phone_upright.png', '#level=3', 40);
+    await browser.size(915, 412, { scale: 2, touch: true });
+    await take('phone_lying.png', '#level=3', 40);
+}
+
+await test('no fault of a script', async () => expect(faults.length === 0, faults.join('\n')));
+await browser.stop();
+server.kill();
+rmSync(folder, { recursive: true, force: true });
+console.log(`\n${passed} passed, ${failed} failed`);
+process.exit(failed === 0 ? 0 : 1);
