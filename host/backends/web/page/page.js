@@ -104,11 +104,15 @@ function untilShown() {
 function pageFor(canvas, module, alive, options) {
     const webGl = options.webGl !== false && hasWebGl();
     let pixelContext = null;
+    let waiting = false;
     const goOn = async (promise) => {
+        waiting = true;
         await promise;
         if (!alive()) await new Promise(() => {});
+        waiting = false;
     };
     return {
+        waits: () => waiting,
         nap: (milliseconds) => goOn(nap(milliseconds)),
         wait: (milliseconds) => goOn(document.hidden ? untilShown() : nap(milliseconds)),
         bringFile: (path) => goOn(insist('A file of the game', () => files.bring(module().FS, path, (share) => {
@@ -171,14 +175,15 @@ export async function startGame(options, { given = {}, ...rest } = {}) {
         wasmBinary: program,
         canvas,
         page: null,
-        print: () => {},
+        print: (line) => lines.push(line),
         printErr: (line) => {
             lines.push(line);
             console.warn(line);
         },
-        quit: (status) => {
-            end(status);
-            throw new Error('the game has ended');
+        // Also called when the program begins to wait for the first time, as if it had ended then.
+        quit: (status, ending) => {
+            if (!moduleOptions.page.waits()) end(status);
+            throw ending;
         },
         onAbort: () => end(-1),
     };
@@ -193,7 +198,7 @@ export async function startGame(options, { given = {}, ...rest } = {}) {
     try {
         module.callMain(['--data', rest.data ?? '/data', '--log', '/dev/null', ...options]);
     } catch (problem) {
-        if (String(problem.message) !== 'the game has ended') {
+        if (problem.name !== 'ExitStatus') {
             console.error(problem);
             end(-1);
         }
@@ -265,6 +270,10 @@ async function nameKeys() {
 }
 
 function listen() {
+    // What ends the program goes through all that waits for it.
+    addEventListener('unhandledrejection', (event) => {
+        if (event.reason?.name === 'ExitStatus') event.preventDefault();
+    });
     addEventListener('hashchange', () => start());
     rendererChoice.addEventListener('change', () => {
         localStorage.setItem('renderer', rendererChoice.value);
