@@ -177,6 +177,15 @@ await test('the software picture is pixel for pixel the native one', async () =>
     expect(different === 0, `${different} of 76800 pixels differ`);
 });
 
+for (const name of readdirSync(join(folder, 'recordings')).filter((file) => file.endsWith('.rec'))) {
+    await test(`${name} as recorded, in node`, async () => {
+        const said = execFileSync('node', [join(tests, '../host/backends/web/node_run.mjs'), join(pageFolder, '..'), tests,
+            '--headless', '--data', '/levels/data', '--log', '/dev/null', '--replay', `/replay/${name}`],
+            { encoding: 'utf8', stdio: 'pipe' });
+        expect(said.includes('all as recorded'), said.slice(-200));
+    });
+}
+
 if (pictures) {
     mkdirSync(pictures, { recursive: true });
     const take = async (name, hash, frames) => {
