@@ -27,7 +27,7 @@ WorldVector GetVector(ByteReader& in) {
 void Put(ByteWriter& out, const WorldNode& node) {
     out.I16(node.front);
     out.I16(node.back);
-    out.U16(node.plane);
+    out.U16(static_cast<uint16_t>(node.plane));
     Put(out, node.centre);
     out.Zeros(12);
     Put(out, node.halfExtents);
@@ -45,9 +45,9 @@ WorldNode GetNode(ByteReader& in) {
 }
 
 void Put(ByteWriter& out, const WorldLeaf& leaf) {
-    out.U16(leaf.polygonCount);
+    out.U16(static_cast<uint16_t>(leaf.polygonCount));
     out.Zeros(4);
-    out.U16(leaf.firstPolygon);
+    out.U16(static_cast<uint16_t>(leaf.firstPolygon));
     Put(out, leaf.centre);
     out.Zeros(12);
     Put(out, leaf.halfExtents);
@@ -79,8 +79,8 @@ void Put(ByteWriter& out, const WorldPolygon& polygon) {
     out.U8(polygon.texture);
     out.U8(polygon.shading);
     out.Zeros(3);
-    out.U16(polygon.firstCorner);
-    out.U16(polygon.plane);
+    out.U16(static_cast<uint16_t>(polygon.firstCorner));
+    out.U16(static_cast<uint16_t>(polygon.plane));
 }
 
 WorldPolygon GetPolygon(ByteReader& in) {

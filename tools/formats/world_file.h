@@ -23,14 +23,14 @@ using WorldVector = std::array<float, 3>;
 struct WorldNode {
     int16_t front = 0;
     int16_t back = 0;
-    uint16_t plane = 0;
+    uint32_t plane = 0;
     WorldVector centre{};  // centre of the box; the engine measures the radii from it
     WorldVector halfExtents{};
 };
 
 struct WorldLeaf {
-    uint16_t polygonCount = 0;
-    uint16_t firstPolygon = 0;
+    uint32_t polygonCount = 0;
+    uint32_t firstPolygon = 0;
     WorldVector centre{};
     WorldVector halfExtents{};
 };
@@ -47,8 +47,8 @@ struct WorldPolygon {
     uint8_t cornerCount = 0;  // 3..12
     uint8_t texture = 0;      // slot
     uint8_t shading = WORLD_POINT_LIGHT;
-    uint16_t firstCorner = 0;
-    uint16_t plane = 0;
+    uint32_t firstCorner = 0;
+    uint32_t plane = 0;
 };
 
 struct WorldPoint {
@@ -62,6 +62,7 @@ struct WorldCorner {
     float v = 0;
 };
 
+// Worlds that are never written may be larger than the numbers of the file reach.
 struct WorldFile {
     std::vector<WorldNode> nodes;
     std::vector<WorldLeaf> leaves;
@@ -71,7 +72,7 @@ struct WorldFile {
     std::vector<WorldCorner> corners;
 };
 
-std::vector<uint8_t> EncodeWorld(const WorldFile& world);
+std::vector<uint8_t> EncodeWorld(const WorldFile& world);  // planes, polygons and corners within 16 bits
 // ContentError for a wrong magic or version, a short or overlong file and any index outside its table.
 WorldFile DecodeWorld(std::vector<uint8_t> content, const std::string& fileName);
 WorldFile ReadWorldFile(const std::filesystem::path& path);

@@ -2,16 +2,14 @@
 
 #include "formats/depfile.h"
 #include "formats/files.h"
-#include "mapc/emit.h"
-#include "mapc/fan.h"
 #include "mapc/instances.h"
 #include "mapc/light.h"
+#include "mapc/light_cuts.h"
 #include "mapc/light_slots.h"
 #include "mapc/map_places.h"
 #include "mapc/merge.h"
 #include "mapc/sealing.h"
 #include "mapc/skirts.h"
-#include "mapc/tessellate.h"
 #include "records/levels.h"
 
 #include <fmt/format.h>
@@ -19,10 +17,6 @@
 #include <chrono>
 
 namespace {
-
-std::string PlaceText(const Vec3& p) {
-    return fmt::format("({:.0f} {:.0f} {:.0f})", p.x, p.y, p.z);
-}
 
 [[noreturn]] void RefuseLeak(const MapFile& map, const std::vector<Vec3>& path) {
     std::string text =
@@ -66,61 +60,6 @@ ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const PlayerSta
     return {std::move(surface.visible), std::move(skirts)};
 }
 
-Mesh MeshOf(const Tree& tree, const Brushes& brushes, double scale) {
-    Mesh mesh = WeldMesh(tree, scale);
-    CheckMesh(brushes.file, tree, mesh);
-    FillTJunctions(mesh, scale);
-    CheckMesh(brushes.file, tree, mesh);
-    MakeFans(mesh, brushes.planes, [&](const MeshPolygon& polygon) {
-        const bool cornerLight = brushes.textures[static_cast<size_t>(polygon.texture)].cornerLight;
-        return cornerLight ? CORNER_LIGHT_CORNERS : BSP_CORNERS_MAX;
-    });
-    return mesh;
-}
-
-WorldFile CutOnWholeGrid(const MapFile& map, Tree tree, const Brushes& brushes, const Placement& placement,
-                         const LightGrid& grid) {
-    TessellateFaces(tree, brushes, grid);
-    const Mesh mesh = MeshOf(tree, brushes, placement.scale);
-    CheckMesh(map.name, tree, mesh);
-    return EmitWorld(tree, mesh, brushes, placement);
-}
-
-void Emit(Tree tree, const Brushes& brushes, const std::vector<Face>& skirts, CompiledLevel& compiled) {
-    AddWhole(tree, skirts, brushes.planes);
-    const Mesh mesh = MeshOf(tree, brushes, compiled.placement.scale);
-    CheckMesh(brushes.file, tree, mesh);
-    compiled.world = EmitWorld(tree, mesh, brushes, compiled.placement);
-    compiled.counts = CountWorld(compiled.world, tree.depth);
-    CheckCounts(brushes.file, compiled.counts);
-    CheckPlacesToStand(brushes.file, compiled.world);
-    compiled.contacts = MostContacts(compiled.world);
-}
-
-// Where the player would touch too many polygons, the smallest skirts have to go.
-void EmitWithSkirts(const Tree& tree, const Brushes& brushes, std::vector<Face> skirts, CompiledLevel& compiled) {
-    const size_t all = skirts.size();
-    Emit(tree, brushes, skirts, compiled);
-    while (compiled.contacts.count > LEVEL_CONTACTS_MAX) {
-        const WorldVector& place = compiled.contacts.place;
-        const size_t tooMany = static_cast<size_t>(compiled.contacts.count - LEVEL_CONTACTS_MAX);
-        const double reach = CONTACTS_REACH / compiled.placement.scale;
-        if (!ThinSkirts(skirts, compiled.placement.ToMap({place[0], place[1], place[2]}), reach, tooMany)) break;
-        Emit(tree, brushes, skirts, compiled);
-    }
-    compiled.skirts = skirts.size();
-    compiled.skirtsLeftOut = all - skirts.size();
-}
-
-void CheckContacts(const MapFile& map, const Contacts& contacts, const Placement& placement) {
-    if (contacts.count <= LEVEL_CONTACTS_MAX) return;
-    const Vec3 place = placement.ToMap({contacts.place[0], contacts.place[1], contacts.place[2]});
-    Refuse(map.name, 0,
-           fmt::format("a player at {} touches {} polygons at once, at most {}", PlaceText(place), contacts.count,
-                       LEVEL_CONTACTS_MAX),
-           "simplify the brushes around that place");
-}
-
 void AddLight(const LightSources& sources, const BakeOptions& options, CompiledLevel& compiled) {
     const auto begin = std::chrono::steady_clock::now();
     LitWorld lit = LightWorld(compiled.world, sources, options);
@@ -151,6 +90,8 @@ std::string ReportOf(const CompiledLevel& level) {
     report += "\n";
     report += fmt::format("{:>9.2f} seconds of light: {} rays, {:.1f} million a second\n", level.lightSeconds,
                           level.rays, static_cast<double>(level.rays) / (level.lightSeconds * 1e6));
+    for (const std::string& note : level.notes)
+        report += fmt::format("note: {}\n", note);
     return report;
 }
 
@@ -185,17 +126,15 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
 
     const Material* clip = settings.skirts ? ClipMaterial(list) : nullptr;
     ReachableSurface surface = SurfaceOf(map, brushes, start, clip, settings.scale);
-    Tree tree = BuildDrawingTree(std::move(surface.faces), brushes);
+    const Tree tree = BuildDrawingTree(std::move(surface.faces), brushes);
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
-    if (settings.subdivide > 0 && bake.quality != LightQuality::None) {
-        const LightGrid grid{settings.subdivide / settings.scale, settings.scale};
-        const WorldFile whole = CutOnWholeGrid(map, tree, brushes, compiled.placement, grid);
-        const std::vector<int8_t> light = BrightestLight(whole, sources, bake.threads);
-        TessellateWhereLightBends(tree, brushes.planes, grid, {whole, light, compiled.placement},
-                                  settings.lightTolerance);
-    }
-    EmitWithSkirts(tree, brushes, std::move(surface.skirts), compiled);
-    CheckContacts(map, compiled.contacts, compiled.placement);
+    CutWorld cut = CutForLight(tree, std::move(surface.skirts), sources, bake);
+    compiled.world = std::move(cut.world);
+    compiled.counts = std::move(cut.counts);
+    compiled.contacts = cut.contacts;
+    compiled.skirts = cut.skirts;
+    compiled.skirtsLeftOut = cut.skirtsLeftOut;
+    compiled.notes = std::move(cut.notes);
     AddLight(sources, bake, compiled);
     return compiled;
 }

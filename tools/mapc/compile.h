@@ -18,6 +18,7 @@ struct CompiledLevel {
     Placement placement;
     PlacesFile places;
     std::vector<Count> counts;
+    std::vector<std::string> notes;  // what the author should know, a line each
     Contacts contacts;
     size_t skirts = 0, skirtsLeftOut = 0;
     size_t rays = 0;          // rays traced for the light

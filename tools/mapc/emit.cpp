@@ -51,14 +51,14 @@ private:
         }
     }
 
-    uint16_t PlaneOf(int id) {
+    uint32_t PlaneOf(int id) {
         int& number = planeOfId_[static_cast<size_t>(id)];
         if (number < 0) number = AddPlane(id);
-        return static_cast<uint16_t>(number);
+        return static_cast<uint32_t>(number);
     }
 
     // Welding can turn the plane of a sliver, and a plane that disagrees with its corners has no solid behind it.
-    uint16_t PlaneOf(const MeshPolygon& polygon) {
+    uint32_t PlaneOf(const MeshPolygon& polygon) {
         constexpr double AGREES = 0.995;  // cosine
         const Winding winding = WindingOf(polygon);
         const Vec3 normal = WindingNormal(winding);
@@ -66,7 +66,7 @@ private:
         if (length == 0 || Dot(normal, brushes_.planes[polygon.plane].normal) >= AGREES * length) {
             return PlaneOf(polygon.plane);
         }
-        return static_cast<uint16_t>(AddPlane(normal * (1 / length), WindingCentre(winding)));
+        return static_cast<uint32_t>(AddPlane(normal * (1 / length), WindingCentre(winding)));
     }
 
     int AddPlane(int id) { return AddPlane(brushes_.planes[id].normal, anchors_[static_cast<size_t>(id)]); }
@@ -137,8 +137,8 @@ private:
 
     void EmitLeaf(std::vector<MeshPolygon> polygons) {
         WorldLeaf leaf;
-        leaf.firstPolygon = static_cast<uint16_t>(world_.polygons.size());
-        leaf.polygonCount = static_cast<uint16_t>(polygons.size());
+        leaf.firstPolygon = static_cast<uint32_t>(world_.polygons.size());
+        leaf.polygonCount = static_cast<uint32_t>(polygons.size());
         std::stable_sort(polygons.begin(), polygons.end(),
                          [&](const MeshPolygon& a, const MeshPolygon& b) { return ContactOrder(a) < ContactOrder(b); });
         for (const MeshPolygon& polygon : polygons)
@@ -154,7 +154,7 @@ private:
         polygon.cornerCount = static_cast<uint8_t>(source.corners.size());
         polygon.texture = static_cast<uint8_t>(texture.material->slot);
         polygon.shading = texture.cornerLight ? WORLD_CORNER_LIGHT : WORLD_POINT_LIGHT;
-        polygon.firstCorner = static_cast<uint16_t>(world_.corners.size());
+        polygon.firstCorner = static_cast<uint32_t>(world_.corners.size());
         polygon.plane = PlaneOf(source);
         for (const int vertex : source.corners) {
             const Vec3& p = mesh_.vertices[static_cast<size_t>(vertex)];

@@ -42,20 +42,6 @@ void CheckSize(const Brushes& brushes, double scale) {
            fmt::format("make it smaller, or its key \"scale\": {:.0f} are the most", LEVEL_SIZE_MAX));
 }
 
-void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh) {
-    size_t polygons = 0;
-    size_t corners = 0;
-    for (const auto& leaf : mesh.leaves) {
-        polygons += leaf.size();
-        for (const MeshPolygon& polygon : leaf)
-            corners += polygon.corners.size();
-    }
-    CheckCounts(file, {NodeCount(tree.nodes.size()),
-                       {"leaves", tree.leaves.size(), LEAVES_MAX},
-                       PolygonCount(polygons),
-                       {"polygon corners", corners, CORNERS_MAX}});
-}
-
 std::vector<Count> CountWorld(const WorldFile& world, int treeDepth) {
     const size_t memory = NODE_BYTES * world.nodes.size() + LEAF_TABLES_BYTES * world.leaves.size() +
                           PLANE_BYTES * world.planes.size() + POLYGON_TABLES_BYTES * world.polygons.size() +

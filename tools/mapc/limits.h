@@ -17,8 +17,6 @@ constexpr int LEVEL_CONTACTS_MAX = CONTACTS_MAX - 50;  // a margin below what en
 constexpr double LEVEL_SIZE_MAX = 65536;
 // ContentError for a level that is larger along any axis, in engine units.
 void CheckSize(const Brushes& brushes, double scale);
-// Counts that do not fit the file's numbers; ContentError that lists all that are exceeded.
-void CheckMesh(const std::string& file, const Tree& tree, const Mesh& mesh);
 // All counts of a finished world.
 std::vector<Count> CountWorld(const WorldFile& world, int treeDepth);
 
@@ -27,7 +25,7 @@ struct Contacts {
     int count = 0;
     WorldVector place{};  // sphere centre
 };
-// Where MostContacts tries. ContentError for more than it can try in reasonable time.
-void CheckPlacesToStand(const std::string& file, const WorldFile& world);
+// Where MostContacts tries, against what it can try in reasonable time.
+Count PlacesToStand(const WorldFile& world);
 // The most polygons that one query of a moving player can gather, tried all over the walkable polygons.
 Contacts MostContacts(const WorldFile& world);

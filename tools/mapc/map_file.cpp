@@ -233,6 +233,10 @@ MapFile ReadMapFile(const std::filesystem::path& path) {
     return ParseMap(std::string(content.begin(), content.end()), path.string());
 }
 
+std::string PlaceText(const Vec3& p) {
+    return fmt::format("({:.0f} {:.0f} {:.0f})", p.x, p.y, p.z);
+}
+
 double NumberKey(const MapEntity& entity, const std::string& name, double ifMissing) {
     const MapKey* key = entity.Find(name);
     if (!key) return ifMissing;

@@ -63,6 +63,8 @@ struct MapFile {
 MapFile ParseMap(const std::string& text, const std::string& name);  // ContentError with file and line
 MapFile ReadMapFile(const std::filesystem::path& path);
 
+std::string PlaceText(const Vec3& p);  // "(12 -40 7)", as messages name it
+
 // Values of keys; a missing key gives the default, a malformed one a ContentError that names the key's line.
 double NumberKey(const MapEntity& entity, const std::string& name, double ifMissing);
 double NumberKeyIn(const MapEntity& entity, const std::string& name, double ifMissing, double least,

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr double SAME_PLACE = 0.2;     // map units; more than welding moves a corner
+constexpr double SAME_PLACE = 0.2;     // engine units; more than welding moves a corner
 constexpr double SAME_FACING = 0.999;  // cosine
 
 Vec3 Widened(const WorldVector& v) {
@@ -24,9 +24,10 @@ SurfaceLight::SurfaceLight(const WorldFile& world, const std::vector<int8_t>& li
 std::optional<double> SurfaceLight::At(const Vec3& place, const Vec3& outward) const {
     const Vec3 turned = placement_.Turned(outward);
     std::optional<double> light;
-    double nearest = SAME_PLACE * SAME_PLACE;
+    const double reach = SAME_PLACE / placement_.scale;
+    double nearest = reach * reach;
     int nearestNumber = -1;
-    cells_.ForEach(Box{place, place}.Grown(SAME_PLACE), [&](int number) {
+    cells_.ForEach(Box{place, place}.Grown(reach), [&](int number) {
         const LitPoint& point = points_[static_cast<size_t>(number)];
         const double distance = LengthSquared(point.place - place);
         if (distance > nearest || Dot(point.outward, turned) < SAME_FACING) return;

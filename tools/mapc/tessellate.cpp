@@ -1,7 +1,6 @@
 #include "mapc/tessellate.h"
 
 #include "mapc/box_grid.h"
-#include "mapc/counts.h"
 #include "mapc/light_fit.h"
 #include "mapc/mesh.h"
 #include "records/walking_facts.h"
@@ -188,19 +187,19 @@ void CutDrawnFaces(Tree& tree, CutOne cutOne) {
 
 }  // namespace
 
-void TessellateFaces(Tree& tree, const Brushes& brushes, const LightGrid& grid) {
-    GridLines lines(tree, brushes.planes, grid);
+bool TessellateFaces(Tree& tree, const PlaneTable& planes, const LightGrid& grid, size_t piecesMax) {
+    GridLines lines(tree, planes, grid);
     size_t count = 0;
     CutDrawnFaces(tree, [&](const Face& face) {
-        std::vector<Face> pieces = CutEverywhere(lines, face);
+        std::vector<Face> pieces = count > piecesMax ? std::vector<Face>() : CutEverywhere(lines, face);
         count += pieces.size();
-        CheckCounts(brushes.file, {PolygonCount(count)});
         return pieces;
     });
+    return count <= piecesMax;
 }
 
 void TessellateWhereLightBends(Tree& tree, const PlaneTable& planes, const LightGrid& grid, const SurfaceLight& light,
-                               double tolerance) {
+                               const std::function<double(const Face&)>& tolerance) {
     GridLines lines(tree, planes, grid);
     CutDrawnFaces(tree, [&](Face& face) {
         const Vec3& normal = planes[face.plane].normal;
@@ -210,7 +209,7 @@ void TessellateWhereLightBends(Tree& tree, const PlaneTable& planes, const Light
         for (const LightSample& sample : samples)
             all.push_back(&sample);
         std::vector<Face> pieces;
-        LightCutter(lines, lines.LowestCut(face), normal, tolerance).Divide(std::move(face), all, pieces);
+        LightCutter(lines, lines.LowestCut(face), normal, tolerance(face)).Divide(std::move(face), all, pieces);
         return pieces;
     });
 }

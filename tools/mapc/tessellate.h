@@ -4,6 +4,8 @@
 #include "mapc/bsp_tree.h"
 #include "mapc/surface_light.h"
 
+#include <functional>
+
 // A wall is cut across its height only where nobody can stand or fall by: the player takes the part below such a cut
 // for a step when it ends less than 50 engine units above him.
 struct LightGrid {
@@ -11,10 +13,11 @@ struct LightGrid {
     double scale = 1;  // engine units per map unit
 };
 
-void TessellateFaces(Tree& tree, const Brushes& brushes, const LightGrid& grid);
+// Cuts on the whole grid. False: that makes more than piecesMax pieces, and the tree is of no more use.
+bool TessellateFaces(Tree& tree, const PlaneTable& planes, const LightGrid& grid, size_t piecesMax);
 
 // Cuts only where the corners that are left could not stand in for those of the whole grid: nowhere does the light
-// between them differ by more than the tolerance, however the face is divided into triangles. light: of the world that
+// between them differ by more than the face's tolerance, however it is divided into triangles. light: of the world that
 // is cut on the whole grid.
 void TessellateWhereLightBends(Tree& tree, const PlaneTable& planes, const LightGrid& grid, const SurfaceLight& light,
-                               double tolerance);
+                               const std::function<double(const Face&)>& tolerance);

@@ -75,6 +75,29 @@ TEST(LightGrid, EvenLightCutsNothing) {
     EXPECT_EQ(Compile(map).world.polygons.size(), 6U) << "a weak lamp is within the tolerance";
 }
 
+TEST(LightGrid, WorldsThatAreOnlyTooLargeOnTheWholeGridAreTaken) {
+    MapBuilder map;
+    map.Key("ambient", "0").Key("subdivide", "128").Room({0, 0, 0}, {20000, 20000, 512}).Start("64 64 64");
+    EXPECT_EQ(Compile(map).world.polygons.size(), 6U) << "of 28,000 on the whole grid";
+}
+
+TEST(LightGrid, IsCoarserWhereAPlayerWouldTouchTooMuch) {
+    MapBuilder map = Hall("0");
+    map.Key("subdivide", "128");
+    for (int i = 0; i < 16; ++i) {
+        const int x = 2800 + i % 4 * 40;
+        const int y = 800 + i / 4 * 40;
+        map.TurnedBox({x, y, 0}, {x + 24, y + 24, 150});
+    }
+    map.Light("2900 900 200", "\"radius\" \"300\"\n");
+    const CompiledLevel level = Compile(map);
+    EXPECT_LE(level.contacts.count, LEVEL_CONTACTS_MAX);
+    ASSERT_FALSE(level.notes.empty());
+    EXPECT_NE(level.notes[0].find("the light grid is coarser around (2"), std::string::npos) << level.notes[0];
+    EXPECT_GT(level.world.polygons.size(), 1000U) << "it is as fine as it was elsewhere";
+    EXPECT_EQ(Faults(level.world), Findings{});
+}
+
 TEST(LightGrid, WhatIsLeftWholeShowsTheLightOfTheWholeGrid) {
     const CompiledLevel exact = Compile(Hall("0"));
     for (const double tolerance : {3.0, 6.0, 12.0}) {

@@ -46,7 +46,7 @@ Findings OpenEdges(const WorldFile& world) {
 }
 
 Findings FalseSteps(const WorldFile& world) {
-    std::map<std::pair<std::pair<uint32_t, uint32_t>, uint16_t>, size_t> edges;  // points are shared within a plane
+    std::map<std::pair<std::pair<uint32_t, uint32_t>, uint32_t>, size_t> edges;  // points are shared within a plane
     for (size_t i = 0; i < world.polygons.size(); ++i) {
         const WorldPolygon& polygon = world.polygons[i];
         for (size_t k = 0; k < polygon.cornerCount; ++k) {
