@@ -1,6 +1,7 @@
 #include "mapc/light_slots.h"
 
 #include "formats/error.h"
+#include "mapc/steady_slots.h"
 #include "records/walking_facts.h"
 
 #include <fmt/format.h>
@@ -14,40 +15,25 @@ constexpr size_t FLOORS_MAX = 1000;
 constexpr double FAR_DISTANCE = 1e5;
 constexpr double FAR_RADIUS = 1e6;
 constexpr double FAR_SHARE = 1 - FAR_DISTANCE / FAR_RADIUS;  // the share of its intensity that arrives
+// Slots that reach a place, those of steady lamps among them: a few below the most, which also holds between the places.
+constexpr size_t CROWD_MAX = CHARACTER_LIGHT_COUNT - 3;
 constexpr double FAR_LIGHT_MIN = 0.5;                        // light bytes; less gets no slot
-constexpr int FIT_STEPS = 8;                                 // steps in which radius and height are tried
 
 Vec3 Widened(const WorldVector& v) {
     return {v[0], v[1], v[2]};
 }
 
-// How a slot lights the character.
-struct SlotShape {
-    Vec3 position;
-    double radius = 0;
-    double intensity = 0;
-};
-
-// Sums over the places that tell how near a shape comes to the light that is there.
-struct FitSums {
-    double wantedShown = 0;
-    double shownSquared = 0;
-    double wantedSquared = 0;
-
-    double BestIntensity() const { return shownSquared > 0 ? wantedShown / shownSquared : 0; }
-    double Error(double intensity) const {
-        return wantedSquared - 2 * intensity * wantedShown + intensity * intensity * shownSquared;
-    }
-};
-
 struct Slot {
     LightSlotRecord record;
-    SourceLine line;  // of its light; none: the sun, the sky, or light that is everywhere
+    SourceLine line;  // of its light; none: steady lamps, the sun, the sky, or light that is everywhere
 };
 
 class SlotMaker {
 public:
-    SlotMaker(const BakedLight& baked, const SlotSources& sources) : baked_(baked), sources_(sources) {}
+    SlotMaker(const BakedLight& baked, const SlotSources& sources) : baked_(baked), sources_(sources) {
+        for (const PlaceLight& place : baked.places)
+            places_.push_back(place.place);
+    }
 
     LightSlotFile Make() {
         AddFarLights();
@@ -56,8 +42,7 @@ public:
             AddChanging(lamps.changing[i], baked_.changing[i], lamps.steady.size() + i);
         for (const PointLight& light : lamps.dynamic)
             AddDynamic(light);
-        for (size_t i = 0; i < lamps.steady.size(); ++i)
-            AddSteady(lamps.steady[i], i);
+        AddSteady(lamps.steady);
         CheckCrowding();
         for (const Slot& slot : slots_)
             file_.slots.push_back(slot.record);
@@ -69,7 +54,7 @@ private:
         if (slots_.size() == LEVEL_SLOTS_MAX) {
             Refuse(line,
                    fmt::format("this light needs slot {}, but there are {}", LEVEL_SLOTS_MAX + 1, LEVEL_SLOTS_MAX),
-                   "use fewer lights, larger ones instead of several");
+                   "use fewer lights that change");
         }
         LightSlotRecord& record = slots_.emplace_back(Slot{{}, line}).record;
         record.type = type;
@@ -111,22 +96,12 @@ private:
 
     // --- The shape by which a lamp lights the character.
 
-    FitSums SumsOf(size_t lamp, const Vec3& position, double radius) const {
-        FitSums sums;
-        for (const PlaceLight& place : baked_.places) {
-            const double wanted = place.lamps[lamp] * sources_.exposure / LIGHT_STEP;
-            const double square = LengthSquared(place.place - position);
-            const double shown = square < radius * radius ? 1 - std::sqrt(square) / radius : 0;
-            sums.wantedShown += wanted * shown;
-            sums.shownSquared += shown * shown;
-            sums.wantedSquared += wanted * wanted;
-        }
-        return sums;
-    }
-
-    bool ReachesAPlace(size_t lamp) const {
-        return std::any_of(baked_.places.begin(), baked_.places.end(),
-                           [&](const PlaceLight& place) { return place.lamps[lamp] != 0; });
+    // The light of a lamp at each place.
+    std::vector<double> WantedOf(size_t lamp) const {
+        std::vector<double> wanted;
+        for (const PlaceLight& place : baked_.places)
+            wanted.push_back(place.lamps[lamp] * sources_.exposure / LIGHT_STEP);
+        return wanted;
     }
 
     SlotShape PlainShape(const PointLight& light) const {
@@ -134,35 +109,18 @@ private:
                 light.brightness * sources_.exposure / LIGHT_STEP};
     }
 
-    // A smaller radius keeps the light from shining on through walls.
-    SlotShape ShapeOf(const PointLight& light, size_t lamp) const {
-        const SlotShape plain = PlainShape(light);
-        SlotShape best = plain;
-        double least = std::numeric_limits<double>::infinity();
-        for (int step = FIT_STEPS; step >= 1; --step) {
-            const double radius = plain.radius * step / FIT_STEPS;
-            const FitSums sums = SumsOf(lamp, plain.position, radius);
-            const double intensity = sums.BestIntensity();
-            const double error = sums.Error(intensity);
-            if (error < least && intensity != 0) {
-                least = error;
-                best = {plain.position, radius, intensity};
-            }
-        }
-        return best;
-    }
-
     // The engine gives every flickering light the same intensity. A slot high above the lamp is the weaker for its
     // distance.
     SlotShape FlickerShape(const PointLight& light, size_t lamp) const {
         const SlotShape plain = PlainShape(light);
+        const std::vector<double> wanted = WantedOf(lamp);
         SlotShape best{plain.position, plain.radius / FIT_STEPS, FLICKER_INTENSITY};
         double least = std::numeric_limits<double>::infinity();
         for (int raise = 0; raise <= FIT_STEPS; ++raise) {
             const Vec3 position = plain.position + Vec3{0, plain.radius * raise / FIT_STEPS, 0};
             for (int step = 1; step <= 2 * FIT_STEPS; ++step) {
                 const double radius = plain.radius * step / FIT_STEPS;
-                const double error = SumsOf(lamp, position, radius).Error(FLICKER_INTENSITY);
+                const double error = SumsOf({places_, wanted}, position, radius).Error(FLICKER_INTENSITY);
                 if (error >= least) continue;
                 least = error;
                 best = {position, radius, FLICKER_INTENSITY};
@@ -173,13 +131,25 @@ private:
 
     // --- Lamps.
 
-    void AddSteady(const PointLight& light, size_t lamp) {
-        if (ReachesAPlace(lamp)) Add(LIGHT_PASSIVE, ShapeOf(light, lamp), light.line);
+    void AddSteady(const std::vector<PointLight>& lights) {
+        std::vector<SteadyLamp> lamps;
+        for (size_t i = 0; i < lights.size(); ++i)
+            lamps.push_back({PlainShape(lights[i]), WantedOf(i)});
+        SlotRoom room{LEVEL_SLOTS_MAX - slots_.size(), CROWD_MAX, {}};
+        for (const Slot& slot : slots_)
+            room.others.push_back(ShapeOf(slot.record));
+        for (const SlotShape& shape : SteadySlots(places_, std::move(lamps), room))
+            Add(LIGHT_PASSIVE, shape, {});
+    }
+
+    static SlotShape ShapeOf(const LightSlotRecord& record) {
+        return {{record.position[0], record.position[1], record.position[2]}, record.radius, record.intensity};
     }
 
     void AddChanging(const PointLight& light, const LightField& field, size_t lamp) {
         const bool flickers = light.style == LightStyle::Flicker;
-        const SlotShape shape = flickers ? FlickerShape(light, lamp) : ShapeOf(light, lamp);
+        const SlotShape shape =
+            flickers ? FlickerShape(light, lamp) : FittedShape({places_, WantedOf(lamp)}, PlainShape(light));
         const int32_t type = flickers ? LIGHT_FLICKER : light.style == LightStyle::Ramp ? LIGHT_RAMP : LIGHT_BLINK;
         LightSlotRecord& record = Add(type, shape, light.line);
         if (light.style == LightStyle::Ramp) SetRamp(light, record);
@@ -275,8 +245,7 @@ private:
             size_t count = 0;
             std::string lines;
             for (const auto& [record, line] : slots_) {
-                const Vec3 position{record.position[0], record.position[1], record.position[2]};
-                if (LengthSquared(position - place.place) > record.radiusSquared) continue;
+                if (!ReachesPlace(ShapeOf(record), place.place)) continue;
                 ++count;
                 if (line.number > 0) lines += fmt::format("{}{}", lines.empty() ? "" : ", ", line.Text());
             }
@@ -291,6 +260,7 @@ private:
 
     const BakedLight& baked_;
     const SlotSources& sources_;
+    std::vector<Vec3> places_;  // of the baked light
     std::vector<Slot> slots_;
     LightSlotFile file_;
 };

@@ -1,6 +1,7 @@
 #include "mapc/light_slots.h"
 
 #include "map_builder.h"
+#include "mapc/steady_slots.h"
 #include "support/content_error.h"
 
 #include <fmt/format.h>
@@ -124,6 +125,30 @@ TEST(LightSlots, TheCharacterIsLitAsThePlaceIs) {
     const double everywhere = 4 * 20;  // facing all four
     EXPECT_NEAR(OnCharacter(level.slots, {-200, 110, 0}), everywhere + 80 * (1 - 92.0 / 900), 15);
     EXPECT_LT(OnCharacter(level.slots, {400, 110, 0}), everywhere + 15) << "without the wall: 25 more";
+}
+
+TEST(LightSlots, SteadyLampsShareSlotsWhereThereAreTooMany) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {2400, 2400, 512}).Start("64 64 64");
+    map.Key("ambient", "0").Key("bounce", "0").Key("light_tolerance", "0");
+    std::vector<Vec3> lamps;
+    for (int i = 0; i < 400; ++i) {
+        const Vec3 lamp{60.0 + i % 20 * 120, 60.0 + i / 20 * 120, 300};
+        lamps.push_back({lamp.x, lamp.z, lamp.y});
+        map.Light(fmt::format("{} {} {}", lamp.x, lamp.y, lamp.z), "\"light\" \"4\"\n\"radius\" \"600\"\n");
+    }
+    const LightSlotFile slots = Compile(map).slots;
+    EXPECT_LE(slots.slots.size(), LEVEL_SLOTS_MAX);
+    for (const Vec3& place : {Vec3{600, 110, 600}, Vec3{1200, 110, 1200}, Vec3{1500, 110, 900}}) {
+        double wanted = 0;
+        for (const Vec3& lamp : lamps)
+            wanted += std::max(0.0, 4 * (1 - Length(lamp - place) / 600));
+        EXPECT_NEAR(OnCharacter(slots, place), wanted, wanted * 0.2);
+        const auto reaching = std::count_if(slots.slots.begin(), slots.slots.end(), [&](const LightSlotRecord& slot) {
+            return ReachesPlace({{slot.position[0], slot.position[1], slot.position[2]}, slot.radius}, place);
+        });
+        EXPECT_LE(reaching, CHARACTER_LIGHT_COUNT);
+    }
 }
 
 TEST(LightSlots, TheSunIsAFarSlotAsStrongAsItsShareOfThePlaces) {
