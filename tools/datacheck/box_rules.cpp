@@ -18,7 +18,7 @@ public:
         Visit(0);
         for (size_t i = 0; i < owners_.size(); ++i) {
             if (owners_[i] == 1) continue;
-            Problem(fmt::format("polygon {} at {}", i, Describe(faces_[i].Centre())),
+            Problem(fmt::format("polygon {} at {}", i, level_.Describe(faces_[i].Centre())),
                     fmt::format("belongs to {} leaves", owners_[i]));
         }
     }
@@ -59,7 +59,7 @@ private:
             }
         }
         if (leaf.polygonCount == 0) return box;
-        const std::string place = fmt::format("leaf {} at {}", number, Describe(box.Centre()));
+        const std::string place = fmt::format("leaf {} at {}", number, level_.Describe(box.Centre()));
         if (!Encloses(leaf.centre, leaf.halfExtents, box)) Problem(place, "its box leaves out a corner");
         if (!inCell) Problem(place, "a polygon leaves the leaf's cell of the tree");
         if (const double least = LeastLeafRadius(level_.number); radius < least) {

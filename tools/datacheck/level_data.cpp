@@ -16,6 +16,7 @@ std::string LevelData::GlideTexturePath(size_t texture) const {
 }
 
 std::string LevelData::WorldPath() const {
+    if (!map.empty()) return map;
     return fmt::format("{}/{}.bgm", folder, LevelRowOf(number).world);
 }
 
@@ -25,16 +26,18 @@ Vec3 StartOf(int level) {
 }
 
 bool HasSky(int level) {
-    return LevelRowOf(level).sky == LevelSky::OPEN;
+    return level == 0 || LevelRowOf(level).sky == LevelSky::OPEN;
 }
 
 double LeastLeafRadius(int level) {
-    const int ticks = LevelRowOf(level).ticks;
+    const int ticks = level == 0 ? 4 : LevelRowOf(level).ticks;
     return ticks == 1 ? 50 : ticks == 2 ? 60 : 80;
 }
 
 std::vector<bool> VisibleTextures(const LevelData& level) {
     std::vector<bool> visible(256, true);
+    for (const int slot : level.unseenSlots)
+        visible[static_cast<size_t>(slot)] = false;
     if (!level.textures) return visible;
     for (size_t i = 0; i < level.textures->slots.size() && i < visible.size(); ++i) {
         const TextureSlot& slot = level.textures->slots[i];
@@ -49,8 +52,8 @@ Vec3 Widened(const WorldVector& v) {
     return {v[0], v[1], v[2]};
 }
 
-std::string Describe(const Vec3& place) {
-    return fmt::format("({:.0f} {:.0f} {:.0f})", place.x, place.y, place.z);
+std::string LevelData::Describe(const Vec3& place) const {
+    return PlaceText(placement ? placement->ToMap(place) : place);
 }
 
 Vec3 WorldFace::Centre() const {
@@ -101,7 +104,8 @@ std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, s
     for (const WorldFace& face : faces) {
         if (face.Up() > LANDING_SLOPE) floors.push_back(face.Centre());
     }
-    std::vector<Vec3> places = {StartOf(level)};
+    std::vector<Vec3> places;
+    if (level > 0) places.push_back(StartOf(level));
     const size_t step = floors.size() / most + 1;
     for (size_t i = 0; i < floors.size(); i += step) {
         // No place is taken on top of a thing close under a ceiling: the eye would look out from inside the ceiling.

@@ -6,7 +6,7 @@
 #include "formats/static_object_file.h"
 #include "formats/texture_file.h"
 #include "formats/world_file.h"
-#include "mapc/geometry.h"
+#include "mapc/placement.h"
 
 #include <map>
 #include <optional>
@@ -15,7 +15,7 @@
 
 // A file that could not be read is missing here; its problem is already told.
 struct LevelData {
-    int number = 0;      // 1..8
+    int number = 0;      // 1..8; 0: a map without a level, whose start and sky nobody knows
     std::string folder;  // the level's folder as messages name it
     std::optional<WorldFile> world;
     std::optional<LightMapFile> light;
@@ -26,9 +26,17 @@ struct LevelData {
     // Engine memory that the character takes; while it has no files, what it is planned to take.
     size_t characterBytes = 450000;
 
+    // Of a level that is not written yet: the name of its map, where places lie in it, and what texture.bin will not
+    // show.
+    std::string map;
+    std::optional<Placement> placement;
+    std::vector<int> unseenSlots;
+
+    std::string Describe(const Vec3& place) const;  // "(12 -40 7)", in the map where there is one
+
     std::string WorldPath() const;
-    std::string LightPath() const { return folder + "/lights.lmp"; }
-    std::string SlotPath() const { return folder + "/lights.alt"; }
+    std::string LightPath() const { return map.empty() ? folder + "/lights.lmp" : map; }
+    std::string SlotPath() const { return map.empty() ? folder + "/lights.alt" : map; }
     std::string TexturePath() const { return folder + "/texture.bin"; }
     std::string GlideTexturePath(size_t texture) const;
     std::string SkyPath() const { return folder + "/sky.sob"; }
@@ -37,13 +45,12 @@ struct LevelData {
 // For each texture whether it has any texel that can be seen. Clip walls have none.
 std::vector<bool> VisibleTextures(const LevelData& level);
 
-// The level's start in the game's table.
+// The level's start in the game's table; level 1 to 8.
 Vec3 StartOf(int level);
 bool HasSky(int level);
 double LeastLeafRadius(int level);  // smaller leaves lose contacts at the level's frame length
 
 Vec3 Widened(const WorldVector& v);
-std::string Describe(const Vec3& place);  // "(12 -40 7)"
 
 // A polygon is seen, and stops the player, from the negative side of its plane.
 struct WorldFace {

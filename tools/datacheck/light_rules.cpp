@@ -42,10 +42,7 @@ void CheckLightBytes(const LevelData& level, Report& report) {
 
 void CheckDistances(const LevelData& level, Report& report) {
     const LightMapFile& light = *level.light;
-    Box box;
-    for (const WorldPoint& point : level.world->points)
-        box.Add(Widened(point.position));
-    const double diagonal = box.IsEmpty() ? 0 : Length(box.max - box.min);
+    const double diagonal = DiagonalOf(*level.world);
     if (light.farDistance < diagonal) {
         report.Problem(
             level.LightPath(), "far distance",
@@ -76,8 +73,8 @@ private:
         report_.Problem(level_.SlotPath(), place, wrong, remedy);
     }
 
-    static std::string PlaceOf(size_t number, const LightSlotRecord& slot) {
-        return fmt::format("slot {} at {}", number, Describe(Widened(slot.position)));
+    std::string PlaceOf(size_t number, const LightSlotRecord& slot) const {
+        return fmt::format("slot {} at {}", number, level_.Describe(Widened(slot.position)));
     }
 
     void CheckSlot(size_t number) {
@@ -155,7 +152,7 @@ private:
         for (const Vec3& place : PlacesOfPlay(level_.number, FacesOf(*level_.world), PLACES)) {
             const auto reached = PointsWithin(place, double{SHOT_LIGHT_RADIUS});
             if (reached <= GATHERED_POINTS_MAX) continue;
-            report_.Note(level_.SlotPath(), "at " + Describe(place),
+            report_.Note(level_.SlotPath(), "at " + level_.Describe(place),
                          fmt::format("a shot reaches {} points and lights {} of them", reached, GATHERED_POINTS_MAX),
                          "simplify the brushes around it");
         }
@@ -168,7 +165,7 @@ private:
             };
             const auto count = std::count_if(lights_.slots.begin(), lights_.slots.end(), reaches);
             if (count <= CHARACTER_LIGHT_COUNT) continue;
-            Problem("at " + Describe(place), fmt::format("{} slots reach the character", count),
+            Problem("at " + level_.Describe(place), fmt::format("{} slots reach the character", count),
                     fmt::format("keep it at {}: use smaller radii there", CHARACTER_LIGHT_COUNT));
         }
     }

@@ -66,7 +66,7 @@ bool CheckPolygons(const LevelData& level, Report& report) {
         sound = false;
     };
     for (size_t i = 0; i < faces.size(); ++i) {
-        const std::string place = fmt::format("polygon {} at {}", i, Describe(faces[i].Centre()));
+        const std::string place = fmt::format("polygon {} at {}", i, level.Describe(faces[i].Centre()));
         if (const std::string record = FaultOf(world.polygons[i]); !record.empty()) {
             refuse(place, record, REBUILD);
         } else if (const std::string shape = FaultOfShape(faces[i]); !shape.empty()) {

@@ -73,7 +73,7 @@ void CheckClosed(const LevelData& level, const std::vector<WorldFace>& faces, Re
             if (HasSky(level.number)) direction = {0.4 * direction.x, -1, 0.4 * direction.z};
             if (!std::isinf(NearestHit(faces, eye, direction, -HOLE_WIDTH))) continue;
             report.Problem(
-                level.WorldPath(), "seen from " + Describe(eye),
+                level.WorldPath(), "seen from " + level.Describe(eye),
                 fmt::format("the world is open towards ({:.2f} {:.2f} {:.2f})", direction.x, direction.y, direction.z),
                 "close it with a wall or a floor");
         }
@@ -103,7 +103,7 @@ void CheckPaintersOrder(const LevelData& level, Report& report) {
                 if (std::isinf(at)) continue;
                 if (at > nearest * 1.001 + 0.3) {
                     report.Problem(
-                        level.WorldPath(), "seen from " + Describe(eye),
+                        level.WorldPath(), "seen from " + level.Describe(eye),
                         fmt::format("polygon {} is drawn over polygon {}, which is nearer", i, nearestPolygon),
                         "divide the leaf of the two, or build the world again with mapc");
                 } else {

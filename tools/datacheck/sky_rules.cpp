@@ -74,7 +74,7 @@ void CheckClosed(const LevelData& level, const std::vector<WorldFace>& faces, Re
     for (int i = 0; i < DIRECTIONS; ++i) {
         const Vec3 direction = DirectionOf(i);
         if (!std::isinf(NearestHit(closing, EYE, direction, -0.01))) continue;
-        report.Problem(level.SkyPath(), fmt::format("toward {}", Describe(direction * 100)), "the sky has a hole",
+        report.Problem(level.SkyPath(), fmt::format("toward {}", PlaceText(direction * 100)), "the sky has a hole",
                        "close it with a dome from -90 to 90 degrees, of pictures without holes");
     }
 }
@@ -87,7 +87,7 @@ void CheckSky(const LevelData& level, Report& report) {
     for (size_t i = 0; i < faces.size(); ++i) {
         const std::string fault = FaultOf(level.sky->polygons[i], faces[i], level);
         if (fault.empty()) continue;
-        const std::string place = fmt::format("polygon {} at {}", i, Describe(faces[i].Centre()));
+        const std::string place = fmt::format("polygon {} at {}", i, PlaceText(faces[i].Centre()));
         report.Problem(level.SkyPath(), place, fault, REBUILD);
         sound = false;
     }

@@ -15,7 +15,7 @@ void CheckStart(const LevelData& level, const std::vector<WorldFace>& faces, Rep
     const Vec3 start = StartOf(level.number);
     const double height = NearestHit(faces, start, {0, -1, 0}, 0);
     if (height >= START_LOWEST && height <= START_HIGHEST) return;
-    report.Problem(level.WorldPath(), "start " + Describe(start),
+    report.Problem(level.WorldPath(), "start " + level.Describe(start),
                    std::isinf(height) ? "has no floor below it"
                                       : fmt::format("is {:.1f} above its floor, {} to {} is right", height,
                                                     START_LOWEST, START_HIGHEST),
@@ -78,7 +78,7 @@ void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces,
             const Vec3 middle = (p + next) * 0.5;
             const bool isTop = std::abs(p.y - next.y) < 0.1 && wall.Centre().y < middle.y - 0.1;
             if (!isTop || !FloorIsNear(faces, wall, middle) || !IsContinued(faces, wall, middle)) continue;
-            report.Note(level.WorldPath(), "wall at " + Describe(middle),
+            report.Note(level.WorldPath(), "wall at " + level.Describe(middle),
                         fmt::format("is cut horizontally less than {} above a floor", LEDGE_MAX),
                         fmt::format("let one face of the wall reach {} above the floor, and no ledge's plane cut it",
                                     LEDGE_MAX));
@@ -89,7 +89,7 @@ void NoteSplitWalls(const LevelData& level, const std::vector<WorldFace>& faces,
 void CheckContacts(const LevelData& level, Report& report) {
     const Contacts contacts = MostContacts(*level.world);
     if (contacts.count <= LEVEL_CONTACTS_MAX) return;
-    report.Problem(level.WorldPath(), "at " + Describe(Widened(contacts.place)),
+    report.Problem(level.WorldPath(), "at " + level.Describe(Widened(contacts.place)),
                    fmt::format("a moving player touches {} polygons, at most {}", contacts.count, LEVEL_CONTACTS_MAX),
                    "use fewer or larger faces there");
 }
@@ -117,7 +117,7 @@ void CheckContactOrder(const LevelData& level, Report& report) {
 
 void CheckWalking(const LevelData& level, Report& report) {
     const std::vector<WorldFace> faces = FacesOf(*level.world);
-    CheckStart(level, faces, report);
+    if (level.number > 0) CheckStart(level, faces, report);
     CheckContactOrder(level, report);
     NoteSplitWalls(level, faces, report);
     CheckContacts(level, report);

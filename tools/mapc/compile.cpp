@@ -60,6 +60,19 @@ ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const PlayerSta
     return {std::move(surface.visible), std::move(skirts)};
 }
 
+// The view reaches from one end of the level to the other.
+void SetFarDistance(const MapFile& map, const WorldFile& world, LevelSettings& settings) {
+    const int diagonal = static_cast<int>(std::ceil(DiagonalOf(world)));
+    const MapKey* key = map.entities[0].Find("far_distance");
+    if (key && settings.farDistance < diagonal) {
+        Refuse(key->line,
+               fmt::format("far_distance is {}, less than the level's {} from corner to corner", settings.farDistance,
+                           diagonal),
+               "raise it, or leave it out");
+    }
+    settings.farDistance = std::max(settings.farDistance, diagonal);
+}
+
 void AddLight(const LightSources& sources, const BakeOptions& options, CompiledLevel& compiled) {
     const auto begin = std::chrono::steady_clock::now();
     LitWorld lit = LightWorld(compiled.world, sources, options);
@@ -112,7 +125,7 @@ std::string WritePath(const std::filesystem::path& path, const std::vector<Vec3>
 
 CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level, const BakeOptions& bake) {
     CheckEntities(map);
-    const LevelSettings settings = ReadSettings(map, list.dark);
+    LevelSettings settings = ReadSettings(map, list.dark);
     const std::vector<PointLight> lights = ReadLights(map);
     const PlayerStart start = FindPlayerStart(map);
     Brushes brushes = BuildBrushes(map, list.materials);
@@ -135,6 +148,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     compiled.skirts = cut.skirts;
     compiled.skirtsLeftOut = cut.skirtsLeftOut;
     compiled.notes = std::move(cut.notes);
+    SetFarDistance(map, compiled.world, settings);
     AddLight(sources, bake, compiled);
     return compiled;
 }
@@ -144,7 +158,9 @@ std::string CompileToFiles(const CompileFiles& files) {
     const std::filesystem::path pathFile = std::filesystem::path(files.map).replace_extension(".pts");
     try {
         const PlacedMap placed = ReadPlacedMap(files.map, files.prefabs);
-        const CompiledLevel level = CompileMap(placed.map, ReadMaterialList(files.materials), files.level, files.bake);
+        const MaterialList list = ReadMaterialList(files.materials);
+        const CompiledLevel level = CompileMap(placed.map, list, files.level, files.bake);
+        if (files.check) files.check(level, files, list);
         const std::filesystem::path world = files.output / (name + ".bgm");
         const std::string places = PlacesText(level.places);
         std::vector<OutputFile> outputs{{world, EncodeWorld(level.world)},

@@ -42,6 +42,8 @@ struct CompileFiles {
     int level = 0;
     BakeOptions bake{};
     std::filesystem::path prefabs{};  // folder, or empty
+    // Asked before anything is written; throws ContentError for what must not be.
+    std::function<void(const CompiledLevel&, const CompileFiles&, const MaterialList&)> check{};
     std::filesystem::path depfile{};  // written with the maps that the level was made of; empty: none
 };
 

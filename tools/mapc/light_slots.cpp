@@ -15,9 +15,10 @@ constexpr size_t FLOORS_MAX = 1000;
 constexpr double FAR_DISTANCE = 1e5;
 constexpr double FAR_RADIUS = 1e6;
 constexpr double FAR_SHARE = 1 - FAR_DISTANCE / FAR_RADIUS;  // the share of its intensity that arrives
-// Slots that reach a place, those of steady lamps among them: a few below the most, which also holds between the places.
+// Slots that reach a place, those of steady lamps among them: a few below the most, which also holds between the
+// places.
 constexpr size_t CROWD_MAX = CHARACTER_LIGHT_COUNT - 3;
-constexpr double FAR_LIGHT_MIN = 0.5;                        // light bytes; less gets no slot
+constexpr double FAR_LIGHT_MIN = 0.5;  // light bytes; less gets no slot
 
 Vec3 Widened(const WorldVector& v) {
     return {v[0], v[1], v[2]};

@@ -42,6 +42,13 @@ void CheckSize(const Brushes& brushes, double scale) {
            fmt::format("make it smaller, or its key \"scale\": {:.0f} are the most", LEVEL_SIZE_MAX));
 }
 
+double DiagonalOf(const WorldFile& world) {
+    Box box;
+    for (const WorldPoint& point : world.points)
+        box.Add(Vec3{point.position[0], point.position[1], point.position[2]});
+    return box.IsEmpty() ? 0 : Length(box.max - box.min);
+}
+
 std::vector<Count> CountWorld(const WorldFile& world, int treeDepth) {
     const size_t memory = NODE_BYTES * world.nodes.size() + LEAF_TABLES_BYTES * world.leaves.size() +
                           PLANE_BYTES * world.planes.size() + POLYGON_TABLES_BYTES * world.polygons.size() +

@@ -17,6 +17,7 @@ constexpr int LEVEL_CONTACTS_MAX = CONTACTS_MAX - 50;  // a margin below what en
 constexpr double LEVEL_SIZE_MAX = 65536;
 // ContentError for a level that is larger along any axis, in engine units.
 void CheckSize(const Brushes& brushes, double scale);
+double DiagonalOf(const WorldFile& world);  // engine units, of the box of all points
 // All counts of a finished world.
 std::vector<Count> CountWorld(const WorldFile& world, int treeDepth);
 

@@ -1,3 +1,4 @@
+#include "datacheck/compiled_level.h"
 #include "formats/error.h"
 #include "mapc/bake_threads.h"
 #include "mapc/compile.h"
@@ -36,6 +37,7 @@ int main(int argc, char** argv) {
         ->default_val(ThreadCount())
         ->check(CLI::Range(1, 256));
     CLI11_PARSE(app, argc, argv);
+    files.check = CheckCompiled;
     if (fast) files.bake.quality = LightQuality::Fast;
     if (isatty(STDERR_FILENO)) files.bake.progress = ShowProgress;
     const auto begin = std::chrono::steady_clock::now();

@@ -1,4 +1,5 @@
 // A sound level and data folder, and one broken rule at a time.
+#include "datacheck/compiled_level.h"
 #include "datacheck/folder.h"
 #include "datacheck/rules.h"
 #include "formats/files.h"
@@ -6,6 +7,7 @@
 #include "mapc/map_builder.h"
 #include "mapc/placement.h"
 #include "records/levels.h"
+#include "support/content_error.h"
 
 #include <gtest/gtest.h>
 
@@ -233,6 +235,21 @@ TEST(Datacheck, TellsEachFaultOfALevel) {
              l.glideTextures[3] = {8, 4, 1};
          }},
     });
+}
+
+TEST(Datacheck, IsAskedBeforeALevelIsWritten) {
+    MapBuilder map;
+    map.Room({0, 0, 0}, {1024, 1024, 512}).Start("64 64 64");
+    CompileFiles files{.map = "hall.map", .materials = {}, .output = {}, .level = HOUSE};
+    CheckCompiled(Compile(map, HOUSE), files, {TestMaterials()});
+    MapBuilder open;
+    open.Box({512, 0, -8}, {1024, 1024, 0}, "sky")
+        .Box({0, 0, -8}, {512, 1024, 0})
+        .Box({-16, -16, 512}, {1040, 1040, 528});
+    open.Box({-16, -16, -8}, {0, 1040, 512}).Box({1024, -16, -8}, {1040, 1040, 512});
+    open.Box({0, -16, -8}, {1024, 0, 512}).Box({0, 1024, -8}, {1024, 1040, 512}).Start("64 64 64");
+    ExpectRefusal("hall.map: seen from (384 512 60): the world is open towards",
+                  [&] { CheckCompiled(Compile(open, HOUSE), files, {TestMaterials()}); });
 }
 
 TEST(Datacheck, TakesTheSizeOfABoxWhateverItsSign) {

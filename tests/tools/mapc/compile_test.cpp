@@ -103,6 +103,7 @@ TEST(Compile, MapsThatCannotBecomeLevelsAreRefused) {
         {OneRoom().Brush(open), "the brush has no volume"},
         {OneRoom().Brush("( 0 0 0 ) ( 1 1 1 ) ( 2 2 2 ) wall 0 0 0 1 1\n"), "three points of the face lie on a line"},
         {OneRoom().Box({100, 100, 0}, {164, 164, 40000}), "a point lies beyond 32768 units"},
+        {OneRoom().Key("far_distance", "300"), "test.map:3: far_distance is 300, less than the level's 887"},
         {OneRoom().Start("70 70 70"), "a second info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}), "there is no info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("600 0 0"), "the level leaks"},

@@ -78,7 +78,9 @@ TEST(LightGrid, EvenLightCutsNothing) {
 TEST(LightGrid, WorldsThatAreOnlyTooLargeOnTheWholeGridAreTaken) {
     MapBuilder map;
     map.Key("ambient", "0").Key("subdivide", "128").Room({0, 0, 0}, {20000, 20000, 512}).Start("64 64 64");
-    EXPECT_EQ(Compile(map).world.polygons.size(), 6U) << "of 28,000 on the whole grid";
+    const CompiledLevel level = Compile(map);
+    EXPECT_EQ(level.world.polygons.size(), 6U) << "of 28,000 on the whole grid";
+    EXPECT_GE(level.light.farDistance, 28288) << "the view reaches from end to end";
 }
 
 TEST(LightGrid, IsCoarserWhereAPlayerWouldTouchTooMuch) {
