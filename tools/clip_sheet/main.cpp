@@ -66,7 +66,8 @@ void StartLevel() {
     BuildReciprocalTable();
     SystemInit();
     InitGraphics(0);
-    LoadLevel(Wanted.level - 1);
+    CurrentLevel = Wanted.level - 1;  // on which the contrast of the accelerator depends
+    LoadLevel(CurrentLevel);
     DepthScale = 63000.0f / std::max(1.0f, FarDistance);
     Vec3& position = PlayerActor.position;
     const Vec3 below = {position.x, position.y - 400.0f, position.z};

@@ -95,7 +95,8 @@ int DrawRow(HINSTANCE, HINSTANCE, char*, int) {
     BuildReciprocalTable();
     SystemInit();
     InitGraphics(0);
-    LoadLevel(Level - 1);
+    CurrentLevel = Level - 1;  // on which the contrast of the accelerator depends
+    LoadLevel(CurrentLevel);
     DepthScale = 63000.0f / std::max(1.0f, FarDistance);
     MouseInput = {};
     Image row(CELL_WIDTH * PICTURES, CELL_HEIGHT);
