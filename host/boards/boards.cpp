@@ -51,7 +51,7 @@ bool OpenBoard() {
         return false;
     }
     HostLog("board: %s", CurrentBoard->name);
-    if (CurrentBoard->scale() != BoardScale)
+    if (BoardScale != 0 && CurrentBoard->scale() != BoardScale)
         PrintError("the %s board draws 640 x 480 only, whatever --board-scale", CurrentBoard->name);
     return true;
 }

@@ -8,7 +8,8 @@
 
 extern const Board* CurrentBoard;  // null: the machine has none
 
-// How many times 640 x 480 a board that can draw larger pictures makes them, from its next opening on.
+// How many times 640 x 480 a board that can draw larger pictures makes them, from its next opening on. 0: as many as
+// the window then shows, where there is a graphics card.
 extern uint32_t BoardScale;
 
 // `boards`: those of this build; the last one works everywhere, and its pictures are the same everywhere. Without a

@@ -24,6 +24,7 @@ int64_t motion[3];  // x, y, wheel
 bool focused = true;
 uint32_t focusLosses = 0;
 bool mouseAcquired = false;
+MouseUse mouseUse = MouseUse::None;
 
 LONG TakeSum(int64_t& sum) {
     const auto taken = static_cast<LONG>(std::clamp<int64_t>(sum, INT32_MIN, INT32_MAX));
@@ -45,6 +46,7 @@ void LetGo() {
 
 void DeviceKey(KeySource source, uint8_t scanCode, bool down) {
     StateOf(source).keys[scanCode] = down;
+    if (down && source != KeySource::Script) PulseKey(scanCode);
 }
 
 void DeviceMouseMotion(int x, int y, int wheel) {
@@ -67,11 +69,20 @@ void DeviceFocus(bool gained) {
         LetGo();
         SetMouseAcquired(false);
     }
+    pulses.reset();  // a pad reports without the focus, too
     PostToWindow(WM_ACTIVATEAPP, gained ? 1 : 0, 0);
 }
 
 void DeviceCloseRequest() {
     Session.requestClose();
+}
+
+void SetMouseUse(MouseUse use) {
+    mouseUse = use;
+}
+
+MouseUse DeviceMouseUse() {
+    return mouseUse;
 }
 
 bool DeviceMouseWanted() {
@@ -125,4 +136,5 @@ void ResetDevices() {
     StateOf(KeySource::Pad) = {};
     focused = true;
     mouseAcquired = false;
+    mouseUse = MouseUse::None;
 }

@@ -13,6 +13,8 @@ constexpr int KEY_COUNT = 256;
 enum class KeySource { Keyboard, Pad, Script };
 
 // --- What back ends and scripts report.
+// A key of the keyboard or of a pad that goes down is down at the next keyboard poll, even if it is up again by then. A
+// script says what each poll sees.
 void DeviceKey(KeySource source, uint8_t scanCode, bool down);
 void DeviceMouseMotion(int x, int y, int wheel);  // summed until the game reads the mouse; without the focus dropped
 void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle; others are ignored
@@ -21,6 +23,15 @@ void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 r
 void DeviceFocus(bool gained);
 void DeviceCloseRequest();        // the window's close button: SessionHooks::requestClose
 void PulseKey(uint8_t scanCode);  // down for exactly the next keyboard poll
+
+// --- What the mouse steers, which the session knows. A machine holds the pointer only there (DeviceMouseUse).
+enum class MouseUse {
+    None,        // the screens before a level
+    WithButton,  // the camera, while a button is down
+    Always,      // the free camera
+};
+void SetMouseUse(MouseUse use);
+MouseUse DeviceMouseUse();
 
 // --- What the game's input calls take.
 void TakeKeys(uint8_t* keys);          // KEY_COUNT bytes, 0x80 = down; ends the pulses

@@ -43,13 +43,14 @@ constexpr PadKey PAD_KEYS[] = {
     {STICK_DOWN, KeyCode("DOWN")},
     {STICK_LEFT, KeyCode("LEFT")},
     {STICK_RIGHT, KeyCode("RIGHT")},
-    {Of(PadButton::A), KeyCode("SPACE")},   // Space
+    {Of(PadButton::A), KeyCode("SPACE")},   // in a level
+    {Of(PadButton::A), KeyCode("RETURN")},  // in the front end
     {Of(PadButton::B), KeyCode("LSHIFT")},  // left Shift
     {Of(PadButton::LeftShoulder), KeyCode("LSHIFT")},
     {Of(PadButton::X), KeyCode("RCONTROL")},  // right Ctrl in a level
     {Of(PadButton::X), KeyCode("F11")},       // F11 in the front end
     {TRIGGER, KeyCode("RCONTROL")},
-    {Of(PadButton::Start), KeyCode("F1")},     // F1
+    {Of(PadButton::Start), KeyCode("RETURN")},
     {Of(PadButton::Y), KeyCode("F12")},        // F12
     {Of(PadButton::Back), KeyCode("ESCAPE")},  // Escape
 };

@@ -11,10 +11,10 @@
 
 struct SessionHooks {
     // The game's calls, before they are answered.
-    void (*atKeyboardPoll)() = [] {};  // a GetDeviceState of the keyboard begins
-    void (*atKeyboardRead)() = [] {};  // it is about to read the keys: the keyboard is acquired
-    void (*atPeek)() = [] {};          // PeekMessageA
-    void (*atWait)() = [] {};          // each turn of WaitMessage, which looks at no key
+    void (*atKeyboardPoll)() = [] {};                         // a GetDeviceState of the keyboard begins
+    void (*atKeyboardRead)(uint8_t* keys) = [](uint8_t*) {};  // it is about to get these keys, and may get others
+    void (*atPeek)() = [] {};                                 // PeekMessageA
+    void (*atWait)() = [] {};                                 // each turn of WaitMessage, which looks at no key
 
     // A recording is being replayed: it answers, and what devices do goes nowhere.
     bool (*replaying)() = [] { return false; };

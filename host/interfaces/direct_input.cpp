@@ -76,8 +76,9 @@ private:
         if (IsMouse()) {
             TakeMouse(*static_cast<DIMOUSESTATE*>(state));
         } else {
-            Session.atKeyboardRead();
-            TakeKeys(static_cast<uint8_t*>(state));
+            auto* keys = static_cast<uint8_t*>(state);
+            TakeKeys(keys);
+            Session.atKeyboardRead(keys);
         }
         return DI_OK;
     }

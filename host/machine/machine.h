@@ -35,12 +35,17 @@ struct Machine {
     // The same for a picture in an OpenGL texture, upper row first, which stays there until the next picture. False: it
     // cannot be shown from there. Null: this machine never can.
     bool (*presentTexture)(uint32_t texture, int width, int height);
+    // Shown over every picture from now on, and stretched over all of it: pixels 0xAARRGGBB. The pointer null: nothing
+    // is. The function null: nobody looks.
+    void (*showOverlay)(const Picture* overlay);
     void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
     // Called before a file of the data folder is opened for reading, for a machine that gets its files from elsewhere.
     // Null: they are all there.
     void (*bringFile)(const char* path);
     int (*messageBox)(const char* text, const char* caption);
     bool (*hasWindow)();  // a message box can be seen
+    // The pixels of the open window. Null: its size is not to decide how large a picture is drawn.
+    void (*windowSize)(int* width, int* height);
 
     // The sound of the CD drive. All three null: the drive works all the same, and nobody hears it.
     bool (*openSound)(std::string& problem);

@@ -97,7 +97,9 @@ const OptionEntry OPTIONS[] = {
      "the accelerator's board: gpu draws with OpenGL, cpu with the processor; auto takes gpu where there is a graphics "
      "card and a window; none: the game draws by itself, whatever the renderer",
      TakeBoard},
-    {"--board-scale", "1..8", "how many times 640x480 the gpu board's picture is",
+    {"--board-scale", "1..8",
+     "how many times 640x480 the gpu board's picture is (as many as the window is large, where there is a graphics "
+     "card)",
      [](std::string_view value, Options& options) { return TakeNumber(value, 1, 8, options.boardScale); }},
     {"--headless", nullptr, "no window, no sound, a clock that moves only when it is read",
      [](std::string_view, Options& options) { return options.headless = true; }},

@@ -24,7 +24,7 @@ struct Options {
     int level = 0;            // 1 to the number of levels; 0: chosen by hand
     RendererChoice renderer = RendererChoice::Unset;
     BoardChoice board = BoardChoice::Auto;
-    uint32_t boardScale = 1;  // sides of the gpu board's picture, in times of 640 x 480
+    uint32_t boardScale = 0;  // sides of the gpu board's picture, in times of 640 x 480; 0: as the window's size asks
     bool headless = false;
     std::string script;
     std::string record;

@@ -16,3 +16,8 @@ PictureArea FitPicture(int pictureWidth, int pictureHeight, int windowWidth, int
     area.y = (windowHeight - area.height) / 2;
     return area;
 }
+
+int CoveringScale(int pictureWidth, int pictureHeight, int windowWidth, int windowHeight) {
+    const PictureArea area = FitPicture(pictureWidth, pictureHeight, windowWidth, windowHeight);
+    return std::max((area.width - 1) / pictureWidth, (area.height - 1) / pictureHeight) + 1;
+}

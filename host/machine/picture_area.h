@@ -6,3 +6,6 @@ struct PictureArea {
 };
 
 PictureArea FitPicture(int pictureWidth, int pictureHeight, int windowWidth, int windowHeight);
+
+// The least whole number of times that the picture's sides must be multiplied by to have no fewer pixels than its area.
+int CoveringScale(int pictureWidth, int pictureHeight, int windowWidth, int windowHeight);

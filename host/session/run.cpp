@@ -110,6 +110,7 @@ void AtKeyboardPoll() {
     CurrentMachine->beforeKeyboardPoll();
     ReadClock();
     WatchFrontEnd();
+    if (InFrontEnd()) SetMouseUse(MouseUse::None);
     if (PlayScriptAtPoll()) lastEvent = ClockNow();
     EndWhenIdle();
     CloseAtPoll();
@@ -134,7 +135,7 @@ void OpenedFile(const char* path, uint32_t digest) {
 
 const SessionHooks HOOKS = {
     .atKeyboardPoll = AtKeyboardPoll,
-    .atKeyboardRead = PressFrontEndKeys,
+    .atKeyboardRead = AddFrontEndKeys,
     .atPeek = AtPeek,
     .atWait = AtWait,
     .replaying = Replaying,
@@ -205,6 +206,7 @@ bool HostWantsPicture() {
 bool HostEndOfFrame(const HostFrameReport& report) {
     EndBenchmarkFrame();
     const uint32_t frame = Progress.framesPlayed + 1;
+    SetMouseUse(report.mouseFlies ? MouseUse::Always : MouseUse::WithButton);
     if (frame <= framesAsked || ScriptFramesPending()) lastEvent = ClockNow();
     const FrameFields fields = TakeFields(report);
     const uint64_t digest = DigestFrame(frame, fields, report);

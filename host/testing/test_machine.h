@@ -24,6 +24,7 @@ struct TestMachineState {
     std::function<void()> onPoll;  // each keyboard poll, before the keys are read
     std::vector<std::string> messageBoxes;  // texts shown
     bool mouseCaptured = false;
+    bool overlayShown = false;
     bool soundOpens = true;                            // the CD drive finds a sound device
     std::vector<std::shared_ptr<TrackReader>> sounds;  // the tracks that were begun; null: silence
 };

@@ -76,6 +76,7 @@ HostFrameReport DescribeFrame(const ReportedLists& lists) {
         .time0 = player.layerTimes[0],
         .camera = {CameraPos.x, CameraPos.y, CameraPos.z},
         .cameraAngles = {CameraAngles.x, CameraAngles.y, CameraAngles.z},
+        .mouseFlies = CameraMode == CAMERA_FREE,
         .polygons = SubmittedPolygons,
         .dropped = DroppedPolygons,
         .lights = lists.lights,

@@ -58,6 +58,24 @@ TEST_F(Input, AKeyIsDownWhileAnySourceHoldsItOrForOnePollOfAPulse) {
     EXPECT_EQ(keys_[DIK_UP], 0);
 }
 
+TEST_F(Input, AKeyTappedBetweenTwoPollsIsDownForOne) {
+    for (const KeySource source : {KeySource::Keyboard, KeySource::Pad}) {
+        DeviceKey(source, DIK_SPACE, true);
+        DeviceKey(source, DIK_SPACE, false);
+        for (const int tapped : {0x80, 0}) {
+            PollKeys();
+            EXPECT_EQ(keys_[DIK_SPACE], tapped);
+        }
+    }
+    DeviceFocus(false);
+    DeviceKey(KeySource::Pad, DIK_SPACE, true);
+    DeviceKey(KeySource::Pad, DIK_SPACE, false);
+    DeviceFocus(true);
+    keyboard_->Acquire();
+    EXPECT_EQ(PollKeys(), DI_OK);
+    EXPECT_EQ(keys_[DIK_SPACE], 0) << "it was meant for another window";
+}
+
 TEST_F(Input, MouseCountsAreSummedAndTakenOnce) {
     DeviceMouseMotion(3, -5, 120);
     DeviceMouseMotion(4, -6, -240);

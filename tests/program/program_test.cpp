@@ -187,6 +187,23 @@ TEST_F(ProgramWithLevel, ASecondGameOfALevelLooksLikeTheFirst) {
     EXPECT_EQ(Pixels(trace[249]), Pixels(untouched[99])) << "100 frames into each game the camera has settled";
 }
 
+TEST_F(ProgramWithLevel, DigitsAndArrowsWithEnterReachALevelWithoutFKeys) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"\"level\":1,", "100ms tap SPACE\n500ms down 1\n800ms up 1\n900ms tap 2\n"},  // a digit held chooses once
+        {"\"level\":2,", "100ms tap RETURN\n500ms tap LEFT\n600ms tap LEFT\n700ms tap RIGHT\n750ms tap DOWN\n"
+                         "800ms tap RETURN\n900ms tap DOWN\n950ms tap DOWN\n1000ms tap RETURN\n"}};
+    for (const auto& [level, script] : rows) {
+        program.Write("keys.txt", script);
+        const ProgramResult result =
+            program.Run("--data '" SOURCE_FOLDER "/tests/levels/data' --script keys.txt --frames 2 "
+                        "--trace t.jsonl --shot 2:picture.png");
+        const std::vector<std::string> trace = Lines(program.Read("t.jsonl"));
+        ASSERT_EQ(trace.size(), 2u) << script;
+        EXPECT_TRUE(Says(trace[0], level)) << script;
+        EXPECT_EQ(program.Read("picture.png")[18], '\x02') << "640 pixels wide: the accelerator";
+    }
+}
+
 // Nobody presses a key: in the pictures the Windows key ends the game, on the choice screens the host does.
 TEST_F(ProgramWithLevel, AScriptThatLeadsNowhereEndsByItself) {
     for (const char* script : {"# nothing\n", "100ms tap SPACE\n200ms tap F2\n", "50 quit\n"}) {

@@ -186,6 +186,14 @@ void Desktop::ResizeGame(int width, int height) {
     XSync(display, False);
 }
 
+bool Desktop::PointerHeld() {
+    const int result =
+        XGrabPointer(display, DefaultRootWindow(display), False, 0, GrabModeAsync, GrabModeAsync, 0, 0, CurrentTime);
+    XUngrabPointer(display, CurrentTime);
+    XSync(display, False);
+    return result != GrabSuccess;
+}
+
 void Desktop::PressCloseButton() {
     XEvent event{};
     event.xclient.type = ClientMessage;

@@ -38,6 +38,7 @@ public:
     void TakeFocus();  // to another window
     void GiveFocus();  // to the game's
     void ResizeGame(int width, int height);
+    bool PointerHeld();  // by the game: nobody else can take it
     void PressCloseButton();
     void PressAltF4();  // as a window manager takes it: it keeps F4, and asks the window to close
     ScreenPicture Screen();

@@ -94,6 +94,32 @@ TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
     desktop->Input("mouseup 1");
 }
 
+TEST_F(Window, HoldsThePointerOnlyWhereTheMouseSteersAndLetsGoForAltAndF9) {
+    const auto becomes = [&](bool held, const char* input) {
+        if (*input) desktop->Input(input);
+        return WaitFor([&] { return desktop->PointerHeld() == held; });
+    };
+    desktop->StartGame({});
+    Rest(500);
+    EXPECT_FALSE(desktop->PointerHeld()) << "in the front end";
+    desktop->ChooseFirstLevel();
+    EXPECT_TRUE(becomes(true, "")) << "full screen";
+    EXPECT_TRUE(becomes(false, "keydown alt"));
+    EXPECT_TRUE(becomes(true, "keyup alt"));
+    EXPECT_TRUE(becomes(false, "key F9"));
+    EXPECT_TRUE(becomes(true, "key F9"));
+    EXPECT_TRUE(WaitFor([&] {
+        if (desktop->GameRuns()) desktop->PressCloseButton();  // not heard at once after Alt
+        return !desktop->GameRuns();
+    }));
+    EXPECT_EQ(desktop->GameStatus(), 0);
+    StartLevel();
+    EXPECT_FALSE(desktop->PointerHeld());
+    EXPECT_TRUE(becomes(true, "mousemove 640 400 mousedown 1"));
+    EXPECT_TRUE(becomes(false, "mouseup 1"));
+    EXPECT_TRUE(becomes(true, "key F6"));
+}
+
 TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
     StartLevel();
     desktop->TakeFocus();

@@ -44,6 +44,8 @@ public:
         return true;
     }
 
+    void SetOverlay(const Picture* overlay) override { shown.TakeOverlay(overlay); }
+
     void ShowAgain() override {
         int width = 0, height = 0;
         SDL_GL_GetDrawableSize(window, &width, &height);

@@ -14,6 +14,7 @@ public:
     virtual void Show(const Picture& picture) = 0;
     // Shows an OpenGL texture, which must stay until the next picture. False: this presenter does not use OpenGL.
     virtual bool ShowTexture(uint32_t texture, int width, int height) = 0;
+    virtual void SetOverlay(const Picture* overlay) = 0;  // machine/machine.h, showOverlay; shown with the next picture
     virtual void
     ShowAgain() = 0;  // shows the latest picture at the window's present size; does nothing before the first Show
 };

@@ -60,6 +60,10 @@ void PlayTrack(std::shared_ptr<TrackReader> track) {
     if (stream) SDL_FreeAudioStream(stream);
 }
 
+void PauseSound(bool paused) {
+    if (device != 0) SDL_PauseAudioDevice(device, paused ? 1 : 0);
+}
+
 void CloseSound() {
     if (device == 0) return;
     PlayTrack(nullptr);

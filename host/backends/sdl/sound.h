@@ -9,4 +9,5 @@
 
 bool OpenSound(std::string& problem);
 void PlayTrack(std::shared_ptr<TrackReader> track);  // null: silence
+void PauseSound(bool paused);                        // the track stands still meanwhile
 void CloseSound();

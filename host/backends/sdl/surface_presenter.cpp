@@ -10,32 +10,49 @@ public:
     explicit SurfacePresenter(SDL_Window* shownIn) : window(shownIn) {}
 
     void Show(const Picture& picture) override {
-        width = picture.width;
-        height = picture.height;
-        pixels.assign(picture.pixels, picture.pixels + static_cast<size_t>(width) * static_cast<size_t>(height));
+        shown.Take(picture);
         ShowAgain();
     }
 
     bool ShowTexture(uint32_t, int, int) override { return false; }
 
+    void SetOverlay(const Picture* picture) override { overlay.Take(picture ? *picture : Picture{}); }
+
     void ShowAgain() override {
         SDL_Surface* target = SDL_GetWindowSurface(window);  // a new one after each change of size
-        if (pixels.empty() || !target) return;
-        SDL_Surface* source =
-            SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), width, height, 32, width * 4, SDL_PIXELFORMAT_RGB888);
-        if (!source) return;
-        const PictureArea fit = FitPicture(width, height, target->w, target->h);
-        SDL_Rect area{fit.x, fit.y, fit.width, fit.height};
+        if (shown.pixels.empty() || !target) return;
+        const PictureArea fit = FitPicture(shown.width, shown.height, target->w, target->h);
         SDL_FillRect(target, nullptr, 0);
-        SDL_BlitScaled(source, nullptr, target, &area);
-        SDL_FreeSurface(source);
+        Draw(shown, SDL_BLENDMODE_NONE, target, fit);
+        Draw(overlay, SDL_BLENDMODE_BLEND, target, fit);
         SDL_UpdateWindowSurface(window);
     }
 
 private:
+    struct Layer {
+        void Take(const Picture& picture) {
+            width = picture.width;
+            height = picture.height;
+            pixels.assign(picture.pixels, picture.pixels + static_cast<size_t>(width) * static_cast<size_t>(height));
+        }
+
+        std::vector<uint32_t> pixels;  // empty: there is none
+        int width = 0, height = 0;
+    };
+
+    static void Draw(Layer& layer, SDL_BlendMode mode, SDL_Surface* target, const PictureArea& fit) {
+        if (layer.pixels.empty()) return;
+        SDL_Surface* source = SDL_CreateRGBSurfaceWithFormatFrom(layer.pixels.data(), layer.width, layer.height, 32,
+                                                                 layer.width * 4, SDL_PIXELFORMAT_ARGB8888);
+        if (!source) return;
+        SDL_Rect area{fit.x, fit.y, fit.width, fit.height};
+        SDL_SetSurfaceBlendMode(source, mode);
+        SDL_BlitScaled(source, nullptr, target, &area);
+        SDL_FreeSurface(source);
+    }
+
     SDL_Window* window;
-    int width = 0, height = 0;
-    std::vector<uint32_t> pixels;
+    Layer shown, overlay;
 };
 
 }  // namespace

@@ -3,11 +3,13 @@
 #include "backends/sdl/keys.h"
 #include "backends/sdl/pads.h"
 #include "backends/sdl/presenter.h"
+#include "backends/sdl/sound.h"
 #include "boards/gpu/gl_context.h"
 #include "host/files.h"
 #include "input/devices.h"
 #include "machine/png.h"
 
+#include <algorithm>
 #include <bitset>
 #include <cstdio>
 #include <cstring>
@@ -19,6 +21,7 @@ namespace {
 
 constexpr int WIDTH_MIN = 320, HEIGHT_MIN = 240;
 constexpr int WHEEL_NOTCH = 120;
+constexpr SDL_Scancode LET_GO_KEY = SDL_SCANCODE_F9;
 constexpr uint32_t ALT_F4_MS = 250;  // from the release of Alt to a close request that it made
 
 SDL_Window* window = nullptr;
@@ -29,12 +32,40 @@ std::unique_ptr<Presenter> presenter;
 bool focused = true;
 bool pointerWanted = false;
 bool pointerHeld = false;
+bool pointerLetGo = false;  // by LET_GO_KEY, until it or a mouse button is pressed
 
 std::bitset<SDL_NUM_SCANCODES> keysHeld;
+uint32_t buttonsHeld = 0;             // SDL_BUTTON masks
 std::optional<uint32_t> altReleased;  // when Alt was last released, in ms of SDL's clock
 
+bool AltHeld() {
+    return keysHeld[SDL_SCANCODE_LALT] || keysHeld[SDL_SCANCODE_RALT];
+}
+
+bool InFullScreen() {
+    return (SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN) != 0;
+}
+
+// Elsewhere the pointer can reach the title bar and the other windows. While Alt is held the window manager may want
+// it.
+bool MouseSteers() {
+    if (pointerLetGo || AltHeld()) return false;
+    switch (DeviceMouseUse()) {
+    case MouseUse::None: return false;
+    case MouseUse::WithButton: return buttonsHeld != 0 || InFullScreen();
+    case MouseUse::Always: return true;
+    }
+    return false;
+}
+
+void ShowPointer(bool show) {
+    if ((SDL_ShowCursor(SDL_QUERY) == SDL_ENABLE) != show) SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
+}
+
 void UpdatePointer() {
-    const bool hold = window && focused && pointerWanted;
+    const bool mine = window && focused && pointerWanted;
+    ShowPointer(!mine || !InFullScreen() || pointerLetGo || AltHeld());
+    const bool hold = mine && MouseSteers();
     if (hold == pointerHeld) return;
     pointerHeld = hold;
     SDL_SetRelativeMouseMode(hold ? SDL_TRUE : SDL_FALSE);
@@ -44,7 +75,10 @@ void UpdatePointer() {
 void ChangeFocus(bool gained) {
     if (focused == gained) return;
     focused = gained;
-    if (!gained) keysHeld.reset();
+    if (!gained) {
+        keysHeld.reset();
+        buttonsHeld = 0;
+    }
     UpdatePointer();
     DeviceFocus(gained);
 }
@@ -55,6 +89,8 @@ void HandleWindowEvent(const SDL_WindowEvent& event) {
     case SDL_WINDOWEVENT_FOCUS_LOST:
         if (!DisplayIsUnseen()) ChangeFocus(false);  // on an unseen display the focus could never come back
         break;
+    case SDL_WINDOWEVENT_MINIMIZED: PauseSound(true); break;
+    case SDL_WINDOWEVENT_RESTORED: PauseSound(false); break;
     case SDL_WINDOWEVENT_EXPOSED:
     case SDL_WINDOWEVENT_SIZE_CHANGED:
         if (presenter) presenter->ShowAgain();
@@ -79,20 +115,24 @@ void HandleKey(const SDL_KeyboardEvent& event) {
     const uint8_t scanCode = ScanCodeOf(key);
     if (scanCode == 0 || event.repeat != 0) return;
     keysHeld[key] = event.state == SDL_PRESSED;
+    if (key == LET_GO_KEY && event.state == SDL_PRESSED) pointerLetGo = !pointerLetGo;
     if (IsAlt(key) && event.state == SDL_RELEASED) altReleased = event.timestamp;
     DeviceKey(KeySource::Keyboard, scanCode, AnyKeyHeld(scanCode));
 }
 
 // Alt is a key of the game, so Alt+F4 must not end it. A window manager keeps F4 to itself and sends a close request;
-// all that shows here is that Alt is held, or was until a moment before. The window's close button cannot be meant: the
-// game holds the pointer while it has the focus.
+// all that shows here is that Alt is held, or was until a moment before. The window's close button is not pressed with
+// Alt held.
 void HandleCloseRequest(uint32_t time) {
-    const bool altHeld = keysHeld[SDL_SCANCODE_LALT] || keysHeld[SDL_SCANCODE_RALT];
-    if (altHeld || (altReleased && time - *altReleased <= ALT_F4_MS)) return;
+    if (AltHeld() || (altReleased && time - *altReleased <= ALT_F4_MS)) return;
     DeviceCloseRequest();
 }
 
 void HandleMouseButton(const SDL_MouseButtonEvent& event) {
+    const uint32_t mask = SDL_BUTTON(event.button);
+    buttonsHeld = event.state == SDL_PRESSED ? buttonsHeld | mask : buttonsHeld & ~mask;
+    if (event.state == SDL_PRESSED) pointerLetGo = false;
+    UpdatePointer();  // now, so that the motion after the press counts
     constexpr uint8_t BUTTONS[] = {SDL_BUTTON_LEFT, SDL_BUTTON_RIGHT, SDL_BUTTON_MIDDLE};
     for (size_t button = 0; button < std::size(BUTTONS); ++button)
         if (event.button == BUTTONS[button])
@@ -126,15 +166,23 @@ void ShowIcon() {
     SDL_FreeSurface(surface);
 }
 
+// The display that the user is at: the one with the pointer.
+int DisplayInUse() {
+    SDL_Point pointer{};
+    SDL_GetGlobalMouseState(&pointer.x, &pointer.y);
+    return std::max(SDL_GetPointDisplayIndex(&pointer), 0);
+}
+
 SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t flags) {
     const bool windowed = options.windowWidth > 0 && !options.fullscreen;
     // A full-screen window, too, is opened at its final size: without a window manager nothing enlarges it later.
     SDL_Rect area{0, 0, options.windowWidth, options.windowHeight};
-    if (!windowed && SDL_GetDisplayBounds(0, &area) != 0) area = {0, 0, WIDTH_MIN, HEIGHT_MIN};
+    const int display = DisplayInUse();
+    if (!windowed && SDL_GetDisplayBounds(display, &area) != 0) area = {0, 0, WIDTH_MIN, HEIGHT_MIN};
     flags |= SDL_WINDOW_ALLOW_HIGHDPI;
     flags |= static_cast<uint32_t>(windowed ? SDL_WINDOW_RESIZABLE : SDL_WINDOW_FULLSCREEN_DESKTOP);
-    SDL_Window* created =
-        SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, area.w, area.h, flags);
+    const auto centre = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<uint32_t>(display)));
+    SDL_Window* created = SDL_CreateWindow(title, centre, centre, area.w, area.h, flags);
     if (created) SDL_SetWindowMinimumSize(created, WIDTH_MIN, HEIGHT_MIN);
     return created;
 }
@@ -177,12 +225,22 @@ bool GameWindowOpen() {
     return window != nullptr;
 }
 
+void GameWindowSize(int* width, int* height) {
+    SDL_GetWindowSizeInPixels(window, width, height);
+}
+
 void ShowPicture(const Picture& picture) {
     if (presenter) presenter->Show(picture);
 }
 
 bool ShowTexture(uint32_t texture, int width, int height) {
     return presenter && presenter->ShowTexture(texture, width, height);
+}
+
+void ShowOverlayPicture(const Picture* overlay) {
+    if (!presenter) return;
+    presenter->SetOverlay(overlay);
+    presenter->ShowAgain();
 }
 
 void CapturePointer(bool captured) {
@@ -193,6 +251,7 @@ void CapturePointer(bool captured) {
 void PumpWindowEvents() {
     for (SDL_Event event; SDL_PollEvent(&event);)
         HandleEvent(event);
+    UpdatePointer();
 }
 
 void ShowMessageBox(const char* text, const char* caption) {

@@ -8,9 +8,11 @@ bool DisplayIsUnseen();                                          // SDL runs a d
 bool OpenGameWindow(const char* title, const Options& options);  // false: a line on standard error says why
 void CloseGameWindow();
 bool GameWindowOpen();
+void GameWindowSize(int* width, int* height);  // pixels; it must be open
 void ShowPicture(const Picture& picture);
 // An OpenGL texture. False: the window does not draw with OpenGL.
 bool ShowTexture(uint32_t texture, int width, int height);
-void CapturePointer(bool captured);                          // hold and hide it while the window has the focus
+void ShowOverlayPicture(const Picture* overlay);             // machine/machine.h, showOverlay
+void CapturePointer(bool captured);                          // hold and hide it wherever the mouse steers
 void PumpWindowEvents();                                     // reports all pending events to input/devices.h
 void ShowMessageBox(const char* text, const char* caption);  // returns when the user has closed it

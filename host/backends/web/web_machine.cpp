@@ -102,6 +102,12 @@ bool PresentTexture(uint32_t texture, int width, int height) {
     return true;
 }
 
+void ShowOverlayPicture(const Picture* overlay) {
+    if (!shown) return;
+    shown->TakeOverlay(overlay);
+    DrawShown();
+}
+
 int ShowMessage(const char* text, const char* caption) {
     std::fprintf(stderr, "%s: %s\n", caption, text);
     pageShowMessage(text);
@@ -164,10 +170,12 @@ const Machine WebMachine = {
     .desktopSize = DesktopSize,
     .present = Present,
     .presentTexture = PresentTexture,
+    .showOverlay = ShowOverlayPicture,
     .setMouseCaptured = [](bool captured) { pageCapturePointer(captured); },
     .bringFile = pageBringFile,
     .messageBox = ShowMessage,
     .hasWindow = [] { return opened; },
+    .windowSize = nullptr,
     .openSound = [](std::string&) { return true; },
     .playSound = PlaySound,
     .closeSound = [] { pagePlayTrack(nullptr, 0, 0); },

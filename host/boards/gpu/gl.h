@@ -18,6 +18,7 @@
     F(BindSampler, BINDSAMPLER)                                                                                        \
     F(BindTexture, BINDTEXTURE)                                                                                        \
     F(BindVertexArray, BINDVERTEXARRAY)                                                                                \
+    F(BlendFunc, BLENDFUNC)                                                                                            \
     F(BufferData, BUFFERDATA)                                                                                          \
     F(BufferSubData, BUFFERSUBDATA)                                                                                    \
     F(CheckFramebufferStatus, CHECKFRAMEBUFFERSTATUS)                                                                  \
@@ -66,6 +67,7 @@
     F(ShaderSource, SHADERSOURCE)                                                                                      \
     F(TexImage2D, TEXIMAGE2D)                                                                                          \
     F(TexParameteri, TEXPARAMETERI)                                                                                    \
+    F(Uniform1f, UNIFORM1F)                                                                                            \
     F(Uniform1i, UNIFORM1I)                                                                                            \
     F(Uniform2f, UNIFORM2F)                                                                                            \
     F(Uniform2fv, UNIFORM2FV)                                                                                          \

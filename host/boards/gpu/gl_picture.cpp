@@ -1,7 +1,5 @@
 #include "boards/gpu/gl_picture.h"
 
-#include "machine/picture_area.h"
-
 #include <algorithm>
 
 namespace {
@@ -17,18 +15,21 @@ void main() {
 )";
 
 // A pixel is even over its whole area but for one screen pixel at its border, where it blends into its neighbour: the
-// same as enlarging by a whole number and shrinking the rest. `enlargement` 1 is plain linear filtering.
+// same as enlarging by a whole number and shrinking the rest. `enlargement` 1 is plain linear filtering; `opacity` is
+// the least alpha.
 const char* const FRAGMENT_PROGRAM = R"(in vec2 place;
 out vec4 colour;
 uniform sampler2D picture;
 uniform vec2 enlargement;
+uniform float opacity;
 void main() {
     vec2 size = vec2(textureSize(picture, 0));
     vec2 position = place * size;
     vec2 fromCentre = fract(position) - 0.5;
     vec2 even = 0.5 - 0.5 / enlargement;
     vec2 blend = (fromCentre - clamp(fromCentre, -even, even)) * enlargement;
-    colour = vec4(texture(picture, (floor(position) + 0.5 + blend) / size).rgb, 1.0);
+    colour = texture(picture, (floor(position) + 0.5 + blend) / size);
+    colour.a = max(colour.a, opacity);
 }
 )";
 
@@ -42,29 +43,50 @@ void DisableTests() {
 
 }  // namespace
 
-bool GlPicture::Prepare(std::string& error) {
-    program_ = LinkGlProgram(VERTEX_PROGRAM, FRAGMENT_PROGRAM, error);
-    if (program_ == 0) return false;
-    enlargementPlace_ = gl::GetUniformLocation(program_, "enlargement");
-    gl::GenVertexArrays(1, &vertexArray_);
-    gl::GenTextures(1, &ownTexture_);
-    gl::BindTexture(GL_TEXTURE_2D, ownTexture_);
+namespace {
+
+float Enlargement(int shown, int pixels, int pictureWidth) {
+    if (pictureWidth >= SMOOTH_FROM_WIDTH) return 1;
+    return std::max(static_cast<float>(shown) / static_cast<float>(pixels), 1.0f);
+}
+
+GLuint MakeTexture() {
+    GLuint texture = 0;
+    gl::GenTextures(1, &texture);
+    gl::BindTexture(GL_TEXTURE_2D, texture);
     gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     gl::TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    return texture;
+}
+
+void FillTexture(GLuint texture, const Picture& picture) {
+    const auto pixels = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height);
+    gl::ActiveTexture(GL_TEXTURE0);
+    gl::BindTexture(GL_TEXTURE_2D, texture);
+    gl::PixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    gl::TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, picture.width, picture.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                   RedFirst({picture.pixels, pixels}).data());
+}
+
+}  // namespace
+
+bool GlPicture::Prepare(std::string& error) {
+    program_ = LinkGlProgram(VERTEX_PROGRAM, FRAGMENT_PROGRAM, error);
+    if (program_ == 0) return false;
+    enlargementPlace_ = gl::GetUniformLocation(program_, "enlargement");
+    opacityPlace_ = gl::GetUniformLocation(program_, "opacity");
+    gl::GenVertexArrays(1, &vertexArray_);
+    ownTexture_ = MakeTexture();
+    overlayTexture_ = MakeTexture();
     if (gl::GetError() == GL_NO_ERROR) return true;
     error = "OpenGL has no room for a picture";
     return false;
 }
 
 void GlPicture::Take(const Picture& picture) {
-    const auto pixels = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height);
-    gl::ActiveTexture(GL_TEXTURE0);
-    gl::BindTexture(GL_TEXTURE_2D, ownTexture_);
-    gl::PixelStorei(GL_UNPACK_ALIGNMENT, 4);
-    gl::TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, picture.width, picture.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-                   RedFirst({picture.pixels, pixels}).data());
+    FillTexture(ownTexture_, picture);
     TakeTexture(ownTexture_, picture.width, picture.height);
 }
 
@@ -74,26 +96,38 @@ void GlPicture::TakeTexture(uint32_t texture, int width, int height) {
     height_ = height;
 }
 
+void GlPicture::TakeOverlay(const Picture* overlay) {
+    if (overlay) FillTexture(overlayTexture_, *overlay);
+    overlayWidth_ = overlay ? overlay->width : 0;
+    overlayHeight_ = overlay ? overlay->height : 0;
+}
+
 bool GlPicture::Draw(int windowWidth, int windowHeight) const {
     if (width_ == 0) return false;
-    const PictureArea area = FitPicture(width_, height_, windowWidth, windowHeight);
+    PictureArea area = FitPicture(width_, height_, windowWidth, windowHeight);
+    area.y = windowHeight - area.y - area.height;  // from the lower edge
     DisableTests();
     gl::BindFramebuffer(GL_FRAMEBUFFER, 0);
     gl::ColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     gl::ClearColor(0, 0, 0, 1);
     gl::Clear(GL_COLOR_BUFFER_BIT);
-    gl::Viewport(area.x, windowHeight - area.y - area.height, area.width, area.height);
-    gl::UseProgram(program_);
-    gl::Uniform2f(enlargementPlace_, Enlargement(area.width, width_), Enlargement(area.height, height_));
-    gl::ActiveTexture(GL_TEXTURE0);
-    gl::BindTexture(GL_TEXTURE_2D, texture_);
-    gl::BindSampler(0, 0);
-    gl::BindVertexArray(vertexArray_);
-    gl::DrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+    DrawLayer(texture_, width_, height_, area, true);
+    if (overlayWidth_ == 0) return true;
+    gl::Enable(GL_BLEND);
+    gl::BlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    DrawLayer(overlayTexture_, overlayWidth_, overlayHeight_, area, false);
+    gl::Disable(GL_BLEND);
     return true;
 }
 
-float GlPicture::Enlargement(int shown, int pixels) const {
-    if (width_ >= SMOOTH_FROM_WIDTH) return 1;
-    return std::max(static_cast<float>(shown) / static_cast<float>(pixels), 1.0f);
+void GlPicture::DrawLayer(GLuint texture, int width, int height, const PictureArea& area, bool opaque) const {
+    gl::Viewport(area.x, area.y, area.width, area.height);
+    gl::UseProgram(program_);
+    gl::Uniform2f(enlargementPlace_, Enlargement(area.width, width, width), Enlargement(area.height, height, width));
+    gl::Uniform1f(opacityPlace_, opaque ? 1.0f : 0.0f);
+    gl::ActiveTexture(GL_TEXTURE0);
+    gl::BindTexture(GL_TEXTURE_2D, texture);
+    gl::BindSampler(0, 0);
+    gl::BindVertexArray(vertexArray_);
+    gl::DrawArrays(GL_TRIANGLE_STRIP, 0, 4);
 }

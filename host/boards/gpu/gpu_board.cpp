@@ -7,6 +7,7 @@
 #include "boards/gpu/gpu_programs.h"
 #include "machine/game.h"
 #include "machine/machine.h"
+#include "machine/picture_area.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -29,6 +30,7 @@ GLuint samplers[4];  // wrapping in s: 1, in t: 2
 Uniforms uniforms;
 Buffer back, front;
 GLsizei width = 0, height = 0;
+uint32_t scale = 1;
 std::vector<GLuint> textures;
 
 std::vector<uint32_t> frontPixels;
@@ -89,11 +91,24 @@ bool MakeBuffer(Buffer& buffer) {
     return true;
 }
 
+constexpr int SCALE_MAX = 8;
+
+// OpenGL drawn by the processor would take several times as long for a picture of several times the size.
+uint32_t ChooseScale() {
+    if (BoardScale != 0) return BoardScale;
+    if (!CurrentMachine->windowSize || GlIsSoftware()) return 1;
+    int windowWidth = 0, windowHeight = 0;
+    CurrentMachine->windowSize(&windowWidth, &windowHeight);
+    return static_cast<uint32_t>(
+        std::min(CoveringScale(BOARD_WIDTH, BOARD_HEIGHT, windowWidth, windowHeight), SCALE_MAX));
+}
+
 bool MakeBuffers(std::string& error) {
     GLint most = 0;
     gl::GetIntegerv(GL_MAX_TEXTURE_SIZE, &most);
-    width = BOARD_WIDTH * static_cast<GLsizei>(BoardScale);
-    height = BOARD_HEIGHT * static_cast<GLsizei>(BoardScale);
+    scale = ChooseScale();
+    width = BOARD_WIDTH * static_cast<GLsizei>(scale);
+    height = BOARD_HEIGHT * static_cast<GLsizei>(scale);
     gl::GenRenderbuffers(1, &depthBuffer);
     gl::BindRenderbuffer(GL_RENDERBUFFER, depthBuffer);
     if (width <= most) gl::RenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT16, width, height);
@@ -304,7 +319,7 @@ const Board GpuBoard = {
     .draw = Draw,
     .finish = [] { gl::Finish(); },
     .swap = Swap,
-    .scale = [] { return BoardScale; },
+    .scale = [] { return scale; },
     .front = Front,
     .frontTexture = [] { return uint32_t{front.colour}; },
 };

@@ -23,6 +23,7 @@ struct HostFrameReport {
     uint32_t time0;  // animation clock of layer 0
     float camera[3];
     float cameraAngles[3];
+    bool mouseFlies;    // the free camera: the mouse moves it without a button held
     uint32_t polygons;  // SubmitPolygon calls
     // Polygons and pieces of the character that a table had no room for.
     uint32_t dropped;
