@@ -93,13 +93,13 @@ const replay = (name, more = []) => `(async () => {
 await browser.size(1280, 900);
 await test('the first picture comes', async () => {
     await openPage();
-    await pictureCome(1);
+    await pictureCome(0);
 });
 
 for (const [name, digit] of [['software', 'Digit9'], ['accelerator', 'Digit0']]) {
     await test(`keys lead through the front end into level 3, ${name}`, async () => {
         await openPage();
-        await pictureCome(1);
+        await pictureCome(0);
         const steps = [['Space', 'FrontEnd/Select01.bmp'], ['Digit3', 'FrontEnd/Select02.bmp'],
             [digit, 'game/data/levels/level3/texture.bin']];
         for (const [key, file] of steps) {
@@ -138,12 +138,12 @@ await test('a lost WebGL context is told, and the game starts again', async () =
     await browser.value(`document.getElementById('screen').getContext('webgl2').getExtension('WEBGL_lose_context').loseContext()`);
     await browser.until(`!${coverButton}.hidden`, 'the page tells it');
     await browser.value(`${coverButton}.click()`);
-    await pictureCome(3);
+    await pictureCome(0);
 });
 
 await test('a level that cannot be fetched is told, and comes later', async () => {
     await openPage();
-    await pictureCome(1);
+    await pictureCome(0);
     await browser.send('Network.setBlockedURLs', { urls: ['*/assets/*.bin'] });
     await browser.value(`location.hash = '#level=2'`);
     await browser.until(`!${coverButton}.hidden && ${cover}.textContent.includes('could not be fetched')`, 'the page tells it');
