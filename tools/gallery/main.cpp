@@ -41,6 +41,7 @@ fs::path Data = "build/data";
 int Level;
 bool Accelerator;
 fs::path RowFile;
+fs::path Folder;  // for each picture by itself; none when empty
 
 // Those with a picture, evenly chosen where there are more; the start where there are none.
 std::vector<MarkedPlace> PlacesToShow() {
@@ -92,6 +93,7 @@ void Put(Image& row, int column, const Image& picture) {
 
 int DrawRow(HINSTANCE, HINSTANCE, char*, int) {
     UseGlide = Accelerator ? 1 : 0;
+    CurrentLevel = Level - 1;  // the game's own choice: light and fog go by it
     BuildReciprocalTable();
     SystemInit();
     InitGraphics(0);
@@ -101,11 +103,18 @@ int DrawRow(HINSTANCE, HINSTANCE, char*, int) {
     MouseInput = {};
     Image row(CELL_WIDTH * PICTURES, CELL_HEIGHT);
     const std::vector<MarkedPlace> places = PlacesToShow();
+    std::vector<Image> pictures;
     for (size_t i = 0; i < places.size(); ++i) {
-        Put(row, static_cast<int>(i), PictureOf(places[i]));
-        if (!Accelerator) fmt::print(stderr, "level {}, picture {}: {}\n", Level, i + 1, places[i].name);
+        pictures.push_back(PictureOf(places[i]));
+        Put(row, static_cast<int>(i), pictures.back());
+        if (!Accelerator && Folder.empty())
+            fmt::print(stderr, "level {}, picture {}: {}\n", Level, i + 1, places[i].name);
     }
     WritePng(RowFile, row);
+    for (size_t i = 0; i < PICTURES && !Folder.empty(); ++i) {
+        const std::string name = fmt::format("level{}_{}{}.png", Level, i + 1, Accelerator ? "" : "_software");
+        WritePng(Folder / name, pictures[i % pictures.size()]);
+    }
     return 0;
 }
 
@@ -134,7 +143,11 @@ int main(int argc, char** argv) {
     app.add_option("levels", levels, "the levels; all of them when left out")->check(CLI::Range(1, LEVEL_COUNT));
     app.add_option("-o,--output", output, "the PNG to write")->capture_default_str();
     app.add_option("--data", Data, "the data folder")->capture_default_str();
+    app.add_option("--folder", Folder,
+                   "also write level<N>_<1 to 8>.png and, as software draws it, level<N>_<1 to 8>_software.png there: "
+                   "always eight, some of them alike in levels with fewer marks");
     CLI11_PARSE(app, argc, argv);
+    if (!Folder.empty()) fs::create_directories(Folder);
     if (levels.empty()) {
         levels.resize(LEVEL_COUNT);
         std::iota(levels.begin(), levels.end(), 1);

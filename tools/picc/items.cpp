@@ -56,6 +56,43 @@ void PaintTexture(Painter& painter, const Settings& item) {
     }
 }
 
+// The mean over the part of the picture that a pixel shows.
+Rgba MeanOf(const Image& picture, float left, float top, float size) {
+    const int x0 = static_cast<int>(left), y0 = static_cast<int>(top);
+    const int x1 = std::clamp(static_cast<int>(left + size), x0 + 1, std::max(picture.width, x0 + 1));
+    const int y1 = std::clamp(static_cast<int>(top + size), y0 + 1, std::max(picture.height, y0 + 1));
+    int sum[3] = {};
+    for (int y = y0; y < y1; ++y) {
+        for (int x = x0; x < x1; ++x) {
+            const Rgba& pixel = picture.At(std::min(x, picture.width - 1), std::min(y, picture.height - 1));
+            sum[0] += pixel.r, sum[1] += pixel.g, sum[2] += pixel.b;
+        }
+    }
+    const auto mean = [&](int channel) { return static_cast<uint8_t>(sum[channel] / ((x1 - x0) * (y1 - y0))); };
+    return {mean(0), mean(1), mean(2), 255};
+}
+
+// Fills the rectangle; what is too wide or too high for it is cut off evenly on both sides.
+void PaintGamePicture(Painter& painter, const Settings& item) {
+    const Rectangle rect = ReadRectangle(item);
+    const Image& picture = painter.Picture(item, item.NeedText("file"));
+    const int brightness = static_cast<int>(item.Number("brightness", 1, 0, 4) * 256);
+    const int opacity = ReadOpacity(item);
+    const auto width = static_cast<float>(rect.right - rect.left);
+    const auto height = static_cast<float>(rect.bottom - rect.top);
+    const float step = std::min(static_cast<float>(picture.width) / width, static_cast<float>(picture.height) / height);
+    const float left = (static_cast<float>(picture.width) - width * step) / 2;
+    const float top = (static_cast<float>(picture.height) - height * step) / 2;
+    for (int y = rect.top; y < rect.bottom; ++y) {
+        for (int x = rect.left; x < rect.right; ++x) {
+            const float px = left + static_cast<float>(x - rect.left) * step;
+            const float py = top + static_cast<float>(y - rect.top) * step;
+            const Rgba colour = MeanOf(picture, px, py, step);
+            Blend(painter.image, x, y, Scaled(colour, brightness), opacity);
+        }
+    }
+}
+
 void PaintHallItem(Painter& painter, const Settings& item) {
     HallView hall;
     hall.left = &painter.Texture(item, item.NeedText("left"));
@@ -196,22 +233,35 @@ struct Kind {
 };
 constexpr Kind KINDS[] = {
     {"gradient", PaintGradient}, {"texture", PaintTexture}, {"hall", PaintHallItem},     {"panel", PaintPanel},
-    {"text", PaintText},         {"keys", PaintKeys},       {"vignette", PaintVignette},
+    {"text", PaintText},         {"keys", PaintKeys},       {"vignette", PaintVignette}, {"picture", PaintGamePicture},
 };
+
+struct Refusal {
+    std::string problem, remedy;
+};
+
+const Image& Loaded(Painter& painter, const Settings& item, const std::filesystem::path& path,
+                    const Refusal& ifMissing) {
+    const auto [entry, isNew] = painter.loaded.try_emplace(path);
+    if (isNew) {
+        if (!std::filesystem::is_regular_file(path)) item.RefuseTable(ifMissing.problem, ifMissing.remedy);
+        entry->second = ReadPng(path);
+    }
+    return entry->second;
+}
 
 }  // namespace
 
 const Image& Painter::Texture(const Settings& item, const std::string& name) {
-    const auto [entry, isNew] = loaded.try_emplace(name);
-    if (isNew) {
-        const std::filesystem::path path = materials / (name + ".png");
-        if (!std::filesystem::is_regular_file(path)) {
-            item.RefuseTable(fmt::format("there is no material '{}'", Shown(name)),
-                             "use the name of a recipe in content/materials");
-        }
-        entry->second = ReadPng(path);
-    }
-    return entry->second;
+    return Loaded(
+        *this, item, materials / (name + ".png"),
+        {fmt::format("there is no material '{}'", Shown(name)), "use the name of a recipe in content/materials"});
+}
+
+const Image& Painter::Picture(const Settings& item, const std::string& name) {
+    return Loaded(
+        *this, item, pictures / (name + ".png"),
+        {fmt::format("there is no picture '{}'", Shown(name)), "use the name of one that gallery --folder writes"});
 }
 
 void PaintItem(Painter& painter, const Settings& item) {

@@ -14,10 +14,12 @@ constexpr int PICTURE_HEIGHT = 480;
 struct Painter {
     Image image;
     std::filesystem::path materials;
+    std::filesystem::path pictures;  // folder of those that the item "picture" shows
     Lettering lettering;
-    std::map<std::string, Image> loaded;
+    std::map<std::filesystem::path, Image> loaded;
 
     const Image& Texture(const Settings& item, const std::string& name);
+    const Image& Picture(const Settings& item, const std::string& name);
 };
 
 // Paints the item of the key `kind`.

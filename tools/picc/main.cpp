@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
     app.add_option("-o,--output", output, "The bitmap to write (.bmp)")->required();
     app.add_option("--materials", sources.materials, "Folder of the painted materials")->required();
     app.add_option("--fonts", sources.fonts, "Folder of the fonts (.ttf)")->required();
+    app.add_option("--pictures", sources.pictures, "Folder of pictures taken in the game");
     app.add_option("--preview", preview, "The same picture as PNG to write");
     app.add_option("--shrink", shrink, "Write the picture that many times smaller")->check(CLI::Range(1, 16));
     CLI11_PARSE(app, argc, argv);

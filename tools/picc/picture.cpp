@@ -4,8 +4,11 @@
 
 Image PaintPicture(const std::filesystem::path& description, const PictureSources& sources) {
     const Settings text = Settings::Load(description);
-    Painter painter{
-        Image(PICTURE_WIDTH, PICTURE_HEIGHT, {0, 0, 0, 255}), sources.materials, Lettering(sources.fonts), {}};
+    Painter painter{Image(PICTURE_WIDTH, PICTURE_HEIGHT, {0, 0, 0, 255}),
+                    sources.materials,
+                    sources.pictures,
+                    Lettering(sources.fonts),
+                    {}};
     const std::vector<Settings> items = text.Tables("item");
     if (items.empty()) text.RefuseTable("the picture is empty", "add an [[item]]");
     text.Finish();

@@ -8,8 +8,9 @@
 #include <string>
 
 struct PictureSources {
-    std::filesystem::path materials;  // folder of <name>.png
-    std::filesystem::path fonts;      // folder of <name>.ttf
+    std::filesystem::path materials;   // folder of <name>.png
+    std::filesystem::path fonts;       // folder of <name>.ttf
+    std::filesystem::path pictures{};  // folder of <name>.png, taken in the game
 };
 
 // ContentError names the file and the line.

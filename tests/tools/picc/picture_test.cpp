@@ -12,7 +12,7 @@ namespace {
 const std::filesystem::path FOLDER = std::filesystem::path(testing::TempDir()) / "pictures";
 
 PictureSources Sources() {
-    return {FOLDER, FONT_FOLDER};
+    return {FOLDER, FONT_FOLDER, FOLDER / "shots"};
 }
 
 Image Paint(const std::string& text) {
@@ -71,6 +71,23 @@ TEST(PaintPicture, TexturesRepeatAndMayBeEnlarged) {
     for (const int x : {11, 14, 27, 30})
         EXPECT_EQ(image.At(x, 10).r, 0) << x;
     EXPECT_EQ(image.At(12, 26).r, 255);
+}
+
+TEST(PaintPicture, PicturesOfTheGameFillTheirRectangleFromTheirMiddle) {
+    Image shot(8, 4, {255, 0, 0, 255});  // red at both ends, which a square does not show
+    for (int x = 2; x < 6; ++x) {
+        for (int y = 0; y < 4; ++y)
+            shot.At(x, y) = {0, static_cast<uint8_t>(x < 4 ? 100 : 200), 0, 255};
+    }
+    WritePng(FOLDER / "shots/hall.png", shot);
+    const std::string item = "[[item]]\nkind = 'picture'\nfile = 'hall'\n";
+    const Image large = Paint(item + "rect = [10, 10, 90, 90]\n");
+    EXPECT_EQ(large.At(10, 10), (Rgba{0, 100, 0, 255}));
+    EXPECT_EQ(large.At(89, 89), (Rgba{0, 200, 0, 255}));
+    EXPECT_EQ(large.At(90, 89).g, 0);
+    const Image small = Paint(item + "rect = [10, 10, 11, 11]\nbrightness = 0.5\n");
+    EXPECT_EQ(small.At(10, 10), (Rgba{0, 75, 0, 255})) << "the mean of all it shows";
+    ExpectRefusal("there is no picture 'cellar'", [] { Paint("[[item]]\nkind = 'picture'\nfile = 'cellar'\n"); });
 }
 
 TEST(PaintPicture, FaultsNameTheLineAndTheRemedy) {
