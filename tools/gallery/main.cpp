@@ -93,7 +93,6 @@ void Put(Image& row, int column, const Image& picture) {
 
 int DrawRow(HINSTANCE, HINSTANCE, char*, int) {
     UseGlide = Accelerator ? 1 : 0;
-    CurrentLevel = Level - 1;  // the game's own choice: light and fog go by it
     BuildReciprocalTable();
     SystemInit();
     InitGraphics(0);
