@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <map>
+#include <set>
 
 namespace {
 
@@ -14,7 +15,8 @@ constexpr int WORLD_SLOT_END = CHAR_TEXTURE_BASE;
 
 class BrushBuilder {
 public:
-    BrushBuilder(const MapFile& map, const std::vector<Material>& materials) : map_(map) {
+    BrushBuilder(const MapFile& map, const std::vector<Material>& materials, FaultList* faults)
+        : map_(map), faults_(faults), standIn_(materials.empty() ? nullptr : &materials[0]) {
         for (const Material& material : materials)
             materials_[material.name] = &material;
     }
@@ -28,8 +30,10 @@ public:
                    "move them to the world, or make them a func_group, func_detail or func_terrain");
         }
         const bool cornerLight = NumberKey(entity, "corner_light", 0) != 0;
-        for (const MapBrush& brush : entity.brushes)
-            Add(brush, detail, cornerLight);
+        for (const MapBrush& brush : entity.brushes) {
+            CheckTextures(brush);
+            Collect(faults_, brush.line.number, [&] { Add(brush, detail, cornerLight); });
+        }
     }
 
     Brushes Take() {
@@ -40,7 +44,21 @@ public:
     }
 
 private:
+    // Each name that must not be is told once.
+    void CheckTextures(const MapBrush& brush) {
+        for (const MapFace& face : brush.faces) {
+            if (checked_.insert(face.texture).second) Collect(faults_, face.line.number, [&] { CheckTexture(face); });
+        }
+    }
+
     const Material& MaterialOf(const MapFace& face) const {
+        const auto found = materials_.find(face.texture);
+        if (found != materials_.end()) return *found->second;
+        if (!standIn_) Refuse(face.line, "the list of materials is empty", "add the level's materials to it");
+        return *standIn_;
+    }
+
+    void CheckTexture(const MapFace& face) const {
         const auto found = materials_.find(face.texture);
         if (found == materials_.end()) {
             Refuse(face.line, fmt::format("the texture \"{}\" is not in the list of materials", Shown(face.texture)),
@@ -51,7 +69,6 @@ private:
             Refuse(face.line, fmt::format("the texture \"{}\" is in slot {}", Shown(face.texture), material.slot),
                    fmt::format("worlds may use slots 0..{}", WORLD_SLOT_END - 1));
         }
-        return material;
     }
 
     Plane PlaneOf(const MapFace& face) const {
@@ -72,8 +89,10 @@ private:
 
     void AddTerrain(const MapEntity& entity) {
         const Terrain terrain = BuildTerrain(map_, entity);
-        for (const MapBrush& prism : terrain.prisms)
+        for (const MapBrush& prism : terrain.prisms) {
+            CheckTextures(prism);
             Add(prism, true, false);
+        }
         for (const double x : terrain.columns)
             out_.terrainLines.push_back(out_.planes.Find({1, 0, 0}, x));
         for (const double y : terrain.rows)
@@ -163,7 +182,10 @@ private:
     }
 
     const MapFile& map_;
+    FaultList* const faults_;
+    const Material* const standIn_;  // for textures that are not in the list
     std::map<std::string, const Material*> materials_;
+    std::set<std::string> checked_;  // names of textures
     Brushes out_;
 };
 
@@ -177,10 +199,11 @@ bool Brush::Holds(const Vec3& p, const PlaneTable& planes, double tolerance) con
     return true;
 }
 
-Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials) {
-    BrushBuilder builder(map, materials);
+Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials, FaultList* faults) {
+    BrushBuilder builder(map, materials, faults);
     for (const MapEntity& entity : map.entities) {
-        if (!entity.brushes.empty()) builder.Add(entity);
+        if (entity.brushes.empty()) continue;
+        Collect(faults, entity.line.number, [&] { builder.Add(entity); });
     }
     return builder.Take();
 }

@@ -1,6 +1,7 @@
 // Brushes as the compiler works on them: planes from the table, windings, the class of the brush.
 #pragma once
 
+#include "mapc/fault_list.h"
 #include "mapc/map_file.h"
 #include "mapc/plane_table.h"
 #include "mapc/texture_axes.h"
@@ -44,4 +45,6 @@ struct Brushes {
 
 // The brushes of worldspawn, func_group and func_detail, and those that terrains become. ContentError for a brush
 // without volume or open, a texture that is not in the list, an unknown entity with brushes, and more than BRUSHES_MAX.
-Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials);
+//
+// With faults, a brush that cannot be is left out, and a texture that is not in the list counts as the list's first.
+Brushes BuildBrushes(const MapFile& map, const std::vector<Material>& materials, FaultList* faults = nullptr);

@@ -18,13 +18,13 @@
 
 namespace {
 
-[[noreturn]] void RefuseLeak(const MapFile& map, const std::vector<Vec3>& path) {
+std::string LeakText(const MapFile& map, const std::vector<Vec3>& path) {
     std::string text =
         fmt::format("{}: the level leaks: the space around info_player_start is open to the outside", map.name);
     text += ": close the hole along this path:";
     for (const Vec3& p : path)
         text.append(" ").append(PlaceText(p));
-    throw LeakError(text, path);
+    return text;
 }
 
 void CheckStart(const Brushes& brushes, const PlayerStart& start) {
@@ -33,6 +33,55 @@ void CheckStart(const Brushes& brushes, const PlayerStart& start) {
         Refuse(start.line, fmt::format("info_player_start is inside the brush of {}", brush.line.Text()),
                "move it into the open");
     }
+    if (!FloorBelow(brushes, start.origin))
+        Refuse(start.line, "there is no floor below info_player_start", "put it above a floor");
+}
+
+// A part of the map that the player cannot get to: brushes that touch each other.
+struct UnreachedPart {
+    Box box;
+    size_t brushes = 0;
+    SourceLine line;  // of its first brush
+};
+
+// texturesSeen: for each face texture whether any of it is seen from where the player can be.
+std::vector<UnreachedPart> UnreachedParts(const Brushes& brushes, const std::vector<char>& outside,
+                                          const std::vector<char>& seen) {
+    std::vector<UnreachedPart> parts;
+    for (const Brush& brush : brushes.list) {
+        const auto anyIn = [&](const std::vector<char>& marks) {
+            return std::any_of(brush.sides.begin(), brush.sides.end(), [&](const BrushSide& side) {
+                return side.texture >= 0 && marks[static_cast<size_t>(side.texture)];
+            });
+        };
+        if (!anyIn(outside) || anyIn(seen)) continue;
+        UnreachedPart part{brush.box, 1, brush.line};
+        for (size_t i = 0; i < parts.size();) {
+            if (!parts[i].box.Touches(part.box, SPLIT_EPSILON)) {
+                ++i;
+                continue;
+            }
+            part.box.Add(parts[i].box);
+            part.brushes += parts[i].brushes;
+            part.line = parts[i].line;
+            parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(i));
+            i = 0;
+        }
+        parts.push_back(part);
+    }
+    return parts;
+}
+
+std::vector<std::string> NotesOf(const std::vector<UnreachedPart>& parts) {
+    constexpr size_t SHOWN_MAX = 20;
+    std::vector<std::string> notes;
+    for (size_t i = 0; i < std::min(parts.size(), SHOWN_MAX); ++i) {
+        notes.push_back(fmt::format("{}: {} brush{} around {} cannot be reached or seen, and left out",
+                                    parts[i].line.Text(), parts[i].brushes, parts[i].brushes == 1 ? "" : "es",
+                                    PlaceText(parts[i].box.Centre())));
+    }
+    if (parts.size() > SHOWN_MAX) notes.push_back(fmt::format("and {} more such parts", parts.size() - SHOWN_MAX));
+    return notes;
 }
 
 // Null when the list has none: then nothing invisible can be made.
@@ -45,19 +94,49 @@ const Material* ClipMaterial(const MaterialList& list) {
 struct ReachableSurface {
     std::vector<Face> faces;   // that the player can get to see or touch
     std::vector<Face> skirts;  // behind them
+    std::vector<std::string> notes;
+    bool leaks = false;
 };
 
-ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const PlayerStart& start, const Material* clip,
-                           double scale) {
+// What the player can get to of a map; of one that leaks, everything.
+struct SurfaceRequest {
+    const PlayerStart& start;
+    const Material* clip;
+    double scale;
+    bool takeLeaks;
+};
+
+// ContentError with the faults, and with the leak where that is none to be taken.
+ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRequest& request, FaultList& faults) {
     Surface surface = CutBrushes(brushes);
-    const SealedSpace space(std::move(surface.sealing), brushes, start.origin);
-    if (!space.LeakPath().empty()) RefuseLeak(map, space.LeakPath());
+    const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin);
+    ReachableSurface reachable;
+    if (const std::vector<Vec3>& path = space.LeakPath(); !path.empty()) {
+        if (request.takeLeaks) {
+            reachable.leaks = true;
+            reachable.notes.push_back(LeakText(map, path));
+        } else {
+            faults.Add(FaultList::AT_THE_END, LeakText(map, path));
+            throw LeakError(faults.Text(), path);
+        }
+    }
+    faults.Throw();
+    std::vector<char> outside(brushes.textures.size());
+    std::vector<char> seen(brushes.textures.size());
+    for (const Face& face : surface.visible)
+        outside[static_cast<size_t>(face.texture)] = 1;
     std::erase_if(surface.visible, [&](const Face& face) { return !space.IsSeen(face); });
+    for (const Face& face : surface.visible)
+        seen[static_cast<size_t>(face.texture)] = 1;
+    for (std::string& note : NotesOf(UnreachedParts(brushes, outside, seen)))
+        reachable.notes.push_back(std::move(note));
+    if (surface.visible.empty())
+        Refuse(request.start.line, "nothing can be seen from info_player_start", "put it into the level");
     MergeFaces(surface.visible, brushes);
-    std::vector<Face> skirts;
-    if (clip) skirts = SkirtsBehind(surface.visible, brushes, space, *clip, scale);
-    CheckCounts(map.name, {PolygonCount(surface.visible.size() + skirts.size())});
-    return {std::move(surface.visible), std::move(skirts)};
+    if (request.clip) reachable.skirts = SkirtsBehind(surface.visible, brushes, space, *request.clip, request.scale);
+    CheckCounts(map.name, {PolygonCount(surface.visible.size() + reachable.skirts.size())});
+    reachable.faces = std::move(surface.visible);
+    return reachable;
 }
 
 // The view reaches from one end of the level to the other.
@@ -123,31 +202,44 @@ std::string WritePath(const std::filesystem::path& path, const std::vector<Vec3>
 
 }  // namespace
 
-CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level, const BakeOptions& bake) {
-    CheckEntities(map);
-    LevelSettings settings = ReadSettings(map, list.dark);
-    const std::vector<PointLight> lights = ReadLights(map);
-    const PlayerStart start = FindPlayerStart(map);
-    Brushes brushes = BuildBrushes(map, list.materials);
-    CheckSize(brushes, settings.scale);
+CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level, const BakeOptions& bake,
+                         bool takeLeaks) {
+    FaultList faults;
+    CheckEntities(map, &faults);
+    LevelSettings settings;
+    Collect(&faults, 0, [&] { settings = ReadSettings(map, list.dark); });
+    const std::vector<PointLight> lights = ReadLights(map, &faults);
+    Brushes brushes = BuildBrushes(map, list.materials, &faults);
+    CheckLights(brushes, lights, faults);
+    std::optional<PlayerStart> start;
+    bool startIsGood = false;  // else every place would seem to leak
+    Collect(&faults, FaultList::AT_THE_END, [&] {
+        start = FindPlayerStart(map);
+        CheckSize(brushes, settings.scale);
+        CheckStart(brushes, *start);
+        startIsGood = true;
+    });
+    if (!startIsGood) faults.Throw();
     LightShiningPerCorner(brushes);
-    CheckStart(brushes, start);
-    CheckLights(brushes, lights);
     CompiledLevel compiled;
-    compiled.placement = PlaceMap(brushes, start, level, settings.scale);
-    compiled.places = PlacesOf(map, brushes, compiled.placement);
+    Collect(&faults, FaultList::AT_THE_END, [&] {
+        compiled.placement = PlaceMap(brushes, *start, level, settings.scale);
+        compiled.places = PlacesOf(map, brushes, compiled.placement);
+    });
 
     const Material* clip = settings.skirts ? ClipMaterial(list) : nullptr;
-    ReachableSurface surface = SurfaceOf(map, brushes, start, clip, settings.scale);
+    ReachableSurface surface = SurfaceOf(map, brushes, {*start, clip, settings.scale, takeLeaks}, faults);
     const Tree tree = BuildDrawingTree(std::move(surface.faces), brushes);
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     CutWorld cut = CutForLight(tree, std::move(surface.skirts), sources, bake);
     compiled.world = std::move(cut.world);
     compiled.counts = std::move(cut.counts);
     compiled.contacts = cut.contacts;
+    compiled.leaks = surface.leaks;
     compiled.skirts = cut.skirts;
     compiled.skirtsLeftOut = cut.skirtsLeftOut;
-    compiled.notes = std::move(cut.notes);
+    compiled.notes = std::move(surface.notes);
+    compiled.notes.insert(compiled.notes.end(), cut.notes.begin(), cut.notes.end());
     SetFarDistance(map, compiled.world, settings);
     AddLight(sources, bake, compiled);
     return compiled;
@@ -159,8 +251,8 @@ std::string CompileToFiles(const CompileFiles& files) {
     try {
         const PlacedMap placed = ReadPlacedMap(files.map, files.prefabs);
         const MaterialList list = ReadMaterialList(files.materials);
-        const CompiledLevel level = CompileMap(placed.map, list, files.level, files.bake);
-        if (files.check) files.check(level, files, list);
+        const CompiledLevel level = CompileMap(placed.map, list, files.level, files.bake, files.takeLeaks);
+        if (files.check && !level.leaks) files.check(level, files, list);
         const std::filesystem::path world = files.output / (name + ".bgm");
         const std::string places = PlacesText(level.places);
         std::vector<OutputFile> outputs{{world, EncodeWorld(level.world)},

@@ -20,6 +20,7 @@ struct CompiledLevel {
     std::vector<Count> counts;
     std::vector<std::string> notes;  // what the author should know, a line each
     Contacts contacts;
+    bool leaks = false;
     size_t skirts = 0, skirtsLeftOut = 0;
     size_t rays = 0;          // rays traced for the light
     double lightSeconds = 0;  // time that the light took
@@ -32,8 +33,10 @@ public:
     std::vector<Vec3> path;
 };
 
+// takeLeaks: a level that leaks is compiled with all that can be seen from outside, too, for a quick look.
 // level: 1..8, or 0 to leave the map where it is. ContentError (LeakError) when the map cannot become a level.
-CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level, const BakeOptions& bake = {});
+CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level, const BakeOptions& bake = {},
+                         bool takeLeaks = false);
 
 struct CompileFiles {
     std::filesystem::path map;
@@ -41,6 +44,7 @@ struct CompileFiles {
     std::filesystem::path output;  // folder
     int level = 0;
     BakeOptions bake{};
+    bool takeLeaks = false;
     std::filesystem::path prefabs{};  // folder, or empty
     // Asked before anything is written; throws ContentError for what must not be.
     std::function<void(const CompiledLevel&, const CompileFiles&, const MaterialList&)> check{};

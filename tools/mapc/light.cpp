@@ -94,19 +94,21 @@ void SetLevelValues(const LevelSettings& settings, LightMapFile& file) {
 
 }  // namespace
 
-void CheckLights(const Brushes& brushes, const std::vector<PointLight>& lights) {
-    std::string buried;
+void CheckLights(const Brushes& brushes, const std::vector<PointLight>& lights, FaultList& faults) {
     for (const PointLight& light : lights) {
         for (const Brush& brush : brushes.list) {
             const bool stopsLight = brush.kind == BrushKind::Solid || brush.kind == BrushKind::Detail;
             if (!stopsLight || !brush.Holds(light.origin, brushes.planes, 0)) continue;
             const Vec3& p = light.origin;
-            buried += fmt::format("{}{}: the light at ({} {} {}) is inside the brush of {}", buried.empty() ? "" : "\n",
-                                  light.line.Text(), p.x, p.y, p.z, brush.line.Text());
+            Collect(&faults, light.line.number, [&] {
+                Refuse(
+                    light.line,
+                    fmt::format("the light at ({} {} {}) is inside the brush of {}", p.x, p.y, p.z, brush.line.Text()),
+                    "move it into the open");
+            });
             break;
         }
     }
-    if (!buried.empty()) throw ContentError(buried + ": move it into the open");
 }
 
 LitWorld LightWorld(const WorldFile& world, const LightSources& sources, const BakeOptions& options) {

@@ -17,8 +17,8 @@ struct LightSources {
     const Placement& placement;
 };
 
-// ContentError for a light inside a brush: it would light nothing.
-void CheckLights(const Brushes& brushes, const std::vector<PointLight>& lights);
+// A fault for each light inside a brush: it would light nothing.
+void CheckLights(const Brushes& brushes, const std::vector<PointLight>& lights, FaultList& faults);
 
 struct LitWorld {
     LightMapFile file;

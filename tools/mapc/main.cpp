@@ -32,13 +32,14 @@ int main(int argc, char** argv) {
     app.add_option("--level", files.level, "place the map as this level of the game")
         ->check(CLI::Range(1, LEVEL_COUNT));
     bool fast = false;
-    app.add_flag("--fast", fast, "a quick look: coarser light, and none that surfaces throw back");
+    app.add_flag("--fast", fast, "a quick look: coarser light, none that surfaces throw back, and leaks are only told");
     app.add_option("--threads", files.bake.threads, "how many threads work on the light")
         ->default_val(ThreadCount())
         ->check(CLI::Range(1, 256));
     CLI11_PARSE(app, argc, argv);
     files.check = CheckCompiled;
     if (fast) files.bake.quality = LightQuality::Fast;
+    files.takeLeaks = fast;
     if (isatty(STDERR_FILENO)) files.bake.progress = ShowProgress;
     const auto begin = std::chrono::steady_clock::now();
     try {

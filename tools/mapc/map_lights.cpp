@@ -88,10 +88,11 @@ PointLight LightOf(const MapEntity& entity) {
 
 }  // namespace
 
-std::vector<PointLight> ReadLights(const MapFile& map) {
+std::vector<PointLight> ReadLights(const MapFile& map, FaultList* faults) {
     std::vector<PointLight> lights;
     for (const MapEntity& entity : map.entities) {
-        if (entity.ClassName() == "light") lights.push_back(LightOf(entity));
+        if (entity.ClassName() != "light") continue;
+        Collect(faults, entity.line.number, [&] { lights.push_back(LightOf(entity)); });
     }
     return lights;
 }

@@ -1,6 +1,7 @@
 // The lamps of a map: its light entities.
 #pragma once
 
+#include "mapc/fault_list.h"
 #include "mapc/map_file.h"
 
 enum class LightStyle {
@@ -28,5 +29,5 @@ struct PointLight {
 };
 
 // In map order. ContentError for a key out of its range and for one that the light's style has no use for.
-std::vector<PointLight> ReadLights(const MapFile& map);
+std::vector<PointLight> ReadLights(const MapFile& map, FaultList* faults = nullptr);
 double MeanOf(const PointLight& light);  // the part of its brightness that it has in the mean of its cycle

@@ -162,10 +162,7 @@ void SealedSpace::Flood(const Vec3& start) {
     leaves_[static_cast<size_t>(queue[0])].flooded = true;
     for (size_t at = 0; at < queue.size(); ++at) {
         const LeafSpace& leaf = leaves_[static_cast<size_t>(queue[at])];
-        if (leaf.outside) {
-            TracePath(queue[at], start);
-            return;
-        }
+        if (leaf.outside && leakPath_.empty()) TracePath(queue[at], start);
         for (const int number : leaf.portals) {
             const Portal& portal = portals_[static_cast<size_t>(number)];
             const int next = portal.leaf[portal.leaf[0] == queue[at] ? 1 : 0];

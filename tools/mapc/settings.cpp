@@ -72,13 +72,15 @@ const std::vector<EntityClass> ENTITY_CLASSES{
 
 // Refuses unknown keys, since a misspelt one would go unnoticed. Editors begin their own keys with an underscore, and
 // lights have a _color.
-void CheckKeys(const MapEntity& entity, const std::vector<std::string>& known) {
+void CheckKeys(const MapEntity& entity, const std::vector<std::string>& known, FaultList* faults) {
     for (const MapKey& key : entity.keys) {
         if (key.name == "classname" || key.name.starts_with('_')) continue;
         if (entity.ClassName() == "func_instance" && key.name.starts_with("replace")) continue;
         if (std::find(known.begin(), known.end(), key.name) != known.end()) continue;
-        Refuse(key.line, fmt::format("unknown key {} of a {}", Shown(key.name), entity.ClassName()),
-               fmt::format("correct its name, or leave it out; known are {}", fmt::join(known, ", ")));
+        Collect(faults, key.line.number, [&] {
+            Refuse(key.line, fmt::format("unknown key {} of a {}", Shown(key.name), entity.ClassName()),
+                   fmt::format("correct its name, or leave it out; known are {}", fmt::join(known, ", ")));
+        });
     }
 }
 
@@ -122,16 +124,19 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     return settings;
 }
 
-void CheckEntities(const MapFile& map) {
+void CheckEntities(const MapFile& map, FaultList* faults) {
     for (const MapEntity& entity : map.entities) {
         const std::string name = entity.ClassName();
         const auto known = std::find_if(ENTITY_CLASSES.begin(), ENTITY_CLASSES.end(),
                                         [&](const EntityClass& entityClass) { return entityClass.name == name; });
         if (known == ENTITY_CLASSES.end()) {
             if (name.starts_with("info_")) continue;
-            Refuse(entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + Shown(name),
-                   "use worldspawn, func_group, func_detail, func_terrain, func_instance, light and info_*");
+            Collect(faults, entity.line.number, [&] {
+                Refuse(entity.line, name.empty() ? "an entity without a classname" : "unknown entity " + Shown(name),
+                       "use worldspawn, func_group, func_detail, func_terrain, func_instance, light and info_*");
+            });
+            continue;
         }
-        CheckKeys(entity, known->keys);
+        CheckKeys(entity, known->keys, faults);
     }
 }

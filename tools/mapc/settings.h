@@ -1,6 +1,7 @@
 // The settings that a map makes for its level: the keys of worldspawn.
 #pragma once
 
+#include "mapc/fault_list.h"
 #include "mapc/map_file.h"
 
 #include <array>
@@ -31,4 +32,5 @@ struct LevelSettings {
 // dark: the colour that the level's palette was made for. ContentError for a key out of its range, and for a dark_color
 // that is another one.
 LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<int, 3>>& dark);
-void CheckEntities(const MapFile& map);  // ContentError for a class or key that is not known
+void CheckEntities(const MapFile& map,
+                   FaultList* faults = nullptr);  // ContentError for a class or key that is not known

@@ -106,7 +106,7 @@ TEST(Compile, MapsThatCannotBecomeLevelsAreRefused) {
         {OneRoom().Key("far_distance", "300"), "test.map:3: far_distance is 300, less than the level's 887"},
         {OneRoom().Start("70 70 70"), "a second info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}), "there is no info_player_start"},
-        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("600 0 0"), "the level leaks"},
+        {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("600 0 0"), "there is no floor below info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("-8 64 64"), "is inside the brush of test.map:"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64", 45), "looks along 45 degrees"},
         {OneRoom().BeginEntity("func_door").Box({100, 100, 0}, {164, 164, 64}), "unknown entity func_door"},
@@ -126,6 +126,48 @@ TEST(Compile, TooManyPolygonsInReachOfThePlayerAreRefusedWithThePlace) {
     }
     ExpectRefusal("polygons at once, at most 150", [&] { Compile(map); });
     ExpectRefusal("a player at (1", [&] { Compile(map); });
+}
+
+TEST(Compile, OneRunTellsAllFaultsInTheOrderOfTheirLines) {
+    MapBuilder map;
+    map.Key("ambeint", "3")
+        .Room({0, 0, 0}, {512, 512, 512})
+        .Start("64 64 64")
+        .Light("-8 64 64")
+        .BeginEntity("func_door");
+    map.Box({100, 100, 0}, {164, 164, 64}, "marble");
+    const std::string text = MessageOf([&] { Compile(map); });
+    size_t last = 0;
+    for (const char* part : {"unknown key ambeint", "the light at (-8 64 64)", "unknown entity func_door",
+                             "func_door cannot have brushes"}) {
+        const size_t at = text.find(part);
+        ASSERT_NE(at, std::string::npos) << part << "\n" << text;
+        EXPECT_GE(at, last) << part;
+        last = at;
+    }
+    MapBuilder marble = OneRoom();
+    for (int i = 0; i < 25; ++i)
+        marble.Box({10 + i * 20, 100, 0}, {26 + i * 20, 164, 64}, "marble" + std::to_string(i));
+    const std::string many = MessageOf([&] { Compile(marble); });
+    EXPECT_EQ(std::count(many.begin(), many.end(), '\n'), 20) << "20 lines and how many more";
+    EXPECT_NE(many.find("and 5 more: test.map:: the texture \"...\" is not"), std::string::npos) << many;
+}
+
+TEST(Compile, ALeakIsTakenForAQuickLookAndPartsBeyondReachAreNamed) {
+    MapBuilder map;
+    map.Key("subdivide", "0").Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64");
+    map.Box({2000, 0, 0}, {2064, 64, 64}).Box({2064, 0, 0}, {2128, 64, 64});
+    const CompiledLevel sealed = Compile(map);
+    EXPECT_EQ(sealed.notes, std::vector<std::string>{
+                                "test.map:52: 2 brushes around (2064 32 32) cannot be reached or seen, and left out"});
+    MapBuilder open;
+    open.Box({0, 0, -16}, {512, 512, 0}).Start("64 64 64");
+    EXPECT_THROW(Compile(open), LeakError);
+    const CompiledLevel quick = CompileMap(ParseMap(open.Text(), "open.map"), {TestMaterials()}, 0, FAST_LIGHT, true);
+    EXPECT_TRUE(quick.leaks);
+    EXPECT_GE(quick.world.polygons.size(), 6U);
+    ASSERT_EQ(quick.notes.size(), 1U);
+    EXPECT_EQ(quick.notes[0].find("open.map: the level leaks"), 0U);
 }
 
 TEST(Compile, CountsBeyondTheLimitsAreAllNamed) {
