@@ -58,10 +58,13 @@ const std::vector<EntityClass> ENTITY_CLASSES{
       "bounce",
       "exposure",
       "route_time",
+      "sky",
+      "ticks",
+      "track",
       "skirts",
       "mapversion",
       "message",
-      "wad"}},  // the last three are written by editors
+      "wad"}},  // sky, ticks and track are for ./play --map; the last three are written by editors
     {"func_group", {"corner_light"}},
     {"func_detail", {"corner_light"}},
     {"func_terrain", {"image", "steep", "steep_from", "high", "high_from"}},

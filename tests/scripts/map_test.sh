@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# map_test.sh BUILD DATA: any map can be compiled and played as ./play --map does it: the example with its defaults and
+# under a sky with keys of its own; a map that cannot be is told by line, and leaves the one before it as it was.
+set -u
+build=$1 data=$2
+cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
+for tool in texc mapc skyc; do [ -x "$build/tools/$tool" ] || exit 77; done
+if [ ! -x "$build/tarnwick" ] || [ ! -r "$build/materials/brick_red.png" ] || [ ! -r "$data/disc/track02.flac" ]; then exit 77; fi
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+export XDG_CACHE_HOME=$scratch/cache
+failures=0
+
+fail() {
+    echo "$1"
+    failures=$((failures + 1))
+}
+
+# plays MAP LEVEL: it is compiled as that level and runs for some frames.
+plays() {
+    local options
+    options=$(scripts/map.sh "$build" "$data" "$1" --fast) || { fail "$1 is not compiled"; return; }
+    mapfile -t options <<<"$options"
+    [ "${options[3]}" = "$2" ] || fail "$1 is level ${options[3]}, not $2"
+    "$build/tarnwick" --log /dev/null --headless --frames 30 "${options[@]}" || fail "$1 does not run"
+    folder=${options[1]}
+}
+
+map=$scratch/my\ map.map
+cp content/examples/ten_brushes.map "$map"
+plays "$map" 3
+before=$(cksum "$folder"/game/data/levels/level3/*.*)
+sed -i 's/flagstones/flagstonez/' "$map"
+if text=$(scripts/map.sh "$build" "$data" "$map" 2>&1); then fail "an unknown texture is taken"; fi
+[[ $text == *"my map.map:10: the texture \"flagstonez\""* ]] || fail "the texture's line is not told: $text"
+[ "$(cksum "$folder"/game/data/levels/level3/*.*)" = "$before" ] || fail "the map before it is gone"
+
+sed -E 's/coffer_wood/sky/; s/"ambient" "12"/"ticks" "2"\n"track" "2"/' content/examples/ten_brushes.map >"$scratch/open.map"
+plays "$scratch/open.map" 6
+[ -r "$folder/game/data/levels/level6/sky.sob" ] || fail "the open map has no sky"
+[ "$(readlink -f "$folder/disc/track03.flac")" = "$(readlink -f "$data/disc/track02.flac")" ] || fail "the wrong music"
+exit $((failures > 0))
