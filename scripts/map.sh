@@ -35,7 +35,7 @@ world_key() {
 
 # The row of the game's table that has the sky and the ticks: sets level and row_track.
 find_row() {
-    local row number sky ticks track
+    local number sky ticks track
     while read -r number sky ticks track; do
         [ "$sky" = "$1" ] && [ "$ticks" = "$2" ] && level=$number row_track=$track && return
     done < <(sed -nE 's/^ +LEVEL\(([0-9]+),.*(OPEN|CLOSED), +([0-9]+), +0x[0-9A-F]+, +([0-9]+),.*/\1 \2 \3 \4/p' \
@@ -52,7 +52,8 @@ case $sky in
 [0-9]) sky=$root/content/levels/level$sky/sky.toml ;;
 *) sky=$home/$sky ;;
 esac
-[ -z "$sky" ] || [ -r "$sky" ] || give_up "there is no sky $sky: give the key sky a file beside the map, or the number of a level with a sky"
+[ -z "$sky" ] || [ -r "$sky" ] ||
+    give_up "there is no sky $sky: give the key sky a file beside the map, or the number of a level with a sky"
 ticks=$(world_key ticks)
 find_row "$([ -n "$sky" ] && echo OPEN || echo CLOSED)" "${ticks:-1}" ||
     give_up "frames of ${ticks:-1} ticks are not possible: use 1 or 2, or 4 with a sky"
@@ -79,8 +80,18 @@ fi
 new=$made/level
 rm -rf "$new" && mkdir -p "$new"
 log=$made/compile.log
-tool() { "$build/tools/$@" >>"$log" 2>"$made/errors" || { cat "$made/errors" >&2; exit 1; }; }
 : >"$log"
+
+# tool NAME ARGUMENT...: ends the script with its message when it fails.
+tool() {
+    local program=$build/tools/$1
+    shift
+    "$program" "$@" >>"$log" 2>"$made/errors" && return
+    cat "$made/errors" >&2
+    exit 1
+}
+
+
 tool texc level "$list" --pictures "$build/materials" --texture "$new/texture.bin" --accelerator "$new/glidetex" \
     --materials "$made/materials.txt"
 tool mapc "$map" --materials "$made/materials.txt" --prefabs "$root/content/prefabs" --output "$new" --level "$level" "$@"
@@ -88,7 +99,9 @@ tool mapc "$map" --materials "$made/materials.txt" --prefabs "$root/content/pref
 grep '^note: ' "$log" >&2
 
 play=$folder/data
-rm -rf "$play" && mkdir -p "$play" && cp -rs "$(realpath "$data")"/. "$play" || give_up "$play cannot be made"
+rm -rf "$play"
+mkdir -p "$play"
+cp -rs "$(realpath "$data")"/. "$play" || give_up "$play cannot be made"
 rm -rf "$play/game/data/levels/level$level" && mv "$new" "$play/game/data/levels/level$level"
 ln -sf "$(realpath "$data")/disc/track0$track.flac" "$play/disc/track0$row_track.flac"
 printf -- '--data\n%s\n--level\n%s\n' "$play" "$level"
