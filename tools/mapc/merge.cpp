@@ -3,6 +3,7 @@
 #include "mapc/box_grid.h"
 #include "mapc/welding.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 
@@ -22,6 +23,7 @@ public:
             Corners corners;
             for (const Vec3& p : faces[member].winding)
                 corners.push_back(welder.Find(p));
+            DropRepeated(corners);
             outlines_.push_back(std::move(corners));
         }
     }
@@ -47,6 +49,14 @@ public:
     }
 
 private:
+    // Corners that were welded into one: an edge from a corner to itself would be its own neighbour.
+    static void DropRepeated(Corners& corners) {
+        corners.erase(std::unique(corners.begin(), corners.end()), corners.end());
+        while (corners.size() > 1 && corners.front() == corners.back())
+            corners.pop_back();
+        if (corners.size() < 3) corners.clear();
+    }
+
     void ListEdges(size_t i) {
         const Corners& corners = outlines_[i];
         for (size_t k = 0; k < corners.size(); ++k)
