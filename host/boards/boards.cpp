@@ -4,12 +4,15 @@
 #include "machine/output.h"
 
 #include <cstring>
+#include <optional>
 
 const Board* CurrentBoard = nullptr;
 uint32_t BoardScale = 1;
 
 namespace {
 
+std::span<const Board* const> available;
+std::optional<BoardChoice> changed;
 std::span<const Board* const> candidates;  // the boards that the choice `auto` may still take; empty once it is settled
 
 const Board* BoardOf(BoardChoice choice, std::span<const Board* const> boards) {
@@ -37,13 +40,26 @@ bool OpenAutomatically(std::string& error) {
 }  // namespace
 
 void ChooseBoard(const Options& options, bool hasWindow, std::span<const Board* const> boards) {
+    available = hasWindow ? boards : std::span<const Board* const>();
+    changed.reset();
     candidates = {};
     if (options.board == BoardChoice::Auto && hasWindow) candidates = boards;
     CurrentBoard = BoardOf(options.board, boards);
     BoardScale = options.boardScale;
 }
 
+void ChangeBoard(BoardChoice choice, uint32_t scale) {
+    if (!CurrentBoard || available.empty()) return;
+    changed = choice;
+    BoardScale = scale;
+}
+
 bool OpenBoard() {
+    if (changed) {
+        candidates = *changed == BoardChoice::Auto ? available : std::span<const Board* const>();
+        CurrentBoard = BoardOf(*changed, available);
+        changed.reset();
+    }
     std::string error;
     if (!(candidates.empty() ? CurrentBoard->open(error) : OpenAutomatically(error))) {
         PrintError("the %s board cannot be used: %s; with --board cpu the processor draws", CurrentBoard->name,

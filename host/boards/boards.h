@@ -15,5 +15,7 @@ extern uint32_t BoardScale;
 // `boards`: those of this build; the last one works everywhere, and its pictures are the same everywhere. Without a
 // window the choice `auto` is that last one; with a window it is the first one that suits.
 void ChooseBoard(const Options& options, bool hasWindow, std::span<const Board* const> boards);
+// The same from the next OpenBoard on; a machine without a board goes on without.
+void ChangeBoard(BoardChoice choice, uint32_t scale);
 // Opens CurrentBoard, which the choice `auto` settles here. False: one line on standard error says why it cannot open.
 bool OpenBoard();

@@ -17,7 +17,7 @@ constexpr uint32_t TURN_MS_MAX = 100;  // longer times count as this, so that th
 
 // What a controller can hold down: its buttons, then its sticks' directions and its trigger.
 enum PadInput {
-    STICK_UP = static_cast<int>(PadButton::Right) + 1,
+    STICK_UP = static_cast<int>(PadButton::RightShoulder) + 1,
     STICK_DOWN,
     STICK_LEFT,
     STICK_RIGHT,
@@ -51,8 +51,9 @@ constexpr PadKey PAD_KEYS[] = {
     {Of(PadButton::X), KeyCode("F11")},       // F11 in the front end
     {TRIGGER, KeyCode("RCONTROL")},
     {Of(PadButton::Start), KeyCode("RETURN")},
-    {Of(PadButton::Y), KeyCode("F12")},        // F12
-    {Of(PadButton::Back), KeyCode("ESCAPE")},  // Escape
+    {Of(PadButton::Y), KeyCode("F12")},              // F12
+    {Of(PadButton::RightShoulder), KeyCode("F10")},  // the settings
+    {Of(PadButton::Back), KeyCode("ESCAPE")},        // Escape
 };
 
 struct Pad {

@@ -38,6 +38,8 @@ struct Machine {
     // Shown over every picture from now on, and stretched over all of it: pixels 0xAARRGGBB. The pointer null: nothing
     // is. The function null: nobody looks.
     void (*showOverlay)(const Picture* overlay);
+    // The player has changed machine/settings.h. Null: the machine shows nothing that these settings change.
+    void (*applySettings)();
     void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
     // Called before a file of the data folder is opened for reading, for a machine that gets its files from elsewhere.
     // Null: they are all there.

@@ -101,6 +101,10 @@ const OptionEntry OPTIONS[] = {
      "how many times 640x480 the gpu board's picture is (as many as the window is large, where there is a graphics "
      "card)",
      [](std::string_view value, Options& options) { return TakeNumber(value, 1, 8, options.boardScale); }},
+    {"--settings", "FILE", "read and keep the settings in FILE (settings.txt in the user's configuration folder)",
+     [](std::string_view value, Options& options) { return TakeText(value, options.settings); }},
+    {"--portable", nullptr, "keep the settings in settings.txt beside the program",
+     [](std::string_view, Options& options) { return options.portable = true; }},
     {"--headless", nullptr, "no window, no sound, a clock that moves only when it is read",
      [](std::string_view, Options& options) { return options.headless = true; }},
     {"--script", "FILE", "play the input written in FILE",

@@ -34,6 +34,8 @@ struct Options {
     uint32_t frames = 0;  // 0: no limit
     std::string trace;
     std::vector<ShotRequest> shots;
+    std::string settings;   // file of the player's settings; empty: session/settings_file.h says which
+    bool portable = false;  // it lies beside the program
     bool verbose = false;
 };
 

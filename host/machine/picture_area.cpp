@@ -21,3 +21,10 @@ int CoveringScale(int pictureWidth, int pictureHeight, int windowWidth, int wind
     const PictureArea area = FitPicture(pictureWidth, pictureHeight, windowWidth, windowHeight);
     return std::max((area.width - 1) / pictureWidth, (area.height - 1) / pictureHeight) + 1;
 }
+
+PictureArea FitWholePixels(int pictureWidth, int pictureHeight, int windowWidth, int windowHeight) {
+    const int times = std::min(windowWidth / pictureWidth, windowHeight / pictureHeight);
+    if (times == 0) return FitPicture(pictureWidth, pictureHeight, windowWidth, windowHeight);
+    const int width = times * pictureWidth, height = times * pictureHeight;
+    return {(windowWidth - width) / 2, (windowHeight - height) / 2, width, height};
+}

@@ -13,6 +13,7 @@
 #include "session/find_data.h"
 #include "session/replay.h"
 #include "session/run.h"
+#include "session/settings_file.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -83,6 +84,7 @@ int RunProgram(int argumentCount, char** arguments, const HostParts& parts, cons
     if (asked != OptionsResult::Run) return asked == OptionsResult::Done ? EXIT_SUCCESS : STATUS_WRONG_INPUT;
     Script script;
     if (!LoadOptionScript(options, script) || !LoadReplay(options) || !StartLog(options)) return STATUS_WRONG_INPUT;
+    LoadSettings(options);
     OpenMachine(options, parts);
     if (!OpenData(options) || !StartRun(options, std::move(script))) {
         CurrentMachine->stop();

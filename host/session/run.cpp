@@ -17,6 +17,7 @@
 #include "session/recorder.h"
 #include "session/replay.h"
 #include "session/script_player.h"
+#include "session/settings_screen.h"
 #include "session/trace.h"
 
 #include <algorithm>
@@ -116,6 +117,11 @@ void AtKeyboardPoll() {
     CloseAtPoll();
 }
 
+void AtKeyboardRead(uint8_t* keys) {
+    OfferSettings(keys);
+    AddFrontEndKeys(keys);
+}
+
 void AtPeek() {
     Progress.pollsSincePeek = 0;
 }
@@ -135,7 +141,7 @@ void OpenedFile(const char* path, uint32_t digest) {
 
 const SessionHooks HOOKS = {
     .atKeyboardPoll = AtKeyboardPoll,
-    .atKeyboardRead = AddFrontEndKeys,
+    .atKeyboardRead = AtKeyboardRead,
     .atPeek = AtPeek,
     .atWait = AtWait,
     .replaying = Replaying,

@@ -56,6 +56,7 @@ const Machine TEST_MACHINE = {
     .present = nullptr,
     .presentTexture = nullptr,
     .showOverlay = [](const Picture* overlay) { TestMachine.overlayShown = overlay != nullptr; },
+    .applySettings = nullptr,
     .setMouseCaptured = [](bool captured) { TestMachine.mouseCaptured = captured; },
     .bringFile = nullptr,
     .messageBox = ShowBox,

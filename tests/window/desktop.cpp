@@ -109,6 +109,7 @@ Desktop::~Desktop() {
 void Desktop::StartGame(const std::vector<std::string>& options) {
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // the display drivers keep memory to the end
     std::filesystem::remove(TraceFile());
+    setenv("XDG_CONFIG_HOME", testing::TempDir().c_str(), 1);  // not the settings of whoever runs the test
     unsetenv("WAYLAND_DISPLAY");
     unsetenv("SDL_VIDEODRIVER");
     std::vector<std::string> command = {BUILD_FOLDER "/tarnwick", "--verbose", "--trace", TraceFile()};

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <initializer_list>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -118,6 +119,37 @@ TEST_F(Window, HoldsThePointerOnlyWhereTheMouseSteersAndLetsGoForAltAndF9) {
     EXPECT_TRUE(becomes(true, "mousemove 640 400 mousedown 1"));
     EXPECT_TRUE(becomes(false, "mouseup 1"));
     EXPECT_TRUE(becomes(true, "key F6"));
+}
+
+TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
+    const std::string file = desktop->TraceFile() + ".settings";
+    desktop->StartGame({"--window", "640x480", "--settings", file});
+    desktop->ChooseFirstLevel();
+    const auto press = [&](std::initializer_list<const char*> keys) {
+        for (const char* key : keys)
+            desktop->Key(key);
+    };
+    press({"F10"});
+    const size_t frames = desktop->TracedFrames();
+    const ScreenPicture before = desktop->Screen();
+    press({"Down", "Down", "Down", "Down", "Down", "Left", "Left"});
+    EXPECT_TRUE(WaitFor([&] {
+        const auto sum = [](const ScreenPicture& screen) {
+            uint64_t total = 0;
+            for (const uint32_t pixel : screen.pixels)
+                total += pixel & 0xFF;
+            return total;
+        };
+        return sum(desktop->Screen()) < sum(before) * 9 / 10;
+    })) << "brightness 80 %";
+    EXPECT_EQ(desktop->TracedFrames(), frames);
+    press({"Escape"});
+    AwaitFrames(10);  // Escape closed the screen, not the level
+    std::ifstream kept(file);
+    const std::string text{std::istreambuf_iterator<char>(kept), {}};
+    EXPECT_NE(text.find("\nbrightness = 80\n"), std::string::npos) << text;
+    press({"F10", "Up", "Return"});  // Leave the program
+    EXPECT_EQ(desktop->GameStatus(), 0);
 }
 
 TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {

@@ -33,6 +33,7 @@ const Machine HeadlessMachine = {
     .present = nullptr,
     .presentTexture = nullptr,
     .showOverlay = nullptr,
+    .applySettings = nullptr,
     .setMouseCaptured = [](bool) {},
     .bringFile = nullptr,
     .messageBox = ShowOnStandardError,

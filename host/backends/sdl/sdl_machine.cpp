@@ -110,6 +110,7 @@ const Machine SdlMachine = {
     .present = ShowPicture,
     .presentTexture = ShowTexture,
     .showOverlay = ShowOverlayPicture,
+    .applySettings = ApplySettings,
     .setMouseCaptured = CapturePointer,
     .bringFile = nullptr,
     .messageBox = MessageBox,

@@ -3,6 +3,7 @@
 #include <SDL.h>
 
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,6 +14,7 @@ constexpr int DEVICE_FRAMES = 4096;  // 93 ms, so that a busy machine does not b
 constexpr int CHUNK_FRAMES = 1024;
 
 SDL_AudioDeviceID device = 0;
+std::atomic<int> volume = 100;  // per cent
 
 // What the device's thread plays; changed only while it is locked out.
 std::shared_ptr<TrackReader> playing;
@@ -26,7 +28,12 @@ void Fill(void*, Uint8* out, int bytes) {
         playing->Read(chunk);
         if (SDL_AudioStreamPut(converter, chunk.data(), static_cast<int>(sizeof chunk)) != 0) return;
     }
-    SDL_AudioStreamGet(converter, out, bytes);
+    const int got = SDL_AudioStreamGet(converter, out, bytes);
+    const int percent = volume;
+    if (percent == 100) return;
+    auto* samples = reinterpret_cast<int16_t*>(out);
+    for (int i = 0; i < got / static_cast<int>(sizeof(int16_t)); ++i)
+        samples[i] = static_cast<int16_t>(samples[i] * percent / 100);
 }
 
 }  // namespace
@@ -58,6 +65,10 @@ void PlayTrack(std::shared_ptr<TrackReader> track) {
     std::swap(converter, stream);
     SDL_UnlockAudioDevice(device);
     if (stream) SDL_FreeAudioStream(stream);
+}
+
+void SetSoundVolume(int percent) {
+    volume = percent;
 }
 
 void PauseSound(bool paused) {

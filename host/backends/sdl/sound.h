@@ -9,5 +9,6 @@
 
 bool OpenSound(std::string& problem);
 void PlayTrack(std::shared_ptr<TrackReader> track);  // null: silence
-void PauseSound(bool paused);                        // the track stands still meanwhile
+void SetSoundVolume(int percent);
+void PauseSound(bool paused);  // the track stands still meanwhile
 void CloseSound();

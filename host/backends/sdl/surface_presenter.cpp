@@ -1,6 +1,8 @@
 #include "backends/sdl/presenter.h"
 #include "machine/picture_area.h"
+#include "machine/settings.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -21,9 +23,11 @@ public:
     void ShowAgain() override {
         SDL_Surface* target = SDL_GetWindowSurface(window);  // a new one after each change of size
         if (shown.pixels.empty() || !target) return;
-        const PictureArea fit = FitPicture(shown.width, shown.height, target->w, target->h);
+        const bool whole = SettingValue(Setting::Scaling) == static_cast<int>(ScalingChoice::Integer);
+        const PictureArea fit = (whole ? FitWholePixels : FitPicture)(shown.width, shown.height, target->w, target->h);
         SDL_FillRect(target, nullptr, 0);
-        Draw(shown, SDL_BLENDMODE_NONE, target, fit);
+        Layer bright = Brightened(shown);
+        Draw(bright, SDL_BLENDMODE_NONE, target, fit);
         Draw(overlay, SDL_BLENDMODE_BLEND, target, fit);
         SDL_UpdateWindowSurface(window);
     }
@@ -39,6 +43,18 @@ private:
         std::vector<uint32_t> pixels;  // empty: there is none
         int width = 0, height = 0;
     };
+
+    static Layer Brightened(Layer layer) {
+        const auto percent = static_cast<uint32_t>(SettingValue(Setting::Brightness));
+        if (percent == 100) return layer;
+        for (uint32_t& pixel : layer.pixels) {
+            const auto part = [&](int shift) {
+                return std::min((pixel >> shift & 0xFF) * percent / 100, 255u) << shift;
+            };
+            pixel = part(16) | part(8) | part(0);
+        }
+        return layer;
+    }
 
     static void Draw(Layer& layer, SDL_BlendMode mode, SDL_Surface* target, const PictureArea& fit) {
         if (layer.pixels.empty()) return;

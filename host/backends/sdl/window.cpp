@@ -8,6 +8,7 @@
 #include "host/files.h"
 #include "input/devices.h"
 #include "machine/png.h"
+#include "machine/settings.h"
 
 #include <algorithm>
 #include <bitset>
@@ -31,6 +32,8 @@ std::unique_ptr<Presenter> presenter;
 // the window is shown, and never on displays without a window manager's help.
 bool focused = true;
 bool pointerWanted = false;
+bool minimised = false;
+int sizeChosen = -1;  // the setting that the window's size is of; -1: it has only been on the whole screen
 bool pointerHeld = false;
 bool pointerLetGo = false;  // by LET_GO_KEY, until it or a mouse button is pressed
 
@@ -72,6 +75,11 @@ void UpdatePointer() {
     SDL_FlushEvent(SDL_MOUSEMOTION);  // how the pointer moved before the switch is no motion for the game
 }
 
+void UpdateSound() {
+    SetSoundVolume(SettingValue(Setting::Volume));
+    PauseSound(minimised || (!focused && SettingValue(Setting::MusicStops) != 0));
+}
+
 void ChangeFocus(bool gained) {
     if (focused == gained) return;
     focused = gained;
@@ -80,6 +88,7 @@ void ChangeFocus(bool gained) {
         buttonsHeld = 0;
     }
     UpdatePointer();
+    UpdateSound();
     DeviceFocus(gained);
 }
 
@@ -89,8 +98,11 @@ void HandleWindowEvent(const SDL_WindowEvent& event) {
     case SDL_WINDOWEVENT_FOCUS_LOST:
         if (!DisplayIsUnseen()) ChangeFocus(false);  // on an unseen display the focus could never come back
         break;
-    case SDL_WINDOWEVENT_MINIMIZED: PauseSound(true); break;
-    case SDL_WINDOWEVENT_RESTORED: PauseSound(false); break;
+    case SDL_WINDOWEVENT_MINIMIZED:
+    case SDL_WINDOWEVENT_RESTORED:
+        minimised = event.event == SDL_WINDOWEVENT_MINIMIZED;
+        UpdateSound();
+        break;
     case SDL_WINDOWEVENT_EXPOSED:
     case SDL_WINDOWEVENT_SIZE_CHANGED:
         if (presenter) presenter->ShowAgain();
@@ -114,6 +126,11 @@ void HandleKey(const SDL_KeyboardEvent& event) {
     const SDL_Scancode key = event.keysym.scancode;
     const uint8_t scanCode = ScanCodeOf(key);
     if (scanCode == 0 || event.repeat != 0) return;
+    if (key == SDL_SCANCODE_RETURN && event.state == SDL_PRESSED && AltHeld()) {
+        SetSetting(Setting::FullScreen, InFullScreen() ? 0 : 1);
+        ApplySettings();
+        return;
+    }
     keysHeld[key] = event.state == SDL_PRESSED;
     if (key == LET_GO_KEY && event.state == SDL_PRESSED) pointerLetGo = !pointerLetGo;
     if (IsAlt(key) && event.state == SDL_RELEASED) altReleased = event.timestamp;
@@ -139,6 +156,17 @@ void HandleMouseButton(const SDL_MouseButtonEvent& event) {
             DeviceMouseButton(KeySource::Keyboard, static_cast<int>(button), event.state == SDL_PRESSED);
 }
 
+// Fractions of a count are kept for the next report.
+void ReportMotion(int x, int y) {
+    static int restX = 0, restY = 0;  // hundredths of a count
+    const int percent = SettingValue(Setting::MouseSpeed);
+    restX += x * percent;
+    restY += SettingValue(Setting::MouseInverted) ? -y * percent : y * percent;
+    DeviceMouseMotion(restX / 100, restY / 100, 0);
+    restX %= 100;
+    restY %= 100;
+}
+
 void HandleEvent(const SDL_Event& event) {
     switch (event.type) {
     case SDL_QUIT: HandleCloseRequest(event.quit.timestamp); break;
@@ -146,7 +174,7 @@ void HandleEvent(const SDL_Event& event) {
     case SDL_KEYDOWN:
     case SDL_KEYUP: HandleKey(event.key); break;
     case SDL_MOUSEMOTION:
-        if (pointerHeld) DeviceMouseMotion(event.motion.xrel, event.motion.yrel, 0);
+        if (pointerHeld) ReportMotion(event.motion.xrel, event.motion.yrel);
         break;
     case SDL_MOUSEWHEEL: DeviceMouseMotion(0, 0, event.wheel.y * WHEEL_NOTCH); break;
     case SDL_MOUSEBUTTONDOWN:
@@ -209,6 +237,8 @@ bool OpenGameWindow(const char* title, const Options& options) {
         presenter = MakeSurfacePresenter(window);
     }
     SDL_StopTextInput();
+    UpdateSound();
+    sizeChosen = InFullScreen() ? -1 : SettingValue(Setting::WindowSize);
     ShowIcon();
     UpdatePointer();
     return true;
@@ -241,6 +271,24 @@ void ShowOverlayPicture(const Picture* overlay) {
     if (!presenter) return;
     presenter->SetOverlay(overlay);
     presenter->ShowAgain();
+}
+
+void ApplySettings() {
+    if (!window) return;
+    const bool fullScreen = SettingValue(Setting::FullScreen) != 0;
+    if (fullScreen != InFullScreen()) SDL_SetWindowFullscreen(window, fullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+    if (!fullScreen) {
+        const int choice = SettingValue(Setting::WindowSize);
+        const WindowSizeChoice& size = WINDOW_SIZES[choice];
+        SDL_SetWindowResizable(window, SDL_TRUE);
+        if (choice != sizeChosen) {
+            SDL_SetWindowSize(window, size.width, size.height);
+            SDL_SetWindowPosition(window, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        }
+        sizeChosen = choice;
+    }
+    UpdateSound();
+    if (presenter) presenter->ShowAgain();
 }
 
 void CapturePointer(bool captured) {

@@ -13,6 +13,7 @@ void ShowPicture(const Picture& picture);
 // An OpenGL texture. False: the window does not draw with OpenGL.
 bool ShowTexture(uint32_t texture, int width, int height);
 void ShowOverlayPicture(const Picture* overlay);             // machine/machine.h, showOverlay
+void ApplySettings();                                        // machine/machine.h, applySettings
 void CapturePointer(bool captured);                          // hold and hide it wherever the mouse steers
 void PumpWindowEvents();                                     // reports all pending events to input/devices.h
 void ShowMessageBox(const char* text, const char* caption);  // returns when the user has closed it

@@ -171,6 +171,7 @@ const Machine WebMachine = {
     .present = Present,
     .presentTexture = PresentTexture,
     .showOverlay = ShowOverlayPicture,
+    .applySettings = nullptr,
     .setMouseCaptured = [](bool captured) { pageCapturePointer(captured); },
     .bringFile = pageBringFile,
     .messageBox = ShowMessage,

@@ -1,5 +1,7 @@
 #include "boards/gpu/gl_picture.h"
 
+#include "machine/settings.h"
+
 #include <algorithm>
 
 namespace {
@@ -22,6 +24,7 @@ out vec4 colour;
 uniform sampler2D picture;
 uniform vec2 enlargement;
 uniform float opacity;
+uniform float brightness;
 void main() {
     vec2 size = vec2(textureSize(picture, 0));
     vec2 position = place * size;
@@ -29,6 +32,7 @@ void main() {
     vec2 even = 0.5 - 0.5 / enlargement;
     vec2 blend = (fromCentre - clamp(fromCentre, -even, even)) * enlargement;
     colour = texture(picture, (floor(position) + 0.5 + blend) / size);
+    colour.rgb *= brightness;
     colour.a = max(colour.a, opacity);
 }
 )";
@@ -46,7 +50,9 @@ void DisableTests() {
 namespace {
 
 float Enlargement(int shown, int pixels, int pictureWidth) {
-    if (pictureWidth >= SMOOTH_FROM_WIDTH) return 1;
+    const auto scaling = static_cast<ScalingChoice>(SettingValue(Setting::Scaling));
+    if (scaling == ScalingChoice::Smooth) return 1;
+    if (scaling == ScalingChoice::Original && pictureWidth >= SMOOTH_FROM_WIDTH) return 1;
     return std::max(static_cast<float>(shown) / static_cast<float>(pixels), 1.0f);
 }
 
@@ -77,6 +83,7 @@ bool GlPicture::Prepare(std::string& error) {
     if (program_ == 0) return false;
     enlargementPlace_ = gl::GetUniformLocation(program_, "enlargement");
     opacityPlace_ = gl::GetUniformLocation(program_, "opacity");
+    brightnessPlace_ = gl::GetUniformLocation(program_, "brightness");
     gl::GenVertexArrays(1, &vertexArray_);
     ownTexture_ = MakeTexture();
     overlayTexture_ = MakeTexture();
@@ -104,7 +111,8 @@ void GlPicture::TakeOverlay(const Picture* overlay) {
 
 bool GlPicture::Draw(int windowWidth, int windowHeight) const {
     if (width_ == 0) return false;
-    PictureArea area = FitPicture(width_, height_, windowWidth, windowHeight);
+    const bool whole = SettingValue(Setting::Scaling) == static_cast<int>(ScalingChoice::Integer);
+    PictureArea area = (whole ? FitWholePixels : FitPicture)(width_, height_, windowWidth, windowHeight);
     area.y = windowHeight - area.y - area.height;  // from the lower edge
     DisableTests();
     gl::BindFramebuffer(GL_FRAMEBUFFER, 0);
@@ -125,6 +133,7 @@ void GlPicture::DrawLayer(GLuint texture, int width, int height, const PictureAr
     gl::UseProgram(program_);
     gl::Uniform2f(enlargementPlace_, Enlargement(area.width, width, width), Enlargement(area.height, height, width));
     gl::Uniform1f(opacityPlace_, opaque ? 1.0f : 0.0f);
+    gl::Uniform1f(brightnessPlace_, opaque ? static_cast<float>(SettingValue(Setting::Brightness)) / 100 : 1.0f);
     gl::ActiveTexture(GL_TEXTURE0);
     gl::BindTexture(GL_TEXTURE_2D, texture);
     gl::BindSampler(0, 0);

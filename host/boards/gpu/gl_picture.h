@@ -22,7 +22,7 @@ private:
 
     GLuint program_ = 0, vertexArray_ = 0, ownTexture_ = 0, overlayTexture_ = 0;
     GLuint texture_ = 0;  // the one being shown
-    GLint enlargementPlace_ = -1, opacityPlace_ = -1;
+    GLint enlargementPlace_ = -1, opacityPlace_ = -1, brightnessPlace_ = -1;
     int width_ = 0, height_ = 0;
     int overlayWidth_ = 0, overlayHeight_ = 0;  // 0: there is none
 };

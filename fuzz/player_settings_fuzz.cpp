@@ -1,0 +1,16 @@
+// The player's settings: what is written back must be understood in whole, and stay as it is.
+#include "machine/settings.h"
+
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t bytes) {
+    const std::string_view text(reinterpret_cast<const char*>(data), bytes);
+    ReadSettings(text, "fuzz");
+    for (size_t i = 0; i < SETTING_COUNT; ++i) {
+        SettingText(static_cast<Setting>(i));
+        StepSetting(static_cast<Setting>(i), 1);
+    }
+    const std::string updated = UpdateSettings(text);
+    if (!ReadSettings(updated, "fuzz").empty() || UpdateSettings(updated) != updated) std::abort();
+    return 0;
+}

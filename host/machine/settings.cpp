@@ -1,0 +1,220 @@
+#include "machine/settings.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <optional>
+#include <span>
+
+namespace {
+
+constexpr std::string_view OFF_ON[] = {"off", "on"};
+constexpr std::string_view SIZES[] = {"640x480", "800x600", "960x720", "1280x960", "1600x1200"};
+constexpr std::string_view SCALINGS[] = {"original", "integer", "sharp", "smooth"};
+constexpr std::string_view BOARDS[] = {"auto", "gpu", "cpu"};
+constexpr std::string_view BOARD_SCALES[] = {"fit", "1", "2", "3", "4", "5", "6", "7", "8"};
+static_assert(std::size(SIZES) == std::size(WINDOW_SIZES));
+
+struct SettingEntry {
+    std::string_view key, label, comment;
+    int start;                                  // the value without a file
+    std::span<const std::string_view> choices;  // empty: a number of per cent
+    int least = 0, most = 0, step = 0;
+};
+
+const SettingEntry ENTRIES[SETTING_COUNT] = {
+    {"full_screen", "Full screen", "on: the whole screen; off: a window", 1, OFF_ON},
+    {"window_size", "Window", "the window's size at the start", 2, SIZES},
+    {"scaling", "Scaling",
+     "how the picture fills the window. original: 320x240 sharp, 640x480 smooth; integer: whole pixels only", 0,
+     SCALINGS},
+    {"board", "Accelerator",
+     "which accelerator draws, from the next level on: gpu draws with OpenGL, cpu with the processor", 0, BOARDS},
+    {"board_scale", "Accelerator size",
+     "how many times 640x480 the gpu board draws, from the next level on; fit: as the window's size asks", 0,
+     BOARD_SCALES},
+    {"brightness", "Brightness", "of the shown picture, 50 to 200 per cent", 100, {}, 50, 200, 10},
+    {"mouse_speed", "Mouse speed", "25 to 400 per cent", 100, {}, 25, 400, 25},
+    {"mouse_inverted", "Mouse inverted", "on: the mouse moved away turns the other way", 0, OFF_ON},
+    {"volume", "Volume", "of the music, 0 to 100 per cent", 100, {}, 0, 100, 10},
+    {"music_stops", "Music stops unfocused", "on: the music is silent while another window has the focus", 0, OFF_ON},
+};
+
+struct Value {
+    int value = 0;
+    bool changed = false;  // by the player
+};
+
+std::array<Value, SETTING_COUNT> StartValues() {
+    std::array<Value, SETTING_COUNT> all;
+    for (size_t i = 0; i < SETTING_COUNT; ++i)
+        all[i].value = ENTRIES[i].start;
+    return all;
+}
+
+std::array<Value, SETTING_COUNT> values = StartValues();
+
+const SettingEntry& EntryOf(Setting setting) {
+    return ENTRIES[static_cast<size_t>(setting)];
+}
+
+Value& ValueOf(Setting setting) {
+    return values[static_cast<size_t>(setting)];
+}
+
+std::string_view Trimmed(std::string_view text) {
+    const auto blank = [](unsigned char c) { return std::isspace(c) != 0; };
+    while (!text.empty() && blank(static_cast<unsigned char>(text.front())))
+        text.remove_prefix(1);
+    while (!text.empty() && blank(static_cast<unsigned char>(text.back())))
+        text.remove_suffix(1);
+    return text;
+}
+
+std::string Expected(const SettingEntry& entry) {
+    if (entry.choices.empty()) return std::to_string(entry.least) + " to " + std::to_string(entry.most);
+    std::string list;
+    for (const std::string_view choice : entry.choices)
+        list.append(list.empty() ? "" : ", ").append(choice);
+    return list;
+}
+
+std::optional<int> ParseValue(const SettingEntry& entry, std::string_view text) {
+    if (!entry.choices.empty()) {
+        const auto found = std::find(entry.choices.begin(), entry.choices.end(), text);
+        if (found == entry.choices.end()) return {};
+        return static_cast<int>(found - entry.choices.begin());
+    }
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size() || value < entry.least || value > entry.most)
+        return {};
+    return value;
+}
+
+std::string FileText(const SettingEntry& entry, int value) {
+    return entry.choices.empty() ? std::to_string(value) : std::string(entry.choices[static_cast<size_t>(value)]);
+}
+
+struct Line {
+    size_t index = SETTING_COUNT;  // of the setting; SETTING_COUNT: it names none
+    std::optional<int> value;
+    std::string problem;  // empty: none
+};
+
+Line ParseLine(std::string_view line) {
+    const std::string_view text = Trimmed(line.substr(0, line.find('#')));
+    if (text.empty()) return {};
+    const size_t equals = text.find('=');
+    const std::string_view key = Trimmed(text.substr(0, equals));
+    const auto entry = std::find_if(std::begin(ENTRIES), std::end(ENTRIES),
+                                    [&](const SettingEntry& candidate) { return candidate.key == key; });
+    if (equals == std::string_view::npos) return {SETTING_COUNT, {}, "a line must be `key = value`"};
+    if (entry == std::end(ENTRIES)) return {SETTING_COUNT, {}, "there is no setting of this name"};
+    const auto index = static_cast<size_t>(entry - std::begin(ENTRIES));
+    const std::optional<int> value = ParseValue(*entry, Trimmed(text.substr(equals + 1)));
+    if (value) return {index, value, {}};
+    return {index, {}, std::string(entry->key) + " must be one of: " + Expected(*entry)};
+}
+
+// Calls take(line, number) for each line, without its end.
+template <typename Take>
+void ForEachLine(std::string_view text, Take take) {
+    for (size_t start = 0, number = 1; start < text.size(); ++number) {
+        const size_t end = std::min(text.find('\n', start), text.size());
+        take(text.substr(start, end - start), number);
+        start = end + 1;
+    }
+}
+
+void AppendEntry(std::string& text, size_t index) {
+    const SettingEntry& entry = ENTRIES[index];
+    text.append("\n# ").append(entry.comment).append(" (").append(Expected(entry)).append(")\n");
+    text.append(entry.key).append(" = ").append(FileText(entry, values[index].value)).append("\n");
+}
+
+void Change(Setting setting, int value) {
+    ValueOf(setting) = {value, true};
+}
+
+}  // namespace
+
+const SettingsPreset ORIGINAL_PRESET = {"original", [] {
+                                            for (size_t i = 0; i < SETTING_COUNT; ++i)
+                                                if (i > static_cast<size_t>(Setting::WindowSize))
+                                                    Change(static_cast<Setting>(i), ENTRIES[i].start);
+                                            Change(Setting::AcceleratorSize, 1);
+                                        }};
+const SettingsPreset COMFORT_PRESET = {"comfort", [] {
+                                           Change(Setting::AcceleratorSize, 0);
+                                           Change(Setting::Scaling, static_cast<int>(ScalingChoice::Sharp));
+                                           Change(Setting::MusicStops, 1);
+                                       }};
+
+int SettingValue(Setting setting) {
+    return ValueOf(setting).value;
+}
+
+void SetSetting(Setting setting, int value) {
+    ValueOf(setting).value = value;
+}
+
+void StepSetting(Setting setting, int steps) {
+    const SettingEntry& entry = EntryOf(setting);
+    const int value = SettingValue(setting);
+    const auto count = static_cast<int>(entry.choices.size());
+    Change(setting, count > 0 ? ((value + steps) % count + count) % count
+                              : std::clamp(value + steps * entry.step, entry.least, entry.most));
+}
+
+void ResetSettings() {
+    values = StartValues();
+}
+
+std::string_view SettingLabel(Setting setting) {
+    return EntryOf(setting).label;
+}
+
+std::string SettingText(Setting setting) {
+    const SettingEntry& entry = EntryOf(setting);
+    return FileText(entry, SettingValue(setting)) + (entry.choices.empty() ? " %" : "");
+}
+
+std::vector<std::string> ReadSettings(std::string_view text, const std::string& name) {
+    ResetSettings();
+    std::vector<std::string> problems;
+    ForEachLine(text, [&](std::string_view line, size_t number) {
+        const Line parsed = ParseLine(line);
+        if (parsed.value) values[parsed.index].value = *parsed.value;
+        if (!parsed.problem.empty()) problems.push_back(name + ":" + std::to_string(number) + ": " + parsed.problem);
+    });
+    return problems;
+}
+
+std::string UpdateSettings(std::string_view text) {
+    std::string updated = text.empty() ? "# Settings of the game. The settings screen (F10) changes them.\n" : "";
+    std::array<bool, SETTING_COUNT> present{};
+    ForEachLine(text, [&](std::string_view line, size_t) {
+        const Line parsed = ParseLine(line);
+        if (!parsed.problem.empty()) {
+            updated.append("# not understood: ").append(line);
+        } else if (parsed.value && values[parsed.index].changed) {
+            updated.append(ENTRIES[parsed.index].key).append(" = ");
+            updated.append(FileText(ENTRIES[parsed.index], values[parsed.index].value));
+            const size_t comment = line.find('#');
+            if (comment != std::string_view::npos) updated.append("  ").append(line.substr(comment));
+        } else {
+            updated.append(line);
+        }
+        updated.append("\n");
+        if (parsed.value) present[parsed.index] = true;
+    });
+    for (size_t i = 0; i < SETTING_COUNT; ++i)
+        if (!present[i] && (text.empty() || values[i].changed)) AppendEntry(updated, i);
+    return updated;
+}
+
+bool SettingsChanged() {
+    return std::any_of(values.begin(), values.end(), [](const Value& value) { return value.changed; });
+}

@@ -1,0 +1,123 @@
+#include "session/settings_screen.h"
+
+#include "boards/boards.h"
+#include "input/devices.h"
+#include "input/keys.h"
+#include "machine/clock.h"
+#include "machine/machine.h"
+#include "machine/overlay.h"
+#include "machine/settings.h"
+#include "session/closing.h"
+#include "session/settings_file.h"
+
+#include <algorithm>
+#include <bitset>
+
+namespace {
+
+constexpr uint8_t SCREEN_KEY = KeyCode("F10");
+constexpr int LEFT = 40, RIGHT = 280, TOP = 24, ROW_HEIGHT = 13;
+constexpr uint32_t MARKED_ROW = 0xFF4A3A18;
+
+enum Row { ROW_ORIGINAL = static_cast<int>(SETTING_COUNT), ROW_COMFORT, ROW_LEAVE, ROW_COUNT };
+
+std::bitset<KEY_COUNT> muted;  // held since the screen was open: up for the game until they are let go
+
+std::string RowName(int row) {
+    switch (row) {
+    case ROW_ORIGINAL: return "Set all as the original";
+    case ROW_COMFORT: return "Set for comfort";
+    case ROW_LEAVE: return "Leave the program";
+    default: return std::string(SettingLabel(static_cast<Setting>(row)));
+    }
+}
+
+void Draw(int marked) {
+    Overlay overlay;
+    overlay.Fill(LEFT - 12, TOP - 16, RIGHT - LEFT + 24, ROW_HEIGHT * (ROW_COUNT + 3) + 4, OVERLAY_PANEL);
+    overlay.WriteCentred(TOP - 9, "Settings", OVERLAY_TEXT);
+    for (int row = 0; row < ROW_COUNT; ++row) {
+        const int y = TOP + 6 + row * ROW_HEIGHT;
+        if (row == marked) overlay.Fill(LEFT - 4, y - 3, RIGHT - LEFT + 8, ROW_HEIGHT, MARKED_ROW);
+        overlay.Write(LEFT, y, RowName(row), OVERLAY_TEXT);
+        if (row >= ROW_ORIGINAL) continue;
+        const std::string value = "< " + SettingText(static_cast<Setting>(row)) + " >";
+        overlay.Write(RIGHT - static_cast<int>(value.size()) * OVERLAY_CHARACTER_WIDTH, y, value,
+                      row == marked ? OVERLAY_TEXT : OVERLAY_QUIET_TEXT);
+    }
+    overlay.WriteCentred(TOP + 10 + ROW_COUNT * ROW_HEIGHT, "arrows: choose, change   Escape: back",
+                         OVERLAY_QUIET_TEXT);
+    ShowOverlay(overlay);
+}
+
+void Apply() {
+    CurrentMachine->applySettings();
+    constexpr BoardChoice BOARDS[] = {BoardChoice::Auto, BoardChoice::Gpu, BoardChoice::Cpu};
+    ChangeBoard(BOARDS[SettingValue(Setting::Board)], static_cast<uint32_t>(SettingValue(Setting::AcceleratorSize)));
+}
+
+std::bitset<KEY_COUNT> KeysDown() {
+    uint8_t keys[KEY_COUNT];
+    TakeKeys(keys);
+    std::bitset<KEY_COUNT> down;
+    for (size_t code = 0; code < KEY_COUNT; ++code)
+        down[code] = keys[code] != 0;
+    return down;
+}
+
+// `steps`: -1 or 1 by the arrows, 0 by Enter.
+void Change(int row, int steps) {
+    if (row < ROW_ORIGINAL) {
+        StepSetting(static_cast<Setting>(row), steps == 0 ? 1 : steps);
+    } else if (steps == 0 && row == ROW_LEAVE) {
+        RequestClose();
+        return;
+    } else if (steps == 0) {
+        (row == ROW_ORIGINAL ? ORIGINAL_PRESET : COMFORT_PRESET).apply();
+    }
+    Apply();
+}
+
+void RunScreen() {
+    std::bitset<KEY_COUNT> before = std::bitset<KEY_COUNT>().set();
+    int marked = 0;
+    Draw(marked);
+    while (!CloseRequested()) {
+        CurrentMachine->wait();
+        const std::bitset<KEY_COUNT> down = KeysDown();
+        const std::bitset<KEY_COUNT> hits = down & ~before;
+        before = down;
+        if (hits[DIK_ESCAPE] || hits[SCREEN_KEY]) break;
+        if (hits.none()) continue;
+        if (hits[DIK_UP]) marked = (marked + ROW_COUNT - 1) % ROW_COUNT;
+        if (hits[DIK_DOWN]) marked = (marked + 1) % ROW_COUNT;
+        if (hits[DIK_LEFT]) Change(marked, -1);
+        if (hits[DIK_RIGHT]) Change(marked, 1);
+        if (hits[KeyCode("RETURN")]) Change(marked, 0);
+        Draw(marked);
+    }
+    HideOverlay();
+    SaveSettings();
+}
+
+}  // namespace
+
+void OfferSettings(uint8_t* keys) {
+    if (!CurrentMachine->showOverlay || !CurrentMachine->applySettings) return;
+    if (keys[SCREEN_KEY] != 0 && !muted[SCREEN_KEY]) {
+        const uint32_t paused = ClockNow();
+        const MouseUse mouse = DeviceMouseUse();
+        SetMouseUse(MouseUse::None);
+        RunScreen();
+        SetMouseUse(mouse);
+        ReadClock();
+        SetClock(paused);
+        muted.set();
+        std::fill(keys, keys + KEY_COUNT, uint8_t{0});
+        return;
+    }
+    for (size_t code = 0; code < KEY_COUNT; ++code) {
+        muted[code] = muted[code] && keys[code] != 0;
+        if (muted[code]) keys[code] = 0;
+    }
+}
