@@ -16,6 +16,7 @@
 #include "session/progress.h"
 #include "session/recorder.h"
 #include "session/replay.h"
+#include "session/screenshot.h"
 #include "session/script_player.h"
 #include "session/settings_screen.h"
 #include "session/trace.h"
@@ -119,6 +120,7 @@ void AtKeyboardPoll() {
 
 void AtKeyboardRead(uint8_t* keys) {
     OfferSettings(keys);
+    OfferScreenshot(keys);
     AddFrontEndKeys(keys);
 }
 

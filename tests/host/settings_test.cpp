@@ -1,4 +1,5 @@
 #include "machine/settings.h"
+#include "session/screenshot.h"
 
 #include <gtest/gtest.h>
 
@@ -40,6 +41,13 @@ TEST(Settings, AFreshFileHoldsEverySettingAndIsUnderstood) {
     EXPECT_EQ(SettingValue(Setting::Brightness), 100);
     EXPECT_EQ(SettingText(Setting::AcceleratorSize), "1");
     ResetSettings();
+}
+
+TEST(Screenshot, GoesWhereTheDesktopSays) {
+    EXPECT_EQ(PicturesFolderIn("# x\nXDG_MUSIC_DIR=\"/m\"\nXDG_PICTURES_DIR=\"$HOME/Bilder\"\n", "/home/a"),
+              "/home/a/Bilder");
+    EXPECT_EQ(PicturesFolderIn("XDG_PICTURES_DIR=\"/p\"", "/home/a"), "/p");
+    EXPECT_EQ(PicturesFolderIn("XDG_PICTURES_DIR=\"p", "/home/a"), "") << "neither whole nor below the home folder";
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
@@ -119,6 +120,23 @@ TEST_F(Window, HoldsThePointerOnlyWhereTheMouseSteersAndLetsGoForAltAndF9) {
     EXPECT_TRUE(becomes(true, "mousemove 640 400 mousedown 1"));
     EXPECT_TRUE(becomes(false, "mouseup 1"));
     EXPECT_TRUE(becomes(true, "key F6"));
+}
+
+TEST_F(Window, PWritesScreenshotsIntoThePicturesFolder) {
+    const std::string folder = testing::TempDir() + "/shots";
+    std::filesystem::create_directories(folder);
+    std::ofstream(testing::TempDir() + "/user-dirs.dirs") << "# mine\nXDG_PICTURES_DIR=\"" << folder << "\"\n";
+    StartLevel();
+    EXPECT_TRUE(std::filesystem::is_empty(folder));
+    desktop->Key("p");
+    desktop->Key("p");
+    EXPECT_TRUE(WaitFor([&] {
+        return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()) == 2;
+    }));
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        EXPECT_EQ(file.path().extension(), ".png");
+        EXPECT_GT(file.file_size(), 1000u);
+    }
 }
 
 TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
