@@ -3,6 +3,7 @@
 #include "backends/sdl/pads.h"
 #include "backends/sdl/sound.h"
 #include "backends/sdl/window.h"
+#include "input/devices.h"
 
 #include <SDL.h>
 
@@ -14,8 +15,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto CLOCK_NAP = 200us;   // sleep of a loop that reads the clock until it moves
-constexpr auto KEYBOARD_NAP = 2ms;  // sleep of a loop that polls the keyboard until a key is down
+constexpr auto CLOCK_NAP = 200us;    // sleep of a loop that reads the clock until it moves
+constexpr auto KEYBOARD_NAP = 2ms;   // sleep of a loop that polls the keyboard until a key is down
+constexpr auto FRONT_END_NAP = 8ms;  // sleep of each poll before a level, where nothing moves
 constexpr int WAIT_SLICE_MS = 20;
 
 Options startOptions;
@@ -64,7 +66,10 @@ void Pump() {
 }
 
 void BeforeKeyboardPoll() {
-    if (SDL_GetTicks() == lastKeyboardPoll) std::this_thread::sleep_for(KEYBOARD_NAP);
+    if (DeviceMouseUse() == MouseUse::None)
+        std::this_thread::sleep_for(FRONT_END_NAP);
+    else if (SDL_GetTicks() == lastKeyboardPoll)
+        std::this_thread::sleep_for(KEYBOARD_NAP);
     lastKeyboardPoll = SDL_GetTicks();
     Pump();
 }
