@@ -57,11 +57,13 @@ fs::path FreshFile(const fs::path& folder) {
     }
 }
 
-void Say(std::string text) {
-    if (text.size() > CHARACTERS_MAX) text = "..." + text.substr(text.size() - CHARACTERS_MAX + 3);
+// A path that is too long for a line keeps its end.
+void Say(const std::string& what, std::string more) {
+    const size_t room = CHARACTERS_MAX - what.size();
+    if (more.size() > room) more = "..." + more.substr(more.size() - room + 3);
     Overlay overlay;
     overlay.Fill(0, OVERLAY_HEIGHT - MESSAGE_HEIGHT, OVERLAY_WIDTH, MESSAGE_HEIGHT, OVERLAY_PANEL);
-    overlay.WriteCentred(OVERLAY_HEIGHT - MESSAGE_HEIGHT + 4, text, OVERLAY_TEXT);
+    overlay.WriteCentred(OVERLAY_HEIGHT - MESSAGE_HEIGHT + 4, what + more, OVERLAY_TEXT);
     ShowOverlay(overlay);
     messageShown = true;
     messageSince = ClockNow();
@@ -72,7 +74,10 @@ void TakeScreenshot() {
     if (!picture) return;
     const fs::path file = FreshFile(PicturesFolder());
     std::string error;
-    Say(WritePng(file.string(), *picture, error) ? "Saved " + file.string() : "Not saved: " + error);
+    if (WritePng(file.string(), *picture, error))
+        Say("Saved ", file.string());
+    else
+        Say("Not saved: ", error);
 }
 
 }  // namespace
