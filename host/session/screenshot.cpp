@@ -99,7 +99,7 @@ std::filesystem::path PicturesFolderIn(std::string_view userDirs, const fs::path
 
 // In the front end the place for words over the picture is the choice's (session/front_end.h).
 void OfferScreenshot(const uint8_t* keys) {
-    if (!CurrentMachine->showOverlay) return;
+    if (!CurrentMachine->showOverlay || !CurrentMachine->applySettings) return;
     const bool pressed = keys[SCREENSHOT_KEY] != 0 && !keyWasDown;
     keyWasDown = keys[SCREENSHOT_KEY] != 0;
     if (messageShown && (InFrontEnd() || ClockNow() - messageSince >= MESSAGE_MS)) {
