@@ -279,6 +279,9 @@ private:
     // The light that comes from the surroundings, as the spots see them.
     double FromAround(const std::vector<Vec3>& spots, const Vec3& outward, size_t& rays) const {
         const Surroundings& around = input_.surroundings;
+        const bool bounces = around.bounce > 0 && options_.quality == LightQuality::Full;
+        const bool skyShines = around.sky > 0 && !input_.sky.empty();
+        if (around.ambient == 0 && !skyShines && !bounces) return 0;
         const SurfaceFrame frame(outward);
         double open = 0;
         double sky = 0;

@@ -143,6 +143,14 @@ TEST(Light, AShiningSurfaceLightsOthersButDoesNotPaintItsSurroundings) {
     EXPECT_LT(light({512, 512, 512}, {0, -1, 0}), 5);
 }
 
+TEST(Light, NoRaysLookForLightThatIsNowhere) {
+    const auto raysOf = [](const MapBuilder& map) { return LightAt(map).Level().rays; };
+    const size_t direct = raysOf(DarkRoom().Light("0 0 300"));
+    EXPECT_GT(raysOf(Room("1", "0").Light("0 0 300")), direct * 4);
+    EXPECT_GT(raysOf(Room("0", "1").Light("0 0 300")), direct * 4);
+    EXPECT_GT(raysOf(RoomWithSkylight().Key("sky_light", "9").Key("bounce", "0")), direct * 4);
+}
+
 TEST(Light, NeighboursAgreeOnTheirBorder) {
     MapBuilder map = Room("20", "1").Light("100 50 300");
     map.BeginEntity("func_group", "\"corner_light\" \"1\"\n").Box({-512, -512, 0}, {-100, 512, 8}, "floor");
