@@ -43,7 +43,7 @@ find_row() {
     return 1
 }
 
-textures() { awk '$1 == "(" && NF > 20 { print $16 }' "$map" | sort -u; }
+textures() { awk '$1 == "(" && NF > 20 { print $16 }' "$map" | sort -u; }  # that the map's faces name
 
 sky=$(world_key sky)
 [ -z "$sky" ] && textures | grep -qx sky && sky=1
@@ -69,7 +69,7 @@ if [ ! -r "$list" ]; then
         printf 'dark = "#%02x%02x%02x"\nground = "#000000"\n' $((${red:-0} * 4)) $((${green:-0} * 4)) $((${blue:-0} * 4))
         printf 'skin = ["zero_body", "zero_head"]\nmaterials = [\n'
         # A name without a picture is left out: mapc tells it, with its line in the map.
-        { textures; [ -z "$sky" ] || grep -oE 'material *= *.*' "$sky" | grep -oE '"[^"]+"' | tr -d '"'; } | sort -u |
+        { textures; [ -z "$sky" ] || grep -oE 'material *= *.*' "$sky" | grep -oE '"[^"]+"' | tr -d '"'; } | sort -u | grep -vxE "clip|sky" |
             while read -r texture; do
                 [ -r "$build/materials/$texture.png" ] && printf '    "%s",\n' "$texture"
             done
