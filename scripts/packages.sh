@@ -119,7 +119,7 @@ fresh) needed=$FRESH ;;
 package) needed=$PLAY$PACKAGE ;;
 processors) needed=$PLAY$PROCESSORS ;;
 web) needed=$PLAY$WEB ;;
-browser) needed=$PLAY$WEB$BROWSER ;;
+browser) needed=$PLAY$CHECK$WEB$BROWSER ;;
 *)
     echo "usage: packages.sh [--list] play|check|fresh|package|processors|web|browser" >&2
     exit 2

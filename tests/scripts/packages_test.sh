@@ -80,6 +80,7 @@ list_for() {
     */fresh_machine.sh) echo fresh ;;
     */package.sh) echo package ;;
     */other_processors.sh) echo processors ;;
+    check | */web.sh) echo browser ;;
     *) echo check ;;
     esac
 }

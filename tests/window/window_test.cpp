@@ -193,11 +193,12 @@ TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
 }
 
 TEST_F(Window, FillsTheScreenByDefaultAndKeepsThePictureInProportionAtEverySize) {
-    desktop->StartGame({});
+    const std::string data = SOURCE_FOLDER "/tests/levels/data";  // whose pictures have no black edges
+    desktop->StartGame({"--data", data});
     EXPECT_TRUE(WaitFor([&] { return PictureFills(107, 0, 1173, 800); }));
     desktop->PressCloseButton();
     EXPECT_EQ(desktop->GameStatus(), 0);
-    desktop->StartGame({"--window", "640x480"});
+    desktop->StartGame({"--window", "640x480", "--data", data});
     desktop->ResizeGame(1000, 600);
     EXPECT_TRUE(WaitFor([&] { return PictureFills(100, 0, 900, 600); }));
     desktop->ResizeGame(400, 700);
