@@ -16,12 +16,12 @@ public:
     // Null: not a track that can be played; `problem` says what it is instead, or what is wrong with it.
     static std::unique_ptr<TrackReader> Open(const std::string& path, std::string& problem);
 
-    uint32_t Rate() const { return rate_; }         // samples a second
-    uint32_t Milliseconds() const;                  // length of the whole file, rounded up
-    void SetSpan(uint32_t from, uint32_t to);       // milliseconds; Read begins at `from`, and again there at `to`
+    uint32_t Rate() const { return rate_; }    // samples a second
+    uint32_t Milliseconds() const;             // length of the whole file, rounded up
+    void SetSpan(uint32_t from, uint32_t to);  // milliseconds; Read begins at `from`, and again there at `to`
     double SpanStart() const { return Seconds(first_); }
     double SpanEnd() const { return Seconds(end_); }
-    void Read(std::span<int16_t> samples);          // left, right, left ...; silence once the file broke off
+    void Read(std::span<int16_t> samples);  // left, right, left ...; silence once the file broke off
     const std::string& Path() const { return path_; }
     bool Broken() const { return broken_.load(); }  // may be asked from another thread than the one that reads
 

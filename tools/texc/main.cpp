@@ -1,8 +1,8 @@
 // texc: paints material recipes, and compiles a level's materials into texture.bin.
+#include "formats/depfile.h"
 #include "formats/error.h"
 #include "formats/files.h"
 #include "texc/contact_sheet.h"
-#include "formats/depfile.h"
 #include "texc/level_textures.h"
 #include "texc/material.h"
 

@@ -1,7 +1,6 @@
 #include "boards/cpu/triangle.h"
 #include "machine/bits.h"
 
-
 namespace {
 
 // The nearest whole number, ties to even, by a sum that has no room for a fraction. A value out of range gives the

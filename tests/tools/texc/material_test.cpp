@@ -1,6 +1,6 @@
+#include "formats/depfile.h"
 #include "formats/files.h"
 #include "support/content_error.h"
-#include "formats/depfile.h"
 #include "texc/material.h"
 
 #include <gtest/gtest.h>
