@@ -11,7 +11,7 @@ export class Browser {
         browser.process = spawn('chromium', [
             '--headless=new', '--no-sandbox', '--remote-debugging-pipe', `--user-data-dir=${browser.profile}`,
             '--use-angle=swiftshader', '--enable-unsafe-swiftshader', '--ignore-gpu-blocklist', '--mute-audio',
-            '--no-first-run', '--autoplay-policy=no-user-gesture-required', 'about:blank',
+            '--no-first-run', '--disable-dev-shm-usage', '--autoplay-policy=no-user-gesture-required', 'about:blank',
         ], { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
         browser.answers = new Map();
         browser.listeners = [];
