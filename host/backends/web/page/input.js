@@ -2,11 +2,8 @@
 
 // The places of keys that the game may use; others stay the browser's. With Ctrl or the command key held, all do.
 const BROWSERS_OWN = new Set(['F5', 'MetaLeft', 'MetaRight', 'ContextMenu']);
-// Keys that browsers, laptops and phones keep for themselves have others beside them.
-const OTHER_PLACES = {
-    Digit1: 'F1', Digit2: 'F2', Digit3: 'F3', Digit4: 'F4', Digit5: 'F5', Digit6: 'F6', Digit7: 'F7', Digit8: 'F12',
-    Digit9: 'F11', Digit0: 'F12', Backspace: 'Escape',
-};
+// Browsers keep Escape for letting the pointer go and for leaving the full screen, so it has another key beside it.
+const OTHER_PLACES = { Backspace: 'Escape' };
 const WHEEL_NOTCH = 120;
 // Buttons and axes of the standard gamepad as input/pads.h numbers its own.
 const PAD_BUTTONS = [[0, 0], [1, 1], [2, 2], [3, 3], [8, 4], [9, 5], [4, 6], [12, 7], [13, 8], [14, 9], [15, 10]];
