@@ -241,6 +241,28 @@ TEST(Layers, NothingIncludesItselfRoundACircle) {
         EXPECT_EQ(FirstCircle(IncludersBelow(tree)), "");
 }
 
+// So a header that needs an include it does not have cannot compile; see CMakeLists.txt beside this file.
+TEST(Layers, AHeaderIsReadOnceAndFirstInItsSourceFile) {
+    for (const char* tree : {"src", "host", "tools"}) {
+        std::set<string> firstSeen;
+        for (const Include& include : IncludesBelow(tree)) {
+            const fs::path file = ROOT / include.line.file;
+            const fs::path header = fs::path(file).replace_extension(".h");
+            const bool isFirst = firstSeen.insert(include.line.file).second;
+            if (isFirst && file.extension() == ".cpp" && fs::exists(header)) {
+                EXPECT_EQ(fs::path(include.path).filename(), header.filename()) << include.line.file;
+            }
+        }
+        std::set<string> headers, once;
+        for (const SourceLine& line : LinesBelow(tree)) {
+            if (line.file.ends_with(".h")) headers.insert(line.file);
+            if (line.text == "#pragma once") once.insert(line.file);
+        }
+        for (const string& header : headers)
+            EXPECT_TRUE(once.contains(header)) << header << " lacks #pragma once";
+    }
+}
+
 // What else game and machine see of each other their include paths decide.
 TEST(Layers, OnlyOneBackEndAndTheBoardKnowTheDeviceLibraries) {
     for (const char* tree : {"src", "host"})
