@@ -1,7 +1,7 @@
 // Tries the page in Chromium: node page_test.mjs PAGE_FOLDER GAME [PICTURES]. GAME is this machine's own build, whose
 // pictures and recordings the page's must equal. PICTURES: a folder for pictures of the page and of all levels.
 // Ends with "N passed, N failed"; status 1 when anything failed.
-import { execFileSync, spawn, spawnSync } from 'node:child_process';
+import { execFile, execFileSync, spawn } from 'node:child_process';
 import { cpSync, mkdirSync, mkdtempSync, readdirSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { dirname, join } from 'node:path';
@@ -152,9 +152,27 @@ await test('a level that cannot be fetched is told, and comes later', async () =
     await pictureCome(10);
 });
 
+// What the program says of a replay in node.
+function replayInNode(name) {
+    const options = ['--headless', '--data', '/levels/data', '--log', '/dev/null', '--replay', `/replay/${name}`];
+    const program = [join(tests, '../host/backends/web/node_run.mjs'), join(pageFolder, '..'), tests];
+    return new Promise((resolve) => {
+        execFile('node', [...program, ...options], { maxBuffer: Infinity }, (error, output, lines) => resolve(lines));
+    });
+}
+
+// One after the other, beside those in the browser.
+const recordings = readdirSync(join(folder, 'recordings')).filter((file) => file.endsWith('.rec'));
+const inNode = new Map();
+let last = Promise.resolve();
+for (const name of recordings) {
+    last = last.then(() => replayInNode(name));
+    inNode.set(name, last);
+}
+
 await openPage('#wait');
 await takeFrozenFiles();
-for (const name of readdirSync(join(folder, 'recordings')).filter((file) => file.endsWith('.rec'))) {
+for (const name of recordings) {
     await test(`${name} as recorded`, async () => {
         const { status, lines } = await browser.value(replay(name, ['--headless']));
         expect(status === 0 && lines.some((line) => line.includes('all as recorded')), lines.slice(-2).join(' '));
@@ -177,11 +195,10 @@ await test('the software picture is pixel for pixel the native one', async () =>
     expect(different === 0, `${different} of 76800 pixels differ`);
 });
 
-for (const name of readdirSync(join(folder, 'recordings')).filter((file) => file.endsWith('.rec'))) {
+for (const name of recordings) {
     await test(`${name} as recorded, in node`, async () => {
-        const { stderr } = spawnSync('node', [join(tests, '../host/backends/web/node_run.mjs'), join(pageFolder, '..'), tests,
-            '--headless', '--data', '/levels/data', '--log', '/dev/null', '--replay', `/replay/${name}`], { encoding: 'utf8' });
-        expect(stderr.includes('all as recorded'), stderr.slice(-200));
+        const lines = await inNode.get(name);
+        expect(lines.includes('all as recorded'), lines.slice(-200));
     });
 }
 
