@@ -5,22 +5,15 @@
 
 #include "app/app_tables.h"
 #include "app/host_game.h"
-#include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
 #include "formats/places_file.h"
 #include "frame_places.h"
-#include "memory/system.h"
-#include "platform/input.h"
-#include "platform/timer.h"
+#include "game_picture/game_picture.h"
 #include "raster_floor.h"
-#include "render/raster.h"
-#include "render/screen.h"
+#include "render/render_tables.h"
 #include "render/submit.h"
 #include "rounds.h"
-#include "world/bsp.h"
-#include "world/draw/draw_view.h"
-#include "world/world_tables.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -56,16 +49,6 @@ struct View {
     uint32_t polygons, characterPolygons;
 };
 
-void DrawFrame(bool withCharacter) {
-    FrameCount++;
-    if (FrameCount == 0) FillStamps(0xFFFF);
-    if (FrameCount == 0x8000) FillStamps(0);
-    SubmittedPolygons = 0;
-    ClearFrame();
-    if (withCharacter) DrawActorAt(0);
-    DrawView();
-}
-
 void LookAt(const View& view) {
     PlayerActor = view.player;
     CameraPos = view.cameraPosition;
@@ -85,16 +68,6 @@ View ViewFrom(const FramePlace& place, std::string name) {
     DrawFrame(true);
     view.characterPolygons = SubmittedPolygons - view.polygons;
     return view;
-}
-
-void StartLevel() {
-    UseGlide = 0;
-    BuildReciprocalTable();
-    SystemInit();
-    InitGraphics(0);
-    LoadLevel(Level - 1);
-    DepthScale = 63000.0f / std::max(1.0f, FarDistance);
-    MouseInput = {};
 }
 
 std::string NameOf(const FramePlace& place) {
@@ -171,7 +144,7 @@ void Print(const Rounds& rounds, size_t floor, const View& view, const ViewWork&
 }
 
 int Measure(HINSTANCE, HINSTANCE, char*, int) {
-    StartLevel();
+    StartLevel(Level, false);
     const std::vector<View> views = ViewsOfLevel();
     Rounds rounds;
     const uint8_t* texels = TextureImage + TextureRecords()[0].texelOffset;

@@ -10,6 +10,16 @@ constexpr int BRIGHTEST_LEVEL = 127;
 
 // The table of animated lights: those of lights.alt, then those that shots take as they fly.
 constexpr int LIGHT_SLOT_COUNT = 150;
+
+// Types of an animated light. Every type but LIGHT_FREE lights the character, too.
+constexpr int32_t LIGHT_FREE = -1;
+constexpr int32_t LIGHT_RAMP = 2;     // phase 0: stepUp a frame to highIntensity, phase 1: stepDown to lowIntensity
+constexpr int32_t LIGHT_BLINK = 3;    // phase 1: highIntensity for highTime frames, phase 0: lowIntensity for lowTime
+constexpr int32_t LIGHT_FLICKER = 4;  // intensity 2..3 at random, anew after 0..7 frames
+constexpr int32_t LIGHT_DYNAMIC = 5;  // no contributions: points in the radius get (1 - distance / radius) x intensity
+constexpr int32_t LIGHT_DYNAMIC_RAMP = 6;  // a ramp that raises all points in its radius alike, by NEUTRAL_LEVEL
+constexpr int32_t LIGHT_PASSIVE = 7;       // lights the character only, as values above it do
+
 constexpr int LIGHT_CONTRIBUTION_MAX = 32767;  // contributions in lights.alt to points, and again to corners
 constexpr int GATHERED_POINTS_MAX = 1000;      // points that a dynamic light reaches; those of the lowest numbers
 constexpr float SHOT_LIGHT_RADIUS = 500.0f;    // world units

@@ -6,11 +6,9 @@
 
 #include "app/app_tables.h"
 #include "app/host_game.h"
-#include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
 #include "math/random.h"
-#include "memory/system.h"
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
@@ -61,14 +59,7 @@ std::string NameOf(const AnimFileEntry& entry) {
     return path.substr(path.rfind('\\') + 1, path.size() - path.rfind('\\') - 5);
 }
 
-void StartLevel() {
-    UseGlide = Wanted.accelerator ? 1 : 0;
-    BuildReciprocalTable();
-    SystemInit();
-    InitGraphics(0);
-    CurrentLevel = Wanted.level - 1;  // on which the contrast of the accelerator depends
-    LoadLevel(CurrentLevel);
-    DepthScale = 63000.0f / std::max(1.0f, FarDistance);
+void StandOnGround() {
     Vec3& position = PlayerActor.position;
     const Vec3 below = {position.x, position.y - 400.0f, position.z};
     position.y += SOLES - CameraRayDistance(position, below);
@@ -102,7 +93,7 @@ Frame MiddleOfPicture() {
     return frame;
 }
 
-Frame DrawFrame(bool withPlayer) {
+Frame DrawCharacter(bool withPlayer) {
     FrameCount++;
     SubmittedPolygons = 0;
     LookAtPlayer();
@@ -116,9 +107,9 @@ Frame DrawFrame(bool withPlayer) {
 
 // Copies the figure to the sheet and makes the background pale, so that the figure stands out.
 void DrawCell(Image& sheet, int column, int row) {
-    const Frame empty = DrawFrame(false);
-    DrawFrame(true);  // a frame before, which gathers the lights that the figure is drawn with
-    const Frame frame = DrawFrame(true);
+    const Frame empty = DrawCharacter(false);
+    DrawCharacter(true);  // a frame before, which gathers the lights that the figure is drawn with
+    const Frame frame = DrawCharacter(true);
     // A pixel of the figure may have the background's colour; its neighbours give it away.
     const auto isBackground = [&](size_t i) {
         const size_t before = i - std::min<size_t>(i, 1), after = std::min(i + 1, frame.size() - 1);
@@ -135,7 +126,8 @@ void DrawCell(Image& sheet, int column, int row) {
 
 int DrawChanges(HINSTANCE, HINSTANCE, char*, int) {
     const std::vector<FilmRow> films = FilmsInto(Wanted.clips, Wanted.ticks);
-    StartLevel();
+    StartLevel(Wanted.level, Wanted.accelerator);
+    StandOnGround();
     size_t longest = 0;
     for (const FilmRow& film : films)
         longest = std::max(longest, film.frames.size());
@@ -152,7 +144,8 @@ int DrawChanges(HINSTANCE, HINSTANCE, char*, int) {
 }
 
 int DrawSheet(HINSTANCE, HINSTANCE, char*, int) {
-    StartLevel();
+    StartLevel(Wanted.level, Wanted.accelerator);
+    StandOnGround();
     std::set<std::string> seen;
     std::vector<int16_t> rows;
     for (int16_t i = 0; PlayerAnimations[i].path != nullptr; ++i) {

@@ -2,6 +2,8 @@
 // animated lights and the lists of what each of them reaches).
 #pragma once
 
+#include "records/light_facts.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -26,14 +28,6 @@ struct LightMapFile {
 std::vector<uint8_t> EncodeLightMap(const LightMapFile& lights);
 LightMapFile DecodeLightMap(std::vector<uint8_t> content, const std::string& fileName);
 LightMapFile ReadLightMapFile(const std::filesystem::path& path);
-
-constexpr int32_t LIGHT_FREE = -1;
-constexpr int32_t LIGHT_RAMP = 2;     // phase 0: stepUp a frame to highIntensity, phase 1: stepDown to lowIntensity
-constexpr int32_t LIGHT_BLINK = 3;    // phase 1: highIntensity for highTime frames, phase 0: low
-constexpr int32_t LIGHT_FLICKER = 4;  // intensity 2..3 at random, anew after 0..7 frames
-constexpr int32_t LIGHT_DYNAMIC = 5;  // no contributions: points in the radius get (1 - distance / radius) x intensity
-constexpr int32_t LIGHT_DYNAMIC_RAMP = 6;  // a ramp that raises every point in the radius by 64
-constexpr int32_t LIGHT_PASSIVE = 7;       // lights the character only, as every type does
 
 // One 96-byte record of lights.alt, little-endian; the last 16 bytes are zero.
 struct LightSlotRecord {

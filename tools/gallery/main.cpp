@@ -7,18 +7,9 @@
 
 #include "app/app_tables.h"
 #include "app/host_game.h"
-#include "app/load_level.h"
 #include "camera/camera.h"
 #include "character/actor.h"
 #include "lights/light_slots.h"
-#include "memory/system.h"
-#include "platform/input.h"
-#include "platform/timer.h"
-#include "render/raster.h"
-#include "render/screen.h"
-#include "render/submit.h"
-#include "world/draw/draw_view.h"
-#include "world/world_tables.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -65,12 +56,8 @@ Image PictureOf(const MarkedPlace& place) {
     for (int i = 0; i < FRAMES_UNTIL_STILL; ++i)
         UpdateCamera();
     for (int i = 0; i < 2; ++i) {  // the lights of the first frame fall on the character of the second
-        ++FrameCount;
-        SubmittedPolygons = 0;
-        ClearFrame();
-        DrawActorAt(0);
+        DrawFrame(true);
         UpdateLights();
-        DrawView();
     }
     return TakePicture();
 }
@@ -92,14 +79,7 @@ void Put(Image& row, int column, const Image& picture) {
 }
 
 int DrawRow(HINSTANCE, HINSTANCE, char*, int) {
-    UseGlide = Accelerator ? 1 : 0;
-    BuildReciprocalTable();
-    SystemInit();
-    InitGraphics(0);
-    CurrentLevel = Level - 1;  // on which the contrast of the accelerator depends
-    LoadLevel(CurrentLevel);
-    DepthScale = 63000.0f / std::max(1.0f, FarDistance);
-    MouseInput = {};
+    StartLevel(Level, Accelerator);
     Image row(CELL_WIDTH * PICTURES, CELL_HEIGHT);
     const std::vector<MarkedPlace> places = PlacesToShow();
     std::vector<Image> pictures;

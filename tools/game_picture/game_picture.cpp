@@ -1,12 +1,23 @@
 #include "game_picture/game_picture.h"
 
 #include "app/app_tables.h"
+#include "app/load_level.h"
+#include "character/actor.h"
 #include "host/glide.h"
 #include "memory/fatal.h"
+#include "memory/system.h"
+#include "platform/input.h"
+#include "platform/timer.h"
+#include "records/view_facts.h"
 #include "render/raster.h"
 #include "render/screen.h"
+#include "render/submit.h"
 #include "render/textures.h"
+#include "world/bsp.h"
+#include "world/draw/draw_view.h"
+#include "world/world_tables.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -36,6 +47,27 @@ Image Read(const PixelAt& pixelAt) {
 }
 
 }  // namespace
+
+void StartLevel(int32_t level, bool accelerator) {
+    UseGlide = accelerator ? 1 : 0;
+    BuildReciprocalTable();
+    SystemInit();
+    InitGraphics(0);
+    CurrentLevel = level - 1;  // on which the contrast of the accelerator depends
+    LoadLevel(CurrentLevel);
+    DepthScale = GLIDE_DEPTH_RANGE / std::max(1.0f, FarDistance);  // as the game's first frame sets it
+    MouseInput = {};
+}
+
+void DrawFrame(bool withCharacter) {
+    FrameCount++;
+    if (FrameCount == 0) FillStamps(0xFFFF);
+    if (FrameCount == 0x8000) FillStamps(0);
+    SubmittedPolygons = 0;
+    ClearFrame();
+    if (withCharacter) DrawActorAt(0);
+    DrawView();
+}
 
 Image TakePicture() {
     if (!UseGlide) return Read(SoftwarePixel);
