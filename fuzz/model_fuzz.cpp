@@ -75,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     try {
         SkyShape shape;
-        AddModel(Settings::Parse("file = '" + model + "'", "input.toml"), shape);
+        AddModel(TomlTable::Parse("file = '" + model + "'", "input.toml"), shape);
         CompileSky(shape, {{3, "skin", 128, 64}}, "sky.toml");
     } catch (const ContentError&) {
     }

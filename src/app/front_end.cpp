@@ -3,8 +3,8 @@
 #include "app/app_tables.h"
 #include "app/error_box.h"
 #include "app/pump.h"
+#include "platform/bitmap.h"
 #include "platform/display.h"
-#include "platform/image.h"
 #include "platform/input.h"
 
 namespace {

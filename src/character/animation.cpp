@@ -4,8 +4,8 @@
 #include "math/matrix_stack.h"
 #include "math/vectors.h"
 #include "memory/fatal.h"
+#include "memory/file_fields.h"
 #include "memory/files.h"
-#include "memory/image.h"
 #include "platform/timer.h"
 
 #include <algorithm>
@@ -17,14 +17,14 @@ constexpr const char* INVALID_ANIMATION = "Not a valid animation file";
 
 bool DoublesFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
     for (uint32_t i = 0; i < count; ++i) {
-        if (!std::isfinite(ImageField<double>(image, offset + 8 * i))) return false;
+        if (!std::isfinite(FileField<double>(image, offset + 8 * i))) return false;
     }
     return true;
 }
 
 bool ValidTrack(const AnimRecord& record, uint32_t offset, const TrackShape& shape) {
     if (uint64_t{offset} + shape.headerBytes > record.imageBytes) return false;
-    const auto keys = ImageField<int32_t>(record.image, offset + shape.headerBytes - KEY_COUNT_BYTES);
+    const auto keys = FileField<int32_t>(record.image, offset + shape.headerBytes - KEY_COUNT_BYTES);
     if (keys < 1) return false;
     const uint32_t first = offset + shape.headerBytes;
     if (first + uint64_t{shape.keyBytes} * static_cast<uint32_t>(keys) > record.imageBytes) return false;
@@ -34,7 +34,7 @@ bool ValidTrack(const AnimRecord& record, uint32_t offset, const TrackShape& sha
         const uint32_t key = first + shape.keyBytes * k;
         if (!DoublesFinite(record.image, key + KEY_TIME_BYTES, (shape.keyBytes - KEY_TIME_BYTES) / 8)) return false;
         const bool goesBack =
-            k > 0 && ImageField<uint32_t>(record.image, key - shape.keyBytes) > ImageField<uint32_t>(record.image, key);
+            k > 0 && FileField<uint32_t>(record.image, key - shape.keyBytes) > FileField<uint32_t>(record.image, key);
         if (goesBack) return false;
     }
     return true;
@@ -44,7 +44,7 @@ bool ValidTable(const AnimRecord& record, uint32_t table, const TrackShape& shap
     if (uint64_t{table} + TABLE_HEADER_BYTES + uint64_t{TABLE_ENTRY_BYTES} * record.trackCount > record.imageBytes)
         return false;
     for (uint32_t b = 0; b < record.trackCount; ++b) {
-        if (!ValidTrack(record, ImageField<uint32_t>(record.image, table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * b),
+        if (!ValidTrack(record, FileField<uint32_t>(record.image, table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * b),
                         shape))
             return false;
     }
@@ -61,7 +61,7 @@ bool ValidTracks(const AnimRecord& record) {
 void CheckCommands(const AnimRecord& record, uint32_t boneCount, const char* path) {
     int depth = 0;
     for (uint64_t offset = COMMANDS_AT; offset + COMMAND_BYTES <= record.imageBytes; offset += COMMAND_BYTES) {
-        const auto command = ImageField<int32_t>(record.image, static_cast<uint32_t>(offset));
+        const auto command = FileField<int32_t>(record.image, static_cast<uint32_t>(offset));
         if (command == COMMAND_END) return;
         if (command == COMMAND_PUSH) depth += 1;
         if (command == COMMAND_POP) depth -= 1;
@@ -116,11 +116,11 @@ void LoadAnimation(const char* path, AnimRecord& record, const MeshRecord& mesh)
     if (!record.image) FatalError(0, "No Animation File Found", path);
     record.imageBytes = static_cast<uint32_t>(FileSize(path));
     if (record.imageBytes < COMMANDS_AT) FatalError(0, INVALID_ANIMATION, path);
-    record.length = ImageField<uint32_t>(record.image, LENGTH_AT);
-    record.trackCount = ImageField<uint32_t>(record.image, TRACK_COUNT_AT);
-    record.hiddenBlock = ImageField<uint32_t>(record.image, HIDDEN_BLOCK_AT);
-    record.rotationTable = ImageField<uint32_t>(record.image, ROTATION_TABLE_AT);
-    record.positionTable = ImageField<uint32_t>(record.image, POSITION_TABLE_AT);
+    record.length = FileField<uint32_t>(record.image, LENGTH_AT);
+    record.trackCount = FileField<uint32_t>(record.image, TRACK_COUNT_AT);
+    record.hiddenBlock = FileField<uint32_t>(record.image, HIDDEN_BLOCK_AT);
+    record.rotationTable = FileField<uint32_t>(record.image, ROTATION_TABLE_AT);
+    record.positionTable = FileField<uint32_t>(record.image, POSITION_TABLE_AT);
     CheckCommands(record, mesh.boneCount, path);
     if (!ValidTracks(record)) FatalError(0, INVALID_ANIMATION, path);
 }

@@ -3,8 +3,8 @@
 #include "math/vectors.h"
 #include "math/world_planes.h"
 #include "memory/fatal.h"
+#include "memory/file_fields.h"
 #include "memory/files.h"
-#include "memory/image.h"
 #include "memory/pool.h"
 #include "world/bsp.h"
 #include "world/world_tables.h"
@@ -29,7 +29,7 @@ struct MeshPart {
 
 bool AllFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
     for (uint32_t i = 0; i < count; ++i) {
-        if (!std::isfinite(ImageField<float>(image, offset + 4 * i))) return false;
+        if (!std::isfinite(FileField<float>(image, offset + 4 * i))) return false;
     }
     return true;
 }
@@ -37,17 +37,17 @@ bool AllFinite(const uint8_t* image, uint32_t offset, uint32_t count) {
 // False: something lies outside the file, or an index is outside the part.
 bool FindPart(const uint8_t* image, uint32_t bytes, uint32_t& boneCount, MeshPart& part) {
     if (bytes < PART_TABLE + 4) return false;
-    boneCount = ImageField<uint32_t>(image, 4);
+    boneCount = FileField<uint32_t>(image, 4);
     if (boneCount < 1 || boneCount > BONES_MAX || PART_TABLE + 4 * boneCount > bytes) return false;
-    const uint64_t start = ImageField<uint32_t>(image, PART_TABLE) & ~3u;
+    const uint64_t start = FileField<uint32_t>(image, PART_TABLE) & ~3u;
     if (start + PART_HEADER > bytes) return false;
     const auto offset = static_cast<uint32_t>(start);
-    part = {image, ImageField<uint32_t>(image, offset + 4), ImageField<uint32_t>(image, offset + 8),
-            offset + PART_HEADER, 0};
+    part = {image, FileField<uint32_t>(image, offset + 4), FileField<uint32_t>(image, offset + 8), offset + PART_HEADER,
+            0};
     if (start + PART_HEADER + 12ull * part.pointCount + 12ull * part.faceCount > bytes) return false;
     part.triangles = part.positions + 12 * part.pointCount;
     for (uint32_t i = 0; i < 3 * part.faceCount; ++i) {
-        if (ImageField<uint32_t>(image, part.triangles + 4 * i) >= part.pointCount) return false;
+        if (FileField<uint32_t>(image, part.triangles + 4 * i) >= part.pointCount) return false;
     }
     return AllFinite(image, part.positions, 3 * part.pointCount);
 }
@@ -71,7 +71,7 @@ void ResetBones(MeshRecord& mesh) {
 
 void AppendPoints(const MeshPart& part) {
     for (uint32_t i = 0; i < part.pointCount; ++i) {
-        WorldGeometry.points[CharPointBase + i].position = ImageField<Vec3>(part.image, part.positions + 12 * i);
+        WorldGeometry.points[CharPointBase + i].position = FileField<Vec3>(part.image, part.positions + 12 * i);
     }
 }
 
@@ -81,15 +81,15 @@ void AppendTriangle(const MeshPart& part, const uint8_t* coordinates, uint32_t f
     PolyRecord& polygon = WorldGeometry.polygons[CharPolyBase + face];
     polygon = {};
     polygon.cornerCount = 3;
-    polygon.texture = static_cast<uint8_t>(ImageField<uint32_t>(coordinates, entry) + CHAR_TEXTURE_BASE);
+    polygon.texture = static_cast<uint8_t>(FileField<uint32_t>(coordinates, entry) + CHAR_TEXTURE_BASE);
     polygon.shading = SHADE_CORNER_LIGHT;
     polygon.firstVertex = static_cast<uint16_t>(used.polyVertices);
     polygon.plane = static_cast<uint16_t>(used.planes);
     for (uint32_t k = 0; k < 3; ++k) {
-        const uint32_t point = ImageField<uint32_t>(part.image, part.triangles + 4 * (3 * face + k));
+        const uint32_t point = FileField<uint32_t>(part.image, part.triangles + 4 * (3 * face + k));
         WorldGeometry.polyVertices[used.polyVertices + k] = {CharPointBase + point,
-                                                             ImageField<float>(coordinates, entry + 4 + 8 * k),
-                                                             ImageField<float>(coordinates, entry + 8 + 8 * k), 0.0f};
+                                                             FileField<float>(coordinates, entry + 4 + 8 * k),
+                                                             FileField<float>(coordinates, entry + 8 + 8 * k), 0.0f};
     }
     ComputePolyPlane(static_cast<int32_t>(CharPolyBase + face));
     used.polyVertices += 3;

@@ -5,7 +5,7 @@
 #include "math/matrix_stack.h"
 #include "math/quaternions.h"
 #include "math/vectors.h"
-#include "memory/image.h"
+#include "memory/file_fields.h"
 
 #include <algorithm>
 
@@ -17,10 +17,10 @@ struct Track {
     uint32_t keyBytes;
     uint32_t count;
 
-    uint32_t Time(uint32_t key) const { return ImageField<uint32_t>(image, keys + keyBytes * key); }
-    Quat Rotation(uint32_t key) const { return ImageField<Quat>(image, keys + keyBytes * key + KEY_TIME_BYTES); }
+    uint32_t Time(uint32_t key) const { return FileField<uint32_t>(image, keys + keyBytes * key); }
+    Quat Rotation(uint32_t key) const { return FileField<Quat>(image, keys + keyBytes * key + KEY_TIME_BYTES); }
     double Position(uint32_t key, uint32_t axis) const {
-        return ImageField<double>(image, keys + keyBytes * key + KEY_TIME_BYTES + 8 * axis);
+        return FileField<double>(image, keys + keyBytes * key + KEY_TIME_BYTES + 8 * axis);
     }
 };
 
@@ -34,9 +34,9 @@ Transform CurrentTransform;  // transform of the bone that the walk stands at
 bool FirstBoneDone;          // the first bone was placed: only its position keys move the skeleton
 
 Track TrackOf(const AnimRecord& record, uint32_t table, uint32_t bone, const TrackShape& shape) {
-    const auto offset = ImageField<uint32_t>(record.image, table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * bone);
+    const auto offset = FileField<uint32_t>(record.image, table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * bone);
     const uint32_t keys = offset + shape.headerBytes;
-    return {record.image, keys, shape.keyBytes, ImageField<uint32_t>(record.image, keys - KEY_COUNT_BYTES)};
+    return {record.image, keys, shape.keyBytes, FileField<uint32_t>(record.image, keys - KEY_COUNT_BYTES)};
 }
 
 // Takes the first layer that animates this bone, otherwise the last one that has tracks for it; layer 0 always has.
@@ -54,7 +54,7 @@ BoneTracks ChooseLayer(const Actor& actor, uint32_t bone) {
     }
     for (uint32_t i = 0; i < 3; ++i) {
         const uint32_t header = tracks.rotation.keys - ROTATION_TRACK.headerBytes;
-        tracks.pivot[i] = ImageField<double>(tracks.rotation.image, header + PIVOT_AT + 8 * i);
+        tracks.pivot[i] = FileField<double>(tracks.rotation.image, header + PIVOT_AT + 8 * i);
     }
     return tracks;
 }
@@ -147,7 +147,7 @@ void PoseActor(Actor& actor) {
     if (actor.layerTimes[0] >= static_cast<uint32_t>(actor.blendDuration)) actor.blendDuration = 0;
     int pushed = 0;
     for (uint32_t offset = COMMANDS_AT;; offset += COMMAND_BYTES) {
-        const auto command = ImageField<int32_t>(record.image, offset);
+        const auto command = FileField<int32_t>(record.image, offset);
         if (command == COMMAND_END) break;
         if (command == COMMAND_POP) {
             PopMatrix(CurrentTransform);

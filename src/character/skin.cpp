@@ -2,8 +2,8 @@
 
 #include "host/files.h"
 #include "memory/fatal.h"
+#include "memory/file_fields.h"
 #include "memory/files.h"
-#include "memory/image.h"
 #include "world/world_tables.h"
 
 #include <cstdio>
@@ -24,19 +24,19 @@ struct BlockView {
 };
 
 int8_t Version(const uint8_t* image) {
-    return ImageField<int8_t>(image, 3);
+    return FileField<int8_t>(image, 3);
 }
 
 BlockView ReadBlock(const uint8_t* image, uint32_t offset) {
     BlockView block{};
     if (Version(image) > LAST_VERSION_WITHOUT_MATRIX) {
-        block.matrix = ImageField<uint16_t>(image, offset);
+        block.matrix = FileField<uint16_t>(image, offset);
         offset += 2;
     }
-    block.hardCount = ImageField<uint16_t>(image, offset);
+    block.hardCount = FileField<uint16_t>(image, offset);
     block.hardPoints = offset + 2;
     offset = block.hardPoints + 2u * block.hardCount;
-    block.softCount = ImageField<uint16_t>(image, offset);
+    block.softCount = FileField<uint16_t>(image, offset);
     block.softPoints = offset + 2;
     block.end = block.softPoints + 4u * block.softCount;
     return block;
@@ -47,23 +47,23 @@ BlockView ReadBlock(const uint8_t* image, uint32_t offset) {
 uint32_t CheckedBlockEnd(const uint8_t* image, uint64_t bytes, uint64_t offset, uint32_t pointCount) {
     if (Version(image) > LAST_VERSION_WITHOUT_MATRIX) offset += 2;
     if (offset + 2 > bytes) return 0;
-    const uint64_t soft = offset + 2 + 2u * ImageField<uint16_t>(image, static_cast<uint32_t>(offset));
+    const uint64_t soft = offset + 2 + 2u * FileField<uint16_t>(image, static_cast<uint32_t>(offset));
     if (soft + 2 > bytes) return 0;
-    const uint64_t end = soft + 2 + 4u * ImageField<uint16_t>(image, static_cast<uint32_t>(soft));
+    const uint64_t end = soft + 2 + 4u * FileField<uint16_t>(image, static_cast<uint32_t>(soft));
     if (end > bytes) return 0;
     for (uint64_t at = offset + 2; at < soft; at += 2) {
-        if (ImageField<uint16_t>(image, static_cast<uint32_t>(at)) >= pointCount) return 0;
+        if (FileField<uint16_t>(image, static_cast<uint32_t>(at)) >= pointCount) return 0;
     }
     for (uint64_t at = soft + 2; at < end; at += 4) {
-        if (ImageField<uint16_t>(image, static_cast<uint32_t>(at)) >= pointCount) return 0;
+        if (FileField<uint16_t>(image, static_cast<uint32_t>(at)) >= pointCount) return 0;
     }
     return static_cast<uint32_t>(end);
 }
 
 bool ValidWeights(const uint8_t* image, uint32_t bytes, const MeshRecord& mesh) {
     if (bytes < FIRST_BLOCK) return false;
-    const uint16_t welds = ImageField<uint16_t>(image, 4);
-    const uint16_t blocks = ImageField<uint16_t>(image, 6);
+    const uint16_t welds = FileField<uint16_t>(image, 4);
+    const uint16_t blocks = FileField<uint16_t>(image, 6);
     if (blocks < mesh.boneCount) return false;
     uint32_t offset = FIRST_BLOCK;
     for (uint16_t b = 0; b < blocks; ++b) {
@@ -78,27 +78,27 @@ uint32_t ListBlock(const uint8_t* image, uint32_t offset) {
     if (Version(image) > LAST_VERSION_WITHOUT_MATRIX) std::printf("matrix %u\n", unsigned{block.matrix});
     std::printf("%u hard points\n", unsigned{block.hardCount});
     for (unsigned i = 0; i < block.hardCount; ++i) {
-        std::printf("%u index %u\n", i, unsigned{ImageField<uint16_t>(image, block.hardPoints + 2 * i)});
+        std::printf("%u index %u\n", i, unsigned{FileField<uint16_t>(image, block.hardPoints + 2 * i)});
     }
     std::printf("%u soft points\n", unsigned{block.softCount});
     for (unsigned i = 0; i < block.softCount; ++i) {
-        std::printf("%u index %u, weight %u\n", i, unsigned{ImageField<uint16_t>(image, block.softPoints + 4 * i)},
-                    unsigned{ImageField<uint16_t>(image, block.softPoints + 4 * i + 2)});
+        std::printf("%u index %u, weight %u\n", i, unsigned{FileField<uint16_t>(image, block.softPoints + 4 * i)},
+                    unsigned{FileField<uint16_t>(image, block.softPoints + 4 * i + 2)});
     }
     return block.end;
 }
 
 void ListWeights(const uint8_t* image) {
-    const unsigned welds = ImageField<uint16_t>(image, 4);
-    const unsigned blocks = ImageField<uint16_t>(image, 6);
+    const unsigned welds = FileField<uint16_t>(image, 4);
+    const unsigned blocks = FileField<uint16_t>(image, 6);
     std::printf("weight file version %u\n", static_cast<unsigned>(Version(image)));
     std::printf("bones %u, welds %u\n", blocks, welds);
     uint32_t offset = FIRST_BLOCK;
     for (unsigned b = 0; b < blocks; ++b)
         offset = ListBlock(image, offset);
     for (unsigned i = 0; i < welds; ++i) {
-        std::printf("weld %u, from %u, to %u\n", i, unsigned{ImageField<uint16_t>(image, offset + 4 * i)},
-                    unsigned{ImageField<uint16_t>(image, offset + 4 * i + 2)});
+        std::printf("weld %u, from %u, to %u\n", i, unsigned{FileField<uint16_t>(image, offset + 4 * i)},
+                    unsigned{FileField<uint16_t>(image, offset + 4 * i + 2)});
     }
 }
 
@@ -121,7 +121,7 @@ struct SkinMatrix {
 
 void SkinBlock(const uint8_t* image, const BlockView& block, const SkinMatrix& matrix, uint32_t firstPoint) {
     for (uint32_t i = 0; i < block.hardCount; ++i) {
-        const uint32_t point = firstPoint + ImageField<uint16_t>(image, block.hardPoints + 2 * i);
+        const uint32_t point = firstPoint + FileField<uint16_t>(image, block.hardPoints + 2 * i);
         const Vec3 moved = matrix(WorldGeometry.points[point].position);
         ViewPoint& view = WorldGeometry.viewPoints[point];
         view.x = moved.x;
@@ -129,8 +129,8 @@ void SkinBlock(const uint8_t* image, const BlockView& block, const SkinMatrix& m
         view.z = moved.z;
     }
     for (uint32_t i = 0; i < block.softCount; ++i) {
-        const uint32_t point = firstPoint + ImageField<uint16_t>(image, block.softPoints + 4 * i);
-        const float f = static_cast<float>(ImageField<uint16_t>(image, block.softPoints + 4 * i + 2)) / 65536.0f;
+        const uint32_t point = firstPoint + FileField<uint16_t>(image, block.softPoints + 4 * i);
+        const float f = static_cast<float>(FileField<uint16_t>(image, block.softPoints + 4 * i + 2)) / 65536.0f;
         const Vec3 moved = matrix(WorldGeometry.points[point].position);
         ViewPoint& view = WorldGeometry.viewPoints[point];
         view.x = f * moved.x + (1.0f - f) * view.x;

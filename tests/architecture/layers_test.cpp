@@ -44,17 +44,17 @@ const std::vector<Layer> HOST_LAYERS = {
       "session"}},  // desktop.cpp, web.cpp
 };
 const std::vector<Layer> TOOL_LAYERS = {
-    {"maths", {}},
-    {"formats", {"maths"}},
-    {"gltf", {"maths", "formats"}},
-    {"mapc", {"maths", "formats"}},
-    {"texc", {"maths", "formats"}},
+    {"transforms", {}},
+    {"formats", {"transforms"}},
+    {"gltf", {"transforms", "formats"}},
+    {"mapc", {"transforms", "formats"}},
+    {"texc", {"transforms", "formats"}},
     {"picc", {"formats"}},
     {"musicc", {"formats"}},
-    {"skyc", {"maths", "formats", "gltf"}},
+    {"skyc", {"transforms", "formats", "gltf"}},
     {"motion", {"formats"}},  // and the game
-    {"charc", {"maths", "formats", "gltf", "motion"}},
-    {"datacheck", {"maths", "formats", "mapc", "charc"}},
+    {"charc", {"transforms", "formats", "gltf", "motion"}},
+    {"datacheck", {"transforms", "formats", "mapc", "charc"}},
     {"mapc/main.cpp", {"formats", "mapc", "datacheck"}},    // asks the rules before a level is written
     {"game_picture", {"formats"}},                          // and the game
     {"gallery", {"formats", "game_picture"}},               // and the game

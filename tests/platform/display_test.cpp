@@ -4,7 +4,7 @@
 #include "formats/image.h"
 #include "interfaces/display.h"
 #include "interfaces/presentation.h"
-#include "platform/image.h"
+#include "platform/bitmap.h"
 #include "render/render_tables.h"
 #include "support/test_window.h"
 #include "testing/test_machine.h"

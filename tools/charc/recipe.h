@@ -3,8 +3,8 @@
 #pragma once
 
 #include "formats/character_files.h"
-#include "maths/transform.h"
 #include "records/animation_facts.h"
+#include "transforms/transform.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "charc/stand_ins.h"
 #include "formats/error.h"
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 
 #include <fmt/format.h>
 
@@ -20,7 +20,7 @@ const UsualClip* UsualClipOf(const std::string& file) {
     return found == CHARACTER_CLIPS.end() ? nullptr : &*found;
 }
 
-std::vector<uint32_t> ListedTimes(const Settings& table, uint32_t length, uint32_t blend) {
+std::vector<uint32_t> ListedTimes(const TomlTable& table, uint32_t length, uint32_t blend) {
     std::vector<uint32_t> times;
     for (const float number : table.Numbers("keys")) {
         if (!(number >= 0 && number <= CLIP_LENGTH_MAX))
@@ -40,7 +40,7 @@ std::vector<uint32_t> ListedTimes(const Settings& table, uint32_t length, uint32
     return times;
 }
 
-ClipRecipe ReadClipRecipe(const Settings& table) {
+ClipRecipe ReadClipRecipe(const TomlTable& table) {
     ClipRecipe clip;
     clip.file = table.NeedText("file");
     const UsualClip* usual = UsualClipOf(clip.file);
@@ -61,7 +61,7 @@ ClipRecipe ReadClipRecipe(const Settings& table) {
     return clip;
 }
 
-SkinRecipe ReadSkinRecipe(const Settings& table, const std::filesystem::path& folder, size_t materials) {
+SkinRecipe ReadSkinRecipe(const TomlTable& table, const std::filesystem::path& folder, size_t materials) {
     SkinRecipe skin;
     skin.file = table.NeedText("file");
     skin.uvSet = static_cast<size_t>(table.Int("uv", 0, 0, 1));
@@ -76,7 +76,7 @@ SkinRecipe ReadSkinRecipe(const Settings& table, const std::filesystem::path& fo
 }
 
 template <class Made>
-void NeedOnce(const Settings& text, const char* key, const Made& made) {
+void NeedOnce(const TomlTable& text, const char* key, const Made& made) {
     std::set<std::string> files;
     for (const auto& item : made) {
         if (!files.insert(item.file).second)
@@ -84,7 +84,7 @@ void NeedOnce(const Settings& text, const char* key, const Made& made) {
     }
 }
 
-void NeedSkins(const Settings& text, const std::vector<SkinRecipe>& skins) {
+void NeedSkins(const TomlTable& text, const std::vector<SkinRecipe>& skins) {
     NeedOnce(text, "skin", skins);
     std::set<std::string> files;
     for (const SkinRecipe& skin : skins)
@@ -97,7 +97,7 @@ void NeedSkins(const Settings& text, const std::vector<SkinRecipe>& skins) {
 }
 
 // About y, so that what looked along the given axis looks along +z.
-Quaternion TurnFrom(const Settings& text) {
+Quaternion TurnFrom(const TomlTable& text) {
     const double half = std::sqrt(0.5);
     const Quaternion turns[] = {{1, 0, 0, 0}, {0, 0, 1, 0}, {half, 0, -half, 0}, {half, 0, half, 0}};
     return turns[text.Choice("faces", "+z", {"+z", "-z", "+x", "-x"})];
@@ -117,7 +117,7 @@ std::vector<uint32_t> EvenTimes(uint32_t length, uint32_t step, uint32_t blend) 
 }
 
 CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
-    const Settings text = Settings::Load(path);
+    const TomlTable text = TomlTable::Load(path);
     const std::filesystem::path folder = path.parent_path();
     CharacterRecipe recipe;
     recipe.file = path.string();
@@ -135,9 +135,9 @@ CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
     recipe.folded = text.Texts("fold");
     recipe.foldsRest = std::erase(recipe.folded, "*") > 0;
     recipe.materials = text.Texts("materials");
-    for (const Settings& table : text.Tables("skin"))
+    for (const TomlTable& table : text.Tables("skin"))
         recipe.skins.push_back(ReadSkinRecipe(table, folder, recipe.materials.size()));
-    for (const Settings& table : text.Tables("clip"))
+    for (const TomlTable& table : text.Tables("clip"))
         recipe.clips.push_back(ReadClipRecipe(table));
     text.Finish();
     NeedSkins(text, recipe.skins);

@@ -6,7 +6,7 @@
 
 #include <charconv>
 
-std::vector<Rgba> ReadColours(const Settings& settings, const std::string& key) {
+std::vector<Rgba> ReadColours(const TomlTable& settings, const std::string& key) {
     std::vector<Rgba> colours;
     for (const std::string& text : settings.Texts(key)) {
         uint32_t value = 0;
@@ -21,13 +21,13 @@ std::vector<Rgba> ReadColours(const Settings& settings, const std::string& key) 
     return colours;
 }
 
-Rgba ReadColour(const Settings& settings, const std::string& key) {
+Rgba ReadColour(const TomlTable& settings, const std::string& key) {
     const std::vector<Rgba> colours = ReadColours(settings, key);
     if (colours.size() != 1)
         settings.RefuseKey(key, fmt::format("has {} colours", colours.size()), "write one, as \"#rrggbb\"");
     return colours[0];
 }
 
-Rgba ReadColour(const Settings& settings, const std::string& key, Rgba fallback) {
+Rgba ReadColour(const TomlTable& settings, const std::string& key, Rgba fallback) {
     return settings.Has(key) ? ReadColour(settings, key) : fallback;
 }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "formats/image.h"
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 
-Rgba ReadColour(const Settings& settings, const std::string& key);
-Rgba ReadColour(const Settings& settings, const std::string& key, Rgba fallback);
-std::vector<Rgba> ReadColours(const Settings& settings, const std::string& key);  // a list, empty when missing
+Rgba ReadColour(const TomlTable& settings, const std::string& key);
+Rgba ReadColour(const TomlTable& settings, const std::string& key, Rgba fallback);
+std::vector<Rgba> ReadColours(const TomlTable& settings, const std::string& key);  // a list, empty when missing

@@ -2,7 +2,7 @@
 // front.
 #pragma once
 
-#include "maths/transform.h"
+#include "transforms/transform.h"
 
 #include <tiny_gltf.h>
 

@@ -1,7 +1,7 @@
 // Vectors, planes and boxes in map space: x east, y north, z up, double precision.
 #pragma once
 
-#include "maths/transform.h"
+#include "transforms/transform.h"
 
 #include <algorithm>
 #include <cmath>

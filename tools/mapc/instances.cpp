@@ -1,9 +1,9 @@
 #include "mapc/instances.h"
 
 #include "formats/error.h"
-#include "mapc/settings.h"
+#include "mapc/level_settings.h"
 #include "mapc/texture_axes.h"
-#include "maths/angles.h"
+#include "transforms/angles.h"
 
 #include <fmt/format.h>
 

@@ -4,9 +4,9 @@
 #include "formats/light_files.h"
 #include "formats/material_list.h"
 #include "mapc/bake.h"
+#include "mapc/level_settings.h"
 #include "mapc/map_lights.h"
 #include "mapc/placement.h"
-#include "mapc/settings.h"
 
 struct LightSources {
     const std::string& mapName;  // in messages

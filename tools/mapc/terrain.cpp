@@ -2,7 +2,7 @@
 
 #include "formats/error.h"
 #include "formats/height_image.h"
-#include "maths/angles.h"
+#include "transforms/angles.h"
 
 #include <fmt/format.h>
 

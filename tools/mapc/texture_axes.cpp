@@ -1,6 +1,6 @@
 #include "mapc/texture_axes.h"
 
-#include "maths/angles.h"
+#include "transforms/angles.h"
 
 #include <array>
 

@@ -8,8 +8,8 @@
 #include "character/skin.h"
 #include "math/vectors.h"
 #include "memory/fatal.h"
+#include "memory/file_fields.h"
 #include "memory/files.h"
-#include "memory/image.h"
 #include "memory/pool.h"
 #include "platform/input.h"
 #include "platform/timer.h"
@@ -152,10 +152,10 @@ uint32_t Stage::LengthOf(int32_t state) const {
 
 std::array<double, 3> Stage::PivotOf(size_t bone) const {
     const AnimRecord& record = player_.Animation(0);
-    const auto track = ImageField<uint32_t>(record.image, record.rotationTable + 4 + 4 * static_cast<uint32_t>(bone));
+    const auto track = FileField<uint32_t>(record.image, record.rotationTable + 4 + 4 * static_cast<uint32_t>(bone));
     std::array<double, 3> pivot;
     for (uint32_t i = 0; i < 3; ++i)
-        pivot[i] = ImageField<double>(record.image, track + 4 + 8 * i);
+        pivot[i] = FileField<double>(record.image, track + 4 + 8 * i);
     return pivot;
 }
 

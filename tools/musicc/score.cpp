@@ -1,7 +1,7 @@
 #include "musicc/score.h"
 
 #include "formats/error.h"
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 
 #include <fmt/format.h>
 
@@ -21,14 +21,14 @@ std::vector<std::string> Words(const std::string& text) {
 
 // The index of the list's element with this name.
 template <typename Named>
-size_t Find(const std::vector<Named>& all, const std::string& name, const Settings& from, const std::string& key) {
+size_t Find(const std::vector<Named>& all, const std::string& name, const TomlTable& from, const std::string& key) {
     for (size_t i = 0; i < all.size(); ++i)
         if (all[i].name == name) return i;
     from.RefuseKey(key, fmt::format("names '{}', which there is not", Shown(name)),
                    "write it above, or correct the name");
 }
 
-EnvelopeTimes LoadEnvelope(const Settings& from, const std::string& key, const EnvelopeTimes& fallback) {
+EnvelopeTimes LoadEnvelope(const TomlTable& from, const std::string& key, const EnvelopeTimes& fallback) {
     const std::vector<float> times =
         from.Numbers(key, 4, {fallback.attack, fallback.decay, fallback.sustain, fallback.release});
     for (const float time : times)
@@ -39,7 +39,7 @@ EnvelopeTimes LoadEnvelope(const Settings& from, const std::string& key, const E
     return {times[0], times[1], times[2], times[3]};
 }
 
-std::vector<float> LoadNumbers(const Settings& from, const std::string& key, size_t count,
+std::vector<float> LoadNumbers(const TomlTable& from, const std::string& key, size_t count,
                                const std::vector<float>& fallback, float most) {
     const std::vector<float> numbers = from.Numbers(key, count, fallback);
     for (const float number : numbers)
@@ -48,7 +48,7 @@ std::vector<float> LoadNumbers(const Settings& from, const std::string& key, siz
     return numbers;
 }
 
-Synth LoadSynth(const Settings& from) {
+Synth LoadSynth(const TomlTable& from) {
     Synth synth;
     const Synth plain;
     synth.shape.wave = static_cast<Wave>(from.Choice("wave", "saw", {"sine", "triangle", "saw", "pulse", "fm"}));
@@ -73,7 +73,7 @@ Synth LoadSynth(const Settings& from) {
     return synth;
 }
 
-Drum LoadDrum(const Settings& from) {
+Drum LoadDrum(const TomlTable& from) {
     Drum drum;
     const Drum plain;
     drum.tone = LoadNumbers(from, "tone", 3, {0.0f, 0.0f, 0.05f}, 20000.0f);
@@ -86,7 +86,7 @@ Drum LoadDrum(const Settings& from) {
     return drum;
 }
 
-Instrument LoadInstrument(const Settings& from, bool isDrum) {
+Instrument LoadInstrument(const TomlTable& from, bool isDrum) {
     Instrument instrument;
     instrument.name = from.NeedText("name");
     instrument.isDrum = isDrum;
@@ -105,7 +105,7 @@ Instrument LoadInstrument(const Settings& from, bool isDrum) {
     return instrument;
 }
 
-ScorePattern LoadPattern(const Settings& from, const Score& score) {
+ScorePattern LoadPattern(const TomlTable& from, const Score& score) {
     ScorePattern pattern;
     pattern.name = from.NeedText("name");
     pattern.instrument = Find(score.instruments, from.NeedText("instrument"), from, "instrument");
@@ -125,7 +125,7 @@ ScorePattern LoadPattern(const Settings& from, const Score& score) {
     return pattern;
 }
 
-std::vector<Chord> LoadChords(const Settings& from) {
+std::vector<Chord> LoadChords(const TomlTable& from) {
     std::vector<Chord> chords;
     for (const std::string& word : Words(from.NeedText("chords"))) {
         if (word == "|") continue;
@@ -139,7 +139,7 @@ std::vector<Chord> LoadChords(const Settings& from) {
     return chords;
 }
 
-Ramp LoadRamp(const Settings& from, const Score& score) {
+Ramp LoadRamp(const TomlTable& from, const Score& score) {
     const std::vector<float> gain = from.Numbers("gain", 2, {0.0f, 0.0f});
     const std::vector<float> brightness = from.Numbers("brightness", 2, {0.0f, 0.0f});
     for (const float number : {gain[0], gain[1], brightness[0], brightness[1]})
@@ -152,7 +152,7 @@ Ramp LoadRamp(const Settings& from, const Score& score) {
     return ramp;
 }
 
-Section LoadSection(const Settings& from, const Score& score) {
+Section LoadSection(const TomlTable& from, const Score& score) {
     Section section;
     from.Text("name", "");  // read so that it is a known key; only people use it
     section.bars = from.NeedInt("bars", 1, 512);
@@ -164,26 +164,26 @@ Section LoadSection(const Settings& from, const Score& score) {
             section.lanes.back().push_back(Find(score.patterns, name, from, "play"));
         if (section.lanes.back().empty()) from.RefuseKey("play", "has an empty lane", "name a pattern or remove it");
     }
-    for (const Settings& ramp : from.Tables("ramp"))
+    for (const TomlTable& ramp : from.Tables("ramp"))
         section.ramps.push_back(LoadRamp(ramp, score));
     from.Finish();
     return section;
 }
 
-void LoadEffects(const Settings& from, Score& score) {
-    for (const Settings& echo : from.Tables("echo")) {
+void LoadEffects(const TomlTable& from, Score& score) {
+    for (const TomlTable& echo : from.Tables("echo")) {
         score.echo = {echo.Number("beats", 0.75f, 0.05f, 8.0f), echo.Number("feedback", 0.4f, 0.0f, 0.9f),
                       echo.Number("tone", 4000.0f, 100.0f, 20000.0f), echo.Number("level", 1.0f, 0.0f, 4.0f)};
         echo.Finish();
     }
-    for (const Settings& reverb : from.Tables("reverb")) {
+    for (const TomlTable& reverb : from.Tables("reverb")) {
         score.reverb = {reverb.Number("seconds", 2.0f, 0.1f, 20.0f), reverb.Number("tone", 6000.0f, 100.0f, 20000.0f),
                         reverb.Number("level", 1.0f, 0.0f, 4.0f)};
         reverb.Finish();
     }
 }
 
-void CheckLength(const Settings& from, const Score& score) {
+void CheckLength(const TomlTable& from, const Score& score) {
     int bars = 0;
     for (const Section& section : score.sections)
         bars += section.bars;
@@ -197,7 +197,7 @@ void CheckLength(const Settings& from, const Score& score) {
 }  // namespace
 
 Score LoadScore(const std::filesystem::path& path) {
-    const Settings from = Settings::Load(path);
+    const TomlTable from = TomlTable::Load(path);
     Score score{};
     from.Text("title", "");
     score.tempo = from.Number("tempo", 120.0f, 20.0f, 400.0f);
@@ -207,13 +207,13 @@ Score LoadScore(const std::filesystem::path& path) {
     score.echo = {};
     score.reverb = {};
     LoadEffects(from, score);
-    for (const Settings& table : from.Tables("synth"))
+    for (const TomlTable& table : from.Tables("synth"))
         score.instruments.push_back(LoadInstrument(table, false));
-    for (const Settings& table : from.Tables("drum"))
+    for (const TomlTable& table : from.Tables("drum"))
         score.instruments.push_back(LoadInstrument(table, true));
-    for (const Settings& table : from.Tables("pattern"))
+    for (const TomlTable& table : from.Tables("pattern"))
         score.patterns.push_back(LoadPattern(table, score));
-    for (const Settings& table : from.Tables("section"))
+    for (const TomlTable& table : from.Tables("section"))
         score.sections.push_back(LoadSection(table, score));
     from.Finish();
     CheckLength(from, score);

@@ -11,7 +11,7 @@
 
 namespace {
 
-Rectangle ReadRectangle(const Settings& item) {
+Rectangle ReadRectangle(const TomlTable& item) {
     const std::vector<float> r = item.Numbers("rect", 4, {0, 0, PICTURE_WIDTH, PICTURE_HEIGHT});
     const Rectangle rect{static_cast<int>(r[0]), static_cast<int>(r[1]), static_cast<int>(r[2]),
                          static_cast<int>(r[3])};
@@ -21,11 +21,11 @@ Rectangle ReadRectangle(const Settings& item) {
     return rect;
 }
 
-int ReadOpacity(const Settings& item) {
+int ReadOpacity(const TomlTable& item) {
     return static_cast<int>(item.Number("opacity", 1, 0, 1) * 255 + 0.5f);
 }
 
-std::vector<Rgba> NeedColours(const Settings& item, const char* key) {
+std::vector<Rgba> NeedColours(const TomlTable& item, const char* key) {
     std::vector<Rgba> colours = ReadColours(item, key);
     if (colours.empty())
         item.RefuseTable(fmt::format("'{}' is missing", key), "add one colour, or several for a gradient");
@@ -36,12 +36,12 @@ Coverage FullBox(const Rectangle& rect) {
     return RoundedBox(PICTURE_WIDTH, PICTURE_HEIGHT, rect, 0);
 }
 
-void PaintGradient(Painter& painter, const Settings& item) {
+void PaintGradient(Painter& painter, const TomlTable& item) {
     const Rectangle rect = ReadRectangle(item);
     BlendShape(painter.image, FullBox(rect), rect, NeedColours(item, "colour"), ReadOpacity(item));
 }
 
-void PaintTexture(Painter& painter, const Settings& item) {
+void PaintTexture(Painter& painter, const TomlTable& item) {
     const Rectangle rect = ReadRectangle(item);
     const Image& texture = painter.Texture(item, item.NeedText("material"));
     const int zoom = item.Int("zoom", 1, 1, 8);
@@ -73,7 +73,7 @@ Rgba MeanOf(const Image& picture, float left, float top, float size) {
 }
 
 // Fills the rectangle; what is too wide or too high for it is cut off evenly on both sides.
-void PaintGamePicture(Painter& painter, const Settings& item) {
+void PaintGamePicture(Painter& painter, const TomlTable& item) {
     const Rectangle rect = ReadRectangle(item);
     const Image& picture = painter.Picture(item, item.NeedText("file"));
     const int brightness = static_cast<int>(item.Number("brightness", 1, 0, 4) * 256);
@@ -93,7 +93,7 @@ void PaintGamePicture(Painter& painter, const Settings& item) {
     }
 }
 
-void PaintHallItem(Painter& painter, const Settings& item) {
+void PaintHallItem(Painter& painter, const TomlTable& item) {
     HallView hall;
     hall.left = &painter.Texture(item, item.NeedText("left"));
     hall.right = &painter.Texture(item, item.Text("right", item.NeedText("left")));
@@ -110,7 +110,7 @@ void PaintHallItem(Painter& painter, const Settings& item) {
     PaintHall(painter.image, hall);
 }
 
-void PaintPanel(Painter& painter, const Settings& item) {
+void PaintPanel(Painter& painter, const TomlTable& item) {
     const Rectangle rect = ReadRectangle(item);
     const int radius = item.Int("radius", 6, 0, 60);
     const int border = item.Int("border", 0, 0, 20);
@@ -125,12 +125,12 @@ void PaintPanel(Painter& painter, const Settings& item) {
     BlendShape(painter.image, inner, rect, NeedColours(item, "border_colour"), 255);
 }
 
-TextStyle ReadStyle(const Settings& item, float size) {
+TextStyle ReadStyle(const TomlTable& item, float size) {
     return {item.Text("font", "DejaVuSans"), item.Number("size", size, 6, 200), item.Number("spacing", 0, -10, 60)};
 }
 
 // Draws letters with their shadow, their outline and a gradient over their height.
-void PaintLetters(Painter& painter, const Settings& item, const Coverage& letters, const Rectangle& height) {
+void PaintLetters(Painter& painter, const TomlTable& item, const Coverage& letters, const Rectangle& height) {
     const int outline = item.Int("outline", 0, 0, 8);
     const int shadow = item.Int("shadow", 0, 0, 20);
     const int opacity = ReadOpacity(item);
@@ -144,7 +144,7 @@ void PaintLetters(Painter& painter, const Settings& item, const Coverage& letter
     BlendShape(painter.image, letters, height, NeedColours(item, "colour"), opacity);
 }
 
-void PaintLine(Painter& painter, const Settings& item, const TextStyle& style, const std::string& line, float x,
+void PaintLine(Painter& painter, const TomlTable& item, const TextStyle& style, const std::string& line, float x,
                float y) {
     const float width = painter.lettering.Width(item, style, line);
     if (x < 0 || x + width > PICTURE_WIDTH || y > PICTURE_HEIGHT) {
@@ -157,7 +157,7 @@ void PaintLine(Painter& painter, const Settings& item, const TextStyle& style, c
     PaintLetters(painter, item, letters, {0, baseline - static_cast<int>(style.size * 0.75f), 0, baseline + 1});
 }
 
-void PaintText(Painter& painter, const Settings& item) {
+void PaintText(Painter& painter, const TomlTable& item) {
     const TextStyle style = ReadStyle(item, 20);
     const std::vector<float> at = item.Numbers("at", 2, {0, 0});
     const size_t align = item.Choice("align", "left", {"left", "centre", "right"});
@@ -171,7 +171,7 @@ void PaintText(Painter& painter, const Settings& item) {
 }
 
 // A key of a keyboard, as wide as its name; returns its right end.
-float PaintKeyCap(Painter& painter, const Settings& item, const std::string& name, float x, float y) {
+float PaintKeyCap(Painter& painter, const TomlTable& item, const std::string& name, float x, float y) {
     const TextStyle style{"DejaVuSans-Bold", 14, 0};
     const float width = painter.lettering.Width(item, style, name);
     const int left = static_cast<int>(x);
@@ -192,7 +192,7 @@ float PaintKeyCap(Painter& painter, const Settings& item, const std::string& nam
 }
 
 // Rows of keys with what they do. A row's keys may be several, separated by blanks.
-void PaintKeys(Painter& painter, const Settings& item) {
+void PaintKeys(Painter& painter, const TomlTable& item) {
     const std::vector<std::string> keys = item.Texts("keys");
     const std::vector<std::string> texts = item.Texts("text");
     if (keys.size() != texts.size()) {
@@ -216,7 +216,7 @@ void PaintKeys(Painter& painter, const Settings& item) {
 }
 
 // Darkens toward the borders.
-void PaintVignette(Painter& painter, const Settings& item) {
+void PaintVignette(Painter& painter, const TomlTable& item) {
     const int strength = ReadOpacity(item);
     for (int y = 0; y < PICTURE_HEIGHT; ++y) {
         for (int x = 0; x < PICTURE_WIDTH; ++x) {
@@ -229,7 +229,7 @@ void PaintVignette(Painter& painter, const Settings& item) {
 
 struct Kind {
     const char* name;
-    void (*paint)(Painter&, const Settings&);
+    void (*paint)(Painter&, const TomlTable&);
 };
 constexpr Kind KINDS[] = {
     {"gradient", PaintGradient}, {"texture", PaintTexture}, {"hall", PaintHallItem},     {"panel", PaintPanel},
@@ -240,7 +240,7 @@ struct Refusal {
     std::string problem, remedy;
 };
 
-const Image& Loaded(Painter& painter, const Settings& item, const std::filesystem::path& path,
+const Image& Loaded(Painter& painter, const TomlTable& item, const std::filesystem::path& path,
                     const Refusal& ifMissing) {
     const auto [entry, isNew] = painter.loaded.try_emplace(path);
     if (isNew) {
@@ -252,19 +252,19 @@ const Image& Loaded(Painter& painter, const Settings& item, const std::filesyste
 
 }  // namespace
 
-const Image& Painter::Texture(const Settings& item, const std::string& name) {
+const Image& Painter::Texture(const TomlTable& item, const std::string& name) {
     return Loaded(
         *this, item, materials / (name + ".png"),
         {fmt::format("there is no material '{}'", Shown(name)), "use the name of a recipe in content/materials"});
 }
 
-const Image& Painter::Picture(const Settings& item, const std::string& name) {
+const Image& Painter::Picture(const TomlTable& item, const std::string& name) {
     return Loaded(
         *this, item, pictures / (name + ".png"),
         {fmt::format("there is no picture '{}'", Shown(name)), "use the name of one that gallery --folder writes"});
 }
 
-void PaintItem(Painter& painter, const Settings& item) {
+void PaintItem(Painter& painter, const TomlTable& item) {
     std::vector<std::string> names;
     for (const Kind& kind : KINDS)
         names.emplace_back(kind.name);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "formats/image.h"
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 #include "picc/lettering.h"
 
 #include <map>
@@ -18,9 +18,9 @@ struct Painter {
     Lettering lettering;
     std::map<std::filesystem::path, Image> loaded;
 
-    const Image& Texture(const Settings& item, const std::string& name);
-    const Image& Picture(const Settings& item, const std::string& name);
+    const Image& Texture(const TomlTable& item, const std::string& name);
+    const Image& Picture(const TomlTable& item, const std::string& name);
 };
 
 // Paints the item of the key `kind`.
-void PaintItem(Painter& painter, const Settings& item);
+void PaintItem(Painter& painter, const TomlTable& item);

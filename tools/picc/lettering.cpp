@@ -95,7 +95,7 @@ Lettering::~Lettering() {
     FT_Done_FreeType(library_->handle);  // releases its faces, too
 }
 
-void* Lettering::Face(const Settings& where, const TextStyle& style) {
+void* Lettering::Face(const TomlTable& where, const TextStyle& style) {
     void*& entry = faces_[style.font];
     if (!entry) {
         const std::filesystem::path path = folder_ / (style.font + ".ttf");
@@ -111,7 +111,7 @@ void* Lettering::Face(const Settings& where, const TextStyle& style) {
     return entry;
 }
 
-float Lettering::Walk(const Settings& where, const TextStyle& style, const std::string& text, float x, float y,
+float Lettering::Walk(const TomlTable& where, const TextStyle& style, const std::string& text, float x, float y,
                       Coverage* onto) {
     const auto face = static_cast<FT_Face>(Face(where, style));
     float pen = x;
@@ -140,11 +140,11 @@ float Lettering::Walk(const Settings& where, const TextStyle& style, const std::
     return pen - x - (previous != 0 ? style.spacing : 0);
 }
 
-float Lettering::Width(const Settings& where, const TextStyle& style, const std::string& text) {
+float Lettering::Width(const TomlTable& where, const TextStyle& style, const std::string& text) {
     return Walk(where, style, text, 0, 0, nullptr);
 }
 
-void Lettering::Draw(const Settings& where, const TextStyle& style, const std::string& text, float x, float y,
+void Lettering::Draw(const TomlTable& where, const TextStyle& style, const std::string& text, float x, float y,
                      Coverage& onto) {
     Walk(where, style, text, x, y, &onto);
 }

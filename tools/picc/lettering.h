@@ -1,7 +1,7 @@
 // Text drawn with FreeType, without hinting, so that it comes out the same everywhere.
 #pragma once
 
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -41,14 +41,15 @@ public:
 
     // Pixels from the first letter's origin to the end. `where` is asked to refuse a font that does not exist and a
     // letter that the font lacks.
-    float Width(const Settings& where, const TextStyle& style, const std::string& text);
+    float Width(const TomlTable& where, const TextStyle& style, const std::string& text);
     // x: left end; y: the line the letters stand on.
-    void Draw(const Settings& where, const TextStyle& style, const std::string& text, float x, float y, Coverage& onto);
+    void Draw(const TomlTable& where, const TextStyle& style, const std::string& text, float x, float y,
+              Coverage& onto);
 
 private:
     struct Library;
-    void* Face(const Settings& where, const TextStyle& style);
-    float Walk(const Settings& where, const TextStyle& style, const std::string& text, float x, float y,
+    void* Face(const TomlTable& where, const TextStyle& style);
+    float Walk(const TomlTable& where, const TextStyle& style, const std::string& text, float x, float y,
                Coverage* onto);
 
     std::filesystem::path folder_;

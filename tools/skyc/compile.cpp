@@ -111,12 +111,12 @@ private:
 }  // namespace
 
 SkyShape ReadSky(const std::filesystem::path& description) {
-    const Settings settings = Settings::Load(description);
+    const TomlTable settings = TomlTable::Load(description);
     const float ofAll = settings.Number("radius", SKY_RADIUS, SKY_NEAREST, SKY_FARTHEST);
     SkyShape shape;
-    const std::vector<Settings> layers = settings.Tables("layer");
+    const std::vector<TomlTable> layers = settings.Tables("layer");
     if (layers.empty()) settings.RefuseTable("the sky has no layers", "add a [[layer]] with a kind");
-    for (const Settings& layer : layers) {
+    for (const TomlTable& layer : layers) {
         const size_t before = shape.size();
         const auto radius = [&] { return layer.Number("radius", ofAll, SKY_NEAREST, SKY_FARTHEST); };
         layer.NeedText("kind");

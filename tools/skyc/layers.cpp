@@ -1,7 +1,7 @@
 #include "skyc/layers.h"
 
 #include "formats/static_object_file.h"
-#include "maths/angles.h"
+#include "transforms/angles.h"
 
 #include <fmt/format.h>
 
@@ -63,20 +63,20 @@ void AddStrip(const Ring& lower, const Ring& upper, const Turning& turning, cons
     }
 }
 
-Turning ReadTurning(const Settings& layer) {
+Turning ReadTurning(const TomlTable& layer) {
     Turning turning;
     turning.segments = layer.Int("segments", turning.segments, 3, SEGMENTS_MAX);
     turning.bearing = static_cast<double>(layer.Number("bearing", 0, -360, 360));
     return turning;
 }
 
-std::vector<std::string> ReadMaterials(const Settings& layer) {
+std::vector<std::string> ReadMaterials(const TomlTable& layer) {
     std::vector<std::string> materials = layer.Texts("material");
     if (materials.empty()) layer.RefuseTable("'material' is missing", "name one or more of the level's materials");
     return materials;
 }
 
-Mapping ReadMapping(const Settings& band, const Turning& turning) {
+Mapping ReadMapping(const TomlTable& band, const Turning& turning) {
     Mapping mapping;
     mapping.materials = ReadMaterials(band);
     mapping.flat = static_cast<double>(band.Number("flat", 0, 0, SKY_FARTHEST));
@@ -93,7 +93,7 @@ Ring RingAt(double radius, double elevation) {
     return {radius * angle.cosine, radius * angle.sine};
 }
 
-void AddBand(const Settings& band, double radius, const Turning& turning, SkyShape& shape) {
+void AddBand(const TomlTable& band, double radius, const Turning& turning, SkyShape& shape) {
     const Mapping whole = ReadMapping(band, turning);
     const auto from = static_cast<double>(band.Number("from", 0, -90, 90));
     const auto to = static_cast<double>(band.Number("to", 90, -90, 90));
@@ -146,7 +146,7 @@ private:
 
 }  // namespace
 
-void CheckCount(size_t polygons, const Settings& layer) {
+void CheckCount(size_t polygons, const TomlTable& layer) {
     if (polygons <= STATIC_OBJECT_POLYGONS_MAX) return;
     layer.RefuseTable(fmt::format("the sky has {} polygons up to this layer", polygons),
                       fmt::format("{} are the most: give it fewer segments or stars", STATIC_OBJECT_POLYGONS_MAX));
@@ -156,9 +156,9 @@ Vector DirectionOf(double bearing, double elevation) {
     return CornerAt(RingAt(1, elevation), bearing).place;
 }
 
-void AddDome(const Settings& layer, float radius, SkyShape& shape) {
+void AddDome(const TomlTable& layer, float radius, SkyShape& shape) {
     const Turning turning = ReadTurning(layer);
-    const std::vector<Settings> bands = layer.Tables("band");
+    const std::vector<TomlTable> bands = layer.Tables("band");
     if (bands.empty()) layer.RefuseTable("the dome has no bands", "add [[layer.band]] with from, to and material");
     for (size_t i = 0; i < bands.size(); ++i) {
         const bool meets = i == 0 || bands[i].Number("from", 0, -90, 90) == bands[i - 1].Number("to", 90, -90, 90);
@@ -167,7 +167,7 @@ void AddDome(const Settings& layer, float radius, SkyShape& shape) {
     }
 }
 
-void AddSheet(const Settings& layer, SkyShape& shape) {
+void AddSheet(const TomlTable& layer, SkyShape& shape) {
     const Turning turning = ReadTurning(layer);
     Mapping mapping = ReadMapping(layer, turning);
     if (mapping.flat == 0) layer.RefuseTable("'flat' is missing", "say every how many units the picture repeats");
@@ -183,14 +183,14 @@ void AddSheet(const Settings& layer, SkyShape& shape) {
         AddStrip(at(ring), at(ring - 1), turning, mapping, shape);
 }
 
-void AddDisc(const Settings& layer, float radius, SkyShape& shape) {
+void AddDisc(const TomlTable& layer, float radius, SkyShape& shape) {
     const Vector direction = DirectionOf(static_cast<double>(layer.Number("bearing", 0, -360, 360)),
                                          static_cast<double>(layer.Number("elevation", 30, -90, 90)));
     const double side = SideOf(static_cast<double>(radius), static_cast<double>(layer.Number("size", 6, 0.1f, 90)));
     shape.push_back(FacingSquare(layer.NeedText("material"), direction, static_cast<double>(radius), side));
 }
 
-void AddStars(const Settings& layer, float radius, SkyShape& shape) {
+void AddStars(const TomlTable& layer, float radius, SkyShape& shape) {
     const std::vector<std::string> materials = ReadMaterials(layer);
     const std::vector<float> size = layer.Numbers("size", 2, {0.5f, 1});
     if (!(size[0] > 0 && size[0] <= size[1] && size[1] <= 30)) {

@@ -1,7 +1,7 @@
 #include "formats/error.h"
 #include "gltf/gltf_file.h"
-#include "maths/angles.h"
 #include "skyc/layers.h"
+#include "transforms/angles.h"
 
 #include <fmt/format.h>
 
@@ -17,7 +17,7 @@ constexpr double REPEATS_MAX = 1000;
 // Adds a model to the sky. The model's front, +z, points to where the player comes from.
 class ModelLayer {
 public:
-    ModelLayer(const Settings& layer, const std::filesystem::path& path, double scale, double bearing)
+    ModelLayer(const TomlTable& layer, const std::filesystem::path& path, double scale, double bearing)
         : layer_(layer), file_(path), scale_(scale), turn_(SineCosineOfDegrees(bearing)) {}
 
     void Read(SkyShape& shape) const {
@@ -63,7 +63,7 @@ private:
         }
     }
 
-    const Settings& layer_;
+    const TomlTable& layer_;
     GltfFile file_;
     double scale_;
     SineCosine turn_;
@@ -71,7 +71,7 @@ private:
 
 }  // namespace
 
-void AddModel(const Settings& layer, SkyShape& shape) {
+void AddModel(const TomlTable& layer, SkyShape& shape) {
     const std::filesystem::path path = std::filesystem::path(layer.File()).parent_path() / layer.NeedText("file");
     const auto scale = static_cast<double>(layer.Number("scale", UNITS_PER_METRE, 0.001f, 100000));
     ModelLayer(layer, path, scale, static_cast<double>(layer.Number("bearing", 0, -360, 360))).Read(shape);

@@ -4,7 +4,7 @@
 // from above, elevations degrees above the horizon. Corners run counter-clockwise as the eye sees them.
 #pragma once
 
-#include "maths/transform.h"
+#include "transforms/transform.h"
 
 #include <string>
 #include <vector>

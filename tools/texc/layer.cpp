@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t MASKS_MAX = 16;
 
-std::vector<Colour> ReadRamp(const Settings& settings) {
+std::vector<Colour> ReadRamp(const TomlTable& settings) {
     const auto channel = [](uint8_t byte) { return static_cast<float>(byte) / 255; };
     std::vector<Colour> ramp;
     for (const Rgba& c : ReadColours(settings, "colour"))
@@ -22,7 +22,7 @@ std::vector<Colour> ReadRamp(const Settings& settings) {
 
 }  // namespace
 
-PlacedPattern::PlacedPattern(const Settings& settings, uint32_t seed, PictureSource& pictures)
+PlacedPattern::PlacedPattern(const TomlTable& settings, uint32_t seed, PictureSource& pictures)
     : pattern_(MakePattern(settings, pictures)),
       seed_(Hash(seed, static_cast<uint32_t>(settings.Int("seed", 0, 0, 1'000'000)))),
       area_(settings.Numbers("area", 4, {})), origin_(settings.Numbers("origin", 2, {0, 0})),
@@ -104,13 +104,13 @@ Sample PlacedPattern::At(const Canvas& canvas, int column, int row, const Moment
     return sample;
 }
 
-Layer::Layer(const Settings& settings, uint32_t seed, PictureSource& pictures)
+Layer::Layer(const TomlTable& settings, uint32_t seed, PictureSource& pictures)
     : pattern_(settings, seed, pictures), ramp_(ReadRamp(settings)), steps_(settings.Flag("steps", false)),
       opacity_(settings.Number("opacity", 1, 0, 1)), vary_(settings.Number("vary", 0, 0, 1)),
       raise_(settings.Number("raise", 0, -64, 64)), seed_(seed) {
     mode_ = static_cast<Mode>(settings.Choice("mode", "paint", {"paint", "shade", "glow", "hole", "relief"}));
     uint32_t index = 100;
-    for (const Settings& mask : settings.Tables("mask")) {
+    for (const TomlTable& mask : settings.Tables("mask")) {
         masks_.push_back({PlacedPattern(mask, Hash(seed, index++), pictures), mask.Flag("invert", false)});
         mask.Finish();
     }

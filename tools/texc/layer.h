@@ -10,7 +10,7 @@
 // A pattern laid onto the canvas: moved, repeated, mirrored, made uneven.
 class PlacedPattern {
 public:
-    PlacedPattern(const Settings& settings, uint32_t seed, PictureSource& pictures);
+    PlacedPattern(const TomlTable& settings, uint32_t seed, PictureSource& pictures);
     void Prepare(const Canvas& canvas) { pattern_->Prepare(canvas); }
     Sample At(const Canvas& canvas, int column, int row, const Moment& moment) const;
 
@@ -33,7 +33,7 @@ private:
 
 class Layer {
 public:
-    Layer(const Settings& settings, uint32_t seed, PictureSource& pictures);
+    Layer(const TomlTable& settings, uint32_t seed, PictureSource& pictures);
     void Paint(Canvas& canvas, const Moment& moment);
 
 private:

@@ -134,7 +134,7 @@ void CopyTexels(const std::vector<uint8_t>& texels, const TextureSlot& slot, std
 }  // namespace
 
 LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
-    const Settings text = Settings::Load(path);
+    const TomlTable text = TomlTable::Load(path);
     LevelTextures level;
     level.file = path.string();
     level.dark = ReadColour(text, "dark");
@@ -153,7 +153,7 @@ LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
         text.RefuseKey("skin", fmt::format("lists {} pictures", level.skin.size()),
                        fmt::format("use at most {}", SLOT_COUNT - SLOT_FIRST_SKIN));
     }
-    for (const Settings& shining : text.Tables("light")) {
+    for (const TomlTable& shining : text.Tables("light")) {
         for (const std::string& name : seen) {
             if (shining.Has(name)) level.light[name] = shining.NeedInt(name, 1, 1000);
         }

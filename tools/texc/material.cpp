@@ -19,7 +19,7 @@ namespace {
 constexpr size_t DEPTH_MAX = 4;     // how deep recipes may show others
 constexpr size_t LAYERS_MAX = 256;  // layers of a recipe and its bases together
 
-int ReadSide(const Settings& text, size_t index) {
+int ReadSide(const TomlTable& text, size_t index) {
     const float side = text.Numbers("size", 2, {128, 128})[index];
     const int whole = static_cast<int>(side);
     if (static_cast<float>(whole) != side || !IsTextureSide(whole)) {
@@ -29,7 +29,7 @@ int ReadSide(const Settings& text, size_t index) {
 }
 
 template <class Recipe>
-void ReadHead(const Settings& text, Recipe& recipe) {
+void ReadHead(const TomlTable& text, Recipe& recipe) {
     if (text.Has("size")) {
         recipe.width = ReadSide(text, 0);
         recipe.height = ReadSide(text, 1);
@@ -44,7 +44,7 @@ void ReadHead(const Settings& text, Recipe& recipe) {
 
 }  // namespace
 
-std::filesystem::path Studio::PathOf(const Settings& from, const std::string& key) const {
+std::filesystem::path Studio::PathOf(const TomlTable& from, const std::string& key) const {
     const std::filesystem::path path =
         std::filesystem::path(from.File()).parent_path() / (from.NeedText(key) + ".toml");
     if (open_.size() > DEPTH_MAX || std::find(open_.begin(), open_.end(), path) != open_.end())
@@ -52,7 +52,7 @@ std::filesystem::path Studio::PathOf(const Settings& from, const std::string& ke
     return path;
 }
 
-const Image& Studio::Picture(const Settings& from, const std::string& key) {
+const Image& Studio::Picture(const TomlTable& from, const std::string& key) {
     const std::filesystem::path path = std::filesystem::path(from.File()).parent_path() / from.NeedText(key);
     const auto [entry, isNew] = pictures_.try_emplace(path);
     if (isNew) {
@@ -62,7 +62,7 @@ const Image& Studio::Picture(const Settings& from, const std::string& key) {
     return entry->second;
 }
 
-const Image& Studio::Material(const Settings& from, const std::string& key) {
+const Image& Studio::Material(const TomlTable& from, const std::string& key) {
     const std::filesystem::path path = PathOf(from, key);
     const auto known = materials_.find(path);
     if (known != materials_.end()) return known->second;
@@ -70,20 +70,20 @@ const Image& Studio::Material(const Settings& from, const std::string& key) {
     return materials_.emplace(path, Draw(recipe)).first->second;
 }
 
-Studio::Recipe Studio::ReadBase(const Settings& text) {
+Studio::Recipe Studio::ReadBase(const TomlTable& text) {
     if (text.Text("base", "").empty()) return {};
     return Read(PathOf(text, "base"));
 }
 
 Studio::Recipe Studio::Read(const std::filesystem::path& path) {
     open_.push_back(path);
-    const Settings text = Settings::Load(path);
+    const TomlTable text = TomlTable::Load(path);
     Recipe recipe = ReadBase(text);
     sources_.push_back(path);
     ReadHead(text, recipe);
     const auto seed = static_cast<uint32_t>(text.Int("seed", 1, 0, 1'000'000));
     uint32_t index = 0;
-    for (const Settings& layer : text.Tables("layer"))
+    for (const TomlTable& layer : text.Tables("layer"))
         recipe.layers.emplace_back(layer, Hash(seed, index++), *this);
     if (recipe.layers.empty()) text.RefuseTable("has no layers", "add a [[layer]]");
     if (recipe.layers.size() > LAYERS_MAX) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "formats/image.h"
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 #include "texc/picture_source.h"
 
 #include <filesystem>
@@ -25,16 +25,16 @@ PaintedMaterial PaintMaterial(const std::filesystem::path& recipe);
 // show it.
 class Studio : public PictureSource {
 public:
-    const Image& Picture(const Settings& from, const std::string& key) override;
-    const Image& Material(const Settings& from, const std::string& key) override;
+    const Image& Picture(const TomlTable& from, const std::string& key) override;
+    const Image& Material(const TomlTable& from, const std::string& key) override;
 
     PaintedMaterial Paint(const std::filesystem::path& recipe);
 
 private:
     struct Recipe;
     Recipe Read(const std::filesystem::path& path);
-    Recipe ReadBase(const Settings& text);
-    std::filesystem::path PathOf(const Settings& from, const std::string& key) const;
+    Recipe ReadBase(const TomlTable& text);
+    std::filesystem::path PathOf(const TomlTable& from, const std::string& key) const;
     Image Draw(Recipe& recipe) const;
 
     std::map<std::filesystem::path, Image> pictures_, materials_;

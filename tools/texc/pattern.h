@@ -2,7 +2,7 @@
 // settings; pattern_table.cpp has their names.
 #pragma once
 
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 #include "texc/canvas.h"
 
 #include <memory>

@@ -28,7 +28,7 @@ float Around(float a, float b, float period) {
     return way > period / 2 ? way - period : way;
 }
 
-int NeedCount(const Settings& settings, const char* key, size_t index, int fallback) {
+int NeedCount(const TomlTable& settings, const char* key, size_t index, int fallback) {
     const std::vector<float> numbers =
         settings.Numbers(key, 2, {static_cast<float>(fallback), static_cast<float>(fallback)});
     const float value = numbers[index];
@@ -38,7 +38,7 @@ int NeedCount(const Settings& settings, const char* key, size_t index, int fallb
     return static_cast<int>(value);
 }
 
-std::vector<float> NeedPairs(const Settings& settings, const char* key, size_t leastPairs) {
+std::vector<float> NeedPairs(const TomlTable& settings, const char* key, size_t leastPairs) {
     std::vector<float> numbers = settings.Numbers(key);
     if (numbers.size() % 2 != 0 || numbers.size() < leastPairs * 2) {
         settings.RefuseKey(key, fmt::format("has {} numbers", numbers.size()),
@@ -73,7 +73,7 @@ float InsideCorner(float x, float y, float radius) {
 
 }  // namespace
 
-Outline::Outline(const Settings& settings)
+Outline::Outline(const TomlTable& settings)
     : bevel(settings.Number("bevel", 0, 0, 128)), rounded(settings.Flag("rounded", false)) {}
 
 void Outline::Apply(float inside, Sample& sample) const {
@@ -85,7 +85,7 @@ void Outline::Apply(float inside, Sample& sample) const {
     }
 }
 
-NoisePattern::NoisePattern(const Settings& settings) {
+NoisePattern::NoisePattern(const TomlTable& settings) {
     shape_.columns = NeedCount(settings, "cells", 0, 4);
     shape_.rows = NeedCount(settings, "cells", 1, 4);
     shape_.octaves = settings.Int("octaves", 4, 1, 7);
@@ -101,7 +101,7 @@ Sample NoisePattern::At(const Spot& spot, const Moment& moment) const {
     return {1, n, n, n - 0.5f, 0, {}};
 }
 
-GradientPattern::GradientPattern(const Settings& settings)
+GradientPattern::GradientPattern(const TomlTable& settings)
     : from_(settings.Numbers("from", 2, {0, 0})), to_(settings.Numbers("to", 2, {0, 128})) {
     if (from_ == to_) settings.RefuseTable("'from' and 'to' are the same place", "move them apart");
 }
@@ -113,7 +113,7 @@ Sample GradientPattern::At(const Spot& spot, const Moment&) const {
     return {1, t, t, t, 0, {}};
 }
 
-BricksPattern::BricksPattern(const Settings& settings)
+BricksPattern::BricksPattern(const TomlTable& settings)
     : columns_(settings.Int("columns", 4, 1, 64)), rows_(settings.Int("rows", 4, 1, 64)),
       shift_(settings.Number("shift", 0.5f, 0, 1)), scattered_(settings.Flag("scattered", false)),
       jitter_(settings.Number("jitter", 0, 0, 0.9f)), rowJitter_(settings.Number("row_jitter", 0, 0, 0.9f)),
@@ -141,7 +141,7 @@ Sample BricksPattern::At(const Spot& spot, const Moment&) const {
     return sample;
 }
 
-StonesPattern::StonesPattern(const Settings& settings)
+StonesPattern::StonesPattern(const TomlTable& settings)
     : columns_(NeedCount(settings, "cells", 0, 4)), rows_(NeedCount(settings, "cells", 1, 4)),
       jitter_(settings.Number("jitter", 0.8f, 0, 1)), gap_(settings.Number("gap", 2, 0, 32)), outline_(settings) {}
 
@@ -187,7 +187,7 @@ Sample StonesPattern::At(const Spot& spot, const Moment&) const {
     return sample;
 }
 
-ScatterPattern::ScatterPattern(const Settings& settings)
+ScatterPattern::ScatterPattern(const TomlTable& settings)
     : columns_(NeedCount(settings, "cells", 0, 8)), rows_(NeedCount(settings, "cells", 1, 8)),
       radius_(settings.Numbers("radius", 2, {2, 4})), stretch_(settings.Number("stretch", 1, 0.05f, 1)),
       density_(settings.Number("density", 1, 0, 1)), outline_(settings) {
@@ -232,7 +232,7 @@ Sample ScatterPattern::At(const Spot& spot, const Moment&) const {
     return best;
 }
 
-BoxPattern::BoxPattern(const Settings& settings)
+BoxPattern::BoxPattern(const TomlTable& settings)
     : rect_(settings.Numbers("rect", 4, {})), radius_(settings.Number("radius", 0, 0, 64)),
       rim_(settings.Number("rim", 0, 0, 64)), outline_(settings) {}
 
@@ -249,7 +249,7 @@ Sample BoxPattern::At(const Spot& spot, const Moment&) const {
     return sample;
 }
 
-BandPattern::BandPattern(const Settings& settings)
+BandPattern::BandPattern(const TomlTable& settings)
     : from_(settings.Number("from", 0, -256, 256)), to_(settings.Number("to", 16, -256, 256)),
       upright_(settings.Flag("upright", false)), outline_(settings) {
     if (to_ <= from_) settings.RefuseKey("to", "does not lie beyond 'from'", "make it larger");
@@ -263,7 +263,7 @@ Sample BandPattern::At(const Spot& spot, const Moment&) const {
     return sample;
 }
 
-DiscsPattern::DiscsPattern(const Settings& settings)
+DiscsPattern::DiscsPattern(const TomlTable& settings)
     : at_(NeedPairs(settings, "at", 0)), radius_(settings.Number("radius", 4, 0.5f, 256)),
       hole_(settings.Number("hole", 0, 0, 256)), outline_(settings) {}
 
@@ -280,7 +280,7 @@ Sample DiscsPattern::At(const Spot& spot, const Moment&) const {
     return sample;
 }
 
-PolygonPattern::PolygonPattern(const Settings& settings)
+PolygonPattern::PolygonPattern(const TomlTable& settings)
     : points_(NeedPairs(settings, "points", 3)), outline_(settings) {}
 
 Sample PolygonPattern::At(const Spot& spot, const Moment&) const {
@@ -302,7 +302,7 @@ Sample PolygonPattern::At(const Spot& spot, const Moment&) const {
     return sample;
 }
 
-StripesPattern::StripesPattern(const Settings& settings)
+StripesPattern::StripesPattern(const TomlTable& settings)
     : count_(settings.Numbers("count", 2, {0, 8})), share_(settings.Number("share", 0.5f, 0, 1)), outline_(settings) {
     if (count_[0] == 0 && count_[1] == 0) settings.RefuseKey("count", "has no stripes", "make one of the two above 0");
 }
@@ -317,7 +317,7 @@ Sample StripesPattern::At(const Spot& spot, const Moment&) const {
     return sample;
 }
 
-EdgesPattern::EdgesPattern(const Settings& settings)
+EdgesPattern::EdgesPattern(const TomlTable& settings)
     : radius_(settings.Number("radius", 3, 0.5f, 16)), gain_(settings.Number("gain", 1, 0, 100)) {}
 
 void EdgesPattern::Prepare(const Canvas& canvas) {
@@ -356,14 +356,14 @@ Sample Between(const Sample& a, const Sample& b, float part) {
 
 }  // namespace
 
-PicturePattern::PicturePattern(const Settings& settings, PictureSource& pictures)
+PicturePattern::PicturePattern(const TomlTable& settings, PictureSource& pictures)
     : image_(pictures.Picture(settings, "file")) {}
 
 Sample PicturePattern::At(const Spot& spot, const Moment&) const {
     return SampleOf(image_.At(WrapInt(FloorInt(spot.x), image_.width), WrapInt(FloorInt(spot.y), image_.height)));
 }
 
-MaterialPattern::MaterialPattern(const Settings& settings, PictureSource& pictures)
+MaterialPattern::MaterialPattern(const TomlTable& settings, PictureSource& pictures)
     : image_(pictures.Material(settings, "material")), zoom_(settings.Number("zoom", 1, 0.25f, 4)) {}
 
 Sample MaterialPattern::At(const Spot& spot, const Moment&) const {

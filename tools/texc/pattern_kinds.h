@@ -7,7 +7,7 @@
 
 // How a solid thing ends at its outline.
 struct Outline {
-    explicit Outline(const Settings& settings);
+    explicit Outline(const TomlTable& settings);
     // `inside`: distance from the outline, positive within.
     void Apply(float inside, Sample& sample) const;
     float bevel;   // width of the slope along the outline; 0: a sharp step
@@ -16,13 +16,13 @@ struct Outline {
 
 class FillPattern : public Pattern {
 public:
-    explicit FillPattern(const Settings&) {}
+    explicit FillPattern(const TomlTable&) {}
     Sample At(const Spot&, const Moment&) const override { return {1, 0, 1, 1, 0, {}}; }
 };
 
 class NoisePattern : public Pattern {
 public:
-    explicit NoisePattern(const Settings& settings);
+    explicit NoisePattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment& moment) const override;
 
 private:
@@ -31,7 +31,7 @@ private:
 
 class GradientPattern : public Pattern {
 public:
-    explicit GradientPattern(const Settings& settings);
+    explicit GradientPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -41,7 +41,7 @@ private:
 // Rows of bricks, tiles, boards or books.
 class BricksPattern : public Pattern {
 public:
-    explicit BricksPattern(const Settings& settings);
+    explicit BricksPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -58,7 +58,7 @@ private:
 // Irregular stones around scattered centres.
 class StonesPattern : public Pattern {
 public:
-    explicit StonesPattern(const Settings& settings);
+    explicit StonesPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -75,7 +75,7 @@ private:
 // Separate leaves, pebbles, chips, each turned and sized at random; later ones lie on top.
 class ScatterPattern : public Pattern {
 public:
-    explicit ScatterPattern(const Settings& settings);
+    explicit ScatterPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -90,7 +90,7 @@ private:
 // A rectangle with rounded corners, or only its rim.
 class BoxPattern : public Pattern {
 public:
-    explicit BoxPattern(const Settings& settings);
+    explicit BoxPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -102,7 +102,7 @@ private:
 // A strip across the whole area.
 class BandPattern : public Pattern {
 public:
-    explicit BandPattern(const Settings& settings);
+    explicit BandPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -113,7 +113,7 @@ private:
 
 class DiscsPattern : public Pattern {
 public:
-    explicit DiscsPattern(const Settings& settings);
+    explicit DiscsPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -124,7 +124,7 @@ private:
 
 class PolygonPattern : public Pattern {
 public:
-    explicit PolygonPattern(const Settings& settings);
+    explicit PolygonPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -134,7 +134,7 @@ private:
 
 class StripesPattern : public Pattern {
 public:
-    explicit StripesPattern(const Settings& settings);
+    explicit StripesPattern(const TomlTable& settings);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -146,7 +146,7 @@ private:
 // Places that stand out above their surroundings: where paint wears off first.
 class EdgesPattern : public Pattern {
 public:
-    explicit EdgesPattern(const Settings& settings);
+    explicit EdgesPattern(const TomlTable& settings);
     void Prepare(const Canvas& canvas) override;
     Sample At(const Spot& spot, const Moment&) const override;
 
@@ -161,13 +161,13 @@ private:
 // Places below their surroundings: where dirt gathers.
 class CrevicesPattern : public EdgesPattern {
 public:
-    explicit CrevicesPattern(const Settings& settings) : EdgesPattern(settings) { sign_ = -1; }
+    explicit CrevicesPattern(const TomlTable& settings) : EdgesPattern(settings) { sign_ = -1; }
 };
 
 // A painted PNG beside the recipe; its transparent parts let the layers below through.
 class PicturePattern : public Pattern {
 public:
-    PicturePattern(const Settings& settings, PictureSource& pictures);
+    PicturePattern(const TomlTable& settings, PictureSource& pictures);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:
@@ -177,7 +177,7 @@ private:
 // Another recipe's finished picture, smoothed where it is drawn larger or smaller.
 class MaterialPattern : public Pattern {
 public:
-    MaterialPattern(const Settings& settings, PictureSource& pictures);
+    MaterialPattern(const TomlTable& settings, PictureSource& pictures);
     Sample At(const Spot& spot, const Moment&) const override;
 
 private:

@@ -5,8 +5,8 @@
 namespace {
 
 template <typename Kind>
-std::unique_ptr<Pattern> Make(const Settings& settings, PictureSource& pictures) {
-    if constexpr (std::is_constructible_v<Kind, const Settings&, PictureSource&>) {
+std::unique_ptr<Pattern> Make(const TomlTable& settings, PictureSource& pictures) {
+    if constexpr (std::is_constructible_v<Kind, const TomlTable&, PictureSource&>) {
         return std::make_unique<Kind>(settings, pictures);
     } else {
         return std::make_unique<Kind>(settings);
@@ -15,7 +15,7 @@ std::unique_ptr<Pattern> Make(const Settings& settings, PictureSource& pictures)
 
 struct Entry {
     const char* name;
-    std::unique_ptr<Pattern> (*make)(const Settings&, PictureSource&);
+    std::unique_ptr<Pattern> (*make)(const TomlTable&, PictureSource&);
 };
 
 constexpr Entry PATTERNS[] = {
@@ -28,7 +28,7 @@ constexpr Entry PATTERNS[] = {
 
 }  // namespace
 
-std::unique_ptr<Pattern> MakePattern(const Settings& settings, PictureSource& pictures) {
+std::unique_ptr<Pattern> MakePattern(const TomlTable& settings, PictureSource& pictures) {
     std::vector<std::string> names;
     for (const Entry& entry : PATTERNS)
         names.emplace_back(entry.name);

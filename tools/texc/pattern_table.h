@@ -5,4 +5,4 @@
 #include "texc/picture_source.h"
 
 // Reads the key `pattern` and that pattern's own settings.
-std::unique_ptr<Pattern> MakePattern(const Settings& settings, PictureSource& pictures);
+std::unique_ptr<Pattern> MakePattern(const TomlTable& settings, PictureSource& pictures);

@@ -1,4 +1,4 @@
-#include "platform/image.h"
+#include "platform/bitmap.h"
 
 #include "platform/display.h"
 

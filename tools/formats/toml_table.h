@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
-class Settings {
+class TomlTable {
 public:
-    static Settings Load(const std::filesystem::path& path);
-    static Settings Parse(std::string_view text, const std::string& fileName);
+    static TomlTable Load(const std::filesystem::path& path);
+    static TomlTable Parse(std::string_view text, const std::string& fileName);
 
     const std::string& File() const { return file_; }
     bool Has(const std::string& key) const;
@@ -31,7 +31,7 @@ public:
     std::vector<std::string> Texts(const std::string& key) const;
     std::vector<float> Numbers(const std::string& key) const;  // [1, 2] and [[1, 2], [3, 4]] alike, flattened
     std::vector<float> Numbers(const std::string& key, size_t count, const std::vector<float>& fallback) const;
-    std::vector<Settings> Tables(const std::string& key) const;  // a table or an array of tables
+    std::vector<TomlTable> Tables(const std::string& key) const;  // a table or an array of tables
 
     void Finish() const;
     [[noreturn]] void RefuseKey(const std::string& key, const std::string& problem, const std::string& remedy) const;
@@ -40,7 +40,7 @@ public:
 
 private:
     struct Document;
-    Settings() = default;
+    TomlTable() = default;
     const void* Find(const std::string& key) const;  // the TOML node, or null; marks the key as read
     void Need(const std::string& key) const;
     void CheckList(const std::string& key, size_t entries) const;

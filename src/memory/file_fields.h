@@ -5,7 +5,7 @@
 #include <cstring>
 
 template <typename T>
-T ImageField(const uint8_t* image, uint32_t offset) {
+T FileField(const uint8_t* image, uint32_t offset) {
     T value;
     std::memcpy(&value, image + offset, sizeof value);
     return value;

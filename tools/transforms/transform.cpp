@@ -1,4 +1,4 @@
-#include "maths/transform.h"
+#include "transforms/transform.h"
 
 double Dot(const Quaternion& a, const Quaternion& b) {
     return a.w * b.w + a.x * b.x + a.y * b.y + a.z * b.z;

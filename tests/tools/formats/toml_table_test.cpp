@@ -1,40 +1,40 @@
 #include "formats/colour_text.h"
 #include "formats/nesting.h"
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 #include "support/content_error.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 
-TEST(Settings, RefusalsNameFileLineAndKey) {
+TEST(TomlTable, RefusalsNameFileLineAndKey) {
     const struct {
         const char* text;
         const char* expected;
-        std::function<void(const Settings&)> read;
+        std::function<void(const TomlTable&)> read;
     } rows[] = {
-        {"a = 1\nb = = 2\n", "a.toml:2", [](const Settings&) {}},
-        {"\nn = 12\n", "a.toml:2: 'n'", [](const Settings& s) { s.Int("n", 0, 0, 9); }},
-        {"n = 1.5\n", "'n'", [](const Settings& s) { s.Int("n", 0, 0, 9); }},
-        {"x = nan\n", "'x'", [](const Settings& s) { s.Number("x", 0, 0, 9); }},
-        {"x = [1, 'y']\n", "'x'", [](const Settings& s) { s.Numbers("x"); }},
-        {"x = [1, 2, 3]\n", "give 2", [](const Settings& s) { s.Numbers("x", 2, {}); }},
-        {"t = 1\n", "'t'", [](const Settings& s) { s.NeedText("t"); }},
-        {"u = 1\n", "'t' is missing", [](const Settings& s) { s.NeedText("t"); }},
-        {"c = '#12345g'\n", "'c'", [](const Settings& s) { ReadColour(s, "c"); }},
+        {"a = 1\nb = = 2\n", "a.toml:2", [](const TomlTable&) {}},
+        {"\nn = 12\n", "a.toml:2: 'n'", [](const TomlTable& s) { s.Int("n", 0, 0, 9); }},
+        {"n = 1.5\n", "'n'", [](const TomlTable& s) { s.Int("n", 0, 0, 9); }},
+        {"x = nan\n", "'x'", [](const TomlTable& s) { s.Number("x", 0, 0, 9); }},
+        {"x = [1, 'y']\n", "'x'", [](const TomlTable& s) { s.Numbers("x"); }},
+        {"x = [1, 2, 3]\n", "give 2", [](const TomlTable& s) { s.Numbers("x", 2, {}); }},
+        {"t = 1\n", "'t'", [](const TomlTable& s) { s.NeedText("t"); }},
+        {"u = 1\n", "'t' is missing", [](const TomlTable& s) { s.NeedText("t"); }},
+        {"c = '#12345g'\n", "'c'", [](const TomlTable& s) { ReadColour(s, "c"); }},
         {"k = 'gree'\n", "green",
-         [](const Settings& s) {
+         [](const TomlTable& s) {
              s.Choice("k", "", {"red", "green"});
          }},
-        {"s = 3\n", "[[s]]", [](const Settings& s) { s.Tables("s"); }},
+        {"s = 3\n", "[[s]]", [](const TomlTable& s) { s.Tables("s"); }},
         {"good = 1\nmispelt = 2\n", "a.toml:2: 'mispelt'",
-         [](const Settings& s) { s.Int("good", 0, 0, 9), s.Finish(); }},
+         [](const TomlTable& s) { s.Int("good", 0, 0, 9), s.Finish(); }},
     };
     for (const auto& row : rows)
-        ExpectRefusal(row.expected, [&] { row.read(Settings::Parse(row.text, "a.toml")); });
+        ExpectRefusal(row.expected, [&] { row.read(TomlTable::Parse(row.text, "a.toml")); });
 }
 
-TEST(Settings, NestingIsBoundedBeforeItIsParsed) {
+TEST(TomlTable, NestingIsBoundedBeforeItIsParsed) {
     const auto times = [](int count, const std::string& text) {
         std::string all;
         for (int i = 0; i < count; ++i)
@@ -58,19 +58,20 @@ TEST(Settings, NestingIsBoundedBeforeItIsParsed) {
         ExpectRefusal(row.second, [&] { CheckNesting(row.first, NestedText::Toml, "a.toml"); });
     ExpectRefusal(fine, [&] { CheckNesting("{\"" + deep + R"(\")" + deep + "\": 1}", NestedText::Json, "a.glb"); });
     ExpectRefusal(tooDeep, [&] { CheckNesting("{\"a'#\": " + deep, NestedText::Json, "a.glb"); });
-    ExpectRefusal(tooDeep, [&] { Settings::Parse(times(100000, "a.") + "b = 1", "a.toml"); });
+    ExpectRefusal(tooDeep, [&] { TomlTable::Parse(times(100000, "a.") + "b = 1", "a.toml"); });
 }
 
-TEST(Settings, MessagesQuoteALittleOfWhatTheyRefuse) {
+TEST(TomlTable, MessagesQuoteALittleOfWhatTheyRefuse) {
     const std::string start(79, 'x');
     const std::string text = "k = '" + start + "\u00E4" + std::string(100000, 'y') + "'\n";
-    ExpectRefusal("'" + start + "...' is not known", [&] { Settings::Parse(text, "a.toml").Choice("k", "", {"red"}); });
+    ExpectRefusal("'" + start + "...' is not known",
+                  [&] { TomlTable::Parse(text, "a.toml").Choice("k", "", {"red"}); });
     ExpectRefusal("'?[2J' is not known",
-                  [] { Settings::Parse("k = \"\\u001B[2J\"\n", "a.toml").Choice("k", "", {"red"}); });
+                  [] { TomlTable::Parse("k = \"\\u001B[2J\"\n", "a.toml").Choice("k", "", {"red"}); });
     ExpectRefusal("has 4097 entries or more: 4096 are the most", [] {
         std::string list = "n = [0";
         for (int i = 0; i < 4096; ++i)
             list += ",0";
-        Settings::Parse(list + "]", "a.toml").Numbers("n");
+        TomlTable::Parse(list + "]", "a.toml").Numbers("n");
     });
 }

@@ -1,4 +1,4 @@
-#include "maths/angles.h"
+#include "transforms/angles.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,4 +1,4 @@
-#include "mapc/settings.h"
+#include "mapc/level_settings.h"
 
 #include "formats/error.h"
 

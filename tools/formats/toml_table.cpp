@@ -1,4 +1,4 @@
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 
 #include "formats/error.h"
 #include "formats/files.h"
@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <sstream>
 
-struct Settings::Document {
+struct TomlTable::Document {
     toml::table root;
 };
 
@@ -40,17 +40,17 @@ std::string ShownValue(const toml::node& node) {
 
 }  // namespace
 
-Settings Settings::Load(const std::filesystem::path& path) {
+TomlTable TomlTable::Load(const std::filesystem::path& path) {
     const std::vector<uint8_t> content = ReadWholeFile(path, TEXT_BYTES_MAX);
     return Parse({reinterpret_cast<const char*>(content.data()), content.size()}, path.string());
 }
 
-Settings Settings::Parse(std::string_view text, const std::string& fileName) {
+TomlTable TomlTable::Parse(std::string_view text, const std::string& fileName) {
     CheckNesting(text, NestedText::Toml, fileName);
     try {
         auto document = std::make_shared<Document>();
         document->root = toml::parse(text, fileName);
-        Settings settings;
+        TomlTable settings;
         settings.table_ = &document->root;
         settings.document_ = std::move(document);
         settings.file_ = fileName;
@@ -61,20 +61,20 @@ Settings Settings::Parse(std::string_view text, const std::string& fileName) {
     }
 }
 
-const void* Settings::Find(const std::string& key) const {
+const void* TomlTable::Find(const std::string& key) const {
     read_.insert(key);
     return Table(table_).get(key);
 }
 
-bool Settings::Has(const std::string& key) const {
+bool TomlTable::Has(const std::string& key) const {
     return Table(table_).contains(key);
 }
 
-void Settings::Need(const std::string& key) const {
+void TomlTable::Need(const std::string& key) const {
     if (!Has(key)) RefuseTable(fmt::format("'{}' is missing", key), "add it");
 }
 
-int Settings::Int(const std::string& key, int fallback, int least, int most) const {
+int TomlTable::Int(const std::string& key, int fallback, int least, int most) const {
     const void* found = Find(key);
     if (!found) return fallback;
     const auto value = Node(found).value_exact<int64_t>();
@@ -84,12 +84,12 @@ int Settings::Int(const std::string& key, int fallback, int least, int most) con
     return static_cast<int>(*value);
 }
 
-int Settings::NeedInt(const std::string& key, int least, int most) const {
+int TomlTable::NeedInt(const std::string& key, int least, int most) const {
     Need(key);
     return Int(key, least, least, most);
 }
 
-float Settings::Number(const std::string& key, float fallback, float least, float most) const {
+float TomlTable::Number(const std::string& key, float fallback, float least, float most) const {
     const void* found = Find(key);
     if (!found) return fallback;
     const auto value = Node(found).value<double>();
@@ -99,7 +99,7 @@ float Settings::Number(const std::string& key, float fallback, float least, floa
     return static_cast<float>(*value);
 }
 
-bool Settings::Flag(const std::string& key, bool fallback) const {
+bool TomlTable::Flag(const std::string& key, bool fallback) const {
     const void* found = Find(key);
     if (!found) return fallback;
     const auto value = Node(found).value_exact<bool>();
@@ -107,7 +107,7 @@ bool Settings::Flag(const std::string& key, bool fallback) const {
     return *value;
 }
 
-std::string Settings::Text(const std::string& key, const std::string& fallback) const {
+std::string TomlTable::Text(const std::string& key, const std::string& fallback) const {
     const void* found = Find(key);
     if (!found) return fallback;
     const auto value = Node(found).value_exact<std::string>();
@@ -115,13 +115,13 @@ std::string Settings::Text(const std::string& key, const std::string& fallback) 
     return *value;
 }
 
-std::string Settings::NeedText(const std::string& key) const {
+std::string TomlTable::NeedText(const std::string& key) const {
     Need(key);
     return Text(key, "");
 }
 
-size_t Settings::Choice(const std::string& key, const std::string& fallback,
-                        const std::vector<std::string>& choices) const {
+size_t TomlTable::Choice(const std::string& key, const std::string& fallback,
+                         const std::vector<std::string>& choices) const {
     const std::string text = Text(key, fallback);
     const auto found = std::find(choices.begin(), choices.end(), text);
     if (found == choices.end()) {
@@ -131,12 +131,12 @@ size_t Settings::Choice(const std::string& key, const std::string& fallback,
     return static_cast<size_t>(found - choices.begin());
 }
 
-void Settings::CheckList(const std::string& key, size_t entries) const {
+void TomlTable::CheckList(const std::string& key, size_t entries) const {
     if (entries > LIST_MAX)
         RefuseKey(key, fmt::format("has {} entries or more", entries), fmt::format("{} are the most", LIST_MAX));
 }
 
-std::vector<std::string> Settings::Texts(const std::string& key) const {
+std::vector<std::string> TomlTable::Texts(const std::string& key) const {
     const void* found = Find(key);
     std::vector<std::string> texts;
     if (!found) return texts;
@@ -152,7 +152,7 @@ std::vector<std::string> Settings::Texts(const std::string& key) const {
     return texts;
 }
 
-std::vector<float> Settings::Numbers(const std::string& key) const {
+std::vector<float> TomlTable::Numbers(const std::string& key) const {
     const void* found = Find(key);
     std::vector<float> numbers;
     const auto add = [&](const toml::node& item) {
@@ -180,7 +180,7 @@ std::vector<float> Settings::Numbers(const std::string& key) const {
     return numbers;
 }
 
-std::vector<float> Settings::Numbers(const std::string& key, size_t count, const std::vector<float>& fallback) const {
+std::vector<float> TomlTable::Numbers(const std::string& key, size_t count, const std::vector<float>& fallback) const {
     if (!Has(key)) return fallback;
     std::vector<float> numbers = Numbers(key);
     if (numbers.size() != count) {
@@ -189,12 +189,12 @@ std::vector<float> Settings::Numbers(const std::string& key, size_t count, const
     return numbers;
 }
 
-std::vector<Settings> Settings::Tables(const std::string& key) const {
-    std::vector<Settings> tables;
+std::vector<TomlTable> TomlTable::Tables(const std::string& key) const {
+    std::vector<TomlTable> tables;
     const auto add = [&](const toml::node& item) {
         if (!item.is_table())
             RefuseKey(key, fmt::format("is {}, not a table", ShownValue(item)), fmt::format("write it as [[{}]]", key));
-        Settings settings;
+        TomlTable settings;
         settings.document_ = document_;
         settings.table_ = item.as_table();
         settings.file_ = file_;
@@ -211,7 +211,7 @@ std::vector<Settings> Settings::Tables(const std::string& key) const {
     return tables;
 }
 
-void Settings::Finish() const {
+void TomlTable::Finish() const {
     for (const auto& [key, node] : Table(table_)) {
         if (!read_.contains(std::string(key.str()))) {
             Refuse(file_, LineOf(node), fmt::format("'{}' is not known here", Shown(key.str())),
@@ -220,15 +220,15 @@ void Settings::Finish() const {
     }
 }
 
-void Settings::RefuseKey(const std::string& key, const std::string& problem, const std::string& remedy) const {
+void TomlTable::RefuseKey(const std::string& key, const std::string& problem, const std::string& remedy) const {
     const toml::node* node = Table(table_).get(key);
     Refuse(file_, LineOf(node ? *node : Table(table_)), fmt::format("'{}' {}", key, problem), remedy);
 }
 
-int Settings::Line() const {
+int TomlTable::Line() const {
     return LineOf(Table(table_));
 }
 
-void Settings::RefuseTable(const std::string& problem, const std::string& remedy) const {
+void TomlTable::RefuseTable(const std::string& problem, const std::string& remedy) const {
     Refuse(file_, Line(), problem, remedy);
 }
