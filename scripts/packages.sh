@@ -51,6 +51,7 @@ program xz           xz-utils
 WEB="
 program em++         emscripten
 program node         nodejs
+program oggenc       vorbis-tools
 "
 BROWSER="
 program chromium     chromium

@@ -152,6 +152,18 @@ await test('a level that cannot be fetched is told, and comes later', async () =
     await pictureCome(10);
 });
 
+// Otherwise it would not go round without a gap.
+await test('packed music is as long as the track, to the sample', async () => {
+    const differences = await browser.value(`(async () => {
+        const rate = 44100, context = new OfflineAudioContext(2, 1, rate);
+        return Promise.all(Object.values(tarnwick.files().tracks).map(async ({ urls, seconds }) => {
+            const music = await context.decodeAudioData(await (await fetch(urls[0])).arrayBuffer());
+            return music.length - seconds * rate;
+        }));
+    })()`);
+    expect(differences.length === 2 && differences.every((samples) => Math.abs(samples) < 0.5), differences.join(' '));
+});
+
 // What the program says of a replay in node.
 function replayInNode(name) {
     const options = ['--headless', '--data', '/levels/data', '--log', '/dev/null', '--replay', `/replay/${name}`];

@@ -2,6 +2,7 @@
 //     node pack_page.mjs PROGRAM_FOLDER DATA_FOLDER LEVELS_HEADER PAGE_FOLDER
 // Files are named by their contents, so that a new version never mixes with an old one, and packed by gzip. The same
 // input gives the same bytes. Prints a table of sizes.
+import { execFileSync } from 'node:child_process';
 import { createHash } from 'node:crypto';
 import { mkdirSync, readFileSync, readdirSync, rmSync, statSync, writeFileSync } from 'node:fs';
 import { basename, dirname, extname, join, relative } from 'node:path';
@@ -42,7 +43,7 @@ function listFiles() {
     for (const file of filesBelow(dataFolder)) {
         const path = relative(dataFolder, file);
         if (path.startsWith('disc/')) {
-            list.tracks[path] = { url: put(path, readFileSync(file), 'music'), milliseconds: trackLength(file) };
+            list.tracks[path] = { urls: putTrack(path, file), ...trackLength(file) };
         } else if (path.startsWith('game/') || path.startsWith('FrontEnd/')) {
             const bytes = readFileSync(file);
             list.files[path] = { url: put(path, bytes, groupOf(path), { packed: true }), bytes: bytes.length };
@@ -62,13 +63,21 @@ function titleOf(number, world) {
     return map.match(/"message" "([^"]*)"/)?.[1] ?? world;
 }
 
-// Of a FLAC file, rounded up, from its first block: 20 bits of rate, 36 of the number of samples.
+// A tenth of the file's size, for browsers that can play it, and the file itself for those that cannot.
+function putTrack(path, file) {
+    const name = path.replace(/flac$/, 'ogg');
+    const ogg = execFileSync('oggenc', ['--quiet', '--serial', '1', '--quality', '4', '--output', '-', file],
+        { maxBuffer: 2 ** 26 });
+    return [put(name, ogg, 'music'), put(path, readFileSync(file), 'music, for browsers that cannot play Ogg Vorbis')];
+}
+
+// Of a FLAC file, from its first block: 20 bits of rate, 36 of the number of samples. Milliseconds are rounded up.
 function trackLength(file) {
     const head = readFileSync(file).subarray(0, 42);
     if (head.toString('latin1', 0, 4) !== 'fLaC') throw new Error(`${file} is not FLAC`);
     const rate = head.readUIntBE(18, 3) >> 4;
     const samples = (head[21] & 15) * 2 ** 32 + head.readUInt32BE(22);
-    return Math.ceil(samples * 1000 / rate);
+    return { seconds: samples / rate, milliseconds: Math.ceil(samples * 1000 / rate) };
 }
 
 // %name% stands for the address of another file; `from` is the folder of the file that names it.

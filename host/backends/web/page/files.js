@@ -29,8 +29,8 @@ export async function fetchBytes(url, tell = () => {}) {
 }
 
 export class DataFiles {
-    // `list`: { levels: [{ number, name }], files: { path: { url, bytes } }, tracks: { path: { url, milliseconds } } },
-    // as pack_page.mjs writes it.
+    // `list`, as pack_page.mjs writes it: { levels: [{ number, name }], files: { path: { url, bytes } },
+    // tracks: { path: { urls: [the smallest first], seconds, milliseconds } } }.
     constructor(list) {
         this.levels = list.levels;
         this.files = list.files;

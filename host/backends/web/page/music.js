@@ -42,11 +42,23 @@ export class Music {
         if (wanted && this.context) this.begin(wanted);
     }
 
+    async decodeFirst(urls) {
+        let problem;
+        for (const url of urls) {
+            const response = await fetch(url);
+            if (!response.ok) throw new Error(`${url}: ${response.status}`);
+            try {
+                return await this.context.decodeAudioData(await response.arrayBuffer());
+            } catch (refusal) {  // not a format that this browser plays
+                problem = refusal;
+            }
+        }
+        throw problem;
+    }
+
     decode(path) {
         if (!this.decoded.has(path)) {
-            const buffer = fetch(this.files().tracks[path].url)
-                .then((response) => response.ok ? response.arrayBuffer() : Promise.reject(new Error(response.status)))
-                .then((bytes) => this.context.decodeAudioData(bytes));
+            const buffer = this.decodeFirst(this.files().tracks[path].urls);
             buffer.catch(() => this.decoded.delete(path));
             this.decoded.set(path, buffer);
         }
@@ -57,7 +69,7 @@ export class Music {
         const buffer = await this.decode(wanted.path).catch((problem) => console.warn('no music:', problem));
         if (!buffer || this.wanted !== wanted) return;
         const source = new AudioBufferSourceNode(this.context, {
-            buffer, loop: true, loopStart: wanted.from, loopEnd: Math.min(wanted.to, buffer.duration),
+            buffer, loop: true, loopStart: wanted.from, loopEnd: Math.min(wanted.to, this.files().tracks[wanted.path].seconds),
         });
         source.connect(this.context.destination);
         source.start(0, wanted.from);

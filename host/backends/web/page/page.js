@@ -143,6 +143,7 @@ function pageFor(canvas, module, alive, options) {
         },
         shown: () => {
             frames++;
+            window.tarnwick.moments?.push(performance.now());  // a measurement asks for them
             if (!shownFirst) {
                 shownFirst = true;
                 hideCover();
