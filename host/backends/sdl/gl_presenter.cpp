@@ -6,10 +6,11 @@
 
 namespace {
 
-constexpr int VSYNC_FROM_HZ = 59;
+constexpr int VSYNC_FROM_HZ = 70;
 
-// The frame limiter counts whole ticks of 16 ms and forgets remainders, so a swap that waits for a display slower
-// than that would slow the game down.
+// The frame limiter counts whole ticks of 16 ms and forgets remainders. So a swap that waits for the display must end
+// within a tick, together with the drawing: that of a 60 Hz display lasts up to 16.7 ms, and would make the game slower
+// than its clock.
 void ChooseVerticalSync(SDL_Window* window) {
     SDL_DisplayMode mode{};
     const int display = std::max(SDL_GetWindowDisplayIndex(window), 0);

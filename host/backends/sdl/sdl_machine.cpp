@@ -15,11 +15,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto CLOCK_NAP = 200us;    // sleep of a loop that reads the clock until it moves
 constexpr auto KEYBOARD_NAP = 2ms;   // sleep of a loop that polls the keyboard until a key is down
 constexpr auto FRONT_END_NAP = 8ms;  // sleep of each poll before a level, where nothing moves
 constexpr int WAIT_SLICE_MS = 20;
 
+const auto startTime = std::chrono::steady_clock::now();
 Options startOptions;
 uint32_t lastClock = 0, lastKeyboardPoll = 0, lastTurn = 0;
 
@@ -48,14 +48,19 @@ bool Start(const Options& options) {
     return true;
 }
 
+// A loop that reads the clock until it moves sleeps until it does.
 uint32_t Milliseconds() {
-    uint32_t now = SDL_GetTicks();
-    if (now == lastClock) {
-        std::this_thread::sleep_for(CLOCK_NAP);
-        now = SDL_GetTicks();
+    const auto clock = [] { return std::chrono::steady_clock::now() - startTime; };
+    const auto milliseconds = [](auto time) {
+        return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+    };
+    auto now = clock();
+    if (milliseconds(now) == lastClock) {
+        std::this_thread::sleep_for(1ms - now % 1ms);
+        now = clock();
     }
-    lastClock = now;
-    return now;
+    lastClock = milliseconds(now);
+    return lastClock;
 }
 
 void Pump() {

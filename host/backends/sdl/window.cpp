@@ -222,20 +222,38 @@ bool DisplayIsUnseen() {
     return !driver || std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0;
 }
 
-bool OpenGameWindow(const char* title, const Options& options) {
+namespace {
+
+// OpenGL that the processor draws costs more than drawing into the window's own memory. Wayland's windows have none.
+bool WantsGl(const Options& options) {
+    const char* const driver = SDL_GetCurrentVideoDriver();
+    return options.board == BoardChoice::Gpu || MayHaveGraphicsCard() ||
+           (driver && std::strcmp(driver, "wayland") == 0);
+}
+
+bool OpenGlWindow(const char* title, const Options& options) {
+    if (!WantsGl(options)) return false;
     AskForGlContext();
     window = CreateWindow(title, options, SDL_WINDOW_OPENGL);
     if (window) presenter = MakeGlPresenter(window);
-    if (!presenter) {
-        if (options.verbose) std::fprintf(stderr, "no OpenGL 3.3 (%s): drawing without it\n", SDL_GetError());
-        if (window) SDL_DestroyWindow(window);
-        window = CreateWindow(title, options, 0);
-        if (!window) {
-            std::fprintf(stderr, "cannot open a window: %s\n", SDL_GetError());
-            return false;
-        }
-        presenter = MakeSurfacePresenter(window);
-    }
+    if (presenter) return true;
+    if (options.verbose) std::fprintf(stderr, "no OpenGL 3.3 (%s): drawing without it\n", SDL_GetError());
+    if (window) SDL_DestroyWindow(window);
+    return false;
+}
+
+bool OpenPlainWindow(const char* title, const Options& options) {
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");  // SDL would take OpenGL after all
+    window = CreateWindow(title, options, 0);
+    if (window) presenter = MakeSurfacePresenter(window);
+    if (!window) std::fprintf(stderr, "cannot open a window: %s\n", SDL_GetError());
+    return window != nullptr;
+}
+
+}  // namespace
+
+bool OpenGameWindow(const char* title, const Options& options) {
+    if (!OpenGlWindow(title, options) && !OpenPlainWindow(title, options)) return false;
     SDL_StopTextInput();
     UpdateSound();
     sizeChosen = InFullScreen() ? -1 : SettingValue(Setting::WindowSize);

@@ -27,6 +27,10 @@ bool EnterGl(std::string& error) {
     return false;
 }
 
+bool MayHaveGraphicsCard() {
+    return true;
+}
+
 bool GlIsSoftware() {
     return false;  // browsers do not tell; what they draw with is quicker than what runs in the page
 }

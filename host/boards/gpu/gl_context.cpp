@@ -3,6 +3,7 @@
 #include <SDL.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -58,6 +59,18 @@ bool EnterGl(std::string& error) {
     error = std::string("no OpenGL 3.3 context: ") + SDL_GetError();
     CloseContext();
     return false;
+}
+
+// Linux has a file for each card that can draw: those of its own drivers, and those of two drivers from outside of it.
+bool MayHaveGraphicsCard() {
+#ifdef __linux__
+    std::error_code ignored;
+    for (const auto& file : std::filesystem::directory_iterator("/dev/dri", ignored))
+        if (file.path().filename().string().starts_with("renderD")) return true;
+    return std::filesystem::exists("/dev/nvidiactl", ignored) || std::filesystem::exists("/dev/dxg", ignored);
+#else
+    return true;
+#endif
 }
 
 bool GlIsSoftware() {

@@ -13,4 +13,8 @@ void AskForGlContext();
 // ends. False: `error` says why there is no context.
 bool EnterGl(std::string& error);
 
+// False where OpenGL could only be drawn by the processor. Asks the system alone, and loads no driver: those that draw
+// by the processor take tens of megabytes.
+bool MayHaveGraphicsCard();
+
 bool GlIsSoftware();  // the processor draws, not a graphics card

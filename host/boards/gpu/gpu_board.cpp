@@ -302,8 +302,10 @@ const uint32_t* Front(uint32_t& pitch) {
 
 // Without a graphics card the cpu board is faster than OpenGL drawn by the processor.
 bool HasGraphicsCard(std::string& why) {
-    if (!EnterGl(why)) return false;
-    if (!GlIsSoftware()) return true;
+    if (MayHaveGraphicsCard()) {
+        if (!EnterGl(why)) return false;
+        if (!GlIsSoftware()) return true;
+    }
     why = "there is no graphics card behind OpenGL";
     return false;
 }
