@@ -27,7 +27,7 @@ struct Machine {
     uint32_t (*milliseconds)();
     void (*beforeKeyboardPoll)();  // pump the devices into input/devices.h; called by the keyboard's GetDeviceState
     void (*pump)();                // the same, called by PeekMessageA
-    void (*wait)();                // sleep until a device has something to say, 20 ms at most; called by WaitMessage
+    void (*wait)();                // sleep until a device has something to say, 100 ms at most; called by WaitMessage
 
     bool (*createWindow)(const char* title);
     void (*desktopSize)(int* width, int* height);

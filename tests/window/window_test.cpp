@@ -199,15 +199,19 @@ TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
 
 TEST_F(Window, FillsTheScreenByDefaultAndKeepsThePictureInProportionAtEverySize) {
     const std::string data = SOURCE_FOLDER "/tests/levels/data";  // whose pictures have no black edges
-    desktop->StartGame({"--data", data});
-    EXPECT_TRUE(WaitFor([&] { return PictureFills(107, 0, 1173, 800); }));
-    desktop->PressCloseButton();
-    EXPECT_EQ(desktop->GameStatus(), 0);
-    desktop->StartGame({"--window", "640x480", "--data", data});
-    desktop->ResizeGame(1000, 600);
-    EXPECT_TRUE(WaitFor([&] { return PictureFills(100, 0, 900, 600); }));
-    desktop->ResizeGame(400, 700);
-    EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 200, 400, 500); }));
+    for (const char* board : {"auto", "gpu"}) {  // without a graphics card, and with OpenGL all the same
+        desktop->StartGame({"--data", data, "--board", board});
+        EXPECT_TRUE(WaitFor([&] { return PictureFills(107, 0, 1173, 800); }));
+        desktop->PressCloseButton();
+        EXPECT_EQ(desktop->GameStatus(), 0);
+        desktop->StartGame({"--window", "640x480", "--data", data, "--board", board});
+        desktop->ResizeGame(1000, 600);
+        EXPECT_TRUE(WaitFor([&] { return PictureFills(100, 0, 900, 600); }));
+        desktop->ResizeGame(400, 700);
+        EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 200, 400, 500); }));
+        desktop->PressCloseButton();
+        EXPECT_EQ(desktop->GameStatus(), 0);
+    }
 }
 
 TEST_F(Window, ShowsTheGpuBoardsPictureAtEverySizeAndWhenTheFocusComesBack) {
