@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # map.sh BUILD DATA FILE.map [--fast]: compiles any map into a folder of its own below the user's cache, and prints the
 # options with which the game plays it, a line each. DATA is the game's data folder; everything but the level is linked
-# from there. Nothing is written beside the map or in the repository; when the map cannot be compiled, what was compiled
-# last stays, and the status is 1.
+# from there. Each time it is a fresh folder, and the one before stays for a game that plays it. Nothing is written
+# beside the map or in the repository; when the map cannot be compiled, the status is 1. A name without a folder that is
+# no file is that of a map compiled before.
 #
 # Keys of worldspawn that say how it is played:
 #   sky    a sky.toml beside the map, or the number of the level whose sky it is; 1 where faces are painted with sky
 #   ticks  1, 2 or 4: the length of a frame in ticks of 16 ms; 1
 #   track  of the music; that of the level whose place it takes
-# Beside the map, textures.toml lists its materials; without one it gets those that its faces name.
+# Beside the map, textures.toml lists its materials; without one it gets those that its faces name. Pictures and recipes
+# of its own lie in the folder materials there, and go before the game's.
 set -u
-build=$1 data=$2 map=$3
+build=$(realpath "$1") data=$(realpath "$2") map=$3
 shift 3
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -19,13 +21,28 @@ give_up() {
     exit 1
 }
 
-[ -r "$map" ] || give_up "cannot be read: name a .map file"
+maps=${XDG_CACHE_HOME:-$HOME/.cache}/tarnwick/maps
+
+# compiled_before NAME: sets map to the one of that name that was compiled last.
+compiled_before() {
+    local place newest=
+    for place in "$maps/$1"-*/place.txt; do
+        [ -r "$place" ] && [[ -z $newest || $place -nt $newest ]] && newest=$place
+    done
+    [ -n "$newest" ] && map=$(<"$newest")
+}
+
+[ -r "$map" ] || [[ $map == */* ]] || compiled_before "${map%.map}"
+if [ ! -f "$map" ] || [ ! -r "$map" ]; then give_up "cannot be read: name a .map file"; fi
 map=$(realpath "$map")
 home=$(dirname "$map")
 name=$(basename "$map" .map)
-folder=${XDG_CACHE_HOME:-$HOME/.cache}/tarnwick/maps/$name-$(cksum <<<"$map" | cut -d' ' -f1)
+folder=$maps/$name-$(cksum <<<"$map" | cut -d' ' -f1)
 made=$folder/made
-mkdir -p "$made" || give_up "$folder cannot be made"
+mkdir -p "$made"/{pictures,painted} || give_up "$folder cannot be made"
+exec 8>"$folder/.lock"
+flock 8
+echo "$map" >"$folder/place.txt"
 
 # world_key NAME: of the first entity.
 world_key() {
@@ -61,24 +78,6 @@ track=$(world_key track)
 track=${track:-$row_track}
 [ -r "$data/disc/track0$track.flac" ] || give_up "there is no track $track: use 2 or 3"
 
-list=$home/textures.toml
-if [ ! -r "$list" ]; then
-    list=$made/textures.toml
-    read -r red green blue <<<"$(world_key dark_color)"
-    {
-        printf 'dark = "#%02x%02x%02x"\nground = "#000000"\n' $((${red:-0} * 4)) $((${green:-0} * 4)) $((${blue:-0} * 4))
-        printf 'skin = ["zero_body", "zero_head"]\nmaterials = [\n'
-        # A name without a picture is left out: mapc tells it, with its line in the map.
-        { textures; [ -z "$sky" ] || grep -oE 'material *= *.*' "$sky" | grep -oE '"[^"]+"' | tr -d '"'; } | sort -u | grep -vxE "clip|sky" |
-            while read -r texture; do
-                [ -r "$build/materials/$texture.png" ] && printf '    "%s",\n' "$texture"
-            done
-        printf ']\n'
-    } >"$list"
-fi
-
-new=$made/level
-rm -rf "$new" && mkdir -p "$new"
 log=$made/compile.log
 : >"$log"
 
@@ -91,17 +90,110 @@ tool() {
     exit 1
 }
 
+# What the level is made of: whoever watches it looks at these.
+watched=("$map" "$home/textures.toml" "$home/materials")
+[ -z "$sky" ] || watched+=("$sky" "${sky%/*}"/*.glb)
 
-tool texc level "$list" --pictures "$build/materials" --texture "$new/texture.bin" --accelerator "$new/glidetex" \
-    --materials "$made/materials.txt"
-tool mapc "$map" --materials "$made/materials.txt" --prefabs "$root/content/prefabs" --output "$new" --level "$level" "$@"
+# sources OF: sets it to the files that a file was made of, from the line that its tool has left beside it.
+sources() {
+    # shellcheck disable=SC2162 # the backslashes stand before blanks of names
+    read -a it <"$1.d" 2>/dev/null
+    it=("${it[@]:1}")
+}
+
+# is_fresh PICTURE: none of its recipes has changed since it was painted.
+is_fresh() {
+    local it file
+    [ -r "$1" ] && sources "$1" || return
+    for file in "${it[@]}"; do
+        [ "$file" -nt "$1" ] && return 1
+    done
+    return 0
+}
+
+# picture NAME: sets it to that of the material, painted anew if need be; false: there is none.
+picture() {
+    local recipe
+    it=$home/materials/$1.png
+    [ -r "$it" ] && watched+=("$it") && return
+    recipe=$home/materials/$1.toml
+    if [ ! -r "$recipe" ]; then
+        it=$build/materials/$1.png recipe=$root/content/materials/$1.toml
+        [ -r "$recipe" ] || { [ -r "$it" ]; return; }
+        watch_recipes "$it"
+        is_fresh "$it" && return
+    fi
+    it=$made/painted/$1.png
+    is_fresh "$it" || tool texc paint "$recipe" -o "$it" --depfile "$it.d"
+    watch_recipes "$it"
+}
+
+watch_recipes() {
+    local it
+    sources "$1" && watched+=("${it[@]}")
+}
+
+quoted() { grep -oE '"[^"]+"' | tr -d '"'; }
+
+# The names that may be those of pictures: more than the materials do no harm.
+names() {
+    if [ -r "$home/textures.toml" ]; then
+        quoted <"$home/textures.toml"
+    else
+        textures
+        echo zero_body
+        echo zero_head
+        [ -z "$sky" ] || grep -oE 'material *= *.*' "$sky" | quoted
+    fi | sort -u | grep -vxE 'clip|sky'
+}
+
+materials=() pictures=()
+while read -r texture; do
+    # A name without a picture is left out: mapc tells it, with its line in the map.
+    picture "$texture" || continue
+    pictures+=("$it")
+    [[ $texture == zero_* ]] || materials+=("$texture")
+done < <(names)
+
+list=$home/textures.toml
+if [ ! -r "$list" ]; then
+    list=$made/textures.toml
+    read -r red green blue <<<"$(world_key dark_color)"
+    {
+        printf 'dark = "#%02x%02x%02x"\nground = "#000000"\n' $((${red:-0} * 4)) $((${green:-0} * 4)) $((${blue:-0} * 4))
+        printf 'skin = ["zero_body", "zero_head"]\nmaterials = [\n'
+        printf '    "%s",\n' "${materials[@]}"
+        printf ']\n'
+    } >"$list"
+fi
+
+# The textures, unless they are as they were.
+stamp=$(cat "$list"; stat -Lc '%n %y %s' "$build/tools/texc" "${pictures[@]}")
+if [ "$stamp" != "$(cat "$made/textures.stamp" 2>/dev/null)" ]; then
+    rm -rf "$made"/{textures.stamp,textures,pictures} && mkdir -p "$made"/{textures,pictures}
+    ln -st "$made/pictures" "${pictures[@]}"
+    tool texc level "$list" --pictures "$made/pictures" --texture "$made/textures/texture.bin" \
+        --accelerator "$made/textures/glidetex" --materials "$made/materials.txt"
+    echo "$stamp" >"$made/textures.stamp"
+fi
+
+new=$made/level
+rm -rf "$new" && cp -r "$made/textures" "$new"
+tool mapc "$map" --materials "$made/materials.txt" --prefabs "$root/content/prefabs" --output "$new" --level "$level" \
+    --depfile "$made/level.d" "$@"
 [ -z "$sky" ] || tool skyc "$sky" --materials "$made/materials.txt" --output "$new/sky.sob"
 grep '^note: ' "$log" >&2
 
-play=$folder/data
-rm -rf "$play"
-mkdir -p "$play"
-cp -rs "$(realpath "$data")"/. "$play" || give_up "$play cannot be made"
+# The folders of the games before: the newest may be played still.
+number=0 old=()
+for play in $(cd "$folder" && printf '%s\n' data.* | sort -t. -k2n); do
+    [ -d "$folder/$play" ] && number=${play#data.} old+=("$folder/$play")
+done
+[ ${#old[@]} -lt 3 ] || rm -rf "${old[@]::${#old[@]}-2}"
+play=$folder/data.$((number + 1))
+cp -rs "$data"/. "$play" || give_up "$play cannot be made"
 rm -rf "$play/game/data/levels/level$level" && mv "$new" "$play/game/data/levels/level$level"
-ln -sf "$(realpath "$data")/disc/track0$track.flac" "$play/disc/track0$row_track.flac"
+ln -sf "$data/disc/track0$track.flac" "$play/disc/track0$row_track.flac"
+sources "$made/level" && watched+=("${it[@]}")
+printf '%s\n' "${watched[@]}" >"$play/watched.txt"
 printf -- '--data\n%s\n--level\n%s\n' "$play" "$level"

@@ -10,6 +10,7 @@ namespace {
 FrontBuffer shown{};
 FrontTexture shownTexture{};  // texture 0: `shown` is the picture
 bool converted = true;
+bool isHeld = false;
 std::vector<uint32_t> pixels;
 Picture picture{};
 
@@ -69,6 +70,7 @@ void Present() {
 }  // namespace
 
 void ShowFront(const FrontBuffer& front) {
+    if (isHeld) return;
     shown = front;
     shownTexture = {};
     converted = false;
@@ -76,6 +78,7 @@ void ShowFront(const FrontBuffer& front) {
 }
 
 void ShowFrontTexture(const FrontTexture& front) {
+    if (isHeld) return;
     shownTexture = front;
     converted = false;
     if (!CurrentMachine->presentTexture ||
@@ -90,6 +93,10 @@ void FreezeFront() {
     Present();
 }
 
+void HoldFront(bool held) {
+    isHeld = held;
+}
+
 const Picture* FrontPicture() {
     Convert();
     return picture.pixels ? &picture : nullptr;
@@ -101,6 +108,7 @@ bool FrontIsReproducible() {
 
 void ResetPresentation() {
     converted = true;
+    isHeld = false;
     picture = {};
     shownTexture = {};
 }

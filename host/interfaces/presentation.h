@@ -25,7 +25,10 @@ struct FrontTexture {
 // Shows the front buffer. Its memory must stay as it is until the next call or FreezeFront.
 void ShowFront(const FrontBuffer& front);
 void ShowFrontTexture(const FrontTexture& front);  // the same for the texture
-void FreezeFront();             // called before the memory is released: the picture stays on the screen
+void FreezeFront();  // called before the memory is released: the picture stays on the screen
+// True: the picture shown last stays on the screen whatever is shown, until false. Its memory may be released after
+// FreezeFront.
+void HoldFront(bool held);
 const Picture* FrontPicture();  // valid until the next ShowFront; null before the first
 bool FrontIsReproducible();     // the same input gives the same pixels on every machine
 void ResetPresentation();

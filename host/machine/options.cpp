@@ -125,6 +125,8 @@ const OptionEntry OPTIONS[] = {
     {"--trace", "FILE", "write one JSON object a game frame to FILE",
      [](std::string_view value, Options& options) { return TakeText(value, options.trace); }},
     {"--shot", "FRAME:FILE.png", "write the picture of a game frame; may be given several times", TakeShot},
+    {"--watch", "FILE", "load a level again whenever FILE says that it was compiled anew; ./play --map writes FILE",
+     [](std::string_view value, Options& options) { return TakeText(value, options.watch); }},
     {"--verbose", nullptr, "log lines to standard error, standard output left where it is",
      [](std::string_view, Options& options) { return options.verbose = true; }},
     {"--version", nullptr, "print the version and end", nullptr},

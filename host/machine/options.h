@@ -36,6 +36,7 @@ struct Options {
     std::vector<ShotRequest> shots;
     std::string settings;   // file of the player's settings; empty: session/settings_file.h says which
     bool portable = false;  // it lies beside the program
+    std::string watch;      // file that says which level was compiled anew (session/watch.h)
     bool verbose = false;
 };
 

@@ -3,8 +3,12 @@
 #include "machine/machine.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
+
+std::optional<Overlay> lasting;
+bool otherShown = false;
 
 constexpr int GLYPH_WIDTH = 5, GLYPH_HEIGHT = 7;
 constexpr char FIRST_GLYPH = ' ', LAST_GLYPH = '~';
@@ -113,6 +117,11 @@ const uint8_t* GlyphOf(char character) {
     return GLYPHS[(known ? character : '?') - FIRST_GLYPH];
 }
 
+void Show(const Overlay& overlay) {
+    const Picture picture{overlay.Pixels().data(), OVERLAY_WIDTH, OVERLAY_HEIGHT};
+    if (CurrentMachine && CurrentMachine->showOverlay) CurrentMachine->showOverlay(&picture);
+}
+
 }  // namespace
 
 void Overlay::Fill(int x, int y, int width, int height, uint32_t colour) {
@@ -137,10 +146,19 @@ void Overlay::WriteCentred(int y, std::string_view text, uint32_t colour) {
 }
 
 void ShowOverlay(const Overlay& overlay) {
-    const Picture picture{overlay.Pixels().data(), OVERLAY_WIDTH, OVERLAY_HEIGHT};
-    if (CurrentMachine && CurrentMachine->showOverlay) CurrentMachine->showOverlay(&picture);
+    otherShown = true;
+    Show(overlay);
 }
 
 void HideOverlay() {
-    if (CurrentMachine && CurrentMachine->showOverlay) CurrentMachine->showOverlay(nullptr);
+    otherShown = false;
+    if (lasting)
+        Show(*lasting);
+    else if (CurrentMachine && CurrentMachine->showOverlay)
+        CurrentMachine->showOverlay(nullptr);
+}
+
+void SetLastingOverlay(const Overlay* overlay) {
+    lasting = overlay ? std::optional<Overlay>(*overlay) : std::nullopt;
+    if (!otherShown) HideOverlay();
 }

@@ -24,3 +24,4 @@ private:
 // On machines that show overlays (machine/machine.h), over every picture from now on.
 void ShowOverlay(const Overlay& overlay);
 void HideOverlay();
+void SetLastingOverlay(const Overlay* overlay);  // shown from now on while there is no other; null: none

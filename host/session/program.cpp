@@ -64,6 +64,13 @@ bool LoadOptionScript(const Options& options, Script& script) {
     return false;
 }
 
+// A recording is of one set of files.
+bool RecordsOrWatches(const Options& options) {
+    if (options.record.empty() || options.watch.empty()) return true;
+    PrintError("--record does not go with --watch, under which the files change");
+    return false;
+}
+
 void OpenMachine(Options& options, const HostParts& parts) {
     StartMachine(options, parts.machines);
     const bool isHeadless = CurrentMachine == parts.machines.back();
@@ -83,7 +90,8 @@ int RunProgram(int argumentCount, char** arguments, const HostParts& parts, cons
     const OptionsResult asked = ParseOptions(argumentCount, arguments, options);
     if (asked != OptionsResult::Run) return asked == OptionsResult::Done ? EXIT_SUCCESS : STATUS_WRONG_INPUT;
     Script script;
-    if (!LoadOptionScript(options, script) || !LoadReplay(options) || !StartLog(options)) return STATUS_WRONG_INPUT;
+    if (!RecordsOrWatches(options) || !LoadOptionScript(options, script) || !LoadReplay(options) || !StartLog(options))
+        return STATUS_WRONG_INPUT;
     LoadSettings(options);
     OpenMachine(options, parts);
     if (!OpenData(options) || !StartRun(options, std::move(script))) {

@@ -173,7 +173,8 @@ bool Excludes(const Options& options) {
     const std::pair<const char*, bool> others[] = {{"--script", !options.script.empty()},
                                                    {"--record", !options.record.empty()},
                                                    {"--level", options.level != 0},
-                                                   {"--renderer", options.renderer != RendererChoice::Unset}};
+                                                   {"--renderer", options.renderer != RendererChoice::Unset},
+                                                   {"--watch", !options.watch.empty()}};
     for (const auto& [name, given] : others) {
         if (given) PrintError("%s does not go with a replay, which has its own input", name);
         if (given) return true;

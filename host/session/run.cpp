@@ -20,6 +20,7 @@
 #include "session/script_player.h"
 #include "session/settings_screen.h"
 #include "session/trace.h"
+#include "session/watch.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -109,6 +110,7 @@ void AtKeyboardPoll() {
         WatchReplay();
         return;
     }
+    HoldFront(false);
     CurrentMachine->beforeKeyboardPoll();
     ReadClock();
     WatchFrontEnd();
@@ -174,6 +176,7 @@ bool StartRun(const Options& options, Script script) {
         firstDrawn = std::min(firstDrawn, shot.frame);
     if (options.benchmark) StartBenchmark();
     StartFrontEndKeys(options);
+    StartWatch(options.watch);
     StartScript(std::move(script));
     underWay = OpenTrace(options.trace) && StartRecorder(options);
     return underWay;
@@ -201,6 +204,7 @@ void ResetRun() {
     ResetClosing();
     StartScript({});
     StartFrontEndKeys({});
+    StartWatch({});
     frameShots.clear();
     underWay = endsByItself = false;
     frameLimit = framesAsked = lastDropped = 0;
@@ -209,6 +213,12 @@ void ResetRun() {
 
 bool HostWantsPicture() {
     return IsDrawn(Progress.framesPlayed + 1);
+}
+
+bool HostWantsReload(HostReload& reload) {
+    if (!LevelIsNew(reload)) return false;
+    HoldFront(true);
+    return true;
 }
 
 bool HostEndOfFrame(const HostFrameReport& report) {

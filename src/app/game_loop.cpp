@@ -6,12 +6,15 @@
 #include "app/load_level.h"
 #include "app/pump.h"
 #include "camera/camera.h"
+#include "character/actor.h"
+#include "host/probe.h"
 #include "memory/shutdown.h"
 #include "memory/system.h"
 #include "platform/cd_audio.h"
 #include "platform/display.h"
 #include "platform/input.h"
 #include "platform/timer.h"
+#include "player/player.h"
 #include "render/raster.h"
 #include "render/screen.h"
 
@@ -26,6 +29,29 @@ void SetFpuSinglePrecision() {
     std::fesetenv(FE_DFL_ENV);
 }
 
+// Everything as at a game's start, but the music goes on, and the player and the camera stay where they are.
+void ReloadLevel(const HostReload& reload) {
+    const Vec3 position = PlayerActor.position;
+    const Vec3 angles = PlayerActor.angles;
+    const int32_t cameraMode = CameraMode;
+    const Vec3 cameraPosition = CameraPos;
+    const Vec3 cameraAngles = CameraAngles;
+    SystemShutdown();
+    CurrentLevel = reload.level - 1;
+    if (!StartGame()) {
+        ErrorBox("Unable to initialize game.", MB_OK);
+        GameMode = MODE_QUIT;
+        return;
+    }
+    if (!reload.keepsPlace) return;
+    PlayerActor.position = position;
+    PlayerActor.angles = angles;
+    UpdateActorBase(PlayerActor);
+    CameraMode = cameraMode;
+    CameraPos = cameraPosition;
+    CameraAngles = cameraAngles;
+}
+
 void GameStep() {
     PollKeyboard(Input);
     PollMouse(Input);
@@ -33,6 +59,8 @@ void GameStep() {
     // Kept as it is: Escape is read after the frame, and the Windows keys after Escape win.
     if (KeyDown(DIK_ESCAPE)) GameMode = MODE_LEAVE;
     if (KeyDown(DIK_LWIN) || KeyDown(DIK_RWIN) || KeyDown(DIK_APPS) || hostEnds) GameMode = MODE_QUIT;
+    HostReload reload{};
+    if (GameMode == MODE_PLAYING && HostWantsReload(reload)) ReloadLevel(reload);
 }
 
 void BlackenBothBuffers() {

@@ -3,10 +3,13 @@
 #include "app/entry.h"
 #include "app/front_end.h"
 #include "app/game_loop.h"
+#include "app/host_game.h"
 #include "app/pump.h"
 #include "camera/camera_tables.h"
 #include "input/devices.h"
 #include "interfaces/display.h"
+#include "machine/game.h"
+#include "machine/machine.h"
 #include "math/world_planes.h"
 #include "memory/shutdown.h"
 #include "platform/input.h"
@@ -14,16 +17,21 @@
 #include "player/player.h"
 #include "records/levels.h"
 #include "render/render_tables.h"
+#include "session/watch.h"
 #include "support/test_window.h"
 #include "testing/test_machine.h"
+#include "world/light_map.h"
 #include "world/world_tables.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -175,6 +183,72 @@ TEST_F(App, AnExceptionInAStepEndsTheProcess) {
     GameMode = MODE_PLAYING;
     const auto step = [] { throw std::runtime_error("step"); };
     EXPECT_EXIT(RunMessagePump(MODE_PLAYING, step), testing::ExitedWithCode(EXCEPTION_UNHANDLED & 0xFF), "");
+}
+
+float Apart(const Vec3& a, const Vec3& b) {
+    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+}
+
+// The same level compiled anew, then one under another number whose start has moved.
+TEST_F(App, AWatchedLevelIsLoadedAnewWhereThePlayerStandsBehindTheOldPicture) {
+    namespace fs = std::filesystem;
+    const std::string data = SOURCE_FOLDER "/tests/levels/data";
+    const fs::path scratch = fs::path(testing::TempDir()) / "watched";
+    const std::string news = scratch / "news";
+    fs::create_directories(scratch);
+    for (const char* name : {"one", "two"})
+        fs::create_directory_symlink(data, scratch / name);
+    const auto tell = [&](const std::string& text) { std::ofstream(news) << text; };
+
+    static std::vector<bool> blackPictures;  // of those shown
+    blackPictures.clear();
+    Machine machine = *CurrentMachine;
+    machine.present = [](const Picture& picture) {
+        const auto end = picture.pixels + picture.width * picture.height;
+        blackPictures.push_back(std::count(picture.pixels, end, picture.pixels[0]) == end - picture.pixels);
+    };
+    const Machine* before = std::exchange(CurrentMachine, &machine);
+    const HostGame* gameBefore = std::exchange(CurrentGame, &GameForHost);
+    OpenWindow();
+    StartWatch(news);
+    Vec3 place{}, camera{};
+    atPoll_ = [&](size_t poll) {
+        DeviceKey(KeySource::Keyboard, DIK_UP, poll < 40);
+        if (poll == 60) {
+            place = PlayerActor.position;
+            EXPECT_GT(Apart(place, LevelTable[0].start), 100);
+            camera = CameraPos;
+            LightLevel = 77;  // which the file's own is to replace
+            tell("data " + (scratch / "one").string() + "\nlevel 1\nplace 0 1\n");
+        }
+        if (poll == 61) {
+            EXPECT_NE(LightLevel, 77);
+            EXPECT_LT(Apart(PlayerActor.position, place), 1);
+            EXPECT_LT(Apart(CameraPos, camera), 1);
+            EXPECT_FALSE(TestMachine.overlayShown);
+            LightLevel = 77;
+            tell("data " + (scratch / "one").string() + "\nlevel 1\nplace 0 1\nmy.map:10: a fault\n");
+        }
+        if (poll == 62) {
+            EXPECT_EQ(LightLevel, 77) << "a fault alone loads nothing";
+            EXPECT_TRUE(TestMachine.overlayShown);
+            tell("data " + (scratch / "two").string() + "\nlevel 2\nplace 0 2\n");
+        }
+        if (poll == 63) {
+            EXPECT_EQ(LoadedLevel, 1);
+            EXPECT_LT(Apart(PlayerActor.position, LevelTable[1].start), 1);
+            EXPECT_FALSE(TestMachine.overlayShown);
+        }
+        DeviceKey(KeySource::Keyboard, DIK_ESCAPE, poll == 70);
+    };
+    EXPECT_EQ(RunGame(), MODE_LEAVE);
+    CurrentMachine = before;
+    CurrentGame = gameBefore;
+    StartWatch({});
+    const auto first = std::find(blackPictures.begin(), blackPictures.end(), false);
+    const auto shown = std::find(blackPictures.rbegin(), blackPictures.rend(), false).base();
+    EXPECT_GE(shown - first, 70);
+    EXPECT_EQ(std::count(first, shown, true), 0);
 }
 
 }  // namespace

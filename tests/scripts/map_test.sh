@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # map_test.sh BUILD DATA: any map can be compiled and played as ./play --map does it: the example with its defaults and
-# under a sky with keys of its own; a map that cannot be is told by line, and leaves the one before it as it was.
+# under a sky with keys of its own, with a picture and a recipe beside it; a map that cannot be is told by line, and leaves
+# the one before it as it was. A map that is watched is compiled again after each change.
 set -u
 build=$1 data=$2
 cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
@@ -39,4 +40,44 @@ sed -E 's/coffer_wood/sky/; s/"ambient" "12"/"ticks" "2"\n"track" "2"/' content/
 plays "$scratch/open.map" 6
 [ -r "$folder/game/data/levels/level6/sky.sob" ] || fail "the open map has no sky"
 [ "$(readlink -f "$folder/disc/track03.flac")" = "$(readlink -f "$data/disc/track02.flac")" ] || fail "the wrong music"
+
+# Materials of its own, and the name alone of a map that was compiled before.
+mkdir "$scratch/materials"
+cp "$build/materials/crate.png" "$scratch/materials/mine.png"
+printf 'size = [64, 64]\n[[layer]]\npattern = "fill"\ncolour = "#804020"\n' >"$scratch/materials/red.toml"
+sed -E 's/trim_stone/mine/; s/planks_oak/red/' content/examples/ten_brushes.map >"$scratch/own.map"
+plays "$scratch/own.map" 3
+plays own 3
+
+# says TEXT: the news come to have it.
+says() {
+    for ((tries = 0; tries < 3000; ++tries)); do
+        [[ $(cat "$news" 2>/dev/null) == *"$1"* ]] && return
+        sleep 0.1
+    done
+    fail "the news are never \"$1\": $(cat "$news")"
+}
+
+news=$scratch/news
+cp content/examples/ten_brushes.map "$map"
+mapfile -t options < <(scripts/map.sh "$build" "$data" "$map" --fast)
+sleep 1000 &
+game=$!
+scripts/watch.sh "$build" "$data" "$map" $game "$news" "${options[@]}" 2>"$scratch/faults" &
+watcher=$!
+number=${options[1]##*.}
+says "data.$((number + 1))"$'\n'"level 3"  # lit
+sed -i 's/"light" "90"/"light" "80"/' "$map"
+says "data.$((number + 3))"$'\n'"level 3"  # a quick look, then lit again
+sed -i 's/flagstones/flagstonez/' "$map"
+says $'\nmy map.map:10 (entity 0, brush 0): the texture "flagstonez"'
+place=$(grep '^place' "$news")
+grep -q flagstonez "$scratch/faults" || fail "the watcher does not tell the fault"
+sed -i 's/flagstonez/flagstones/; s/-300 -300 40/-200 -300 40/' "$map"
+says "data.$((number + 5))"
+[ "$(grep -c . "$news")" = 3 ] || fail "the fault stays: $(cat "$news")"
+[ "$(grep '^place' "$news")" != "$place" ] || fail "that the start has moved is not told"
+kill $game
+wait $watcher
+[ ! -e "$news" ] || fail "the watcher does not end with the game"
 exit $((failures > 0))

@@ -8,6 +8,8 @@
 namespace {
 
 constexpr double MISS = std::numeric_limits<double>::infinity();
+// Where a face is widened, its sharp corners go out by more than the margin: by as many times.
+constexpr double BEYOND_CORNERS = 100;
 
 }  // namespace
 
@@ -69,6 +71,8 @@ double WorldFace::Hit(const Vec3& eye, const Vec3& direction, double margin) con
     if (distance >= 0 || approach < 1e-9) return MISS;
     const double at = -distance / approach;
     const Vec3 p = eye + direction * at;
+    const double far = reach + BEYOND_CORNERS * std::max(-margin, 0.0);
+    if (!corners.empty() && LengthSquared(p - corners[0]) > far * far) return MISS;
     for (size_t k = 0; k < corners.size(); ++k) {
         const Vec3 out = Cross(corners[(k + 1) % corners.size()] - corners[k], normal);
         if (Dot(p - corners[k], out) > -margin * Length(out)) return MISS;
@@ -86,6 +90,9 @@ std::vector<WorldFace> FacesOf(const WorldFile& world) {
         for (size_t k = 0; k < polygon.cornerCount; ++k) {
             face.corners.push_back(Widened(world.points[world.corners[polygon.firstCorner + k].point].position));
         }
+        face.reach = 0;
+        for (const Vec3& corner : face.corners)
+            face.reach = std::max(face.reach, Length(corner - face.corners[0]));
         faces.push_back(std::move(face));
     }
     return faces;

@@ -8,6 +8,7 @@
 #include "formats/world_file.h"
 #include "mapc/placement.h"
 
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -57,6 +58,8 @@ struct WorldFace {
     std::vector<Vec3> corners;
     Vec3 normal;  // into the solid
     double offset = 0;
+    double reach =
+        std::numeric_limits<double>::infinity();  // no corner is farther from the first; finds misses quickly
 
     double Distance(const Vec3& p) const { return Dot(normal, p) + offset; }
     double Up() const { return -normal.y; }  // vertical part of the outward normal: 1 floor, -1 ceiling

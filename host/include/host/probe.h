@@ -44,3 +44,13 @@ void HostStage(HostStageName stage);  // this part begins
 
 // Called right after the picture is presented. True: end the program through the normal way out.
 bool HostEndOfFrame(const HostFrameReport& report);
+
+// A level that was compiled anew while it is played (option --watch).
+struct HostReload {
+    int32_t level;    // 1..8: load this one
+    bool keepsPlace;  // the player goes on where he stands; else he begins at the start
+};
+
+// Asked once a frame, after HostEndOfFrame. True: the files of the game are those of a level compiled anew, which is to
+// be loaded now. The picture on the screen stays there until the next frame is complete.
+bool HostWantsReload(HostReload& reload);

@@ -1,0 +1,18 @@
+// Option --watch: a level that its author changes while it is played. Whoever compiles it (scripts/watch.sh) names the
+// new one in a file, which is looked at after every frame:
+//
+//     data FOLDER         the data folder of the level compiled last
+//     level N             the level that it takes the place of, 1 to the number of levels
+//     place TEXT          where the map lies in the level: as long as it stays the same, so does the player's place
+//     TEXT                any more lines are shown over the picture, below each other; none: nothing is
+//
+// The file is replaced as a whole. One that is missing or has other lines says nothing.
+#pragma once
+
+#include "host/probe.h"
+
+#include <string>
+
+void StartWatch(const std::string& file);  // empty: nothing is watched. The data folder must have been set
+// True when the file names another data folder than before: the game's files are in that one from now on.
+bool LevelIsNew(HostReload& reload);
