@@ -21,12 +21,12 @@ give_up() {
     exit 1
 }
 
-maps=${XDG_CACHE_HOME:-$HOME/.cache}/tarnwick/maps
+cache=${XDG_CACHE_HOME:-$HOME/.cache}/tarnwick/maps
 
 # compiled_before NAME: sets map to the one of that name that was compiled last.
 compiled_before() {
     local place newest=
-    for place in "$maps/$1"-*/place.txt; do
+    for place in "$cache/$1"-*/place.txt; do
         [ -r "$place" ] && [[ -z $newest || $place -nt $newest ]] && newest=$place
     done
     [ -n "$newest" ] && map=$(<"$newest")
@@ -37,7 +37,7 @@ if [ ! -f "$map" ] || [ ! -r "$map" ]; then give_up "cannot be read: name a .map
 map=$(realpath "$map")
 home=$(dirname "$map")
 name=$(basename "$map" .map)
-folder=$maps/$name-$(cksum <<<"$map" | cut -d' ' -f1)
+folder=$cache/$name-$(cksum <<<"$map" | cut -d' ' -f1)
 made=$folder/made
 mkdir -p "$made"/{pictures,painted} || give_up "$folder cannot be made"
 exec 8>"$folder/.lock"
@@ -50,18 +50,39 @@ world_key() {
         depth == 1 && $1 == name { sub(/^[^"]*"[^"]*"[ \t]*"/, ""); sub(/".*/, ""); print; exit }' "$map"
 }
 
-# The row of the game's table that has the sky and the ticks: sets level and row_track.
+# The row of the game's table that has the sky and the ticks: sets level, skin and row_track.
 find_row() {
-    local number sky ticks track
-    while read -r number sky ticks track; do
-        [ "$sky" = "$1" ] && [ "$ticks" = "$2" ] && level=$number row_track=$track && return
-    done < <(sed -nE 's/^ +LEVEL\(([0-9]+),.*(OPEN|CLOSED), +([0-9]+), +0x[0-9A-F]+, +([0-9]+),.*/\1 \2 \3 \4/p' \
+    local number who sky ticks track
+    while read -r number who sky ticks track; do
+        [ "$sky" = "$1" ] && [ "$ticks" = "$2" ] && level=$number skin=${who,,} row_track=$track && return
+    done < <(sed -nE \
+        's/^ +LEVEL\(([0-9]+),.* ([A-Z]+), +(OPEN|CLOSED), +([0-9]+), +0x[0-9A-F]+, +([0-9]+),.*/\1 \2 \3 \4 \5/p' \
         "$root/src/records/levels.h")
     return 1
 }
 
-textures() { awk '$1 == "(" && NF > 20 { print $16 }' "$map" | sort -u; }  # that the map's faces name
+# The map and its prefabs, with theirs.
+find_maps() {
+    local i place file
+    maps=("$map")
+    for ((i = 0; i < ${#maps[@]}; ++i)); do
+        while read -r file; do
+            for place in "${maps[i]%/*}/$file" "$root/content/prefabs/$file"; do
+                [ -r "$place" ] || continue
+                [[ $'\n'$(printf '%s\n' "${maps[@]}")$'\n' == *$'\n'"$place"$'\n'* ]] || maps+=("$place")
+                break
+            done
+        done < <(sed -nE 's/^[ \t]*"file"[ \t]+"([^"]+)".*/\1/p' "${maps[i]}" | sort -u)
+    done
+}
 
+# Those that faces name, and keys of terrains and prefabs.
+textures() {
+    awk '$1 == "(" && NF > 20 { print $16 }
+        $1 ~ /^"(steep|high|replace[0-9]+)"$/ { gsub(/"/, ""); for (i = 2; i <= NF; ++i) print $i }' "${maps[@]}" | sort -u
+}
+
+find_maps
 sky=$(world_key sky)
 [ -z "$sky" ] && textures | grep -qx sky && sky=1
 case $sky in
@@ -96,8 +117,9 @@ watched=("$map" "$home/textures.toml" "$home/materials")
 
 # sources OF: sets it to the files that a file was made of, from the line that its tool has left beside it.
 sources() {
+    it=()
     # shellcheck disable=SC2162 # the backslashes stand before blanks of names
-    read -a it <"$1.d" 2>/dev/null
+    [ ! -r "$1.d" ] || read -a it <"$1.d"
     it=("${it[@]:1}")
 }
 
@@ -141,27 +163,31 @@ names() {
         quoted <"$home/textures.toml"
     else
         textures
-        echo zero_body
-        echo zero_head
+        echo "${skin}_body"
+        echo "${skin}_head"
         [ -z "$sky" ] || grep -oE 'material *= *.*' "$sky" | quoted
     fi | sort -u | grep -vxE 'clip|sky'
 }
 
-materials=() pictures=()
+materials=() moving=() pictures=()
 while read -r texture; do
     # A name without a picture is left out: mapc tells it, with its line in the map.
     picture "$texture" || continue
     pictures+=("$it")
-    [[ $texture == zero_* ]] || materials+=("$texture")
+    [[ $texture == "$skin"_* ]] && continue
+    sources "$it"
+    if grep -qs '^moving *= *true' "${it[@]}" /dev/null; then moving+=("$texture"); else materials+=("$texture"); fi
 done < <(names)
 
 list=$home/textures.toml
 if [ ! -r "$list" ]; then
     list=$made/textures.toml
+    [ ${#moving[@]} -lt 2 ] || give_up "${moving[0]} and ${moving[1]} both move: a level has room for one such material"
     read -r red green blue <<<"$(world_key dark_color)"
     {
         printf 'dark = "#%02x%02x%02x"\nground = "#000000"\n' $((${red:-0} * 4)) $((${green:-0} * 4)) $((${blue:-0} * 4))
-        printf 'skin = ["zero_body", "zero_head"]\nmaterials = [\n'
+        [ ${#moving[@]} = 0 ] || printf 'animated = "%s"\n' "${moving[0]}"
+        printf 'skin = ["%s_body", "%s_head"]\nmaterials = [\n' "$skin" "$skin"
         printf '    "%s",\n' "${materials[@]}"
         printf ']\n'
     } >"$list"
@@ -195,5 +221,8 @@ cp -rs "$data"/. "$play" || give_up "$play cannot be made"
 rm -rf "$play/game/data/levels/level$level" && mv "$new" "$play/game/data/levels/level$level"
 ln -sf "$data/disc/track0$track.flac" "$play/disc/track0$row_track.flac"
 sources "$made/level" && watched+=("${it[@]}")
+while read -r image; do
+    watched+=("$home/$image")
+done < <(sed -nE 's/^[ \t]*"image"[ \t]+"([^"]+)".*/\1/p' "${maps[@]}")
 printf '%s\n' "${watched[@]}" >"$play/watched.txt"
 printf -- '--data\n%s\n--level\n%s\n' "$play" "$level"

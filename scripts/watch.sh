@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# watch.sh BUILD DATA FILE.map GAME NEWS OPTION...: compiles a map again whenever it changes, or anything that it is made
-# of, until the process GAME ends. OPTION... are those that map.sh printed for the level that is played at first; its
-# light is made good now. First comes a quick look, then the full light; NEWS tells the game of each (option --watch).
+# watch.sh BUILD DATA GAME NEWS OPTION...: compiles a map again whenever it changes, or anything that it is made of, until
+# the process GAME ends. OPTION... are those that map.sh printed for the level that is played at first; its light is made
+# good now. First comes a quick look, then the full light; NEWS tells the game of each (option --watch).
 # A fault goes to NEWS, too, and to standard error; the level before it is played on.
 set -u
-build=$1 data=$2 map=$(realpath "$3") game=$4 news=$5
-shift 5
+build=$1 data=$2 game=$3 news=$4
+shift 4
+map=$(<"${2%/*}/place.txt")
 scripts=$(dirname "${BASH_SOURCE[0]}")
 compiling=
 

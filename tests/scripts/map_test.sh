@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# map_test.sh BUILD DATA: any map can be compiled and played as ./play --map does it: the example with its defaults and
-# under a sky with keys of its own, with a picture and a recipe beside it; a map that cannot be is told by line, and leaves
+# map_test.sh BUILD DATA: any map can be compiled and played as ./play --map does it: the examples with their defaults, and
+# one under a sky with keys of its own, with a picture and a recipe beside it; a map that cannot be is told by line, and leaves
 # the one before it as it was. A map that is watched is compiled again after each change.
 set -u
 build=$1 data=$2
@@ -33,21 +33,37 @@ plays "$map" 3
 before=$(cksum "$folder"/game/data/levels/level3/*.*)
 sed -i 's/flagstones/flagstonez/' "$map"
 if text=$(scripts/map.sh "$build" "$data" "$map" 2>&1); then fail "an unknown texture is taken"; fi
-[[ $text == *"my map.map:10: the texture \"flagstonez\""* ]] || fail "the texture's line is not told: $text"
+[[ $text == *"my map.map:11: the texture \"flagstonez\""* ]] || fail "the texture's line is not told: $text"
 [ "$(cksum "$folder"/game/data/levels/level3/*.*)" = "$before" ] || fail "the map before it is gone"
 
 sed -E 's/coffer_wood/sky/; s/"ambient" "12"/"ticks" "2"\n"track" "2"/' content/examples/ten_brushes.map >"$scratch/open.map"
 plays "$scratch/open.map" 6
 [ -r "$folder/game/data/levels/level6/sky.sob" ] || fail "the open map has no sky"
 [ "$(readlink -f "$folder/disc/track03.flac")" = "$(readlink -f "$data/disc/track02.flac")" ] || fail "the wrong music"
+plays content/examples/valley.map 6
 
 # Materials of its own, and the name alone of a map that was compiled before.
 mkdir "$scratch/materials"
 cp "$build/materials/crate.png" "$scratch/materials/mine.png"
-printf 'size = [64, 64]\n[[layer]]\npattern = "fill"\ncolour = "#804020"\n' >"$scratch/materials/red.toml"
+printf 'size = [64, 64]\nmoving = true\n[[layer]]\npattern = "fill"\ncolour = "#804020"\n' >"$scratch/materials/red.toml"
 sed -E 's/trim_stone/mine/; s/planks_oak/red/' content/examples/ten_brushes.map >"$scratch/own.map"
 plays "$scratch/own.map" 3
 plays own 3
+
+# What the map editor gets: of each level its own materials, none of them missing, and one frame of what moves.
+mkdir -p "$scratch/editor" && ln -s "$(realpath "$build/editor/all")" "$scratch/editor"
+scripts/editor.sh "$scratch/editor" || fail "the editor is not set up"
+for level in "$scratch"/editor/level*/materials; do
+    for picture in "$level"/*; do [ -r "$picture" ] || fail "the editor misses $picture"; done
+    [ ! -e "$level/zero_body.png" ] || fail "the editor offers a skin"
+done
+[ -e "$scratch/editor/level6/materials/swamp_pool.png" ] || fail "the editor misses what moves in level 6"
+[ ! -e "$scratch/editor/level6/materials/brick_red.png" ] || fail "the editor offers materials that level 6 does not have"
+size() { od -An -j16 -N8 -tx1 "$1" | tr -d ' '; }
+[ "$(size "$build/editor/all/materials/water.png")" = 0000004000000040 ] ||
+    fail "the editor shows a moving material as a strip"
+play=$(sed -nE 's/.*"(tool|path)": "(.*)".*/\2/p' "$scratch"/editor/games/tarnwick/*Profiles.cfg | sort -u)
+[ "$play" -ef play ] || fail "the editor starts \"$play\""
 
 # says TEXT: the news come to have it.
 says() {
@@ -63,14 +79,14 @@ cp content/examples/ten_brushes.map "$map"
 mapfile -t options < <(scripts/map.sh "$build" "$data" "$map" --fast)
 sleep 1000 &
 game=$!
-scripts/watch.sh "$build" "$data" "$map" $game "$news" "${options[@]}" 2>"$scratch/faults" &
+scripts/watch.sh "$build" "$data" $game "$news" "${options[@]}" 2>"$scratch/faults" &
 watcher=$!
 number=${options[1]##*.}
 says "data.$((number + 1))"$'\n'"level 3"  # lit
 sed -i 's/"light" "90"/"light" "80"/' "$map"
 says "data.$((number + 3))"$'\n'"level 3"  # a quick look, then lit again
 sed -i 's/flagstones/flagstonez/' "$map"
-says $'\nmy map.map:10 (entity 0, brush 0): the texture "flagstonez"'
+says $'\nmy map.map:11 (entity 0, brush 0): the texture "flagstonez"'
 place=$(grep '^place' "$news")
 grep -q flagstonez "$scratch/faults" || fail "the watcher does not tell the fault"
 sed -i 's/flagstonez/flagstones/; s/-300 -300 40/-200 -300 40/' "$map"

@@ -14,7 +14,7 @@
 namespace {
 
 struct Options {
-    std::string recipe, picture, dependencies;
+    std::string recipe, picture, still, dependencies;
     std::string level, pictures, texture, list, sheet, accelerator;
     std::vector<std::string> sheetPictures;
 };
@@ -22,6 +22,7 @@ struct Options {
 void Paint(const Options& options) {
     const PaintedMaterial material = PaintMaterial(options.recipe);
     WritePng(options.picture, material.picture);
+    if (!options.still.empty()) WritePng(options.still, FirstPicture(material));
     if (options.dependencies.empty()) return;
     const std::string line = DepfileLine(options.picture, material.sources);
     WriteWholeFile(options.dependencies, {line.begin(), line.end()});
@@ -58,6 +59,7 @@ int main(int argc, char** argv) {
     CLI::App* paint = app.add_subcommand("paint", "Paint one recipe as a true-colour PNG");
     paint->add_option("recipe", options.recipe, "The recipe (.toml)")->required();
     paint->add_option("-o,--output", options.picture, "The picture (.png)")->required();
+    paint->add_option("--still", options.still, "Write the first picture of a moving material alone, for map editors");
     paint->add_option("--depfile", options.dependencies, "Write the files the picture depends on, for the build");
     CLI::App* level = app.add_subcommand("level", "Compile the materials that a level lists");
     level->add_option("list", options.level, "The level's textures.toml")->required();

@@ -111,9 +111,16 @@ Image Studio::Draw(Recipe& recipe) const {
 
 PaintedMaterial Studio::Paint(const std::filesystem::path& path) {
     Recipe recipe = Read(path);
-    return {Draw(recipe), sources_};
+    return {Draw(recipe), sources_, recipe.pictures};
 }
 
 PaintedMaterial PaintMaterial(const std::filesystem::path& path) {
     return Studio().Paint(path);
+}
+
+Image FirstPicture(const PaintedMaterial& material) {
+    Image first = material.picture;
+    first.height /= material.pictures;
+    first.pixels.resize(first.pixels.size() / static_cast<size_t>(material.pictures));
+    return first;
 }

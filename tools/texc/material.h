@@ -16,10 +16,12 @@ constexpr int ANIMATION_PICTURES = 4;  // pictures of a moving material, shown i
 struct PaintedMaterial {
     Image picture;  // alpha 0 or 255; the pictures of a moving material stand below each other
     std::vector<std::filesystem::path> sources;  // every file that was read
+    int pictures = 1;                            // ANIMATION_PICTURES of a moving material
 };
 
 // ContentError names the file and the line.
 PaintedMaterial PaintMaterial(const std::filesystem::path& recipe);
+Image FirstPicture(const PaintedMaterial& material);
 
 // Where recipes find what they show: each picture is read once and each other recipe painted once, however many layers
 // show it.
