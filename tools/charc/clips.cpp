@@ -1,6 +1,7 @@
 #include "charc/clips.h"
 
 #include <algorithm>
+#include <map>
 
 namespace {
 
@@ -28,56 +29,70 @@ void Measure(const BonePoints& points, const BonePlaces& wanted, const BonePlace
     }
 }
 
-Quaternion Middle(const Quaternion& a, const Quaternion& b) {
-    return Normalized({a.w + b.w, a.x + b.x, a.y + b.y, a.z + b.z});
-}
-
-BoneTurns Middle(const BoneTurns& a, const BoneTurns& b) {
-    BoneTurns middle;
-    for (size_t i = 0; i < CHARACTER_BONES; ++i)
-        middle.turns[i] = Middle(a.turns[i], b.turns[i]);
-    middle.position = (a.position + b.position) * 0.5;
-    return middle;
-}
-
-// Negates quaternions where needed: the game turns from key to key by the quaternions as they stand, so neighbours must
-// lie on the same side of the sphere.
-void KeepSides(std::vector<BoneTurns>& poses) {
-    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
-        for (size_t k = 0; k < poses.size(); ++k) {
-            Quaternion& q = poses[k].turns[b];
-            const bool flip = k == 0 ? q.w < 0 : Dot(q, poses[k - 1].turns[b]) < 0;
-            if (flip) q = Negated(q);
-        }
-    }
-}
-
 bool Same(const Quaternion& a, const Quaternion& b) {
     constexpr double NEARLY = 1e-6;
     return std::abs(a.w - b.w) < NEARLY && std::abs(a.x - b.x) < NEARLY && std::abs(a.y - b.y) < NEARLY &&
            std::abs(a.z - b.z) < NEARLY;
 }
 
-BoneTracks TracksOf(const Bone& bone, size_t index, const std::vector<BoneTurns>& poses,
-                    const std::vector<uint32_t>& times) {
-    BoneTracks tracks;
-    tracks.pivot = {bone.pivot.x, bone.pivot.y, bone.pivot.z};
-    const Quaternion& first = poses[0].turns[index];
+using PosesByTime = std::map<uint32_t, BoneTurns>;
+
+// The game turns from key to key by the quaternions as they stand, so neighbours must lie on the same side of the
+// sphere: the others are negated.
+std::vector<RotationKey> RotationsOf(size_t bone, const PosesByTime& poses, const std::vector<uint32_t>& times) {
+    const Quaternion& first = poses.at(times[0]).turns[bone];
     const bool still =
-        std::all_of(poses.begin(), poses.end(), [&](const BoneTurns& pose) { return Same(pose.turns[index], first); });
-    for (size_t k = 0; k < (still ? 1 : poses.size()); ++k) {
-        const Quaternion& q = poses[k].turns[index];
-        tracks.rotations.push_back({times[k], {q.w, q.x, q.y, q.z}});
+        std::all_of(poses.begin(), poses.end(), [&](const auto& pose) { return Same(pose.second.turns[bone], first); });
+    std::vector<RotationKey> keys;
+    Quaternion before = {1, 0, 0, 0};
+    for (const uint32_t time : times) {
+        Quaternion q = poses.at(time).turns[bone];
+        if (Dot(q, before) < 0) q = Negated(q);
+        before = q;
+        keys.push_back({time, {q.w, q.x, q.y, q.z}});
+        if (still) break;
     }
-    if (index != 0) {
-        tracks.positions.push_back({CHARACTER_FIRST_TIME, {}});
-        return tracks;
+    return keys;
+}
+
+std::vector<PositionKey> PositionsOf(const PosesByTime& poses, const std::vector<uint32_t>& times) {
+    std::vector<PositionKey> keys;
+    for (const uint32_t time : times) {
+        const Vector& p = poses.at(time).position;
+        keys.push_back({time, {p.x, p.y, p.z}});
     }
-    for (size_t k = 0; k < poses.size(); ++k) {
-        const Vector& p = poses[k].position;
-        tracks.positions.push_back({times[k], {p.x, p.y, p.z}});
+    return keys;
+}
+
+// The last key before a time that is not the first, the one after it, and how far between them the time is.
+template <class Key>
+struct Segment {
+    const Key &from, &to;
+    double part;
+};
+template <class Key>
+Segment<Key> SegmentAt(const std::vector<Key>& keys, double time) {
+    if (keys.size() == 1) return {keys[0], keys[0], 0};
+    const auto after = std::find_if(keys.begin() + 1, keys.end() - 1, [&](const Key& key) { return key.time >= time; });
+    const Key &from = after[-1], &to = *after;
+    return {from, to, (time - from.time) / (to.time - from.time)};
+}
+
+// What the game shows at a time between keys, but for the evenness of the turn.
+BoneTurns TurnsAt(const CharacterAnimation& animation, double time) {
+    BoneTurns pose;
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        const auto [from, to, part] = SegmentAt(animation.bones[b].rotations, time);
+        const auto along = [&, &a = from.rotation, &c = to.rotation, t = part](size_t i) {
+            return a[i] + (c[i] - a[i]) * t;
+        };
+        pose.turns[b] = Normalized({along(0), along(1), along(2), along(3)});
     }
-    return tracks;
+    const auto [from, to, part] = SegmentAt(animation.bones[0].positions, time);
+    const Vector a = {from.position[0], from.position[1], from.position[2]};
+    const Vector c = {to.position[0], to.position[1], to.position[2]};
+    pose.position = a + (c - a) * part;
+    return pose;
 }
 
 // The part of the model's animation that belongs to the part of the game's that is over.
@@ -110,24 +125,33 @@ BuiltClip BuildClip(const Model& model, const Skeleton& skeleton, const SkinnedM
             place = Translation(walked * -part) * place;
         return places;
     };
-    std::vector<BoneTurns> poses;
-    for (const uint32_t time : recipe.times) {
+    PosesByTime poses;
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        for (const uint32_t time : recipe.TimesOf(b))
+            poses[time];
+    }
+    for (auto& [time, pose] : poses) {
         const BonePlaces wanted = wantedAt(time);
-        poses.push_back(TurnsOf(skeleton, wanted));
-        Measure(points, wanted, PlacesOf(skeleton, poses.back()), built.report.atKeys);
+        pose = TurnsOf(skeleton, wanted);
+        Measure(points, wanted, PlacesOf(skeleton, pose), built.report.atKeys);
     }
+    BoneTurns &start = poses.begin()->second, &end = poses.rbegin()->second;
     if (recipe.loop) {
-        Measure(points, PlacesOf(skeleton, poses.front()), PlacesOf(skeleton, poses.back()), built.report.loopGap);
-        poses.back() = poses.front();
-    }
-    KeepSides(poses);
-    for (size_t k = 1; k < poses.size(); ++k) {
-        Measure(points, wantedAt((recipe.times[k - 1] + recipe.times[k]) * 0.5),
-                PlacesOf(skeleton, Middle(poses[k - 1], poses[k])), built.report.betweenKeys);
+        Measure(points, PlacesOf(skeleton, start), PlacesOf(skeleton, end), built.report.loopGap);
+        end = start;
     }
     built.animation.length = recipe.times.back();
     built.animation.commands = skeleton.commands;
-    for (size_t b = 0; b < CHARACTER_BONES; ++b)
-        built.animation.bones.push_back(TracksOf(skeleton.bones[b], b, poses, recipe.times));
+    for (size_t b = 0; b < CHARACTER_BONES; ++b) {
+        const Vector& pivot = skeleton.bones[b].pivot;
+        built.animation.bones.push_back(
+            {{pivot.x, pivot.y, pivot.z}, RotationsOf(b, poses, recipe.TimesOf(b)), {{CHARACTER_FIRST_TIME, {}}}});
+    }
+    built.animation.bones[0].positions = PositionsOf(poses, recipe.TimesOf(0));
+    for (auto to = std::next(poses.begin()); to != poses.end(); ++to) {
+        const double middle = (std::prev(to)->first + to->first) * 0.5;
+        Measure(points, wantedAt(middle), PlacesOf(skeleton, TurnsAt(built.animation, middle)),
+                built.report.betweenKeys);
+    }
     return built;
 }

@@ -40,7 +40,24 @@ std::vector<uint32_t> ListedTimes(const TomlTable& table, uint32_t length, uint3
     return times;
 }
 
-ClipRecipe ReadClipRecipe(const TomlTable& table) {
+// Bones that turn at times of their own.
+void ReadPart(const TomlTable& table, const std::vector<std::string>& joints, uint32_t length, uint32_t blend,
+              ClipRecipe& clip) {
+    for (const std::string& joint : table.Texts("joints")) {
+        const auto found = std::find(joints.begin(), joints.end(), joint);
+        if (joint.empty() || found == joints.end())
+            table.RefuseKey("joints", fmt::format("names '{}', which is no bone", Shown(joint)),
+                            "take names from the recipe's 'joints'");
+        std::vector<uint32_t>& times = clip.ownTimes[static_cast<size_t>(found - joints.begin())];
+        if (!times.empty())
+            table.RefuseKey("joints", fmt::format("names '{}' a second time", Shown(joint)),
+                            "leave it in one part of the clip");
+        times = ListedTimes(table, length, blend);
+    }
+    table.Finish();
+}
+
+ClipRecipe ReadClipRecipe(const TomlTable& table, const std::vector<std::string>& joints) {
     ClipRecipe clip;
     clip.file = table.NeedText("file");
     const UsualClip* usual = UsualClipOf(clip.file);
@@ -57,6 +74,8 @@ ClipRecipe ReadClipRecipe(const TomlTable& table) {
     const auto step = static_cast<uint32_t>(table.Int("every", static_cast<int>(usual->step), 1, CLIP_LENGTH_MAX));
     if (listed && table.Has("every")) table.RefuseKey("every", "stands beside 'keys'", "keep one of them");
     clip.times = listed ? ListedTimes(table, length, blend) : EvenTimes(length, step, blend);
+    for (const TomlTable& part : table.Tables("part"))
+        ReadPart(part, joints, length, blend, clip);
     table.Finish();
     return clip;
 }
@@ -138,7 +157,7 @@ CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
     for (const TomlTable& table : text.Tables("skin"))
         recipe.skins.push_back(ReadSkinRecipe(table, folder, recipe.materials.size()));
     for (const TomlTable& table : text.Tables("clip"))
-        recipe.clips.push_back(ReadClipRecipe(table));
+        recipe.clips.push_back(ReadClipRecipe(table, recipe.joints));
     text.Finish();
     NeedSkins(text, recipe.skins);
     NeedOnce(text, "clip", recipe.clips);

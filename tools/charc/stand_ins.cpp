@@ -53,7 +53,10 @@ bool AddStandIns(CharacterRecipe& recipe) {
         }
         ClipRecipe clip = *Find(given, chosen.source);
         const bool sameKind = clip.loop == usual.loop && chosen.play != ClipPlay::FIRST_POSE;
-        if (!sameKind) clip.times = EvenTimes(usual.length, usual.step, usual.blend);
+        if (!sameKind) {
+            clip.times = EvenTimes(usual.length, usual.step, usual.blend);
+            clip.ownTimes = {};
+        }
         clip.file = usual.file;
         clip.play = chosen.play;
         clip.loop = usual.loop;

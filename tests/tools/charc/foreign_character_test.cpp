@@ -93,6 +93,34 @@ TEST_F(ForeignCharacter, QuaternionsStayOnOneSideAndKeysStandAsListed) {
     }
 }
 
+// A bone's own keys hold the pose that keys of all bones hold at those times.
+TEST_F(ForeignCharacter, APartOfItTurnsAtTimesOfItsOwn) {
+    const auto backOf = [](const std::string& keys) {
+        Fixture fixture;
+        fixture.Replace("keys = [10, 110, 210, 310, 410]", keys);
+        for (const OutputFile& file : fixture.Compile().files) {
+            if (file.path == "zeroback.anm") return DecodeAnimation(file.content, file.path.string());
+        }
+        return CharacterAnimation();
+    };
+    const CharacterAnimation whole = backOf("keys = [10, 60, 210, 330, 410]");
+    const CharacterAnimation parts =
+        backOf("keys = [10, 210, 410]\n[[clip.part]]\njoints = ['Bip.000', 'Bip.006']\nkeys = [10, 60, 330, 410]");
+    ASSERT_EQ(parts.bones.size(), whole.bones.size());
+    for (size_t bone = 0; bone < parts.bones.size(); ++bone) {
+        const bool isOwn = bone == 0 || bone == 6;
+        const std::vector<size_t> kept = isOwn ? std::vector<size_t>{0, 1, 3, 4} : std::vector<size_t>{0, 2, 4};
+        ASSERT_EQ(parts.bones[bone].rotations.size(), kept.size()) << bone;
+        for (size_t k = 0; k < kept.size(); ++k) {
+            EXPECT_EQ(parts.bones[bone].rotations[k].time, whole.bones[bone].rotations[kept[k]].time);
+            const auto &a = parts.bones[bone].rotations[k].rotation, &b = whole.bones[bone].rotations[kept[k]].rotation;
+            EXPECT_NEAR(std::abs(a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3]), 1, 1e-9);
+        }
+    }
+    EXPECT_EQ(parts.bones[0].positions.size(), 4U);
+    EXPECT_EQ(parts.bones[0].positions[2].position, whole.bones[0].positions[3].position);
+}
+
 // The first 850 and 899 triangles of the dense model have more than 500 points.
 TEST_F(ForeignCharacter, TooManyPointsOfFewTrianglesAreSimplified) {
     for (const char* corners : {"2550", "2697"}) {
@@ -124,6 +152,11 @@ TEST_F(ForeignCharacter, FaultsAreNamedAndNothingIsWritten) {
         {"[10, 110,", "[20, 110,", "do not rise from 10 to 410"},
         {"310, 410]", "310, 400]", "do not rise from 10 to 410"},
         {"length = 410", "length = 410\nblend = 120", "have one at 110, before 120"},
+        {"310, 410]", "310, 410]\n[[clip.part]]\njoints = ['Bip.6']\nkeys = [10, 410]",
+         "names 'Bip.6', which is no bone"},
+        {"310, 410]", "310, 410]\n[[clip.part]]\njoints = ['Bip.006', 'Bip.006']\nkeys = [10, 410]",
+         "names 'Bip.006' a second time"},
+        {"310, 410]", "310, 410]\n[[clip.part]]\njoints = ['Bip.006']\nkeys = [10, 400]", "do not rise from 10 to 410"},
         {"'Material.001'", "'Material.002'", "uses the material 'Material.001'"},
         {"pictures = ['skin.png']", "", "0 pictures for 1"},
         {"'foreign.glb'", "'bare.glb'", "has no skin"},
