@@ -109,6 +109,26 @@ double LeastStepFrom(Stage& stage, const std::vector<PlayerState>& states) {
     return least;
 }
 
+double LeastSlideFrom(Stage& stage, PlayerState state, int blendFrames) {
+    std::map<size_t, std::pair<float, float>> ways;  // by point of a sole: from where to where it is down
+    for (uint32_t time = ANIM_START_TIME; time < stage.LengthOf(state); time += ANIM_TICK_UNITS) {
+        const Moment moment = stage.PoseAt(state, time);
+        for (const std::vector<size_t>& sole : {stage.LeftSole(), stage.RightSole()}) {
+            for (const size_t point : sole) {
+                const Vec3 place = moment.points[point];
+                if (place.y > GROUND + DOWN) continue;
+                auto& [from, to] = ways.try_emplace(point, place.z, place.z).first->second;
+                from = std::min<float>(from, place.z);
+                to = std::max<float>(to, place.z);
+            }
+        }
+    }
+    double longest = 0;
+    for (const auto& [point, way] : ways)
+        longest = std::max(longest, double{way.second} - double{way.first});
+    return longest / 2 / blendFrames;
+}
+
 std::string MotionReport(const std::filesystem::path& folder) {
     std::string text =
         "Steps of the character's points from frame to frame, as the game blends them, in units: the largest of any\n"
@@ -136,5 +156,8 @@ std::string MotionReport(const std::filesystem::path& folder) {
     row("from run", {STATE_RUN});
     row("from walk", {STATE_WALK});
     row("from ready, run up, run and walk", {STATE_READY, STATE_RUN_UP, STATE_RUN, STATE_WALK});
+    text += "\nA foot that stays down slides in the first frame of a blend of 13 by at least\n";
+    for (const PlayerState state : {STATE_RUN, STATE_WALK, STATE_BACK})
+        text += fmt::format("{:34}{:8.1f}\n", fmt::format("from {}", NameOf(state)), LeastSlideFrom(stage, state, 13));
     return text;
 }

@@ -104,6 +104,7 @@ Moment Stage::Pose() const {
     moment.time = PlayerActor.layerTimes[0];
     moment.blends = PlayerActor.blendDuration != 0;
     moment.onGround = PlayerActor.onContact != 0;
+    moment.points.reserve(PlayerMesh.pointCount);
     for (uint32_t i = PlayerMesh.firstPoint; i < uint32_t{PlayerMesh.firstPoint} + PlayerMesh.pointCount; ++i) {
         const ViewPoint& point = WorldGeometry.viewPoints[i];
         moment.points.push_back({point.x, point.y, point.z});
@@ -159,23 +160,26 @@ std::array<double, 3> Stage::PivotOf(size_t bone) const {
     return pivot;
 }
 
+Stage::Course Stage::SaveCourse() const {
+    return {PlayerActor, PlayerStates[STATE_HOP_TAKE_OFF].impulse, PlayerStates[STATE_LEAP_TAKE_OFF].impulse, JumpHeld,
+            travel_};
+}
+
 Stage::Snapshot Stage::Save() const {
-    return {PlayerActor,
-            {PlayerMesh.bones, PlayerMesh.bones + PlayerMesh.boneCount},
-            PlayerStates[STATE_HOP_TAKE_OFF].impulse,
-            PlayerStates[STATE_LEAP_TAKE_OFF].impulse,
-            JumpHeld,
-            travel_,
-            now_};
+    return {SaveCourse(), {PlayerMesh.bones, PlayerMesh.bones + PlayerMesh.boneCount}, now_};
+}
+
+void Stage::Restore(const Course& course) {
+    PlayerActor = course.actor;
+    PlayerActor.position.x = PlayerActor.position.z = 0.0f;
+    PlayerStates[STATE_HOP_TAKE_OFF].impulse = course.hopImpulse;
+    PlayerStates[STATE_LEAP_TAKE_OFF].impulse = course.leapImpulse;
+    JumpHeld = course.jumpHeld;
+    travel_ = course.travel;
 }
 
 void Stage::Restore(const Snapshot& snapshot) {
-    PlayerActor = snapshot.actor;
-    PlayerActor.position.x = PlayerActor.position.z = 0.0f;
+    Restore(snapshot.course);
     std::copy(snapshot.bones.begin(), snapshot.bones.end(), PlayerMesh.bones);
-    PlayerStates[STATE_HOP_TAKE_OFF].impulse = snapshot.hopImpulse;
-    PlayerStates[STATE_LEAP_TAKE_OFF].impulse = snapshot.leapImpulse;
-    JumpHeld = snapshot.jumpHeld;
-    travel_ = snapshot.travel;
     now_ = snapshot.now;
 }

@@ -14,6 +14,8 @@
 // Height of the ground in the frame of the actor's position: minus the recipe's `origin`.
 constexpr float GROUND = -110.0f;
 
+constexpr float DOWN = 1.5f;  // a sole counts as down within this distance of the ground, units
+
 // The character in one frame, in the frame of the actor's position: y up, facing -z, the right hand at -x.
 struct Moment {
     int32_t state = 0;
@@ -54,16 +56,22 @@ public:
     uint32_t LengthOf(int32_t state) const;
     std::array<double, 3> PivotOf(size_t bone) const;  // in the mesh at rest
 
-    // All that the next frame depends on. The place on the floor is no part of it.
-    struct Snapshot {
+    // What Move changes. The place on the floor is no part of it.
+    struct Course {
         Actor actor;
-        std::vector<BoneRecord> bones;
         Vec3 hopImpulse, leapImpulse;
         int16_t jumpHeld;
         Vec3 travel;
+    };
+    // All that the next frame depends on: what Move and Draw change.
+    struct Snapshot {
+        Course course;
+        std::vector<BoneRecord> bones;
         Moment now;
     };
+    Course SaveCourse() const;
     Snapshot Save() const;
+    void Restore(const Course& course);
     void Restore(const Snapshot& snapshot);
 
     const std::vector<size_t>& LeftSole() const { return soles_[0]; }  // points of the mesh at rest on the ground

@@ -10,16 +10,24 @@
 
 namespace {
 
-constexpr float DOWN = 1.5f;  // a sole counts as down within this distance of the floor, units
 constexpr int EVERY_FRAME =
-    60;                         // in this many first frames of a state all keys are tried; later ones only now and then
-constexpr int AT_TIMES = 12;    // frames between the later ones
-constexpr int STAY_MAX = 600;   // frames, beyond all that the handlers wait for
-constexpr int AFTER_BLEND = 3;  // frames that still belong to a change
+    60;                        // in this many first frames of a state all keys are tried; later ones only now and then
+constexpr int AT_TIMES = 12;   // frames between the later ones
+constexpr int STAY_MAX = 600;  // frames, beyond all that the handlers wait for
+constexpr double SAME_POSE = 0.5;  // units; a change is not followed again from a pose whose points are all as near
+constexpr int AFTER_BLEND = 3;     // frames that still belong to a change
 constexpr int32_t EVEN = 0x3FE, ODD = 0x3FF;  // random words that make a handler act that waits for one
 
 double Distance(const Vec3& a, const Vec3& b) {
-    return std::hypot(double{a.x} - double{b.x}, double{a.y} - double{b.y}, double{a.z} - double{b.z});
+    const double x = double{a.x} - double{b.x}, y = double{a.y} - double{b.y}, z = double{a.z} - double{b.z};
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+// A change from one of them shows what it shows from the other. In the air it also counts how high the character is.
+bool Alike(const Moment& a, const Moment& b) {
+    const auto near = [](const Vec3& p, const Vec3& q) { return Distance(p, q) < SAME_POSE; };
+    return a.blends == b.blends && a.onGround && b.onGround && near(a.travel, b.travel) &&
+           std::equal(a.points.begin(), a.points.end(), b.points.begin(), b.points.end(), near);
 }
 
 // How far the sole's lowest point slid, if it is down in both moments.
@@ -50,7 +58,7 @@ std::vector<FrameInput> AllInputs() {
 
 class Explorer {
 public:
-    Explorer(Stage& stage, uint32_t ticks) : stage_(stage), ticks_(ticks) {}
+    Explorer(Stage& stage, uint32_t ticks, Changes changes) : stage_(stage), ticks_(ticks), changes_(changes) {}
 
     Movement Run() {
         for (int i = 0; i < AT_TIMES; ++i)
@@ -68,12 +76,13 @@ private:
     // Plays one frame more in the same state, with whatever keys keep it. False: the state ends by itself; nothing was
     // done.
     bool Stay() {
-        const Stage::Snapshot before = stage_.Save();
+        const Stage::Course before = stage_.SaveCourse();
+        const int32_t state = stage_.State();
         for (const uint16_t controls :
              {held_, uint16_t{0}, CTL_UP, static_cast<uint16_t>(CTL_UP | CTL_SHIFT), CTL_DOWN}) {
             stage_.Move(ticks_, {controls, 0, false});
             held_ = controls;
-            if (stage_.State() == before.now.state) {
+            if (stage_.State() == state) {
                 stage_.Draw();
                 return true;
             }
@@ -93,6 +102,7 @@ private:
 
     void StayAndLeave() {
         ++walk_;
+        followed_.clear();
         for (int frame = 0; frame < STAY_MAX; ++frame) {
             const Stage::Snapshot here = stage_.Save();
             if (!IsNew(here.now)) return;
@@ -111,17 +121,29 @@ private:
     void LeaveEveryWay(const Stage::Snapshot& here) {
         std::set<int32_t> left;
         for (const FrameInput& input : AllInputs()) {
-            stage_.Restore(here);
+            stage_.Restore(here.course);
             stage_.Move(ticks_, input);
             const int32_t to = stage_.State();
             if (to == here.now.state || !left.insert(to).second) continue;
+            const bool isNew = known_.insert({here.now.state, to}).second;
+            if (!isNew && !IsToFollow(here.now, to)) continue;
             stage_.Draw();
             const uint16_t kept = held_;
             held_ = input.controls;
-            if (known_.insert({here.now.state, to}).second) pending_.push_back(stage_.Save());
+            if (isNew) pending_.push_back(stage_.Save());
             Follow(here.now);
             held_ = kept;
+            stage_.Restore(here);
         }
+    }
+
+    bool IsToFollow(const Moment& from, int32_t to) {
+        if (from.blends && changes_ == Changes::BETWEEN_BLENDS) return false;
+        std::vector<Moment>& left = followed_[to];
+        if (std::any_of(left.begin(), left.end(), [&](const Moment& other) { return Alike(other, from); }))
+            return false;
+        left.push_back(from);
+        return true;
     }
 
     // Measures what follows the change that has just happened.
@@ -146,12 +168,14 @@ private:
 
     Stage& stage_;
     uint32_t ticks_;
+    Changes changes_;
     uint16_t held_ = 0;
     Movement movement_;
     std::set<StatePair> known_;
     std::map<std::pair<int32_t, uint32_t>, int>
         walks_;  // for each state and time of its animation the walk that came by first
     int walk_ = 0;
+    std::map<int32_t, std::vector<Moment>> followed_;  // in this walk, by the state changed into: the moments left
     std::deque<Stage::Snapshot> pending_;  // the moments just after a change, from which the search has yet to go on
 };
 
@@ -178,6 +202,6 @@ void Raise(Measures& worst, const Measures& other) {
     worst.depth = std::max(worst.depth, other.depth);
 }
 
-Movement Explore(Stage& stage, uint32_t ticks) {
-    return Explorer(stage, ticks).Run();
+Movement Explore(Stage& stage, uint32_t ticks, Changes changes) {
+    return Explorer(stage, ticks, changes).Run();
 }
