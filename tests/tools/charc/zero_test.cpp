@@ -74,17 +74,20 @@ double MostStep(const StatePair& pair, double leastIntoCrouch) {
     return InTheAir(pair.first) || InTheAir(pair.second) ? 30 : 20;
 }
 
-// A run begun out of a walk has the farthest to go.
 double MostMean(const StatePair& pair) {
-    if (InTheAir(pair.first) || InTheAir(pair.second)) return 15;
-    return pair == StatePair{STATE_WALK, STATE_RUN} ? 7.5 : 6;
+    return InTheAir(pair.first) || InTheAir(pair.second) ? 15 : 6;
+}
+
+// Blends move feet that are down. A crouch begins with both feet just off the ground.
+double MostSlide(const StatePair& pair) {
+    return IsCrouch(pair.second) ? 5 : 24;
 }
 
 }  // namespace
 
 TEST(ZeroMoves, EvenlyInEveryStateAndFromEachToTheNext) {
     Stage stage(Files());
-    const Movement movement = Explore(stage, 1);
+    const Movement movement = Explore(stage, 1, Changes::BETWEEN_BLENDS);
     EXPECT_EQ(movement.states.size(), 17U) << "all that are ever played but the take-offs, which last one frame";
     EXPECT_GT(movement.transitions.size(), 45U);
     for (const auto& [state, measures] : movement.states) {
@@ -96,9 +99,15 @@ TEST(ZeroMoves, EvenlyInEveryStateAndFromEachToTheNext) {
     const double intoCrouch = LeastStepFrom(stage, {STATE_READY, STATE_RUN_UP, STATE_RUN, STATE_WALK});
     EXPECT_GT(intoCrouch, 36) << "less than a foot's way in a stride needs";
     EXPECT_LT(intoCrouch, 40);
+    EXPECT_GT(movement.transitions.at({STATE_RUN, STATE_LEAP_CROUCH}).worst.largest, LeastStepFrom(stage, {STATE_RUN}))
+        << "not all moments of the run were left";
+    const double intoBlend = LeastSlideFrom(stage, STATE_RUN, 13);
+    EXPECT_GT(intoBlend, 1.5) << "a stride that short would not carry the run";
+    EXPECT_LT(intoBlend, 4);
     for (const auto& [pair, transition] : movement.transitions) {
         EXPECT_LT(transition.worst.largest, MostStep(pair, intoCrouch)) << Named(pair);
-        EXPECT_LT(transition.worst.depth, 6) << Named(pair);
+        EXPECT_LT(transition.worst.depth, 3.4) << Named(pair);
+        EXPECT_LT(transition.worst.slide, MostSlide(pair)) << Named(pair);
         EXPECT_LT(transition.worst.mean, MostMean(pair)) << Named(pair);
     }
     for (const PlayerState state : {STATE_RUN, STATE_WALK, STATE_BACK}) {
@@ -112,7 +121,7 @@ TEST(ZeroMoves, EvenlyInEveryStateAndFromEachToTheNext) {
 TEST(ZeroMoves, NoWorseThanItsSpeedInLongerFrames) {
     for (const uint32_t ticks : {2U, 4U}) {
         Stage stage(Files());
-        for (const auto& [pair, transition] : Explore(stage, ticks).transitions)
+        for (const auto& [pair, transition] : Explore(stage, ticks, Changes::BETWEEN_BLENDS).transitions)
             EXPECT_LT(transition.worst.largest, ticks == 2 ? 58 : 82) << Named(pair) << ", " << ticks << " ticks";
     }
 }
