@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# map.sh BUILD DATA FILE.map [--fast]: compiles any map into a folder of its own below the user's cache, and prints the
-# options with which the game plays it, a line each. DATA is the game's data folder; everything but the level is linked
-# from there. Each time it is a fresh folder, and the one before stays for a game that plays it. Nothing is written
-# beside the map or in the repository; when the map cannot be compiled, the status is 1. A name without a folder that is
-# no file is that of a map compiled before.
+# map.sh BUILD DATA FILE.map [--foreign] [--fast]: compiles any map into a folder of its own below the user's cache, and
+# prints the options with which the game plays it, a line each. DATA is the game's data folder; everything but the level
+# is linked from there. Each time it is a fresh folder, and the one before stays for a game that plays it. Nothing is
+# written beside the map or in the repository; when the map cannot be compiled, the status is 1. A name without a folder
+# that is no file is that of a map compiled before.
 #
 # Keys of worldspawn that say how it is played:
 #   sky    a sky.toml beside the map, or the number of the level whose sky it is; 1 where faces are painted with sky
@@ -11,6 +11,8 @@
 #   track  of the music; that of the level whose place it takes
 # Beside the map, textures.toml lists its materials; without one it gets those that its faces name. Pictures and recipes
 # of its own lie in the folder materials there, and go before the game's.
+#
+# --foreign: the map was made for something else. mapconvert adapts it first, by foreign.toml beside it or else ours.
 set -u
 build=$(realpath "$1") data=$(realpath "$2") map=$3
 shift 3
@@ -43,6 +45,41 @@ mkdir -p "$made"/{pictures,painted} || give_up "$folder cannot be made"
 exec 8>"$folder/.lock"
 flock 8
 echo "$map" >"$folder/place.txt"
+log=$made/compile.log
+: >"$log"
+
+# tool NAME ARGUMENT...: ends the script with its message when it fails.
+tool() {
+    local program=$build/tools/$1
+    shift
+    "$program" "$@" >>"$log" 2>"$made/errors" && return
+    cat "$made/errors" >&2
+    exit 1
+}
+
+# What the level is made of: whoever watches it looks at these.
+watched=("$map")
+
+# adapt: puts the adapted map in the place of one from elsewhere.
+adapt() {
+    local rules=$home/foreign.toml file
+    [ -r "$rules" ] || rules=$root/content/foreign.toml
+    mkdir -p "$made/adapted"
+    tool mapconvert "$map" --rules "$rules" --output "$made/adapted"
+    watched+=("$rules" "$home"/*.[wW][aA][dD])
+    while read -r file; do
+        watched+=("$file")
+    done < <(find "$home/textures" -type f 2>/dev/null)
+    home=$made/adapted
+    map=$home/$name.map
+}
+
+if [ "${1:-}" = --foreign ]; then
+    shift
+    adapt
+else
+    rm -rf "$made/adapted"
+fi
 
 # world_key NAME: of the first entity.
 world_key() {
@@ -99,20 +136,7 @@ track=$(world_key track)
 track=${track:-$row_track}
 [ -r "$data/disc/track0$track.flac" ] || give_up "there is no track $track: use 2 or 3"
 
-log=$made/compile.log
-: >"$log"
-
-# tool NAME ARGUMENT...: ends the script with its message when it fails.
-tool() {
-    local program=$build/tools/$1
-    shift
-    "$program" "$@" >>"$log" 2>"$made/errors" && return
-    cat "$made/errors" >&2
-    exit 1
-}
-
-# What the level is made of: whoever watches it looks at these.
-watched=("$map" "$home/textures.toml" "$home/materials")
+watched+=("$home/textures.toml" "$home/materials")
 [ -z "$sky" ] || watched+=("$sky" "${sky%/*}"/*.glb)
 
 # sources OF: sets it to the files that a file was made of, from the line that its tool has left beside it.

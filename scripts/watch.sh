@@ -7,6 +7,8 @@ set -u
 build=$1 data=$2 game=$3 news=$4
 shift 4
 map=$(<"${2%/*}/place.txt")
+adapt=()
+[ ! -d "${2%/*}/made/adapted" ] || adapt=(--foreign)
 scripts=$(dirname "${BASH_SOURCE[0]}")
 compiling=
 
@@ -48,7 +50,7 @@ for_picture() {
 # compile [--fast]: one level, which the game is told of. False: the map has faults.
 compile() {
     local options fault
-    if ! options=$("$scripts/map.sh" "$build" "$data" "$map" "$@" 2>"$news.errors"); then
+    if ! options=$("$scripts/map.sh" "$build" "$data" "$map" "${adapt[@]}" "$@" 2>"$news.errors"); then
         cat "$news.errors" >&2
         mapfile -t fault < <(for_picture)
         tell "${fault[@]}"

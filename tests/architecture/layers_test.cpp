@@ -49,6 +49,7 @@ const std::vector<Layer> TOOL_LAYERS = {
     {"gltf", {"transforms", "formats"}},
     {"mapc", {"transforms", "formats"}},
     {"texc", {"transforms", "formats"}},
+    {"mapconvert", {"transforms", "formats", "mapc", "texc"}},
     {"picc", {"formats"}},
     {"musicc", {"formats"}},
     {"skyc", {"transforms", "formats", "gltf"}},

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # map_test.sh BUILD DATA: any map can be compiled and played as ./play --map does it: the examples with their defaults, and
-# one under a sky with keys of its own, with a picture and a recipe beside it; a map that cannot be is told by line, and leaves
+# one under a sky with keys of its own, with a picture and a recipe beside it, and one from elsewhere; a map that cannot be is told by line, and leaves
 # the one before it as it was. A map that is watched is compiled again after each change.
 set -u
 build=$1 data=$2
 cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
-for tool in texc mapc skyc; do [ -x "$build/tools/$tool" ] || exit 77; done
+for tool in texc mapc skyc mapconvert; do [ -x "$build/tools/$tool" ] || exit 77; done
 if [ ! -x "$build/tarnwick" ] || [ ! -r "$build/materials/brick_red.png" ] || [ ! -r "$data/disc/track02.flac" ]; then exit 77; fi
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -17,10 +17,10 @@ fail() {
     failures=$((failures + 1))
 }
 
-# plays MAP LEVEL: it is compiled as that level and runs for some frames.
+# plays MAP LEVEL [--foreign]: it is compiled as that level and runs for some frames.
 plays() {
     local options
-    options=$(scripts/map.sh "$build" "$data" "$1" --fast) || { fail "$1 is not compiled"; return; }
+    options=$(scripts/map.sh "$build" "$data" "$1" "${@:3}" --fast) || { fail "$1 is not compiled"; return; }
     mapfile -t options <<<"$options"
     [ "${options[3]}" = "$2" ] || fail "$1 is level ${options[3]}, not $2"
     "$build/tarnwick" --log /dev/null --headless --frames 30 "${options[@]}" || fail "$1 does not run"
@@ -49,6 +49,12 @@ printf 'size = [64, 64]\nmoving = true\n[[layer]]\npattern = "fill"\ncolour = "#
 sed -E 's/trim_stone/mine/; s/planks_oak/red/' content/examples/ten_brushes.map >"$scratch/own.map"
 plays "$scratch/own.map" 3
 plays own 3
+
+# As if it came from elsewhere: other names of textures and classes, and a table of its own beside it.
+sed -E 's/flagstones/Base\/FLAGSTONES/; s/"classname" "light"/"classname" "light_torch"/; s/coffer_wood/GONE/' \
+    content/examples/ten_brushes.map >"$scratch/away.map"
+sed "s,^pictures = .*,pictures = ['$(realpath "$build")/materials']," content/foreign.toml >"$scratch/foreign.toml"
+plays "$scratch/away.map" 3 --foreign
 
 # What the map editor gets: of each level its own materials, none of them missing, and one frame of what moves.
 mkdir -p "$scratch/editor" && ln -s "$(realpath "$build/editor/all")" "$scratch/editor"

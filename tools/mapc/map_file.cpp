@@ -159,7 +159,7 @@ MapFace TakeFace(Scanner& in) {
         Refuse(face.line, fmt::format("a texture scale of {}", scale), "use the editor's default scale");
     }
     while (in.NextIsNumber())
-        in.TakeNumber();
+        in.Take();  // of any size
     return face;
 }
 
