@@ -33,8 +33,9 @@ void CheckStart(const Brushes& brushes, const PlayerStart& start) {
         Refuse(start.line, fmt::format("info_player_start is inside the brush of {}", brush.line.Text()),
                "move it into the open");
     }
-    if (!FloorBelow(brushes, start.origin))
-        Refuse(start.line, "there is no floor below info_player_start", "put it above a floor");
+    const std::optional<Floor> floor = TopmostBelow(brushes, start.origin);
+    if (!floor) Refuse(start.line, "there is no floor below info_player_start", "put it above a floor");
+    if (floor->isSky) Refuse(start.line, "info_player_start is above the sky", "put it below, above a floor");
 }
 
 // A part of the map that the player cannot get to: brushes that touch each other.

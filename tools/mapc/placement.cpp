@@ -7,10 +7,10 @@
 
 namespace {
 
-// The height of the brush's top above or below the point; nothing when a vertical line through the point misses it.
-std::optional<double> TopOf(const Brush& brush, const PlaneTable& planes, const Vec3& p) {
+// The brush's top above or below the point; nothing when a vertical line through the point misses it.
+std::optional<Floor> TopOf(const Brush& brush, const PlaneTable& planes, const Vec3& p) {
     double bottom = -std::numeric_limits<double>::max();
-    double top = std::numeric_limits<double>::max();
+    Floor top{std::numeric_limits<double>::max()};
     for (const BrushSide& side : brush.sides) {
         const Plane& plane = planes[side.plane];
         const double distance = plane.Distance(p);
@@ -20,23 +20,28 @@ std::optional<double> TopOf(const Brush& brush, const PlaneTable& planes, const 
         }
         const double height = p.z - distance / plane.normal.z;
         if (plane.normal.z > 0) {
-            top = std::min(top, height);
+            if (height < top.height) top = {height, side.texture < 0};
         } else {
             bottom = std::max(bottom, height);
         }
     }
-    return bottom < top ? std::optional(top) : std::nullopt;
+    return bottom < top.height ? std::optional(top) : std::nullopt;
 }
 
 }  // namespace
 
-std::optional<double> FloorBelow(const Brushes& brushes, const Vec3& p) {
-    std::optional<double> floor;
+std::optional<Floor> TopmostBelow(const Brushes& brushes, const Vec3& p) {
+    std::optional<Floor> floor;
     for (const Brush& brush : brushes.list) {
-        const std::optional<double> top = TopOf(brush, brushes.planes, p);
-        if (top && *top <= p.z && (!floor || *top > *floor)) floor = top;
+        const std::optional<Floor> top = TopOf(brush, brushes.planes, p);
+        if (top && top->height <= p.z && (!floor || top->height > floor->height)) floor = top;
     }
     return floor;
+}
+
+std::optional<double> FloorBelow(const Brushes& brushes, const Vec3& p) {
+    const std::optional<Floor> floor = TopmostBelow(brushes, p);
+    return floor ? std::optional(floor->height) : std::nullopt;
 }
 
 Vec3 Placement::Turned(const Vec3& v) const {

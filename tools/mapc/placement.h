@@ -24,7 +24,14 @@ struct PlayerStart {
 // The map's info_player_start. ContentError when there is none, more than one, or none with a usable origin and angle.
 PlayerStart FindPlayerStart(const MapFile& map);
 
-// Height of the topmost brush below the point, in map space, if there is any.
+struct Floor {
+    double height = 0;   // map space
+    bool isSky = false;  // its face is left out: nobody can stand there
+};
+
+// The topmost brush below the point, if there is any.
+std::optional<Floor> TopmostBelow(const Brushes& brushes, const Vec3& p);
+// Its height.
 std::optional<double> FloorBelow(const Brushes& brushes, const Vec3& p);
 
 // level 0: scaled only. 1..8: the start's east-north position comes to the level's start, the floor below the start to

@@ -28,7 +28,10 @@ public:
             return brush.kind != BrushKind::Clip && brush.Holds(p, brushes_.planes, 0);
         });
     }
-    bool HasFloorBelow(const Vec3& p) const { return FloorBelow(brushes_, p).has_value(); }
+    bool HasFloorBelow(const Vec3& p) const {
+        const std::optional<Floor> floor = TopmostBelow(brushes_, p);
+        return floor && !floor->isSky;
+    }
 
     static std::vector<Material> MaterialsOf(const MapFile& map) {
         std::vector<Material> list{{SLOT, "clip", 8, 8, MATERIAL_CLIP}, {SLOT, "sky", 8, 8, MATERIAL_SKY}};

@@ -16,6 +16,7 @@ namespace {
 constexpr size_t MATERIALS_MAX = SLOT_CLIP - TEXTURE_CYCLE_LENGTH;
 constexpr Rgba PLAIN_SKY{112, 140, 176, 255};
 constexpr size_t NAME_BYTES_MAX = 40;
+constexpr size_t TEXTURES_READ_MAX = 4096;
 
 struct Texture {
     std::string name;      // in the source
@@ -192,6 +193,8 @@ void Repaint(MapFace& face, const Texture& texture, const Image& picture) {
 
 Painting PaintMap(MapFile& map, const std::map<std::string, double>& area, const std::string& sky,
                   const Pictures& pictures, std::vector<std::string>& notes) {
+    if (area.size() > TEXTURES_READ_MAX)
+        Refuse(map.name, 0, fmt::format("names more than {} textures", TEXTURES_READ_MAX), "divide it");
     Painter painter(pictures, notes);
     Painting painting;
     painting.sky = sky.empty() ? "" : painter.AddSky(sky);

@@ -19,8 +19,8 @@ MapBuilder TwoRooms() {
     return map.Start("0 0 100").Light("200 0 300");
 }
 
-MapBuilder OneRoom() {
-    return MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64");
+MapBuilder OneRoom(const std::string& start = "64 64 64") {
+    return MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start(start);
 }
 
 void ExpectSound(const WorldFile& world) {
@@ -107,6 +107,7 @@ TEST(Compile, MapsThatCannotBecomeLevelsAreRefused) {
         {OneRoom().Start("70 70 70"), "a second info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}), "there is no info_player_start"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("600 0 0"), "there is no floor below info_player_start"},
+        {OneRoom("64 64 99").Box({0, 0, 80}, {512, 512, 96}, "sky"), "info_player_start is above the sky"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("-8 64 64"), "is inside the brush of test.map:"},
         {MapBuilder().Room({0, 0, 0}, {512, 512, 512}).Start("64 64 64", 45), "looks along 45 degrees"},
         {OneRoom().BeginEntity("func_door").Box({100, 100, 0}, {164, 164, 64}), "unknown entity func_door"},

@@ -168,6 +168,9 @@ TEST(Convert, HopelessMapsAndFilesAreRefused) {
         const std::vector<uint8_t> cut(wad.begin(), wad.begin() + static_cast<std::ptrdiff_t>(size));
         EXPECT_THROW(ReadWad(cut, "cut.wad"), ContentError) << size;
     }
+    std::vector<uint8_t> beyond = wad;
+    beyond[beyond.size() - 32] = 255;  // the entry's place
+    EXPECT_TRUE(ReadWad(beyond, "beyond.wad").pictures.empty());
     std::vector<uint8_t> huge = wad;
     huge[12 + 18] = 1;  // 65,552 pixels wide
     ExpectRefusal("is 65552 x 16 pixels", [&] {
