@@ -8,10 +8,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numeric>
 
 namespace {
 
+constexpr int DEPTH_SHOWN_MAX = 40;
 constexpr double STRAY_MAX = 1;  // units; the user is told of a larger stray
 
 template <class Numbers>
@@ -90,11 +92,11 @@ void NoteStrays(const ClipReport& report, const CharacterRecipe& recipe, std::ve
     }
 }
 
-std::string Report(const CompiledCharacter& character, const CharacterRecipe& recipe) {
+std::string Report(const CompiledCharacter& character) {
     std::string text = fmt::format("{} triangles of {}, {} points of {}\n", character.triangles,
                                    CHARACTER_TRIANGLES_MAX, character.points, CHARACTER_POINTS_MAX);
     for (const ClipReport& clip : character.clips) {
-        const std::string& joint = recipe.joints[static_cast<size_t>(clip.betweenKeys.bone)];
+        const std::string& joint = character.joints[static_cast<size_t>(clip.betweenKeys.bone)];
         text += fmt::format("{:13} {:3} keys, between them up to {:.1f} units off ({})\n", clip.file, clip.keys,
                             clip.betweenKeys.distance, joint);
     }
@@ -103,14 +105,76 @@ std::string Report(const CompiledCharacter& character, const CharacterRecipe& re
     return text;
 }
 
+// The nodes that are joints or have joints below them, and how far down each is.
+std::vector<std::pair<int, int>> JointTree(const Model& model) {
+    std::vector<char> shown(model.nodes.nodes.size());
+    for (const ModelJoint& joint : model.joints) {
+        for (int node = joint.node; node >= 0 && !shown[static_cast<size_t>(node)];) {
+            shown[static_cast<size_t>(node)] = 1;
+            node = model.nodes.nodes[static_cast<size_t>(node)].parent;
+        }
+    }
+    std::vector<std::vector<int>> below(shown.size() + 1);  // the last for those on top
+    for (size_t i = shown.size(); i-- > 0;) {
+        const int parent = model.nodes.nodes[i].parent;
+        if (shown[i]) below[parent < 0 ? shown.size() : static_cast<size_t>(parent)].push_back(static_cast<int>(i));
+    }
+    std::vector<std::pair<int, int>> tree, open;
+    for (const int node : below.back())
+        open.emplace_back(node, 0);
+    while (!open.empty()) {
+        const auto [node, depth] = open.back();
+        open.pop_back();
+        tree.emplace_back(node, depth);
+        for (const int child : below[static_cast<size_t>(node)])
+            open.emplace_back(child, std::min(depth + 1, DEPTH_SHOWN_MAX));
+    }
+    return tree;
+}
+
+// For each node how many points follow it.
+std::map<int, size_t> FollowersOf(const Model& model) {
+    std::map<int, size_t> followers;
+    for (const ModelJoint& joint : model.joints)
+        followers[joint.node] = 0;
+    for (const ModelVertex& vertex : model.vertices) {
+        for (const ModelInfluence& influence : vertex.influences)
+            ++followers[model.joints[static_cast<size_t>(influence.joint)].node];
+    }
+    return followers;
+}
+
 }  // namespace
 
-CompiledCharacter CompileCharacter(const CharacterRecipe& recipe) {
-    const Model model = ReadModel(recipe.model);
+std::string ListModel(const std::filesystem::path& path) {
+    const Model model = ReadModel(path);
+    const std::map<int, size_t> followers = FollowersOf(model);
+    std::string text = "joints, and how many points follow each:\n";
+    for (const auto& [node, depth] : JointTree(model)) {
+        const auto found = followers.find(node);
+        text +=
+            fmt::format("{:{}}'{}' {}\n", "", 2 + 2 * depth, Shown(model.nodes.nodes[static_cast<size_t>(node)].name),
+                        found == followers.end() ? "(no joint)" : std::to_string(found->second));
+    }
+    text += "clips:\n";
+    for (const ModelClip& clip : model.clips)
+        text += fmt::format("  '{}' {:.2f} seconds\n", Shown(clip.name), clip.end - clip.begin);
+    text += "materials:\n";
+    for (const std::string& material : model.materials)
+        text += fmt::format("  '{}'\n", Shown(material));
+    for (const std::string& note : model.notes)
+        text += fmt::format("note: {}\n", note);
+    return text;
+}
+
+CompiledCharacter CompileCharacter(const CharacterRecipe& given) {
+    const Model model = ReadModel(given.model);
+    const CharacterRecipe recipe = WithoutIdleRoot(model, given);
     const Skeleton skeleton = BuildSkeleton(model, recipe);
     NeedClips(model, recipe);
     const SkinnedMesh mesh = BuildSkinnedMesh(model, skeleton, recipe);
     CompiledCharacter character;
+    character.joints = recipe.joints;
     character.triangles = mesh.mesh.triangles.size();
     character.points = mesh.mesh.points.size();
     character.notes = model.notes;
@@ -139,5 +203,5 @@ std::string CompileToFolder(const std::filesystem::path& recipePath, const std::
     for (OutputFile& file : character.files)
         file.path = folder / file.path;
     WriteWholeFiles(character.files);
-    return Report(character, recipe);
+    return Report(character);
 }

@@ -7,7 +7,8 @@
 struct CompiledCharacter {
     std::vector<OutputFile> files;  // relative to the folder they are for
     std::vector<ClipReport> clips;
-    std::vector<std::string> notes;  // what the user should know, a line each
+    std::vector<std::string> joints;  // of the bones
+    std::vector<std::string> notes;   // what the user should know, a line each
     size_t triangles = 0, points = 0;
 };
 
@@ -16,3 +17,6 @@ CompiledCharacter CompileCharacter(const CharacterRecipe& recipe);
 
 // Writes all files into the folder, or none, and returns a report for the user.
 std::string CompileToFolder(const std::filesystem::path& recipe, const std::filesystem::path& folder);
+
+// What a model has that a recipe can name: joints, each below the one that it hangs on, clips and materials.
+std::string ListModel(const std::filesystem::path& model);

@@ -21,8 +21,9 @@ public:
         ReadSkin();
         for (const tinygltf::Material& material : gltf_.materials)
             model_.materials.push_back(material.name);
+        rest_ = PlacesOf(model_.nodes);
         for (size_t i = 0; i < gltf_.nodes.size(); ++i)
-            ReadMeshOf(gltf_.nodes[i]);
+            ReadMeshOf(i);
         if (model_.triangles.empty()) file_.RefuseFile("has no triangles on its skeleton", "bind a mesh to the bones");
         for (const tinygltf::Animation& animation : gltf_.animations)
             ReadClip(animation);
@@ -37,6 +38,7 @@ private:
         if (gltf_.skins.size() > 1) {
             file_.RefuseFile(fmt::format("has {} skeletons", gltf_.skins.size()), "join them to one");
         }
+        jointOfNode_.assign(model_.nodes.nodes.size(), -1);
         const tinygltf::Skin& skin = gltf_.skins[0];
         GltfNumbers binds{{}, 16};
         if (skin.inverseBindMatrices >= 0) binds = file_.Read(skin.inverseBindMatrices, 16);
@@ -54,27 +56,46 @@ private:
                 file_.RefuseFile(
                     fmt::format("binds the joint '{}' flat", Shown(model_.nodes.nodes[AsIndex(joint.node)].name)));
             }
+            jointOfNode_[AsIndex(joint.node)] = static_cast<int>(j);
             model_.joints.push_back(joint);
         }
     }
 
     static size_t AsIndex(int index) { return static_cast<size_t>(index); }
 
-    void ReadMeshOf(const tinygltf::Node& node) {
+    void ReadMeshOf(size_t index) {
+        const tinygltf::Node& node = gltf_.nodes[index];
         if (node.mesh < 0) return;
-        if (node.skin < 0) {
+        const int carrier = node.skin < 0 ? JointAbove(index) : -1;
+        if (node.skin < 0 && carrier < 0) {
             model_.notes.push_back(fmt::format("'{}' hangs on no skeleton and is left out", Shown(node.name)));
             return;
         }
         for (const tinygltf::Primitive& primitive : file_.Pick(gltf_.meshes, node.mesh, "mesh").primitives)
-            ReadPrimitive(primitive, node.name);
+            ReadPrimitive(primitive, index, carrier);
+    }
+
+    // The joint that carries a node without weights: the next one above, -1 for none.
+    int JointAbove(size_t node) const {
+        for (int at = model_.nodes.nodes[node].parent; at >= 0; at = model_.nodes.nodes[AsIndex(at)].parent) {
+            if (jointOfNode_[AsIndex(at)] >= 0) return jointOfNode_[AsIndex(at)];
+        }
+        return -1;
+    }
+
+    // From a node's own space to that of the skinned mesh, so that following the joint takes its points to where it
+    // has them.
+    Affine FromCarried(size_t node, const ModelJoint& joint) const {
+        return Inverse(joint.inverseBind) * Inverse(rest_[AsIndex(joint.node)]) * rest_[node];
     }
 
     bool HasAttribute(const tinygltf::Primitive& primitive, const char* name) const {
         return primitive.attributes.contains(name);
     }
 
-    void ReadPrimitive(const tinygltf::Primitive& primitive, const std::string& nodeName) {
+    // carrier: the joint that all of it follows, -1 when it has weights.
+    void ReadPrimitive(const tinygltf::Primitive& primitive, size_t node, int carrier) {
+        const std::string& nodeName = gltf_.nodes[node].name;
         if (!IsTriangles(primitive)) {
             model_.notes.push_back(fmt::format("lines, points or strips of '{}' are left out", Shown(nodeName)));
             return;
@@ -91,6 +112,14 @@ private:
             vertex.uv = {{{uv[i][0], uv[i][1]}, {uv1[i][0], uv1[i][1]}}};
             vertex.material = primitive.material;
             model_.vertices.push_back(vertex);
+        }
+        if (carrier >= 0) {
+            const Affine place = FromCarried(node, model_.joints[AsIndex(carrier)]);
+            for (size_t i = first; i < model_.vertices.size(); ++i) {
+                model_.vertices[i].position = place(model_.vertices[i].position);
+                model_.vertices[i].influences = {{carrier, 1}};
+            }
+            return AddTriangles(primitive, first, count);
         }
         for (int set = 0; set == 0 || HasAttribute(primitive, fmt::format("JOINTS_{}", set).c_str()); ++set) {
             AddInfluences(first, file_.Attribute(primitive, fmt::format("JOINTS_{}", set), 4, count),
@@ -177,6 +206,8 @@ private:
     GltfFile file_;
     const tinygltf::Model& gltf_;
     Model model_;
+    std::vector<Affine> rest_;      // of the nodes
+    std::vector<int> jointOfNode_;  // -1 for those that are none
 };
 
 }  // namespace

@@ -53,6 +53,7 @@ struct Model {
     std::vector<std::string> notes;  // what was left out, for the user
 };
 
+// Meshes without weights that hang under a joint (hats, weapons) follow it.
 // ContentError for a file that is no .glb, has no skinned mesh or several skeletons, or breaks the format's rules.
 Model ReadModel(const std::filesystem::path& path);
 

@@ -103,13 +103,18 @@ void NeedOnce(const TomlTable& text, const char* key, const Made& made) {
     }
 }
 
-void NeedSkins(const TomlTable& text, const std::vector<SkinRecipe>& skins) {
+// The first skin is worn where the recipe has none.
+void CompleteSkins(const TomlTable& text, std::vector<SkinRecipe>& skins, std::vector<std::string>& notes) {
     NeedOnce(text, "skin", skins);
+    if (skins.empty()) text.RefuseKey("skin", "is missing", "give at least one");
     std::set<std::string> files;
     for (const SkinRecipe& skin : skins)
         files.insert(skin.file);
     for (const char* const file : CHARACTER_SKIN_FILES) {
-        if (!files.erase(file)) text.RefuseKey("skin", fmt::format("lacks {}", file), "the game loads it: add it");
+        if (files.erase(file)) continue;
+        notes.push_back(fmt::format("no skin is named for {}: that of {} is worn", file, Shown(skins[0].file)));
+        skins.push_back(skins[0]);
+        skins.back().file = file;
     }
     if (!files.empty())
         text.RefuseKey("skin", fmt::format("makes {}", Shown(*files.begin())), "the game loads no such file");
@@ -159,7 +164,7 @@ CharacterRecipe ReadRecipe(const std::filesystem::path& path) {
     for (const TomlTable& table : text.Tables("clip"))
         recipe.clips.push_back(ReadClipRecipe(table, recipe.joints));
     text.Finish();
-    NeedSkins(text, recipe.skins);
+    CompleteSkins(text, recipe.skins, recipe.notes);
     NeedOnce(text, "clip", recipe.clips);
     if (!AddStandIns(recipe)) text.RefuseKey("clip", "lacks zeroidle.anm", "nothing can stand in for it: add it");
     return recipe;

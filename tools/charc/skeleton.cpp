@@ -135,7 +135,45 @@ Heights MeasureHeights(const Model& model) {
     return heights;
 }
 
+// The joints of bones that have no other bone between them and the joint.
+std::vector<size_t> BonesBelow(const Model& model, const CharacterRecipe& recipe, size_t joint) {
+    std::map<int, int> named;  // nodes
+    for (size_t j = 0; j < model.joints.size(); ++j) {
+        const auto found = std::find(recipe.joints.begin(), recipe.joints.end(), JointName(model, j));
+        if (found != recipe.joints.end()) named.emplace(model.joints[j].node, static_cast<int>(j));
+    }
+    std::vector<size_t> below;
+    for (const auto& [node, j] : named) {
+        if (BoneAbove(model, named, node) == static_cast<int>(joint)) below.push_back(static_cast<size_t>(j));
+    }
+    return below;
+}
+
+bool MovesPoints(const Model& model, size_t joint) {
+    return std::any_of(model.vertices.begin(), model.vertices.end(), [&](const ModelVertex& vertex) {
+        return std::any_of(vertex.influences.begin(), vertex.influences.end(),
+                           [&](const ModelInfluence& influence) { return influence.joint == static_cast<int>(joint); });
+    });
+}
+
 }  // namespace
+
+CharacterRecipe WithoutIdleRoot(const Model& model, CharacterRecipe recipe) {
+    for (;;) {
+        size_t root = 0;
+        while (root < model.joints.size() && JointName(model, root) != recipe.joints[0])
+            ++root;
+        if (root == model.joints.size() || MovesPoints(model, root)) return recipe;
+        const std::vector<size_t> below = BonesBelow(model, recipe, root);
+        if (below.size() != 1) return recipe;
+        const std::string name = JointName(model, below[0]);
+        recipe.notes.push_back(
+            fmt::format("'{}' moves no point: '{}' is the root in its place", Shown(recipe.joints[0]), Shown(name)));
+        recipe.folded.push_back(recipe.joints[0]);
+        *std::find(recipe.joints.begin(), recipe.joints.end(), name) = "";
+        recipe.joints[0] = name;
+    }
+}
 
 Skeleton BuildSkeleton(const Model& model, const CharacterRecipe& recipe) {
     Skeleton skeleton;

@@ -23,6 +23,10 @@ struct Skeleton {
     std::vector<std::string> notes;
 };
 
+// The recipe without a root that moves no point and has one bone below it, which takes its place: the game moves no
+// other bone, and such a root's child is the one that moves. Tells it in the recipe's notes.
+CharacterRecipe WithoutIdleRoot(const Model& model, CharacterRecipe recipe);
+
 // ContentError naming joints that are missing, not mentioned, or outside the root.
 Skeleton BuildSkeleton(const Model& model, const CharacterRecipe& recipe);
 

@@ -1,8 +1,7 @@
 #include "charc/skin.h"
 
 #include "formats/error.h"
-#include "formats/image.h"
-#include "formats/texture_file.h"
+#include "formats/picture_scale.h"
 
 #include <fmt/format.h>
 #include <meshoptimizer.h>
@@ -276,13 +275,8 @@ SkinnedMesh BuildSkinnedMesh(const Model& model, const Skeleton& skeleton, const
 
 std::vector<SkinTriangle> BuildSkin(const Model& model, const SkinnedMesh& mesh, const SkinRecipe& skin) {
     std::vector<Image> pictures;
-    for (const auto& path : skin.pictures) {
-        pictures.push_back(ReadPng(path));
-        if (!IsTextureSide(pictures.back().width) || !IsTextureSide(pictures.back().height)) {
-            Refuse(path.string(), 0, fmt::format("is {} x {} texels", pictures.back().width, pictures.back().height),
-                   "make each side 8, 16, 32, 64 or 128");
-        }
-    }
+    for (const auto& path : skin.pictures)
+        pictures.push_back(ScaledToTexture(ReadPng(path)));  // as texc does
     std::vector<SkinTriangle> triangles;
     for (size_t i = 0; i < mesh.vertices.size(); ++i) {
         SkinTriangle triangle;

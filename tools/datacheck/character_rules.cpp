@@ -77,7 +77,18 @@ bool IsRotation(const RotationKey& key) {
     return std::abs(square - 1) < UNIT_TOLERANCE;
 }
 
-void CheckClip(const std::string& path, const CharacterAnimation& clip, Report& report) {
+// For each bone whether points follow it. A bone without any, which the model lacks, needs no pose.
+std::vector<char> BonesInUse(const CharacterData& character) {
+    std::vector<char> used(CHARACTER_BONES, character.weights ? 0 : 1);
+    used[0] = 1;
+    for (size_t i = 0; character.weights && i < std::min(character.weights->size(), size_t{CHARACTER_BONES}); ++i) {
+        const WeightBlock& block = (*character.weights)[i];
+        if (!block.hard.empty() || !block.soft.empty()) used[static_cast<size_t>(CHARACTER_BLOCK_BONES[i])] = 1;
+    }
+    return used;
+}
+
+void CheckClip(const std::string& path, const CharacterAnimation& clip, const std::vector<char>& used, Report& report) {
     if (clip.length <= CHARACTER_FIRST_TIME) report.Problem(path, "", "has no length", REBUILD);
     if (clip.bones.size() < CHARACTER_BONES) {
         report.Problem(path, "",
@@ -87,7 +98,8 @@ void CheckClip(const std::string& path, const CharacterAnimation& clip, Report& 
     for (size_t bone = 0; bone < clip.bones.size(); ++bone) {
         const std::string place = fmt::format("bone {}", bone);
         const auto poses = std::count(clip.commands.begin(), clip.commands.end(), static_cast<int32_t>(bone));
-        if (poses != 1) report.Problem(path, place, fmt::format("is posed {} times", poses), REBUILD);
+        const bool isLacking = poses == 0 && bone < used.size() && !used[bone];
+        if (poses != 1 && !isLacking) report.Problem(path, place, fmt::format("is posed {} times", poses), REBUILD);
         const std::vector<RotationKey>& keys = clip.bones[bone].rotations;
         if (!std::all_of(keys.begin(), keys.end(), IsRotation)) {
             report.Problem(path, place, "has a key that is no rotation", REBUILD);
@@ -102,6 +114,7 @@ void CheckCharacter(const CharacterData& character, Report& report) {
     if (character.weights) CheckWeights(character, report);
     for (const auto& [path, skin] : character.skins)
         CheckSkin(path, skin, character, report);
+    const std::vector<char> used = BonesInUse(character);
     for (const auto& [path, clip] : character.clips)
-        CheckClip(path, clip, report);
+        CheckClip(path, clip, used, report);
 }

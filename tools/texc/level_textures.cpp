@@ -4,6 +4,7 @@
 #include "formats/error.h"
 #include "formats/files.h"
 #include "formats/glide_texture.h"
+#include "formats/picture_scale.h"
 #include "texc/material.h"
 #include "texc/page_packing.h"
 #include "texc/palette.h"
@@ -27,6 +28,11 @@ Image LoadPicture(const std::filesystem::path& folder, const std::string& name, 
                              : fmt::format("make it {} such pictures below each other", pictures));
     }
     return image;
+}
+
+// The character's, of any size: charc reads them in the same way.
+Image LoadSkin(const std::filesystem::path& folder, const std::string& name) {
+    return ScaledToTexture(ReadPng(folder / (name + ".png")));
 }
 
 Image CutPicture(const Image& strip, int index) {
@@ -98,7 +104,7 @@ void AddSkin(Slots& slots, const LevelTextures& level, const std::filesystem::pa
     for (size_t i = SLOT_FIRST_SKIN; i < SLOT_COUNT; ++i)
         slots.imageOfSlot[i] = plain;
     for (size_t i = 0; i < level.skin.size(); ++i)
-        slots.imageOfSlot[SLOT_FIRST_SKIN + i] = slots.AddImage(LoadPicture(folder, level.skin[i], 1));
+        slots.imageOfSlot[SLOT_FIRST_SKIN + i] = slots.AddImage(LoadSkin(folder, level.skin[i]));
 }
 
 Slots FillSlots(const LevelTextures& level, const std::filesystem::path& folder) {

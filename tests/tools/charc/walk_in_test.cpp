@@ -4,35 +4,83 @@
 // animations, of which the walk goes away.
 #include "charc/compile.h"
 #include "charc/recipe_reader.h"
+#include "formats/binary.h"
 #include "formats/files.h"
-#include "formats/image.h"
 #include "game_character.h"
 #include "motion/report.h"
+#include "walk_in.h"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-// The recipe, with what it needs beside it.
-fs::path Recipe() {
-    const fs::path home = testing::TempDir();
-    for (const char* file : {"walk_in.toml", "walk_in.glb"})
-        fs::copy_file(fs::path(SOURCE_FOLDER "/tests/tools/charc") / file, home / file,
-                      fs::copy_options::overwrite_existing);
-    WritePng(home / "skin.png", Image(64, 64));
-    return home / "walk_in.toml";
+// A binary glTF file: 12 bytes, then the JSON with its length and its name before it, then the numbers.
+nlohmann::json JsonOf(const std::vector<uint8_t>& file, size_t& end) {
+    uint32_t length = 0;
+    std::memcpy(&length, &file[12], sizeof length);
+    end = 20 + length;
+    return nlohmann::json::parse(file.begin() + 20, file.begin() + static_cast<std::ptrdiff_t>(end));
+}
+
+// The head, triangles 240 to 299, becomes a mesh of its own without weights, which hangs on the joint above it.
+void PutHeadOnRigidly(const fs::path& model) {
+    std::vector<uint8_t> file = ReadWholeFile(model);
+    size_t end = 0;
+    nlohmann::json json = JsonOf(file, end);
+    const nlohmann::json body = json["meshes"][0]["primitives"][0];
+    const auto part = [&](uint32_t from, uint32_t to) {
+        nlohmann::json indices = json["accessors"][4];
+        indices["byteOffset"] = from * 4;
+        indices["count"] = to - from;
+        json["accessors"].push_back(indices);
+        nlohmann::json primitive = body;
+        primitive["indices"] = json["accessors"].size() - 1;
+        return primitive;
+    };
+    json["meshes"][0]["primitives"] = {part(0, 720), part(900, 6300)};
+    nlohmann::json head = part(720, 900);
+    head["attributes"].erase("JOINTS_0");
+    head["attributes"].erase("WEIGHTS_0");
+    json["meshes"].push_back({{"primitives", {head}}});
+    // HeadTop_End is 5.9 up.
+    json["nodes"][6]["children"] = {json["nodes"].size()};
+    json["nodes"].push_back({{"name", "Hat"}, {"mesh", 1}, {"translation", {0, -5.9, 0}}});
+    std::string text = json.dump();
+    text.resize((text.size() + 3) / 4 * 4, ' ');
+    ByteWriter changed;
+    changed.Append(file.data(), 8);
+    changed.U32(static_cast<uint32_t>(20 + text.size() + file.size() - end));
+    changed.U32(static_cast<uint32_t>(text.size()));
+    changed.Append(&file[16], 4);
+    changed.Append(text.data(), text.size());
+    changed.Append(&file[end], file.size() - end);
+    WriteWholeFile(model, changed.bytes);
 }
 
 class WalkIn : public GameCharacter {
 protected:
     void SetUp() override {
         GameCharacter::SetUp();
-        made_ = CompileCharacter(ReadRecipe(Recipe()));
+        made_ = CompileCharacter(ReadRecipe(WalkInRecipe()));
         for (const OutputFile& file : made_.files)
             WriteWholeFile(home_ / file.path, file.content);
+    }
+
+    // Where the points are at some moments of some clips.
+    std::vector<std::vector<Vec3>> Poses(const fs::path& folder) {
+        Load(folder);
+        std::vector<std::vector<Vec3>> poses;
+        for (const char* clip : {"zeroidle.anm", "zerowalk.anm", "zerorun.anm"}) {
+            for (const uint32_t time : {10U, 50U, 90U})
+                poses.push_back(PointsAt(clip, time));
+        }
+        return poses;
     }
 
     size_t Notes(const std::string& text) const {
@@ -96,9 +144,54 @@ TEST_F(WalkIn, StaysInPlaceAndBacksOffAsItWalks) {
     }
 }
 
+// The game moves no bone but the first, and only that one's joint shows how the hips sway.
+TEST_F(WalkIn, ARootThatMovesNothingGivesItsPlaceToTheHips) {
+    std::string text;
+    for (const uint8_t byte : ReadWholeFile(WalkInRecipe()))
+        text += static_cast<char>(byte);
+    text.replace(text.find("'Hips'"), 6, "'Root'").replace(text.find("''"), 2, "'Hips'");
+    WriteWholeFile(home_ / "rooted.toml", {text.begin(), text.end()});
+    CompileToFolder(home_ / "rooted.toml", home_ / "rooted");
+    const auto expected = Poses(home_);
+    const auto poses = Poses(home_ / "rooted");
+    for (size_t i = 0; i < expected.size(); ++i) {
+        ASSERT_EQ(poses[i].size(), expected[i].size());
+        for (size_t k = 0; k < poses[i].size(); ++k)
+            ASSERT_LT(std::hypot(poses[i][k].x - expected[i][k].x, poses[i][k].y - expected[i][k].y,
+                                 poses[i][k].z - expected[i][k].z),
+                      0.05f)
+                << i;
+    }
+}
+
+TEST_F(WalkIn, RigidPartsFollowTheJointThatTheyHangOn) {
+    const auto expected = Poses(home_);
+    const fs::path recipe = WalkInRecipe();
+    PutHeadOnRigidly(home_ / "walk_in.glb");
+    CompileToFolder(recipe, home_ / "rigid");
+    const auto poses = Poses(home_ / "rigid");
+    // Simplified otherwise, so the points of the head are other ones.
+    const auto head = [](const std::vector<Vec3>& points) {
+        float top = -1e9F, count = 0;
+        for (const Vec3& point : points)
+            top = std::max(top, float{point.y});
+        Vec3 sum{};
+        for (const Vec3& point : points) {
+            if (point.y < top - 16) continue;
+            sum = {sum.x + point.x, sum.y + point.y, sum.z + point.z};
+            ++count;
+        }
+        return Vec3{sum.x / count, sum.y / count, sum.z / count};
+    };
+    for (size_t i = 0; i < expected.size(); ++i) {
+        const Vec3 had = head(expected[i]), has = head(poses[i]);
+        EXPECT_LT(std::hypot(has.x - had.x, has.y - had.y, has.z - had.z), 6) << i;
+    }
+}
+
 TEST(WalkInMoves, ThroughAllTheGamesStates) {
     const fs::path folder = fs::path(testing::TempDir()) / "game";
-    CompileToFolder(Recipe(), folder);
+    CompileToFolder(WalkInRecipe(), folder);
     Stage stage(folder);
     EXPECT_GE(Explore(stage, 4).states.size(), 15U);
 }
