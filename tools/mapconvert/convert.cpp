@@ -239,10 +239,14 @@ std::string TexturesText(const Painting& painting) {
     return text + "]\n";
 }
 
+// All around, the picture is seen four times side by side; it pinches together only straight above and below.
 std::string SkyText(const std::string& material) {
-    const std::string band = "[[layer.band]]\nfrom = {}\nto = {}\nmaterial = \"{}\"\n{}\n";
-    return "[[layer]]\nkind = \"dome\"\n" + fmt::format(fmt::runtime(band), -90, 0, material, "around = 4") +
-           fmt::format(fmt::runtime(band), 0, 90, material, "flat = 900");
+    std::string text = "[[layer]]\nkind = \"dome\"\n";
+    for (const auto& [from, to] : {std::pair(-90, 0), std::pair(0, 90)}) {
+        text += fmt::format("[[layer.band]]\nfrom = {}\nto = {}\nmaterial = \"{}\"\naround = 4\nrows = 4\n", from, to,
+                            material);
+    }
+    return text;
 }
 
 }  // namespace
