@@ -1,14 +1,14 @@
 #include "mapconvert/rules.h"
 
-#include "formats/settings.h"
+#include "formats/toml_table.h"
 
 #include <algorithm>
 #include <cctype>
 
 namespace {
 
-Settings OnlyTable(const Settings& text, const std::string& key) {
-    const std::vector<Settings> tables = text.Tables(key);
+TomlTable OnlyTable(const TomlTable& text, const std::string& key) {
+    const std::vector<TomlTable> tables = text.Tables(key);
     if (tables.size() != 1) text.RefuseKey(key, "is missing or no single table", "write one [" + key + "]");
     return tables[0];
 }
@@ -31,9 +31,9 @@ bool Matches(const NamePatterns& patterns, const std::string& name) {
 }
 
 ForeignRules ReadForeignRules(const std::filesystem::path& path) {
-    const Settings text = Settings::Load(path);
+    const TomlTable text = TomlTable::Load(path);
     ForeignRules rules;
-    const auto number = [](const Settings& table, const char* key, double& value, float least, float most) {
+    const auto number = [](const TomlTable& table, const char* key, double& value, float least, float most) {
         value = static_cast<double>(table.Number(key, static_cast<float>(value), least, most));
     };
     const std::filesystem::path home = path.parent_path();
@@ -43,12 +43,12 @@ ForeignRules ReadForeignRules(const std::filesystem::path& path) {
     if (const std::string palette = text.Text("palette", ""); !palette.empty()) rules.palette = home / palette;
     rules.starts = text.Texts("starts");
 
-    const Settings classes = OnlyTable(text, "classes");
+    const TomlTable classes = OnlyTable(text, "classes");
     rules.world = classes.Texts("world");
     rules.leftOut = classes.Texts("left_out");
     classes.Finish();
 
-    const Settings faces = OnlyTable(text, "faces");
+    const TomlTable faces = OnlyTable(text, "faces");
     rules.sky = faces.Texts("sky");
     rules.clip = faces.Texts("clip");
     rules.unseen = faces.Texts("unseen");
@@ -56,7 +56,7 @@ ForeignRules ReadForeignRules(const std::filesystem::path& path) {
     rules.liquid = faces.Texts("liquid");
     faces.Finish();
 
-    const Settings light = OnlyTable(text, "light");
+    const TomlTable light = OnlyTable(text, "light");
     rules.lamps = light.Texts("lamps");
     rules.suns = light.Texts("suns");
     number(light, "weight", rules.lampWeight, 0, 10);
