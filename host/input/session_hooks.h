@@ -16,6 +16,8 @@ struct SessionHooks {
     void (*atPeek)() = [] {};                                 // PeekMessageA
     void (*atWait)() = [] {};                                 // each turn of WaitMessage, which looks at no key
 
+    void (*afterClock)() = [] {};  // GetTickCount, with its answer in ClockNow
+
     // A recording is being replayed: it answers, and what devices do goes nowhere.
     bool (*replaying)() = [] { return false; };
     uint32_t (*replayClock)() = [] { return uint32_t{0}; };

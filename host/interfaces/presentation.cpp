@@ -1,5 +1,6 @@
 #include "interfaces/presentation.h"
 
+#include "host/probe.h"
 #include "input/session_hooks.h"
 
 #include <cstring>
@@ -13,6 +14,7 @@ bool converted = true;
 bool isHeld = false;
 std::vector<uint32_t> pixels;
 Picture picture{};
+bool isDeferred = false;
 
 constexpr uint32_t Rgb(uint32_t red, uint32_t green, uint32_t blue) {
     return red << 16 | green << 8 | blue;
@@ -67,6 +69,13 @@ void Present() {
     CurrentMachine->present(picture);
 }
 
+void Show() {
+    if (shownTexture.name == 0 || !CurrentMachine->presentTexture ||
+        !CurrentMachine->presentTexture(shownTexture.name, static_cast<int>(shownTexture.width),
+                                        static_cast<int>(shownTexture.height)))
+        Present();
+}
+
 }  // namespace
 
 void ShowFront(const FrontBuffer& front) {
@@ -74,16 +83,29 @@ void ShowFront(const FrontBuffer& front) {
     shown = front;
     shownTexture = {};
     converted = false;
-    Present();
+    if (!isDeferred) Show();
 }
 
 void ShowFrontTexture(const FrontTexture& front) {
     if (isHeld) return;
     shownTexture = front;
     converted = false;
-    if (!CurrentMachine->presentTexture ||
-        !CurrentMachine->presentTexture(front.name, static_cast<int>(front.width), static_cast<int>(front.height)))
-        Present();
+    if (!isDeferred) Show();
+}
+
+void DeferFront(bool deferred) {
+    isDeferred = deferred;
+}
+
+void ShowDeferredFront() {
+    Show();
+}
+
+void HostShowPicture(const uint8_t* indices, int32_t pitch) {
+    FrontBuffer front = shown;
+    front.pixels = indices;
+    front.pitch = static_cast<uint32_t>(pitch);
+    ShowFront(front);
 }
 
 void FreezeFront() {
@@ -108,7 +130,7 @@ bool FrontIsReproducible() {
 
 void ResetPresentation() {
     converted = true;
-    isHeld = false;
+    isHeld = isDeferred = false;
     picture = {};
     shownTexture = {};
 }

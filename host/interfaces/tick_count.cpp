@@ -23,5 +23,6 @@ DWORD GetTickCount() {
         ReadChangedClock();
         Session.tookClock(ClockNow());
     }
+    Session.afterClock();
     return ClockNow();
 }

@@ -8,7 +8,10 @@ constexpr HostGame NO_GAME = {.program = "host",
                               .startKey = 0,
                               .levelKeys = {},
                               .softwareKey = 0,
-                              .acceleratorKey = 0};
+                              .acceleratorKey = 0,
+                              .drawBetween = nullptr,
+                              .drawFrom = nullptr,
+                              .pointOnScreen = nullptr};
 
 }  // namespace
 

@@ -4,6 +4,10 @@
 
 const Machine* CurrentMachine = nullptr;
 
+bool HasSettings() {
+    return CurrentMachine->showOverlay && CurrentMachine->applySettings;
+}
+
 void StartMachine(const Options& options, std::span<const Machine* const> machines) {
     for (const Machine* machine : machines) {
         if (options.headless && machine != machines.back()) continue;

@@ -45,7 +45,8 @@ struct Machine {
     // Null: they are all there.
     void (*bringFile)(const char* path);
     int (*messageBox)(const char* text, const char* caption);
-    bool (*hasWindow)();  // a message box can be seen
+    bool (*hasWindow)();   // a message box can be seen
+    int (*refreshRate)();  // pictures a second of the display; 0, and null: not known
     // The pixels of the open window. Null: its size is not to decide how large a picture is drawn.
     void (*windowSize)(int* width, int* height);
 
@@ -58,6 +59,7 @@ struct Machine {
 // Null until one is started, or a test has set its own. A tool that runs a part of the game by itself has none: what it
 // calls then, which is the files and the fatal exit, does without.
 extern const Machine* CurrentMachine;
+bool HasSettings();  // it shows overlays, and the settings change what it shows
 
 // The first of `machines` that starts becomes CurrentMachine. The last one has no window and always starts; it is the
 // only one that is tried when the options ask for none.

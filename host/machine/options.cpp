@@ -3,9 +3,11 @@
 #include "machine/game.h"
 #include "machine/output.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -73,6 +75,29 @@ bool TakeShot(std::string_view value, Options& options) {
     return true;
 }
 
+bool TakeSmooth(std::string_view value, Options& options) {
+    options.smooth = value == "on";
+    return value == "on" || value == "off";
+}
+
+bool TakeSoftwareSize(std::string_view value, Options& options) {
+    constexpr std::string_view SIZES[] = {"320x240", "512x384", "640x480"};
+    const auto found = std::find(std::begin(SIZES), std::end(SIZES), value);
+    options.softwareSize = static_cast<int>(found - std::begin(SIZES));
+    return found != std::end(SIZES);
+}
+
+bool TakeMotion(std::string_view value, Options& options) {
+    MotionRequest motion{};
+    const std::string text(value);
+    int used = 0;
+    const int numbers =
+        std::sscanf(text.c_str(), "%f,%f,%f:%n", &motion.point[0], &motion.point[1], &motion.point[2], &used);
+    if (numbers != 3 || used == 0 || !TakeText(value.substr(static_cast<size_t>(used)), motion.file)) return false;
+    options.motion = motion;
+    return true;
+}
+
 struct OptionEntry {
     const char* name;
     const char* argument;  // null: none; LEVELS in it: the number of levels
@@ -101,6 +126,13 @@ const OptionEntry OPTIONS[] = {
      "how many times 640x480 the gpu board's picture is (as many as the window is large, where there is a graphics "
      "card)",
      [](std::string_view value, Options& options) { return TakeNumber(value, 1, 8, options.boardScale); }},
+    {"--smooth", "on|off",
+     "fill the display's rate with pictures between the game's: all is shown one game frame later, and drawing takes "
+     "up "
+     "to four times as long (off, or as the settings say)",
+     TakeSmooth},
+    {"--software-size", "320x240|512x384|640x480",
+     "the pixels that the software renderer draws (320x240, or as the settings say)", TakeSoftwareSize},
     {"--settings", "FILE", "read and keep the settings in FILE (settings.txt in the user's configuration folder)",
      [](std::string_view value, Options& options) { return TakeText(value, options.settings); }},
     {"--portable", nullptr, "keep the settings in settings.txt beside the program",
@@ -125,6 +157,7 @@ const OptionEntry OPTIONS[] = {
     {"--trace", "FILE", "write one JSON object a game frame to FILE",
      [](std::string_view value, Options& options) { return TakeText(value, options.trace); }},
     {"--shot", "FRAME:FILE.png", "write the picture of a game frame; may be given several times", TakeShot},
+    {"--motion", "X,Y,Z:FILE", "write where this point of the world is in each picture that is shown", TakeMotion},
     {"--watch", "FILE", "load a level again whenever FILE says that it was compiled anew; ./play --map writes FILE",
      [](std::string_view value, Options& options) { return TakeText(value, options.watch); }},
     {"--verbose", nullptr, "log lines to standard error, standard output left where it is",

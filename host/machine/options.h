@@ -2,12 +2,18 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 struct ShotRequest {
     uint32_t frame;    // game frame, counted from 1
     std::string file;  // PNG
+};
+
+struct MotionRequest {
+    float point[3];    // of the world
+    std::string file;  // text
 };
 
 enum class RendererChoice { Unset, Software, Accelerator };
@@ -33,6 +39,9 @@ struct Options {
     uint32_t from = 1;    // the first frame that is drawn
     uint32_t frames = 0;  // 0: no limit
     std::string trace;
+    std::optional<bool> smooth;       // unset: as the settings say
+    std::optional<int> softwareSize;  // place in ScreenResTable; unset: the same
+    std::optional<MotionRequest> motion;
     std::vector<ShotRequest> shots;
     std::string settings;   // file of the player's settings; empty: session/settings_file.h says which
     bool portable = false;  // it lies beside the program

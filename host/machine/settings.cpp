@@ -12,6 +12,7 @@ namespace {
 constexpr std::string_view OFF_ON[] = {"off", "on"};
 constexpr std::string_view SIZES[] = {"640x480", "800x600", "960x720", "1280x960", "1600x1200"};
 constexpr std::string_view SCALINGS[] = {"original", "integer", "sharp", "smooth"};
+constexpr std::string_view SOFTWARE_SIZES[] = {"320x240", "512x384", "640x480"};
 constexpr std::string_view BOARDS[] = {"auto", "gpu", "cpu"};
 constexpr std::string_view BOARD_SCALES[] = {"fit", "1", "2", "3", "4", "5", "6", "7", "8"};
 static_assert(std::size(SIZES) == std::size(WINDOW_SIZES));
@@ -21,6 +22,7 @@ struct SettingEntry {
     int start;                                  // the value without a file
     std::span<const std::string_view> choices;  // empty: a number of per cent
     int least = 0, most = 0, step = 0;
+    std::string_view hint = {};
 };
 
 const SettingEntry ENTRIES[SETTING_COUNT] = {
@@ -29,6 +31,11 @@ const SettingEntry ENTRIES[SETTING_COUNT] = {
     {"scaling", "Scaling",
      "how the picture fills the window. original: 320x240 sharp, 640x480 smooth; integer: whole pixels only", 0,
      SCALINGS},
+    {"smooth", "Smooth pictures",
+     "on: the display's rate is filled with pictures between the game's, and all is shown one game frame later", 0,
+     OFF_ON, 0, 0, 0, "one game frame later, more drawing"},
+    {"software_size", "Software renderer", "pixels that the software renderer draws, from the next level on", 0,
+     SOFTWARE_SIZES, 0, 0, 0, "from the next level on"},
     {"board", "Accelerator",
      "which accelerator draws, from the next level on: gpu draws with OpenGL, cpu with the processor", 0, BOARDS},
     {"board_scale", "Accelerator size",
@@ -149,6 +156,7 @@ const SettingsPreset ORIGINAL_PRESET = {"original", [] {
 const SettingsPreset COMFORT_PRESET = {"comfort", [] {
                                            Change(Setting::AcceleratorSize, 0);
                                            Change(Setting::Scaling, static_cast<int>(ScalingChoice::Sharp));
+                                           Change(Setting::SmoothPictures, 1);
                                            Change(Setting::MusicStops, 1);
                                        }};
 
@@ -179,6 +187,10 @@ std::string_view SettingLabel(Setting setting) {
 std::string SettingText(Setting setting) {
     const SettingEntry& entry = EntryOf(setting);
     return FileText(entry, SettingValue(setting)) + (entry.choices.empty() ? " %" : "");
+}
+
+std::string_view SettingHint(Setting setting) {
+    return EntryOf(setting).hint;
 }
 
 std::vector<std::string> ReadSettings(std::string_view text, const std::string& name) {

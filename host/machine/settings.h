@@ -14,6 +14,8 @@ enum class Setting {
     FullScreen,       // 0, 1
     WindowSize,       // place in WINDOW_SIZES
     Scaling,          // a ScalingChoice
+    SmoothPictures,   // 0, 1
+    SoftwareSize,     // of the software renderer: 320 x 240, 512 x 384, 640 x 480
     Board,            // auto, gpu, cpu
     AcceleratorSize,  // 0: as the window's size asks; 1..8
     Brightness,       // of the shown picture, per cent
@@ -38,7 +40,8 @@ void StepSetting(Setting setting, int steps);  // as the player does: within its
 void ResetSettings();                          // all as without a file
 
 std::string_view SettingLabel(Setting setting);
-std::string SettingText(Setting setting);  // its value for people
+std::string SettingText(Setting setting);       // its value for people
+std::string_view SettingHint(Setting setting);  // what to know before changing it; empty: nothing
 
 struct SettingsPreset {
     std::string_view name;

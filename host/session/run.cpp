@@ -2,16 +2,20 @@
 
 #include "input/devices.h"
 #include "input/session_hooks.h"
+#include "interfaces/display.h"
 #include "interfaces/presentation.h"
 #include "machine/clock.h"
 #include "machine/digest.h"
 #include "machine/log.h"
 #include "machine/machine.h"
 #include "machine/output.h"
+#include "machine/settings.h"
 #include "session/benchmark.h"
 #include "session/closing.h"
 #include "session/ending.h"
 #include "session/front_end.h"
+#include "session/message.h"
+#include "session/photo.h"
 #include "session/pictures.h"
 #include "session/progress.h"
 #include "session/recorder.h"
@@ -19,6 +23,7 @@
 #include "session/screenshot.h"
 #include "session/script_player.h"
 #include "session/settings_screen.h"
+#include "session/smooth.h"
 #include "session/trace.h"
 #include "session/watch.h"
 
@@ -80,8 +85,9 @@ std::optional<uint64_t> DigestPicture() {
     return digest.Value();
 }
 
+// Of the software renderer's pictures a recording holds those of the usual size, in which it is replayed.
 std::optional<uint32_t> LowHalf(const std::optional<uint64_t>& digest) {
-    if (!digest || !RecordsPictures()) return {};
+    if (!digest || !RecordsPictures() || (ProgramScreenMode() && SettingValue(Setting::SoftwareSize) != 0)) return {};
     return static_cast<uint32_t>(*digest);
 }
 
@@ -105,6 +111,7 @@ void LogDropped(uint32_t dropped) {
 
 void AtKeyboardPoll() {
     ++Progress.pollsSincePeek;
+    DeferFramePicture();
     if (Replaying()) {
         CurrentMachine->pump();
         WatchReplay();
@@ -122,7 +129,9 @@ void AtKeyboardPoll() {
 
 void AtKeyboardRead(uint8_t* keys) {
     OfferSettings(keys);
+    OfferSmooth(keys);
     OfferScreenshot(keys);
+    HideOldMessage();
     AddFrontEndKeys(keys);
 }
 
@@ -148,6 +157,7 @@ const SessionHooks HOOKS = {
     .atKeyboardRead = AtKeyboardRead,
     .atPeek = AtPeek,
     .atWait = AtWait,
+    .afterClock = SmoothAtClock,
     .replaying = Replaying,
     .replayClock = ReplayClock,
     .replayKeys = ReplayKeys,
@@ -178,7 +188,7 @@ bool StartRun(const Options& options, Script script) {
     StartFrontEndKeys(options);
     StartWatch(options.watch);
     StartScript(std::move(script));
-    underWay = OpenTrace(options.trace) && StartRecorder(options);
+    underWay = OpenTrace(options.trace) && StartRecorder(options) && StartSmooth(options);
     return underWay;
 }
 
@@ -191,8 +201,9 @@ bool FinishRun() {
     const bool replayed = Progress.framesPlayed == frameLimit || FinishReplay(Progress.framesPlayed);
     const bool recorded = FinishRecorder();
     const bool traceComplete = CloseTrace();
+    const bool motionComplete = FinishSmooth();
     const bool logComplete = FinishLog();
-    return traceComplete && logComplete && !PicturesFailed() && recorded && replayed;
+    return traceComplete && motionComplete && logComplete && !PicturesFailed() && recorded && replayed;
 }
 
 void ResetRun() {
@@ -221,6 +232,15 @@ bool HostWantsReload(HostReload& reload) {
     return true;
 }
 
+bool HostWantsViews() {
+    return !Benchmarking() && (SmoothPictures() || ScriptTakesPhotos() || HasSettings());
+}
+
+// Recordings do not hold it, so a replay is played in the usual size.
+int32_t HostSoftwareScreen() {
+    return Replaying() ? 0 : SettingValue(Setting::SoftwareSize);
+}
+
 bool HostEndOfFrame(const HostFrameReport& report) {
     EndBenchmarkFrame();
     const uint32_t frame = Progress.framesPlayed + 1;
@@ -237,5 +257,7 @@ bool HostEndOfFrame(const HostFrameReport& report) {
     RecordFrame({fields, static_cast<uint32_t>(digest), LowHalf(pixels)});
     Progress.framesPlayed = frame;
     LogDropped(report.dropped);
+    KeepPhotoCamera(report);
+    BeginSmoothWait(report);
     return replayEnds || (frameLimit != 0 && Progress.framesPlayed >= frameLimit) || CloseRequested();
 }

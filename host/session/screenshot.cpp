@@ -2,13 +2,12 @@
 
 #include "input/keys.h"
 #include "interfaces/presentation.h"
-#include "machine/clock.h"
 #include "machine/game.h"
 #include "machine/machine.h"
-#include "machine/overlay.h"
 #include "machine/png.h"
 #include "machine/text_file.h"
 #include "session/front_end.h"
+#include "session/message.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -20,13 +19,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr uint8_t SCREENSHOT_KEY = KeyCode("P");
-constexpr uint32_t MESSAGE_MS = 2500;
-constexpr int MESSAGE_HEIGHT = 14;
-constexpr size_t CHARACTERS_MAX = OVERLAY_WIDTH / OVERLAY_CHARACTER_WIDTH - 2;
 
 bool keyWasDown = false;
-bool messageShown = false;
-uint32_t messageSince = 0;  // ms of the host's clock
 
 fs::path PicturesFolder() {
     const char* const home = std::getenv("HOME");
@@ -57,27 +51,15 @@ fs::path FreshFile(const fs::path& folder) {
     }
 }
 
-// A path that is too long for a line keeps its end.
-void Say(const std::string& what, std::string more) {
-    const size_t room = CHARACTERS_MAX - what.size();
-    if (more.size() > room) more = "..." + more.substr(more.size() - room + 3);
-    Overlay overlay;
-    overlay.Fill(0, OVERLAY_HEIGHT - MESSAGE_HEIGHT, OVERLAY_WIDTH, MESSAGE_HEIGHT, OVERLAY_PANEL);
-    overlay.WriteCentred(OVERLAY_HEIGHT - MESSAGE_HEIGHT + 4, what + more, OVERLAY_TEXT);
-    ShowOverlay(overlay);
-    messageShown = true;
-    messageSince = ClockNow();
-}
-
 void TakeScreenshot() {
     const Picture* const picture = FrontPicture();
     if (!picture) return;
     const fs::path file = FreshFile(PicturesFolder());
     std::string error;
     if (WritePng(file.string(), *picture, error))
-        Say("Saved ", file.string());
+        ShowMessage("Saved ", file.string());
     else
-        Say("Not saved: ", error);
+        ShowMessage("Not saved: ", error);
 }
 
 }  // namespace
@@ -97,14 +79,9 @@ std::filesystem::path PicturesFolderIn(std::string_view userDirs, const fs::path
     return {};
 }
 
-// In the front end the place for words over the picture is the choice's (session/front_end.h).
 void OfferScreenshot(const uint8_t* keys) {
-    if (!CurrentMachine->showOverlay || !CurrentMachine->applySettings) return;
+    if (!HasSettings()) return;
     const bool pressed = keys[SCREENSHOT_KEY] != 0 && !keyWasDown;
     keyWasDown = keys[SCREENSHOT_KEY] != 0;
-    if (messageShown && (InFrontEnd() || ClockNow() - messageSince >= MESSAGE_MS)) {
-        HideOverlay();
-        messageShown = false;
-    }
     if (pressed && !InFrontEnd()) TakeScreenshot();
 }

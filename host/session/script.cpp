@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -81,6 +83,21 @@ bool TakeShot(const Words& words, ScriptLine& line) {
     return true;
 }
 
+bool TakeReal(std::string_view word, float& number) {
+    char* end = nullptr;
+    const std::string text(word);
+    number = std::strtof(text.c_str(), &end);
+    return *end == '\0' && std::isfinite(number);
+}
+
+bool TakePhoto(const Words& words, ScriptLine& line) {
+    line.file = words[7];
+    float(&at)[3] = line.camera.position;
+    float(&angles)[3] = line.camera.angles;
+    return TakeReal(words[2], at[0]) && TakeReal(words[3], at[1]) && TakeReal(words[4], at[2]) &&
+           TakeReal(words[5], angles[0]) && TakeReal(words[6], angles[1]);
+}
+
 bool TakeNothing(const Words&, ScriptLine&) {
     return true;
 }
@@ -102,6 +119,7 @@ const ActionEntry ACTIONS[] = {
     {"focus", ScriptAction::Focus, 1, TakeFocus, "focus lost|gained"},
     {"wait", ScriptAction::Wait, 1, TakeWait, "wait MS"},
     {"shot", ScriptAction::Shot, 1, TakeShot, "shot FILE.png"},
+    {"photo", ScriptAction::Photo, 6, TakePhoto, "photo X Y Z PITCH YAW FILE.png"},
     {"quit", ScriptAction::Quit, 0, TakeNothing, "quit"},
 };
 
@@ -118,7 +136,7 @@ std::string ParseLine(const Words& words, ScriptLine& line) {
     const ActionEntry* entry = FindAction(words[1]);
     if (!entry)
         return "unknown action " + Quote(words[1]) +
-               "; there are down, up, tap, mouse, button, focus, wait, shot and quit";
+               "; there are down, up, tap, mouse, button, focus, wait, shot, photo and quit";
     line.action = entry->action;
     if (words.size() != 2 + entry->arguments || !entry->take(words, line))
         return "expected " + std::string(entry->expected);

@@ -5,6 +5,7 @@
 //   <when> focus lost|gained
 //   <when> wait MS                    the host's clock jumps ahead: a long frame
 //   <when> shot FILE.png              the picture presented by that frame; with a time, the one last presented
+//   <when> photo X Y Z PITCH YAW FILE.png   the latest game frame from another camera: world units, degrees
 //   <when> quit                       as the window's close button
 // <when> is a game frame counted from 1 (120) or a time of the host's clock (3500ms). A line acts before the keyboard
 // poll of its frame, or at the first poll at or after its time; lines for one moment act in their order in the file.
@@ -12,12 +13,14 @@
 // with a frame that gains the focus or quits acts at once, unless a line with a time is still to do so.
 #pragma once
 
+#include "host/host.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-enum class ScriptAction { KeyDown, KeyUp, Tap, Mouse, Button, Focus, Wait, Shot, Quit };
+enum class ScriptAction { KeyDown, KeyUp, Tap, Mouse, Button, Focus, Wait, Shot, Photo, Quit };
 
 struct ScriptLine {
     uint32_t when;  // frame or milliseconds
@@ -28,7 +31,8 @@ struct ScriptLine {
     bool on;                // Button: down; Focus: gained
     int x, y;               // Mouse
     uint32_t milliseconds;  // Wait
-    std::string file;       // Shot
+    std::string file;       // Shot, Photo
+    HostCamera camera;      // Photo
 };
 
 struct Script {

@@ -4,6 +4,7 @@
 #include "machine/clock.h"
 #include "session/closing.h"
 #include "session/front_end.h"
+#include "session/photo.h"
 #include "session/pictures.h"
 #include "session/progress.h"
 
@@ -29,6 +30,7 @@ struct LineQueue {
 
 LineQueue byFrame;
 LineQueue byTime;
+bool takesPhotos = false;
 
 void Act(const ScriptLine& line) {
     switch (line.action) {
@@ -40,6 +42,7 @@ void Act(const ScriptLine& line) {
     case ScriptAction::Focus: DeviceFocus(line.on); break;
     case ScriptAction::Wait: SetClock(ClockNow() + line.milliseconds); break;
     case ScriptAction::Shot: WritePicture(line.file); break;
+    case ScriptAction::Photo: WritePhoto(line.camera, line.file); break;
     case ScriptAction::Quit: RequestClose(); break;
     }
 }
@@ -81,6 +84,8 @@ void StartScript(Script script) {
         else if (line.action != ScriptAction::Shot)
             byFrame.Add(line);
     }
+    takesPhotos = std::any_of(script.lines.begin(), script.lines.end(),
+                              [](const ScriptLine& line) { return line.action == ScriptAction::Photo; });
     byFrame.Sort();
     byTime.Sort();
 }
@@ -109,6 +114,10 @@ bool PlayScriptAtWait() {
 
 bool ScriptFramesPending() {
     return byFrame.Pending();
+}
+
+bool ScriptTakesPhotos() {
+    return takesPhotos;
 }
 
 bool ScriptTimesPending() {

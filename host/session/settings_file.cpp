@@ -44,6 +44,14 @@ bool ReadOld(std::string& text) {
     return false;
 }
 
+void ReadFile() {
+    std::string text;
+    fileUsable = ReadOld(text);
+    if (!fileUsable) return;
+    for (const std::string& problem : ReadSettings(text, settingsFile.string()))
+        PrintError("%s", problem.c_str());
+}
+
 // What the command line says goes before the file, and stays out of it.
 void Merge(Options& options) {
     if (options.windowWidth > 0 || options.fullscreen) {
@@ -53,6 +61,8 @@ void Merge(Options& options) {
         options.windowWidth = size.width;
         options.windowHeight = size.height;
     }
+    if (options.smooth) SetSetting(Setting::SmoothPictures, *options.smooth ? 1 : 0);
+    if (options.softwareSize) SetSetting(Setting::SoftwareSize, *options.softwareSize);
     constexpr BoardChoice BOARDS[] = {BoardChoice::Auto, BoardChoice::Gpu, BoardChoice::Cpu};
     if (options.board == BoardChoice::Auto) options.board = BOARDS[SettingValue(Setting::Board)];
     const auto board = std::find(std::begin(BOARDS), std::end(BOARDS), options.board);
@@ -66,12 +76,7 @@ void Merge(Options& options) {
 void LoadSettings(Options& options) {
     ResetSettings();
     settingsFile = ChooseFile(options);
-    if (settingsFile.empty()) return;
-    std::string text;
-    fileUsable = ReadOld(text);
-    if (fileUsable)
-        for (const std::string& problem : ReadSettings(text, settingsFile.string()))
-            PrintError("%s", problem.c_str());
+    if (!settingsFile.empty()) ReadFile();
     Merge(options);
 }
 

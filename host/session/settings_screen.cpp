@@ -8,6 +8,7 @@
 #include "machine/overlay.h"
 #include "machine/settings.h"
 #include "session/closing.h"
+#include "session/photo.h"
 #include "session/settings_file.h"
 
 #include <algorithm>
@@ -16,10 +17,10 @@
 namespace {
 
 constexpr uint8_t SCREEN_KEY = KeyCode("F10");
-constexpr int LEFT = 40, RIGHT = 280, TOP = 24, ROW_HEIGHT = 13;
+constexpr int LEFT = 40, RIGHT = 280, TOP = 24, ROW_HEIGHT = 11;
 constexpr uint32_t MARKED_ROW = 0xFF4A3A18;
 
-enum Row { ROW_ORIGINAL = static_cast<int>(SETTING_COUNT), ROW_COMFORT, ROW_LEAVE, ROW_COUNT };
+enum Row { ROW_ORIGINAL = static_cast<int>(SETTING_COUNT), ROW_COMFORT, ROW_PHOTO, ROW_LEAVE, ROW_COUNT };
 
 std::bitset<KEY_COUNT> muted;  // held since the screen was open: up for the game until they are let go
 
@@ -27,6 +28,7 @@ std::string RowName(int row) {
     switch (row) {
     case ROW_ORIGINAL: return "Set all as the original";
     case ROW_COMFORT: return "Set for comfort";
+    case ROW_PHOTO: return "Photo mode";
     case ROW_LEAVE: return "Leave the program";
     default: return std::string(SettingLabel(static_cast<Setting>(row)));
     }
@@ -45,8 +47,9 @@ void Draw(int marked) {
         overlay.Write(RIGHT - static_cast<int>(value.size()) * OVERLAY_CHARACTER_WIDTH, y, value,
                       row == marked ? OVERLAY_TEXT : OVERLAY_QUIET_TEXT);
     }
-    overlay.WriteCentred(TOP + 10 + ROW_COUNT * ROW_HEIGHT, "arrows: choose, change   Escape: back",
-                         OVERLAY_QUIET_TEXT);
+    const std::string_view hint = marked < ROW_ORIGINAL ? SettingHint(static_cast<Setting>(marked)) : "";
+    overlay.WriteCentred(TOP + 10 + ROW_COUNT * ROW_HEIGHT,
+                         hint.empty() ? "arrows: choose, change   Escape: back" : hint, OVERLAY_QUIET_TEXT);
     ShowOverlay(overlay);
 }
 
@@ -65,6 +68,9 @@ std::bitset<KEY_COUNT> KeysDown() {
     return down;
 }
 
+// What the player leaves the screen for.
+enum class Leaving { Game, Photo };
+
 // `steps`: -1 or 1 by the arrows, 0 by Enter.
 void Change(int row, int steps) {
     if (row < ROW_ORIGINAL) {
@@ -78,7 +84,8 @@ void Change(int row, int steps) {
     Apply();
 }
 
-void RunScreen() {
+Leaving RunScreen() {
+    Leaving leaving = Leaving::Game;
     std::bitset<KEY_COUNT> before = std::bitset<KEY_COUNT>().set();
     int marked = 0;
     Draw(marked);
@@ -93,22 +100,29 @@ void RunScreen() {
         if (hits[DIK_DOWN]) marked = (marked + 1) % ROW_COUNT;
         if (hits[DIK_LEFT]) Change(marked, -1);
         if (hits[DIK_RIGHT]) Change(marked, 1);
+        if (hits[KeyCode("RETURN")] && marked == ROW_PHOTO && CanTakePhotos()) {
+            leaving = Leaving::Photo;
+            break;
+        }
         if (hits[KeyCode("RETURN")]) Change(marked, 0);
         Draw(marked);
     }
     HideOverlay();
     SaveSettings();
+    return leaving;
 }
 
 }  // namespace
 
 void OfferSettings(uint8_t* keys) {
-    if (!CurrentMachine->showOverlay || !CurrentMachine->applySettings) return;
-    if (keys[SCREEN_KEY] != 0 && !muted[SCREEN_KEY]) {
+    if (!HasSettings()) return;
+    const bool settings = keys[SCREEN_KEY] != 0 && !muted[SCREEN_KEY];
+    const bool photo = keys[PHOTO_KEY] != 0 && !muted[PHOTO_KEY] && CanTakePhotos();
+    if (settings || photo) {
         const uint32_t paused = ClockNow();
         const MouseUse mouse = DeviceMouseUse();
         SetMouseUse(MouseUse::None);
-        RunScreen();
+        if (!settings || RunScreen() == Leaving::Photo) RunPhotoMode();
         SetMouseUse(mouse);
         ReadClock();
         SetClock(paused);

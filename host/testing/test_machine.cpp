@@ -61,6 +61,7 @@ const Machine TEST_MACHINE = {
     .bringFile = nullptr,
     .messageBox = ShowBox,
     .hasWindow = [] { return true; },
+    .refreshRate = nullptr,
     .windowSize = nullptr,
     .openSound = [](std::string&) { return TestMachine.soundOpens; },
     .playSound = [](std::shared_ptr<TrackReader> track) { TestMachine.sounds.push_back(std::move(track)); },

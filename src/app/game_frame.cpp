@@ -1,6 +1,7 @@
 #include "app/game_frame.h"
 
 #include "app/app_tables.h"
+#include "app/between.h"
 #include "app/debug_keys.h"
 #include "app/shots.h"
 #include "app/texture_cycle.h"
@@ -66,6 +67,7 @@ HostFrameReport DescribeFrame(const ReportedLists& lists) {
     const Actor& player = PlayerActor;
     return {
         .ticks = FrameTicks,
+        .leastTicks = MinFrameTicks,
         .level = LoadedLevel + 1,
         .state = player.state,
         .position = {player.position.x, player.position.y, player.position.z},
@@ -104,6 +106,7 @@ bool GameFrame() {
     HostStage(HostStageName::Lights);
     UpdateShots();
     UpdateLights();
+    KeepView();
     DrawView();
     HostStage(HostStageName::Present);
     if (locked) UnlockSurface();

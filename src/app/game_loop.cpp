@@ -22,8 +22,6 @@
 
 namespace {
 
-constexpr int32_t SOFTWARE_SCREEN_RES = 0;  // 320 x 240
-
 // Sets rounding to nearest, masks every exception and keeps denormals, since a library may have set them otherwise.
 void SetFpuSinglePrecision() {
     std::fesetenv(FE_DFL_ENV);
@@ -95,7 +93,7 @@ bool StartGame() {
     BuildReciprocalTable();
     SystemInit();
     LoadedLevel = 0;  // InitGraphics reads its fog colour
-    if (!InitGraphics(SOFTWARE_SCREEN_RES)) return false;
+    if (!InitGraphics(HostSoftwareScreen())) return false;
     LoadLevel(CurrentLevel);
     SwapScreen();
     MouseInput = {};  // otherwise the mouse motion of the previous game's last frame would move the camera

@@ -1,6 +1,7 @@
 #include "app/host_game.h"
 
 #include "app/app_tables.h"
+#include "app/between.h"
 #include "app/front_end.h"
 
 const HostGame GameForHost = {.program = "tarnwick",
@@ -9,4 +10,7 @@ const HostGame GameForHost = {.program = "tarnwick",
                               .startKey = START_KEY,
                               .levelKeys = LevelKeys,
                               .softwareKey = SOFTWARE_KEY,
-                              .acceleratorKey = ACCELERATOR_KEY};
+                              .acceleratorKey = ACCELERATOR_KEY,
+                              .drawBetween = DrawBetween,
+                              .drawFrom = DrawFrom,
+                              .pointOnScreen = PointOnScreen};

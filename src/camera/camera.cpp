@@ -27,6 +27,11 @@ void BuildRotations() {
     RotationFromAngles(CameraAngles.x, CameraAngles.y, CameraAngles.z, CameraRotation);
 }
 
+void BuildTranslation() {
+    RotateVector(CameraPos.x, CameraPos.y, CameraPos.z, ViewMatrix.rotation);
+    ViewMatrix.translation = {-RotatedVector.x, -RotatedVector.y, -RotatedVector.z};
+}
+
 // The point `distance` world units behind the head point, against the direction of the view.
 Vec3 PositionBehind(float distance) {
     const Vec3& target = CameraState.target;
@@ -91,6 +96,12 @@ void FlyFree() {
 void UpdateCamera() {
     if (CameraMode == CAMERA_FOLLOW) FollowPlayer();
     if (CameraMode == CAMERA_FREE) FlyFree();
-    RotateVector(CameraPos.x, CameraPos.y, CameraPos.z, ViewMatrix.rotation);
-    ViewMatrix.translation = {-RotatedVector.x, -RotatedVector.y, -RotatedVector.z};
+    BuildTranslation();
+}
+
+void PlaceCamera(const Vec3& position, const Vec3& angles) {
+    CameraPos = position;
+    CameraAngles = angles;
+    BuildRotations();
+    BuildTranslation();
 }

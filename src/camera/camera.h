@@ -25,6 +25,9 @@ extern CameraMotion CameraState;
 // head than that, in front of the head.
 void UpdateCamera();
 
+// Puts the camera there, and rebuilds ViewMatrix and CameraRotation.
+void PlaceCamera(const Vec3& position, const Vec3& angles);
+
 // Distance from start to the nearest world polygon that faces it on the line towards end and beyond; the length of the
 // segment when there is none. Overwrites SideTestPoint. Sides are taken from start cut to whole numbers.
 float CameraRayDistance(const Vec3& start, const Vec3& end);

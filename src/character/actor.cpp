@@ -77,11 +77,15 @@ void DrawActor(Actor& actor) {
     actor.randomWord = Rand();
     GatherActorLights(actor.position.x, actor.position.y, actor.position.z);
     SkinActor(actor);
+    BinActor(actor);
+    // Kept as it is: the base is rebuilt last, so the next pose uses that of this frame.
+    UpdateActorBase(actor);
+}
+
+void BinActor(const Actor& actor) {
     InitDepthList();
     ListFacingTriangles(*actor.mesh);
     BinActorPolygons(VisibleCount(), actor.position.x, actor.position.y, actor.position.z);
-    // Kept as it is: the base is rebuilt last, so the next pose uses that of this frame.
-    UpdateActorBase(actor);
 }
 
 void GatherActorLights(float x, float y, float z) {

@@ -18,6 +18,8 @@ void DrawActorAt(int16_t index);  // poses and draws ActorList[index]
 // Lights and skins the actor and bins it into the leaves, for RenderWorld of the same frame. Rebuilds the base last, so
 // a pose uses the base of the frame before.
 void DrawActor(Actor& actor);
+// Bins the actor's triangles into the leaves, by the skinned points in its ViewPoints and the light in IntensityCache.
+void BinActor(const Actor& actor);
 
 void GatherActorLights(float x, float y, float z);  // fills CharacterLightList
 

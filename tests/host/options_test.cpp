@@ -26,6 +26,9 @@ TEST(CommandLine, RefusesWhatItDoesNotKnowInOneLine) {
         {{"--frames", "10x"}, "--frames wants N, not \"10x\""},
         {{"--window", "800x"}, "--window wants WxH, 320x240 and up, not \"800x\""},
         {{"--shot", "5:"}, "--shot wants FRAME:FILE.png, not \"5:\""},
+        {{"--smooth", "yes"}, "--smooth wants on|off, not \"yes\""},
+        {{"--motion", "1,2:m.txt"}, "--motion wants X,Y,Z:FILE, not \"1,2:m.txt\""},
+        {{"--motion", "1,2,3:"}, "--motion wants X,Y,Z:FILE, not \"1,2,3:\""},
         {{"--data", ""}, "--data wants DIR, not \"\""},
     };
     for (auto [words, line] : rows) {

@@ -22,6 +22,7 @@ TEST(ScriptText, AWrongLineIsNamedWithWhatWasExpected) {
         {"12 focus", "expected focus lost|gained"},
         {"12 wait -1", "expected wait MS"},
         {"12 shot", "expected shot FILE.png"},
+        {"12 photo 1 2 nan 0 0 a.png", "expected photo X Y Z PITCH YAW FILE.png"},
         {"12 quit now", "expected quit"},
     };
     for (const auto& [line, expected] : CASES) {

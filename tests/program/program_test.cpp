@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <sstream>
@@ -185,6 +187,53 @@ TEST_F(ProgramWithLevel, ASecondGameOfALevelLooksLikeTheFirst) {
     ASSERT_EQ(trace.size(), 250u);
     EXPECT_NE(Pixels(trace[99]), Pixels(untouched[99]));
     EXPECT_EQ(Pixels(trace[249]), Pixels(untouched[99])) << "100 frames into each game the camera has settled";
+}
+
+// How far the point at X,Y is in each picture from where it was in the one before; pixels.
+std::vector<double> Steps(const std::string& motion) {
+    std::vector<double> steps;
+    double lastX = 0, lastY = 0;
+    for (const std::string& line : Lines(motion)) {
+        unsigned time = 0, frame = 0;
+        double way = 0, x = 0, y = 0;
+        if (std::sscanf(line.c_str(), "%u %u %lf %lf %lf", &time, &frame, &way, &x, &y) != 5 || frame < 40) continue;
+        steps.push_back(std::hypot(x - lastX, y - lastY));
+        lastX = x;
+        lastY = y;
+    }
+    steps.erase(steps.begin());
+    return steps;
+}
+
+TEST_F(ProgramWithLevel, SmoothPicturesFillTheTimeAndPhotosComeFromAnywhereWithoutChangingAFrame) {
+    program.Write("keys.txt", "30 down UP\n40 down LEFT\n44 up LEFT\n50 down RCONTROL\n");
+    program.Write("photos.txt", program.Read("keys.txt") +
+                                    "45 photo 3837 -1000 12500 -10 180 a.png\n50 photo 3837 -900 12788 -20 90 b.png\n");
+    const std::string motion = " --frames 60 --motion 3837,-1050,14200:";
+    Play("--script keys.txt --trace off.jsonl" + motion + "off.txt");
+    Play("--script photos.txt --smooth on --trace on.jsonl" + motion + "on.txt");
+    EXPECT_EQ(program.Read("on.jsonl"), program.Read("off.jsonl"));
+    const std::vector<double> off = Steps(program.Read("off.txt")), on = Steps(program.Read("on.txt"));
+    EXPECT_EQ(on.size(), off.size() * 4 + 3) << "64 ms a frame, 16 ms a picture";
+    EXPECT_LT(*std::max_element(on.begin(), on.end()), *std::max_element(off.begin(), off.end()) / 3);
+    EXPECT_FALSE(program.Read("a.png").empty());
+    EXPECT_NE(program.Read("a.png"), program.Read("b.png"));
+}
+
+TEST_F(ProgramWithLevel, TheSoftwareRenderersSizeChangesNoFrameAndAReplayNeedsNone) {
+    Play("--frames 30 --trace small.jsonl --shot 30:small.png --record small.rec");
+    Play("--frames 30 --trace large.jsonl --shot 30:large.png --software-size 640x480 --record large.rec");
+    const std::string small = Lines(program.Read("small.jsonl"))[29], large = Lines(program.Read("large.jsonl"))[29];
+    EXPECT_NE(Pixels(small), Pixels(large));
+    EXPECT_EQ(small.substr(0, small.find("\"pixels\"")), large.substr(0, large.find("\"pixels\"")));
+    const auto width = [&](const char* png) {
+        return static_cast<unsigned char>(program.Read(png).at(18)) * 256 +
+               static_cast<unsigned char>(program.Read(png).at(19));
+    };
+    EXPECT_EQ(width("small.png"), 320);
+    EXPECT_EQ(width("large.png"), 640);
+    for (const char* replay : {"--replay large.rec", "--replay small.rec --software-size 512x384"})
+        EXPECT_EQ(program.Run(std::string("--data '" SOURCE_FOLDER "/tests/levels/data' ") + replay).status, 0);
 }
 
 TEST_F(ProgramWithLevel, DigitsAndArrowsWithEnterReachALevelWithoutFKeys) {

@@ -45,6 +45,17 @@ TEST_P(Recorded, IsPlayedTheSame) {
     EXPECT_TRUE(result.errors.ends_with(" frames, all as recorded\n")) << result.errors;
 }
 
+// All of keys.rec, and so much of the other that zero moves and shoots.
+TEST(Recordings, ArePlayedTheSameWithSmoothPictures) {
+#ifdef TARNWICK_SANITIZED
+    GTEST_SKIP() << "hundreds of pictures take minutes here";
+#endif
+    for (const std::string arguments : {"keys.rec", "keys_accelerator.rec --frames 60"}) {
+        const ProgramResult result = ProgramRun().Run(DATA + "--smooth on --replay " + FOLDER + arguments);
+        EXPECT_EQ(result.status, 0) << result.errors;
+    }
+}
+
 TEST(Recordings, ReachEveryStateAndEveryWayIntoIt) {
     Coverage coverage = WantedCoverage();
     for (const std::string& name : Recordings())

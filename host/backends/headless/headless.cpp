@@ -38,6 +38,7 @@ const Machine HeadlessMachine = {
     .bringFile = nullptr,
     .messageBox = ShowOnStandardError,
     .hasWindow = [] { return false; },
+    .refreshRate = nullptr,
     .windowSize = nullptr,
     .openSound = nullptr,
     .playSound = nullptr,

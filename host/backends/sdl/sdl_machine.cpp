@@ -129,6 +129,7 @@ const Machine SdlMachine = {
     .bringFile = nullptr,
     .messageBox = MessageBox,
     .hasWindow = GameWindowOpen,
+    .refreshRate = GameWindowRate,
     .windowSize = GameWindowSize,
     .openSound = OpenSound,
     .playSound = PlayTrack,

@@ -277,6 +277,12 @@ void GameWindowSize(int* width, int* height) {
     SDL_GetWindowSizeInPixels(window, width, height);
 }
 
+int GameWindowRate() {
+    SDL_DisplayMode mode{};
+    const int display = window ? std::max(SDL_GetWindowDisplayIndex(window), 0) : 0;
+    return SDL_GetCurrentDisplayMode(display, &mode) == 0 ? mode.refresh_rate : 0;
+}
+
 void ShowPicture(const Picture& picture) {
     if (presenter) presenter->Show(picture);
 }

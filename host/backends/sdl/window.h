@@ -9,6 +9,7 @@ bool OpenGameWindow(const char* title, const Options& options);  // false: a lin
 void CloseGameWindow();
 bool GameWindowOpen();
 void GameWindowSize(int* width, int* height);  // pixels; it must be open
+int GameWindowRate();                          // pictures a second of its display; 0: not known
 void ShowPicture(const Picture& picture);
 // An OpenGL texture. False: the window does not draw with OpenGL.
 bool ShowTexture(uint32_t texture, int width, int height);

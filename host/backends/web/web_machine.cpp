@@ -176,6 +176,7 @@ const Machine WebMachine = {
     .bringFile = pageBringFile,
     .messageBox = ShowMessage,
     .hasWindow = [] { return opened; },
+    .refreshRate = nullptr,
     .windowSize = nullptr,
     .openSound = [](std::string&) { return true; },
     .playSound = PlaySound,

@@ -6,6 +6,11 @@
 #include <cstdint>
 #include <span>
 
+struct HostCamera {
+    float position[3];  // world units
+    float angles[3];    // degrees: pitch, yaw, roll
+};
+
 // Everything that the machine knows about the game. Keys are DIK_ codes.
 //
 // --level and --renderer go through the screens before a level by keys: attract pictures, choice of the level, choice
@@ -19,6 +24,19 @@ struct HostGame {
     std::span<const uint8_t> levelKeys;  // choose level 1, 2 ...: as many as there are levels
     uint8_t softwareKey;                 // chooses the software renderer
     uint8_t acceleratorKey;              // chooses the accelerator
+
+    // Pictures besides those of the game frames. Asked for only while the game reads the clock or the keyboard between
+    // two frames of a level, and only if HostWantsViews was true at these frames. They change nothing in the game.
+    //
+    // The way from the frame before the last one, 0, to the last one, 1. False: nothing is drawn, because the two do
+    // not belong together: a level's first frame, a change of camera, a step that is no movement.
+    bool (*drawBetween)(float way);
+    // The last frame from another camera, which is moved to its own right, upwards and ahead first. False: there is no
+    // frame, or it is an outline drawing.
+    bool (*drawFrom)(HostCamera& camera, const float (&move)[3]);
+    // Where a point of the world was in the latest picture of either kind or of a frame, in pixels. False: behind the
+    // eye.
+    bool (*pointOnScreen)(const float (&point)[3], float (&pixel)[2]);
 };
 
 using GameMain = int (*)(HINSTANCE instance, HINSTANCE previousInstance, char* commandLine, int showCommand);

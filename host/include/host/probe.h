@@ -12,10 +12,11 @@ struct HostStateSpan {
 };
 
 struct HostFrameReport {
-    uint32_t ticks;     // FrameTicks used by this frame
-    int32_t level;      // 1..8
-    int32_t state;      // the player's, a PlayerState
-    float position[3];  // the player's, world units
+    uint32_t ticks;       // FrameTicks used by this frame
+    uint32_t leastTicks;  // how many each frame of this level lasts at least
+    int32_t level;        // 1..8
+    int32_t state;        // the player's, a PlayerState
+    float position[3];    // the player's, world units
     float velocity[3];
     float heading;
     int32_t contact;
@@ -36,6 +37,16 @@ struct HostFrameReport {
 // False: nobody looks at the picture of this frame, and the game may leave out what only fills its pixels. The rest
 // goes on as ever, so that the frames after it are the same.
 bool HostWantsPicture();
+
+// Whether anybody may ask for pictures besides those of the game frames (host/host.h).
+bool HostWantsViews();
+
+// Such a picture of the software renderer: 8 bits a pixel, in the size and the palette of the picture that is shown.
+// The pixels must stay until the next picture.
+void HostShowPicture(const uint8_t* pixels, int32_t pitch);
+
+// The software renderer's size that the player has chosen: 0, 1 or 2 for 320 x 240, 512 x 384 or 640 x 480.
+int32_t HostSoftwareScreen();
 
 // The parts of a frame that benchmarks measure. A part ends where the next begins, the last one at the end of the
 // frame; a part may begin several times.

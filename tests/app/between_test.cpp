@@ -1,0 +1,222 @@
+// Pictures besides those of the game frames, in-process: held against the frames' own.
+#include "app/app_tables.h"
+#include "app/between.h"
+#include "app/game_frame.h"
+#include "app/game_loop.h"
+#include "app/host_game.h"
+#include "boards/boards.h"
+#include "boards/cpu/cpu_board.h"
+#include "character/character_tables.h"
+#include "input/devices.h"
+#include "interfaces/presentation.h"
+#include "machine/game.h"
+#include "machine/settings.h"
+#include "memory/shutdown.h"
+#include "platform/input.h"
+#include "platform/timer.h"
+#include "records/character_records.h"
+#include "support/test_window.h"
+#include "testing/test_machine.h"
+#include "world/world_tables.h"
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// A sanitized build draws twenty times as slowly.
+#ifdef TARNWICK_SANITIZED
+constexpr uint8_t RENDERERS = 1;
+constexpr int FRAMES = 28;
+#else
+constexpr uint8_t RENDERERS = 2;
+constexpr int FRAMES = 40;
+#endif
+
+class Between : public testing::Test {
+protected:
+    void SetUp() override {
+        UseTestMachine();
+        TestMachine.clockStep = 70;  // more than a frame: the host has no time for pictures of its own
+        SetTestDataFolder(SOURCE_FOLDER "/tests/levels/data");
+        CurrentGame = &GameForHost;
+        CurrentBoard = &CpuBoard;
+        SetSetting(Setting::SmoothPictures, 1);
+        GameMode = MODE_PLAYING;
+        CurrentLevel = UseGlide = 0;
+        MainWindow = OpenTestWindow();
+        testing::internal::CaptureStdout();
+        ASSERT_TRUE(StartInput(nullptr, MainWindow, Input));
+    }
+    void TearDown() override {
+        StopInput(Input);
+        CurrentBoard = nullptr;
+        const std::string output = testing::internal::GetCapturedStdout();
+        if (HasFailure()) std::cout << output;
+        ResetSettings();
+        CurrentGame = before_;
+    }
+
+    static void Start(uint8_t accelerator) {
+        UseGlide = accelerator;
+        ASSERT_TRUE(StartGame());
+    }
+
+    void PlayFrame() {
+        PollKeyboard(Input);
+        PollMouse(Input);
+        GameFrame();
+    }
+
+    static void Hold(uint8_t key, bool down = true) { DeviceKey(KeySource::Keyboard, key, down); }
+
+    static std::vector<uint32_t> Shown() {
+        const Picture* const picture = FrontPicture();
+        return {picture->pixels, picture->pixels + static_cast<ptrdiff_t>(picture->width) * picture->height};
+    }
+
+    static std::vector<float> CharacterPoints() {
+        std::vector<float> numbers;
+        const MeshRecord& mesh = *PlayerActor.mesh;
+        for (int i = 0; i < mesh.pointCount; ++i) {
+            const ViewPoint& point = WorldGeometry.viewPoints[mesh.firstPoint + i];
+            numbers.insert(numbers.end(), {point.x, point.y, point.z, IntensityCache[mesh.firstPoint + i]});
+        }
+        return numbers;
+    }
+
+private:
+    const HostGame* const before_ = CurrentGame;
+};
+
+TEST_F(Between, TheWayBeginsAndEndsWithThePicturesOfTheFramesAndLeavesTheCharacterAsItWas) {
+    for (uint8_t accelerator = 0; accelerator < RENDERERS; ++accelerator) {
+        Start(accelerator);
+        std::vector<uint32_t> last;
+        int middles = 0;
+        for (int frame = 1; frame <= FRAMES; ++frame) {
+            Hold(DIK_UP, frame > 20);
+            Hold(DIK_LEFT, frame > 25);
+            Hold(DIK_RCONTROL, frame > 22);
+            PlayFrame();
+            const std::vector<uint32_t> own = Shown();
+            const std::vector<float> points = CharacterPoints();
+            if (frame > 20) {
+                EXPECT_TRUE(DrawBetween(1.0f));
+                EXPECT_TRUE(Shown() == own) << frame;
+                DrawBetween(0.0f);
+                EXPECT_TRUE(Shown() == last) << frame;
+                DrawBetween(0.5f);
+                middles += Shown() != own && Shown() != last;
+                EXPECT_EQ(CharacterPoints(), points) << frame;
+            }
+            last = own;
+        }
+        EXPECT_EQ(middles, FRAMES - 20);
+        SystemShutdown();
+    }
+}
+
+// A machine on which each picture takes some time.
+uint32_t presented, pictureTime, passed;  // the latter two in ms
+const Machine* beneath;
+
+class SlowBetween : public Between {
+protected:
+    void SetUp() override {
+        Between::SetUp();
+        beneath = CurrentMachine;
+        machine_ = *beneath;
+        machine_.milliseconds = [] { return beneath->milliseconds() + passed; };
+        machine_.present = [](const Picture&) {
+            ++presented;
+            passed += pictureTime;
+        };
+        CurrentMachine = &machine_;
+        TestMachine.clockStep = 1;
+        Start(0);
+        PlayFrames(14, 0);
+    }
+    void TearDown() override {
+        SystemShutdown();
+        CurrentMachine = beneath;
+        Between::TearDown();
+    }
+
+    // How many pictures were presented in the last of these frames.
+    uint32_t PlayFrames(int count, uint32_t timeOfAPicture) {
+        pictureTime = timeOfAPicture;
+        for (int frame = 0; frame < count; ++frame) {
+            presented = 0;
+            PlayFrame();
+        }
+        return presented;
+    }
+
+private:
+    Machine machine_{};
+};
+
+TEST_F(SlowBetween, SmoothPicturesTakeThePlaceOfTheFramesOwnAndNeverSlowTheGame) {
+    EXPECT_EQ(PlayFrames(1, 0), 4u) << "64 ms, a picture each 16";
+    PlayFrames(3, 20);
+    EXPECT_EQ(PlayFrames(1, 20), 2u);
+    EXPECT_EQ(FrameTicks, 4u);
+    EXPECT_EQ(PlayFrames(3, 90), 1u);
+    EXPECT_EQ(PlayFrames(20, 0), 4u) << "what took long once is tried again";
+}
+
+TEST_F(Between, NothingIsBetweenFramesThatDoNotBelongTogether) {
+    for (int game = 0; game < 2; ++game) {
+        if (game > 0) SystemShutdown();
+        Start(0);
+        PlayFrame();
+        EXPECT_FALSE(DrawBetween(0.5f)) << "the first frame";
+        for (int frame = 0; frame < 20; ++frame)
+            PlayFrame();
+    }
+    EXPECT_TRUE(DrawBetween(0.5f));
+    const std::pair<uint8_t, const char*> rows[] = {{DIK_F6, "another camera"}, {DIK_F5, "back"}, {DIK_W, "outlines"}};
+    for (const auto& [key, what] : rows) {
+        Hold(key);
+        PlayFrame();
+        Hold(key, false);
+        EXPECT_FALSE(DrawBetween(0.5f)) << what;
+        PlayFrame();
+        EXPECT_EQ(DrawBetween(0.5f), key != DIK_W) << what;
+    }
+    Hold(DIK_W);
+    PlayFrame();
+    Hold(DIK_W, false);
+    PlayerActor.position.x += 500;
+    PlayFrame();
+    EXPECT_FALSE(DrawBetween(0.5f)) << "a step that is no movement";
+    HostCamera camera = {{3837, -1000, 12500}, {-10, 180, 0}};
+    GameMode = MODE_LEAVE;
+    EXPECT_FALSE(DrawFrom(camera, {0, 0, 0})) << "the level is left";
+    SystemShutdown();
+}
+
+TEST_F(Between, APhotoIsTakenAheadOfTheCamera) {
+    Start(0);
+    for (int frame = 0; frame < 3; ++frame)
+        PlayFrame();
+    HostCamera camera = {{3837, -1000, 12500}, {0, 180, 0}};
+    ASSERT_TRUE(DrawFrom(camera, {0, 0, 0}));
+    const std::vector<uint32_t> far = Shown();
+    float pixel[2];
+    EXPECT_FALSE(PointOnScreen({3837, -1000, 12600}, pixel)) << "behind";
+    ASSERT_TRUE(PointOnScreen({3837, -1000, 12400}, pixel));
+    EXPECT_NEAR(pixel[0], 160, 0.1);
+    EXPECT_NEAR(pixel[1], 120, 0.1);
+    ASSERT_TRUE(DrawFrom(camera, {0, 10, 50}));
+    EXPECT_NEAR(camera.position[1], -990, 0.1);
+    EXPECT_NEAR(camera.position[2], 12450, 0.1);
+    EXPECT_NE(Shown(), far);
+    SystemShutdown();
+}
+
+}  // namespace
