@@ -110,7 +110,7 @@ struct SurfaceRequest {
 // ContentError with the faults, and with the leak where that is none to be taken.
 ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRequest& request, FaultList& faults) {
     Surface surface = CutBrushes(brushes);
-    const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin);
+    const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin, request.scale);
     ReachableSurface reachable;
     if (const std::vector<Vec3>& path = space.LeakPath(); !path.empty()) {
         if (request.takeLeaks) {

@@ -10,6 +10,7 @@ namespace {
 constexpr size_t PORTALS_MAX = 1'000'000;  // the largest of our levels has 3,092
 constexpr double MARGIN = 64;              // empty space around the map, map units
 constexpr double PORTAL_AREA_MIN = 0.1;    // what is smaller lets nothing through
+constexpr double SLIT = 0.2;               // engine units; what is narrower is no leak
 // Area of a face that must border on flooded space; of a smaller face, half of it must.
 constexpr double SEEN_AREA_MIN = 0.05;
 constexpr double SOLID_TOLERANCE = 0.01;  // a point on the seam of two brushes is solid
@@ -27,8 +28,8 @@ std::array<Plane, 6> SidesOf(const Box& box) {
 
 }  // namespace
 
-SealedSpace::SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start)
-    : file_(brushes.file), planes_(brushes.planes) {
+SealedSpace::SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start, double scale)
+    : file_(brushes.file), slit_(SLIT / scale), planes_(brushes.planes) {
     Box bounds;
     bounds.Add(start);
     for (const Face& face : sealing)
@@ -42,7 +43,8 @@ SealedSpace::SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3
     MakePortals(0, hull);
     MakeOuterPortals(bounds);
     MarkSolid(brushes);
-    Flood(start);
+    Flood(start, true);
+    if (!leakPath_.empty()) Flood(start, false);
 }
 
 // hull: the planes around the subtree, facing out of it.
@@ -111,7 +113,7 @@ void SealedSpace::Join(int front, int back, const Winding& winding) {
     const bool passable = WindingArea(winding) >= PORTAL_AREA_MIN;
     const int portal = static_cast<int>(portals_.size());
     CheckCounts(file_, {{"openings between the spaces around the brushes", portals_.size(), PORTALS_MAX}});
-    if (passable) portals_.push_back({{front, back}, centre});
+    if (passable) portals_.push_back({{front, back}, centre, WindingWidth(winding) < slit_});
     for (const int leaf : {front, back}) {
         LeafSpace& space = leaves_[static_cast<size_t>(leaf)];
         if (passable) space.portals.push_back(portal);
@@ -157,7 +159,12 @@ int SealedSpace::LeafAt(const Vec3& p) const {
 }
 
 // Breadth first, so that a leak is reported along a short way.
-void SealedSpace::Flood(const Vec3& start) {
+void SealedSpace::Flood(const Vec3& start, bool throughSlits) {
+    leakPath_.clear();
+    for (LeafSpace& leaf : leaves_) {
+        leaf.flooded = false;
+        leaf.cameFrom = -1;
+    }
     std::vector<int> queue{LeafAt(start)};
     leaves_[static_cast<size_t>(queue[0])].flooded = true;
     for (size_t at = 0; at < queue.size(); ++at) {
@@ -167,7 +174,7 @@ void SealedSpace::Flood(const Vec3& start) {
             const Portal& portal = portals_[static_cast<size_t>(number)];
             const int next = portal.leaf[portal.leaf[0] == queue[at] ? 1 : 0];
             LeafSpace& space = leaves_[static_cast<size_t>(next)];
-            if (space.solid || space.flooded) continue;
+            if (space.solid || space.flooded || (portal.isSlit && !throughSlits)) continue;
             space.flooded = true;
             space.cameFrom = number;
             queue.push_back(next);

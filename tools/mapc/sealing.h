@@ -7,8 +7,9 @@
 
 class SealedSpace {
 public:
-    // sealing: Surface::sealing of the brushes. start must not lie in a solid brush.
-    SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start);
+    // sealing: Surface::sealing of the brushes. start must not lie in a solid brush. scale: engine units per map unit.
+    // Slits narrower than 0.2 engine units, as brushes off the grid leave between them, are no leaks.
+    SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start, double scale);
 
     const std::vector<Vec3>& LeakPath() const { return leakPath_; }  // empty when the level is sealed
     bool Reaches(const Vec3& p) const { return leaves_[static_cast<size_t>(LeafAt(p))].flooded; }
@@ -18,6 +19,7 @@ private:
     struct Portal {
         int leaf[2];  // in front of and behind its plane
         Vec3 centre;
+        bool isSlit;
     };
     struct LeafSpace {
         bool solid = false;
@@ -35,13 +37,14 @@ private:
     void Join(int front, int back, const Winding& winding);
     void MarkSolid(const Brushes& brushes);
     int LeafAt(const Vec3& p) const;
-    void Flood(const Vec3& start);
+    void Flood(const Vec3& start, bool throughSlits);
     void TracePath(int leaf, const Vec3& start);
     void StraightenPath();
     bool IsOpen(int child, const Vec3& from, const Vec3& to) const;  // no solid leaf between two points
     bool SeesFlood(int child, const Winding& winding, int plane, double areaMin) const;
 
     const std::string& file_;
+    const double slit_;  // map units
     PlaneTable& planes_;
     Tree tree_;
     std::vector<LeafSpace> leaves_;

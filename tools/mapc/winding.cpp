@@ -103,6 +103,21 @@ double WindingArea(const Winding& winding) {
     return Length(WindingNormal(winding)) / 2;
 }
 
+double WindingWidth(const Winding& winding) {
+    const Vec3 normal = WindingNormal(winding);
+    double width = std::numeric_limits<double>::infinity();
+    for (size_t i = 0; i < winding.size(); ++i) {
+        const Vec3 across = Cross(normal, winding[(i + 1) % winding.size()] - winding[i]);
+        const double length = Length(across);
+        if (length == 0) continue;
+        double farthest = 0;
+        for (const Vec3& p : winding)
+            farthest = std::max(farthest, Dot(across, p - winding[i]) / length);
+        width = std::min(width, farthest);
+    }
+    return width;
+}
+
 void RemoveStraightCorners(Winding& winding) {
     constexpr double STRAIGHT = 1e-4;  // distance from the line of the neighbours
     for (size_t i = 0; i < winding.size() && winding.size() >= 3;) {

@@ -75,6 +75,21 @@ TEST(Sealing, WhatClosesAHoleAndWhatDoesNot) {
     ExpectRefusal(leaks, [&] { Compile(RoomWithHole().Box(low, {528, 287, 160})); });  // a slit as wide as a hair
 }
 
+// In engine units, whatever the scale of the map: 1 map unit is 0.19 or 0.21 of them.
+TEST(Sealing, ASlitUnderAFifthOfAUnitIsClosed) {
+    const auto room = [](const char* scale) {
+        MapBuilder map;
+        map.Key("scale", scale).Box({-64, -64, -64}, {4160, 4160, 0}).Box({-64, -64, 4096}, {4160, 4160, 4160});
+        map.Box({-64, -64, 0}, {0, 4160, 4096}).Box({0, -64, 0}, {4096, 0, 4096}).Box({0, 4096, 0}, {4096, 4160, 4096});
+        map.Box({4096, -64, 0}, {4160, 2000, 4096}).Box({4096, 2001, 0}, {4160, 4160, 4096});  // the slit
+        return map.Start("500 500 500");
+    };
+    const WorldFile world = Compile(room("0.19")).world;
+    EXPECT_EQ(Faults(world), Findings{});
+    EXPECT_LT(world.polygons.size(), 100U) << "the outside is not dropped";
+    ExpectRefusal("the level leaks", [&] { Compile(room("0.21")); });
+}
+
 TEST(Sealing, SkyFacesAreLeftOutAndTheOutsideIsDropped) {
     const WorldFile world = Compile(RoomWithHole().Box({512, 224, 96}, {528, 288, 160}, "sky")).world;
     EXPECT_EQ(SlotsOf(world), std::set<int>{0});
