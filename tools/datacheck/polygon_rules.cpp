@@ -1,4 +1,5 @@
 #include "datacheck/rules.h"
+#include "mapc/fan.h"
 #include "mapc/limits.h"
 #include "records/light_facts.h"
 
@@ -7,7 +8,6 @@
 namespace {
 
 constexpr double PLANE_TOLERANCE = 0.15;  // distance of a corner from its polygon's plane
-constexpr double DENT_TOLERANCE = 0.15;  // depth of a corner inside its polygon: welding moves each corner by up to 0.1
 constexpr double EDGE_LENGTH_MIN = 0.099;
 constexpr double SAME_DIRECTION = 0.99;  // least cosine between the stored normal and the corners' own
 constexpr float FARTHEST = 26000;        // largest coordinate at which the game's collision still measures distances
@@ -47,10 +47,11 @@ std::string FaultOfShape(const WorldFace& face) {
     }
     if (Dot(own, face.normal) < SAME_DIRECTION * Length(own)) return "its corners run clockwise seen from outside";
     for (size_t k = 0; k < count; ++k) {
-        const Vec3 chord = face.corners[(k + 2) % count] - face.corners[k];
-        const Vec3 out = Cross(chord, face.normal);
-        if (Dot(face.corners[(k + 1) % count] - face.corners[k], out) < -DENT_TOLERANCE * Length(out)) {
-            return "it is not convex";
+        const Vec3 along = face.corners[(k + 1) % count] - face.corners[k];
+        const Vec3 out = Cross(along, face.normal);
+        for (const Vec3& p : face.corners) {
+            const Vec3 offset = p - face.corners[k];
+            if (Dot(offset, out) > BulgeAllowed(Length(offset), Length(along)) * Length(out)) return "it is not convex";
         }
     }
     return "";

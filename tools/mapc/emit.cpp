@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <tuple>
 #include <unordered_map>
 
@@ -57,16 +58,20 @@ private:
         return static_cast<uint32_t>(number);
     }
 
-    // Welding can turn the plane of a sliver, and a plane that disagrees with its corners has no solid behind it.
-    uint32_t PlaneOf(const MeshPolygon& polygon) {
+    // Welding can turn the plane of a sliver, and a plane that disagrees with its corners has no solid behind it. The
+    // normal of its own plane; nothing: the brush's plane is right.
+    std::optional<Vec3> TurnedNormal(const MeshPolygon& polygon) const {
         constexpr double AGREES = 0.995;  // cosine
-        const Winding winding = WindingOf(polygon);
-        const Vec3 normal = WindingNormal(winding);
+        const Vec3 normal = WindingNormal(WindingOf(polygon));
         const double length = Length(normal);
-        if (length == 0 || Dot(normal, brushes_.planes[polygon.plane].normal) >= AGREES * length) {
-            return PlaneOf(polygon.plane);
-        }
-        return static_cast<uint32_t>(AddPlane(normal * (1 / length), WindingCentre(winding)));
+        if (length == 0 || Dot(normal, brushes_.planes[polygon.plane].normal) >= AGREES * length) return {};
+        return normal * (1 / length);
+    }
+
+    uint32_t PlaneOf(const MeshPolygon& polygon) {
+        const std::optional<Vec3> turned = TurnedNormal(polygon);
+        if (!turned) return PlaneOf(polygon.plane);
+        return static_cast<uint32_t>(AddPlane(*turned, WindingCentre(WindingOf(polygon))));
     }
 
     int AddPlane(int id) { return AddPlane(brushes_.planes[id].normal, anchors_[static_cast<size_t>(id)]); }
@@ -126,7 +131,7 @@ private:
     // Where polygons of a leaf are touched at once, each has its own say in how a step is taken, and what comes after a
     // step lifts the player to its own top: treads come first, then walls, risers last, the tallest first among each.
     std::pair<int, double> ContactOrder(const MeshPolygon& polygon) const {
-        const double up = brushes_.planes[polygon.plane].normal.z;
+        const double up = TurnedNormal(polygon).value_or(brushes_.planes[polygon.plane].normal).z;
         if (up > STEEP_SLOPE) return {0, 0};
         Box box;
         for (const int corner : polygon.corners)

@@ -20,7 +20,7 @@ constexpr double COARSE_RADIUS = 256;  // engine units; faces nearer to a crowde
 Mesh MeshOf(const Tree& tree, const Brushes& brushes, double scale) {
     Mesh mesh = WeldMesh(tree, scale);
     FillTJunctions(mesh, scale);
-    MakeFans(mesh, brushes.planes, [&](const MeshPolygon& polygon) {
+    MakeFans(mesh, brushes.planes, scale, [&](const MeshPolygon& polygon) {
         const bool cornerLight = brushes.textures[static_cast<size_t>(polygon.texture)].cornerLight;
         return cornerLight ? CORNER_LIGHT_CORNERS : BSP_CORNERS_MAX;
     });
@@ -71,9 +71,38 @@ private:
             Refuse(sources_.mapName, 0,
                    fmt::format("a player at {} touches {} polygons at once, at most {}",
                                PlaceText(PlaceOf(cut.contacts)), cut.contacts.count, LEVEL_CONTACTS_MAX),
-                   "simplify the brushes around that place");
+                   "simplify the brushes around that place: " + CrowdAt(PlaceOf(cut.contacts)));
         }
         return cut;
+    }
+
+    // The brushes with the most faces within reach of a player.
+    std::string CrowdAt(const Vec3& place) const {
+        constexpr size_t SHOWN_MAX = 5;
+        const double reach = CONTACTS_REACH / sources_.settings.scale;
+        const auto isNear = [&](const Box& box) { return box.Holds(place, reach); };
+        std::vector<const Face*> faces;
+        for (const std::vector<Face>& leaf : tree_.leaves) {
+            for (const Face& face : leaf)
+                if (isNear(face.box)) faces.push_back(&face);
+        }
+        std::vector<std::pair<size_t, const Brush*>> crowd;
+        for (const Brush& brush : sources_.brushes.list) {
+            // Merged faces no longer know their brush.
+            const auto isOfBrush = [&](const Face* face) {
+                return brush.box.Touches(face->box, 0) &&
+                       std::any_of(brush.sides.begin(), brush.sides.end(),
+                                   [&](const BrushSide& side) { return side.plane == face->plane; });
+            };
+            if (!isNear(brush.box)) continue;
+            const auto count = static_cast<size_t>(std::count_if(faces.begin(), faces.end(), isOfBrush));
+            if (count > 0) crowd.emplace_back(count, &brush);
+        }
+        std::stable_sort(crowd.begin(), crowd.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+        std::string text = fmt::format("{} brushes, the most polygons from", crowd.size());
+        for (size_t i = 0; i < std::min(crowd.size(), SHOWN_MAX); ++i)
+            text += fmt::format("{} {} ({})", i == 0 ? "" : ",", crowd[i].second->line.Text(), crowd[i].first);
+        return text;
     }
 
     // Bakes the light of the world that is cut on the whole grid.

@@ -24,5 +24,5 @@ Vec3 WindingNormal(const Winding& winding);  // length = twice the area
 Vec3 WindingCentre(const Winding& winding);  // mean of the corners
 Box WindingBox(const Winding& winding);
 double WindingArea(const Winding& winding);
-double WindingWidth(const Winding& winding);  // across its narrowest side: of the thinnest strip that holds it
+double WindingWidth(const Winding& winding);   // across its narrowest side: of the thinnest strip that holds it
 void RemoveStraightCorners(Winding& winding);  // corners on the line between their neighbours, and repeated ones

@@ -71,6 +71,15 @@ MapBuilder& MapBuilder::TurnedBox(const Corner& low, const Corner& high, const s
                  Face(low, {1, 0, 0}, {0, 1, 0}, texture) + Face(high, {0, 1, 0}, {1, 0, 0}, texture));
 }
 
+MapBuilder& MapBuilder::Wedge(int x, int y, int height) {
+    const auto point = [](double px, double py, double pz) { return fmt::format("( {} {} {} ) ", px, py, pz); };
+    const auto face = [&](const std::string& points) { return points + "wall 0 0 0 2 2\n"; };
+    const std::string low = point(x, y, 0), north = point(x + 0.3, y + 90.7, 0), east = point(x + 95.5, y - 0.7, 0);
+    const std::string top = point(x + 40.1, y + 30.3, height);
+    return Brush(face(low + north + top) + face(low + top + east) + face(east + top + north) +
+                 face(low + east + north));
+}
+
 MapBuilder& MapBuilder::Room(const Corner& low, const Corner& high, const std::string& texture) {
     const auto& [x0, y0, z0] = low;
     const auto& [x1, y1, z1] = high;

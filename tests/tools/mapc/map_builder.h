@@ -21,6 +21,8 @@ public:
     MapBuilder& Room(const Corner& low, const Corner& high, const std::string& texture = "wall");
     // A box that is turned by an eighth about the vertical through its middle.
     MapBuilder& TurnedBox(const Corner& low, const Corner& high, const std::string& texture = "wall");
+    // Three-sided, about 96 wide, slanting, its corners not on whole numbers.
+    MapBuilder& Wedge(int x, int y, int height);
     MapBuilder& Brush(const std::string& faces);  // lines of faces
     MapBuilder& BeginEntity(const std::string& className,
                             const std::string& keys = "");  // brushes go there from now on
