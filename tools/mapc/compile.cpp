@@ -179,7 +179,7 @@ std::string ReportOf(const CompiledLevel& level) {
     report += fmt::format("{:>9} of {:>8}  polygons touched at one place\n", level.contacts.count, LEVEL_CONTACTS_MAX);
     report += fmt::format("{:>9} skirts behind walls", level.skirts);
     if (level.skirtsLeftOut > 0)
-        report += fmt::format("; {} more would be too many polygons at one place", level.skirtsLeftOut);
+        report += fmt::format("; {} more would be too many for the level or for a place in it", level.skirtsLeftOut);
     report += "\n";
     report += fmt::format("{:>9.2f} seconds of light: {} rays, {:.1f} million a second\n", level.lightSeconds,
                           level.rays, static_cast<double>(level.rays) / (level.lightSeconds * 1e6));

@@ -63,9 +63,13 @@ private:
         return count;
     }
 
-    // Refuses what is beyond a limit.
+    // Refuses what is beyond a limit. Skirts are no reason to.
     CutWorld Uncut() {
         CutWorld cut = WithSkirts(tree_);
+        if (IsTooLarge(cut) && !skirts_.empty()) {
+            skirts_.clear();
+            cut = WithSkirts(tree_);
+        }
         CheckCounts(sources_.mapName, cut.counts);
         if (cut.contacts.count > LEVEL_CONTACTS_MAX) {
             Refuse(sources_.mapName, 0,
@@ -145,6 +149,8 @@ private:
         }
         cut.skirts = skirts_.size();
         cut.skirtsLeftOut = skirtsAtFirst_ - skirts_.size();
+        if (skirts_.empty() && skirtsAtFirst_ > 0)
+            cut.notes.push_back("no skirts find room in the level: its walls can be crept through");
         return cut;
     }
 

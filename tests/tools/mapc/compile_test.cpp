@@ -121,6 +121,21 @@ TEST(Compile, TooManyPolygonsInReachOfThePlayerAreRefusedWithThePlace) {
     ExpectRefusal("50 brushes, the most polygons from test.map:4 (139), test.map:52 (5)", [&] { Compile(map); });
 }
 
+TEST(Compile, ALevelThatIsTooLargeWithSkirtsGoesWithout) {
+    MapBuilder map;
+    map.skirts = true;
+    map.Room({0, 0, 0}, {8000, 8000, 512}).Start("64 64 64");
+    for (int i = 0; i < 900; ++i) {
+        const int x = 200 + i % 30 * 240, y = 200 + i / 30 * 240;
+        map.Box({x, y, 0}, {x + 48, y + 48, 200});
+    }
+    const CompiledLevel level = Compile(map, 0, {LightQuality::None, 1, {}});
+    EXPECT_EQ(level.skirts, 0U);
+    EXPECT_GT(level.skirtsLeftOut, 3000U);
+    EXPECT_EQ(level.notes,
+              std::vector<std::string>{"no skirts find room in the level: its walls can be crept through"});
+}
+
 TEST(Compile, OneRunTellsAllFaultsInTheOrderOfTheirLines) {
     MapBuilder map;
     map.Key("ambeint", "3")
