@@ -5,6 +5,7 @@
 #include "mapconvert/entities.h"
 #include "mapconvert/lamps.h"
 #include "mapconvert/map_writer.h"
+#include "records/levels.h"
 
 #include <fmt/format.h>
 
@@ -231,9 +232,18 @@ std::vector<fs::path> PlacesFor(const ConvertOptions& options, const ForeignRule
     return places;
 }
 
+// Whom the player is in the level whose place ./play --map gives the map: that with its kind of sky and short frames.
+std::string CharacterOf(bool hasSky) {
+    const auto row = std::find_if(std::begin(LEVEL_ROWS), std::end(LEVEL_ROWS), [&](const LevelRow& level) {
+        return (level.sky == LevelSky::OPEN) == hasSky && level.ticks == 1;
+    });
+    return row->skin == LevelSkin::ZERO ? "zero" : "tarnwick";
+}
+
 std::string TexturesText(const Painting& painting) {
-    std::string text =
-        "dark = \"#000000\"\nground = \"#000000\"\nskin = [\"zero_body\", \"zero_head\"]\nmaterials = [\n";
+    const std::string who = CharacterOf(!painting.sky.empty());
+    std::string text = "dark = \"#000000\"\nground = \"#000000\"\n";
+    text += fmt::format("skin = [\"{0}_body\", \"{0}_head\"]\nmaterials = [\n", who);
     for (const auto& [name, picture] : painting.pictures)
         text += fmt::format("    \"{}\",\n", name);
     return text + "]\n";

@@ -175,7 +175,7 @@ private:
     std::vector<std::string>& notes_;
     std::vector<Texture> textures_;
     std::vector<std::string> missing_;
-    std::set<std::string> taken_{"clip", "sky", "zero_body", "zero_head"};
+    std::set<std::string> taken_{"clip", "sky", "zero_body", "zero_head", "tarnwick_body", "tarnwick_head"};
 };
 
 // The face shows the picture as often as before.

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int OPEN_LEVEL = 1;
+constexpr int OPEN_LEVEL = 5;
 const fs::path RULES = SOURCE_FOLDER "/content/foreign.toml";
 
 ConvertedMap ConvertIn(const fs::path& folder, const std::string& text) {
@@ -33,7 +33,7 @@ ConvertedMap ConvertIn(const fs::path& folder, const std::string& text) {
 void CompileInto(const fs::path& converted, const fs::path& data) {
     fs::copy(SOURCE_FOLDER "/tests/levels/data", data, fs::copy_options::recursive);
     const fs::path level = data / fmt::format("game/data/levels/level{}", OPEN_LEVEL);
-    for (const char* skin : {"zero_body", "zero_head"})
+    for (const char* skin : {"tarnwick_body", "tarnwick_head"})
         WritePng(converted / "materials" / (std::string(skin) + ".png"), Image(128, 128, {90, 90, 90, 255}));
     const CompiledTextures textures =
         CompileTextures(ReadLevelTextures(converted / "textures.toml"), converted / "materials");
@@ -62,7 +62,7 @@ Walk RunAhead(const ProgramRun& game, const fs::path& data) {
     std::array<double, 3> first{}, last{};
     for (std::string line; std::getline(lines, line);) {
         const size_t at = line.find("\"pos\":[");
-        if (at == std::string::npos || line.find("\"level\":1") == std::string::npos) continue;
+        if (at == std::string::npos || line.find("\"level\":5") == std::string::npos) continue;
         std::sscanf(line.c_str() + at, "\"pos\":[%lf,%lf,%lf", &last[0], &last[1], &last[2]);
         if (first == std::array<double, 3>{}) first = last;
     }
