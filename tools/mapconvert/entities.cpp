@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";  // some editors begin a file with it
 constexpr double CEILING_SLOPE = -0.7;  // z of a face's direction: those that look down more are out of reach
 
 enum class FaceUse { Painted, Sky, Clip, Unseen, LeftOut, Liquid };
@@ -167,6 +168,7 @@ AdaptedMap AdaptEntities(const MapFile& map, const ForeignRules& rules, double s
 // Such a brush is { WORD { ... } }: what stands between the first brace and the last is blanked, and so are they.
 std::string WithoutOtherForms(std::string text, size_t& left) {
     left = 0;
+    if (text.starts_with(BYTE_ORDER_MARK)) text.replace(0, BYTE_ORDER_MARK.size(), " ");
     for (size_t word = 0; (word = text.find_first_of("bp", word)) != std::string::npos; ++word) {
         const std::string_view rest = std::string_view(text).substr(word);
         if (!rest.starts_with("brushDef") && !rest.starts_with("patchDef")) continue;

@@ -18,5 +18,6 @@ struct AdaptedMap {
 // meant to be seen. Where the sky is a wall or a floor, a clip brush keeps the player from falling through it.
 AdaptedMap AdaptEntities(const MapFile& map, const ForeignRules& rules, double scale);
 
-// The map's text without patches and brushes of other forms, whose lines stay empty. left: how many there were.
+// The map's text without a byte order mark, patches and brushes of other forms, whose lines stay empty. left: how many
+// there were.
 std::string WithoutOtherForms(std::string text, size_t& left);

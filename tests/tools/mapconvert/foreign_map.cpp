@@ -89,7 +89,7 @@ std::string ForeignMap(bool axes) {
     map.BeginEntity("info_player_deathmatch", "\"origin\" \"300 300 30\"\n\"angle\" \"180\"\n");
     map.BeginEntity("info_player_start", "\"origin\" \"-8 64 30\"\n");  // in a wall
     map.BeginEntity("info_player_start", "\"origin\" \"100 256 30\"\n\"angles\" \"0 350 0\"\n");
-    std::string text = map.Text();
+    std::string text = "\xEF\xBB\xBF" + map.Text();
     ReplaceAll(text, " 2 2\n", " 1 1 134217728 4294967296 0\n");
     return text;
 }
