@@ -167,6 +167,7 @@ CharacterRecipe WithoutIdleRoot(const Model& model, CharacterRecipe recipe) {
         const std::vector<size_t> below = BonesBelow(model, recipe, root);
         if (below.size() != 1) return recipe;
         const std::string name = JointName(model, below[0]);
+        if (name == recipe.joints[0]) return recipe;
         recipe.notes.push_back(
             fmt::format("'{}' moves no point: '{}' is the root in its place", Shown(recipe.joints[0]), Shown(name)));
         recipe.folded.push_back(recipe.joints[0]);
