@@ -1,6 +1,6 @@
 // Whole frames as the software renderer draws them for a player, from the pose of the character to the last pixel, with
 // the character in view and without: at the start of each level, and at the places that its map marks, in the costliest
-// of ten directions; in levels without marks at the places of frame_places.h:
+// of ten directions; in level 3, whose map marks none, at the places of frame_places.h:
 // frames [--data DIR] [--rounds N] [LEVEL...].
 
 #include "app/app_tables.h"
@@ -112,8 +112,8 @@ std::vector<View> ViewsOfLevel() {
     const std::vector<FramePlace> marked = MarkedPlaces();
     for (const FramePlace& place : marked)
         views.push_back(CostliestViewFrom(place));
-    if (!marked.empty()) return views;
-    for (const FramePlace& place : FramePlaces[Level - 1])
+    if (!marked.empty() || Level != HOUSE_LEVEL) return views;
+    for (const FramePlace& place : HOUSE_PLACES)
         views.push_back(ViewFrom(place, NameOf(place)));
     return views;
 }

@@ -15,11 +15,12 @@ namespace {
 using std::string;
 using std::to_string;
 
+// The words of a file, each line break and the blanks around it as one blank.
 string TextOf(const string& file) {
     std::ifstream stream(SOURCE_FOLDER "/" + file);
     std::ostringstream text;
     text << stream.rdbuf();
-    return text.str();
+    return std::regex_replace(text.str(), std::regex(R"(\s*\n\s*)"), " ");
 }
 
 std::vector<string> FindAll(const string& text, const char* pattern) {
@@ -46,14 +47,25 @@ string TellKeys() {
     return told;
 }
 
-string LevelsOfTrack(int track) {
+// "1, 2 and 5": the levels whose rows `belongs` accepts.
+template <typename Belongs>
+string LevelsWhere(Belongs belongs) {
     std::vector<string> levels;
     for (const LevelRow& row : LEVEL_ROWS)
-        if (row.track == track) levels.push_back(to_string(row.number));
-    string told = levels.front();
-    for (size_t i = 1; i < levels.size(); ++i)
-        told += (i + 1 == levels.size() ? " and " : ", ") + levels[i];
+        if (belongs(row)) levels.push_back(to_string(row.number));
+    string told;
+    for (size_t i = 0; i < levels.size(); ++i)
+        told += (i == 0 ? "" : i + 1 == levels.size() ? " and " : ", ") + levels[i];
     return told;
+}
+
+string LevelsOfTicks(int ticks) {
+    return LevelsWhere([ticks](const LevelRow& row) { return row.ticks == ticks; });
+}
+
+void ExpectIn(std::initializer_list<const char*> files, const string& words) {
+    for (const char* file : files)
+        EXPECT_NE(TextOf(file).find(words), string::npos) << file << " lacks: " << words;
 }
 
 TEST(LevelDocs, AuthorsReadWhereEachLevelBegins) {
@@ -65,20 +77,36 @@ TEST(LevelDocs, AuthorsReadWhereEachLevelBegins) {
     EXPECT_EQ(FindAll(TextOf("docs/authoring.md"), R"(\| \d+ \| [a-z]+ \| -?\d+, -?\d+, -?\d+ \| -?\d+ \|)"), rows);
 }
 
-TEST(LevelDocs, PlayersReadTheKeys) {
-    EXPECT_NE(TextOf("README.md").find("| " + TellKeys() + " | choose a level |"), string::npos) << TellKeys();
+TEST(LevelDocs, PlayersReadTheKeysAndTheNumberOfLevels) {
+    ExpectIn({"README.md"}, "| " + TellKeys() + " | choose a level |");
+    ExpectIn({"packaging/tarnwick.6.more"}, TellKeys() + " choose a level");
     std::vector<string> captions;
     for (const LevelRow& row : LEVEL_ROWS)
         captions.push_back(string("\"") + row.key + "\"");
     EXPECT_EQ(FindAll(TextOf("content/pictures/Select01.toml"), R"("F\d+")"), captions);
+
+    const string count = to_string(LEVEL_COUNT);
+    ExpectIn({"README.md"}, "1 to " + count + " for the levels");
+    ExpectIn({"host/backends/web/page/index.html"}, "<kbd>1</kbd> to <kbd>" + count + "</kbd>");
+    ExpectIn({"docs/first_level.md", "docs/authoring.md"}, "`level1` to `level" + count + "`");
+    const char* const words[] = {"seven", "eight", "nine", "ten"};
+    ASSERT_LT(LEVEL_COUNT - 7, 4);
+    ExpectIn({"README.md", "packaging/tarnwick.desktop", "packaging/tarnwick.metainfo.xml", "cmake/Install.cmake",
+              "host/backends/web/page/index.html"},
+             string(words[LEVEL_COUNT - 7]) + " worlds");
 }
 
-TEST(LevelDocs, TellTheTrackAndTheNumberOfLevels) {
-    const string levels = "Levels " + LevelsOfTrack(LEVEL_ROWS[0].track) + " play ";
+TEST(LevelDocs, TellWhatIsInWhichLevels) {
     for (const LevelRow& row : LEVEL_ROWS)
         EXPECT_TRUE(row.track == LEVEL_ROWS[0].track || row.track == LEVEL_ROWS[1].track) << "the docs tell of two";
-    for (const char* file : {"docs/headless.md", "docs/music.md"})
-        EXPECT_NE(TextOf(file).find(levels), string::npos) << file << ": " << levels;
+    ExpectIn({"docs/headless.md", "docs/music.md"},
+             "Levels " + LevelsWhere([](const LevelRow& row) { return row.track == LEVEL_ROWS[0].track; }) + " play ");
+    ExpectIn({"docs/skies.md"}, "Levels " + LevelsWhere([](const LevelRow& row) { return row.sky == LevelSky::OPEN; }) +
+                                    " lie under a sky");
+    ExpectIn({"docs/character.md"},
+             "in levels " + LevelsWhere([](const LevelRow& row) { return row.skin == LevelSkin::TARNWICK; }));
+    ExpectIn({"docs/authoring.md"}, "A second has 62 frames in levels " + LevelsOfTicks(1) + ", 31 in " +
+                                        LevelsOfTicks(2) + ", and 15 in " + LevelsOfTicks(4));
     for (const char* file : {"docs/headless.md", "docs/authoring.md"}) {
         for (const string& range : FindAll(TextOf(file), R"(level(`,)?,? 1\.\.\d+)"))
             EXPECT_TRUE(range.ends_with(".." + to_string(LEVEL_COUNT))) << file << ": " << range;

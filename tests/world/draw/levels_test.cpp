@@ -5,6 +5,7 @@
 #include "math/vectors.h"
 #include "math/world_planes.h"
 #include "platform/timer.h"
+#include "records/levels.h"
 #include "render/render_tables.h"
 #include "render/textures.h"
 #include "support/pool_fixture.h"
@@ -208,10 +209,13 @@ INSTANTIATE_TEST_SUITE_P(TestLevels, CompiledLevel,
 
 #ifndef TARNWICK_SANITIZED  // once is enough
 constexpr const char* CONTENT = BUILD_FOLDER "/data";
-INSTANTIATE_TEST_SUITE_P(Content, CompiledLevel,
-                         testing::Values(LevelFiles{CONTENT, 0}, LevelFiles{CONTENT, 1}, LevelFiles{CONTENT, 2},
-                                         LevelFiles{CONTENT, 3}, LevelFiles{CONTENT, 4}, LevelFiles{CONTENT, 5},
-                                         LevelFiles{CONTENT, 6}, LevelFiles{CONTENT, 7}));
+std::vector<LevelFiles> ShippedLevels() {
+    std::vector<LevelFiles> all;
+    for (int level = 0; level < LEVEL_COUNT; ++level)
+        all.push_back({CONTENT, level});
+    return all;
+}
+INSTANTIATE_TEST_SUITE_P(Content, CompiledLevel, testing::ValuesIn(ShippedLevels()));
 #endif
 
 }  // namespace
