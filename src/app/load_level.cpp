@@ -12,6 +12,7 @@
 #include "math/world_planes.h"
 #include "platform/timer.h"
 #include "player/player.h"
+#include "records/levels.h"
 #include "render/fog.h"
 #include "render/screen.h"
 #include "render/submit.h"
@@ -28,6 +29,12 @@ namespace {
 constexpr Vec3 CAMERA_START_POSITION = {3400.0f, 137.0f, 4101.0f};
 constexpr Vec3 CAMERA_START_ANGLES = {-27.0f, 329.0f, 0.0f};
 
+constexpr const char* SKIN_PATHS[] = {  // by LevelSkin
+#define SKIN(NAME, FILE) "game\\data\\anims\\" FILE,
+    LEVEL_SKINS(SKIN)
+#undef SKIN
+};
+
 // Resets the state that must not last from the previous level into this one.
 void ResetLevelState(int32_t index) {
     LoadedLevel = index;
@@ -42,8 +49,7 @@ void ResetLevelState(int32_t index) {
 void LoadPlayerMesh(uint16_t skin) {
     CharPointBase = WorldGeometry.used.points;
     CharPolyBase = WorldGeometry.used.polygons;
-    LoadMesh("game\\data\\anims\\zero.msh", PlayerMesh,
-             skin == 0 ? "game\\data\\anims\\zero.tuv" : "game\\data\\anims\\tarnwick.tuv");
+    LoadMesh("game\\data\\anims\\zero.msh", PlayerMesh, SKIN_PATHS[skin]);
 }
 
 void PlacePlayer(const Vec3& start) {

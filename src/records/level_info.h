@@ -15,7 +15,7 @@ struct LevelInfo {
     float unused1;    // 0.9
     float unused2;    // 0.33
     Vec3 start;       // the player's start position
-    uint16_t skin;    // 0: zero.tuv, otherwise tarnwick.tuv
+    uint16_t skin;    // a LevelSkin
     uint16_t hasSky;  // non-zero: DrawSky in every frame
     uint16_t minFrameTicks;
     uint32_t textureColour;  // 0x00RRGGBB

@@ -8,7 +8,7 @@
 //   world   name of the map (<world>.map) and of the world file (<world>.bgm)
 //   start   x, y, z: where the player appears, world units
 //   floor   height of the floor that the map compiler puts below the start, world units
-//   skin    ZERO or TARNWICK, the character's
+//   skin    ZERO or TARNWICK, the character's (below)
 //   sky     OPEN: sky.toml is made into a sky, which is drawn in every frame; CLOSED: there is none
 //   ticks   least length of a frame: 1, 2 or 4 ticks of 16 ms
 //   fog     colour of the accelerator's fog, 0x00RRGGBB
@@ -31,7 +31,23 @@
     LEVEL(8,    assault,  800,  800,   0,      688,   TARNWICK, OPEN,   2,    0x000000, 3,    F12)
 // clang-format on
 
-enum class LevelSkin : uint16_t { ZERO = 0, TARNWICK = 1 };
+// The skins: their names in the column above, and their files in game/data/anims.
+#define LEVEL_SKINS(SKIN)                                                                                              \
+    SKIN(ZERO, "zero.tuv")                                                                                             \
+    SKIN(TARNWICK, "tarnwick.tuv")
+
+enum class LevelSkin : uint16_t {
+#define SKIN(NAME, FILE) NAME,
+    LEVEL_SKINS(SKIN)
+#undef SKIN
+};
+
+inline constexpr const char* LEVEL_SKIN_FILES[] = {  // by LevelSkin
+#define SKIN(NAME, FILE) FILE,
+    LEVEL_SKINS(SKIN)
+#undef SKIN
+};
+
 enum class LevelSky : uint16_t { CLOSED = 0, OPEN = 1 };
 
 struct LevelRow {

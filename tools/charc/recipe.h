@@ -49,10 +49,9 @@ struct CharacterRecipe {
     std::vector<std::string> notes;  // what the recipe leaves open and the tool chose, for the user
 };
 
-// What the game loads, in its folder of animations.
+// What the game loads in its folder of animations, besides the skins (LEVEL_SKIN_FILES).
 constexpr const char* CHARACTER_MESH_FILE = "zero.msh";
 constexpr const char* CHARACTER_WEIGHTS_FILE = "zero.wei";
-constexpr std::array<const char*, 2> CHARACTER_SKIN_FILES = {"zero.tuv", "tarnwick.tuv"};
 
 // An animation that the game loads, and what it usually is: for recipes that say no more than which clip of the model
 // fills it.

@@ -3,6 +3,7 @@
 #include "charc/stand_ins.h"
 #include "formats/error.h"
 #include "formats/toml_table.h"
+#include "records/levels.h"
 
 #include <fmt/format.h>
 
@@ -110,7 +111,7 @@ void CompleteSkins(const TomlTable& text, std::vector<SkinRecipe>& skins, std::v
     std::set<std::string> files;
     for (const SkinRecipe& skin : skins)
         files.insert(skin.file);
-    for (const char* const file : CHARACTER_SKIN_FILES) {
+    for (const char* const file : LEVEL_SKIN_FILES) {
         if (files.erase(file)) continue;
         notes.push_back(fmt::format("no skin is named for {}: that of {} is worn", file, Shown(skins[0].file)));
         skins.push_back(skins[0]);

@@ -97,7 +97,7 @@ private:
         CharacterData character;
         character.mesh = Load(character.MeshPath(), true, DecodeMesh);
         character.weights = Load(character.WeightsPath(), true, DecodeWeights);
-        for (const std::string file : CHARACTER_SKIN_FILES) {
+        for (const std::string file : LEVEL_SKIN_FILES) {
             const std::string path = character.folder + "/" + file;
             if (auto skin = Load(path, true, DecodeSkin)) character.skins.emplace(path, std::move(*skin));
         }

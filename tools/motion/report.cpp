@@ -6,13 +6,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
-constexpr std::array<const char*, PLAYER_STATE_COUNT> STATE_NAMES = {
+constexpr const char* STATE_NAMES[] = {  // by PlayerState
     "stand",     "fold arms",  "hold arms",    "unfold arms", "ready",       "run up",        "run",
     "back",      "halt",       "glance right", "glance left", "leap crouch", "leap take-off", "leap air",
     "leap land", "hop crouch", "hop take-off", "hop air",     "hop land",    "walk"};
+static_assert(std::size(STATE_NAMES) == PLAYER_STATE_COUNT);
 
 // Left bones and their right twins, by number.
 constexpr std::array<std::pair<size_t, size_t>, 8> TWINS = {

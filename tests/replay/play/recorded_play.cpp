@@ -11,10 +11,10 @@
 
 namespace {
 
-const char* const STATES[] = {"Stand",      "FoldArms",   "HoldArms",    "UnfoldArms", "Ready",
-                              "RunUp",      "Run",        "Back",        "Halt",       "FidgetRight",
-                              "FidgetLeft", "LeapCrouch", "LeapTakeOff", "LeapAir",    "LeapLand",
-                              "HopCrouch",  "HopTakeOff", "HopAir",      "HopLand",    "Walk"};
+const char* const STATES[] = {  // by PlayerState
+    "Stand",    "FoldArms",  "HoldArms",    "UnfoldArms", "Ready",      "RunUp",       "Run",
+    "Back",     "Halt",      "FidgetRight", "FidgetLeft", "LeapCrouch", "LeapTakeOff", "LeapAir",
+    "LeapLand", "HopCrouch", "HopTakeOff",  "HopAir",     "HopLand",    "Walk"};
 
 // Every way from state to state that the player's handlers and clips have. Nothing leads into LeapLand.
 const std::pair<const char*, std::vector<const char*>> WAYS[] = {
@@ -51,7 +51,9 @@ std::string Jump(const std::string& kind, int32_t ticks, bool held) {
 }
 
 std::string StateOf(const PlayedFrame& frame) {
-    return STATES[frame.Whole("state")];
+    const auto state = static_cast<size_t>(frame.Whole("state"));
+    if (state >= std::size(STATES)) throw std::runtime_error("state " + std::to_string(state) + " has no name here");
+    return STATES[state];
 }
 
 uint8_t CodeOf(const char* key) {

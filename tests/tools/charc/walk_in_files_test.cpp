@@ -18,7 +18,7 @@ TEST(WalkInFiles, AreWhatTheCheckerTakes) {
         if (name.ends_with(".tuv")) data.skins[name] = DecodeSkin(file.content, name);
         if (name.ends_with(".anm")) data.clips[name] = DecodeAnimation(file.content, name);
     }
-    EXPECT_EQ(data.skins.size(), CHARACTER_SKIN_FILES.size());
+    EXPECT_EQ(data.skins.size(), std::size(LEVEL_SKIN_FILES));
     Report report;
     CheckCharacter(data, report);
     EXPECT_EQ(report.Lines(), std::vector<std::string>{});
