@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # docs_test.sh BUILD: what README and docs/ name can be had. Every path build/... is made by the build or by ./play and
 # ./check, every target is one, every option in a command line is one of that program's --help, every other option in
-# the text one of some program's, and every option of the game is told.
+# the text one of some program's. Every option of the game is told, and so is every key and kind that the tools know; the
+# map editor is told of the keys, too.
 set -u
 build=$1
 cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
@@ -88,4 +89,55 @@ done
 for option in $(grep -oE -e '^  --[a-z-]+' "$(help_of tarnwick)" | grep -vE 'help|version'); do
     cat "${documents[@]}" | grep -qE -e "$option\\b" || fail "README and docs say nothing of $option"
 done
+
+# known COMMAND...: the names that a tool lists when it refuses one.
+known() {
+    local said
+    said=$("$@" 2>&1 | sed -nE 's/.*(known are|use one of|use) //p')
+    [ -n "$said" ] || fail "$1 does not say what it knows" >&2
+    tr -d ' ' <<<"$said" | tr , '\n' | grep -vxE 'mapversion|message|wad|origin'  # those that any map editor writes
+}
+
+# told_in DOCUMENT: the names on standard input.
+told_in() {
+    local name
+    while read -r name; do
+        grep -qF "\`$name\`" "$1" || fail "$1 says nothing of $name"
+    done
+}
+
+tools=$build/tools
+printf '[[layer]]\npattern = "x"\n' >"$scratch/recipe.toml"
+told_in docs/materials.md < <(known "$tools/texc" paint "$scratch/recipe.toml" -o "$scratch/out.png")
+printf '[[item]]\nkind = "x"\n' >"$scratch/picture.toml"
+told_in docs/materials.md < <(known "$tools/picc" "$scratch/picture.toml" -o "$scratch/out.bmp" --materials . --fonts .)
+printf '[[layer]]\nkind = "x"\n' >"$scratch/sky.toml"
+: >"$scratch/materials.txt"
+told_in docs/skies.md < <(known "$tools/skyc" "$scratch/sky.toml" --materials "$scratch/materials.txt" -o "$scratch/sky.sob")
+
+# keys_of CLASS LINE...: the names that mapc lists when it refuses an entity with these lines.
+keys_of() {
+    local class=$1
+    shift
+    {
+        printf '{\n"classname" "worldspawn"\n'
+        [ "$class" = worldspawn ] || printf '}\n{\n"classname" "%s"\n' "$class"
+        printf '%s\n' "$@" '}'
+    } >"$scratch/keys.map"
+    known "$tools/mapc" "$scratch/keys.map" --materials "$scratch/materials.txt" --output "$scratch/level"
+}
+
+for class in worldspawn func_detail func_terrain func_instance info_route light; do
+    keys_of $class '"x" "1"' >"$scratch/keys"
+    told_in docs/authoring.md <"$scratch/keys"
+    while read -r key; do
+        sed -n "/= $class :/,/^]/p" content/editor/tarnwick.fgd | grep -qE "^ +$key\(" ||
+            fail "content/editor/tarnwick.fgd: the class $class lacks the key $key"
+    done <"$scratch/keys"
+done
+keys_of light '"origin" "0 0 0"' '"style" "x"' >"$scratch/keys"
+told_in docs/authoring.md <"$scratch/keys"
+while read -r style; do
+    grep -qE "^ +\"$style\" :" content/editor/tarnwick.fgd || fail "content/editor/tarnwick.fgd lacks the style $style"
+done <"$scratch/keys"
 [ $failures = 0 ]
