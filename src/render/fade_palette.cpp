@@ -1,3 +1,4 @@
+#include "records/palette_facts.h"
 #include "render/render_tables.h"
 #include "render/textures.h"
 #include "world/world_tables.h"
@@ -29,9 +30,9 @@ uint8_t NearestColour(const Colour& target) {
     int best = WORST_MATCH;
     int bestIndex = 0;
     for (int i = 0; i < 256; ++i) {
-        const double red = 0.8 * (Palette[i].channel[0] - target.channel[0]);
-        const double green = 1.2 * (Palette[i].channel[1] - target.channel[1]);
-        const double blue = 1.1 * (Palette[i].channel[2] - target.channel[2]);
+        const double red = RED_TENTHS / 10.0 * (Palette[i].channel[0] - target.channel[0]);
+        const double green = GREEN_TENTHS / 10.0 * (Palette[i].channel[1] - target.channel[1]);
+        const double blue = BLUE_TENTHS / 10.0 * (Palette[i].channel[2] - target.channel[2]);
         const double distance = red * red + green * green + blue * blue;
         if (distance == 0) return static_cast<uint8_t>(i);
         // Kept as it is: `best` is a whole number, so a later colour has to be nearer than the truncated distance.

@@ -3,6 +3,7 @@
 #include "app/app_tables.h"
 #include "host/glide.h"
 #include "platform/display.h"
+#include "records/palette_facts.h"
 #include "render/glide_screen.h"
 #include "render/textures.h"
 #include "world/bsp.h"
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr int BACKGROUND_COLOUR = 0xFE;
 constexpr int32_t PENDING_SWAPS_MAX = 3;
 
 void UseScreenSize() {
@@ -89,9 +89,9 @@ void ClearFrame() {
     const int32_t rows = ScreenHeight / 2;
     uint8_t* row = FrameBuffer + static_cast<ptrdiff_t>(rows) * FramePitch;
     if (stride == filled) {
-        std::memset(row, BACKGROUND_COLOUR, static_cast<size_t>(rows) * static_cast<size_t>(filled));
+        std::memset(row, GROUND_COLOUR, static_cast<size_t>(rows) * static_cast<size_t>(filled));
         return;
     }
     for (int32_t i = 0; i < rows; i++, row += stride)
-        std::memset(row, BACKGROUND_COLOUR, static_cast<size_t>(filled));
+        std::memset(row, GROUND_COLOUR, static_cast<size_t>(filled));
 }

@@ -9,4 +9,4 @@
 bool InitGraphics(int32_t softwareScreenRes);
 void SetupScreen();  // projection constants, node radii, display palette; presents once
 void SwapScreen();
-void ClearFrame();  // software: the lower half to index 0xFE; accelerator: black, and the farthest depth
+void ClearFrame();  // software: the lower half to GROUND_COLOUR; accelerator: black, and the farthest depth

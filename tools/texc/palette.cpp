@@ -2,6 +2,7 @@
 
 #include "formats/error.h"
 #include "records/light_facts.h"
+#include "records/palette_facts.h"
 
 #include <dlfcn.h>
 #include <libimagequant.h>
@@ -92,11 +93,12 @@ Quantised Reduce(const std::map<int, int64_t>& counts, int colours) {
     return Quantised(result);
 }
 
+// As the game measures it, without the root.
 int Distance(const std::array<uint8_t, 3>& a, const std::array<uint8_t, 3>& b) {
-    const int red = a[0] - b[0];
-    const int green = a[1] - b[1];
-    const int blue = a[2] - b[2];
-    return 64 * red * red + 144 * green * green + 121 * blue * blue;  // 0.8, 1.2 and 1.1, squared, times 100
+    const int red = RED_TENTHS * (a[0] - b[0]);
+    const int green = GREEN_TENTHS * (a[1] - b[1]);
+    const int blue = BLUE_TENTHS * (a[2] - b[2]);
+    return red * red + green * green + blue * blue;
 }
 
 uint8_t Nearest(const std::array<uint8_t, 3>& wanted, const Palette& palette) {
@@ -120,7 +122,7 @@ Palette ChoosePalette(const PaletteWishes& wishes) {
             palette[PALETTE_FIRST_CHOSEN + i] = SixBitColour({c.r, c.g, c.b, 255});
         }
     }
-    palette[PALETTE_GROUND] = SixBitColour(wishes.ground);
+    palette[GROUND_COLOUR] = SixBitColour(wishes.ground);
     palette[PALETTE_WHITE] = {63, 63, 63};
     return palette;
 }

@@ -15,7 +15,6 @@ using Palette = decltype(TextureFile::palette);
 
 constexpr int PALETTE_FIRST_CHOSEN = 1;
 constexpr int PALETTE_LAST_CHOSEN = 252;
-constexpr int PALETTE_GROUND = 254;
 constexpr int PALETTE_WHITE = 255;
 
 struct PaletteWishes {
@@ -24,7 +23,7 @@ struct PaletteWishes {
         int weight;  // how often each texel counts
     };
     std::vector<Picture> pictures;
-    Rgba dark, ground;  // what unlit surfaces fade to; see PALETTE_GROUND
+    Rgba dark, ground;  // what unlit surfaces fade to; see GROUND_COLOUR
 };
 
 int SixBits(int byte);  // 0..255 as one of the 64 steps of a palette

@@ -1,0 +1,11 @@
+// What the game takes for granted of a level's palette. The game takes these numbers from here, and so do the tools
+// that choose palettes. Data only.
+#pragma once
+
+constexpr int GROUND_COLOUR = 254;  // entry that fills the lower half of the software's frame before the world is drawn
+
+// Weight of a channel, in tenths, in the distance between two colours: the square root of the sum of the squares of
+// weight x difference.
+constexpr int RED_TENTHS = 8;
+constexpr int GREEN_TENTHS = 12;
+constexpr int BLUE_TENTHS = 11;
