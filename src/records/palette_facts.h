@@ -4,8 +4,7 @@
 
 constexpr int GROUND_COLOUR = 254;  // entry that fills the lower half of the software's frame before the world is drawn
 
-// Weight of a channel, in tenths, in the distance between two colours: the square root of the sum of the squares of
-// weight x difference.
+// How far apart two colours are: the sum of the squares of weight x difference, over the channels. Weights in tenths.
 constexpr int RED_TENTHS = 8;
 constexpr int GREEN_TENTHS = 12;
 constexpr int BLUE_TENTHS = 11;

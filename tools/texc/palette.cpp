@@ -93,7 +93,7 @@ Quantised Reduce(const std::map<int, int64_t>& counts, int colours) {
     return Quantised(result);
 }
 
-// As the game measures it, without the root.
+// 100 times what the game measures.
 int Distance(const std::array<uint8_t, 3>& a, const std::array<uint8_t, 3>& b) {
     const int red = RED_TENTHS * (a[0] - b[0]);
     const int green = GREEN_TENTHS * (a[1] - b[1]);
