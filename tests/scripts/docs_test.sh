@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# docs_test.sh BUILD: what README and docs/ name can be had. Every path build/... is made by the build or by ./play and
-# ./check, every target is one, every option in a command line is one of that program's --help, every other option in
+# docs_test.sh BUILD: what README and docs/ name can be had. Every path in the tree exists, every path build/... is made by
+# the build or by ./play and ./check, every target is one, every option in a command line is one of that program's --help, every other option in
 # the text one of some program's. Every option of the game is told, and so is every key and kind that the tools know; the
 # map editor is told of the keys, too.
 set -u
@@ -9,6 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 documents=(README.md docs/*.md)
+folders='src|host|tools|content|tests|scripts|fuzz|bench|docs|packaging|cmake'
 failures=0
 
 fail() {
@@ -38,6 +39,9 @@ for document in "${documents[@]}"; do
         *) exists "${path#build/}" ;;
         esac || fail "$document: nothing makes $path"
     done < <(grep -oE '\bbuild(-debug)?/[A-Za-z0-9_./<>-]*' "$document" | sed 's/[.]$//' | sort -u)
+    while read -r path; do
+        compgen -G "$(sed -E 's/<[^>]*>|N\b/*/g' <<<"$path")" >/dev/null || fail "$document: there is no $path"
+    done < <(grep -oE "\`($folders)/[A-Za-z0-9_./<>*-]+" "$document" | tr -d '`' | sort -u)
     while read -r target; do
         grep -qxE "(.*/)?$target" "$scratch/made" || fail "$document: there is no target $target"
     done < <(grep -oE -e '--target [a-z_]+' "$document" | sed 's/.* //')
