@@ -6,7 +6,7 @@ set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXE
 set(TOOLS mapc texc skyc charc picc musicc datacheck clip_sheet)
 set(PACKAGING ${CMAKE_SOURCE_DIR}/packaging)
 
-# Manual pages are what the programs say of themselves.
+# Manual pages are made from what the programs print for --help.
 set(MANUAL ${CMAKE_BINARY_DIR}/man)
 file(MAKE_DIRECTORY ${MANUAL})
 function(add_manual_page program section description more)
@@ -37,8 +37,9 @@ install(FILES ${TARNWICK_DATA}/icon.png DESTINATION ${CMAKE_INSTALL_DATADIR}/ico
 install(FILES ${PACKAGING}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tarnwick COMPONENT game)
 
 install(TARGETS ${TOOLS} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-install(FILES ${PACKAGING}/copyright docs/authoring.md docs/character.md docs/formats.md docs/materials.md docs/music.md docs/skies.md
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tarnwick-tools COMPONENT tools)
+install(FILES ${PACKAGING}/copyright docs/authoring.md docs/character.md docs/first_level.md docs/formats.md docs/materials.md
+        docs/music.md docs/skies.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tarnwick-tools COMPONENT tools)
+install(DIRECTORY docs/pictures DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tarnwick-tools COMPONENT tools)  # of first_level.md
 install(DIRECTORY content/editor DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tarnwick-tools COMPONENT tools)
 
 set(CPACK_GENERATOR DEB)

@@ -1,6 +1,6 @@
 # add_layer(<name> [FOLDER dir] [USES lib...])
-#   A static library of every .cpp file in one folder (not its subfolders, and not *_tables.cpp, which the
-#   library `tables` holds). USES names the layers below it; nothing above may be named.
+#   Makes a static library of every .cpp file in one folder, without its subfolders and without *_tables.cpp, which belong
+#   to the library `tables`. USES names the layers below it, and never one above.
 function(add_layer name)
     cmake_parse_arguments(LAYER "" "FOLDER" "USES" ${ARGN})
     if(NOT LAYER_FOLDER)

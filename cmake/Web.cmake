@@ -1,5 +1,6 @@
-# The program of the page: tarnwick.mjs and tarnwick.wasm. The game waits in the middle of its loops; Asyncify lets the
-# browser do its own work then, so that any server of files will do.
+# The program of the page: tarnwick.mjs and tarnwick.wasm. The game waits in the middle of its loops. Asyncify lets the
+# browser do its own work there, so the page needs no thread and any server of files will do. ASYNCIFY_IMPORTS names the
+# functions of page_calls.h that wait.
 target_link_options(tarnwick PRIVATE
     --js-library ${CMAKE_SOURCE_DIR}/host/backends/web/page_calls.js
     -sASYNCIFY -sASYNCIFY_IMPORTS=pageNap,pageWait,pageBringFile,pageShowMessage -sASYNCIFY_STACK_SIZE=65536

@@ -1,7 +1,7 @@
 #!/bin/sh
-# man_page.sh PROGRAM SECTION VERSION DESCRIPTION OUTPUT.gz [MORE]: the manual page of a program, made of what its --help
-# says, so that neither can differ from the other; compressed, as they are kept. DESCRIPTION stands for the help's first
-# line where that is empty; MORE is a file of further sections in troff's language.
+# man_page.sh PROGRAM SECTION VERSION DESCRIPTION OUTPUT.gz [MORE]: writes the manual page of a program, compressed. It is
+# made from what the program's --help prints, so that the two cannot differ. DESCRIPTION is used where the help has no
+# first line; MORE is a file of further sections in troff's language.
 set -eu
 program=$1 section=$2 version=$3 description=$4 output=$5 more=${6:-}
 name=$(basename "$program")

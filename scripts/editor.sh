@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# editor.sh FOLDER: sets up FOLDER, which holds all/materials, as the folder that a map editor takes for the game's: a
-# folder for the materials of each level beside it, of which a map chooses one as its mod, and games/tarnwick with
-# the editor's configuration of the game, in which this repository stands as the place of ./play.
+# editor.sh FOLDER: sets up FOLDER, which already holds all/materials, as the folder that a map editor takes for the game's.
+# Makes a folder with the materials of each level, of which a map chooses one as its mod, and games/tarnwick with the
+# editor's configuration of the game, in which @ROOT@ becomes the path of this repository.
 set -eu
 folder=$1
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -10,7 +10,7 @@ for list in "$root"/content/levels/*/textures.toml; do
     level=$folder/$(basename "$(dirname "$list")")
     rm -rf "$level"
     mkdir -p "$level/materials"
-    # The skin is no material, and what shines is told by its name alone.
+    # All quoted names are materials, but for those of the skin.
     grep -v '^skin' "$list" | grep -oE '"[a-z0-9_]+"' | tr -d '"' | sort -u |
         sed 's,.*,../../all/materials/&.png,' | xargs ln -s -t "$level/materials"
 done

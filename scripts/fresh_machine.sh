@@ -233,7 +233,7 @@ packages() {
         'apt-get install -y --no-install-recommends /packages/tarnwick-tools_*.deb'
     new_packages package
     step "its tools" inside "$work/package" root sh -c \
-        'for tool in mapc texc skyc charc picc musicc datacheck clip_sheet; do $tool --help || exit; done && datacheck /usr/share/tarnwick'
+        'for tool in $(dpkg -L tarnwick-tools | grep ^/usr/bin/); do $tool --help || exit; done && datacheck /usr/share/tarnwick'
 }
 
 # Plays the headless tour: its trace must be the same as the build's own.

@@ -1,18 +1,20 @@
 #!/usr/bin/env bash
-# map.sh BUILD DATA FILE.map [--foreign] [--fast]: compiles any map into a folder of its own below the user's cache, and
-# prints the options with which the game plays it, a line each. DATA is the game's data folder; everything but the level
-# is linked from there. Each time it is a fresh folder, and the one before stays for a game that plays it. Nothing is
-# written beside the map or in the repository; when the map cannot be compiled, the status is 1. A name without a folder
-# that is no file is that of a map compiled before.
+# map.sh BUILD DATA FILE.map [--foreign] [--fast]: compiles any map into a data folder below the user's cache, and prints the
+# options with which the game plays it, one a line. BUILD has the tools. DATA is the game's data folder; everything but the level is
+# linked from there. Each compilation makes a new folder; the folder before it stays, for a game that may be playing it.
+# Nothing is written beside the map or in the repository. Status 1: the map cannot be compiled. A FILE.map that does not
+# exist and names no folder is taken for the name of a map that was compiled before.
 #
-# Keys of worldspawn that say how it is played:
-#   sky    a sky.toml beside the map, or the number of the level whose sky it is; 1 where faces are painted with sky
-#   ticks  1, 2 or 4: the length of a frame in ticks of 16 ms; 1
-#   track  of the music; that of the level whose place it takes
-# Beside the map, textures.toml lists its materials; without one it gets those that its faces name. Pictures and recipes
-# of its own lie in the folder materials there, and go before the game's.
+# Keys of worldspawn that say how the map is played:
+#   sky    a sky.toml beside the map, or the number of the level whose sky it takes. By default 1 where faces are painted
+#          with sky, and none elsewhere
+#   ticks  1, 2 or 4: the length of a frame in ticks of 16 ms. By default 1
+#   track  the track of the music. By default that of the level whose place the map takes
+# textures.toml beside the map lists its materials; without one it gets those that its faces name. Pictures and recipes
+# in the folder materials beside the map take precedence over the game's.
 #
-# --foreign: the map was made for something else. mapconvert adapts it first, by foreign.toml beside it or else ours.
+# --foreign: the map was made for something else. mapconvert adapts it first, by the rules of foreign.toml beside the map, or
+# else of content/foreign.toml.
 set -u
 build=$(realpath "$1") data=$(realpath "$2") map=$3
 shift 3
@@ -48,7 +50,7 @@ echo "$map" >"$folder/place.txt"
 log=$made/compile.log
 : >"$log"
 
-# tool NAME ARGUMENT...: ends the script with its message when it fails.
+# tool NAME ARGUMENT...: runs one of the tools; when it fails, prints its message and ends the script.
 tool() {
     local program=$build/tools/$1
     shift
@@ -57,10 +59,10 @@ tool() {
     exit 1
 }
 
-# What the level is made of: whoever watches it looks at these.
+# The files that the level is made of: watch.sh looks at these for changes.
 watched=("$map")
 
-# adapt: puts the adapted map in the place of one from elsewhere.
+# Replaces a map from elsewhere by its adapted copy: sets map and home.
 adapt() {
     local rules=$home/foreign.toml file
     [ -r "$rules" ] || rules=$root/content/foreign.toml
@@ -81,13 +83,13 @@ else
     rm -rf "$made/adapted"
 fi
 
-# world_key NAME: of the first entity.
+# world_key NAME: prints the value of that key of the first entity.
 world_key() {
     awk -v name="\"$1\"" '/^[ \t]*{/ { ++depth } /^[ \t]*}/ { if (--depth == 0) exit }
         depth == 1 && $1 == name { sub(/^[^"]*"[^"]*"[ \t]*"/, ""); sub(/".*/, ""); print; exit }' "$map"
 }
 
-# The row of the game's table that has the sky and the ticks: sets level, skin and row_track.
+# find_row OPEN|CLOSED TICKS: sets level, skin and row_track to those of the first level with that sky and these ticks.
 find_row() {
     local number who sky ticks track
     while read -r number who sky ticks track; do
@@ -98,7 +100,7 @@ find_row() {
     return 1
 }
 
-# The map and its prefabs, with theirs.
+# Sets maps to the map, its prefabs, and the prefabs of these.
 find_maps() {
     local i place file
     maps=("$map")
@@ -113,7 +115,7 @@ find_maps() {
     done
 }
 
-# Those that faces name, and keys of terrains and prefabs.
+# Prints the textures that faces name, and those that keys of terrains and prefabs name.
 textures() {
     awk '$1 == "(" && NF > 20 { print $16 }
         $1 ~ /^"(steep|high|replace[0-9]+)"$/ { gsub(/"/, ""); for (i = 2; i <= NF; ++i) print $i }' "${maps[@]}" | sort -u
@@ -157,7 +159,7 @@ is_fresh() {
     return 0
 }
 
-# picture NAME: sets it to that of the material, painted anew if need be; false: there is none.
+# picture NAME: sets it to the material's picture, painted anew if need be. False: there is none.
 picture() {
     local recipe
     it=$home/materials/$1.png
@@ -181,7 +183,7 @@ watch_recipes() {
 
 quoted() { grep -oE '"[^"]+"' | tr -d '"'; }
 
-# The names that may be those of pictures: more than the materials do no harm.
+# Prints the names of all pictures that the level may need; names that are no material do no harm.
 names() {
     if [ -r "$home/textures.toml" ]; then
         quoted <"$home/textures.toml"
@@ -217,7 +219,7 @@ if [ ! -r "$list" ]; then
     } >"$list"
 fi
 
-# The textures, unless they are as they were.
+# Compiles the textures, unless nothing has changed that they are made of.
 stamp=$(cat "$list"; stat -Lc '%n %y %s' "$build/tools/texc" "${pictures[@]}")
 if [ "$stamp" != "$(cat "$made/textures.stamp" 2>/dev/null)" ]; then
     rm -rf "$made"/{textures.stamp,textures,pictures} && mkdir -p "$made"/{textures,pictures}
@@ -234,7 +236,7 @@ tool mapc "$map" --materials "$made/materials.txt" --prefabs "$root/content/pref
 [ -z "$sky" ] || tool skyc "$sky" --materials "$made/materials.txt" --output "$new/sky.sob"
 grep '^note: ' "$log" >&2
 
-# The folders of the games before: the newest may be played still.
+# Removes the data folders of earlier compilations but for the newest, which a game may still be playing.
 number=0 old=()
 for play in $(cd "$folder" && printf '%s\n' data.* | sort -t. -k2n); do
     [ -d "$folder/$play" ] && number=${play#data.} old+=("$folder/$play")

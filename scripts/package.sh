@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Makes packages of the last commit in build-package/packages: tarnwick_VERSION_ARCHITECTURE.deb with the game,
 # tarnwick-tools_... with the tools for authors, and tarnwick-VERSION-ARCHITECTURE.tar.xz, a folder with the game that
-# plays wherever it is unpacked. With --web it makes build-package/packages/web instead, the folder of the page that plays
-# in a browser, for any server of files. The same commit gives the same bytes in any folder. Status 1: something failed.
+# plays wherever it is unpacked. With --web it makes build-package/packages/web instead: the page that plays in a browser, as
+# a folder for any server of files. The same commit gives the same bytes in any folder. Status 1: something failed.
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=$PWD/build-package
@@ -12,7 +12,7 @@ scripts/packages.sh package
 # All files in packages get the time of the commit.
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 export SOURCE_DATE_EPOCH
-[ -z "$(git status --porcelain)" ] || echo "package.sh: what is not committed is packed, too"
+[ -z "$(git status --porcelain)" ] || echo "package.sh: changes that are not committed are packed, too"
 umask 022
 
 mkdir -p "$build"

@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
-# packages.sh play|check|fresh|package|processors|web: is everything here that ./play, ./check (and with it ./play),
-# scripts/fresh_machine.sh, scripts/package.sh, scripts/other_processors.sh or ./play --web need? On Debian and its relatives what is
-# missing is installed, elsewhere it is named. Status 1: something is still missing. packages.sh --list WHAT prints the
-# Debian packages.
+# packages.sh WHAT: looks for everything that a command needs. Installs what is missing on Debian and its relatives, names it
+# elsewhere. Status 1: something is still missing. packages.sh --list WHAT prints the Debian packages. WHAT is one of
+#   play        ./play
+#   check       ./check, which needs those of ./play, too
+#   fresh       scripts/fresh_machine.sh
+#   package     scripts/package.sh
+#   processors  scripts/other_processors.sh
+#   web         ./play --web
+#   browser     the part of ./check that tries the page
 set -u
 
-# What is needed, how to find it, and the Debian package that has it; of names between bars one is enough. program: on
-# the path. module: known to pkg-config. header: found by the compiler. font: a font file. runtime: a library of
-# clang's own. library: known to the loader. driver: OpenGL's, that draws without a graphics card.
+# Each line: how to find a thing, its name, and the Debian package that has it. Of several names with bars between them one
+# is enough. How to find it: program, on the path; module, known to pkg-config; header, found by the compiler; font, a font
+# file; runtime, a library of clang's own; library, known to the loader; driver, an OpenGL driver that draws without a
+# graphics card.
 PLAY="
 program c++          g++
 program cmake        cmake

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Plays the scripts of tests/replay again and renews the recordings beside them. What differs is shown first: field,
-# frame, old value, new one. For changes that are meant to change how the game plays; look at what it prints.
+# renew_recordings.sh [BUILD]: plays the scripts of tests/replay again and renews the recordings beside them. For each
+# recording that changes it prints every field that differs, with its frame, the old value and the new one. Use it after a
+# change that is meant to change how the game plays, and look at what it prints.
 set -eu
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=${1:-$root/build}

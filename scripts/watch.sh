@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# watch.sh BUILD DATA GAME NEWS OPTION...: compiles a map again whenever it changes, or anything that it is made of, until
-# the process GAME ends. OPTION... are those that map.sh printed for the level that is played at first; its light is made
-# good now. First comes a quick look, then the full light; NEWS tells the game of each (option --watch).
-# A fault goes to NEWS, too, and to standard error; the level before it is played on.
+# watch.sh BUILD DATA GAME NEWS OPTION...: compiles a map again whenever it changes, or a file that it is made of, until the
+# process GAME ends. The OPTIONs are what map.sh printed for the quick look that is played at first; its full light is
+# computed at once. After each change comes a quick look, then the full light. The file NEWS tells the game of each (option
+# --watch). Faults go to NEWS, too, and to standard error; the game then plays the last good level on.
 set -u
 build=$1 data=$2 game=$3 news=$4
 shift 4
@@ -12,18 +12,18 @@ adapt=()
 scripts=$(dirname "${BASH_SOURCE[0]}")
 compiling=
 
-# take OPTION...: what map.sh prints.
+# take OPTION...: sets played and level from what map.sh printed.
 take() { played=$2 level=$4; }
 
-# tell [LINE...]: of the level compiled last, and what is wrong with the newest.
+# tell [LINE...]: writes to NEWS which level was compiled last, and the lines that say what is wrong with the newest map.
 tell() {
     local placement
     placement=$(grep '^map ' "$played/game/data/levels/level$level/places.txt")
     printf '%s\n' "data $played" "level $level" "place level $level $placement" "$@" >"$news.new" && mv "$news.new" "$news"
 }
 
-# The faults as the picture shows them: without the folders, for which it has no room, and with the brush that the line
-# is in, counted from 0 in its entity as editors do.
+# Prints the faults as the game's picture shows them: without folders, for which it has no room, and with the entity and the
+# brush in which the line lies, counted from 0 as editors do.
 for_picture() {
     local text
     text=$(sed 's/^[a-z]*: //' "$news.errors")
@@ -47,7 +47,7 @@ for_picture() {
         }' <<<"${text//"${map%/*}/"/}"
 }
 
-# compile [--fast]: one level, which the game is told of. False: the map has faults.
+# compile [--fast]: compiles the map and tells the game of the level or of the faults. False: the map has faults.
 compile() {
     local options fault
     if ! options=$("$scripts/map.sh" "$build" "$data" "$map" "${adapt[@]}" "$@" 2>"$news.errors"); then
@@ -61,7 +61,7 @@ compile() {
     tell
 }
 
-# The level before is the one that the news name: a compilation that was ended may have told of its quick look.
+# Takes the level now played from NEWS: a compilation that was ended may already have told the game of its quick look.
 read_news() {
     { read -r _ played && read -r _ level; } <"$news"
 }
@@ -85,7 +85,7 @@ end_compiling() {
     read_news
 }
 
-# What the level is made of, with the time of each.
+# Prints the files that the level is made of, with the time and size of each.
 state() {
     local files
     mapfile -t files <"$played/watched.txt"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the page that plays in a browser into build-web/page, of the content that ./play has built, and with --serve
-# serves it on the loopback address. web.sh [--serve] [--port PORT] [--data FOLDER] [--output FOLDER]
+# web.sh [--serve] [--port PORT] [--data FOLDER] [--output FOLDER]: builds the page that plays in a browser, from the content
+# that ./play has built (--data), into build-web/page (--output). With --serve it serves the page on this machine only, at
+# PORT (8080).
 set -u
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build-web
