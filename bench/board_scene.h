@@ -12,7 +12,7 @@ constexpr double PIXELS = 640.0 * 480 * LAYERS;
 
 struct Scene {
     const char* name;
-    int columns, rows;  // of quads in a layer
+    int columns, rows;  // quads in a layer
     bool nearFirst;
 };
 constexpr Scene SCENES[] = {{" 2,016 triangles, all drawn", 21, 16, false},
@@ -24,11 +24,11 @@ constexpr Scene SCENES[] = {{" 2,016 triangles, all drawn", 21, 16, false},
 std::vector<GrVertex> Triangles(const Scene& scene);
 
 constexpr int TEXTURE_SIDE = 256;
-uint16_t Texel(size_t i);              // as the board has it
-std::vector<uint32_t> OpenGlTexels();  // the same as 0xAARRGGBB
+uint16_t Texel(size_t i);              // texel i in the board's format
+std::vector<uint32_t> OpenGlTexels();  // all texels as 0xAARRGGBB
 
-// The end of the program when there is none. In the state in which the game draws a world, with fog and the texture,
-// whose smallest level has a side of 1 << smallestLod.
+// Opens the board in the state in which the game draws a world, with fog and the texture. The texture's smallest level
+// has a side of 1 << smallestLod. Ends the program when the board cannot be opened.
 void OpenBoard(const Board& board, GrLOD_t smallestLod, float fogNear, float fogFar);
 
-void DrawWithBoard(const std::vector<GrVertex>& vertices);  // until it is done
+void DrawWithBoard(const std::vector<GrVertex>& vertices);  // returns when all is drawn

@@ -1,5 +1,6 @@
-// What a player feels besides whole frames, beside the floor of one full frame: loading a level, the memory of the
-// process, the character's share of a frame, and a move among many contacts: budgets [LEVEL] [ROUNDS].
+// budgets [LEVEL] [ROUNDS]: what a player feels besides whole frames, compared with the floor of one full frame.
+// Measures how long a level loads, the memory of the process, the character's share of a frame, and a move among many
+// contacts.
 
 #include "app/app_tables.h"
 #include "app/host_game.h"
@@ -27,7 +28,7 @@ namespace {
 constexpr double LOAD_BUDGET_MS = 300;
 constexpr double MEMORY_BUDGET_MIB = 64;
 constexpr double CHARACTER_BUDGET_US = 300;
-constexpr double MOVE_BUDGET_US = 50;  // against 150 contacts
+constexpr double MOVE_BUDGET_US = 50;  // most microseconds of a move among 150 contacts
 constexpr int MOVE_CONTACTS = 150;
 
 int32_t Level = 3;
@@ -47,7 +48,7 @@ void StartAndTime() {
                 Level, took.count(), LOAD_BUDGET_MS, ResidentMib(), MEMORY_BUDGET_MIB);
 }
 
-// Where a sphere as large as a move's query touches most.
+// The place where a sphere as large as a move's query touches the most polygons.
 IntVec3 BusiestPlace(int32_t radius) {
     IntVec3 best{};
     int16_t most = -1;
@@ -66,7 +67,7 @@ IntVec3 BusiestPlace(int32_t radius) {
 int Measure(HINSTANCE, HINSTANCE, char*, int) {
     StartAndTime();
     for (int i = 0; i < 100; ++i)
-        UpdateCamera();  // behind the player
+        UpdateCamera();  // brings the camera behind the player
     Rounds rounds;
     const uint8_t* texels = TextureImage + TextureRecords()[0].texelOffset;
     const size_t floor = rounds.Add("floor, a frame of rows", 1, [texels] { raster_floor::FloorFrame(texels, 320); });

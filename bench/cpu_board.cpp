@@ -1,7 +1,7 @@
 // The cpu board against OpenGL in software, on one thread and on two. Both draw a bilinear texture with colour, depth
-// test and fog; the board's has mip levels besides. What the board takes counts from the calls of the game to the last
-// pixel, what its peer takes from one draw call of vertices that it holds already. Beside them what a world adds, the
-// scalar way, and triangles that cover no pixel.
+// test and fog; the board's texture has mip levels besides. The board's time counts from the calls of the game to the
+// last pixel, that of its peer from one draw call of vertices that it already holds. Three more rows show what added
+// light and holes cost, the fill without vector instructions, and triangles that cover no pixel.
 #include "boards/cpu/cpu_board.h"
 #include "board_scene.h"
 #include "cpu_board_peer.h"
@@ -16,7 +16,7 @@ namespace {
 constexpr int ROUNDS = 15;
 constexpr float FOG_NEAR = 1000;
 constexpr float FOG_FAR = 60000;
-constexpr double TARGET = 1;  // times the peer
+constexpr double TARGET = 1;  // most time, in times of the peer's
 
 std::vector<PeerVertex> ToPeer(const std::vector<GrVertex>& vertices) {
     std::vector<PeerVertex> same;
@@ -27,7 +27,7 @@ std::vector<PeerVertex> ToPeer(const std::vector<GrVertex>& vertices) {
     return same;
 }
 
-// As a world is drawn: with added light and holes.
+// The state in which a world is drawn: with added light and holes.
 void SetWorldState(bool on) {
     grColorCombine(on ? GR_COMBINE_FUNCTION_SCALE_OTHER_ADD_LOCAL_ALPHA : GR_COMBINE_FUNCTION_SCALE_OTHER,
                    GR_COMBINE_FACTOR_LOCAL, GR_COMBINE_LOCAL_ITERATED, GR_COMBINE_OTHER_TEXTURE, FXFALSE);
@@ -74,7 +74,7 @@ void CompareWithPeer(unsigned threads) {
 void MeasureParts() {
     OpenCpuBoard(1);
     const std::vector<GrVertex> vertices = Triangles(SCENES[0]);
-    // Over a row's centre line, but between the centres of its pixels.
+    // The triangles cross a row's centre line, but between the centres of its pixels.
     const auto dot = [](float x, float y) { return GrVertex{x, y, 0.01f, 255, 255, 255, 16, {{0, 0}}}; };
     std::vector<GrVertex> dots;
     for (int i = 0; i < 1000; ++i)

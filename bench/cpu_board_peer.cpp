@@ -18,7 +18,7 @@ constexpr int HEIGHT = 480;
 SDL_Window* window;
 SDL_GLContext context;
 float fogNearW, fogFarW;
-std::vector<GLsizei> counts;  // of vertices
+std::vector<GLsizei> counts;  // vertices of each scene
 
 void MakeTarget() {
     GLuint frame, buffers[2];

@@ -14,12 +14,12 @@ struct PeerVertex {
 
 constexpr int PEER_TEXTURE_SIDE = 256;
 
-// With so many threads beside the calling one. False: there is no such driver.
+// `threads`: threads of the driver beside the calling one. False: there is no such driver.
 bool OpenPeer(int threads, const std::vector<uint32_t>& texels, float fogNear, float fogFar);
 void ClosePeer();
 const char* PeerName();
 
-// Three vertices each; returns the scene's number.
+// `triangles`: three vertices each. Returns the scene's number.
 size_t AddPeerScene(const std::vector<PeerVertex>& triangles);
-// Clears, draws, and waits until all is drawn.
+// Clears the frame, draws the scene, and waits until all is drawn.
 void DrawPeerScene(size_t scene);

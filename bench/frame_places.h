@@ -5,7 +5,7 @@
 #include "records/vec3.h"
 
 struct FramePlace {
-    Vec3 position;  // of the character, standing
+    Vec3 position;  // where the character stands, world units
     float heading;  // degrees; the camera looks the same way from behind
 };
 

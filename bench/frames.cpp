@@ -1,7 +1,7 @@
-// Whole frames as the software renderer draws them for a player, from the pose of the character to the last pixel, with
-// the character in view and without: at the start of each level, and at the places that its map marks, in the costliest
-// of ten directions; in level 3, whose map marks none, at the places of frame_places.h:
-// frames [--data DIR] [--rounds N] [LEVEL...].
+// frames [--data DIR] [--rounds N] [LEVEL...]: whole frames as the software renderer draws them for a player, from the
+// pose of the character to the last pixel, with the character in view and without. They are drawn at the start of each
+// level, and at the places that its map marks, in the costliest of ten directions; in level 3, whose map marks none, at
+// the places of frame_places.h.
 
 #include "app/app_tables.h"
 #include "app/host_game.h"
@@ -29,17 +29,17 @@ using namespace raster_floor;
 
 namespace {
 
-constexpr double FRAME_TARGET = 8;        // times the floor of one full frame
-constexpr double CHARACTER_TARGET = 1.5;  // the same, of the character alone at the start
-constexpr int DIRECTIONS = 10;            // tried at a marked place
-constexpr int FRAMES_UNTIL_STILL = 200;   // the camera follows smoothly
+constexpr double FRAME_TARGET = 8;        // most time of a frame, in times of the floor of one full frame
+constexpr double CHARACTER_TARGET = 1.5;  // most time of the character alone at the start, likewise
+constexpr int DIRECTIONS = 10;            // directions that are tried at a marked place
+constexpr int FRAMES_UNTIL_STILL = 200;   // until the camera, which follows smoothly, stands still
 
 int32_t Level;
 int RoundCount = 15;
 std::filesystem::path LevelsFolder;
-std::FILE* Output;  // the game's own goes nowhere
+std::FILE* Output;  // for the results; what the game prints goes nowhere
 
-// What a player sees who stands somewhere.
+// The place of a player, and what he sees from it.
 struct View {
     std::string name;
     Actor player;
@@ -161,7 +161,7 @@ int Measure(HINSTANCE, HINSTANCE, char*, int) {
     return 0;
 }
 
-// In a process of its own: a game starts once.
+// Measures a level in a process of its own, because a game starts only once in a process.
 void RunLevel(std::vector<char*> hostArguments) {
     const pid_t child = fork();
     if (child == 0)
@@ -175,7 +175,7 @@ int main(int argumentCount, char** arguments) {
     Output = fdopen(dup(STDOUT_FILENO), "w");
     if (!Output || !std::freopen("/dev/null", "w", stdout)) return EXIT_FAILURE;
     static char headless[] = "--headless";
-    std::filesystem::path data = std::filesystem::path(arguments[0]).parent_path() / "../data";  // of the build
+    std::filesystem::path data = std::filesystem::path(arguments[0]).parent_path() / "../data";  // the build's own
     std::vector<char*> hostArguments = {arguments[0], headless};
     std::vector<int> levels;
     for (int i = 1; i < argumentCount; ++i) {

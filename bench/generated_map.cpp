@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr int ROOM = 1008;  // from wall to wall
+constexpr int ROOM = 1008;  // width of a room, from wall to wall
 constexpr int WALL = 32;
 constexpr int HEIGHT = 512;
 

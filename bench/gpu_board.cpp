@@ -1,6 +1,6 @@
-// What the gpu board adds to OpenGL: the game's calls for each triangle, collected and handed over, against one draw
-// call of the same triangles, which OpenGL holds already, with the same program and state. On one thread, where OpenGL
-// draws in software; on a graphics card the ratios tell nothing.
+// What the gpu board adds to OpenGL. The game's calls for each triangle, collected and handed over, are compared with
+// one draw call of the same triangles, which OpenGL already holds, with the same program and state. OpenGL draws in
+// software here, on one thread; with a graphics card the ratios mean nothing.
 #include "boards/gpu/gpu_board.h"
 #include "board_scene.h"
 #include "boards/gpu/gl_context.h"

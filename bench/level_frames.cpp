@@ -1,5 +1,5 @@
-// One frame of each level as the accelerator's boards draw it, without the game that thinks it up: level_frames
-// [--data DIR] [LEVEL...]. The gpu board is whatever OpenGL finds, which may be the processor again.
+// level_frames [--data DIR] [LEVEL...]: one frame of each level as the accelerator's boards draw it, without the work
+// of the game itself. The gpu board draws with whatever OpenGL finds, which may be the processor again.
 
 #include "app/entry.h"
 #include "app/host_game.h"
@@ -26,9 +26,9 @@ constexpr double MILLISECONDS_MAX = 1000.0 / 60;
 
 int Level;
 int FrameNumber;
-std::vector<BoardFrame> Parts;  // of the frame: it is handed over before a texture changes
+std::vector<BoardFrame> Parts;  // parts of the frame, which is handed over before each change of a texture
 std::vector<std::pair<uint32_t, TextureImage>> Images;
-std::FILE* Output;  // the game's own goes nowhere
+std::FILE* Output;  // for the results; what the game prints goes nowhere
 
 struct Load {
     double triangles, pixels;
@@ -78,7 +78,7 @@ bool Reopen(const Board& board, std::string& error) {
     return true;
 }
 
-// All triangles with the first one's state, in one run.
+// The frame with all triangles in the state of the first one, so that they are drawn in one run.
 std::vector<BoardFrame> AsOneRun() {
     BoardFrame all;
     for (const BoardFrame& part : Parts) {
@@ -143,7 +143,7 @@ int RecordGame(HINSTANCE instance, HINSTANCE previousInstance, char* commandLine
     return WinMain(instance, previousInstance, commandLine, showCommand);
 }
 
-// In a process of its own: a game starts once.
+// Measures a level in a process of its own, because a game starts only once in a process.
 void RunLevel(std::vector<std::string> arguments) {
     const pid_t child = fork();
     if (child != 0) {

@@ -9,18 +9,18 @@
 
 class Rounds {
 public:
-    // Of this thread, so that other programs cost only what they push out of the caches; or of the wall, for work that
-    // several threads do.
+    // The clock: time of this thread, so that other programs cost only what they push out of the caches; or of the
+    // wall, for work that several threads do.
     enum class Clock { Thread, Wall };
     explicit Rounds(Clock measuredBy = Clock::Thread) : clock(measuredBy) {}
 
-    // Work that treats `units` things (pixels, bytes, polygons) a call; returns its number.
+    // Adds work that treats `units` things (pixels, bytes, polygons) in a call. Returns the number of the work.
     size_t Add(std::string name, double units, std::function<void()> work);
 
     void Run(int rounds);
 
     double Median(size_t work) const;  // nanoseconds a unit
-    double Spread(size_t work) const;  // of the middle half of the rounds, as a part of the median
+    double Spread(size_t work) const;  // width of the middle half of the rounds, as a part of the median
     const std::string& Name(size_t work) const { return works[work].name; }
 
     // One line: nanoseconds and spread; how many times the floor's time it takes; whether that keeps the target.

@@ -150,8 +150,8 @@ void MakeScene() {
 
 struct SpanTarget {
     int width;
-    double opaque;  // times the floor
-    bool byBlocks;  // against the floor in blocks of 16, else in whole rows
+    double opaque;  // most time, in times of the floor
+    bool byBlocks;  // the floor is filled in blocks of 16, else in whole rows
 };
 constexpr SpanTarget TARGETS[] = {
     {8, 1.7, false}, {16, 1.7, true}, {40, 1.7, false}, {160, 1.8, false}, {320, 1.8, false}};
@@ -159,7 +159,7 @@ constexpr double TRANSPARENT_TARGET = 1.4;
 constexpr double POLYGON_TARGET = 1.3;
 constexpr double CLEAR_TARGET = 1.5;
 
-// The targets are for the fill routine that is chosen; the portable one is shown beside it.
+// The targets hold for the fill that the processor gets; the portable fill is shown beside it.
 void Measure(int roundCount, bool hasTargets) {
     MakeWorld();
     const std::vector<DrawnPolygon> polygons = MakePolygons();

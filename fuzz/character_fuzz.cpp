@@ -1,5 +1,5 @@
-// The character's files: the first byte chooses which of them the rest is, the others are sound. What the loaders
-// accept is posed, skinned and drawn in a small world.
+// The character's files. The first byte chooses which of the files the rest of the input is; the other files are sound.
+// What the loaders accept is posed, skinned and drawn in a small world.
 #include "character/actor.h"
 #include "character/animation.h"
 #include "character/leaf_bins.h"
@@ -45,7 +45,7 @@ CharacterFiles SoundFiles() {
 
 void SetUpScreen() {
     if (FrameBuffer != nullptr) return;
-    if (!std::freopen("/dev/null", "w", stdout)) return;  // the listing of the weights
+    if (!std::freopen("/dev/null", "w", stdout)) return;  // hides the listing of the weights
     BuildReciprocalTable();
     ScreenWidth = FramePitch = 320;
     ScreenHeight = 240;
@@ -56,7 +56,7 @@ void SetUpScreen() {
     ScreenAspect = 1.0f;
     FarDistance = FadeDistance = 5000.0f;
     TextureImage = texels.data();
-    TextureCount = 256;  // and all are drawn with the first
+    TextureCount = 256;  // any texture number is allowed; all show the first texture
     TextureRemap = remap.data();
     TextureRecords()[0] = {TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord), 0, 0, 0, 0, 0, 64, 64};
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Opening takes far longer than a texture: again only when no handle is left.
+// Opening the screen takes far longer than a texture, so it is opened again only when no handle is left.
 void OpenScreen() {
     CurrentBoard = &CpuBoard;
     CpuBoardThreads = 1;
@@ -28,7 +28,7 @@ void Download(std::FILE* file, Gu3dfInfo& info) {
     guTexSource(handle);
 }
 
-// Near and far, so that every level is looked into.
+// Draws near and far, so that every level of the texture is read.
 void DrawWithIt() {
     const auto vertex = [](float x, float y, float w) {
         return GrVertex{x, y, 1 / w, 255, 255, 255, 0, {{(4 * x - 300) / w, (4 * y - 300) / w}}};

@@ -1,4 +1,4 @@
-// lights.lmp of a small world.
+// The file lights.lmp of a small world.
 #include "support/game_file.h"
 #include "support/small_world.h"
 #include "world/light_map.h"

@@ -1,4 +1,4 @@
-// lights.alt of a small world: what is loaded can be let run, and lights the character.
+// The file lights.alt of a small world. What is loaded runs for some frames, and lights the character.
 #include "character/actor.h"
 #include "lights/light_slots.h"
 #include "platform/timer.h"

@@ -1,4 +1,4 @@
-// A map as an editor writes it, compiled as far as it goes.
+// A map as an editor writes it. It is compiled as far as it can be.
 #include "mapc/map_builder.h"
 #include "records/levels.h"
 

@@ -1,5 +1,5 @@
 // A model (.glb) as a character and as a layer of a sky. The input is the JSON up to its first byte 0, then the buffer;
-// the headers around them are made here. One that begins with "glTF" is a whole file.
+// the headers around them are made here. An input that begins with "glTF" is a whole file.
 #include "charc/compile.h"
 #include "formats/error.h"
 #include "skyc/compile.h"

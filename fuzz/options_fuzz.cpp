@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Options options;
     std::FILE* const output = stdout;
     std::FILE* const errors = stderr;
-    stdout = stderr = nowhere;  // what is said of the options is not wanted
+    stdout = stderr = nowhere;  // hides the messages about wrong options
     const OptionsResult result = ParseOptions(static_cast<int>(pointers.size()), pointers.data(), options);
     stdout = output;
     stderr = errors;

@@ -1,4 +1,5 @@
-// The player's settings: what is written back must be understood in whole, and stay as it is.
+// The file of the player's settings: what the program writes back must be read without a fault, and be written the
+// same.
 #include "machine/settings.h"
 
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// A PNG file as a picture and as a terrain's heights. The check sum of every chunk is made good first: a reader that
-// stops at a wrong one would hide all that lies behind.
+// A PNG file as a picture and as a terrain's heights. The check sum of every chunk is corrected first: a reader that
+// stops at a wrong check sum would hide all faults behind it.
 #include "formats/error.h"
 #include "formats/height_image.h"
 #include "formats/image.h"
@@ -19,7 +19,7 @@ uint32_t CheckSum(const uint8_t* from, size_t size) {
     return ~sum;
 }
 
-// A chunk is its length, four letters, so many bytes, and the sum over letters and bytes.
+// A chunk is its length, four letters, as many bytes as the length says, and the sum over letters and bytes.
 void MakeSumsGood(std::vector<uint8_t>& file) {
     for (size_t at = SIGNATURE; at + 12 <= file.size();) {
         size_t length = 0;

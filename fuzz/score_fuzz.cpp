@@ -1,4 +1,4 @@
-// A score, up to the notes that are played.
+// A score: reads it, and works out the notes that it plays.
 #include "formats/error.h"
 #include "musicc/arrangement.h"
 #include "support/memory_file.h"

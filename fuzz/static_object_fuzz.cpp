@@ -1,4 +1,4 @@
-// sky.sob of a small world: what is loaded can be seen from every side.
+// The file sky.sob of a small world. What is loaded is looked at from every side.
 #include "math/world_planes.h"
 #include "platform/timer.h"
 #include "support/game_file.h"

@@ -1,5 +1,5 @@
-// A texture file, and polygons drawn with whatever textures it declares. The first byte says how many pages follow the
-// rest, which is the head of the file.
+// A texture file, and polygons drawn with whatever textures it declares. The first byte is the number of pages; the
+// rest is the file up to the pages, which are added here.
 #include "render/raster.h"
 #include "render/render_tables.h"
 #include "render/scene.h"

@@ -1,4 +1,4 @@
-// The texts that the tools read besides maps and scores: the first byte chooses whose, the rest is the text.
+// The texts that the tools read besides maps and scores. The first byte chooses the tool, the rest is the text.
 #include "charc/recipe_reader.h"
 #include "formats/error.h"
 #include "formats/material_list.h"

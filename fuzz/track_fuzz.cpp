@@ -1,4 +1,4 @@
-// A file on the disc: its name is the input's first line, the rest its sound. What the disc takes is played.
+// A file on the disc: the input's first line is its name, the rest its contents. What the disc accepts is played.
 #include "interfaces/disc.h"
 #include "machine/track_reader.h"
 

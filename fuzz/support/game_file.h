@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <vector>
 
-// Empties the pool, installs the test machine at the first call, and gives the path of a file that holds the input
+// Empties the pool, and installs the test machine at the first call. Returns the path of a file that holds the input
 // until the next call.
 const char* BeginGameFile(const uint8_t* data, size_t size);
 
-// Another file beside it, as long.
+// Makes another file beside it, which lasts as long.
 const char* AddGameFile(const std::vector<uint8_t>& bytes);

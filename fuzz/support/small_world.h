@@ -3,7 +3,7 @@
 
 #include "support/tiny_world.h"
 
-// Without what an input before has appended.
+// Sets the world up again, without what an earlier input appended.
 inline void PublishSmallWorld() {
     static TinyWorld world;
     if (WorldGeometry.nodes == nullptr) {

@@ -30,7 +30,7 @@ void SetUpSoftwareFrame() {
 
     textures.resize(TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord) + TEXTURE_PAGE_BYTES);
     TextureImage = textures.data();
-    TextureCount = 256;  // and all are drawn with the first
+    TextureCount = 256;  // any texture number is allowed; all show the first texture
     TextureRemap = remap.data();
     TextureRecords()[0] = {TEXTURE_RECORDS_OFFSET + sizeof(TextureRecord), 0, 0, 0, 0, 0, 64, 64};
 }
