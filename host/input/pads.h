@@ -4,7 +4,8 @@
 
 #include <cstdint>
 
-// Of the usual layout with two sticks; A is the lowest of the four buttons, B the right, X the left, Y the upper one.
+// The buttons of the usual layout with two sticks; A is the lowest of the four, B the right, X the left, Y the upper
+// one.
 enum class PadButton { A, B, X, Y, Back, Start, LeftShoulder, Up, Down, Left, Right, RightShoulder };
 
 enum class PadAxis { LeftX, LeftY, RightX, RightY, RightTrigger };  // right and down are positive

@@ -69,7 +69,7 @@ protected:
         ASSERT_TRUE(StartInput(nullptr, MainWindow, Input));
     }
 
-    // At the polls to come; what is held at the last one stays held.
+    // Holds these keys at the polls to come; what is held at the last one stays held.
     void HoldAtPolls(const std::vector<Keys>& keys) {
         polls_ = keys;
         poll_ = 0;
@@ -218,7 +218,7 @@ TEST_F(App, AWatchedLevelIsLoadedAnewWhereThePlayerStandsBehindTheOldPicture) {
             place = PlayerActor.position;
             EXPECT_GT(Apart(place, LevelTable[0].start), 100);
             camera = CameraPos;
-            LightLevel = 77;  // which the file's own is to replace
+            LightLevel = 77;  // the file's own value must replace it
             tell("data " + (scratch / "one").string() + "\nlevel 1\nplace 0 1\n");
         }
         if (poll == 61) {

@@ -1,4 +1,4 @@
-// What the checker of the data says of the pool, held against a level that the game has loaded.
+// The pool use that the checker of the data works out, compared with that of a level that the game has loaded.
 #include "app/app_tables.h"
 #include "app/game_loop.h"
 #include "datacheck/pool_replay.h"
@@ -43,7 +43,7 @@ double FreeAfterLoading(int number) {
 }
 
 TEST(PoolReplay, LeavesWhatTheGameHasLeft) {
-    // The replay does not follow where blocks lie: alignment and the rest of a hole cost a granule each.
+    // The replay does not follow where blocks lie: alignment, and the rest of a hole, may each cost a granule more.
     for (const int number : {1, 2})
         EXPECT_NEAR(FreeAfterReplay(number), FreeAfterLoading(number), 4 * POOL_GRANULE) << "level " << number;
 }

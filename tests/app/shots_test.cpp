@@ -1,4 +1,4 @@
-// When a shot is fired and when not; how it flies is recorded.
+// When a shot is fired and when not. How it flies is tested by the recordings.
 #include "app/shots.h"
 
 #include "character/character_tables.h"
@@ -26,7 +26,7 @@ protected:
         PlayerActor = {};
     }
 
-    // As a level runs with the key held; the frames in which shots were fired.
+    // Plays frames with the key held; returns those in which shots were fired.
     static std::vector<int> HoldKey(int frames) {
         std::vector<int> fired;
         for (int i = 0; i < frames; ++i, ++FrameCount) {

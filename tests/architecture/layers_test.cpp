@@ -157,7 +157,7 @@ void ExpectLayers(const string& tree, const std::vector<Layer>& layers) {
         const string file = include.line.file.substr(tree.size() + 1);
         const string folder = FolderOf(file);
         if (folder.starts_with("include")) return true;
-        auto layer = FindLayer(layers, file);  // of a program that joins what its folder may not use
+        auto layer = FindLayer(layers, file);  // a program may join what its folder may not use
         if (layer == layers.end()) layer = FindLayer(layers, folder);
         return layer == layers.end() || (used != folder && !Contains(layer->uses, used));
     });
@@ -264,7 +264,7 @@ TEST(Layers, AHeaderIsReadOnceAndFirstInItsSourceFile) {
     }
 }
 
-// What else game and machine see of each other their include paths decide.
+// Game and machine see of each other only what these rules and their include paths allow.
 TEST(Layers, OnlyOneBackEndAndTheBoardKnowTheDeviceLibraries) {
     for (const char* tree : {"src", "host"})
         ExpectNone(IncludesBelow(tree), "windows, devices and graphics belong to host/backends/sdl and host/boards/gpu",

@@ -1,4 +1,4 @@
-// What few places of a level show; where the camera stands is recorded.
+// Cases that few places of a level show. Where the camera stands is tested by the recordings.
 #include "camera/camera.h"
 
 #include "support/tiny_world.h"

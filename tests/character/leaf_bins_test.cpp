@@ -33,7 +33,7 @@ protected:
         CharPolygon_ = WorldGeometry.used.polygons;
     }
 
-    // With normals that hold their x, and u and v laid out as x and z.
+    // The corners have normals that hold their x, and u and v laid out as x and z.
     void AddTriangle(Vec3 a, Vec3 b, Vec3 c) {
         const uint32_t first = WorldGeometry.used.points;
         AppendVisible(static_cast<uint32_t>(
@@ -50,7 +50,7 @@ protected:
     uint32_t CharPolygon_;
 };
 
-// All else about pieces is recorded.
+// Everything else about pieces is tested by the recordings.
 TEST_F(Bins, APieceHasTheNormalsAndTexelsOfItsPlaces) {
     AddTriangle({-40, 0, -30}, {50, 0, -20}, {10, 0, 60});
     Bin({99, 0, -99});  // just near enough to the planes

@@ -1,5 +1,5 @@
-// A player without a plan in the levels that are shipped: whatever keys are held, nobody falls out of the world, gets
-// stuck in the air or meets a number that is none.
+// A player without a plan in the shipped levels: whatever keys are held, he does not fall out of the world, get
+// stuck in the air or meet a number that is not finite.
 
 #include "program/run_program.h"
 #include "records/levels.h"

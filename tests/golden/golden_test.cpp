@@ -18,14 +18,14 @@ namespace {
 const fs::path GOLDENS = SOURCE_FOLDER "/tests/golden";
 
 struct GoldenLevel {
-    const char* name;  // of the script, and before the frame's number in its pictures' names
+    const char* name;  // name of the script, with which its pictures' names begin, too
     int number;
 };
-void PrintTo(const GoldenLevel& level, std::ostream* out) {  // in the names that ctest gives to the tests
+void PrintTo(const GoldenLevel& level, std::ostream* out) {  // makes the names that ctest gives to the tests
     *out << level.name;
 }
 
-// Pixels of which a channel differs by more than `steps`; SIZE_MAX: the sizes differ.
+// How many pixels have a channel that differs by more than `steps`; SIZE_MAX: the sizes differ.
 size_t DifferingPixels(const Image& a, const Image& b, int steps) {
     if (a.pixels.empty() || a.width != b.width || a.height != b.height) return SIZE_MAX;
     size_t count = 0;
@@ -36,7 +36,7 @@ size_t DifferingPixels(const Image& a, const Image& b, int steps) {
     return count;
 }
 
-// The means of two by two pixels.
+// The picture at half the size: each pixel is the mean of two by two.
 Image Halved(const Image& picture) {
     Image half(picture.width / 2, picture.height / 2);
     for (int y = 0; y < half.height; ++y)
@@ -54,7 +54,7 @@ Image Halved(const Image& picture) {
 
 class Golden : public testing::TestWithParam<GoldenLevel> {
 protected:
-    // The script's pictures by name; none: this renderer cannot be had.
+    // Plays the script and returns its pictures by name; none: this machine lacks the renderer.
     std::map<std::string, Image> Play(const std::string& renderer, const std::string& program = "tarnwick") {
         const auto& [name, number] = GetParam();
         const ProgramRun run;
@@ -102,7 +102,7 @@ TEST_P(Golden, FramesOfTheCpuBoardAreAsRecordedAndOfTheGpuBoardTheSame) {
     ASSERT_GE(cpu.size(), 4u) << result.errors;
     for (const auto& [name, picture] : cpu) {
         const fs::path golden = GOLDENS / (name + "_accelerator.png");
-        if (!fs::exists(golden)) continue;  // some are enough
+        if (!fs::exists(golden)) continue;  // a board needs pictures of some frames only
         if (Renews()) WritePng(golden, Halved(picture));
         EXPECT_EQ(DifferingPixels(Halved(picture), ReadPng(golden), 1), 0u) << name;
     }

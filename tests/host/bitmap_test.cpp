@@ -16,7 +16,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// One picture of two colours, that fuzz/corpus/bitmap holds in every format there is.
+// One picture of two colours, which fuzz/corpus/bitmap holds in every format there is.
 constexpr int WIDTH = 5;
 constexpr int HEIGHT = 3;
 constexpr int PICTURE[HEIGHT][WIDTH] = {{0, 1, 1, 0, 0}, {1, 0, 1, 0, 1}, {0, 0, 0, 1, 0}};
@@ -46,7 +46,8 @@ protected:
         context_ = {reinterpret_cast<uint8_t*>(pixels_.data()), SURFACE_WIDTH * 2, SURFACE_WIDTH, SURFACE_HEIGHT, 16};
     }
 
-    // The lines drawn; `shift`: bytes that the pixels are said to begin later.
+    // Draws the bitmap and returns how many lines were drawn. `shift`: bytes by which the header says that the pixels
+    // begin later.
     int Draw(const Bytes& file, int x, int y, int width, int height, int heightSource, size_t shift = 0) {
         auto* block = static_cast<uint8_t*>(GlobalAlloc(GMEM_FIXED, file.size()));
         std::copy(file.begin(), file.end(), block);

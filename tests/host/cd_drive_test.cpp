@@ -20,7 +20,7 @@ LRESULT Procedure(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
     return 0;
 }
 
-constexpr uint32_t LENGTH = 2000;  // ms of track 2
+constexpr uint32_t LENGTH = 2000;  // length of track 2 in ms
 constexpr DWORD OVER = 282, CLOSED = 257;
 
 class CdDrive : public testing::Test {

@@ -41,7 +41,7 @@ TEST(Quaternions, MatrixFormsRotateLikeTheQuaternion) {
 
         Quat back;
         MatrixToQuat(rows, back);
-        const Quat opposite = {-q.w, -q.x, -q.y, -q.z};  // the same turn
+        const Quat opposite = {-q.w, -q.x, -q.y, -q.z};  // describes the same turn
         ASSERT_LT(std::min(Distance(back, q), Distance(back, opposite)), 1e-12);
         ASSERT_GE(back.w, 0.0);
     }

@@ -9,7 +9,7 @@
 
 namespace {
 
-// In units in the last place of a double at `exact`.
+// The error in units in the last place of a double at `exact`.
 double ErrorInUlp(double value, long double exact) {
     const double near = std::abs(static_cast<double>(exact));
     const double ulp = std::nextafter(near, INFINITY) - near;
@@ -52,7 +52,7 @@ TEST(Trig, SpecialValues) {
     EXPECT_EQ(Cos(-1e300), 1.0);
 }
 
-// The same bits everywhere: a hash over many results, equal on every compiler, optimisation level and processor.
+// A hash over many results is the same with every compiler, at every optimisation level and on every processor.
 TEST(Trig, ResultsHaveTheSameBitsEverywhere) {
     uint64_t hash = 14695981039346656037u;
     const auto add = [&hash](double value) {

@@ -81,7 +81,7 @@ private:
 TEST_F(Pool, BehavesAsTheReferenceModel) {
     std::mt19937 random(11);
     ReferencePool model(WHOLE);
-    std::vector<std::pair<uint8_t*, uint32_t>> held;  // with the bytes asked for
+    std::vector<std::pair<uint8_t*, uint32_t>> held;  // blocks, with the bytes asked for
     for (int step = 0; step < 20000; ++step) {
         const bool allocate = held.empty() || random() % 100 < (step / 500 % 2 ? 40 : 60);
         if (allocate) {
@@ -91,7 +91,7 @@ TEST_F(Pool, BehavesAsTheReferenceModel) {
             const int64_t expected = model.Allocate(bytes, high);
             ASSERT_EQ(data ? data - memory : -1, expected) << "step " << step;
             if (!data) continue;
-            std::memset(data, static_cast<int>(held.size()), bytes);  // may hit no header
+            std::memset(data, static_cast<int>(held.size()), bytes);  // this must hit no header
             held.emplace_back(data, bytes);
         } else {
             const size_t index = random() % held.size();

@@ -36,6 +36,6 @@ TEST(CdAudio, OpensOncePlaysItsTrackAndClosesAtAFailure) {
     EXPECT_FALSE(OpenCdAudio());
     mciSendCommandA(other.wDeviceID, MCI_CLOSE, 0, nullptr);
     CdTrack = 2;
-    PlayCdTrack(nullptr);  // the answer to a message that came late
+    PlayCdTrack(nullptr);  // what the game does when a message comes late
     EXPECT_EQ(TestMachine.sounds.size(), 2u);
 }

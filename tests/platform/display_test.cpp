@@ -45,7 +45,7 @@ protected:
     HWND window = nullptr;
 };
 
-// 2 x 2 pixels: the first stored row red, the second blue.
+// A bitmap of 2 x 2 pixels: the first stored row is red, the second blue.
 std::vector<uint8_t> BitmapBytes(int32_t height) {
     Image picture(2, 2, {0, 0, 255, 255});
     picture.At(0, 1) = picture.At(1, 1) = {255, 0, 0, 255};
@@ -64,7 +64,7 @@ TEST_F(DisplayTest, FirstModeOfThatDepthAndAtLeastThatSizeIsStretchedTo) {
     SetScreenModes({{640, 480, 8}, {320, 240, 16}, {800, 600, 16}, {640, 480, 16}});
     ShowCursor(TRUE);
     ASSERT_TRUE(OpenFrontEnd());
-    EXPECT_EQ(ShowCursor(FALSE), -2);  // hidden while it is open
+    EXPECT_EQ(ShowCursor(FALSE), -2);  // the cursor is hidden while the display is open
     EXPECT_EQ(DisplayState, DISPLAY_FULL_SCREEN);
     EXPECT_EQ(CurrentScreenMode().width, 800u);
     EXPECT_EQ(Display.palette, nullptr);
@@ -86,7 +86,7 @@ TEST_F(DisplayTest, WithoutAFittingModeNothingStaysOpenAndCallsAreHarmless) {
         EXPECT_FALSE(OpenFrontEnd());
         EXPECT_EQ(DisplayState, DISPLAY_NONE);
         EXPECT_EQ(Display.directDraw, nullptr);
-        EXPECT_EQ(CurrentScreenMode().bits, 32u);  // the desktop's
+        EXPECT_EQ(CurrentScreenMode().bits, 32u);  // the desktop's mode stays
     }
     EXPECT_TRUE(Failed(LockSurface()));
     EXPECT_TRUE(Failed(FlipDisplay(nullptr)));
@@ -107,7 +107,7 @@ TEST_F(DisplayTest, LostSurfacesAreRestoredAndTheFlipTriedAgain) {
     PresentDisplay();
     EXPECT_EQ(FlipCount(), 2u);
     PresentDisplay();
-    EXPECT_EQ(PixelShown(0, 0), 0x800000u);  // system colour 1
+    EXPECT_EQ(PixelShown(0, 0), 0x800000u);  // system colour 1 is dark red
 }
 
 TEST_F(DisplayTest, FillsTheScreenTheRightWayUp) {

@@ -20,7 +20,7 @@ protected:
         TimerReset();
     }
 
-    // A frame whose own work takes `milliseconds`: the first reading of the wait shows them.
+    // Plays a frame whose own work takes `milliseconds`, which the first reading of the wait shows.
     static uint32_t Frame(uint32_t milliseconds) {
         SetTestClock(ClockNow() + milliseconds - TestMachine.clockStep);
         FrameLimiter();

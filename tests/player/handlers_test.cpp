@@ -1,4 +1,4 @@
-// What few levels have a place for: slopes just about too steep to land on, keys that are pressed in a fall.
+// Cases that few levels have a place for: slopes that are just too steep to land on, keys that are pressed in a fall.
 #include "player/handlers.h"
 
 #include "character/character_tables.h"

@@ -69,7 +69,7 @@ TEST_F(Program, WhatCannotBeUsedEndsWithStatusTwo) {
     }
 }
 
-// In a folder whose name has a blank and letters beyond ASCII, called from another one.
+// The program lies in a folder whose name has a blank and letters beyond ASCII, and is called from another folder.
 TEST_F(Program, FindsItsDataWhereItIsUnpacked) {
     const fs::path unpacked = program.Folder() / "Spiele f\xC3\xBCr sp\xC3\xA4ter";
     fs::create_directories(unpacked / "bin");
@@ -253,7 +253,7 @@ TEST_F(ProgramWithLevel, DigitsAndArrowsWithEnterReachALevelWithoutFKeys) {
     }
 }
 
-// Nobody presses a key: in the pictures the Windows key ends the game, on the choice screens the host does.
+// Nobody presses a key. At the title pictures the Windows key ends the game, on the choice screens the host does.
 TEST_F(ProgramWithLevel, AScriptThatLeadsNowhereEndsByItself) {
     for (const char* script : {"# nothing\n", "100ms tap SPACE\n200ms tap F2\n", "50 quit\n"}) {
         program.Write("keys.txt", script);

@@ -5,7 +5,7 @@
 #include <string>
 
 struct ProgramResult {
-    int status;  // as a shell sees it
+    int status;  // the exit status as a shell sees it
     std::string output;
     std::string errors;
 };

@@ -61,7 +61,7 @@ TEST_F(Pipeline, ClippingAddsFourCornersAtMostAndCanLeaveNone) {
     const int32_t tilted = AppendPolygon(
         {{-150, 0, 100, 0, 0, 0}, {0, -150, 100, 0, 0, 0}, {150, 0, 100, 0, 0, 0}, {0, 150, 100, 0, 0, 0}});
     EXPECT_EQ(Clip(tilted, OUT_SIDES).size(), 8u);
-    // Reaches past two planes, but never into the corner between them.
+    // A polygon that reaches past two planes, but never into the corner between them.
     const int32_t missing = AppendPolygon({{190, 90, 100, 0, 0, 0}, {90, 190, 100, 0, 0, 0}, {200, 200, 100, 0, 0, 0}});
     DrawPolygonClipped(missing, OUT_RIGHT | OUT_TOP);
     EXPECT_EQ(SubmittedPolygons, 0u);

@@ -77,7 +77,7 @@ protected:
         return FramePixels();
     }
 
-    // Pixel for pixel, whatever the processor and the order.
+    // Compares the frames pixel for pixel, with every kind of fill and in both orders.
     static void ExpectAsDrawnPlainly(const std::vector<Polygon>& polygons) {
         const Fill fill = [](const PolyRecord& polygon, bool skipsTexelZero) {
             skipsTexelZero ? RasterPolygonTransparent(&polygon) : RasterPolygon(&polygon);
@@ -102,7 +102,7 @@ protected:
     float Float(double low, double high) { return static_cast<float>(Uniform(low, high)); }
     uint8_t Texture() { return static_cast<uint8_t>(random() % 6); }
 
-    // One of the values that arithmetic stumbles over.
+    // A random choice of the values at which arithmetic goes wrong most easily.
     float Extreme() {
         using Limits = std::numeric_limits<float>;
         const float values[] = {0.0f,  -0.0f,         Limits::infinity(), -Limits::infinity(), NAN,   Limits::max(),
@@ -146,7 +146,7 @@ TEST_F(Raster, DrawsAnyInputPixelByPixel) {
     }
 }
 
-// Sparse enough to leave gaps at first, then many times over.
+// The first frames are sparse enough to leave gaps; the last cover each pixel many times.
 TEST_F(Raster, DrawsManyPolygonsPixelByPixel) {
     for (const int count : {12, 60, 5000}) {
         std::vector<Polygon> polygons;

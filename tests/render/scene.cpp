@@ -101,7 +101,7 @@ void LoadTextures(const std::vector<uint8_t>& file) {
     LoadTextureFile(0);
 }
 
-// The modules around the renderer.
+// Functions of the modules around the renderer that its code calls.
 uint16_t FrameCount;
 DisplayContext Display;
 uint8_t DisplayState;

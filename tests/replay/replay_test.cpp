@@ -1,4 +1,4 @@
-// What the game does, held against recordings of it: scripts/renew_recordings.sh makes them.
+// What the game does, compared with recordings of it, which scripts/renew_recordings.sh makes.
 #include "program/run_program.h"
 #include "replay/play/recorded_play.h"
 
@@ -15,8 +15,8 @@ namespace {
 const std::string FOLDER = SOURCE_FOLDER "/tests/replay/";
 const std::string DATA = "--data '" SOURCE_FOLDER "/tests/levels/data' ";
 
-// A sanitized build draws twenty times as slowly: there only short recordings are drawn, of the others the state
-// counts.
+// A sanitized build draws twenty times as slowly. There only the short recordings are drawn; of the others only the
+// game's state is compared.
 #ifdef TARNWICK_SANITIZED
 constexpr const char* UNDRAWN = " --from 1000000";
 #else
@@ -66,7 +66,7 @@ TEST(Recordings, ReachEveryStateAndEveryWayIntoIt) {
 
 class Replay : public testing::Test {
 protected:
-    // The recording with its sections changed by `change`, which gets their numbers from 1.
+    // Writes changed.rec: the recording with its sections changed by `change`, which gets their numbers from 1.
     void Rewrite(const std::string& name, const std::function<void(uint32_t, Section&)>& change) const {
         std::ifstream stream(FileOf(name), std::ios::binary);
         const std::vector<uint8_t> bytes(std::istreambuf_iterator<char>(stream), {});

@@ -17,7 +17,7 @@ std::string MessageOf(Action&& action) {
     return "no error";
 }
 
-// The message holds `part`.
+// Expects a message that holds `part`.
 template <class Action>
 void ExpectRefusal(const std::string& part, Action&& action) {
     const std::string message = MessageOf(action);

@@ -1,5 +1,6 @@
-// The game with the plain fill beside the software renderer: four frames of every forty are drawn by both, and by the
-// four ways that the renderer has in turn. At the first pixel that differs it says where, and ends with status 3.
+// The game with the plain fill beside the software renderer. Four frames of every forty are drawn by both, each with
+// another of the four ways that the renderer has. At the first pixel that differs the program says where, and ends with
+// status 3.
 #include "render/raster.h"
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
@@ -23,7 +24,7 @@ void OnEnd() __asm__("__wrap__Z15EndNearestFirstv");
 namespace {
 
 std::vector<uint8_t> plainFrame;  // empty: this one is not checked
-std::vector<bool> isTaken;        // where the nearest polygons come first: by one of them
+std::vector<bool> isTaken;        // where the nearest polygons come first: true once one of them has drawn the pixel
 int frame, polygons;
 
 void FillInto(std::vector<uint8_t>& picture, const PolyRecord& polygon, bool skipsTexelZero) {

@@ -11,7 +11,7 @@ namespace {
 char Folder[] = "/tmp/tarnwick-test-XXXXXX";
 pid_t Owner;
 
-// Ahead of all static objects: some of them ask for the folder.
+// Runs before the constructors of static objects, some of which ask for the folder.
 [[gnu::constructor(101)]] void MakeFolder() {
     Owner = getpid();
     if (mkdtemp(Folder) == nullptr) return;

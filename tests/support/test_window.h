@@ -1,4 +1,4 @@
-// A window of the test machine, for what needs one. A program that uses it links `host`.
+// A window of the test machine, for tests of what needs one. A program that uses it links `host`.
 #pragma once
 
 #include "host/win32.h"

@@ -14,7 +14,7 @@ public:
     std::string path;  // empty: none was given
 };
 
-// How a call ends; without a fatal error text and path are empty.
+// How a call ends. Text and path are empty when there was no fatal error.
 template <class Call>
 FatalThrown CatchFatal(Call call) {
     try {
@@ -25,7 +25,7 @@ FatalThrown CatchFatal(Call call) {
     return {0, "", nullptr};
 }
 
-// The same as "1: Matrix stack overflow.", the code and the text, or "no fatal error".
+// How a call ends, as one text: the code and the message, "1: Matrix stack overflow.", or "no fatal error".
 template <class Call>
 std::string FatalOf(Call call) {
     const FatalThrown fatal = CatchFatal(call);

@@ -32,7 +32,7 @@ Box BoxOf(const Record& record) {
     return {{c.x - h.x, c.y - h.y, c.z - h.z}, {c.x + h.x, c.y + h.y, c.z + h.z}};
 }
 
-// Of a side whose viewer stands at `towardsViewer` from it: the quad of the box's corners.
+// The corners of that side of the box that a viewer sees who stands at `towardsViewer` from it.
 Corners RoomSide(const Vec3& a, const Vec3& b, const Vec3& towardsViewer) {
     const Vec3 middle = {(a.x + b.x) / 2, (a.y + b.y) / 2, (a.z + b.z) / 2};
     const Vec3 half = {(b.x - a.x) / 2, (b.y - a.y) / 2, (b.z - a.z) / 2};

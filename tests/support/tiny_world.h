@@ -43,7 +43,7 @@ private:
     uint32_t PointAt(const Vec3& position);
     void AddPolygon(const Corners& corners);
     void PutRootFirst();
-    void MakeTables();  // with spare room
+    void MakeTables();  // the tables, with spare room
 
     std::vector<BspNode> nodes;
     std::vector<BspLeaf> leaves;

@@ -1,10 +1,10 @@
-// The camera of a test.
+// Sets the camera for a test.
 #pragma once
 
 #include "camera/camera_tables.h"
 #include "math/vectors.h"
 
-// As UpdateCamera leaves it; degrees.
+// Leaves the camera as UpdateCamera does. Angles in degrees.
 inline void LookFrom(Vec3 eye, float pitch, float yaw) {
     CameraPos = eye;
     CameraAngles = {pitch, yaw, 0.0f};

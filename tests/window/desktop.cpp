@@ -20,8 +20,8 @@
 
 namespace {
 
-constexpr int KEY_HELD_MS = 150;   // the slowest levels play 15 frames a second
-constexpr int WAIT_SECONDS = 600;  // against hanging only
+constexpr int KEY_HELD_MS = 150;   // longer than a frame of the slowest levels, which play 15 a second
+constexpr int WAIT_SECONDS = 600;  // a limit against hanging only
 const char* const TITLE = "Tarnwick";
 
 pid_t Spawn(const std::vector<std::string>& command, const std::string& outputFile, int keptOpen) {
@@ -109,7 +109,7 @@ Desktop::~Desktop() {
 void Desktop::StartGame(const std::vector<std::string>& options) {
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // the display drivers keep memory to the end
     std::filesystem::remove(TraceFile());
-    setenv("XDG_CONFIG_HOME", testing::TempDir().c_str(), 1);  // not the settings of whoever runs the test
+    setenv("XDG_CONFIG_HOME", testing::TempDir().c_str(), 1);  // keeps away from the settings of whoever runs the test
     unsetenv("WAYLAND_DISPLAY");
     unsetenv("SDL_VIDEODRIVER");
     std::vector<std::string> command = {BUILD_FOLDER "/tarnwick", "--verbose", "--trace", TraceFile()};

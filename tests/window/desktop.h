@@ -12,14 +12,15 @@ struct ScreenPicture {
     int width = 0, height = 0;
     std::vector<uint32_t> pixels;  // 0x00RRGGBB
 
-    bool Black(int left, int top, int right, int bottom) const;  // all of the area; right and bottom exclusive
+    bool Black(int left, int top, int right,
+               int bottom) const;  // true when all of the area is black; right and bottom are exclusive
 };
 
 class Desktop {
 public:
     static constexpr int WIDTH = 1280, HEIGHT = 800;
 
-    static bool Possible();  // the programs it takes are installed
+    static bool Possible();  // true when the programs that it needs are installed
 
     Desktop();
     ~Desktop();
@@ -31,16 +32,17 @@ public:
     std::string OutputFile() const;
     std::string TraceFile() const;
     size_t TracedFrames() const;
-    void ChooseFirstLevel();  // from the front end by its keys, until the first frames are traced
+    void ChooseFirstLevel();  // presses the front end's keys, and waits until the first frames are traced
 
-    void Key(const std::string& key);  // pressed, held for longer than a frame, released
+    void Key(const std::string& key);  // presses the key, holds it for longer than a frame, and lets it go
     void Input(const std::string& xdotoolCommand);
-    void TakeFocus();  // to another window
-    void GiveFocus();  // to the game's
+    void TakeFocus();  // gives the focus to another window
+    void GiveFocus();  // gives the focus to the game's window
     void ResizeGame(int width, int height);
-    bool PointerHeld();  // by the game: nobody else can take it
+    bool PointerHeld();  // true when the game holds the pointer: nobody else can take it
     void PressCloseButton();
-    void PressAltF4();  // as a window manager takes it: it keeps F4, and asks the window to close
+    void PressAltF4();  // does what a window manager makes of it: F4 does not reach the game, and the window is asked
+                        // to close
     ScreenPicture Screen();
 
 private:

@@ -37,7 +37,7 @@ protected:
         EXPECT_TRUE(WaitFor([&] { return desktop->TracedFrames() > frames + count; }));
     }
 
-    // Of the camera, in degrees, once its swing has died down.
+    // The camera's yaw in degrees, once its swing has died down.
     double Yaw() {
         double yaw = 0, before = 0;
         EXPECT_TRUE(WaitFor([&] {
@@ -91,8 +91,8 @@ TEST_F(Window, MouseTurnsTheFreeCameraAsFarAsItMoves) {
     desktop->Input("mousedown 1");
     const double before = Yaw();
     for (int i = 0; i < 20; ++i)
-        desktop->Input("mousemove_relative 100 0");  // off the screen, were it not held
-    EXPECT_NEAR(before - Yaw(), 20 * 100 / 8, 20);   // each frame drops what is left of its motion over 8
+        desktop->Input("mousemove_relative 100 0");  // would leave the screen if the pointer were not held
+    EXPECT_NEAR(before - Yaw(), 20 * 100 / 8, 20);   // each frame loses the remainder of its motion divided by 8
     desktop->Input("mouseup 1");
 }
 
@@ -184,7 +184,7 @@ TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
         Rest(500);
         return desktop->TracedFrames() == frames;
     }));
-    desktop->Input("keydown F8");  // for the other window, and never let go there
+    desktop->Input("keydown F8");  // goes to the other window, and is never let go there
     Rest(1500);
     EXPECT_EQ(desktop->TracedFrames(), frames);
     desktop->Input("keyup F8");
@@ -198,7 +198,7 @@ TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
 }
 
 TEST_F(Window, FillsTheScreenByDefaultAndKeepsThePictureInProportionAtEverySize) {
-    const std::string data = SOURCE_FOLDER "/tests/levels/data";  // whose pictures have no black edges
+    const std::string data = SOURCE_FOLDER "/tests/levels/data";  // frozen levels, whose pictures have no black edges
     for (const char* board : {"auto", "gpu"}) {  // without a graphics card, and with OpenGL all the same
         desktop->StartGame({"--data", data, "--board", board});
         EXPECT_TRUE(WaitFor([&] { return PictureFills(107, 0, 1173, 800); }));

@@ -36,7 +36,7 @@ std::vector<uint8_t> TwoLeavesFile(const Damage& damage = [](WorldGeometryTables
 
 class WorldFile : public PoolFixture {
 protected:
-    // The message of the refusal; empty when the file is loaded.
+    // The message with which the file is refused; empty when it is loaded.
     std::string Refusal(const std::vector<uint8_t>& bytes) {
         FreshPool(POOL_BYTES);
         const FatalThrown fatal = CatchFatal([&] { LoadBspWorld(FileOf(bytes)); });
@@ -109,7 +109,7 @@ TEST_F(WorldFile, IsRefusedWithAnIndexOrNumberOutOfRange) {
     }
 }
 
-// A chain of nodes that all have the same leaf behind them, which counts once for each.
+// A chain of nodes that all have the same leaf behind them. The leaf counts once for each node.
 TEST_F(WorldFile, HoldsATreeOfLimitedDepthAndAsManyPolygonsAsItsRadiiCanBeMeasuredOf) {
     const auto refusal = [&](int depth, const Damage& damage, size_t polygons = 0) {
         TinyWorld world;

@@ -65,7 +65,7 @@ TEST_F(Collision, OnlyMovesTowardsTheSolidStop) {
     EXPECT_EQ(actor_.position.y, 132.0f);
     Move({0, 70, 0}, {0, 5, 0});  // from below it is passed through
     EXPECT_EQ(actor_.onContact, 0);
-    Move({0, 108, 0}, {20, -0.09f, 0});  // as good as along it
+    Move({0, 108, 0}, {20, -0.09f, 0});  // nearly along the polygon
     EXPECT_EQ(actor_.onContact, 0);
     Move({0, 108, 0}, {20, -0.11f, 0});
     EXPECT_EQ(actor_.onContact, 1);
@@ -126,12 +126,13 @@ TEST_F(Collision, ALedgeLiftsByItsHeightAndFourteenMore) {
         Move({2, 109, 80}, {row.polygons.size() > 1 ? 10.0f : 0.0f, 0, 10});
         EXPECT_GE(actor_.position.y - 109, row.lowestLift) << row.what;
         EXPECT_LE(actor_.position.y - 109, row.highestLift) << row.what;
-        const float kept = row.polygons.size() > 1 ? 5.0f : 0.0f;  // what runs into the last polygon hit is lost
+        const float kept = row.polygons.size() > 1 ? 5.0f : 0.0f;  // the velocity into the last polygon hit is lost
         EXPECT_NEAR(actor_.velocity.z, kept, 1e-4f) << row.what;
     }
 }
 
-// Between two walls that meet at 30 degrees each pass but the first, which changes nothing, keeps the cosine of it.
+// Between two walls that meet at 30 degrees, the first pass changes nothing and each further one keeps the cosine
+// of 30.
 TEST_F(Collision, AWedgeEndsAfterElevenPasses) {
     const float c = std::cos(3.14159265f / 6), s = 0.5f;
     const Corners along = {{0, 0, -500}, {0, 0, 500}, {0, 500, 500}, {0, 500, -500}};

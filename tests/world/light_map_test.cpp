@@ -1,4 +1,4 @@
-// What a damaged lights.lmp and a polygon beyond the tables do; how light looks is recorded.
+// What a damaged lights.lmp and a polygon beyond the tables do. How light looks is tested by the golden pictures.
 #include "world/light_map.h"
 
 #include "render/device/device.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t COUNTS_OFFSET = 12, VALUES_BYTES = 28;
 
-// Of three points and one polygon.
+// A file for three points and one polygon.
 std::vector<uint8_t> GoodFile() {
     std::vector<uint8_t> bytes(COUNTS_OFFSET + 8 + 3 + 8 + VALUES_BYTES);
     bytes[COUNTS_OFFSET + 3] = 3;

@@ -1,4 +1,4 @@
-// sky.sob into the tables of the world.
+// Loads sky.sob into the tables of the world.
 #include "world/static_object.h"
 
 #include "support/pool_fixture.h"

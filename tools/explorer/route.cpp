@@ -17,7 +17,7 @@ namespace {
 constexpr double REACH_UP = 64;  // world units, the reach of a mark in height
 constexpr double SECONDS_PER_TICK = 0.016;
 constexpr uint64_t LEG_FRAMES = 600'000;  // tried before a leg is given up
-constexpr float CELL = 48;                // of two ways to a cell of this size the quicker is kept
+constexpr float CELL = 48;                // width of a cell; of two ways to a cell the quicker is kept
 constexpr double ROUND_DEGREES = 57.29577951308232;
 
 // How a piece of the way is played.

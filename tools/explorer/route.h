@@ -14,7 +14,7 @@ struct RouteLeg {
 
 struct RouteReport {
     std::vector<RouteLeg> legs;  // the last is the first that fails, if one does
-    double seconds = 0;          // of the whole way
+    double seconds = 0;          // what the whole way takes
     KeyPlay play;
     bool WithinTime(const PlacesFile& places) const;
 };

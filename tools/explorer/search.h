@@ -42,7 +42,7 @@ struct SearchReport {
     std::vector<Fault> faults;  // by kind, then by length
     size_t cells = 0;           // places reached, 64 by 64 by 64 each
     int contacts = 0;           // polygons touched at once, at most
-    Vec3 lowest{}, highest{};   // of all positions in the world
+    Vec3 lowest{}, highest{};   // corners of the box around all positions in the world
     uint64_t frames = 0;
 };
 
@@ -66,7 +66,7 @@ private:
     struct Rollout {
         size_t place;
         KeyPlay pending;  // played since
-        Vec3 low, high;   // of the positions
+        Vec3 low, high;   // corners of the box around the positions
         Vec3 stood;       // where it last touched something
     };
     enum class Outcome { GoesOn, Over };
@@ -94,7 +94,7 @@ private:
     std::mt19937 random_;
     std::vector<Step> steps_;
     std::vector<Place> places_;
-    std::vector<size_t> unvisited_;  // of them, the newest last
+    std::vector<size_t> unvisited_;  // places that were not visited yet, the newest last
     std::unordered_map<uint64_t, size_t> placeOfCell_;
     std::unordered_map<uint64_t, size_t> faultOfCell_;
     std::unordered_map<uint64_t, int> roughCells_;

@@ -18,13 +18,13 @@ struct WalkerLevel {
     std::filesystem::path lightSlots;  // lights.alt, whose flickering lamps draw random numbers; empty: none flicker
     std::filesystem::path character;   // folder
     Vec3 start;
-    uint32_t ticks = 1;  // of each frame but the first, which has none
+    uint32_t ticks = 1;  // length of each frame in ticks of 16 ms, but for the first, which has none
 };
 
 // All that the player's next frame depends on.
 struct Body {
     Actor actor;
-    float hopSpeed, leapSpeed;  // of the latest jumps: impulses that the handlers leave in the states
+    float hopSpeed, leapSpeed;  // impulses of the latest jumps, which the handlers leave in the states
     int16_t jumpHeld;
     uint32_t frames;  // played so far
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <vector>
 
-constexpr size_t FILE_BYTES_MAX = 64 << 20;  // of a picture, a model or a map, at most
-constexpr size_t TEXT_BYTES_MAX = 1 << 20;   // of settings and lists, which people write by hand, at most
+constexpr size_t FILE_BYTES_MAX = 64 << 20;  // largest size of a picture, a model or a map
+constexpr size_t TEXT_BYTES_MAX = 1 << 20;   // largest size of settings and lists, which people write by hand
 
 // ContentError for what cannot be read, is no regular file (a device may have no end) or is larger.
 std::vector<uint8_t> ReadWholeFile(const std::filesystem::path& path, size_t mostBytes = FILE_BYTES_MAX);

@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int PICTURES = 8;  // of a level
+constexpr int PICTURES = 8;  // pictures of a level
 constexpr int CELL_WIDTH = 320, CELL_HEIGHT = 240;
 constexpr int FRAMES_UNTIL_STILL = 200;  // the camera follows smoothly
 

@@ -19,14 +19,14 @@
 
 namespace {
 
-constexpr int CLOCK_NAP_MS = 1;     // of a loop that reads the clock until it moves
-constexpr int KEYBOARD_NAP_MS = 2;  // of a loop that polls the keyboard until a key is down
+constexpr int CLOCK_NAP_MS = 1;     // nap of a loop that reads the clock until it moves
+constexpr int KEYBOARD_NAP_MS = 2;  // nap of a loop that polls the keyboard until a key is down
 constexpr int WAIT_SLICE_MS = 20;
 
 uint32_t lastClock = 0, lastKeyboardPoll = 0, lastTurn = 0;
 std::bitset<KEY_COUNT> keysHeld[2];  // by one place of the keyboard, and by a second one that stands for the same key
 std::optional<GlPicture> shown;
-int shownWidth = 0, shownHeight = 0;  // of the canvas when it was drawn
+int shownWidth = 0, shownHeight = 0;  // size of the canvas when it was drawn last, pixels
 bool opened = false;
 
 uint32_t Now() {

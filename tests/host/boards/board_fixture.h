@@ -43,7 +43,7 @@ protected:
 
     using TexelOf = std::function<uint16_t(uint32_t lod, uint32_t x, uint32_t y)>;
 
-    // Makes it current.
+    // Makes the texture current.
     static GrMipMapId_t MakeTexture(GrTextureFormat_t format, GrLOD_t large, GrLOD_t small, GrAspectRatio_t aspect,
                                     const TexelOf& texel);
     static GrMipMapId_t MakePlain(uint16_t texel, GrTextureFormat_t format = GR_TEXFMT_ARGB_1555) {

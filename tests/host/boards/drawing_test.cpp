@@ -1,4 +1,5 @@
-// What no game asks of a board, what is read back, and that all boards draw alike. What a game shows is recorded.
+// What the game never asks of a board, what is read back, and that all boards draw alike. What the game shows is tested
+// by the golden pictures.
 #include "board_fixture.h"
 
 #include <algorithm>

@@ -21,7 +21,7 @@ protected:
     static std::string Header(const std::string& format, const std::string& lods, const std::string& aspect) {
         return "3df v1.1\n# made by hand\n" + format + "\nlod range: " + lods + "\naspect ratio: " + aspect + "\n";
     }
-    // The texels as they are downloaded, or nothing.
+    // The texels of a texture file as they are downloaded, or nothing when it is refused.
     static bool Load(Gu3dfInfo& info, std::vector<uint8_t>& texels) {
         if (!gu3dfGetInfo("A.3DF", &info)) return false;
         texels.assign(info.mem_required, 0xEE);

@@ -90,7 +90,7 @@ constexpr uint8_t UP = 0xC8, RIGHT = 0xCD, RIGHT_CTRL = 0x9D;
 
 }  // namespace
 
-// Two lists of keys written for different purposes, scripts and windows, name the same key positions.
+// The lists of keys for scripts and for windows name the same key positions.
 TEST(SdlKeys, AgreeWithTheNamesOfScripts) {
     int compared = 0;
     for (int key = 0; key < SDL_NUM_SCANCODES; ++key) {
@@ -115,7 +115,7 @@ TEST_F(SdlDevices, KeysGoDownAndUpAndDoNotRepeat) {
     PushKey(SDL_SCANCODE_UP, false);
     EXPECT_FALSE(Down(UP));
     EXPECT_TRUE(Down(0x9C));
-    PushKey(SDL_SCANCODE_UP, true, true);  // held in another window before
+    PushKey(SDL_SCANCODE_UP, true, true);  // a repeat of a key that was already held in another window
     EXPECT_FALSE(Down(UP));
 }
 

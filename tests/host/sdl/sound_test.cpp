@@ -22,7 +22,7 @@ TEST(SdlSound, GoesRoundWithoutAGap) {
     setenv("SDL_DISKAUDIOFILE", (folder + "/played").c_str(), 1);
     setenv("SDL_DISKAUDIODELAY", "1", 1);
     std::vector<short> wave = Triangle(5000, 2);
-    wave[0] = 77;  // where it begins
+    wave[0] = 77;  // marks where the wave begins
     WriteSound(folder + "/track.flac", FLAC, 44100, 2, wave);
     std::string problem;
     if (!OpenSound(problem)) GTEST_SKIP() << problem;

@@ -68,7 +68,7 @@ size_t FieldNamed(const char* name) {
     throw std::runtime_error(std::string("no field ") + name);
 }
 
-// Of two frames in a row; `ground` is the player's height at his last contact.
+// Adds what two frames in a row show. `ground` is the player's height at his last contact.
 void AddPlaces(Coverage& coverage, const PlayedFrame& before, const PlayedFrame& now, float& ground) {
     const std::set<std::string> onFoot = {"Run", "Walk", "RunUp", "Back"};
     const bool walks = onFoot.contains(StateOf(before)) && onFoot.contains(StateOf(now));

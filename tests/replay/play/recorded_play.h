@@ -1,4 +1,4 @@
-// What recordings hold, frame by frame, and what of the game they reach.
+// What recordings hold, frame by frame, and which parts of the game they reach.
 #pragma once
 
 #include "session/recording.h"
@@ -12,7 +12,7 @@ struct PlayedFrame {
     FrameFields fields;
     uint32_t digest;
     std::optional<uint32_t> pixels;
-    std::bitset<256> keys;  // down, by scan code
+    std::bitset<256> keys;  // true: the key of this scan code is down
 
     int32_t Whole(const char* field) const;
     float Real(const char* field, size_t index = 0) const;

@@ -137,7 +137,7 @@ TEST_F(ForeignCharacter, TooManyPointsOfFewTrianglesAreSimplified) {
 
 TEST_F(ForeignCharacter, FaultsAreNamedAndNothingIsWritten) {
     const struct {
-        const char *what, *by;  // in the recipe
+        const char *what, *by;  // texts of the recipe: `what` is replaced by `by`
         const char* text;
     } rows[] = {
         {"scale = 80", "scale = ", "character.toml:2"},

@@ -11,8 +11,8 @@ class GameCharacter : public PoolFixture {
 protected:
     GameCharacter();
 
-    void Load(const std::filesystem::path& folder);  // of the character's files
-    // In the frame of the actor's position; `time` as keys have it.
+    void Load(const std::filesystem::path& folder);  // the folder of the character's files
+    // Places in the frame of the actor's position; `time` as keys have it.
     std::vector<Vec3> PointsAt(const std::string& clip, uint32_t time);
 
     std::filesystem::path folder_;

@@ -94,7 +94,7 @@ TEST(ZeroMoves, EvenlyInEveryStateAndFromEachToTheNext) {
         EXPECT_LT(measures.largest, InTheAir(state) ? 28 : 10) << NameOf(state);
         EXPECT_LT(measures.mean, InTheAir(state) ? 10 : 3.2) << NameOf(state);
         EXPECT_LT(measures.depth, 1.5) << NameOf(state);
-        EXPECT_LT(measures.slide, IsCrouch(state) ? 5 : 1) << NameOf(state);  // it still rolls on
+        EXPECT_LT(measures.slide, IsCrouch(state) ? 5 : 1) << NameOf(state);  // the character still rolls on
     }
     const double intoCrouch = LeastStepFrom(stage, {STATE_READY, STATE_RUN_UP, STATE_RUN, STATE_WALK});
     EXPECT_GT(intoCrouch, 36) << "less than a foot's way in a stride needs";

@@ -1,4 +1,4 @@
-// The search in small rooms with one thing wrong each, and in one where nothing is; and its plays in the game.
+// The search in small rooms, each with one fault, and in one without; and the plays it writes, played by the game.
 #include "explorer/report.h"
 #include "explorer/route.h"
 #include "program/run_program.h"
@@ -61,9 +61,9 @@ TEST(Explorer, ARouteEndsAtTheMarkThatCannotBeReached) {
     const RouteReport report = WalkRoute(walker, places, 1);
     ASSERT_EQ(report.legs.size(), 3U);
     EXPECT_TRUE(report.legs[1].reached);
-    EXPECT_GT(report.legs[1].seconds, 400 / 538.0);  // at a run
+    EXPECT_GT(report.legs[1].seconds, 400 / 538.0);  // the least time that a run takes
     EXPECT_LT(report.legs[1].seconds, 3);
-    EXPECT_FALSE(report.legs[2].reached);  // too high up
+    EXPECT_FALSE(report.legs[2].reached);  // the mark lies too high
     EXPECT_FALSE(report.WithinTime(places));
 }
 

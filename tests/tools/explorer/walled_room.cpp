@@ -12,7 +12,7 @@ namespace {
 
 constexpr int SIDE = 800;
 constexpr int HEIGHT = 600;
-constexpr int LEAN = 150;  // of the walls over their height: |ny| = 0.24
+constexpr int LEAN = 150;  // by which the walls lean over their height: |ny| = 0.24
 constexpr int THICK = 16;
 
 // A face that looks away from `inside`.

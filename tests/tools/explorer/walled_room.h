@@ -4,7 +4,7 @@
 #include <filesystem>
 
 enum class Room {
-    Safe,     // its walls lean away, so that whoever falls along them presses into them
+    Safe,     // its walls lean away, so that a player who falls along them presses into them
     Upright,  // its walls stand upright
     Skirted,  // as Upright, with skirts behind them
     Ledge,    // as Safe, with ledges of 24 that lead aslant to a tall block

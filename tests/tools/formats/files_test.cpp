@@ -53,7 +53,7 @@ TEST(Files, AFailedWriteLeavesEveryFileAsItWas) {
 }
 
 TEST(Files, OnlyRegularFilesOfABoundedSize) {
-    // Nothing of the machine's is written to: what a faulty tool replaces is lost.
+    // Only files of the test are written to: a faulty tool would destroy what it replaces.
     fs::create_directories(FOLDER);
     ASSERT_EQ(mkfifo((FOLDER / "pipe").c_str(), 0600), 0);
     for (const fs::path& path : {FOLDER, FOLDER / "pipe"})

@@ -11,7 +11,7 @@ namespace {
 
 using Texel = std::pair<float, float>;
 
-// By position: u and v of the corners of the polygons that use a slot.
+// u and v of the corners of the polygons that use a slot, by the corner's position.
 std::map<std::array<float, 3>, Texel> CornersOfSlot(const WorldFile& world, int slot) {
     std::map<std::array<float, 3>, Texel> corners;
     for (const WorldPolygon& polygon : world.polygons) {

@@ -18,7 +18,7 @@ double LightOf(const CompiledLevel& level, const WorldPolygon& polygon, size_t c
     return level.light.pointLight[level.world.corners[polygon.firstCorner + corner].point];
 }
 
-// As the triangles of the polygon's fan show it; nothing where the place is outside of it.
+// The light at a place as the triangles of the polygon's fan show it; nothing where the place is outside the polygon.
 std::optional<double> ShownLight(const CompiledLevel& level, const WorldPolygon& polygon, const Vec3& place) {
     const Vec3 origin = PlaceOf(level.world, polygon, 0);
     for (size_t i = 2; i < polygon.cornerCount; ++i) {
@@ -37,7 +37,7 @@ std::optional<double> ShownLight(const CompiledLevel& level, const WorldPolygon&
     return std::nullopt;
 }
 
-// Greatest difference at the points of another world, on polygons that face the same way there.
+// The greatest difference of light at the points of another world, on polygons that face the same way.
 double GreatestDifference(const CompiledLevel& level, const CompiledLevel& finer) {
     double greatest = 0;
     for (size_t i = 0; i < finer.world.points.size(); ++i) {

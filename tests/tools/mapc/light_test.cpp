@@ -29,7 +29,7 @@ public:
         }
     }
 
-    // -1 when there is no such corner.
+    // The byte of that corner, or -1 when there is no such corner.
     int operator()(const WorldVector& place, const WorldVector& outward = UP) const {
         for (const auto& [key, byte] : bytes_) {
             if (std::get<1>(key) == place && std::get<2>(key) == outward) return byte;
@@ -45,7 +45,7 @@ private:
     int seams_ = 0;  // corners in one place and of one surface that differ
 };
 
-// 1024 x 1024 and 512 high.
+// A room of 1024 x 1024, 512 high.
 MapBuilder Room(const std::string& ambient, const std::string& bounce) {
     MapBuilder map;
     map.Room({-512, -512, 0}, {512, 512, 512}).Start("300 300 100");
@@ -56,7 +56,7 @@ MapBuilder DarkRoom() {
     return Room("0", "0");
 }
 
-// Open to the sky through a hole of 256 x 256 in its ceiling.
+// A room that is open to the sky through a hole of 256 x 256 in its ceiling.
 MapBuilder RoomWithSkylight() {
     MapBuilder map;
     map.Room({-512, -512, 0}, {512, 512, 528});

@@ -15,23 +15,23 @@ std::vector<Material> TestMaterials();
 
 class MapBuilder {
 public:
-    MapBuilder& Key(const std::string& name, const std::string& value);  // of worldspawn
+    MapBuilder& Key(const std::string& name, const std::string& value);  // adds a key to worldspawn
     MapBuilder& Box(const Corner& low, const Corner& high, const std::string& texture = "wall");
-    // Six walls of 16 around an empty box.
+    // Adds six walls, 16 thick, around an empty box.
     MapBuilder& Room(const Corner& low, const Corner& high, const std::string& texture = "wall");
-    // A box that is turned by an eighth about the vertical through its middle.
+    // Adds a box that is turned by an eighth of a turn about the vertical through its middle.
     MapBuilder& TurnedBox(const Corner& low, const Corner& high, const std::string& texture = "wall");
-    // Three-sided, about 96 wide, slanting, its corners not on whole numbers.
+    // Adds a three-sided brush, about 96 wide and slanting, whose corners do not lie on whole numbers.
     MapBuilder& Wedge(int x, int y, int height);
-    MapBuilder& Brush(const std::string& faces);  // lines of faces
+    MapBuilder& Brush(const std::string& faces);  // `faces`: the lines of the faces
     MapBuilder& BeginEntity(const std::string& className,
-                            const std::string& keys = "");  // brushes go there from now on
+                            const std::string& keys = "");  // brushes go into this entity from now on
     MapBuilder& Start(const std::string& origin, int angle = 90);
     MapBuilder& Light(const std::string& origin, const std::string& keys = "");
     std::string Text() const;
 
-    bool valve = false;   // write faces with axes
-    bool skirts = false;  // leaning faces behind walls
+    bool valve = false;   // faces are written with texture axes, in the Valve 220 format
+    bool skirts = false;  // the compiler puts leaning faces behind walls
 
 private:
     std::string Face(const Corner& at, const Corner& u, const Corner& v, const std::string& texture) const;
@@ -39,7 +39,7 @@ private:
     std::string keys_;
     std::string worldBrushes_;
     std::string entities_;
-    std::string open_;  // entity being written
+    std::string open_;  // the entity that is being written
 };
 
 const BakeOptions FAST_LIGHT{LightQuality::Fast, 1, {}};

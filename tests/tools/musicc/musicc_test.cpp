@@ -89,7 +89,7 @@ TEST(Musicc, ErrorsNameFileLineAndRemedy) {
     EXPECT_THROW(WriteSound(testing::TempDir() + "/piece.mp3", {0, 0}), ContentError);
 }
 
-// In memory until it is whole: neither a failure nor a kill leaves a cut track.
+// A track stays in memory until it is whole: neither a failure nor a kill leaves a cut one.
 TEST(Musicc, WritesEveryKindOfSoundFileInOneGo) {
     std::vector<int16_t> samples;
     for (int i = 0; i < 20000; ++i)

@@ -20,7 +20,7 @@ Image Paint(const std::string& text) {
     return PaintPicture(FOLDER / "test.toml", Sources());
 }
 
-// Bounds of everything that is not black.
+// The bounds of everything that is not black.
 Rectangle InkOf(const Image& image) {
     Rectangle ink{image.width, image.height, -1, -1};
     for (int y = 0; y < image.height; ++y) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Seen ahead, across the left side of the view, and behind the eye.
+// Polygons ahead of the eye, across the left side of the view, and behind the eye.
 class Sky : public testing::Test {
 protected:
     void SetUp() override {

@@ -1,4 +1,4 @@
-// The compiled levels, seen as the game sees them: from places over their floors nothing near is hidden by what is far.
+// The compiled levels as the game sees them: seen from places over their floors, nothing far hides anything near.
 #include "app/app_tables.h"
 #include "camera/camera_tables.h"
 #include "host/files.h"
@@ -23,8 +23,8 @@
 
 namespace {
 
-constexpr float EYE_HEIGHT = 20.0f;  // low: an eye within a ceiling sees what nobody sees
-constexpr uint32_t POLYGONS = 150;   // of a level that are tried as floors
+constexpr float EYE_HEIGHT = 20.0f;  // above the floor; low, because an eye within a ceiling sees what nobody sees
+constexpr uint32_t POLYGONS = 150;   // polygons of a level that are tried as floors
 constexpr int RAYS = 25;
 
 struct LevelFiles {
@@ -36,7 +36,7 @@ void PrintTo(const LevelFiles& files, std::ostream* out) {
     *out << files.folder << ", level " << files.level + 1;
 }
 
-// Clip walls have no texel to see.
+// False for clip walls, whose texture has no texel that can be seen.
 bool CanBeSeen(int polygon) {
     const TextureRecord* texture = PolygonTexture(WorldGeometry.polygons[polygon]);
     const uint8_t* row = TextureImage + texture->texelOffset;
@@ -65,13 +65,13 @@ std::vector<Vec3> PlacesOverFloors() {
 
 constexpr double EDGE_MARGIN = 0.01;   // hits nearer than this to an edge are left out: either side may be right
 constexpr double DEPTH_MARGIN = 0.05;  // polygons nearer than this to each other have no order
-constexpr double VIEW_MARGIN = 0.95;   // of the view volume in which rays are cast
+constexpr double VIEW_MARGIN = 0.95;   // part of the view volume in which rays are cast
 
 struct Ray {
     DoubleVec3 origin, direction;
 };
 
-// The distance along the ray, or infinity.
+// The distance along the ray at which it meets the polygon, or infinity.
 double Hit(const Ray& ray, int number) {
     const PolyRecord& polygon = WorldGeometry.polygons[number];
     const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
@@ -89,7 +89,7 @@ double Hit(const Ray& ray, int number) {
     return t;
 }
 
-// Those that are turned to the eye, in the order of drawing.
+// The polygons that face the eye, in the order of drawing.
 std::vector<int> DrawnPolygons() {
     std::vector<int> drawn;
     for (int i = 0; i < RenderListCount; ++i) {

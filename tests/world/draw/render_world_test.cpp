@@ -19,7 +19,7 @@ namespace {
 
 using List = std::vector<int32_t>;
 
-Corners Square(Vec3 centre, float half) {  // seen from -z
+Corners Square(Vec3 centre, float half) {  // visible from -z
     return FacingSquare(centre, {0, 0, -1}, half);
 }
 
@@ -67,7 +67,7 @@ TEST_F(RenderedWorld, ListsTheCharacterOfCulledLeavesToo) {
 }
 
 TEST_F(RenderedWorld, ABoxIsAsLargeWhateverTheSignsOfItsHalfExtents) {
-    PublishNearAndFar(Square({-410, 0, 400}, 30), Square({620, 0, 600}, 30));  // across the sides of the view
+    PublishNearAndFar(Square({-410, 0, 400}, 30), Square({620, 0, 600}, 30));  // both lie across the sides of the view
     EXPECT_EQ(Render(), (List{1, 0}));
     const auto negate = [](auto& record) {
         const Vec3 half = record.halfExtents;
