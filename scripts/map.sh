@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # map.sh BUILD DATA FILE.map [--foreign] [--fast]: compiles any map into a data folder below the user's cache, and prints the
-# options with which the game plays it, one a line. BUILD has the tools. DATA is the game's data folder; everything but the level is
-# linked from there. Each compilation makes a new folder; the folder before it stays, for a game that may be playing it.
-# Nothing is written beside the map or in the repository. Status 1: the map cannot be compiled. A FILE.map that does not
+# options with which the game plays it, one a line. BUILD has the tools. DATA is the game's data folder; everything but the
+# level is linked from there. Each compilation makes a new folder; the folder before it stays, for a game that may be playing
+# it. Nothing is written beside the map or in the repository. Status 1: the map cannot be compiled. A FILE.map that does not
 # exist and names no folder is taken for the name of a map that was compiled before.
 #
 # Keys of worldspawn that say how the map is played:
