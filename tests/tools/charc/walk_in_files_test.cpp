@@ -1,6 +1,7 @@
 #include "charc/compile.h"
 #include "charc/recipe_reader.h"
 #include "datacheck/rules.h"
+#include "records/levels.h"
 #include "walk_in.h"
 
 #include <gtest/gtest.h>
