@@ -5,6 +5,7 @@
 #include "character/actor.h"
 #include "character/leaf_bins.h"
 #include "host/probe.h"
+#include "lights/light_slots.h"
 #include "math/vectors.h"
 #include "platform/display.h"
 #include "platform/timer.h"
@@ -18,6 +19,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -37,8 +39,7 @@ struct View {
     Vec3 player{}, velocity{};
     std::vector<Vec3> points;        // the character's, in the world
     std::vector<float> intensities;  // of the same points, as this frame draws them
-    std::vector<int8_t> pointLight;  // of the world's points, raised by the lights
-    std::vector<int8_t> cornerLight;
+    LightSlot lights[LIGHT_SLOT_COUNT];
     std::vector<uint8_t> textures;  // TextureRemap
 };
 View before, latest;
@@ -55,22 +56,13 @@ float Length(const Vec3& v) {
     return std::sqrt(Dot(v, v));
 }
 
-uint32_t CornerLightEntries() {
-    return CORNER_LIGHT_CORNERS * std::min<uint32_t>(WorldGeometry.file.polygons, CORNER_LIGHT_POLYGONS);
-}
-
-void KeepLight(std::vector<int8_t>& kept, const int8_t* current, const int8_t* base, const uint16_t* stamps) {
-    for (size_t i = 0; i < kept.size(); ++i)
-        kept[i] = stamps[i] == FrameCount ? current[i] : base[i];
-}
-
-void MixLight(const std::vector<int8_t>& from, const std::vector<int8_t>& to, float way, int8_t* current,
-              const int8_t* base, uint16_t* stamps) {
-    for (size_t i = 0; i < to.size(); ++i) {
-        if (from[i] == base[i] && to[i] == base[i]) continue;
-        current[i] = static_cast<int8_t>(std::lround((1.0f - way) * from[i] + way * to[i]));
-        stamps[i] = FrameCount;
-    }
+// A light that was not there before, or is another, is not on the way: it comes with the latest view.
+LightSlot Mixed(const LightSlot& from, const LightSlot& to, float way) {
+    LightSlot mixed = way < 1.0f ? from : to;
+    if (from.type != to.type) return mixed;
+    mixed.position = Mixed(Vec3{from.position}, Vec3{to.position}, way);
+    mixed.intensity = (1.0f - way) * from.intensity + way * to.intensity;
+    return mixed;
 }
 
 // A level is being played, and the latest view is one of it. An outline drawing never clears the accelerator's depth.
@@ -160,9 +152,10 @@ bool Draw(const View& from, float way) {
     PutCharacter(from, way);
     const std::vector<uint8_t>& textures = way < 1.0f ? from.textures : latest.textures;
     std::copy(textures.begin(), textures.end(), TextureRemap);
-    MixLight(from.pointLight, latest.pointLight, way, WorldGeometry.pointLight, WorldGeometry.pointLightBase,
-             WorldGeometry.pointLightStamps);
-    MixLight(from.cornerLight, latest.cornerLight, way, CornerLight, CornerLightBase, WorldGeometry.cornerLightStamps);
+    LightSlot lights[LIGHT_SLOT_COUNT];
+    for (int i = 0; i < LIGHT_SLOT_COUNT; ++i)
+        lights[i] = Mixed(from.lights[i], latest.lights[i], way);
+    RaiseLightBytes(lights);
     DrawView();
     shown = ViewMatrix;
     ShowFrame();
@@ -189,12 +182,8 @@ void KeepView() {
         latest.points[i] = {point.x, point.y, point.z};
     }
     latest.intensities.assign(IntensityCache + mesh.firstPoint, IntensityCache + mesh.firstPoint + mesh.pointCount);
-    latest.pointLight.resize(WorldGeometry.file.points);
-    KeepLight(latest.pointLight, WorldGeometry.pointLight, WorldGeometry.pointLightBase,
-              WorldGeometry.pointLightStamps);
-    latest.cornerLight.resize(CornerLightEntries());
+    std::copy(std::begin(LightSlots), std::end(LightSlots), latest.lights);
     latest.textures.assign(TextureRemap, TextureRemap + TextureCount);
-    KeepLight(latest.cornerLight, CornerLight, CornerLightBase, WorldGeometry.cornerLightStamps);
 }
 
 bool DrawBetween(float way) {

@@ -185,25 +185,23 @@ void Flicker(LightSlot& slot) {
     slot.timer = Rand() & FLICKER_TIME_BITS;
 }
 
-void UpdateLight(LightSlot& slot) {
+void Advance(LightSlot& slot) {
     switch (slot.type) {
     case LIGHT_RAMP:
-        Ramp(slot);
-        ApplyContributions(slot);
-        break;
+    case LIGHT_DYNAMIC_RAMP: Ramp(slot); break;
+    case LIGHT_BLINK: Blink(slot); break;
+    case LIGHT_FLICKER: Flicker(slot); break;
+    default: break;
+    }
+}
+
+void RaiseBytes(const LightSlot& slot) {
+    switch (slot.type) {
+    case LIGHT_RAMP:
     case LIGHT_BLINK:
-        Blink(slot);
-        ApplyContributions(slot);
-        break;
-    case LIGHT_FLICKER:
-        Flicker(slot);
-        ApplyContributions(slot);
-        break;
+    case LIGHT_FLICKER: ApplyContributions(slot); break;
     case LIGHT_DYNAMIC: RaisePointsAround(slot, slot.intensity * LEVEL_SCALE, 0.0f); break;
-    case LIGHT_DYNAMIC_RAMP:
-        Ramp(slot);
-        RaisePointsAround(slot, 0.0f, LEVEL_SCALE);
-        break;
+    case LIGHT_DYNAMIC_RAMP: RaisePointsAround(slot, 0.0f, LEVEL_SCALE); break;
     default: break;
     }
 }
@@ -221,8 +219,15 @@ void LoadLightSlots(const char* path) {
 }
 
 void UpdateLights() {
-    for (LightSlot& slot : LightSlots)
-        UpdateLight(slot);
+    for (LightSlot& slot : LightSlots) {
+        Advance(slot);
+        RaiseBytes(slot);
+    }
+}
+
+void RaiseLightBytes(const LightSlot (&slots)[LIGHT_SLOT_COUNT]) {
+    for (const LightSlot& slot : slots)
+        RaiseBytes(slot);
 }
 
 int32_t SpawnLight() {

@@ -21,6 +21,9 @@ void LoadLightSlots(const char* path);
 
 void UpdateLights();  // once a frame, before the world is drawn: moves every slot's time on and raises the light bytes
 
+// Raises the light bytes as these lights would, for a picture besides that of the frame.
+void RaiseLightBytes(const LightSlot (&slots)[LIGHT_SLOT_COUNT]);
+
 // A free slot becomes a dynamic light of radius 500 and intensity 1 at CameraPos. -1: none is free; slot 0 never is.
 int32_t SpawnLight();
 void SetLightPosition(int32_t slot, float x, float y, float z);  // nothing for a negative slot
