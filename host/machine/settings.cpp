@@ -34,6 +34,8 @@ const SettingEntry ENTRIES[SETTING_COUNT] = {
     {"smooth", "Smooth pictures",
      "on: the display's rate is filled with pictures between the game's, and all is shown one game frame later", 0,
      OFF_ON, 0, 0, 0, "one game frame later, more drawing"},
+    {"steady_lamps", "Steady lamps", "on: lamps flicker less in what is shown, for which each frame is drawn once more",
+     0, OFF_ON, 0, 0, 0, "each frame is drawn once more"},
     {"software_size", "Software renderer", "pixels that the software renderer draws, from the next level on", 0,
      SOFTWARE_SIZES, 0, 0, 0, "from the next level on"},
     {"board", "Accelerator",
@@ -157,6 +159,7 @@ const SettingsPreset COMFORT_PRESET = {"comfort", [] {
                                            Change(Setting::AcceleratorSize, 0);
                                            Change(Setting::Scaling, static_cast<int>(ScalingChoice::Sharp));
                                            Change(Setting::SmoothPictures, 1);
+                                           Change(Setting::SteadyLamps, 1);
                                            Change(Setting::MusicStops, 1);
                                        }};
 

@@ -15,6 +15,7 @@ enum class Setting {
     WindowSize,       // place in WINDOW_SIZES
     Scaling,          // a ScalingChoice
     SmoothPictures,   // 0, 1
+    SteadyLamps,      // 0, 1
     SoftwareSize,     // of the software renderer: 320 x 240, 512 x 384, 640 x 480
     Board,            // auto, gpu, cpu
     AcceleratorSize,  // 0: as the window's size asks; 1..8

@@ -233,7 +233,11 @@ bool HostWantsReload(HostReload& reload) {
 }
 
 bool HostWantsViews() {
-    return !Benchmarking() && (SmoothPictures() || ScriptTakesPhotos() || HasSettings());
+    return !Benchmarking() && (SmoothPictures() || SteadyLamps() || ScriptTakesPhotos() || HasSettings());
+}
+
+bool HostWantsSteadyLamps() {
+    return SteadyLamps();
 }
 
 // Recordings do not hold it, so a replay is played in the usual size.

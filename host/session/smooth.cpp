@@ -70,8 +70,16 @@ void EndWait() {
     cost = Eased(cost);
 }
 
+bool CanDraw() {
+    return CurrentGame->drawBetween && !Benchmarking();
+}
+
+bool IsSmooth() {
+    return SmoothPictures() && wait.length > DisplayInterval();
+}
+
 bool FillsTheWait() {
-    return SmoothPictures() && wait.length > DisplayInterval() && HostWantsPicture();
+    return (IsSmooth() || SteadyLamps()) && HostWantsPicture();
 }
 
 // The time since the last reading of the clock is the latest picture's.
@@ -89,11 +97,17 @@ bool HasTime() {
     return ClockNow() - wait.began + cost < wait.length;
 }
 
+float WayNow() {
+    if (!IsSmooth()) return 1.0f;
+    return std::min(1.0f, static_cast<float>(ClockNow() - wait.began) / static_cast<float>(wait.length));
+}
+
 bool ShowBetween() {
-    const float way = std::min(1.0f, static_cast<float>(ClockNow() - wait.began) / static_cast<float>(wait.length));
+    const float way = WayNow();
     if (!CurrentGame->drawBetween(way)) return false;
     begunAt = ClockNow();
     isMeasured = false;
+    wait.isOpen = IsSmooth();
     wait.isDeferred = false;
     NoteMotion(way);
     return true;
@@ -124,7 +138,11 @@ bool FinishSmooth() {
 }
 
 bool SmoothPictures() {
-    return SettingValue(Setting::SmoothPictures) != 0 && CurrentGame->drawBetween && !Benchmarking();
+    return SettingValue(Setting::SmoothPictures) != 0 && CanDraw();
+}
+
+bool SteadyLamps() {
+    return SettingValue(Setting::SteadyLamps) != 0 && CanDraw();
 }
 
 void OfferSmooth(const uint8_t* keys) {
@@ -155,6 +173,7 @@ void SmoothAtClock() {
     lastAnswer = ClockNow();
     if (!wait.isOpen) return;
     MeasureCost();
-    if (HasTime() && !IsDue()) return;
-    if (!HasTime() || !ShowBetween()) EndWait();
+    const bool hasTime = !IsSmooth() || HasTime();
+    if (hasTime && IsSmooth() && !IsDue()) return;
+    if (!hasTime || !ShowBetween()) EndWait();
 }

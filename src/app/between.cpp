@@ -65,6 +65,21 @@ LightSlot Mixed(const LightSlot& from, const LightSlot& to, float way) {
     return mixed;
 }
 
+// The light of lamps that flicker nears what it is now by so much a frame, and zero's light by so much.
+constexpr float LAMP_EASING = 0.125f;
+constexpr float BODY_EASING = 0.25f;
+
+void SteadyLamps() {
+    for (int i = 0; i < LIGHT_SLOT_COUNT; ++i) {
+        LightSlot& light = latest.lights[i];
+        const LightSlot& past = before.lights[i];
+        if (light.type != LIGHT_FLICKER || past.type != LIGHT_FLICKER) continue;
+        light.intensity = past.intensity + (light.intensity - past.intensity) * LAMP_EASING;
+    }
+    for (size_t i = 0; i < latest.intensities.size(); ++i)
+        latest.intensities[i] = before.intensities[i] + (latest.intensities[i] - before.intensities[i]) * BODY_EASING;
+}
+
 // A level is being played, and the latest view is one of it. An outline drawing never clears the accelerator's depth.
 bool CanDraw() {
     return GameMode == MODE_PLAYING && FrameCount > FIRST_FRAME && latest.isValid && FogSwitch != 0;
@@ -184,13 +199,15 @@ void KeepView() {
     latest.intensities.assign(IntensityCache + mesh.firstPoint, IntensityCache + mesh.firstPoint + mesh.pointCount);
     std::copy(std::begin(LightSlots), std::end(LightSlots), latest.lights);
     latest.textures.assign(TextureRemap, TextureRemap + TextureCount);
+    if (before.isValid && HostWantsSteadyLamps()) SteadyLamps();
 }
 
 bool DrawBetween(float way) {
-    if (!CanDraw() || !BelongTogether()) return false;
+    if (!CanDraw() || (way < 1.0f && !BelongTogether())) return false;
+    const View& from = way < 1.0f ? before : latest;
     const Saved saved;
-    PlaceCamera(Mixed(before.camera, latest.camera, way), Mixed(before.angles, latest.angles, way));
-    return Draw(before, way);
+    PlaceCamera(Mixed(from.camera, latest.camera, way), Mixed(from.angles, latest.angles, way));
+    return Draw(from, way);
 }
 
 bool DrawFrom(HostCamera& camera, const float (&move)[3]) {

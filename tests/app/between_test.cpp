@@ -9,8 +9,10 @@
 #include "character/character_tables.h"
 #include "input/devices.h"
 #include "interfaces/presentation.h"
+#include "lights/light_slots.h"
 #include "machine/game.h"
 #include "machine/settings.h"
+#include "math/vector_operators.h"
 #include "memory/shutdown.h"
 #include "platform/input.h"
 #include "platform/timer.h"
@@ -21,6 +23,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <utility>
 #include <vector>
@@ -167,6 +171,9 @@ TEST_F(SlowBetween, SmoothPicturesTakeThePlaceOfTheFramesOwnAndNeverSlowTheGame)
     EXPECT_EQ(FrameTicks, 4u);
     EXPECT_EQ(PlayFrames(3, 90), 1u);
     EXPECT_EQ(PlayFrames(20, 0), 4u) << "what took long once is tried again";
+    SetSetting(Setting::SmoothPictures, 0);
+    SetSetting(Setting::SteadyLamps, 1);
+    EXPECT_EQ(PlayFrames(2, 0), 1u) << "a frame is not shown with its own lamps before";
 }
 
 TEST_F(Between, NothingIsBetweenFramesThatDoNotBelongTogether) {
@@ -198,6 +205,41 @@ TEST_F(Between, NothingIsBetweenFramesThatDoNotBelongTogether) {
     GameMode = MODE_LEAVE;
     EXPECT_FALSE(DrawFrom(camera, {0, 0, 0})) << "the level is left";
     SystemShutdown();
+}
+
+// Of what is shown, how much the sum of all red parts changes from frame to frame while zero stands in a lamp's light.
+uint64_t Unrest(const std::function<void()>& playFrame, const std::function<std::vector<uint32_t>()>& shown) {
+    uint64_t unrest = 0;
+    int64_t last = 0;
+    for (int frame = 0; frame < 60; ++frame) {
+        playFrame();
+        DrawBetween(1.0f);
+        int64_t sum = 0;
+        for (const uint32_t pixel : shown())
+            sum += pixel >> 16;
+        if (frame > 30) unrest += static_cast<uint64_t>(std::abs(sum - last));
+        last = sum;
+    }
+    return unrest;
+}
+
+TEST_F(Between, SteadyLampsFlickerLess) {
+    constexpr int NO_LAMP = 0, LAMP = 1, STEADY_LAMP = 2;
+    uint64_t unrest[3];
+    for (int run = 0; run < 3; ++run) {
+        SetSetting(Setting::SteadyLamps, run == STEADY_LAMP ? 1 : 0);
+        Start(0);
+        LightSlots[3] = {};
+        LightSlots[3].type = run == NO_LAMP ? LIGHT_FREE : LIGHT_FLICKER;
+        LightSlots[3].position = PlayerActor.position + Vec3{60, 0, -60};
+        LightSlots[3].radius = 300;
+        LightSlots[3].radiusSquared = 90000;
+        unrest[run] = Unrest([this] { PlayFrame(); }, Shown);
+        SystemShutdown();
+    }
+    // zero breathes, too
+    EXPECT_GT(unrest[LAMP] - unrest[NO_LAMP], 2 * (unrest[STEADY_LAMP] - unrest[NO_LAMP]))
+        << unrest[LAMP] << " " << unrest[STEADY_LAMP] << " " << unrest[NO_LAMP];
 }
 
 TEST_F(Between, APhotoIsTakenAheadOfTheCamera) {

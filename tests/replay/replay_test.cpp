@@ -46,12 +46,14 @@ TEST_P(Recorded, IsPlayedTheSame) {
 }
 
 // All of keys.rec, and so much of the other that zero moves and shoots.
-TEST(Recordings, ArePlayedTheSameWithSmoothPictures) {
+TEST(Recordings, ArePlayedTheSameWithSmoothPicturesAndSteadyLamps) {
 #ifdef TARNWICK_SANITIZED
     GTEST_SKIP() << "hundreds of pictures take minutes here";
 #endif
     for (const std::string arguments : {"keys.rec", "keys_accelerator.rec --frames 60"}) {
-        const ProgramResult result = ProgramRun().Run(DATA + "--smooth on --replay " + FOLDER + arguments);
+        const ProgramRun program;
+        program.Write("on.txt", "smooth = on\nsteady_lamps = on\n");
+        const ProgramResult result = program.Run(DATA + "--settings on.txt --replay " + FOLDER + arguments);
         EXPECT_EQ(result.status, 0) << result.errors;
     }
 }

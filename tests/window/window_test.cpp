@@ -155,7 +155,7 @@ TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
         return desktop->TracedFrames() == frames;
     }));
     const ScreenPicture before = desktop->Screen();
-    press({"Down", "Down", "Down", "Down", "Down", "Down", "Down", "Left", "Left"});
+    press({"Down", "Down", "Down", "Down", "Down", "Down", "Down", "Down", "Left", "Left"});
     EXPECT_TRUE(WaitFor([&] {
         const auto sum = [](const ScreenPicture& screen) {
             uint64_t total = 0;

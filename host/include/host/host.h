@@ -29,7 +29,8 @@ struct HostGame {
     // two frames of a level, and only if HostWantsViews was true at these frames. They change nothing in the game.
     //
     // The way from the frame before the last one, 0, to the last one, 1. False: nothing is drawn, because the two do
-    // not belong together: a level's first frame, a change of camera, a step that is no movement.
+    // not belong together: a level's first frame, a change of camera, a step that is no movement. 1 is drawn all the
+    // same.
     bool (*drawBetween)(float way);
     // The last frame from another camera, which is moved to its own right, upwards and ahead first. False: there is no
     // frame, or it is an outline drawing.

@@ -41,6 +41,8 @@ bool HostWantsPicture();
 // Whether anybody may ask for pictures besides those of the game frames (host/host.h).
 bool HostWantsViews();
 
+bool HostWantsSteadyLamps();  // lamps flicker less in these pictures
+
 // Such a picture of the software renderer: 8 bits a pixel, in the size and the palette of the picture that is shown.
 // The pixels must stay until the next picture.
 void HostShowPicture(const uint8_t* pixels, int32_t pitch);
