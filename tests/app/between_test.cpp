@@ -174,6 +174,14 @@ TEST_F(SlowBetween, SmoothPicturesTakeThePlaceOfTheFramesOwnAndNeverSlowTheGame)
     SetSetting(Setting::SmoothPictures, 0);
     SetSetting(Setting::SteadyLamps, 1);
     EXPECT_EQ(PlayFrames(2, 0), 1u) << "a frame is not shown with its own lamps before";
+    Hold(DIK_UP);
+    PlayFrames(8, 0);
+    float pixel[2], end[2];
+    const float ahead[] = {3837, -1050, 14200};
+    ASSERT_TRUE(PointOnScreen(ahead, pixel));
+    DrawBetween(1.0f);
+    ASSERT_TRUE(PointOnScreen(ahead, end));
+    EXPECT_EQ(pixel[1], end[1]) << "steady lamps alone show nothing later";
 }
 
 TEST_F(Between, NothingIsBetweenFramesThatDoNotBelongTogether) {
@@ -182,6 +190,8 @@ TEST_F(Between, NothingIsBetweenFramesThatDoNotBelongTogether) {
         Start(0);
         PlayFrame();
         EXPECT_FALSE(DrawBetween(0.5f)) << "the first frame";
+        const std::vector<uint32_t> own = Shown();
+        EXPECT_TRUE(DrawBetween(1.0f) && Shown() == own) << "a frame alone";
         for (int frame = 0; frame < 20; ++frame)
             PlayFrame();
     }
@@ -204,6 +214,36 @@ TEST_F(Between, NothingIsBetweenFramesThatDoNotBelongTogether) {
     HostCamera camera = {{3837, -1000, 12500}, {-10, 180, 0}};
     GameMode = MODE_LEAVE;
     EXPECT_FALSE(DrawFrom(camera, {0, 0, 0})) << "the level is left";
+    SystemShutdown();
+}
+
+TEST_F(Between, LightsAreOnTheirWay) {
+    Start(0);
+    for (int frame = 0; frame < 20; ++frame)
+        PlayFrame();
+    const int32_t slot = SpawnLight();
+    const Vec3 from = PlayerActor.position, middle = from + Vec3{100, 0, 0}, to = from + Vec3{200, 0, 0};
+    LightSlots[slot].position = from;
+    LightSlots[slot].intensity = 0.5f;
+    PlayFrame();
+    LightSlots[slot].position = to;
+    LightSlots[slot].intensity = 1.5f;
+    PlayFrame();
+    ASSERT_TRUE(DrawBetween(0.5f));
+    const auto bytes = [] {
+        return std::vector<int8_t>(WorldGeometry.pointLight, WorldGeometry.pointLight + WorldGeometry.file.points);
+    };
+    const std::vector<int8_t> drawn = bytes();
+    LightSlots[slot].position = middle;
+    LightSlots[slot].intensity = 1.0f;
+    RaiseLightBytes(LightSlots);
+    int raised = 0;
+    for (uint32_t i = 0; i < WorldGeometry.file.points; ++i) {
+        if (WorldGeometry.pointLightStamps[i] != FrameCount) continue;
+        EXPECT_EQ(WorldGeometry.pointLight[i], drawn[i]) << i;
+        ++raised;
+    }
+    EXPECT_GT(raised, 10);
     SystemShutdown();
 }
 
