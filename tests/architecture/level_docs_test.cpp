@@ -1,5 +1,11 @@
-// What documents and pictures say of the levels, held against the table of the game.
+// What documents, pictures, the page and the packages say of the levels, compared with the tables of the game and
+// tools.
+#include "mapc/counts.h"
 #include "records/levels.h"
+#include "records/light_facts.h"
+#include "records/table_facts.h"
+#include "records/view_facts.h"
+#include "records/walking_facts.h"
 
 #include <gtest/gtest.h>
 
@@ -94,6 +100,32 @@ TEST(LevelDocs, PlayersReadTheKeysAndTheNumberOfLevels) {
     ExpectIn({"README.md", "packaging/tarnwick.desktop", "packaging/tarnwick.metainfo.xml", "cmake/Install.cmake",
               "host/backends/web/page/index.html"},
              string(words[LEVEL_COUNT - 7]) + " worlds");
+}
+
+// 16384 as "16,384".
+string Grouped(double number) {
+    string digits = to_string(static_cast<long>(number));
+    for (size_t place = digits.size(); place > 3;)
+        digits.insert(place -= 3, ",");
+    return digits;
+}
+
+TEST(LevelDocs, TellTheLimits) {
+    for (const string& words :
+         {Grouped(NODES_MAX) + " nodes, " + Grouped(LEAVES_MAX) + " leaves, " + Grouped(PLANES_MAX) + " planes, " +
+              Grouped(POLYGONS_MAX) + " polygons, " + Grouped(POINTS_MAX) + " points, " + Grouped(CORNERS_MAX) +
+              " polygon corners, " + Grouped(POLYGONS_AT_POINT_MAX) + " polygons at one point",
+          Grouped(CHARACTER_LIGHT_COUNT) + " that reach the player at one place",
+          Grouped(LIGHT_CONTRIBUTION_MAX) + " points that changing lamps reach",
+          Grouped(GATHERED_POINTS_MAX) + " points within the radius of a dynamic light",
+          Grouped(CORNER_NUMBER_POLYGONS) + " polygons only", "beyond " + Grouped(CONTACTS_MAX) + " the game ends",
+          "nothing beyond " + Grouped(GLIDE_FAR_DISTANCE)})
+        ExpectIn({"docs/authoring.md"}, words);
+    const auto sum = [](const char* count, uint32_t spare) { return count + (" + " + to_string(spare)); };
+    ExpectIn({"docs/formats.md"}, "1 <= N <= " + to_string(BSP_NODES_MAX) + ", 1 <= L <= " + to_string(BSP_LEAVES_MAX) +
+                                      "; " + sum("P", SPARE_PLANES) + ", " + sum("V", SPARE_POINTS) + " and " +
+                                      sum("K", SPARE_POLY_VERTICES) + " at most " + to_string(INDICES_MAX) + ", " +
+                                      sum("F", SPARE_POLYGONS) + " at most " + to_string(POLYGON_NUMBERS_MAX));
 }
 
 TEST(LevelDocs, TellWhatIsInWhichLevels) {
