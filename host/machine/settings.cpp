@@ -15,7 +15,7 @@ constexpr std::string_view SCALINGS[] = {"original", "integer", "sharp", "smooth
 constexpr std::string_view SOFTWARE_SIZES[] = {"320x240", "512x384", "640x480"};
 constexpr std::string_view BOARDS[] = {"auto", "gpu", "cpu"};
 constexpr std::string_view BOARD_SCALES[] = {"fit", "1", "2", "3", "4", "5", "6", "7", "8"};
-static_assert(std::size(SIZES) == std::size(WINDOW_SIZES));
+static_assert(std::size(SIZES) == std::size(WINDOW_SIZES) && std::size(BOARDS) == std::size(BOARD_CHOICES));
 
 struct SettingEntry {
     std::string_view key, label, comment;
@@ -25,7 +25,8 @@ struct SettingEntry {
     std::string_view hint = {};
 };
 
-const SettingEntry ENTRIES[SETTING_COUNT] = {
+// By Setting.
+constexpr SettingEntry ENTRIES[] = {
     {"full_screen", "Full screen", "on: the whole screen; off: a window", 1, OFF_ON},
     {"window_size", "Window", "the window's size at the start", 2, SIZES},
     {"scaling", "Scaling",
@@ -49,6 +50,7 @@ const SettingEntry ENTRIES[SETTING_COUNT] = {
     {"volume", "Volume", "of the music, 0 to 100 per cent", 100, {}, 0, 100, 10},
     {"music_stops", "Music stops unfocused", "on: the music is silent while another window has the focus", 0, OFF_ON},
 };
+static_assert(std::size(ENTRIES) == SETTING_COUNT);
 
 struct Value {
     int value = 0;

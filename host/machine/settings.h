@@ -5,6 +5,8 @@
 // its setting keeps its default, and the line stays in the file as a comment when the program next writes it.
 #pragma once
 
+#include "machine/options.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -17,7 +19,7 @@ enum class Setting {
     SmoothPictures,   // 0, 1
     SteadyLamps,      // 0, 1
     SoftwareSize,     // of the software renderer: 320 x 240, 512 x 384, 640 x 480
-    Board,            // auto, gpu, cpu
+    Board,            // place in BOARD_CHOICES
     AcceleratorSize,  // 0: as the window's size asks; 1..8
     Brightness,       // of the shown picture, per cent
     MouseSpeed,       // per cent
@@ -34,6 +36,7 @@ struct WindowSizeChoice {
     int width, height;
 };
 constexpr WindowSizeChoice WINDOW_SIZES[] = {{640, 480}, {800, 600}, {960, 720}, {1280, 960}, {1600, 1200}};
+constexpr BoardChoice BOARD_CHOICES[] = {BoardChoice::Auto, BoardChoice::Gpu, BoardChoice::Cpu};
 
 int SettingValue(Setting setting);
 void SetSetting(Setting setting, int value);   // as the command line does: the file stays as it is

@@ -63,10 +63,10 @@ void Merge(Options& options) {
     }
     if (options.smooth) SetSetting(Setting::SmoothPictures, *options.smooth ? 1 : 0);
     if (options.softwareSize) SetSetting(Setting::SoftwareSize, *options.softwareSize);
-    constexpr BoardChoice BOARDS[] = {BoardChoice::Auto, BoardChoice::Gpu, BoardChoice::Cpu};
-    if (options.board == BoardChoice::Auto) options.board = BOARDS[SettingValue(Setting::Board)];
-    const auto board = std::find(std::begin(BOARDS), std::end(BOARDS), options.board);
-    if (board != std::end(BOARDS)) SetSetting(Setting::Board, static_cast<int>(board - std::begin(BOARDS)));
+    if (options.board == BoardChoice::Auto) options.board = BOARD_CHOICES[SettingValue(Setting::Board)];
+    const auto board = std::find(std::begin(BOARD_CHOICES), std::end(BOARD_CHOICES), options.board);
+    if (board != std::end(BOARD_CHOICES))
+        SetSetting(Setting::Board, static_cast<int>(board - std::begin(BOARD_CHOICES)));
     if (options.boardScale == 0) options.boardScale = static_cast<uint32_t>(SettingValue(Setting::AcceleratorSize));
     SetSetting(Setting::AcceleratorSize, static_cast<int>(options.boardScale));
 }

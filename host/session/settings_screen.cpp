@@ -55,8 +55,8 @@ void Draw(int marked) {
 
 void Apply() {
     CurrentMachine->applySettings();
-    constexpr BoardChoice BOARDS[] = {BoardChoice::Auto, BoardChoice::Gpu, BoardChoice::Cpu};
-    ChangeBoard(BOARDS[SettingValue(Setting::Board)], static_cast<uint32_t>(SettingValue(Setting::AcceleratorSize)));
+    ChangeBoard(BOARD_CHOICES[SettingValue(Setting::Board)],
+                static_cast<uint32_t>(SettingValue(Setting::AcceleratorSize)));
 }
 
 std::bitset<KEY_COUNT> KeysDown() {
