@@ -1,8 +1,8 @@
-// The page in Chromium against the game in a window, each for SECONDS of the same level without a key pressed:
+// Compares the page in Chromium with the game in a window, each for SECONDS of the same level without a key pressed:
 //     node bench/page.mjs PAGE_FOLDER GAME [--seconds 20] [LEVEL...]
-// Prints pictures a second, the median and the longest time from one picture to the next, and processor time as the
-// share of one core: of the page all of Chromium's processes; of the game its own, under a virtual display, both drawn
-// by the software renderer and presented without a GPU.
+// Prints pictures a second, the median and the longest time from one picture to the next, and processor time as a share of
+// one core: that of all of Chromium's processes for the page, that of the game alone for the window, on a virtual display.
+// Both are drawn by the software renderer and shown without a graphics card.
 import { execFileSync, spawn } from 'node:child_process';
 import { mkdtempSync, readFileSync, readdirSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
@@ -24,7 +24,7 @@ function firstLine(program) {
     return new Promise((resolve) => program.stdout.once('data', (bytes) => resolve(bytes.toString().trim())));
 }
 
-// Of a process and all that it has started, in seconds.
+// The processor time of a process and of all that it has started, in seconds.
 function processorTime(root) {
     const rows = readdirSync('/proc').filter((name) => /^\d+$/.test(name)).flatMap((name) => {
         try {

@@ -152,7 +152,7 @@ await test('a level that cannot be fetched is told, and comes later', async () =
     await pictureCome(10);
 });
 
-// Otherwise it would not go round without a gap.
+// A track of another length would not go round without a gap.
 await test('packed music is as long as the track, to the sample', async () => {
     const differences = await browser.value(`(async () => {
         const rate = 44100, context = new OfflineAudioContext(2, 1, rate);
@@ -164,7 +164,7 @@ await test('packed music is as long as the track, to the sample', async () => {
     expect(differences.length === 2 && differences.every((samples) => Math.abs(samples) < 0.5), differences.join(' '));
 });
 
-// What the program says of a replay in node.
+// What the program prints for a replay in node.
 function replayInNode(name) {
     const options = ['--headless', '--data', '/levels/data', '--log', '/dev/null', '--replay', `/replay/${name}`];
     const program = [join(tests, '../host/backends/web/node_run.mjs'), join(pageFolder, '..'), tests];
@@ -173,7 +173,7 @@ function replayInNode(name) {
     });
 }
 
-// One after the other, beside those in the browser.
+// Replays in node one after the other, beside those in the browser.
 const recordings = readdirSync(join(folder, 'recordings')).filter((file) => file.endsWith('.rec'));
 const inNode = new Map();
 let last = Promise.resolve();

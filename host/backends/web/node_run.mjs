@@ -7,7 +7,7 @@ import { join, resolve } from 'node:path';
 import { pathToFileURL } from 'node:url';
 
 const [programFolder, root, ...options] = process.argv.slice(2);
-// Emscripten's own text takes node's modules for those of old.
+// Emscripten's own code expects node's older kind of modules.
 globalThis.require = createRequire(import.meta.url);
 globalThis.__dirname = resolve(programFolder);
 const { default: createTarnwick } = await import(pathToFileURL(resolve(programFolder, 'tarnwick.mjs')));

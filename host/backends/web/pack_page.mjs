@@ -1,4 +1,4 @@
-// Makes the folder that a server of files gives to browsers, of the program and the data folder:
+// Makes the folder that a server of files gives to browsers, from the program and the data folder:
 //     node pack_page.mjs PROGRAM_FOLDER DATA_FOLDER LEVELS_HEADER PAGE_FOLDER
 // Files are named by their contents, so that a new version never mixes with an old one, and packed by gzip. The same
 // input gives the same bytes. Prints a table of sizes.
@@ -57,13 +57,13 @@ function levelNames() {
     return [...rows].map(([, number, world]) => ({ number: Number(number), name: titleOf(Number(number), world) }));
 }
 
-// What its author calls it: the map's "message".
+// The level's name: the key "message" of its map.
 function titleOf(number, world) {
     const map = readFileSync(join(dirname(levelsHeader), `../../content/levels/level${number}/${world}.map`), 'utf8');
     return map.match(/"message" "([^"]*)"/)?.[1] ?? world;
 }
 
-// A tenth of the file's size, for browsers that can play it, and the file itself for those that cannot.
+// Packs a track twice: as Ogg Vorbis, a tenth of the size, and as it is, for browsers that cannot play that.
 function putTrack(path, file) {
     const name = path.replace(/flac$/, 'ogg');
     const ogg = execFileSync('oggenc', ['--quiet', '--serial', '1', '--quality', '4', '--output', '-', file],
@@ -71,7 +71,7 @@ function putTrack(path, file) {
     return [put(name, ogg, 'music'), put(path, readFileSync(file), 'music, for browsers that cannot play Ogg Vorbis')];
 }
 
-// Of a FLAC file, from its first block: 20 bits of rate, 36 of the number of samples. Milliseconds are rounded up.
+// The length of a FLAC file, from its first block: 20 bits of rate, 36 of the number of samples. Milliseconds are rounded up.
 function trackLength(file) {
     const head = readFileSync(file).subarray(0, 42);
     if (head.toString('latin1', 0, 4) !== 'fLaC') throw new Error(`${file} is not FLAC`);

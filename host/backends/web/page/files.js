@@ -1,5 +1,5 @@
-// The files of the data folder, which lie on the server packed by gzip, named by their contents. The game finds empty
-// files at their places; each is filled when it is opened for the first time.
+// The files of the data folder. On the server they are packed by gzip and named by their contents. The game finds empty
+// files at their places; each is filled when the game opens it for the first time.
 
 async function unpack(stream) {
     return new Uint8Array(await new Response(stream.pipeThrough(new DecompressionStream('gzip'))).arrayBuffer());
@@ -9,7 +9,7 @@ function isPacked(bytes) {
     return bytes.length > 2 && bytes[0] === 0x1F && bytes[1] === 0x8B;
 }
 
-// `tell` hears how much has come, 0 to 1, when the server says how much there is. Some servers unpack by themselves.
+// Calls tell(share), 0 to 1, as the bytes come, if the server says how many there are. Some servers unpack by themselves.
 export async function fetchBytes(url, tell = () => {}) {
     const response = await fetch(url);
     if (!response.ok) throw new Error(`${response.status} ${response.statusText}`.trim());
@@ -66,7 +66,7 @@ export class DataFiles {
         return Object.keys(this.files).filter((other) => other.replace(/\/[^/]*$/, '/') === folder);
     }
 
-    // `tell` hears the share that has come, and 1 at the end, if anything has to be fetched.
+    // If anything has to be fetched, calls tell(share) as it comes, and tell(1) at the end.
     async bring(FS, fullPath, tell) {
         if (!fullPath.startsWith(`${this.root}/`)) return;
         const path = fullPath.slice(this.root.length + 1);

@@ -1,6 +1,7 @@
 // Keyboard, mouse, touch and controllers of the browser, kept until the game asks (report).
 
-// The places of keys that the game may use; others stay the browser's. With Ctrl or the command key held, all do.
+// The places of the keys that the game may use; all other keys are left to the browser. While Ctrl or the command key is
+// held, all keys are.
 const BROWSERS_OWN = new Set(['F5', 'MetaLeft', 'MetaRight', 'ContextMenu']);
 // Browsers keep Escape for letting the pointer go and for leaving the full screen, so it has another key beside it.
 const OTHER_PLACES = { Backspace: 'Escape' };
@@ -9,7 +10,7 @@ const WHEEL_NOTCH = 120;
 const PAD_BUTTONS = [[0, 0], [1, 1], [2, 2], [3, 3], [8, 4], [9, 5], [4, 6], [12, 7], [13, 8], [14, 9], [15, 10]];
 const PAD_AXES = [[0, 0], [1, 1], [2, 2], [3, 3]];
 const PAD_TRIGGER = 7, PAD_TRIGGER_AXIS = 4;
-const STICK_REACH = 0.35;  // of the touch stick's width, from its middle, before a direction counts
+const STICK_REACH = 0.35;  // share of the touch stick's width, from its middle, from which a direction counts
 
 export class Input {
     constructor(stage) {

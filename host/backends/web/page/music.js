@@ -1,5 +1,5 @@
-// The disc's tracks, played by the browser: one at a time, round and round without a gap. Browsers allow sound from the
-// player's first key or click on.
+// The disc's tracks, which the browser plays one at a time, round and round without a gap. Browsers allow sound only after
+// the player's first key or click.
 
 export class Music {
     constructor(files) {
@@ -32,7 +32,7 @@ export class Music {
         this.attend();
     }
 
-    // Seconds; path null: silence. The same again goes on without a gap.
+    // Plays from the second `from` to the second `to`; path null: silence. A track that already sounds goes on without a gap.
     play(path, from = 0, to = 0) {
         const wanted = path && { path: path.replace(/^\/data\//, ''), from, to };
         if (JSON.stringify(wanted) === JSON.stringify(this.wanted)) return;
@@ -49,7 +49,7 @@ export class Music {
             if (!response.ok) throw new Error(`${url}: ${response.status}`);
             try {
                 return await this.context.decodeAudioData(await response.arrayBuffer());
-            } catch (refusal) {  // not a format that this browser plays
+            } catch (refusal) {  // this browser does not play the format
                 problem = refusal;
             }
         }

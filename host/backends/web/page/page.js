@@ -12,7 +12,7 @@ const coverButton = document.getElementById('cover-button');
 const rendererChoice = document.getElementById('renderer');
 
 let program, files;        // the program's bytes, and what the server has for it
-let running = 0;           // counts the starts: what belongs to an earlier one never goes on
+let running = 0;           // counts the starts of the game; what belongs to an earlier start is stopped
 const input = new Input(stage);
 const music = new Music(() => files);
 
@@ -41,7 +41,7 @@ function pressed(text, button) {
     });
 }
 
-// Again as often as the player likes: a page that has begun to play does not end because the network does.
+// Tries again as often as the player likes: a game that has begun does not end because the network fails.
 async function insist(what, attempt) {
     for (;;) {
         try {
@@ -53,7 +53,7 @@ async function insist(what, attempt) {
     }
 }
 
-// A canvas has one context for its life, so each start has one of its own.
+// A canvas keeps one context for its life, so each start of the game gets a new canvas.
 function freshCanvas() {
     const old = document.getElementById('screen');
     const canvas = old.cloneNode(false);
@@ -83,7 +83,7 @@ function hasWebGl() {
     }
 }
 
-// A message's task is no timer's: else the browser would stretch short naps to four milliseconds.
+// Short naps wait for a message, not for a timer, which the browser would stretch to four milliseconds.
 const hop = new MessageChannel();
 const hops = [];
 hop.port1.onmessage = () => hops.shift()();
@@ -100,7 +100,8 @@ function untilShown() {
     return new Promise((resolve) => document.addEventListener('visibilitychange', resolve, { once: true }));
 }
 
-// What the program calls. `alive`: whether this start is still the latest; what waits for an earlier one waits for ever.
+// The functions that the program calls. `alive`: whether this start is still the latest; what an earlier start waits for
+// never comes.
 function pageFor(canvas, module, alive, options) {
     const webGl = options.webGl !== false && hasWebGl();
     let pixelContext = null;
@@ -129,7 +130,7 @@ function pageFor(canvas, module, alive, options) {
         showPixels: (pixels, width, height) => {
             if (!pixelContext) {
                 pixelContext = canvas.getContext('2d');
-                if (!pixelContext) {  // it has a context of WebGL that did not do
+                if (!pixelContext) {  // the canvas has a context of WebGL that could not be used
                     canvas = freshCanvas();
                     pixelContext = canvas.getContext('2d');
                 }
@@ -143,7 +144,7 @@ function pageFor(canvas, module, alive, options) {
         },
         shown: () => {
             frames++;
-            window.tarnwick.moments?.push(performance.now());  // a measurement asks for them
+            window.tarnwick.moments?.push(performance.now());  // for bench/page.mjs
             if (!shownFirst) {
                 shownFirst = true;
                 hideCover();
@@ -262,7 +263,7 @@ function listWorlds() {
     }
 }
 
-// What is written on the keys of this keyboard, where the browser tells.
+// Shows the letters that are written on the keys of this keyboard, where the browser tells them.
 async function nameKeys() {
     const layout = await navigator.keyboard?.getLayoutMap?.().catch(() => null);
     if (!layout) return;

@@ -1,5 +1,5 @@
-// Keeps what was loaded, so that the page plays without a network. Files named by their contents never change; the page
-// itself is asked for anew whenever the server answers.
+// Keeps what was loaded, so that the page plays without a network. Files that are named by their contents never change; the
+// page itself is fetched again whenever the server answers.
 const KEEP = 'tarnwick %version%';
 
 self.addEventListener('install', () => self.skipWaiting());
