@@ -12,7 +12,7 @@ struct ShotRequest {
 };
 
 struct MotionRequest {
-    float point[3];    // of the world
+    float point[3];    // point of the world, world units
     std::string file;  // text
 };
 

@@ -73,7 +73,7 @@ const uint32_t* PictureScaler::Widened(const uint32_t* pixels, int row, int keep
 }
 
 void PictureScaler::Scale(const uint32_t* pixels, int first, int end, uint32_t* out, size_t pitch) {
-    wide_[0].source = wide_[1].source = -1;  // of another picture
+    wide_[0].source = wide_[1].source = -1;  // the rows kept are those of another picture
     const auto width = static_cast<size_t>(across_.shownSize);
     for (int y = first; y < end; ++y) {
         const auto [from, part] = down_.samples[static_cast<size_t>(y)];

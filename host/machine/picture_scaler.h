@@ -44,7 +44,7 @@ public:
 private:
     struct Sample {
         int from = 0;       // pixel or row of the picture; the next one, where there is one, has `part` of it
-        uint32_t part = 0;  // of MIX_WHOLE
+        uint32_t part = 0;  // share of the next one, 0 to MIX_WHOLE
     };
     struct Axis {
         int pictureSize = 0, shownSize = 0;

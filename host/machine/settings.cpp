@@ -54,7 +54,7 @@ static_assert(std::size(ENTRIES) == SETTING_COUNT);
 
 struct Value {
     int value = 0;
-    bool changed = false;  // by the player
+    bool changed = false;  // true: the player has changed it
 };
 
 std::array<Value, SETTING_COUNT> StartValues() {
@@ -109,7 +109,7 @@ std::string FileText(const SettingEntry& entry, int value) {
 }
 
 struct Line {
-    size_t index = SETTING_COUNT;  // of the setting; SETTING_COUNT: it names none
+    size_t index = SETTING_COUNT;  // number of the setting; SETTING_COUNT: the line names none
     std::optional<int> value;
     std::string problem;  // empty: none
 };

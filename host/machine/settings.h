@@ -18,10 +18,10 @@ enum class Setting {
     Scaling,          // a ScalingChoice
     SmoothPictures,   // 0, 1
     SteadyLamps,      // 0, 1
-    SoftwareSize,     // of the software renderer: 320 x 240, 512 x 384, 640 x 480
+    SoftwareSize,     // 0, 1, 2: the software renderer draws 320 x 240, 512 x 384, 640 x 480
     Board,            // place in BOARD_CHOICES
     AcceleratorSize,  // 0: as the window's size asks; 1..8
-    Brightness,       // of the shown picture, per cent
+    Brightness,       // brightness of the shown picture, per cent
     MouseSpeed,       // per cent
     MouseInverted,    // 0, 1: moving it away turns the view down
     Volume,           // per cent

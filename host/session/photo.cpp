@@ -17,7 +17,7 @@
 namespace {
 
 constexpr float SPEED = 300.0f, SPEED_WITH_SHIFT = 1200.0f;  // world units a second
-constexpr float COUNTS_A_DEGREE = 8.0f;                      // of the mouse
+constexpr float COUNTS_A_DEGREE = 8.0f;                      // motion of the mouse that turns the camera by a degree
 constexpr float PITCH_MOST = 89.0f;                          // degrees, up and down
 
 HostCamera frameCamera;

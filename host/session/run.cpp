@@ -85,7 +85,7 @@ std::optional<uint64_t> DigestPicture() {
     return digest.Value();
 }
 
-// Of the software renderer's pictures a recording holds those of the usual size, in which it is replayed.
+// A recording holds the software renderer's pictures of the usual size only, in which it is replayed.
 std::optional<uint32_t> LowHalf(const std::optional<uint64_t>& digest) {
     if (!digest || !RecordsPictures() || (ProgramScreenMode() && SettingValue(Setting::SoftwareSize) != 0)) return {};
     return static_cast<uint32_t>(*digest);

@@ -32,7 +32,7 @@ struct Wait {
     bool isDeferred = false;  // the frame's own picture has not been shown
 };
 Wait wait;
-uint32_t lastAnswer = 0;  // of the clock, to the game
+uint32_t lastAnswer = 0;  // what the clock answered the game last, ms
 uint32_t begunAt = 0;     // when the latest picture was begun
 bool isMeasured = true;   // the clock has been read since
 uint32_t cost = 0;        // how long a picture takes, as far as the last ones tell

@@ -38,14 +38,14 @@ struct View {
     Vec3 camera{}, angles{};
     Vec3 player{}, velocity{};
     std::vector<Vec3> points;        // the character's, in the world
-    std::vector<float> intensities;  // of the same points, as this frame draws them
+    std::vector<float> intensities;  // intensities of the same points, as this frame draws them
     LightSlot lights[LIGHT_SLOT_COUNT];
     std::vector<uint8_t> textures;  // TextureRemap
 };
 View before, latest;
 
 std::vector<uint8_t> frame;  // the software renderer's picture
-ViewTransform shown;         // of the latest picture
+ViewTransform shown;         // view of the latest picture
 
 Vec3 Mixed(const Vec3& from, const Vec3& to, float way) {
     const float rest = 1.0f - way;  // not from + (to - from) x way, so that both ends come out exactly

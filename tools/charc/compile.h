@@ -7,7 +7,7 @@
 struct CompiledCharacter {
     std::vector<OutputFile> files;  // relative to the folder they are for
     std::vector<ClipReport> clips;
-    std::vector<std::string> joints;  // of the bones
+    std::vector<std::string> joints;  // names of the joints that are the bones
     std::vector<std::string> notes;   // what the user should know, a line each
     size_t triangles = 0, points = 0;
 };

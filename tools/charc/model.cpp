@@ -206,7 +206,7 @@ private:
     GltfFile file_;
     const tinygltf::Model& gltf_;
     Model model_;
-    std::vector<Affine> rest_;      // of the nodes
+    std::vector<Affine> rest_;      // transforms of the nodes at rest
     std::vector<int> jointOfNode_;  // -1 for those that are none
 };
 

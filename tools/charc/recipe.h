@@ -28,7 +28,7 @@ struct ClipRecipe {
     ClipPlay play = ClipPlay::AS_IT_IS;
     std::vector<uint32_t> times;  // times of the keys; the first is CHARACTER_FIRST_TIME, the last the length
     std::array<std::vector<uint32_t>, CHARACTER_BONES>
-        ownTimes;  // of bones whose keys stand at other times; else empty
+        ownTimes;  // key times of bones whose keys stand at other times; else empty
 
     const std::vector<uint32_t>& TimesOf(size_t bone) const { return ownTimes[bone].empty() ? times : ownTimes[bone]; }
 };

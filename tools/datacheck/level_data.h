@@ -27,8 +27,8 @@ struct LevelData {
     // Engine memory that the character takes; while it has no files, what it is planned to take.
     size_t characterBytes = 450000;
 
-    // Of a level that is not written yet: the name of its map, where places lie in it, and what texture.bin will not
-    // show.
+    // For a level that is not written yet: the name of its map, where places lie in it, and the textures that
+    // texture.bin will not show.
     std::string map;
     std::optional<Placement> placement;
     std::vector<int> unseenSlots;

@@ -9,7 +9,7 @@ namespace {
 // What part of a side's pixels a pixel of another size covers.
 struct Cover {
     int first = 0;
-    std::vector<uint64_t> weights;  // of the pixels from `first` on
+    std::vector<uint64_t> weights;  // weights of the pixels from `first` on
 };
 
 std::vector<Cover> CoversOf(int from, int to) {

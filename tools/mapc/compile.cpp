@@ -42,7 +42,7 @@ void CheckStart(const Brushes& brushes, const PlayerStart& start) {
 struct UnreachedPart {
     Box box;
     size_t brushes = 0;
-    SourceLine line;  // of its first brush
+    SourceLine line;  // line of its first brush
 };
 
 // texturesSeen: for each face texture whether any of it is seen from where the player can be.

@@ -99,7 +99,7 @@ public:
                 Triangle(corners[start], corners[(start + 1) % corners.size()], corners[(start + 2) % corners.size()]);
             const double smallest = SmallestTriangle(corners, start);
             const double score = smallest > AREA_MIN ? smallest : std::min(first, AREA_MIN);
-            if (score <= bestScore + AREA_MIN * 0.1) continue;  // of equal ones the first stays
+            if (score <= bestScore + AREA_MIN * 0.1) continue;  // the first of equal ones stays
             bestScore = score;
             best = start;
         }

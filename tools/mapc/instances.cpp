@@ -137,7 +137,7 @@ public:
 private:
     struct Prefab {
         std::vector<MapEntity> entities;
-        size_t depth = 1;  // of prefabs within it, itself counted
+        size_t depth = 1;  // how deep prefabs are nested in it, itself counted
     };
 
     static void CheckCount(const SourceLine& line, size_t count, size_t most, const char* what) {
@@ -205,8 +205,8 @@ private:
     }
 
     const fs::path folder_;
-    std::vector<fs::path> chain_;       // of the maps that are being read, the outermost first
-    std::vector<size_t> depths_ = {1};  // of the same, as far as they have been read
+    std::vector<fs::path> chain_;       // paths of the maps that are being read, the outermost first
+    std::vector<size_t> depths_ = {1};  // depths of the same maps, as far as they have been read
     std::map<fs::path, Prefab> known_;
 };
 

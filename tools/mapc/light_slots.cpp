@@ -26,7 +26,7 @@ Vec3 Widened(const WorldVector& v) {
 
 struct Slot {
     LightSlotRecord record;
-    SourceLine line;  // of its light; none: steady lamps, the sun, the sky, or light that is everywhere
+    SourceLine line;  // line of its light in the map; none: steady lamps, the sun, the sky, or light that is everywhere
 };
 
 class SlotMaker {
@@ -261,7 +261,7 @@ private:
 
     const BakedLight& baked_;
     const SlotSources& sources_;
-    std::vector<Vec3> places_;  // of the baked light
+    std::vector<Vec3> places_;  // places at which the light was baked
     std::vector<Slot> slots_;
     LightSlotFile file_;
 };

@@ -21,7 +21,8 @@ double DiagonalOf(const WorldFile& world);  // engine units, of the box of all p
 // All counts of a finished world.
 std::vector<Count> CountWorld(const WorldFile& world, int treeDepth);
 
-constexpr double CONTACTS_REACH = 120 / 2 + double{GATHER_MARGIN};  // of a query, at the speed of a long fall
+// Reach of a query at the speed of a long fall, engine units.
+constexpr double CONTACTS_REACH = 120 / 2 + double{GATHER_MARGIN};
 struct Contacts {
     int count = 0;
     WorldVector place{};  // sphere centre

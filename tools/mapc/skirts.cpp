@@ -7,8 +7,8 @@
 namespace {
 
 // In engine units.
-constexpr double INSET = 8;         // of a skirt's lower edge behind the wall
-constexpr double SAMPLE_STEP = 48;  // of the places where a wall's thickness is felt for
+constexpr double INSET = 8;         // how far a skirt's lower edge lies behind the wall
+constexpr double SAMPLE_STEP = 48;  // distance between the places where a wall's thickness is measured
 constexpr double DEPTH_STEP = 8;
 constexpr double DEPTH_MAX = 136;  // thicker walls count as this
 constexpr double WIDTH_MIN = 128;  // narrower walls are taken as a whole

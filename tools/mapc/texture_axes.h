@@ -14,7 +14,7 @@ struct FaceTexture {
     Vec3 uAxis, vAxis;         // texels per map unit
     double uOffset = 0;        // texels
     double vOffset = 0;
-    SourceLine line;  // of the face in its map
+    SourceLine line;  // line of the face in its map
 
     double U(const Vec3& p) const { return (Dot(p, uAxis) + uOffset) * 256; }  // 1/256 texel, as the engine wants it
     double V(const Vec3& p) const { return (Dot(p, vAxis) + vOffset) * 256; }

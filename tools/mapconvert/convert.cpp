@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr double REPEAT_SCALE = 1;  // of a face that says none
+constexpr double REPEAT_SCALE = 1;  // scale of a face that says none
 const Image ANY_PICTURE(64, 64);
 
 // Areas of textures by name, and what stops a point, of brushes that are known to be sound.

@@ -19,7 +19,7 @@ enum class FaceUse { Painted, Sky, Clip, Unseen, LeftOut, Liquid };
 // What became of all entities of a class.
 struct Outcome {
     size_t count = 0;
-    int line = 0;  // of the first
+    int line = 0;  // line of the first
     std::string became;
     std::set<std::string> keys;  // that had no use
 };

@@ -22,7 +22,7 @@ struct Texture {
     std::string name;      // in the source
     std::string material;  // a name that files can have, or of the one whose picture it shares
     double area = 0;
-    int width = 0, height = 0;  // of the source's picture
+    int width = 0, height = 0;  // size of the source's picture, pixels
     Image image;
 };
 

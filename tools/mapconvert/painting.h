@@ -6,7 +6,7 @@
 #include "mapconvert/pictures.h"
 
 struct Painting {
-    std::map<std::string, Image> pictures;  // by the names of materials
+    std::map<std::string, Image> pictures;  // pictures by the names of their materials
     std::string sky;                        // the material that the sky shows, or empty
 };
 

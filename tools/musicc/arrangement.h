@@ -10,7 +10,7 @@ struct Note {
     int64_t start;   // samples from the start of the music
     int64_t length;  // samples for which it is held
     float pitch;
-    float fromPitch;   // from which it glides; its own when nothing came right before
+    float fromPitch;   // pitch from which the note glides; its own when no note came right before
     float level;       // its velocity and the section's ramp, as a factor
     float brightness;  // octaves added to the cutoff
     uint32_t seed;     // seed of its noise

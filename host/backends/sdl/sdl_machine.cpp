@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr auto KEYBOARD_NAP = 2ms;   // sleep of a loop that polls the keyboard until a key is down
 constexpr auto FRONT_END_NAP = 8ms;  // sleep of each poll before a level, where nothing moves
-constexpr int WAIT_MS = 20;          // of one turn of a wait: how late a controller may be heard
+constexpr int WAIT_MS = 20;          // length of one turn of a wait: how late a controller may be heard
 constexpr int UNSEEN_WAIT_MS = 100;  // the same without the focus, where only the keyboard and the mouse end a wait
 
 const auto startTime = std::chrono::steady_clock::now();

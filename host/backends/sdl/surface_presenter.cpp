@@ -141,10 +141,10 @@ private:
 
     SDL_Window* window;
     SDL_Surface* canvas = nullptr;  // see Canvas
-    std::optional<Layout> layout;   // of what the window shows; none: all of it must be drawn
+    std::optional<Layout> layout;   // layout of what the window shows; none: all of it must be drawn
     PictureArea area{};
     PictureScaler scaler;
-    int width = 0, height = 0;  // of the picture
+    int width = 0, height = 0;  // size of the picture in pixels
     std::vector<uint32_t> shown, bright;
     std::vector<uint32_t> overlay, wideOverlay;  // empty: there is none
     int overlayWidth = 0, overlayHeight = 0;
