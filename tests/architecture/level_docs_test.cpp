@@ -131,8 +131,12 @@ TEST(LevelDocs, TellTheLimits) {
 TEST(LevelDocs, TellWhatIsInWhichLevels) {
     for (const LevelRow& row : LEVEL_ROWS)
         EXPECT_TRUE(row.track == LEVEL_ROWS[0].track || row.track == LEVEL_ROWS[1].track) << "the docs tell of two";
-    ExpectIn({"docs/headless.md", "docs/music.md"},
-             "Levels " + LevelsWhere([](const LevelRow& row) { return row.track == LEVEL_ROWS[0].track; }) + " play ");
+    const auto levelsOfTrack = [](int track) {
+        return LevelsWhere([=](const LevelRow& row) { return row.track == track; });
+    };
+    ExpectIn({"docs/headless.md", "docs/music.md"}, "Levels " + levelsOfTrack(LEVEL_ROWS[0].track) + " play ");
+    ExpectIn({"content/music/track02.toml"}, "for levels " + levelsOfTrack(2) + ":");
+    ExpectIn({"content/music/track03.toml"}, "for levels " + levelsOfTrack(3) + ":");
     ExpectIn({"docs/skies.md"}, "Levels " + LevelsWhere([](const LevelRow& row) { return row.sky == LevelSky::OPEN; }) +
                                     " lie under a sky");
     ExpectIn({"docs/character.md"},
