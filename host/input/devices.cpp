@@ -1,5 +1,6 @@
 #include "input/devices.h"
 
+#include "input/key_bindings.h"
 #include "input/message_queue.h"
 #include "input/session_hooks.h"
 #include "machine/machine.h"
@@ -9,17 +10,16 @@
 
 namespace {
 
-constexpr int SOURCE_COUNT = 3;
 constexpr int BUTTON_COUNT = 4;
 constexpr uint8_t STATE_DOWN = 0x80;
 
 struct SourceState {
     std::bitset<KEY_COUNT> keys;
+    std::bitset<KEY_COUNT> pulses;  // down at the next poll, whatever `keys` is by then
     std::bitset<BUTTON_COUNT> buttons;
 };
 
-SourceState sources[SOURCE_COUNT];
-std::bitset<KEY_COUNT> pulses;
+SourceState sources[KEY_SOURCES];
 int64_t motion[3];  // x, y, wheel
 bool focused = true;
 uint32_t focusLosses = 0;
@@ -38,7 +38,7 @@ SourceState& StateOf(KeySource source) {
 
 void LetGo() {
     StateOf(KeySource::Keyboard) = StateOf(KeySource::Script) = {};
-    pulses.reset();
+    DropPulses();
     std::fill(std::begin(motion), std::end(motion), 0);
 }
 
@@ -46,7 +46,7 @@ void LetGo() {
 
 void DeviceKey(KeySource source, uint8_t scanCode, bool down) {
     StateOf(source).keys[scanCode] = down;
-    if (down && source != KeySource::Script) PulseKey(scanCode);
+    if (down && source != KeySource::Script) StateOf(source).pulses.set(scanCode);
 }
 
 void DeviceMouseMotion(int x, int y, int wheel) {
@@ -69,7 +69,7 @@ void DeviceFocus(bool gained) {
         LetGo();
         SetMouseAcquired(false);
     }
-    pulses.reset();  // a pad reports without the focus, too
+    DropPulses();  // a pad reports without the focus, too
     PostToWindow(WM_ACTIVATEAPP, gained ? 1 : 0, 0);
 }
 
@@ -90,20 +90,35 @@ bool DeviceMouseWanted() {
 }
 
 void PulseKey(uint8_t scanCode) {
-    pulses.set(scanCode);
+    StateOf(KeySource::Script).pulses.set(scanCode);
+}
+
+std::bitset<KEY_COUNT> TakeKeysOf(KeySource source) {
+    SourceState& state = StateOf(source);
+    const std::bitset<KEY_COUNT> down = state.keys | state.pulses;
+    state.pulses.reset();
+    return down;
 }
 
 void TakeKeys(uint8_t* keys) {
-    std::bitset<KEY_COUNT> down = pulses;
-    for (const SourceState& source : sources)
-        down |= source.keys;
+    std::bitset<KEY_COUNT> down = TakeKeysOf(KeySource::Pad) | TakeKeysOf(KeySource::Script);
+    const std::bitset<KEY_COUNT> keyboard = TakeKeysOf(KeySource::Keyboard);
+    const bool inLevel = mouseUse != MouseUse::None;
+    if (!inLevel) {
+        down |= keyboard;
+    } else if (keyboard.any()) {
+        const std::array<uint8_t, KEY_COUNT> meanings = KeyMeanings();
+        for (size_t code = 0; code < KEY_COUNT; ++code)
+            if (keyboard[code]) down.set(meanings[code]);
+        down.reset(0);
+    }
     for (size_t code = 0; code < KEY_COUNT; ++code)
         keys[code] = down[code] ? STATE_DOWN : 0;
-    pulses.reset();
 }
 
 void DropPulses() {
-    pulses.reset();
+    for (SourceState& source : sources)
+        source.pulses.reset();
 }
 
 void TakeMouse(DIMOUSESTATE& state) {

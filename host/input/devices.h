@@ -4,6 +4,8 @@
 
 #include "host/dinput.h"
 
+#include <bitset>
+#include <cstddef>
 #include <cstdint>
 
 constexpr int KEY_COUNT = 256;
@@ -11,6 +13,7 @@ constexpr int KEY_COUNT = 256;
 // Who holds a key down. Each source has its own table, and a key is down while any source holds it: one source's
 // release never lets go of another's key.
 enum class KeySource { Keyboard, Pad, Script };
+constexpr size_t KEY_SOURCES = 3;
 
 // --- What back ends and scripts report.
 // A key of the keyboard or of a pad that goes down is down at the next keyboard poll, even if it is up again by then. A
@@ -24,9 +27,10 @@ void DeviceFocus(bool gained);
 void DeviceCloseRequest();        // the window's close button: SessionHooks::requestClose
 void PulseKey(uint8_t scanCode);  // down for exactly the next keyboard poll
 
-// --- What the mouse steers, which the session knows. A machine holds the pointer only there (DeviceMouseUse).
+// --- What the mouse steers, which the session knows. A machine holds the pointer only there (DeviceMouseUse), and the
+// keyboard's keys do what the player has chosen for them (input/key_bindings.h) only where it steers.
 enum class MouseUse {
-    None,        // the screens before a level
+    None,        // the screens before a level, and the settings screen
     WithButton,  // the camera, while a button is down
     Always,      // the free camera
 };
@@ -34,11 +38,12 @@ void SetMouseUse(MouseUse use);
 MouseUse DeviceMouseUse();
 
 // --- What the game's input calls take.
-void TakeKeys(uint8_t* keys);          // KEY_COUNT bytes, 0x80 = down; ends the pulses
-void DropPulses();                     // a poll that failed
-void TakeMouse(DIMOUSESTATE& state);   // the sums since the last call, and the buttons
-void SetMouseAcquired(bool acquired);  // captures or frees the pointer
-bool DeviceMouseWanted();              // the game has the mouse acquired
+void TakeKeys(uint8_t* keys);                         // KEY_COUNT bytes, 0x80 = down; ends the pulses
+std::bitset<KEY_COUNT> TakeKeysOf(KeySource source);  // the keys of one source, as they are called on it
+void DropPulses();                                    // a poll that failed
+void TakeMouse(DIMOUSESTATE& state);                  // the sums since the last call, and the buttons
+void SetMouseAcquired(bool acquired);                 // captures or frees the pointer
+bool DeviceMouseWanted();                             // the game has the mouse acquired
 bool HasFocus();
 uint32_t FocusLosses();  // so far: what was acquired before a loss is acquired no more
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <iterator>
 #include <map>
 
 namespace {
@@ -28,6 +29,16 @@ enum PadInput {
 constexpr int Of(PadButton button) {
     return static_cast<int>(button);
 }
+
+// The names of all inputs, in the order of PadInput, by PadKind.
+constexpr std::string_view INPUT_NAMES[][PAD_INPUTS] = {
+    {"A", "B", "X", "Y", "Back", "Start", "LB", "D-pad up", "D-pad down", "D-pad left", "D-pad right", "RB", "stick up",
+     "stick down", "stick left", "stick right", "RT"},
+    {"Cross", "Circle", "Square", "Triangle", "Share", "Options", "L1", "D-pad up", "D-pad down", "D-pad left",
+     "D-pad right", "R1", "stick up", "stick down", "stick left", "stick right", "R2"},
+    {"A", "B", "X", "Y", "-", "+", "L", "D-pad up", "D-pad down", "D-pad left", "D-pad right", "R", "stick up",
+     "stick down", "stick left", "stick right", "ZR"},
+};
 
 struct PadKey {
     int input;
@@ -59,9 +70,11 @@ constexpr PadKey PAD_KEYS[] = {
 struct Pad {
     std::bitset<PAD_INPUTS> held;
     float turnX = 0, turnY = 0;  // -1..1
+    PadKind kind = PadKind::Letters;
 };
 
 std::map<int, Pad> pads;
+int latestPad = 0;
 std::bitset<256> keysDown;
 bool turning = false;
 float countsLeftX = 0, countsLeftY = 0;  // fractions of a count, kept for the next report
@@ -95,6 +108,25 @@ int WholeCounts(float& counts) {
 }
 
 }  // namespace
+
+void PadCame(int pad, PadKind kind) {
+    pads[pad].kind = kind;
+    latestPad = pad;
+}
+
+std::string PadNameOf(uint8_t scanCode) {
+    const auto pad = pads.contains(latestPad) ? pads.find(latestPad) : pads.begin();
+    if (pad == pads.end()) return {};
+    const auto key = std::find_if(std::begin(PAD_KEYS), std::end(PAD_KEYS),
+                                  [&](const PadKey& candidate) { return candidate.scanCode == scanCode; });
+    if (key == std::end(PAD_KEYS)) return {};
+    return std::string(INPUT_NAMES[static_cast<size_t>(pad->second.kind)][key->input]);
+}
+
+std::string WithPadName(std::string_view keyName, uint8_t scanCode) {
+    const std::string name = PadNameOf(scanCode);
+    return name.empty() ? std::string(keyName) : std::string(keyName).append(" or ").append(name);
+}
 
 void PadPress(int pad, PadButton button, bool down) {
     pads[pad].held[static_cast<size_t>(button)] = down;

@@ -9,6 +9,7 @@ constexpr HostGame NO_GAME = {.program = "host",
                               .levelKeys = {},
                               .softwareKey = 0,
                               .acceleratorKey = 0,
+                              .keys = {},
                               .drawBetween = nullptr,
                               .drawFrom = nullptr,
                               .pointOnScreen = nullptr};

@@ -40,6 +40,9 @@ struct Machine {
     void (*showOverlay)(const Picture* overlay);
     // The player has changed machine/settings.h. Null: the machine shows nothing that these settings change.
     void (*applySettings)();
+    // What is printed on a key of the user's keyboard, by its scan code; in the characters that machine/overlay.h has.
+    // Null: nobody looks.
+    std::string (*keyLabel)(uint8_t scanCode);
     void (*setMouseCaptured)(bool captured);  // relative mouse mode, pointer hidden
     // Called before a file of the data folder is opened for reading, for a machine that gets its files from elsewhere.
     // Null: they are all there.

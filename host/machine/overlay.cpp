@@ -113,8 +113,45 @@ constexpr uint8_t GLYPHS[LAST_GLYPH - FIRST_GLYPH + 1][GLYPH_WIDTH] = {
 };
 
 const uint8_t* GlyphOf(char character) {
-    const bool known = character >= FIRST_GLYPH && character <= LAST_GLYPH;
-    return GLYPHS[(known ? character : '?') - FIRST_GLYPH];
+    return GLYPHS[character - FIRST_GLYPH];
+}
+
+// The letters U+00C0 to U+00FF, each as one of the glyphs with a mark over or below it.
+constexpr char32_t FIRST_LETTER = 0xC0, LAST_LETTER = 0xFF;
+constexpr std::string_view LETTERS = "AAAAAAACEEEEIIIIDNOOOOOxOUUUUYPsaaaaaaaceeeeiiiidnooooo:ouuuuypy";
+constexpr std::string_view LETTER_MARKS = "`'^~:o.,`'^:`'^:-~`'^~: /`'^:'..`'^~:o.,`'^:`'^:-~`'^~: /`'^:'.:";
+static_assert(LETTERS.size() == LAST_LETTER - FIRST_LETTER + 1 && LETTER_MARKS.size() == LETTERS.size());
+
+struct Mark {
+    char name;
+    uint8_t columns[GLYPH_WIDTH];  // the lowest bit on top
+    int top;                       // of a capital: rows below the top of the line
+};
+
+constexpr Mark MARKS[] = {
+    {'`', {0, 1, 2, 0, 0}, -3}, {'\'', {0, 0, 2, 1, 0}, -3}, {'^', {0, 2, 1, 2, 0}, -3},
+    {'~', {2, 1, 1, 2, 1}, -3}, {':', {0, 1, 0, 1, 0}, -2},  {'o', {0, 2, 5, 2, 0}, -4},
+    {',', {0, 0, 2, 1, 0}, 7},  {'-', {8, 8, 0, 0, 0}, 0},   {'/', {64, 16, 8, 4, 1}, 0},
+};
+
+struct Letter {
+    char glyph;
+    char mark;  // a name in MARKS; any other: none
+};
+
+// Takes a character off `text`, which is not empty. What is not known becomes a question mark.
+Letter TakeLetter(std::string_view& text) {
+    const auto first = static_cast<uint8_t>(text.front());
+    text.remove_prefix(1);
+    if (first < 0x80) return {first >= FIRST_GLYPH && first <= LAST_GLYPH ? static_cast<char>(first) : '\0', ' '};
+    char32_t code = first & 0x1F;
+    size_t rest = 0;
+    for (; !text.empty() && (static_cast<uint8_t>(text.front()) & 0xC0) == 0x80; ++rest) {
+        code = code << 6 | (static_cast<uint8_t>(text.front()) & 0x3F);
+        text.remove_prefix(1);
+    }
+    if (rest != 1 || first >= 0xE0 || code < FIRST_LETTER || code > LAST_LETTER) return {'\0', ' '};
+    return {LETTERS[code - FIRST_LETTER], LETTER_MARKS[code - FIRST_LETTER]};
 }
 
 void Show(const Overlay& overlay) {
@@ -131,18 +168,40 @@ void Overlay::Fill(int x, int y, int width, int height, uint32_t colour) {
             pixels_[static_cast<size_t>(row * OVERLAY_WIDTH + column)] = colour;
 }
 
+void Overlay::DrawColumns(int x, int y, const uint8_t* columns, uint32_t colour) {
+    for (int column = 0; column < GLYPH_WIDTH; ++column)
+        for (int row = 0; row < GLYPH_HEIGHT; ++row)
+            if (columns[column] >> row & 1) Fill(x + column, y + row, 1, 1, colour);
+}
+
 void Overlay::Write(int x, int y, std::string_view text, uint32_t colour) {
-    for (const char character : text) {
-        const uint8_t* columns = GlyphOf(character);
-        for (int column = 0; column < GLYPH_WIDTH; ++column)
-            for (int row = 0; row < GLYPH_HEIGHT; ++row)
-                if (columns[column] >> row & 1) Fill(x + column, y + row, 1, 1, colour);
+    constexpr int ROWS_LOWER = 2;  // that a small letter is than a capital
+    while (!text.empty()) {
+        const Letter letter = TakeLetter(text);
+        DrawColumns(x, y, GlyphOf(letter.glyph != 0 ? letter.glyph : '?'), colour);
+        const bool small = letter.glyph >= 'a' && letter.glyph <= 'z';
+        for (const Mark& mark : MARKS)
+            if (mark.name == letter.mark)
+                DrawColumns(x, y + mark.top + (small && mark.top < 0 ? ROWS_LOWER : 0), mark.columns, colour);
         x += OVERLAY_CHARACTER_WIDTH;
     }
 }
 
 void Overlay::WriteCentred(int y, std::string_view text, uint32_t colour) {
-    Write((OVERLAY_WIDTH - static_cast<int>(text.size()) * OVERLAY_CHARACTER_WIDTH) / 2, y, text, colour);
+    Write((OVERLAY_WIDTH - TextWidth(text)) / 2, y, text, colour);
+}
+
+bool CanWrite(std::string_view text) {
+    while (!text.empty())
+        if (TakeLetter(text).glyph == 0) return false;
+    return true;
+}
+
+int TextWidth(std::string_view text) {
+    int characters = 0;
+    for (; !text.empty(); ++characters)
+        TakeLetter(text);
+    return characters * OVERLAY_CHARACTER_WIDTH;
 }
 
 void ShowOverlay(const Overlay& overlay) {

@@ -66,6 +66,14 @@ std::array<Value, SETTING_COUNT> StartValues() {
 
 std::array<Value, SETTING_COUNT> values = StartValues();
 
+struct TextEntry {
+    TextSetting setting;
+    std::string text;
+    bool changed = false;  // by the player
+};
+
+std::vector<TextEntry> texts;  // numbered from SETTING_COUNT on where both kinds are
+
 const SettingEntry& EntryOf(Setting setting) {
     return ENTRIES[static_cast<size_t>(setting)];
 }
@@ -108,10 +116,56 @@ std::string FileText(const SettingEntry& entry, int value) {
     return entry.choices.empty() ? std::to_string(value) : std::string(entry.choices[static_cast<size_t>(value)]);
 }
 
+// Of both kinds of settings.
+size_t EntryCount() {
+    return SETTING_COUNT + texts.size();
+}
+
+TextEntry& TextOf(size_t index) {
+    return texts[index - SETTING_COUNT];
+}
+
+std::string_view KeyOf(size_t index) {
+    return index < SETTING_COUNT ? ENTRIES[index].key : std::string_view(TextOf(index).setting.key);
+}
+
+std::string_view CommentOf(size_t index) {
+    return index < SETTING_COUNT ? ENTRIES[index].comment : std::string_view(TextOf(index).setting.comment);
+}
+
+std::string ExpectedOf(size_t index) {
+    return index < SETTING_COUNT ? Expected(ENTRIES[index]) : TextOf(index).setting.expected;
+}
+
+std::string FileTextOf(size_t index) {
+    return index < SETTING_COUNT ? FileText(ENTRIES[index], values[index].value) : TextOf(index).text;
+}
+
+std::string StartTextOf(size_t index) {
+    return index < SETTING_COUNT ? FileText(ENTRIES[index], ENTRIES[index].start) : TextOf(index).setting.start;
+}
+
+bool ChangedByPlayer(size_t index) {
+    return index < SETTING_COUNT ? values[index].changed : TextOf(index).changed;
+}
+
+bool Understands(size_t index, std::string_view text) {
+    if (index >= SETTING_COUNT) return TextOf(index).setting.understands(text);
+    return ParseValue(ENTRIES[index], text).has_value();
+}
+
+// A text that it understands.
+void Take(size_t index, std::string_view text) {
+    if (index < SETTING_COUNT)
+        values[index].value = *ParseValue(ENTRIES[index], text);
+    else
+        TextOf(index).text = text;
+}
+
 struct Line {
-    size_t index = SETTING_COUNT;  // number of the setting; SETTING_COUNT: the line names none
-    std::optional<int> value;
-    std::string problem;  // empty: none
+    std::optional<size_t> index;  // number of the setting; none: the line gives none
+    std::string_view text;        // its value
+    std::string problem;          // empty: none
 };
 
 Line ParseLine(std::string_view line) {
@@ -119,14 +173,14 @@ Line ParseLine(std::string_view line) {
     if (text.empty()) return {};
     const size_t equals = text.find('=');
     const std::string_view key = Trimmed(text.substr(0, equals));
-    const auto entry = std::find_if(std::begin(ENTRIES), std::end(ENTRIES),
-                                    [&](const SettingEntry& candidate) { return candidate.key == key; });
-    if (equals == std::string_view::npos) return {SETTING_COUNT, {}, "a line must be `key = value`"};
-    if (entry == std::end(ENTRIES)) return {SETTING_COUNT, {}, "there is no setting of this name"};
-    const auto index = static_cast<size_t>(entry - std::begin(ENTRIES));
-    const std::optional<int> value = ParseValue(*entry, Trimmed(text.substr(equals + 1)));
-    if (value) return {index, value, {}};
-    return {index, {}, std::string(entry->key) + " must be one of: " + Expected(*entry)};
+    if (equals == std::string_view::npos) return {{}, {}, "a line must be `key = value`"};
+    size_t index = 0;
+    while (index < EntryCount() && KeyOf(index) != key)
+        ++index;
+    if (index == EntryCount()) return {{}, {}, "there is no setting of this name"};
+    const std::string_view value = Trimmed(text.substr(equals + 1));
+    if (Understands(index, value)) return {index, value, {}};
+    return {{}, {}, std::string(key) + " must be one of: " + ExpectedOf(index)};
 }
 
 // Calls take(line, number) for each line, without its end.
@@ -139,10 +193,12 @@ void ForEachLine(std::string_view text, Take take) {
     }
 }
 
+// What only the command line says stays out of the file.
 void AppendEntry(std::string& text, size_t index) {
-    const SettingEntry& entry = ENTRIES[index];
-    text.append("\n# ").append(entry.comment).append(" (").append(Expected(entry)).append(")\n");
-    text.append(entry.key).append(" = ").append(FileText(entry, values[index].value)).append("\n");
+    const std::string_view comment = CommentOf(index);
+    if (!comment.empty()) text.append("\n# ").append(comment).append(" (").append(ExpectedOf(index)).append(")\n");
+    text.append(KeyOf(index)).append(" = ").append(ChangedByPlayer(index) ? FileTextOf(index) : StartTextOf(index));
+    text.append("\n");
 }
 
 void Change(Setting setting, int value) {
@@ -183,6 +239,8 @@ void StepSetting(Setting setting, int steps) {
 
 void ResetSettings() {
     values = StartValues();
+    for (TextEntry& entry : texts)
+        entry = {entry.setting, entry.setting.start};
 }
 
 std::string_view SettingLabel(Setting setting) {
@@ -203,7 +261,7 @@ std::vector<std::string> ReadSettings(std::string_view text, const std::string& 
     std::vector<std::string> problems;
     ForEachLine(text, [&](std::string_view line, size_t number) {
         const Line parsed = ParseLine(line);
-        if (parsed.value) values[parsed.index].value = *parsed.value;
+        if (parsed.index) Take(*parsed.index, parsed.text);
         if (!parsed.problem.empty()) problems.push_back(name + ":" + std::to_string(number) + ": " + parsed.problem);
     });
     return problems;
@@ -211,27 +269,47 @@ std::vector<std::string> ReadSettings(std::string_view text, const std::string& 
 
 std::string UpdateSettings(std::string_view text) {
     std::string updated = text.empty() ? "# Settings of the game. The settings screen (F10) changes them.\n" : "";
-    std::array<bool, SETTING_COUNT> present{};
+    std::vector<bool> present(EntryCount());
     ForEachLine(text, [&](std::string_view line, size_t) {
         const Line parsed = ParseLine(line);
         if (!parsed.problem.empty()) {
             updated.append("# not understood: ").append(line);
-        } else if (parsed.value && values[parsed.index].changed) {
-            updated.append(ENTRIES[parsed.index].key).append(" = ");
-            updated.append(FileText(ENTRIES[parsed.index], values[parsed.index].value));
+        } else if (parsed.index && ChangedByPlayer(*parsed.index)) {
+            updated.append(KeyOf(*parsed.index)).append(" = ").append(FileTextOf(*parsed.index));
             const size_t comment = line.find('#');
             if (comment != std::string_view::npos) updated.append("  ").append(line.substr(comment));
         } else {
             updated.append(line);
         }
         updated.append("\n");
-        if (parsed.value) present[parsed.index] = true;
+        if (parsed.index) present[*parsed.index] = true;
     });
-    for (size_t i = 0; i < SETTING_COUNT; ++i)
-        if (!present[i] && (text.empty() || values[i].changed)) AppendEntry(updated, i);
+    for (size_t i = 0; i < EntryCount(); ++i)
+        if (!present[i] && (text.empty() || ChangedByPlayer(i))) AppendEntry(updated, i);
     return updated;
 }
 
 bool SettingsChanged() {
-    return std::any_of(values.begin(), values.end(), [](const Value& value) { return value.changed; });
+    bool changed = false;
+    for (size_t i = 0; i < EntryCount(); ++i)
+        changed = changed || ChangedByPlayer(i);
+    return changed;
+}
+
+size_t AddTextSetting(TextSetting setting) {
+    const auto same = [&](const TextEntry& entry) { return entry.setting.key == setting.key; };
+    auto place = std::find_if(texts.begin(), texts.end(), same);
+    if (place == texts.end()) place = texts.insert(place, TextEntry{});
+    *place = {setting, setting.start};
+    return static_cast<size_t>(place - texts.begin());
+}
+
+const std::string& TextSettingValue(size_t number) {
+    return texts[number].text;
+}
+
+void ChangeTextSetting(size_t number, std::string_view text) {
+    if (texts[number].text == text) return;
+    texts[number].text = text;
+    texts[number].changed = true;
 }

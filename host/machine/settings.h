@@ -8,6 +8,7 @@
 #include "machine/options.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,19 @@ struct SettingsPreset {
     void (*apply)();  // as the player does
 };
 extern const SettingsPreset ORIGINAL_PRESET, COMFORT_PRESET;
+
+// A setting that is text, such as a key's name: it belongs to another part of the machine, which knows what it may be.
+// Kept in the file with the others, among which it stands last.
+struct TextSetting {
+    std::string key;
+    std::string comment;  // empty: it goes on with those before it
+    std::string start;    // the text without a file
+    std::function<bool(std::string_view)> understands;
+    std::string expected;  // what it understands, for people
+};
+size_t AddTextSetting(TextSetting setting);  // returns its number; one of the same key is replaced
+const std::string& TextSettingValue(size_t number);
+void ChangeTextSetting(size_t number, std::string_view text);  // as the player does
 
 // Takes the settings in `text` and returns what is wrong with it: one "name:line: ..." for each bad line.
 std::vector<std::string> ReadSettings(std::string_view text, const std::string& name);

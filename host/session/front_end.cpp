@@ -2,6 +2,7 @@
 
 #include "input/devices.h"
 #include "input/keys.h"
+#include "input/pads.h"
 #include "interfaces/display.h"
 #include "machine/game.h"
 #include "machine/overlay.h"
@@ -66,7 +67,10 @@ void ShowChoice(const Choice& choice) {
     Overlay overlay;
     overlay.Fill(0, PANEL_TOP, OVERLAY_WIDTH, PANEL_HEIGHT, OVERLAY_PANEL);
     overlay.WriteCentred(PANEL_TOP + 5, "<  " + choice.name + "  >", OVERLAY_TEXT);
-    overlay.WriteCentred(PANEL_TOP + 17, "Enter or A: go    Escape or Back: back", OVERLAY_QUIET_TEXT);
+    overlay.WriteCentred(PANEL_TOP + 17,
+                         WithPadName("Enter", KeyCode("RETURN")) + ": go    " + WithPadName("Escape", DIK_ESCAPE) +
+                             ": back",
+                         OVERLAY_QUIET_TEXT);
     ShowOverlay(overlay);
     choiceShown = true;
 }

@@ -2,6 +2,7 @@
 
 #include "boards/boards.h"
 #include "host/files.h"
+#include "input/key_bindings.h"
 #include "interfaces/cd_drive.h"
 #include "interfaces/files.h"
 #include "machine/game.h"
@@ -92,6 +93,7 @@ int RunProgram(int argumentCount, char** arguments, const HostParts& parts, cons
     Script script;
     if (!RecordsOrWatches(options) || !LoadOptionScript(options, script) || !LoadReplay(options) || !StartLog(options))
         return STATUS_WRONG_INPUT;
+    StartKeyBindings();
     LoadSettings(options);
     OpenMachine(options, parts);
     if (!OpenData(options) || !StartRun(options, std::move(script))) {

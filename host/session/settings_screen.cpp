@@ -3,11 +3,14 @@
 #include "boards/boards.h"
 #include "input/devices.h"
 #include "input/keys.h"
+#include "input/pads.h"
 #include "machine/clock.h"
 #include "machine/machine.h"
 #include "machine/overlay.h"
 #include "machine/settings.h"
 #include "session/closing.h"
+#include "session/key_hits.h"
+#include "session/keys_screen.h"
 #include "session/photo.h"
 #include "session/settings_file.h"
 
@@ -20,12 +23,13 @@ constexpr uint8_t SCREEN_KEY = KeyCode("F10");
 constexpr int LEFT = 40, RIGHT = 280, TOP = 24, ROW_HEIGHT = 11;
 constexpr uint32_t MARKED_ROW = 0xFF4A3A18;
 
-enum Row { ROW_ORIGINAL = static_cast<int>(SETTING_COUNT), ROW_COMFORT, ROW_PHOTO, ROW_LEAVE, ROW_COUNT };
+enum Row { ROW_KEYS = static_cast<int>(SETTING_COUNT), ROW_ORIGINAL, ROW_COMFORT, ROW_PHOTO, ROW_LEAVE, ROW_COUNT };
 
 std::bitset<KEY_COUNT> muted;  // held since the screen was open: up for the game until they are let go
 
 std::string RowName(int row) {
     switch (row) {
+    case ROW_KEYS: return "Keys";
     case ROW_ORIGINAL: return "Set all as the original";
     case ROW_COMFORT: return "Set for comfort";
     case ROW_PHOTO: return "Photo mode";
@@ -42,14 +46,15 @@ void Draw(int marked) {
         const int y = TOP + 6 + row * ROW_HEIGHT;
         if (row == marked) overlay.Fill(LEFT - 4, y - 3, RIGHT - LEFT + 8, ROW_HEIGHT, MARKED_ROW);
         overlay.Write(LEFT, y, RowName(row), OVERLAY_TEXT);
-        if (row >= ROW_ORIGINAL) continue;
+        if (row >= ROW_KEYS) continue;
         const std::string value = "< " + SettingText(static_cast<Setting>(row)) + " >";
         overlay.Write(RIGHT - static_cast<int>(value.size()) * OVERLAY_CHARACTER_WIDTH, y, value,
                       row == marked ? OVERLAY_TEXT : OVERLAY_QUIET_TEXT);
     }
-    const std::string_view hint = marked < ROW_ORIGINAL ? SettingHint(static_cast<Setting>(marked)) : "";
-    overlay.WriteCentred(TOP + 10 + ROW_COUNT * ROW_HEIGHT,
-                         hint.empty() ? "arrows: choose, change   Escape: back" : hint, OVERLAY_QUIET_TEXT);
+    std::string hint = "arrows: choose, change   " + WithPadName("Escape", DIK_ESCAPE) + ": back";
+    if (marked < ROW_KEYS && !SettingHint(static_cast<Setting>(marked)).empty())
+        hint = SettingHint(static_cast<Setting>(marked));
+    overlay.WriteCentred(TOP + 10 + ROW_COUNT * ROW_HEIGHT, hint, OVERLAY_QUIET_TEXT);
     ShowOverlay(overlay);
 }
 
@@ -59,24 +64,18 @@ void Apply() {
                 static_cast<uint32_t>(SettingValue(Setting::AcceleratorSize)));
 }
 
-std::bitset<KEY_COUNT> KeysDown() {
-    uint8_t keys[KEY_COUNT];
-    TakeKeys(keys);
-    std::bitset<KEY_COUNT> down;
-    for (size_t code = 0; code < KEY_COUNT; ++code)
-        down[code] = keys[code] != 0;
-    return down;
-}
-
 // What the player leaves the screen for.
 enum class Leaving { Game, Photo };
 
 // `steps`: -1 or 1 by the arrows, 0 by Enter.
-void Change(int row, int steps) {
-    if (row < ROW_ORIGINAL) {
+void Change(KeyHits& hits, int row, int steps) {
+    if (row < ROW_KEYS) {
         StepSetting(static_cast<Setting>(row), steps == 0 ? 1 : steps);
     } else if (steps == 0 && row == ROW_LEAVE) {
         RequestClose();
+        return;
+    } else if (steps == 0 && row == ROW_KEYS) {
+        RunKeysScreen(hits);
         return;
     } else if (steps == 0) {
         (row == ROW_ORIGINAL ? ORIGINAL_PRESET : COMFORT_PRESET).apply();
@@ -86,25 +85,22 @@ void Change(int row, int steps) {
 
 Leaving RunScreen() {
     Leaving leaving = Leaving::Game;
-    std::bitset<KEY_COUNT> before = std::bitset<KEY_COUNT>().set();
+    KeyHits hits;
     int marked = 0;
     Draw(marked);
     while (!CloseRequested()) {
-        CurrentMachine->wait();
-        const std::bitset<KEY_COUNT> down = KeysDown();
-        const std::bitset<KEY_COUNT> hits = down & ~before;
-        before = down;
-        if (hits[DIK_ESCAPE] || hits[SCREEN_KEY]) break;
-        if (hits.none()) continue;
-        if (hits[DIK_UP]) marked = (marked + ROW_COUNT - 1) % ROW_COUNT;
-        if (hits[DIK_DOWN]) marked = (marked + 1) % ROW_COUNT;
-        if (hits[DIK_LEFT]) Change(marked, -1);
-        if (hits[DIK_RIGHT]) Change(marked, 1);
-        if (hits[KeyCode("RETURN")] && marked == ROW_PHOTO && CanTakePhotos()) {
+        hits.Wait();
+        if (hits.None()) continue;
+        if (hits.Any(DIK_ESCAPE) || hits.Any(SCREEN_KEY)) break;
+        if (hits.Any(DIK_UP)) marked = (marked + ROW_COUNT - 1) % ROW_COUNT;
+        if (hits.Any(DIK_DOWN)) marked = (marked + 1) % ROW_COUNT;
+        if (hits.Any(DIK_LEFT)) Change(hits, marked, -1);
+        if (hits.Any(DIK_RIGHT)) Change(hits, marked, 1);
+        if (hits.Any(KeyCode("RETURN")) && marked == ROW_PHOTO && CanTakePhotos()) {
             leaving = Leaving::Photo;
             break;
         }
-        if (hits[KeyCode("RETURN")]) Change(marked, 0);
+        if (hits.Any(KeyCode("RETURN"))) Change(hits, marked, 0);
         Draw(marked);
     }
     HideOverlay();

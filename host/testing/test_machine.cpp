@@ -57,6 +57,7 @@ const Machine TEST_MACHINE = {
     .presentTexture = nullptr,
     .showOverlay = [](const Picture* overlay) { TestMachine.overlayShown = overlay != nullptr; },
     .applySettings = nullptr,
+    .keyLabel = nullptr,
     .setMouseCaptured = [](bool captured) { TestMachine.mouseCaptured = captured; },
     .bringFile = nullptr,
     .messageBox = ShowBox,

@@ -171,6 +171,17 @@ TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
     std::ifstream kept(file);
     const std::string text{std::istreambuf_iterator<char>(kept), {}};
     EXPECT_NE(text.find("\nbrightness = 80\n"), std::string::npos) << text;
+    press({"F10", "Up", "Up", "Up", "Up", "Return", "Return", "w", "Escape", "Escape"});  // Keys: run with W
+    EXPECT_TRUE(WaitFor([&] {
+        desktop->Input("keydown w");
+        AwaitFrames(20);
+        std::ifstream trace(desktop->TraceFile());
+        std::string line, last;
+        while (std::getline(trace, line))
+            if (line.ends_with('}')) last = line;
+        return last.find("\"vel\":[0,0,0]") == std::string::npos;
+    }));
+    desktop->Input("keyup w");
     press({"F10", "Up", "Return"});  // Leave the program
     EXPECT_EQ(desktop->GameStatus(), 0);
 }

@@ -34,6 +34,7 @@ const Machine HeadlessMachine = {
     .presentTexture = nullptr,
     .showOverlay = nullptr,
     .applySettings = nullptr,
+    .keyLabel = nullptr,
     .setMouseCaptured = [](bool) {},
     .bringFile = nullptr,
     .messageBox = ShowOnStandardError,

@@ -1,6 +1,7 @@
 #include "backends/sdl/keys.h"
 
 #include "input/keys.h"
+#include "machine/overlay.h"
 
 #include <array>
 
@@ -57,7 +58,7 @@ constexpr KeyPair KEYBOARD[] = {
     {SDL_SCANCODE_BACKSLASH, KeyCode("BACKSLASH")},
     {SDL_SCANCODE_NONUSHASH, KeyCode("BACKSLASH")},
     {SDL_SCANCODE_Z, KeyCode("Z")},
-    {SDL_SCANCODE_X, KeyCode("RCONTROL")},  // right Ctrl, which many keyboards lack; the game has no other use for X
+    {SDL_SCANCODE_X, KeyCode("X")},
     {SDL_SCANCODE_C, KeyCode("C")},
     {SDL_SCANCODE_V, KeyCode("V")},
     {SDL_SCANCODE_B, KeyCode("B")},
@@ -163,6 +164,18 @@ constexpr std::array<uint8_t, SDL_NUM_SCANCODES> BuildTable() {
 constexpr auto SCAN_CODES = BuildTable();
 
 }  // namespace
+
+// Of the keys with one scan code the first in the table gives it its name. A key whose letter cannot be written, and a
+// dead one, which has none, is called by its place.
+std::string KeyLabel(uint8_t scanCode) {
+    for (const KeyPair& pair : KEYBOARD) {
+        if (pair.scanCode != scanCode) continue;
+        const std::string ofLayout = SDL_GetKeyName(SDL_GetKeyFromScancode(pair.key));
+        if (!ofLayout.empty() && CanWrite(ofLayout)) return ofLayout;
+        return std::string("US ").append(SDL_GetScancodeName(pair.key));
+    }
+    return {};
+}
 
 uint8_t ScanCodeOf(SDL_Scancode key) {
     return key < SDL_NUM_SCANCODES ? SCAN_CODES[key] : uint8_t{0};

@@ -38,10 +38,25 @@ std::optional<PadAxis> AxisOf(uint8_t axis) {
     }
 }
 
+PadKind KindOf(SDL_GameController* controller) {
+    switch (SDL_GameControllerGetType(controller)) {
+    case SDL_CONTROLLER_TYPE_PS3:
+    case SDL_CONTROLLER_TYPE_PS4:
+    case SDL_CONTROLLER_TYPE_PS5: return PadKind::Symbols;
+    case SDL_CONTROLLER_TYPE_NINTENDO_SWITCH_PRO:
+    case SDL_CONTROLLER_TYPE_NINTENDO_SWITCH_JOYCON_LEFT:
+    case SDL_CONTROLLER_TYPE_NINTENDO_SWITCH_JOYCON_RIGHT:
+    case SDL_CONTROLLER_TYPE_NINTENDO_SWITCH_JOYCON_PAIR: return PadKind::PlusMinus;
+    default: return PadKind::Letters;
+    }
+}
+
 void AddPad(int deviceIndex) {
     SDL_GameController* controller = SDL_GameControllerOpen(deviceIndex);
     if (!controller) return;
-    controllers[SDL_JoystickInstanceID(SDL_GameControllerGetJoystick(controller))] = controller;
+    const SDL_JoystickID id = SDL_JoystickInstanceID(SDL_GameControllerGetJoystick(controller));
+    controllers[id] = controller;
+    PadCame(id, KindOf(controller));
 }
 
 void RemovePad(SDL_JoystickID id) {

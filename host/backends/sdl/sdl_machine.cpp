@@ -1,5 +1,6 @@
 #include "backends/sdl/sdl_machine.h"
 
+#include "backends/sdl/keys.h"
 #include "backends/sdl/pads.h"
 #include "backends/sdl/sound.h"
 #include "backends/sdl/window.h"
@@ -125,6 +126,7 @@ const Machine SdlMachine = {
     .presentTexture = ShowTexture,
     .showOverlay = ShowOverlayPicture,
     .applySettings = ApplySettings,
+    .keyLabel = KeyLabel,
     .setMouseCaptured = CapturePointer,
     .bringFile = nullptr,
     .messageBox = MessageBox,

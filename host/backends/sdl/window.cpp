@@ -7,6 +7,7 @@
 #include "boards/gpu/gl_context.h"
 #include "host/files.h"
 #include "input/devices.h"
+#include "input/key_bindings.h"
 #include "machine/png.h"
 #include "machine/settings.h"
 
@@ -22,7 +23,6 @@ namespace {
 
 constexpr int WIDTH_MIN = 320, HEIGHT_MIN = 240;
 constexpr int WHEEL_NOTCH = 120;
-constexpr SDL_Scancode LET_GO_KEY = SDL_SCANCODE_F9;
 constexpr uint32_t ALT_F4_MS = 250;  // from the release of Alt to a close request that it made
 
 SDL_Window* window = nullptr;
@@ -35,7 +35,7 @@ bool pointerWanted = false;
 bool minimised = false;
 int sizeChosen = -1;  // the setting that the window's size is of; -1: it has only been on the whole screen
 bool pointerHeld = false;
-bool pointerLetGo = false;  // by LET_GO_KEY, until it or a mouse button is pressed
+bool pointerLetGo = false;  // by its key, until it or a mouse button is pressed
 
 std::bitset<SDL_NUM_SCANCODES> keysHeld;
 uint32_t buttonsHeld = 0;             // SDL_BUTTON masks
@@ -132,7 +132,7 @@ void HandleKey(const SDL_KeyboardEvent& event) {
         return;
     }
     keysHeld[key] = event.state == SDL_PRESSED;
-    if (key == LET_GO_KEY && event.state == SDL_PRESSED) pointerLetGo = !pointerLetGo;
+    if (event.state == SDL_PRESSED && KeyMeanings()[scanCode] == KEY_CODE_FREE_POINTER) pointerLetGo = !pointerLetGo;
     if (IsAlt(key) && event.state == SDL_RELEASED) altReleased = event.timestamp;
     DeviceKey(KeySource::Keyboard, scanCode, AnyKeyHeld(scanCode));
 }

@@ -54,7 +54,7 @@ constexpr KeyPlace KEYBOARD[] = {
     {"ShiftLeft", KeyCode("LSHIFT")},
     {"Backslash", KeyCode("BACKSLASH")},
     {"KeyZ", KeyCode("Z")},
-    {"KeyX", KeyCode("RCONTROL")},
+    {"KeyX", KeyCode("X")},
     {"KeyC", KeyCode("C")},
     {"KeyV", KeyCode("V")},
     {"KeyB", KeyCode("B")},

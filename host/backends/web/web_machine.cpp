@@ -172,6 +172,7 @@ const Machine WebMachine = {
     .presentTexture = PresentTexture,
     .showOverlay = ShowOverlayPicture,
     .applySettings = nullptr,
+    .keyLabel = nullptr,
     .setMouseCaptured = [](bool captured) { pageCapturePointer(captured); },
     .bringFile = pageBringFile,
     .messageBox = ShowMessage,

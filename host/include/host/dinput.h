@@ -71,6 +71,7 @@ enum DirectInputKey : BYTE {
     DIK_K = 0x25,
     DIK_L = 0x26,
     DIK_LSHIFT = 0x2A,
+    DIK_X = 0x2D,
     DIK_RSHIFT = 0x36,
     DIK_LMENU = 0x38,
     DIK_SPACE = 0x39,

@@ -11,6 +11,14 @@ struct HostCamera {
     float angles[3];    // degrees: pitch, yaw, roll
 };
 
+// What a key does in a level, for people to see and to change.
+struct HostKey {
+    const char* name;   // in the settings file
+    const char* label;  // on the screen
+    uint8_t key;        // DIK_ code that the game hears
+    uint8_t others[3];  // keys of the keyboard that are as good as `key`; 0: no more
+};
+
 // Everything that the machine knows about the game. Keys are DIK_ codes.
 //
 // --level and --renderer go through the screens before a level by keys: attract pictures, choice of the level, choice
@@ -24,6 +32,7 @@ struct HostGame {
     std::span<const uint8_t> levelKeys;  // choose level 1, 2 ...: as many as there are levels
     uint8_t softwareKey;                 // chooses the software renderer
     uint8_t acceleratorKey;              // chooses the accelerator
+    std::span<const HostKey> keys;       // of a level; what is not among them cannot be changed
 
     // Pictures besides those of the game frames. Asked for only while the game reads the clock or the keyboard between
     // two frames of a level, and only if HostWantsViews was true at these frames. They change nothing in the game.
