@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cstdlib>
 #include <iterator>
 #include <map>
 
@@ -12,17 +13,20 @@ namespace {
 
 constexpr int STICK_PRESS = 10000;
 constexpr int STICK_RELEASE = 8000;  // lower than STICK_PRESS, so that a stick held near it does not flutter
+constexpr int STICK_RUN = 24000;     // pushed less far up, the left stick walks
+constexpr int STICK_WALK_AGAIN = 21000;
 constexpr int TURN_DEAD_ZONE = 8000;
 constexpr float TURN_COUNTS_A_SECOND = 180;  // mouse counts that a right stick pushed all the way gives in a second
 constexpr uint32_t TURN_MS_MAX = 100;  // longer times count as this, so that the camera does not jump after a pause
 
 // What a controller can hold down: its buttons, then its sticks' directions and its trigger.
 enum PadInput {
-    STICK_UP = static_cast<int>(PadButton::RightShoulder) + 1,
+    STICK_UP = static_cast<int>(PadButton::RightStick) + 1,
     STICK_DOWN,
     STICK_LEFT,
     STICK_RIGHT,
     TRIGGER,
+    STICK_WALK,  // up, but not far
     PAD_INPUTS
 };
 
@@ -32,12 +36,16 @@ constexpr int Of(PadButton button) {
 
 // The names of all inputs, in the order of PadInput, by PadKind.
 constexpr std::string_view INPUT_NAMES[][PAD_INPUTS] = {
-    {"A", "B", "X", "Y", "Back", "Start", "LB", "D-pad up", "D-pad down", "D-pad left", "D-pad right", "RB", "stick up",
-     "stick down", "stick left", "stick right", "RT"},
-    {"Cross", "Circle", "Square", "Triangle", "Share", "Options", "L1", "D-pad up", "D-pad down", "D-pad left",
-     "D-pad right", "R1", "stick up", "stick down", "stick left", "stick right", "R2"},
-    {"A", "B", "X", "Y", "-", "+", "L", "D-pad up", "D-pad down", "D-pad left", "D-pad right", "R", "stick up",
-     "stick down", "stick left", "stick right", "ZR"},
+    {"A",        "B",          "X",          "Y",           "Back", "Start",        "LB",
+     "D-pad up", "D-pad down", "D-pad left", "D-pad right", "RB",   "L3",           "R3",
+     "stick up", "stick down", "stick left", "stick right", "RT",   "stick half up"},
+    {"Cross",    "Circle",     "Square",     "Triangle",    "Share", "Options",      "L1",
+     "D-pad up", "D-pad down", "D-pad left", "D-pad right", "R1",    "L3",           "R3",
+     "stick up", "stick down", "stick left", "stick right", "R2",    "stick half up"},
+    {"A",           "B",          "X",           "Y",          "-",
+     "+",           "L",          "D-pad up",    "D-pad down", "D-pad left",
+     "D-pad right", "R",          "L3",          "R3",         "stick up",
+     "stick down",  "stick left", "stick right", "ZR",         "stick half up"},
 };
 
 struct PadKey {
@@ -58,8 +66,11 @@ constexpr PadKey PAD_KEYS[] = {
     {Of(PadButton::A), KeyCode("RETURN")},  // in the front end
     {Of(PadButton::B), KeyCode("LSHIFT")},  // left Shift
     {Of(PadButton::LeftShoulder), KeyCode("LSHIFT")},
-    {Of(PadButton::X), KeyCode("RCONTROL")},  // right Ctrl in a level
-    {Of(PadButton::X), KeyCode("F11")},       // F11 in the front end
+    {STICK_WALK, KeyCode("LSHIFT")},
+    {Of(PadButton::LeftStick), KeyCode("F5")},   // the camera that follows
+    {Of(PadButton::RightStick), KeyCode("F6")},  // the camera that flies
+    {Of(PadButton::X), KeyCode("RCONTROL")},     // right Ctrl in a level
+    {Of(PadButton::X), KeyCode("F11")},          // F11 in the front end
     {TRIGGER, KeyCode("RCONTROL")},
     {Of(PadButton::Start), KeyCode("RETURN")},
     {Of(PadButton::Y), KeyCode("F12")},              // F12
@@ -69,6 +80,7 @@ constexpr PadKey PAD_KEYS[] = {
 
 struct Pad {
     std::bitset<PAD_INPUTS> held;
+    int stickX = 0, stickY = 0;
     float turnX = 0, turnY = 0;  // -1..1
     PadKind kind = PadKind::Letters;
 };
@@ -97,8 +109,24 @@ void HoldByAxis(Pad& pad, PadInput input, int value) {
     pad.held[input] = value >= threshold;
 }
 
+// A stick that is pushed one way is never quite straight: across, it counts from half of that on.
+void HoldByStick(Pad& pad) {
+    const bool across = std::abs(pad.stickX) >= std::abs(pad.stickY) / 2;
+    const bool along = std::abs(pad.stickY) >= std::abs(pad.stickX) / 2;
+    HoldByAxis(pad, STICK_LEFT, across ? -pad.stickX : 0);
+    HoldByAxis(pad, STICK_RIGHT, across ? pad.stickX : 0);
+    HoldByAxis(pad, STICK_UP, along ? -pad.stickY : 0);
+    HoldByAxis(pad, STICK_DOWN, along ? pad.stickY : 0);
+    const int run = pad.held[STICK_WALK] ? STICK_RUN : STICK_WALK_AGAIN;
+    pad.held[STICK_WALK] = pad.held[STICK_UP] && -pad.stickY < run;
+}
+
+// From 0 at the edge of the dead zone to 1 at the end of the way.
 float TurnOf(int value) {
-    return value > -TURN_DEAD_ZONE && value < TURN_DEAD_ZONE ? 0 : static_cast<float>(value) / 32768;
+    const int beyond = std::abs(value) - TURN_DEAD_ZONE;
+    if (beyond <= 0) return 0;
+    const float turn = std::min(static_cast<float>(beyond) / (PAD_AXIS_FULL - TURN_DEAD_ZONE), 1.0f);
+    return value < 0 ? -turn : turn;
 }
 
 int WholeCounts(float& counts) {
@@ -137,12 +165,12 @@ void PadMove(int number, PadAxis axis, int value) {
     Pad& pad = pads[number];
     switch (axis) {
     case PadAxis::LeftX:
-        HoldByAxis(pad, STICK_LEFT, -value);
-        HoldByAxis(pad, STICK_RIGHT, value);
+        pad.stickX = value;
+        HoldByStick(pad);
         break;
     case PadAxis::LeftY:
-        HoldByAxis(pad, STICK_UP, -value);
-        HoldByAxis(pad, STICK_DOWN, value);
+        pad.stickY = value;
+        HoldByStick(pad);
         break;
     case PadAxis::RightTrigger: HoldByAxis(pad, TRIGGER, value); break;
     case PadAxis::RightX: pad.turnX = TurnOf(value); break;

@@ -8,7 +8,22 @@
 
 // The buttons of the usual layout with two sticks; A is the lowest of the four, B the right, X the left, Y the upper
 // one. On controllers with + and - they are those that are called so.
-enum class PadButton { A, B, X, Y, Back, Start, LeftShoulder, Up, Down, Left, Right, RightShoulder };
+enum class PadButton {
+    A,
+    B,
+    X,
+    Y,
+    Back,
+    Start,
+    LeftShoulder,
+    Up,
+    Down,
+    Left,
+    Right,
+    RightShoulder,
+    LeftStick,
+    RightStick
+};
 
 enum class PadAxis { LeftX, LeftY, RightX, RightY, RightTrigger };  // right and down are positive
 

@@ -51,7 +51,7 @@ void Draw(int marked) {
         overlay.Write(RIGHT - static_cast<int>(value.size()) * OVERLAY_CHARACTER_WIDTH, y, value,
                       row == marked ? OVERLAY_TEXT : OVERLAY_QUIET_TEXT);
     }
-    std::string hint = "arrows: choose, change   " + WithPadName("Escape", DIK_ESCAPE) + ": back";
+    std::string hint = "arrows: change  " + WithPadName("Escape", DIK_ESCAPE) + ": back";
     if (marked < ROW_KEYS && !SettingHint(static_cast<Setting>(marked)).empty())
         hint = SettingHint(static_cast<Setting>(marked));
     overlay.WriteCentred(TOP + 10 + ROW_COUNT * ROW_HEIGHT, hint, OVERLAY_QUIET_TEXT);

@@ -49,11 +49,17 @@ protected:
     }
 
     double LatestYaw() {
-        std::ifstream file(desktop->TraceFile());
-        double yaw = 1e9;
-        for (std::string line; std::getline(file, line);)
-            if (line.ends_with('}')) yaw = std::stod(line.substr(line.find(',', line.find("\"angles\"")) + 1));
-        return yaw;
+        const std::string angles = Traced("\"angles\"");
+        return angles.empty() ? 1e9 : std::stod(angles.substr(angles.find(',') + 1));
+    }
+
+    // The latest frame's line from behind the text on; empty: there is no frame yet.
+    std::string Traced(const std::string& text) {
+        std::ifstream trace(desktop->TraceFile());
+        std::string found;
+        for (std::string line; std::getline(trace, line);)
+            if (line.ends_with('}')) found = line.substr(line.find(text) + text.size());
+        return found;
     }
 
     // The picture fills exactly the given area of the screen; all else is black.
@@ -175,16 +181,57 @@ TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
     EXPECT_TRUE(WaitFor([&] {
         desktop->Input("keydown w");
         AwaitFrames(20);
-        std::ifstream trace(desktop->TraceFile());
-        std::string line, last;
-        while (std::getline(trace, line))
-            if (line.ends_with('}')) last = line;
-        return last.find("\"vel\":[0,0,0]") == std::string::npos;
+        return !Traced("\"vel\":").starts_with("[0,0,0]");
     }));
     desktop->Input("keyup w");
     press({"F10", "Up", "Return"});  // Leave the program
     EXPECT_EQ(desktop->GameStatus(), 0);
 }
+
+#ifdef SCRIPTED_PAD
+TEST_F(Window, AControllerAloneLeadsFromTheTitleThroughALevelAndTheSettingsOut) {
+    const std::string commands = desktop->TraceFile() + ".pad", file = desktop->TraceFile() + ".settings";
+    std::ofstream pad(commands);
+    setenv("SCRIPTED_PAD", commands.c_str(), 1);
+    setenv("LD_PRELOAD", SCRIPTED_PAD, 1);
+    desktop->StartGame({"--window", "640x480", "--settings", file, "--data", SOURCE_FOLDER "/tests/levels/data"});
+    unsetenv("LD_PRELOAD");
+    const auto say = [&](const std::string& command) {
+        pad << command << std::endl;
+        Rest(200);
+    };
+    enum { A = 0, BACK = 4, RIGHT_SHOULDER = 10, UP = 11, DOWN = 12, LEFT = 13, RIGHT = 14 };
+    const auto press = [&](std::initializer_list<int> buttons) {
+        for (const int button : buttons)
+            for (const char* down : {" 1", " 0"})
+                say("button " + std::to_string(button) + down);
+    };
+    const auto state = [&] { return std::stoi(Traced("\"state\":")); };
+    enum { STANDS = 0, RUNS = 6, WALKS = 19 };  // of PlayerState
+    say("attach");
+    press({A});                      // the title
+    press({RIGHT, RIGHT, LEFT, A});  // the first level
+    press({DOWN, A});                // the software renderer
+    AwaitFrames(5);
+    say("axis 1 -15000");  // the left stick, half up and a little to the side
+    say("axis 0 5000");
+    EXPECT_TRUE(WaitFor([&] { return state() == WALKS; }));
+    say("axis 1 -32767");
+    EXPECT_TRUE(WaitFor([&] { return state() == RUNS; }));
+    say("detach");
+    EXPECT_TRUE(WaitFor([&] { return state() == STANDS; })) << "what it held is let go";
+    say("attach");
+    press({RIGHT_SHOULDER, DOWN, DOWN, DOWN, DOWN, DOWN, LEFT, BACK});  // brightness
+    EXPECT_TRUE(WaitFor([&] {
+        std::ifstream kept(file);
+        const std::string text{std::istreambuf_iterator<char>(kept), {}};
+        return text.find("\nbrightness = 90\n") != std::string::npos;
+    }));
+    press({BACK});                   // out of the level
+    press({RIGHT_SHOULDER, UP, A});  // and out of the program
+    EXPECT_EQ(desktop->GameStatus(), 0);
+}
+#endif
 
 TEST_F(Window, WaitsWithoutTheFocusAndEndsByTheCloseButtonNotByAltF4) {
     StartLevel();

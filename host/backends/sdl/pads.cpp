@@ -19,6 +19,8 @@ std::optional<PadButton> ButtonOf(uint8_t button) {
     case SDL_CONTROLLER_BUTTON_START: return PadButton::Start;
     case SDL_CONTROLLER_BUTTON_LEFTSHOULDER: return PadButton::LeftShoulder;
     case SDL_CONTROLLER_BUTTON_RIGHTSHOULDER: return PadButton::RightShoulder;
+    case SDL_CONTROLLER_BUTTON_LEFTSTICK: return PadButton::LeftStick;
+    case SDL_CONTROLLER_BUTTON_RIGHTSTICK: return PadButton::RightStick;
     case SDL_CONTROLLER_BUTTON_DPAD_UP: return PadButton::Up;
     case SDL_CONTROLLER_BUTTON_DPAD_DOWN: return PadButton::Down;
     case SDL_CONTROLLER_BUTTON_DPAD_LEFT: return PadButton::Left;

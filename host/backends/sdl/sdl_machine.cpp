@@ -86,6 +86,7 @@ void Wait() {
     SDL_SetHint(SDL_HINT_AUTO_UPDATE_JOYSTICKS, "0");
     SDL_WaitEventTimeout(nullptr, HasFocus() ? WAIT_MS : UNSEEN_WAIT_MS);
     SDL_SetHint(SDL_HINT_AUTO_UPDATE_JOYSTICKS, "1");
+    SDL_GameControllerUpdate();
     Pump();
 }
 

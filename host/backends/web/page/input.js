@@ -7,7 +7,8 @@ const BROWSERS_OWN = new Set(['F5', 'MetaLeft', 'MetaRight', 'ContextMenu']);
 const OTHER_PLACES = { Backspace: 'Escape' };
 const WHEEL_NOTCH = 120;
 // Buttons and axes of the standard gamepad as input/pads.h numbers its own.
-const PAD_BUTTONS = [[0, 0], [1, 1], [2, 2], [3, 3], [8, 4], [9, 5], [4, 6], [12, 7], [13, 8], [14, 9], [15, 10]];
+const PAD_BUTTONS = [[0, 0], [1, 1], [2, 2], [3, 3], [8, 4], [9, 5], [4, 6], [12, 7], [13, 8], [14, 9], [15, 10], [10, 12],
+    [11, 13]];
 const PAD_AXES = [[0, 0], [1, 1], [2, 2], [3, 3]];
 const PAD_TRIGGER = 7, PAD_TRIGGER_AXIS = 4;
 const STICK_REACH = 0.35;  // share of the touch stick's width, from its middle, from which a direction counts
