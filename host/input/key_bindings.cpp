@@ -12,6 +12,8 @@ namespace {
 
 constexpr HostKey OWN_KEYS[] = {
     {"screenshot", "Screenshot", KeyCode("P"), {}},
+    {"photo", "Photo mode", KeyCode("C"), {}},
+    {"smooth", "Smooth pictures", KeyCode("S"), {}},
     {"settings", "Settings", KeyCode("F10"), {}},
     {"free_pointer", "Let go of the mouse", KEY_CODE_FREE_POINTER, {}},
 };

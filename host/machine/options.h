@@ -26,8 +26,9 @@ struct Options {
     std::string log;      // file for the game's standard output and the host's log lines
     int windowWidth = 0;  // 0: full screen
     int windowHeight = 0;
-    bool fullscreen = false;  // whatever the window's size
-    int level = 0;            // 1 to the number of levels; 0: chosen by hand
+    bool fullscreen = false;   // whatever the window's size
+    bool windowGiven = false;  // by the command line, so that the window's place is neither used nor remembered
+    int level = 0;             // 1 to the number of levels; 0: chosen by hand
     RendererChoice renderer = RendererChoice::Unset;
     BoardChoice board = BoardChoice::Auto;
     uint32_t boardScale = 0;  // sides of the gpu board's picture, in times of 640 x 480; 0: as the window's size asks

@@ -10,6 +10,7 @@
 #include "machine/machine.h"
 #include "machine/output.h"
 #include "machine/process.h"
+#include "machine/window_place.h"
 #include "session/ending.h"
 #include "session/find_data.h"
 #include "session/replay.h"
@@ -93,6 +94,7 @@ int RunProgram(int argumentCount, char** arguments, const HostParts& parts, cons
     Script script;
     if (!RecordsOrWatches(options) || !LoadOptionScript(options, script) || !LoadReplay(options) || !StartLog(options))
         return STATUS_WRONG_INPUT;
+    StartWindowPlace();
     StartKeyBindings();
     LoadSettings(options);
     OpenMachine(options, parts);

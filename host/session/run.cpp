@@ -22,6 +22,7 @@
 #include "session/replay.h"
 #include "session/screenshot.h"
 #include "session/script_player.h"
+#include "session/settings_file.h"
 #include "session/settings_screen.h"
 #include "session/smooth.h"
 #include "session/trace.h"
@@ -202,6 +203,7 @@ bool FinishRun() {
     const bool recorded = FinishRecorder();
     const bool traceComplete = CloseTrace();
     const bool motionComplete = FinishSmooth();
+    SaveSettings();
     const bool logComplete = FinishLog();
     return traceComplete && motionComplete && logComplete && !PicturesFailed() && recorded && replayed;
 }

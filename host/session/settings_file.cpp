@@ -54,7 +54,8 @@ void ReadFile() {
 
 // What the command line says goes before the file, and stays out of it.
 void Merge(Options& options) {
-    if (options.windowWidth > 0 || options.fullscreen) {
+    options.windowGiven = options.windowWidth > 0 || options.fullscreen;
+    if (options.windowGiven) {
         SetSetting(Setting::FullScreen, options.windowWidth == 0 || options.fullscreen ? 1 : 0);
     } else if (!SettingValue(Setting::FullScreen)) {
         const WindowSizeChoice& size = WINDOW_SIZES[SettingValue(Setting::WindowSize)];

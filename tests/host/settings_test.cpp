@@ -1,4 +1,5 @@
 #include "machine/settings.h"
+#include "machine/window_place.h"
 #include "session/screenshot.h"
 
 #include <gtest/gtest.h>
@@ -41,6 +42,16 @@ TEST(Settings, AFreshFileHoldsEverySettingAndIsUnderstood) {
     EXPECT_EQ(SettingValue(Setting::Brightness), 100);
     EXPECT_EQ(SettingText(Setting::AcceleratorSize), "1");
     ResetSettings();
+}
+
+TEST(Settings, AWindowsPlaceIsUnderstoodOrTold) {
+    StartWindowPlace();
+    ASSERT_TRUE(ReadSettings("window_place = -20,30 640x480", "").empty());
+    EXPECT_EQ(RememberedPlace()->x, -20);
+    EXPECT_EQ(RememberedPlace()->height, 480);
+    for (const std::string damaged : {"5,6 640x480x", "5,6 7x5", "5 640x480", "5,6 640x99999999999", ""})
+        EXPECT_EQ(ReadSettings("window_place = " + damaged, "").size(), 1u) << damaged;
+    EXPECT_FALSE(RememberedPlace());
 }
 
 TEST(Screenshot, GoesWhereTheDesktopSays) {

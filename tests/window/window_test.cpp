@@ -272,6 +272,24 @@ TEST_F(Window, FillsTheScreenByDefaultAndKeepsThePictureInProportionAtEverySize)
     }
 }
 
+TEST_F(Window, OpensWhereItWasUnlessThatIsOnNoDisplayAnyMore) {
+    const std::string file = desktop->TraceFile() + ".settings";
+    const std::vector<std::string> options = {"--settings", file, "--data", SOURCE_FOLDER "/tests/levels/data"};
+    std::ofstream(file) << "full_screen = off\nwindow_place = 300,100 500x360\n";
+    desktop->StartGame(options);
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(310, 100, 790, 460); }));
+    desktop->ResizeGame(480, 400);
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(0, 20, 480, 380); }));
+    desktop->PressCloseButton();
+    EXPECT_EQ(desktop->GameStatus(), 0);
+    std::ifstream kept(file);
+    const std::string text{std::istreambuf_iterator<char>(kept), {}};
+    EXPECT_NE(text.find(" 480x400\n"), std::string::npos) << text;
+    std::ofstream(file) << "full_screen = off\nwindow_size = 640x480\nwindow_place = 1250,100 480x400\n";
+    desktop->StartGame(options);
+    EXPECT_TRUE(WaitFor([&] { return PictureFills(320, 160, 960, 640); }));
+}
+
 TEST_F(Window, ShowsTheGpuBoardsPictureAtEverySizeAndWhenTheFocusComesBack) {
     desktop->StartGame(
         {"--window", "640x480", "--level", "1", "--renderer", "accelerator", "--board", "gpu", "--board-scale", "2"});

@@ -10,6 +10,7 @@
 #include "input/key_bindings.h"
 #include "machine/png.h"
 #include "machine/settings.h"
+#include "machine/window_place.h"
 
 #include <algorithm>
 #include <bitset>
@@ -33,6 +34,7 @@ std::unique_ptr<Presenter> presenter;
 bool focused = true;
 bool pointerWanted = false;
 bool minimised = false;
+bool placeRemembered = false;
 int sizeChosen = -1;  // the setting that the window's size is of; -1: it has only been on the whole screen
 bool pointerHeld = false;
 bool pointerLetGo = false;  // by its key, until it or a mouse button is pressed
@@ -92,6 +94,28 @@ void ChangeFocus(bool gained) {
     DeviceFocus(gained);
 }
 
+// The edges that the desktop puts around the window: 0 where it has none, or does not tell.
+SDL_Point FrameCorner() {
+    SDL_Point corner{};
+    SDL_GetWindowBordersSize(window, &corner.y, &corner.x, nullptr, nullptr);
+    return corner;
+}
+
+// Only of the plain window: on the whole screen and enlarged it is where the desktop has put it.
+void RememberWindow() {
+    constexpr uint32_t ELSEWHERE = SDL_WINDOW_FULLSCREEN_DESKTOP | SDL_WINDOW_MAXIMIZED | SDL_WINDOW_MINIMIZED;
+    if (!window || !placeRemembered || (SDL_GetWindowFlags(window) & ELSEWHERE) != 0) return;
+    SDL_Rect display{};
+    WindowPlace place{};
+    SDL_GetWindowPosition(window, &place.x, &place.y);
+    SDL_GetWindowSize(window, &place.width, &place.height);
+    place.x -= FrameCorner().x;
+    place.y -= FrameCorner().y;
+    const bool fills = SDL_GetDisplayBounds(SDL_GetWindowDisplayIndex(window), &display) == 0 &&
+                       place.width >= display.w && place.height >= display.h;  // about to leave the whole screen
+    if (!fills) RememberPlace(place);
+}
+
 void HandleWindowEvent(const SDL_WindowEvent& event) {
     switch (event.event) {
     case SDL_WINDOWEVENT_FOCUS_GAINED: ChangeFocus(true); break;
@@ -103,8 +127,9 @@ void HandleWindowEvent(const SDL_WindowEvent& event) {
         minimised = event.event == SDL_WINDOWEVENT_MINIMIZED;
         UpdateSound();
         break;
+    case SDL_WINDOWEVENT_MOVED: RememberWindow(); break;
+    case SDL_WINDOWEVENT_SIZE_CHANGED: RememberWindow(); [[fallthrough]];
     case SDL_WINDOWEVENT_EXPOSED:
-    case SDL_WINDOWEVENT_SIZE_CHANGED:
         if (presenter) presenter->ShowAgain();
         break;
     default: break;
@@ -194,23 +219,46 @@ void ShowIcon() {
     SDL_FreeSurface(surface);
 }
 
-// The display that the user is at: the one with the pointer.
+// Null: the window was nowhere yet, or its display is gone.
+std::optional<SDL_Rect> LatestPlace() {
+    constexpr int SEEN_MIN = 100;  // pixels of it that must be on a display
+    const std::optional<WindowPlace> place = placeRemembered ? RememberedPlace() : std::nullopt;
+    if (!place) return {};
+    const SDL_Rect area{place->x, place->y, place->width, place->height};
+    for (int display = 0; display < SDL_GetNumVideoDisplays(); ++display) {
+        SDL_Rect bounds{}, seen{};
+        if (SDL_GetDisplayBounds(display, &bounds) == 0 && SDL_IntersectRect(&area, &bounds, &seen) &&
+            seen.w >= SEEN_MIN && seen.h >= SEEN_MIN)
+            return area;
+    }
+    return {};
+}
+
+// The display that the user is at: the one where the window was, else the one with the pointer.
 int DisplayInUse() {
-    SDL_Point pointer{};
-    SDL_GetGlobalMouseState(&pointer.x, &pointer.y);
-    return std::max(SDL_GetPointDisplayIndex(&pointer), 0);
+    SDL_Point at{};
+    SDL_GetGlobalMouseState(&at.x, &at.y);
+    if (const auto place = LatestPlace()) at = {place->x + place->w / 2, place->y + place->h / 2};
+    return std::max(SDL_GetPointDisplayIndex(&at), 0);
 }
 
 SDL_Window* CreateWindow(const char* title, const Options& options, uint32_t flags) {
+    placeRemembered = !options.windowGiven;
     const bool windowed = options.windowWidth > 0 && !options.fullscreen;
     // A full-screen window, too, is opened at its final size: without a window manager nothing enlarges it later.
-    SDL_Rect area{0, 0, options.windowWidth, options.windowHeight};
     const int display = DisplayInUse();
-    if (!windowed && SDL_GetDisplayBounds(display, &area) != 0) area = {0, 0, WIDTH_MIN, HEIGHT_MIN};
+    const auto centre = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<uint32_t>(display)));
+    SDL_Rect area{centre, centre, options.windowWidth, options.windowHeight};
+    if (windowed) {
+        area = LatestPlace().value_or(area);
+    } else {
+        SDL_Rect bounds{0, 0, WIDTH_MIN, HEIGHT_MIN};
+        SDL_GetDisplayBounds(display, &bounds);
+        area.w = bounds.w, area.h = bounds.h;
+    }
     flags |= SDL_WINDOW_ALLOW_HIGHDPI;
     flags |= static_cast<uint32_t>(windowed ? SDL_WINDOW_RESIZABLE : SDL_WINDOW_FULLSCREEN_DESKTOP);
-    const auto centre = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<uint32_t>(display)));
-    SDL_Window* created = SDL_CreateWindow(title, centre, centre, area.w, area.h, flags);
+    SDL_Window* created = SDL_CreateWindow(title, area.x, area.y, area.w, area.h, flags);
     if (created) SDL_SetWindowMinimumSize(created, WIDTH_MIN, HEIGHT_MIN);
     return created;
 }
@@ -305,9 +353,14 @@ void ApplySettings() {
         const int choice = SettingValue(Setting::WindowSize);
         const WindowSizeChoice& size = WINDOW_SIZES[choice];
         SDL_SetWindowResizable(window, SDL_TRUE);
+        const auto display = static_cast<uint32_t>(std::max(SDL_GetWindowDisplayIndex(window), 0));
+        const auto centre = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(display));
+        SDL_Rect area{centre, centre, size.width, size.height};
+        if (const auto place = LatestPlace(); place && sizeChosen < 0)
+            area = {place->x + FrameCorner().x, place->y + FrameCorner().y, place->w, place->h};
         if (choice != sizeChosen) {
-            SDL_SetWindowSize(window, size.width, size.height);
-            SDL_SetWindowPosition(window, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+            SDL_SetWindowSize(window, area.w, area.h);
+            SDL_SetWindowPosition(window, area.x, area.y);
         }
         sizeChosen = choice;
     }
