@@ -177,7 +177,7 @@ TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
     std::ifstream kept(file);
     const std::string text{std::istreambuf_iterator<char>(kept), {}};
     EXPECT_NE(text.find("\nbrightness = 80\n"), std::string::npos) << text;
-    press({"F10", "Up", "Up", "Up", "Up", "Return", "Return", "w", "Escape", "Escape"});  // Keys: run with W
+    press({"F10", "Up", "Up", "Up", "Up", "Up", "Return", "Return", "w", "Escape", "Escape"});  // Keys: run with W
     EXPECT_TRUE(WaitFor([&] {
         desktop->Input("keydown w");
         AwaitFrames(20);
@@ -221,7 +221,7 @@ TEST_F(Window, AControllerAloneLeadsFromTheTitleThroughALevelAndTheSettingsOut) 
     say("detach");
     EXPECT_TRUE(WaitFor([&] { return state() == STANDS; })) << "what it held is let go";
     say("attach");
-    press({RIGHT_SHOULDER, DOWN, DOWN, DOWN, DOWN, DOWN, LEFT, BACK});  // brightness
+    press({RIGHT_SHOULDER, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, LEFT, BACK});  // brightness
     EXPECT_TRUE(WaitFor([&] {
         std::ifstream kept(file);
         const std::string text{std::istreambuf_iterator<char>(kept), {}};
