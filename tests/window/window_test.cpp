@@ -190,7 +190,7 @@ TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
 
 #ifdef SCRIPTED_PAD
 TEST_F(Window, AControllerAloneLeadsFromTheTitleThroughALevelAndTheSettingsOut) {
-    const std::string commands = desktop->TraceFile() + ".pad", file = desktop->TraceFile() + ".settings";
+    const std::string commands = desktop->TraceFile() + ".pad", file = desktop->TraceFile() + ".pad_settings";
     std::ofstream pad(commands);
     setenv("SCRIPTED_PAD", commands.c_str(), 1);
     setenv("LD_PRELOAD", SCRIPTED_PAD, 1);
@@ -273,7 +273,7 @@ TEST_F(Window, FillsTheScreenByDefaultAndKeepsThePictureInProportionAtEverySize)
 }
 
 TEST_F(Window, OpensWhereItWasUnlessThatIsOnNoDisplayAnyMore) {
-    const std::string file = desktop->TraceFile() + ".settings";
+    const std::string file = desktop->TraceFile() + ".place_settings";
     const std::vector<std::string> options = {"--settings", file, "--data", SOURCE_FOLDER "/tests/levels/data"};
     std::ofstream(file) << "full_screen = off\nwindow_place = 300,100 500x360\n";
     desktop->StartGame(options);
