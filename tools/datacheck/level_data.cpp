@@ -105,18 +105,21 @@ double NearestHit(const std::vector<WorldFace>& faces, const Vec3& eye, const Ve
     return nearest;
 }
 
-std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, size_t most) {
+std::vector<Vec3> PlacesOfPlay(const LevelData& level, const std::vector<WorldFace>& faces, size_t most) {
     constexpr double EYE_HEIGHT = 60;
+    constexpr double SEAM = -0.5;  // what is straight above the seam of two faces is below both
+    const std::vector<bool> visible = VisibleTextures(level);
     std::vector<Vec3> floors;
-    for (const WorldFace& face : faces) {
-        if (face.Up() > LANDING_SLOPE) floors.push_back(face.Centre());
+    for (size_t i = 0; i < faces.size(); ++i) {
+        if (faces[i].Up() > LANDING_SLOPE && visible[level.world->polygons[i].texture])
+            floors.push_back(faces[i].Centre());
     }
     std::vector<Vec3> places;
-    if (level > 0) places.push_back(StartOf(level));
+    if (level.number > 0) places.push_back(StartOf(level.number));
     const size_t step = floors.size() / most + 1;
     for (size_t i = 0; i < floors.size(); i += step) {
         // No place is taken on top of a thing close under a ceiling: the eye would look out from inside the ceiling.
-        const bool hasRoom = NearestHit(faces, floors[i], {0, 1, 0}, 0) > EYE_HEIGHT;
+        const bool hasRoom = NearestHit(faces, floors[i], {0, 1, 0}, SEAM) > EYE_HEIGHT;
         if (hasRoom) places.push_back(floors[i] + Vec3{0, EYE_HEIGHT, 0});
     }
     return places;

@@ -71,5 +71,6 @@ struct WorldFace {
 
 std::vector<WorldFace> FacesOf(const WorldFile& world);
 double NearestHit(const std::vector<WorldFace>& faces, const Vec3& eye, const Vec3& direction, double margin);
-// Up to `most` places 60 above floors that have the room, spread over the level; the start is the first.
-std::vector<Vec3> PlacesOfPlay(int level, const std::vector<WorldFace>& faces, size_t most);
+// Up to `most` places 60 above floors that have the room, spread over the level; the start is the first. Floors that
+// nobody sees do not count: those inside walls are there for who creeps into them.
+std::vector<Vec3> PlacesOfPlay(const LevelData& level, const std::vector<WorldFace>& faces, size_t most);

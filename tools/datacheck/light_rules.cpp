@@ -149,7 +149,7 @@ private:
     }
 
     void CheckShots() {
-        for (const Vec3& place : PlacesOfPlay(level_.number, FacesOf(*level_.world), PLACES)) {
+        for (const Vec3& place : PlacesOfPlay(level_, FacesOf(*level_.world), PLACES)) {
             const auto reached = PointsWithin(place, double{SHOT_LIGHT_RADIUS});
             if (reached <= GATHERED_POINTS_MAX) continue;
             report_.Note(level_.SlotPath(), "at " + level_.Describe(place),
@@ -159,7 +159,7 @@ private:
     }
 
     void CheckCrowding() {
-        for (const Vec3& place : PlacesOfPlay(level_.number, FacesOf(*level_.world), PLACES)) {
+        for (const Vec3& place : PlacesOfPlay(level_, FacesOf(*level_.world), PLACES)) {
             const auto reaches = [&](const LightSlotRecord& slot) {
                 return slot.type != LIGHT_FREE && LengthSquared(Widened(slot.position) - place) <= slot.radiusSquared;
             };

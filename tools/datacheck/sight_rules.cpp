@@ -63,15 +63,26 @@ private:
     std::vector<size_t> order_;
 };
 
+// Corners are rounded, so a ray that all but touches the edge of two faces may pass between them. Where there is a
+// hole, the rays beside it pass, too.
+bool IsOpen(const std::vector<WorldFace>& faces, const Vec3& eye, const Vec3& direction) {
+    const auto passes = [&](const Vec3& from) { return std::isinf(NearestHit(faces, from, direction, -HOLE_WIDTH)); };
+    if (!passes(eye)) return false;
+    const Vec3 flat = std::abs(direction.y) < 0.9 ? Vec3{0, 1, 0} : Vec3{1, 0, 0};
+    const Vec3 side = Cross(direction, flat) * (HOLE_WIDTH / Length(Cross(direction, flat)));
+    const Vec3 other = Cross(direction, side) * (1 / Length(direction));
+    return passes(eye + side) && passes(eye - side) && passes(eye + other) && passes(eye - other);
+}
+
 // The world must be closed, because the software renderer never clears the upper half of the frame and nobody may fall
 // out of the world. Where there is a sky, only the ground must be.
 void CheckClosed(const LevelData& level, const std::vector<WorldFace>& faces, Report& report) {
     Dice dice;
-    for (const Vec3& eye : PlacesOfPlay(level.number, faces, PLACES)) {
+    for (const Vec3& eye : PlacesOfPlay(level, faces, PLACES)) {
         for (int ray = 0; ray < RAYS_PER_EYE; ++ray) {
             Vec3 direction = dice.Direction();
             if (HasSky(level.number)) direction = {0.4 * direction.x, -1, 0.4 * direction.z};
-            if (!std::isinf(NearestHit(faces, eye, direction, -HOLE_WIDTH))) continue;
+            if (!IsOpen(faces, eye, direction)) continue;
             report.Problem(
                 level.WorldPath(), "seen from " + level.Describe(eye),
                 fmt::format("the world is open towards ({:.2f} {:.2f} {:.2f})", direction.x, direction.y, direction.z),
