@@ -221,7 +221,7 @@ TEST_F(Window, AControllerAloneLeadsFromTheTitleThroughALevelAndTheSettingsOut) 
     say("detach");
     EXPECT_TRUE(WaitFor([&] { return state() == STANDS; })) << "what it held is let go";
     say("attach");
-    press({RIGHT_SHOULDER, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, LEFT, BACK});  // brightness
+    press({RIGHT_SHOULDER, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, LEFT, BACK});  // brightness
     EXPECT_TRUE(WaitFor([&] {
         std::ifstream kept(file);
         const std::string text{std::istreambuf_iterator<char>(kept), {}};

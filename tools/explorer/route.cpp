@@ -17,6 +17,9 @@ namespace {
 constexpr double REACH_UP = 64;  // world units, the reach of a mark in height
 constexpr double SECONDS_PER_TICK = 0.016;
 constexpr uint64_t LEG_FRAMES = 600'000;  // tried before a leg is given up
+constexpr int QUICKER_TRIES = 6;          // for a quicker way of a leg
+constexpr size_t RETURNS = 15;            // legs given up before the route is
+constexpr size_t FARTHEST_RETURN = 3;     // how many legs before one that is given up are walked again, at most
 constexpr float CELL = 48;                // width of a cell; of two ways to a cell the quicker is kept
 constexpr double ROUND_DEGREES = 57.29577951308232;
 
@@ -32,11 +35,11 @@ public:
     LegSearch(Walker& walker, const MarkedPlace& mark, std::mt19937& random)
         : walker_(walker), mark_(mark), random_(random) {}
 
-    // Ends at the mark, or else as near as it got.
-    bool Run() {
+    // Ends at the mark, or else as near as it got. moreTries: for a quicker way, once there is one.
+    bool Run(int moreTries) {
         const Body start = walker_.Save();
         bool there = TryFrom(start, LEG_FRAMES);
-        for (int i = 0; there && i < MORE_TRIES; ++i)
+        for (int i = 0; there && i < moreTries; ++i)
             TryFrom(start, MORE_FRAMES);
         if (!there) end_ = nodes_[closest_];
         walker_.Restore(end_.body);
@@ -47,8 +50,7 @@ public:
 
 private:
     static constexpr int PIECES = 6;
-    static constexpr int MORE_TRIES = 8;  // for a quicker way
-    static constexpr uint64_t MORE_FRAMES = 40'000;
+    static constexpr uint64_t MORE_FRAMES = 25000;
 
     struct Node {
         Body body;
@@ -178,18 +180,37 @@ bool RouteReport::WithinTime(const PlacesFile& places) const {
 }
 
 RouteReport WalkRoute(Walker& walker, const PlacesFile& places, uint32_t seed) {
-    RouteReport report;
+    std::vector<const MarkedPlace*> marks;
+    for (const MarkedPlace& mark : places.marks)
+        if (mark.order != 0) marks.push_back(&mark);
     std::mt19937 random(seed);
-    for (const MarkedPlace& mark : places.marks) {
-        if (mark.order == 0) continue;
-        const uint32_t before = walker.Save().frames;
-        LegSearch leg(walker, mark, random);
-        const bool reached = leg.Run();
-        const double seconds = (walker.Save().frames - before) * walker.Ticks() * SECONDS_PER_TICK;
-        report.legs.push_back({&mark, reached, seconds, walker.Position()});
-        report.seconds += seconds;
-        report.play.insert(report.play.end(), leg.Play().begin(), leg.Play().end());
-        if (!reached) break;
+    struct Way {
+        Body start;
+        RouteLeg leg;
+        KeyPlay play;
+    };
+    std::vector<Way> ways;
+    size_t returns = 0, farthest = 0;
+    while (ways.size() < marks.size()) {
+        const Body start = walker.Save();
+        LegSearch search(walker, *marks[ways.size()], random);
+        // The quickest way to a mark may end where none goes on: what is walked again need not be as quick.
+        const bool reached = search.Run(ways.size() < farthest ? 0 : QUICKER_TRIES);
+        const double seconds = (walker.Save().frames - start.frames) * walker.Ticks() * SECONDS_PER_TICK;
+        ways.push_back({start, {marks[ways.size()], reached, seconds, walker.Position()}, search.Play()});
+        if (reached) continue;
+        if (returns == RETURNS || ways.size() == 1) break;
+        const size_t legs = std::min(ways.size() - 1, 1 + returns % FARTHEST_RETURN);
+        ++returns;
+        farthest = std::max(farthest, ways.size());
+        walker.Restore(ways[ways.size() - 1 - legs].start);
+        ways.erase(ways.end() - 1 - static_cast<std::ptrdiff_t>(legs), ways.end());
+    }
+    RouteReport report;
+    for (const Way& way : ways) {
+        report.legs.push_back(way.leg);
+        report.seconds += way.leg.seconds;
+        report.play.insert(report.play.end(), way.play.begin(), way.play.end());
     }
     return report;
 }
