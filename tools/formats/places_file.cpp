@@ -34,6 +34,8 @@ bool ReadLine(std::istream& in, PlacesFile& places) {
             in >> offset;
     } else if (word == "time") {
         in >> places.routeTime;
+    } else if (word == "net") {
+        in >> places.net.emplace();
     } else if (word == "mark") {
         in >> places.marks.emplace_back();
     } else {
@@ -72,6 +74,7 @@ std::string PlacesText(const PlacesFile& places) {
                                    "map {} {} {} {} {}\ntime {}\n",
                                    places.frame.quarterTurns, places.frame.scale, places.frame.offset[0],
                                    places.frame.offset[1], places.frame.offset[2], places.routeTime);
+    if (places.net) text += fmt::format("net {}\n", *places.net);
     for (const MarkedPlace& mark : places.marks) {
         text += fmt::format("mark {} {} {} {} {} {} {}\n", mark.order, mark.x, mark.y, mark.z, mark.reach,
                             mark.heading ? fmt::format("{}", *mark.heading) : "-", mark.name);

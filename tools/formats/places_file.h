@@ -4,6 +4,7 @@
 // Text, '#' starts a comment:
 //     map 1 1.5 223 376 -211                                quarter turns, scale, offset: see MapFrame
 //     time 240                                              seconds that the route takes at most; 0: not said
+//     net -330                                              height of the hidden ground below everything
 //     mark 1 100.5 485 -32 96 270 the gate                  order, x, y, z, reach, heading, name to the line's end
 //     mark 0 850 645 12 96 - under the roof                 no order: off the route; '-': no picture
 // x, y, z: world units, of a player who stands there. heading: degrees, along (-sin, 0, cos), 0 <= heading < 360.
@@ -36,6 +37,7 @@ struct MapFrame {
 struct PlacesFile {
     MapFrame frame;
     double routeTime = 0;
+    std::optional<double> net;
     std::vector<MarkedPlace> marks;  // the route in its order, then the others
 };
 

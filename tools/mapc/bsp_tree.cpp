@@ -239,16 +239,13 @@ Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes) {
     return TreeBuilder(brushes, TreeKind::Drawing).Build(std::move(faces));
 }
 
-void AddWhole(Tree& tree, std::vector<Face> hidden, const PlaneTable& planes) {
-    for (Face& face : hidden) {
-        const Vec3 middle = WindingCentre(face.winding);
-        int child = 0;
-        while (child >= 0) {
-            const TreeNode& node = tree.nodes[static_cast<size_t>(child)];
-            child = planes[node.plane].Distance(middle) >= 0 ? node.front : node.back;
-        }
-        tree.leaves[static_cast<size_t>(~child)].push_back(std::move(face));
+size_t LeafAt(const Tree& tree, const PlaneTable& planes, const Vec3& place) {
+    int child = 0;
+    while (child >= 0) {
+        const TreeNode& node = tree.nodes[static_cast<size_t>(child)];
+        child = planes[node.plane].Distance(place) >= 0 ? node.front : node.back;
     }
+    return static_cast<size_t>(~child);
 }
 
 bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes) {

@@ -29,9 +29,8 @@ Tree BuildSealingTree(std::vector<Face> faces, Brushes& brushes);
 // terrain's grid divides it without cutting anything.
 Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes);
 
-// Adds hidden faces to the finished tree, each as it is to the leaf that its middle lies in: what is never drawn needs
-// no order.
-void AddWhole(Tree& tree, std::vector<Face> hidden, const PlaneTable& planes);
+// The number of the leaf that the place lies in.
+size_t LeafAt(const Tree& tree, const PlaneTable& planes, const Vec3& place);
 
 // Whether two faces never overlap on the screen when both are seen from the front.
 bool IsOrderFree(const Face& a, const Face& b, const PlaneTable& planes);

@@ -2,12 +2,15 @@
 
 #include "formats/depfile.h"
 #include "formats/files.h"
+#include "mapc/floors_behind.h"
 #include "mapc/instances.h"
+#include "mapc/ledge_walls.h"
 #include "mapc/light.h"
 #include "mapc/light_cuts.h"
 #include "mapc/light_slots.h"
 #include "mapc/map_places.h"
 #include "mapc/merge.h"
+#include "mapc/net.h"
 #include "mapc/sealing.h"
 #include "mapc/skirts.h"
 #include "records/levels.h"
@@ -93,8 +96,9 @@ const Material* ClipMaterial(const MaterialList& list) {
 }
 
 struct ReachableSurface {
-    std::vector<Face> faces;   // that the player can get to see or touch
-    std::vector<Face> skirts;  // behind them
+    std::vector<Face> faces;    // that the player can get to see or touch
+    std::vector<Face> hidden;   // behind and below them
+    std::optional<double> net;  // height of the ground below everything
     std::vector<std::string> notes;
     bool leaks = false;
 };
@@ -102,15 +106,30 @@ struct ReachableSurface {
 // What the player can get to of a map; of one that leaks, everything.
 struct SurfaceRequest {
     const PlayerStart& start;
-    const Material* clip;
-    double scale;
+    const LevelSettings& settings;
+    const Material* clip;  // to paint hidden faces with; null: there are none
     bool takeLeaks;
 };
+
+void AddHidden(const SurfaceRequest& request, const std::vector<Face>& faces, Brushes& brushes,
+               const SealedSpace& space, ReachableSurface& surface) {
+    const double scale = request.settings.scale;
+    const bool guards = request.settings.guards;
+    const auto add = [&](const std::vector<Face>& hidden) {
+        surface.hidden.insert(surface.hidden.end(), hidden.begin(), hidden.end());
+    };
+    if (request.settings.skirts) add(SkirtsBehind(faces, brushes, space, *request.clip, scale, guards));
+    if (!guards) return;
+    add(FloorsBehind(faces, brushes, space, *request.clip, scale));
+    const std::vector<Face> net = NetBelow(faces, brushes, *request.clip, scale);
+    if (!net.empty()) surface.net = net[0].winding[0].z;
+    add(net);
+}
 
 // ContentError with the faults, and with the leak where that is none to be taken.
 ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRequest& request, FaultList& faults) {
     Surface surface = CutBrushes(brushes);
-    const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin, request.scale);
+    const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin, request.settings.scale);
     ReachableSurface reachable;
     if (const std::vector<Vec3>& path = space.LeakPath(); !path.empty()) {
         if (request.takeLeaks) {
@@ -134,8 +153,8 @@ ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRe
     if (surface.visible.empty())
         Refuse(request.start.line, "nothing can be seen from info_player_start", "put it into the level");
     MergeFaces(surface.visible, brushes);
-    if (request.clip) reachable.skirts = SkirtsBehind(surface.visible, brushes, space, *request.clip, request.scale);
-    CheckCounts(map.name, {PolygonCount(surface.visible.size() + reachable.skirts.size())});
+    if (request.clip) AddHidden(request, surface.visible, brushes, space, reachable);
+    CheckCounts(map.name, {PolygonCount(surface.visible.size() + reachable.hidden.size())});
     reachable.faces = std::move(surface.visible);
     return reachable;
 }
@@ -177,9 +196,9 @@ std::string ReportOf(const CompiledLevel& level) {
         report += fmt::format("{:>9} of {:>8}  {}\n", count.value, count.limit, count.name);
     }
     report += fmt::format("{:>9} of {:>8}  polygons touched at one place\n", level.contacts.count, LEVEL_CONTACTS_MAX);
-    report += fmt::format("{:>9} skirts behind walls", level.skirts);
-    if (level.skirtsLeftOut > 0)
-        report += fmt::format("; {} more would be too many for the level or for a place in it", level.skirtsLeftOut);
+    report += fmt::format("{:>9} hidden faces", level.hidden);
+    if (level.hiddenLeftOut > 0)
+        report += fmt::format("; {} more would be too many for the level or for a place in it", level.hiddenLeftOut);
     report += "\n";
     report += fmt::format("{:>9.2f} seconds of light: {} rays, {:.1f} million a second\n", level.lightSeconds,
                           level.rays, static_cast<double>(level.rays) / (level.lightSeconds * 1e6));
@@ -228,17 +247,24 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
         compiled.places = PlacesOf(map, brushes, compiled.placement);
     });
 
-    const Material* clip = settings.skirts ? ClipMaterial(list) : nullptr;
-    ReachableSurface surface = SurfaceOf(map, brushes, {*start, clip, settings.scale, takeLeaks}, faults);
+    const Material* clip = ClipMaterial(list);
+    ReachableSurface surface = SurfaceOf(map, brushes, {*start, settings, clip, takeLeaks}, faults);
     const Tree tree = BuildDrawingTree(std::move(surface.faces), brushes);
+    std::vector<LeafFace> hidden;
+    if (clip && settings.guards) hidden = WallsBesideLedges(tree, brushes, *clip, settings.scale);
+    for (Face& face : surface.hidden) {
+        const size_t leaf = LeafAt(tree, brushes.planes, WindingCentre(face.winding));
+        hidden.push_back({std::move(face), leaf});
+    }
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
-    CutWorld cut = CutForLight(tree, std::move(surface.skirts), sources, bake);
+    CutWorld cut = CutForLight(tree, std::move(hidden), sources, bake);
     compiled.world = std::move(cut.world);
     compiled.counts = std::move(cut.counts);
     compiled.contacts = cut.contacts;
     compiled.leaks = surface.leaks;
-    compiled.skirts = cut.skirts;
-    compiled.skirtsLeftOut = cut.skirtsLeftOut;
+    compiled.hidden = cut.hidden;
+    compiled.hiddenLeftOut = cut.hiddenLeftOut;
+    if (surface.net && cut.hidden > 0) compiled.places.net = compiled.placement.ToEngine({0, 0, *surface.net}).y;
     compiled.notes = std::move(surface.notes);
     compiled.notes.insert(compiled.notes.end(), cut.notes.begin(), cut.notes.end());
     SetFarDistance(map, compiled.world, settings);

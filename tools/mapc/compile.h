@@ -21,7 +21,7 @@ struct CompiledLevel {
     std::vector<std::string> notes;  // what the author should know, a line each
     Contacts contacts;
     bool leaks = false;
-    size_t skirts = 0, skirtsLeftOut = 0;
+    size_t hidden = 0, hiddenLeftOut = 0;
     size_t rays = 0;          // rays traced for the light
     double lightSeconds = 0;  // time that the light took
 };

@@ -62,6 +62,7 @@ const std::vector<EntityClass> ENTITY_CLASSES{
       "ticks",
       "track",
       "skirts",
+      "guards",
       "mapversion",
       "message",
       "wad"}},  // sky, ticks and track are for ./play --map; the last three are written by editors
@@ -121,6 +122,7 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     settings.farDistance = static_cast<int>(number("far_distance", settings.farDistance, 1, 1e6));
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
     settings.skirts = number("skirts", 1, 0, 1) != 0;
+    settings.guards = number("guards", 0, 0, 1) != 0;
     settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
     ReadColour(world, "bright_color", settings.brightColour);
     ReadDarkColour(world, dark, settings.darkColour);

@@ -23,6 +23,7 @@ struct LevelSettings {
     int fadeDistance = 10000;       // "fade_distance": software, everything has faded to the dark colour
     int farDistance = 16000;        // "far_distance": software, nothing beyond is drawn
     bool skirts = true;             // "skirts": leaning faces behind walls, see mapc/skirts.h
+    bool guards = false;            // "guards": hidden faces against falls and lifts, see compile.cpp: AddHidden
     int lightMode = 0;              // "light_mode": 2 inverts the light
     bool plainBrightening = false;  // "plain_brightening": all colours brighten by the same fraction
     std::array<int, 3> brightColour{63, 63, 63};  // "bright_color": towards which light brightens, 0..63 each

@@ -3,7 +3,6 @@
 #include "formats/error.h"
 #include "mapc/emit.h"
 #include "mapc/fan.h"
-#include "mapc/skirts.h"
 #include "mapc/tessellate.h"
 
 #include <fmt/format.h>
@@ -29,8 +28,8 @@ Mesh MeshOf(const Tree& tree, const Brushes& brushes, double scale) {
 
 class LightCuts {
 public:
-    LightCuts(const Tree& tree, std::vector<Face> skirts, const LightSources& sources)
-        : tree_(tree), sources_(sources), skirts_(std::move(skirts)), skirtsAtFirst_(skirts_.size()) {}
+    LightCuts(const Tree& tree, std::vector<LeafFace> hidden, const LightSources& sources)
+        : tree_(tree), sources_(sources), hidden_(std::move(hidden)), hiddenAtFirst_(hidden_.size()) {}
 
     CutWorld Make(const BakeOptions& bake) {
         if (sources_.settings.subdivide == 0 || bake.quality == LightQuality::None) return Uncut();
@@ -63,12 +62,12 @@ private:
         return count;
     }
 
-    // Refuses what is beyond a limit. Skirts are no reason to.
+    // Refuses what is beyond a limit. Hidden faces are no reason to.
     CutWorld Uncut() {
-        CutWorld cut = WithSkirts(tree_);
-        if (IsTooLarge(cut) && !skirts_.empty()) {
-            skirts_.clear();
-            cut = WithSkirts(tree_);
+        CutWorld cut = WithHidden(tree_);
+        if (IsTooLarge(cut) && !hidden_.empty()) {
+            hidden_.clear();
+            cut = WithHidden(tree_);
         }
         CheckCounts(sources_.mapName, cut.counts);
         if (cut.contacts.count > LEVEL_CONTACTS_MAX) {
@@ -126,7 +125,7 @@ private:
         Tree tree = tree_;
         TessellateWhereLightBends(tree, sources_.brushes.planes, grid_, *light_,
                                   [this](const Face& face) { return ToleranceOf(face); });
-        return WithSkirts(tree);
+        return WithHidden(tree);
     }
 
     double ToleranceOf(const Face& face) const {
@@ -138,24 +137,25 @@ private:
         return tolerance;
     }
 
-    // Where the player would touch too many polygons, the smallest skirts have to go before the light grid does.
-    CutWorld WithSkirts(const Tree& tree) {
+    // Where the player would touch too many polygons, the smallest hidden faces have to go before the light grid does.
+    CutWorld WithHidden(const Tree& tree) {
         CutWorld cut = WorldOf(tree);
         while (!IsTooLarge(cut) && cut.contacts.count > LEVEL_CONTACTS_MAX) {
             const size_t tooMany = static_cast<size_t>(cut.contacts.count - LEVEL_CONTACTS_MAX);
             const double reach = CONTACTS_REACH / sources_.settings.scale;
-            if (!ThinSkirts(skirts_, PlaceOf(cut.contacts), reach, tooMany)) break;
+            if (!LeaveOutSmallest(hidden_, PlaceOf(cut.contacts), reach, tooMany)) break;
             cut = WorldOf(tree);
         }
-        cut.skirts = skirts_.size();
-        cut.skirtsLeftOut = skirtsAtFirst_ - skirts_.size();
-        if (skirts_.empty() && skirtsAtFirst_ > 0)
-            cut.notes.push_back("no skirts find room in the level: its walls can be crept through");
+        cut.hidden = hidden_.size();
+        cut.hiddenLeftOut = hiddenAtFirst_ - hidden_.size();
+        if (hidden_.empty() && hiddenAtFirst_ > 0)
+            cut.notes.push_back("no hidden faces find room in the level: its walls can be crept through");
         return cut;
     }
 
     CutWorld WorldOf(Tree tree) const {
-        AddWhole(tree, skirts_, sources_.brushes.planes);
+        for (const LeafFace& hidden : hidden_)
+            tree.leaves[hidden.leaf].push_back(hidden.face);
         CutWorld cut;
         cut.world = EmitWorld(tree, MeshOf(tree, sources_.brushes, sources_.settings.scale), sources_.brushes,
                               sources_.placement);
@@ -202,8 +202,8 @@ private:
 
     const Tree& tree_;
     const LightSources& sources_;
-    std::vector<Face> skirts_;
-    size_t skirtsAtFirst_;
+    std::vector<LeafFace> hidden_;
+    size_t hiddenAtFirst_;
     LightGrid grid_;
     std::optional<SurfaceLight> light_;
     double level_ = sources_.settings.lightTolerance;  // tolerance everywhere, light bytes
@@ -212,6 +212,7 @@ private:
 
 }  // namespace
 
-CutWorld CutForLight(const Tree& tree, std::vector<Face> skirts, const LightSources& sources, const BakeOptions& bake) {
-    return LightCuts(tree, std::move(skirts), sources).Make(bake);
+CutWorld CutForLight(const Tree& tree, std::vector<LeafFace> hidden, const LightSources& sources,
+                     const BakeOptions& bake) {
+    return LightCuts(tree, std::move(hidden), sources).Make(bake);
 }

@@ -2,6 +2,7 @@
 // engine's limits allow.
 #pragma once
 
+#include "mapc/hidden_faces.h"
 #include "mapc/light.h"
 #include "mapc/limits.h"
 
@@ -9,10 +10,11 @@ struct CutWorld {
     WorldFile world;
     std::vector<Count> counts;  // none beyond its limit
     Contacts contacts;
-    size_t skirts = 0, skirtsLeftOut = 0;
+    size_t hidden = 0, hiddenLeftOut = 0;
     std::vector<std::string> notes;  // where the grid became coarser to keep the limits
 };
 
-// skirts: hidden faces, left out where they are too much. ContentError when not even the world without any cuts keeps
+// hidden: left out where they are too many. ContentError when not even the world without any cuts keeps
 // the limits; it names what is exceeded and where.
-CutWorld CutForLight(const Tree& tree, std::vector<Face> skirts, const LightSources& sources, const BakeOptions& bake);
+CutWorld CutForLight(const Tree& tree, std::vector<LeafFace> hidden, const LightSources& sources,
+                     const BakeOptions& bake);

@@ -149,15 +149,6 @@ void SealedSpace::MarkSolid(const Brushes& brushes) {
     }
 }
 
-int SealedSpace::LeafAt(const Vec3& p) const {
-    int child = 0;
-    while (child >= 0) {
-        const TreeNode& node = tree_.nodes[static_cast<size_t>(child)];
-        child = planes_[node.plane].Distance(p) >= 0 ? node.front : node.back;
-    }
-    return ~child;
-}
-
 // Breadth first, so that a leak is reported along a short way.
 void SealedSpace::Flood(const Vec3& start, bool throughSlits) {
     leakPath_.clear();
@@ -165,7 +156,7 @@ void SealedSpace::Flood(const Vec3& start, bool throughSlits) {
         leaf.flooded = false;
         leaf.cameFrom = -1;
     }
-    std::vector<int> queue{LeafAt(start)};
+    std::vector<int> queue{static_cast<int>(LeafAt(tree_, planes_, start))};
     leaves_[static_cast<size_t>(queue[0])].flooded = true;
     for (size_t at = 0; at < queue.size(); ++at) {
         const LeafSpace& leaf = leaves_[static_cast<size_t>(queue[at])];

@@ -12,7 +12,7 @@ public:
     SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start, double scale);
 
     const std::vector<Vec3>& LeakPath() const { return leakPath_; }  // empty when the level is sealed
-    bool Reaches(const Vec3& p) const { return leaves_[static_cast<size_t>(LeafAt(p))].flooded; }
+    bool Reaches(const Vec3& p) const { return leaves_[LeafAt(tree_, planes_, p)].flooded; }
     bool IsSeen(const Face& face) const;  // whether some of its front borders on the flooded space
 
 private:
@@ -36,7 +36,6 @@ private:
     void FilterDown(int child, Winding winding, std::vector<std::pair<int, Winding>>& pieces) const;
     void Join(int front, int back, const Winding& winding);
     void MarkSolid(const Brushes& brushes);
-    int LeafAt(const Vec3& p) const;
     void Flood(const Vec3& start, bool throughSlits);
     void TracePath(int leaf, const Vec3& start);
     void StraightenPath();

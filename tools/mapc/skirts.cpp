@@ -1,30 +1,30 @@
 #include "mapc/skirts.h"
 
-#include "mapc/box_grid.h"
 #include "mapc/merge.h"
+#include "mapc/wall_depth.h"
 #include "records/walking_facts.h"
 
 namespace {
 
 // In engine units.
-constexpr double INSET = 8;         // how far a skirt's lower edge lies behind the wall
-constexpr double SAMPLE_STEP = 48;  // distance between the places where a wall's thickness is measured
-constexpr double DEPTH_STEP = 8;
-constexpr double DEPTH_MAX = 136;  // thicker walls count as this
+constexpr double INSET = 8;        // how far a skirt's lower edge lies behind the wall
 constexpr double WIDTH_MIN = 128;  // narrower walls are taken as a whole
-// Below this the floors on both sides of the wall reach far enough into it.
-constexpr double DEPTH_MIN = 2 * MOVE_SPHERE_RADIUS + INSET;
+constexpr double REACH_MAX = 128;  // of a skirt's upper edge behind the wall
+// With less room behind a wall there are no skirts: the floors on both sides of it reach far enough into it.
+constexpr double REACH_MIN = 2 * MOVE_SPHERE_RADIUS;
+// Between the skirts of both sides of a wall that stay apart.
+constexpr double APART = 3 * MOVE_SPHERE_RADIUS;
+constexpr double AREA_MIN = 0.5;  // map units; smaller skirts have no direction
 
 class SkirtMaker {
 public:
-    SkirtMaker(Brushes& brushes, const SealedSpace& space, const Material& clip, double scale)
-        : brushes_(brushes), space_(space), clip_(clip), unit_(1 / scale), grid_(BoxesOf(brushes)) {}
+    SkirtMaker(Brushes& brushes, const SealedSpace& space, const Material& clip, double scale, bool staysApart)
+        : brushes_(brushes), clip_(clip), unit_(1 / scale), staysApart_(staysApart), depth_(brushes, space, scale) {}
 
     std::vector<Face> Behind(const std::vector<Face>& faces) {
-        std::vector<Face> walls;
-        const int paint = NewTexture({0, 0, 1});
+        std::vector<Face> walls;  // all painted alike, so that they merge
         for (const Face& face : faces) {
-            if (IsWall(face)) walls.emplace_back(face.winding, face.plane, paint, true);
+            if (IsWall(face)) walls.emplace_back(face.winding, face.plane, faces[0].texture, true);
         }
         MergeFaces(walls, brushes_);
         for (const Face& wall : walls)
@@ -33,51 +33,24 @@ public:
     }
 
 private:
-    static std::vector<Box> BoxesOf(const Brushes& brushes) {
-        std::vector<Box> boxes;
-        for (const Brush& brush : brushes.list)
-            boxes.push_back(brush.box);
-        return boxes;
-    }
-
-    int NewTexture(const Vec3& normal) {
-        MapFace face;
-        face.texture = clip_.name;
-        brushes_.textures.push_back(TextureOf(face, normal, clip_));
-        return static_cast<int>(brushes_.textures.size()) - 1;
-    }
-
     bool IsWall(const Face& face) const {
         const bool isCutout = brushes_.textures[static_cast<size_t>(face.texture)].material->flags & MATERIAL_CUTOUT;
         return !isCutout && std::abs(brushes_.planes[face.plane].normal.z) < double{STEEP_SLOPE};
     }
 
-    // Whether the player can be there.
-    bool IsOpen(const Vec3& p) const {
-        if (!space_.Reaches(p)) return false;
-        return !grid_.AnyAt(p, 0, [&](int i) {
-            const Brush& brush = brushes_.list[static_cast<size_t>(i)];
-            return brush.kind != BrushKind::Cutout && brush.Holds(p, brushes_.planes, 0);
-        });
-    }
+    // How thick a wall must be for a skirt whose upper edge lies so far behind it.
+    double DepthFor(double reach) const { return staysApart_ ? 2 * reach + APART * unit_ : reach + INSET * unit_; }
+    double ReachIn(double depth) const { return staysApart_ ? (depth - APART * unit_) / 2 : depth - INSET * unit_; }
 
     // How far it is behind the wall to where the player can be again.
     double DepthBehind(const Face& wall, const Vec3& back) const {
-        double least = DEPTH_MAX * unit_;
         const Vec3 centre = wall.box.Centre();
-        const auto feel = [&](const Vec3& p) {
-            for (double depth = DEPTH_STEP * unit_; depth < least; depth += DEPTH_STEP * unit_) {
-                if (IsOpen(p + back * depth)) least = depth;
-            }
-        };
-        feel(centre);
-        for (size_t i = 0; i < wall.winding.size() && least >= DEPTH_MIN * unit_; ++i) {
-            const Vec3& from = wall.winding[i];
-            const Vec3 along = wall.winding[(i + 1) % wall.winding.size()] - from;
-            const int steps = 1 + static_cast<int>(Length(along) / (SAMPLE_STEP * unit_));
-            for (int k = 0; k < steps; ++k) {
-                const Vec3 edge = from + along * ((k + 0.5) / steps);
-                feel(edge + (centre - edge) * (unit_ / (unit_ + Length(centre - edge))));
+        double least = depth_.At(centre, back, DepthFor(REACH_MAX * unit_));
+        for (size_t i = 0; i < wall.winding.size() && least >= DepthFor(REACH_MIN * unit_); ++i) {
+            for (const Vec3& edge :
+                 SamplesAlong(wall.winding[i], wall.winding[(i + 1) % wall.winding.size()], 1 / unit_)) {
+                const Vec3 inside = edge + (centre - edge) * (unit_ / (unit_ + Length(centre - edge)));
+                least = depth_.At(inside, back, least);
             }
         }
         return least;
@@ -94,8 +67,8 @@ private:
         const double across = std::sqrt(normal.x * normal.x + normal.y * normal.y);
         const Vec3 back{-normal.x / across, -normal.y / across, 0};
         const double depth = DepthBehind(wall.face, back);
-        if (depth >= DEPTH_MIN * unit_) {
-            AddBands(wall, back, normal.z / across, depth);
+        if (depth >= DepthFor(REACH_MIN * unit_)) {
+            AddBands(wall, back, normal.z / across, ReachIn(depth));
         } else {
             AddHalves(std::move(wall), {-back.y, back.x, 0});
         }
@@ -118,14 +91,14 @@ private:
         AddBehind({{std::move(rightPart), wall.face.plane, wall.face.texture, true}, true, wall.goesOnRight});
     }
 
-    // slope: how much the wall itself leans.
-    void AddBands(const Piece& wall, const Vec3& back, double slope, double depth) {
+    // slope: how much the wall itself leans. reachMost: of the skirts behind it.
+    void AddBands(const Piece& wall, const Vec3& back, double slope, double reachMost) {
         // The game takes every face for larger by the player's radius: where he may be beside the wall, over or under
         // it, the skirt ends so much sooner.
         const double low = wall.face.box.min.z + MOVE_SPHERE_RADIUS * unit_;
         const double height = wall.face.box.max.z - MOVE_SPHERE_RADIUS * unit_ - low;
         if (height < MOVE_SPHERE_RADIUS * unit_) return;
-        const double band = (depth - 2 * INSET * unit_) / SKIRT_LEAN;
+        const double band = (reachMost - INSET * unit_) / SKIRT_LEAN;
         const int bands = static_cast<int>(std::ceil(height / band));
         for (int i = 0; i < bands; ++i) {
             const double bottom = low + height * i / bands;
@@ -145,14 +118,7 @@ private:
     }
 
     void AddSkirt(Winding winding) {
-        const Vec3 normal = WindingNormal(winding);
-        const double length = Length(normal);
-        if (length < 1) return;
-        const Vec3 unit = normal * (1 / length);
-        const int texture = NewTexture(unit);
-        PlaceTexture(brushes_.textures[static_cast<size_t>(texture)], {&winding});
-        const int plane = brushes_.planes.Find(unit, Dot(unit, winding[0]));
-        skirts_.emplace_back(std::move(winding), plane, texture, true);
+        if (WindingArea(winding) >= AREA_MIN) skirts_.push_back(HiddenFace(std::move(winding), brushes_, clip_));
     }
 
     static void FillDents(Winding& winding) {
@@ -176,7 +142,7 @@ private:
         const auto isInACorner = [&](const Vec3& p) {
             for (const double part : {0.1, 0.5, 1.0}) {
                 for (const double depth : {0.1, 0.5, 1.0}) {
-                    if (IsOpen(p + side * (reach * part) + back * (reach * depth))) return false;
+                    if (depth_.IsOpen(p + side * (reach * part) + back * (reach * depth))) return false;
                 }
             }
             return true;
@@ -192,31 +158,16 @@ private:
     }
 
     Brushes& brushes_;
-    const SealedSpace& space_;
     const Material& clip_;
     double unit_;  // an engine unit in map units
-    BoxGrid grid_;
+    bool staysApart_;
+    WallDepth depth_;
     std::vector<Face> skirts_;
 };
 
 }  // namespace
 
-bool ThinSkirts(std::vector<Face>& skirts, const Vec3& place, double reach, size_t count) {
-    std::vector<double> areas;
-    const Box near = Box{place, place}.Grown(reach);
-    for (const Face& skirt : skirts) {
-        if (skirt.box.Touches(near, 0)) areas.push_back(WindingArea(skirt.winding));
-    }
-    if (areas.empty()) return false;
-    count = std::min(count, areas.size());
-    std::nth_element(areas.begin(), areas.begin() + static_cast<std::ptrdiff_t>(count - 1), areas.end());
-    const double most = areas[count - 1];
-    std::erase_if(skirts,
-                  [&](const Face& skirt) { return skirt.box.Touches(near, 0) && WindingArea(skirt.winding) <= most; });
-    return true;
-}
-
 std::vector<Face> SkirtsBehind(const std::vector<Face>& faces, Brushes& brushes, const SealedSpace& space,
-                               const Material& clip, double scale) {
-    return SkirtMaker(brushes, space, clip, scale).Behind(faces);
+                               const Material& clip, double scale, bool stayApart) {
+    return SkirtMaker(brushes, space, clip, scale, stayApart).Behind(faces);
 }

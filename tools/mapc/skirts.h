@@ -10,14 +10,13 @@
 //      -----+ - - -
 #pragma once
 
+#include "mapc/hidden_faces.h"
 #include "mapc/sealing.h"
 
 constexpr double SKIRT_LEAN = 0.23;  // horizontal over vertical: too flat to be taken for a ledge
 
-// Leaves out so many skirts near the place, the smallest of those within reach of it. False when there are none.
-bool ThinSkirts(std::vector<Face>& skirts, const Vec3& place, double reach, size_t count);
-
 // The skirts of all walls among the faces, which are merged. clip: the material to paint them with. scale: engine units
-// per map unit.
+// per map unit. stayApart: whether the skirts on both sides of a wall leave a gap between them, so that nobody is
+// caught between the back of one and the front of the other; thinner walls then go without.
 std::vector<Face> SkirtsBehind(const std::vector<Face>& faces, Brushes& brushes, const SealedSpace& space,
-                               const Material& clip, double scale);
+                               const Material& clip, double scale, bool stayApart);

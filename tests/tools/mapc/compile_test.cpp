@@ -54,6 +54,48 @@ TEST(Compile, OneConvexRoomStillGetsANode) {
     ExpectSound(level.world);
 }
 
+struct Extent {
+    float low[3] = {1e9F, 1e9F, 1e9F}, high[3] = {-1e9F, -1e9F, -1e9F};
+};
+
+Extent ExtentOf(const WorldFile& world, const WorldPolygon& polygon) {
+    Extent extent;
+    for (size_t k = 0; k < polygon.cornerCount; ++k) {
+        const WorldVector& p = world.points[world.corners[polygon.firstCorner + k].point].position;
+        for (size_t axis = 0; axis < 3; ++axis) {
+            extent.low[axis] = std::min(extent.low[axis], p[axis]);
+            extent.high[axis] = std::max(extent.high[axis], p[axis]);
+        }
+    }
+    return extent;
+}
+
+// Whether the step's riser comes after a side of the pillar that stands on the step, in the leaf of the riser.
+bool RiserComesAfterPillar(const WorldFile& world) {
+    for (const WorldLeaf& leaf : world.leaves) {
+        bool pillarMet = false;
+        for (size_t i = leaf.firstPolygon; i < size_t{leaf.firstPolygon} + leaf.polygonCount; ++i) {
+            const Extent extent = ExtentOf(world, world.polygons[i]);
+            if (extent.low[2] == 100 && extent.high[2] == 100 && extent.high[1] > 200) pillarMet = true;
+            const bool isRiser = extent.low[0] == 900 && extent.high[0] == 900 && extent.high[1] == 40;
+            if (isRiser && extent.low[2] < 100 && extent.high[2] >= 100) return pillarMet;
+        }
+    }
+    throw std::runtime_error("no riser");
+}
+
+TEST(Compile, GuardsPutATallWallBeforeTheLedgeBesideItAndAGroundBelowEverything) {
+    MapBuilder map = TwoRooms();
+    map.Box({900, 100, 40}, {980, 160, 300});
+    const CompiledLevel bare = Compile(map);
+    EXPECT_FALSE(RiserComesAfterPillar(bare.world));
+    EXPECT_FALSE(bare.places.net);
+    map.guards = true;
+    const CompiledLevel guarded = Compile(map);
+    EXPECT_TRUE(RiserComesAfterPillar(guarded.world));
+    EXPECT_EQ(guarded.places.net, -72);
+}
+
 TEST(Compile, BothFormsOfAMapGiveTheSameBytes) {
     MapBuilder valve = TwoRooms();
     MapBuilder plain = TwoRooms();
@@ -130,10 +172,10 @@ TEST(Compile, ALevelThatIsTooLargeWithSkirtsGoesWithout) {
         map.Box({x, y, 0}, {x + 48, y + 48, 200});
     }
     const CompiledLevel level = Compile(map, 0, {LightQuality::None, 1, {}});
-    EXPECT_EQ(level.skirts, 0U);
-    EXPECT_GT(level.skirtsLeftOut, 3000U);
+    EXPECT_EQ(level.hidden, 0U);
+    EXPECT_GT(level.hiddenLeftOut, 3000U);
     EXPECT_EQ(level.notes,
-              std::vector<std::string>{"no skirts find room in the level: its walls can be crept through"});
+              std::vector<std::string>{"no hidden faces find room in the level: its walls can be crept through"});
 }
 
 TEST(Compile, OneRunTellsAllFaultsInTheOrderOfTheirLines) {

@@ -1,0 +1,14 @@
+// Faces that mapc adds to a world for the player's movement alone: painted with clip, so that nobody sees them.
+#pragma once
+
+#include "mapc/bsp_tree.h"
+
+Face HiddenFace(Winding winding, Brushes& brushes, const Material& clip);
+
+struct LeafFace {
+    Face face;
+    size_t leaf;  // of the tree
+};
+
+// Leaves out so many of the faces near the place, the smallest of those within reach of it. False when there are none.
+bool LeaveOutSmallest(std::vector<LeafFace>& faces, const Vec3& place, double reach, size_t count);
