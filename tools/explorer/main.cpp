@@ -45,9 +45,10 @@ int Walk(const WalkerLevel& files, const PlacesFile& places, uint32_t seed, cons
     return report.WithinTime(places) ? 0 : 1;
 }
 
-int Explore(const WalkerLevel& files, const SearchOptions& options, const std::optional<PlacesFile>& places,
+int Explore(const WalkerLevel& files, SearchOptions options, const std::optional<PlacesFile>& places,
             const fs::path& output, const std::string& level, const std::vector<std::string>& allowed) {
     const auto begin = std::chrono::steady_clock::now();
+    if (places && places->net) options.net = static_cast<float>(*places->net);
     Walker walker(files);
     const SearchReport report = Search(walker, options).Run();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;

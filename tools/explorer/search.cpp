@@ -14,6 +14,7 @@ namespace {
 // Lengths in world units, times in ticks unless they say frames.
 constexpr float LIFT_LIMIT = 80;
 constexpr float OUTSIDE = 200;         // so far beyond the box of the world
+constexpr float ON_THE_NET = 16;       // so near to the ground below everything
 constexpr uint32_t TRAP_FRAMES = 600;  // for which there is no way on
 constexpr float TRAP_SIZE = 160;       // whoever gets so far away is not trapped
 constexpr float SUSPECT_SIZE = 96;     // a rollout that stays in a box of this size may have met a trap
@@ -157,6 +158,13 @@ void Search::Note(const Vec3& p) {
     if (p.y > report_.highest.y) report_.highest = p;
 }
 
+bool Search::HasFallen(const Vec3& p) const {
+    if (options_.net && PlayerActor.onContact && p.y < *options_.net + STANDING_HEIGHT + ON_THE_NET) return true;
+    const Vec3 &low = walker_.Low(), &high = walker_.High();
+    return p.y < low.y || p.x < low.x - OUTSIDE || p.x > high.x + OUTSIDE || p.z < low.z - OUTSIDE ||
+           p.z > high.z + OUTSIDE;
+}
+
 Search::Outcome Search::Play(Rollout& rollout, const HeldKeys& keys, bool watchWalls) {
     rollout.pending.push_back({keys.controls, 0});
     uint32_t& played = rollout.pending.back().frames;
@@ -167,9 +175,7 @@ Search::Outcome Search::Play(Rollout& rollout, const HeldKeys& keys, bool watchW
         ++report_.frames;
         const Vec3 p = walker_.Position();
         report_.contacts = std::max(report_.contacts, int{ContactCount});
-        const bool isBelow = p.y < walker_.Low().y;
-        if (isBelow || p.x < walker_.Low().x - OUTSIDE || p.x > walker_.High().x + OUTSIDE ||
-            p.z < walker_.Low().z - OUTSIDE || p.z > walker_.High().z + OUTSIDE) {
+        if (HasFallen(p)) {
             AddFault(FaultKind::Fall, rollout.stood, rollout);
             return Outcome::Over;
         }

@@ -4,6 +4,7 @@
 
 #include "explorer/walker.h"
 
+#include <optional>
 #include <random>
 #include <string>
 #include <unordered_map>
@@ -16,7 +17,7 @@ struct HeldKeys {
 using KeyPlay = std::vector<HeldKeys>;
 
 enum class FaultKind {
-    Fall,   // below the world, or far outside of it
+    Fall,   // to the ground below the world, or below that, or far outside
     Trap,   // no way on for 600 frames, whatever the keys
     Lift,   // up by more than 80 in one frame
     Creep,  // through a wall, by keys held
@@ -36,6 +37,7 @@ struct Fault {
 struct SearchOptions {
     uint64_t frames = 12'000'000;
     uint32_t seed = 1;
+    std::optional<float> net = {};  // height of the hidden ground below everything
 };
 
 struct SearchReport {
@@ -77,6 +79,7 @@ private:
     HeldKeys RandomKeys();
     size_t PickPlace();
     Rollout Begin(size_t place);
+    bool HasFallen(const Vec3& position) const;
     Outcome Play(Rollout& rollout, const HeldKeys& keys, bool watchWalls);
     void PlayAtRandom();
     void PlayHeld(size_t place, uint32_t turn, uint16_t controls);

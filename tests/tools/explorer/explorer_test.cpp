@@ -2,6 +2,7 @@
 #include "explorer/report.h"
 #include "explorer/route.h"
 #include "program/run_program.h"
+#include "records/walking_facts.h"
 #include "walled_room.h"
 
 #include <gtest/gtest.h>
@@ -42,6 +43,19 @@ TEST(Explorer, UprightWallsAreCreptThrough) {
 
 TEST(Explorer, SkirtsStopWhoeverCreeps) {
     EXPECT_EQ(Explore(Room::Skirted).faults.size(), 0U);
+}
+
+TEST(Explorer, NobodyFallsBelowTheNet) {
+    const std::optional<float> net = WriteRoom(Room::Netted, "world.bgm");
+    ASSERT_TRUE(net);
+    Walker walker({"world.bgm", {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    SearchOptions options{.frames = 1'500'000, .seed = 1};
+    const SearchReport report = Search(walker, options).Run();
+    EXPECT_EQ(CountOf(report, FaultKind::Fall) + CountOf(report, FaultKind::Trap), 0);
+    EXPECT_LT(report.lowest.y, *net + STANDING_HEIGHT + 8);  // somebody came down on it
+    Walker again({"world.bgm", {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    options.net = net;
+    EXPECT_GT(CountOf(Search(again, options).Run(), FaultKind::Fall), 0);  // and that is told
 }
 
 TEST(Explorer, ALedgeBesideATallWallThrowsThePlayerUp) {

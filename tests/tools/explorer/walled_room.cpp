@@ -64,13 +64,14 @@ MapBuilder LeaningRoom(const Hole& hole) {
 
 MapBuilder MapOf(Room room) {
     const int depth = room == Room::Pit ? 600 : 0;
-    if (room == Room::Upright || room == Room::Skirted) {
+    if (room == Room::Upright || room == Room::Skirted || room == Room::Netted) {
         MapBuilder map;
         map.skirts = room == Room::Skirted;
+        map.guards = room == Room::Netted;
         return map.Room({0, 0, 0}, {SIDE, SIDE, HEIGHT}).Box({500, 500, 0}, {580, 580, 300});
     }
     MapBuilder map = LeaningRoom({{480, 480, -depth}, {600, 600, 0}});
-    if (room != Room::Ledge) return map;
+    if (room == Room::Safe || room == Room::Pit) return map;
     for (int x = 250; x < 750; x += 110)
         map.TurnedBox({x, 200, 0}, {x + 100, 300, 24});
     return map.Box({200, 300, 0}, {800, 500, 300});
@@ -78,7 +79,9 @@ MapBuilder MapOf(Room room) {
 
 }  // namespace
 
-void WriteRoom(Room room, const std::filesystem::path& world) {
+std::optional<float> WriteRoom(Room room, const std::filesystem::path& world) {
     const CompiledLevel level = Compile(MapOf(room).Start("200 200 60"), 3, {LightQuality::None, 1, {}});
     WriteWholeFile(world, EncodeWorld(level.world));
+    if (!level.places.net) return std::nullopt;
+    return static_cast<float>(*level.places.net);
 }

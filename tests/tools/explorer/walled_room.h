@@ -2,13 +2,16 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 enum class Room {
     Safe,     // its walls lean away, so that a player who falls along them presses into them
     Upright,  // its walls stand upright
     Skirted,  // as Upright, with skirts behind them
+    Netted,   // as Upright, with the floors behind walls and the ground below everything that mapc adds
     Ledge,    // as Safe, with ledges of 24 that lead aslant to a tall block
     Pit,      // as Safe, with a hole in the floor, 120 by 120 and 600 deep
 };
 
-void WriteRoom(Room room, const std::filesystem::path& world);
+// The height of the ground below everything, where there is one.
+std::optional<float> WriteRoom(Room room, const std::filesystem::path& world);
