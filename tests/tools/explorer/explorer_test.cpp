@@ -12,6 +12,7 @@
 namespace {
 
 const std::filesystem::path DATA = SOURCE_FOLDER "/tests/levels/data";
+const std::filesystem::path WORLD = std::filesystem::path(testing::TempDir()) / "world.bgm";
 
 SearchReport Explore(const std::filesystem::path& world, const std::filesystem::path& lights, const Vec3& start) {
     Walker walker({world, lights, DATA / "game/data/anims", start, 1});
@@ -19,8 +20,8 @@ SearchReport Explore(const std::filesystem::path& world, const std::filesystem::
 }
 
 SearchReport Explore(Room room) {
-    WriteRoom(room, "world.bgm");
-    return Explore("world.bgm", {}, {223, 488, -211});
+    WriteRoom(room, WORLD);
+    return Explore(WORLD, {}, {223, 488, -211});
 }
 
 int CountOf(const SearchReport& report, FaultKind kind) {
@@ -46,14 +47,14 @@ TEST(Explorer, SkirtsStopWhoeverCreeps) {
 }
 
 TEST(Explorer, NobodyFallsBelowTheNet) {
-    const std::optional<float> net = WriteRoom(Room::Netted, "world.bgm");
+    const std::optional<float> net = WriteRoom(Room::Netted, WORLD);
     ASSERT_TRUE(net);
-    Walker walker({"world.bgm", {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});
     SearchOptions options{.frames = 1'500'000, .seed = 1};
     const SearchReport report = Search(walker, options).Run();
     EXPECT_EQ(CountOf(report, FaultKind::Fall) + CountOf(report, FaultKind::Trap), 0);
     EXPECT_LT(report.lowest.y, *net + STANDING_HEIGHT + 8);  // somebody came down on it
-    Walker again({"world.bgm", {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    Walker again({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});
     options.net = net;
     EXPECT_GT(CountOf(Search(again, options).Run(), FaultKind::Fall), 0);  // and that is told
 }
@@ -67,8 +68,8 @@ TEST(Explorer, APitWithoutAWayOutIsATrap) {
 }
 
 TEST(Explorer, ARouteEndsAtTheMarkThatCannotBeReached) {
-    WriteRoom(Room::Safe, "world.bgm");
-    Walker walker({"world.bgm", {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    WriteRoom(Room::Safe, WORLD);
+    Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});
     PlacesFile places;
     places.marks = {{1, 523, 485, 89, 60}, {2, 123, 485, 89, 60}, {3, 123, 885, 89, 60}};
     places.routeTime = 10;

@@ -23,7 +23,7 @@ TEST(Places, MarksComeToTheFileInTheOrderOfTheRoute) {
     const MapBuilder map = RoomWith({"\"origin\" \"300 64 50\"\n\"name\" \"off the way\"\n",
                                      "\"origin\" \"64 400 50\"\n\"order\" \"2\"\n\"reach\" \"40\"\n",
                                      "\"origin\" \"164 84 50\"\n\"order\" \"1\"\n\"angle\" \"90\"\n"});
-    const std::string file = "places.txt";
+    const std::string file = testing::TempDir() + "/places.txt";
     std::ofstream(file) << PlacesText(Compile(map, 3).places);
     const PlacesFile places = ReadPlaces(file);
     EXPECT_EQ(places.routeTime, 90);
