@@ -11,7 +11,7 @@
 #include <algorithm>
 
 std::vector<FilmRow> FilmsInto(const std::vector<std::string>& states, uint32_t ticks) {
-    Stage stage(std::filesystem::path(HostDataFolder()) / "game/data/anims");
+    Stage stage(std::filesystem::absolute(HostDataFolder()) / "game/data/anims");
     const Movement movement = Explore(stage, ticks);
     std::vector<FilmRow> films;
     for (int32_t to = 0; to < PLAYER_STATE_COUNT; ++to) {

@@ -126,6 +126,10 @@ void DrawCell(Image& sheet, int column, int row) {
 
 int DrawChanges(HINSTANCE, HINSTANCE, char*, int) {
     const std::vector<FilmRow> films = FilmsInto(Wanted.clips, Wanted.ticks);
+    if (films.empty()) {
+        std::fprintf(stderr, "clip_sheet: no change leads into a state of these names; without names all are drawn\n");
+        return 1;
+    }
     StartLevel(Wanted.level, Wanted.accelerator);
     StandOnGround();
     size_t longest = 0;
@@ -153,6 +157,11 @@ int DrawSheet(HINSTANCE, HINSTANCE, char*, int) {
         const auto& clips = Wanted.clips;
         const bool wanted = clips.empty() || std::find(clips.begin(), clips.end(), name) != clips.end();
         if (wanted && seen.insert(name).second) rows.push_back(i);
+    }
+    for (const std::string& name : Wanted.clips) {
+        if (seen.contains(name)) continue;
+        std::fprintf(stderr, "clip_sheet: there is no animation %s; without names all are drawn\n", name.c_str());
+        return 1;
     }
     Image sheet(CellWidth() * static_cast<int>(MOMENTS), CellHeight() * static_cast<int>(rows.size()));
     for (size_t row = 0; row < rows.size(); ++row) {
