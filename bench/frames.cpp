@@ -180,14 +180,16 @@ int main(int argumentCount, char** arguments) {
     std::vector<int> levels;
     for (int i = 1; i < argumentCount; ++i) {
         if (std::strcmp(arguments[i], "--data") == 0 && i + 1 < argumentCount) {
-            data = arguments[i + 1];
-            hostArguments.insert(hostArguments.end(), {arguments[i], arguments[i + 1]}), i++;
+            data = arguments[++i];
         } else if (std::strcmp(arguments[i], "--rounds") == 0 && i + 1 < argumentCount)
             RoundCount = std::atoi(arguments[++i]);
         else
             levels.push_back(std::atoi(arguments[i]));
     }
     LevelsFolder = data / "game/data/levels";
+    static char dataOption[] = "--data";
+    std::string dataFolder = data.string();
+    hostArguments.insert(hostArguments.end(), {dataOption, dataFolder.data()});
     if (levels.empty())
         for (int level = 1; level <= LEVEL_COUNT; ++level)
             levels.push_back(level);
