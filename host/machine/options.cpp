@@ -81,10 +81,9 @@ bool TakeSmooth(std::string_view value, Options& options) {
 }
 
 bool TakeSoftwareSize(std::string_view value, Options& options) {
-    constexpr std::string_view SIZES[] = {"320x240", "512x384", "640x480"};
-    const auto found = std::find(std::begin(SIZES), std::end(SIZES), value);
-    options.softwareSize = static_cast<int>(found - std::begin(SIZES));
-    return found != std::end(SIZES);
+    const auto found = std::find(std::begin(SOFTWARE_SIZES), std::end(SOFTWARE_SIZES), value);
+    options.softwareSize = static_cast<int>(found - std::begin(SOFTWARE_SIZES));
+    return found != std::end(SOFTWARE_SIZES);
 }
 
 bool TakeMotion(std::string_view value, Options& options) {

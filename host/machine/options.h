@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct ShotRequest {
@@ -18,6 +19,9 @@ struct MotionRequest {
 
 enum class RendererChoice { Unset, Software, Accelerator };
 enum class BoardChoice { Auto, Gpu, Cpu, None };
+
+// Pixels that the software renderer can draw, in the order of the game's table of modes.
+constexpr std::string_view SOFTWARE_SIZES[] = {"320x240", "512x384", "640x480"};
 
 // Paths are as given: relative to the folder the program was called from.
 struct Options {
@@ -41,7 +45,7 @@ struct Options {
     uint32_t frames = 0;  // 0: no limit
     std::string trace;
     std::optional<bool> smooth;       // unset: as the settings say
-    std::optional<int> softwareSize;  // place in ScreenResTable; unset: the same
+    std::optional<int> softwareSize;  // place in SOFTWARE_SIZES; unset: the same
     std::optional<MotionRequest> motion;
     std::vector<ShotRequest> shots;
     std::string settings;   // file of the player's settings; empty: session/settings_file.h says which

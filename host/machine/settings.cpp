@@ -12,7 +12,6 @@ namespace {
 constexpr std::string_view OFF_ON[] = {"off", "on"};
 constexpr std::string_view SIZES[] = {"640x480", "800x600", "960x720", "1280x960", "1600x1200"};
 constexpr std::string_view SCALINGS[] = {"original", "integer", "sharp", "smooth"};
-constexpr std::string_view SOFTWARE_SIZES[] = {"320x240", "512x384", "640x480"};
 constexpr std::string_view BOARDS[] = {"auto", "gpu", "cpu"};
 constexpr std::string_view BOARD_SCALES[] = {"fit", "1", "2", "3", "4", "5", "6", "7", "8"};
 static_assert(std::size(SIZES) == std::size(WINDOW_SIZES) && std::size(BOARDS) == std::size(BOARD_CHOICES));

@@ -19,7 +19,7 @@ enum class Setting {
     Scaling,          // a ScalingChoice
     SmoothPictures,   // 0, 1
     SteadyLamps,      // 0, 1
-    SoftwareSize,     // 0, 1, 2: the software renderer draws 320 x 240, 512 x 384, 640 x 480
+    SoftwareSize,     // place in SOFTWARE_SIZES
     Board,            // place in BOARD_CHOICES
     AcceleratorSize,  // 0: as the window's size asks; 1..8
     Brightness,       // brightness of the shown picture, per cent
