@@ -112,25 +112,8 @@ bool DrawRowApart() {
     return status == 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    CLI::App app("One picture of the places that the levels' maps mark: for each level a row drawn by the software "
-                 "renderer above one drawn by the accelerator.");
-    std::vector<int> levels;
-    fs::path output = "gallery.png";
-    app.add_option("levels", levels, "the levels; all of them when left out")->check(CLI::Range(1, LEVEL_COUNT));
-    app.add_option("-o,--output", output, "the PNG to write")->capture_default_str();
-    app.add_option("--data", Data, "the data folder")->capture_default_str();
-    app.add_option("--folder", Folder,
-                   "also write level<N>_<1 to 8>.png and, as software draws it, level<N>_<1 to 8>_software.png there: "
-                   "always eight, some of them alike in levels with fewer marks");
-    CLI11_PARSE(app, argc, argv);
-    if (!Folder.empty()) fs::create_directories(Folder);
-    if (levels.empty()) {
-        levels.resize(LEVEL_COUNT);
-        std::iota(levels.begin(), levels.end(), 1);
-    }
+// Status 0, or 1 where a level could not be drawn.
+int DrawSheet(const std::vector<int>& levels, const fs::path& output) {
     Image sheet(CELL_WIDTH * PICTURES, CELL_HEIGHT * 2 * static_cast<int>(levels.size()));
     RowFile = fs::path(output).concat(".row");
     size_t row = 0;
@@ -150,4 +133,31 @@ int main(int argc, char** argv) {
     fs::remove(RowFile);
     WritePng(output, sheet);
     return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("One picture of the places that the levels' maps mark: for each level a row drawn by the software "
+                 "renderer above one drawn by the accelerator.");
+    std::vector<int> levels;
+    fs::path output = "gallery.png";
+    app.add_option("levels", levels, "the levels; all of them when left out")->check(CLI::Range(1, LEVEL_COUNT));
+    app.add_option("-o,--output", output, "the PNG to write")->capture_default_str();
+    app.add_option("--data", Data, "the data folder")->capture_default_str();
+    app.add_option("--folder", Folder,
+                   "also write level<N>_<1 to 8>.png and, as software draws it, level<N>_<1 to 8>_software.png there: "
+                   "always eight, some of them alike in levels with fewer marks");
+    CLI11_PARSE(app, argc, argv);
+    if (levels.empty()) {
+        levels.resize(LEVEL_COUNT);
+        std::iota(levels.begin(), levels.end(), 1);
+    }
+    try {
+        if (!Folder.empty()) fs::create_directories(Folder);
+        return DrawSheet(levels, output);
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "gallery: {}\n", error.what());
+        return 1;
+    }
 }

@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 
 namespace {
@@ -137,6 +138,36 @@ void CopyTexels(const std::vector<uint8_t>& texels, const TextureSlot& slot, std
     }
 }
 
+void ReadAccelerator(const TomlTable& text, LevelTextures& level) {
+    const std::set<std::string> materials(level.materials.begin(), level.materials.end());
+    for (const TomlTable& accelerator : text.Tables("accelerator")) {
+        level.acceleratorBrightness = accelerator.Number("brightness", 1, 1, 4);
+        for (const std::string& name : accelerator.Texts("unchanged")) {
+            if (!materials.contains(name)) {
+                accelerator.RefuseKey("unchanged", fmt::format("'{}' is no material of this level", Shown(name)),
+                                      "remove it or list it under materials");
+            }
+            level.acceleratorUnchanged.insert(name);
+        }
+        accelerator.Finish();
+    }
+}
+
+// Dark texels become `factor` times as bright, bright ones less, so that none loses its colour.
+Image Brightened(Image image, float factor) {
+    for (Rgba& pixel : image.pixels) {
+        const int brightest = std::max({pixel.r, pixel.g, pixel.b});
+        if (brightest == 0) continue;
+        const float wanted = 255 * (1 - std::pow(1 - static_cast<float>(brightest) / 255, factor));
+        const auto scaled = [&](uint8_t channel) {
+            return static_cast<uint8_t>(
+                std::lround(static_cast<float>(channel) * wanted / static_cast<float>(brightest)));
+        };
+        pixel = {scaled(pixel.r), scaled(pixel.g), scaled(pixel.b), pixel.a};
+    }
+    return image;
+}
+
 }  // namespace
 
 LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
@@ -165,6 +196,7 @@ LevelTextures ReadLevelTextures(const std::filesystem::path& path) {
         }
         shining.Finish();
     }
+    ReadAccelerator(text, level);
     text.Finish();
     return level;
 }
@@ -186,6 +218,11 @@ CompiledTextures CompileTextures(const LevelTextures& level, const std::filesyst
     }
     for (const size_t image : slots.imageOfSlot)
         compiled.textures.slots.push_back(places[image]);
+    compiled.acceleratorBrightness.assign(slots.images.size(), level.acceleratorBrightness);
+    for (const Material& material : slots.list) {
+        if (!level.acceleratorUnchanged.contains(material.name)) continue;
+        compiled.acceleratorBrightness[slots.imageOfSlot[static_cast<size_t>(material.slot)]] = 1;
+    }
     compiled.list = std::move(slots.list);
     compiled.images = std::move(slots.images);
     compiled.imageOfSlot = std::move(slots.imageOfSlot);
@@ -199,8 +236,10 @@ CompiledTextures CompileTextures(const LevelTextures& level, const std::filesyst
 
 void WriteGlideTextures(const std::filesystem::path& folder, const CompiledTextures& compiled) {
     std::vector<std::vector<uint8_t>> files;
-    for (const Image& image : compiled.images)
+    for (size_t i = 0; i < compiled.images.size(); ++i) {
+        const Image image = Brightened(compiled.images[i], compiled.acceleratorBrightness[i]);
         files.push_back(EncodeGlideTexture(MakeMipLevels(image)));
+    }
     for (size_t slot = 0; slot < compiled.imageOfSlot.size(); ++slot)
         WriteWholeFile(folder / fmt::format("{:02}.3df", slot), files[compiled.imageOfSlot[slot]]);
 }

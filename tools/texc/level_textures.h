@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,8 @@ struct LevelTextures {
     std::vector<std::string> materials;
     std::vector<std::string> skin = {};     // pictures of the character's skin, or none
     std::map<std::string, int> light = {};  // the light that materials shed; see the material list
+    float acceleratorBrightness = 1;  // of the accelerator's textures, which fewer steps of light fall on, but for
+    std::set<std::string> acceleratorUnchanged = {};  // these materials: skies are shown in full light
 };
 
 struct NamedPicture {
@@ -38,7 +41,8 @@ struct NamedPicture {
 
 struct CompiledTextures {
     TextureFile textures;
-    std::vector<Image> images;  // in true colour
+    std::vector<Image> images;                 // in true colour
+    std::vector<float> acceleratorBrightness;  // of each image
     std::vector<size_t> imageOfSlot;
     std::vector<Material> list;
     std::array<int, 3> dark{};  // 0..63

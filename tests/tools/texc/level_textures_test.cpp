@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <fstream>
 #include <map>
 #include <tuple>
 
@@ -49,6 +50,25 @@ TEST(CompileTextures, AnimatedSlotsShowTheFourPicturesInTurn) {
     }
     EXPECT_EQ(Find(compiled.list, "flow").slot, 10);
     EXPECT_EQ(Find(compiled.list, "flow").flags, MATERIAL_LIQUID);
+}
+
+TEST(CompileTextures, OnlyTheAcceleratorsTexturesAreBrighter) {
+    const std::filesystem::path list = FOLDER / "brighter.toml";
+    std::filesystem::create_directories(FOLDER);
+    std::ofstream(list) << "dark = \"#000000\"\nmaterials = [\"wall\", \"stars\"]\n"
+                           "[accelerator]\nbrightness = 2\nunchanged = [\"stars\"]\n";
+    for (const char* name : {"wall", "stars"})
+        Picture(name, Image(8, 8, {64, 32, 16, 255}));
+    const CompiledTextures compiled = CompileTextures(ReadLevelTextures(list), FOLDER);
+    WriteGlideTextures(FOLDER, compiled);
+    const auto texel = [](const char* file) {
+        const std::vector<uint8_t> bytes = ReadWholeFile(FOLDER / file);
+        return bytes[bytes.size() - 2] * 256 + bytes[bytes.size() - 1];
+    };
+    EXPECT_EQ(texel("01.3df"), 8 << 10 | 4 << 5 | 2) << "unchanged";
+    EXPECT_EQ(texel("00.3df"), 14 << 10 | 7 << 5 | 3) << "nearly twice as bright, of the same hue";
+    const auto& textures = compiled.textures;
+    EXPECT_EQ(textures.Texel(textures.slots[0], 1, 1), textures.Texel(textures.slots[1], 1, 1)) << "in software";
 }
 
 TEST(CompileTextures, HolesAreIndexZeroAndBlackIsNot) {
