@@ -14,6 +14,9 @@ constexpr double SLIT = 0.2;               // engine units; what is narrower is 
 // Area of a face that must border on flooded space; of a smaller face, half of it must.
 constexpr double SEEN_AREA_MIN = 0.05;
 constexpr double SOLID_TOLERANCE = 0.01;  // a point on the seam of two brushes is solid
+// In front of a face, the planes of its neighbours may cut off a space so thin that the tolerance makes it solid. What
+// is this far in front counts, too.
+constexpr double SEEN_DISTANCE = 5 * SOLID_TOLERANCE;
 
 std::array<Plane, 6> SidesOf(const Box& box) {
     std::array<Plane, 6> sides;  // facing inwards
@@ -212,7 +215,12 @@ bool SealedSpace::IsOpen(int child, const Vec3& from, const Vec3& to) const {
 }
 
 bool SealedSpace::IsSeen(const Face& face) const {
-    return SeesFlood(0, face.winding, face.plane, std::min(SEEN_AREA_MIN, WindingArea(face.winding) * 0.5));
+    const double areaMin = std::min(SEEN_AREA_MIN, WindingArea(face.winding) * 0.5);
+    if (SeesFlood(0, face.winding, face.plane, areaMin)) return true;
+    Winding ahead = face.winding;
+    for (Vec3& corner : ahead)
+        corner = corner + planes_[face.plane].normal * SEEN_DISTANCE;
+    return SeesFlood(0, ahead, face.plane, areaMin);
 }
 
 bool SealedSpace::SeesFlood(int child, const Winding& winding, int plane, double areaMin) const {
