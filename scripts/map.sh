@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# map.sh BUILD DATA FILE.map [--foreign] [--fast]: compiles any map into a data folder below the user's cache, and prints the
+# map.sh BUILD DATA FILE.map [--foreign] [--fast] [--list FILE]: compiles any map into a data folder below the user's cache, and prints the
 # options with which the game plays it, one a line. BUILD has the tools. DATA is the game's data folder; everything but the
 # level is linked from there. Each compilation makes a new folder; the folder before it stays, for a game that may be playing
 # it. Nothing is written beside the map or in the repository. Status 1: the map cannot be compiled. A FILE.map that does not
@@ -15,9 +15,21 @@
 #
 # --foreign: the map was made for something else. mapconvert adapts it first, by the rules of foreign.toml beside the map, or
 # else of content/foreign.toml.
+# --fast: a quick look, as mapc's option of that name makes it.
+# --list: writes to FILE which files the level is made of, the map first, one a line; of a faulty map those that are known.
 set -u
 build=$(realpath "$1") data=$(realpath "$2") map=$3
 shift 3
+quality=() is_foreign='' list_file=''
+while [ $# -gt 0 ]; do
+    case $1 in
+    --foreign) is_foreign=yes ;;
+    --fast) quality=(--fast) ;;
+    --list) list_file=$2 && shift ;;
+    *) echo "map.sh has no option $1" >&2 && exit 2 ;;
+    esac
+    shift
+done
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 give_up() {
@@ -59,28 +71,29 @@ tool() {
     exit 1
 }
 
-# The files that the level is made of: watch.sh looks at these for changes.
-watched=("$map")
+# The files that the level is made of.
+sources=("$map")
+write_list() { printf '%s\n' "${sources[@]}" >"$list_file.new" && mv "$list_file.new" "$list_file"; }
+[ -z "$list_file" ] || trap write_list EXIT
 
 # Replaces a map from elsewhere by its adapted copy: sets map and home.
 adapt() {
     local rules=$home/foreign.toml file
     [ -r "$rules" ] || rules=$root/content/foreign.toml
+    sources+=("$rules" "$home"/*.[wW][aA][dD])
+    while read -r file; do
+        sources+=("$file")
+    done < <(find "$home/textures" -type f 2>/dev/null)
     mkdir -p "$made/adapted"
     tool mapconvert "$map" --rules "$rules" --output "$made/adapted"
-    watched+=("$rules" "$home"/*.[wW][aA][dD])
-    while read -r file; do
-        watched+=("$file")
-    done < <(find "$home/textures" -type f 2>/dev/null)
     home=$made/adapted
     map=$home/$name.map
 }
 
-if [ "${1:-}" = --foreign ]; then
-    shift
+if [ -n "$is_foreign" ]; then
     adapt
 else
-    rm -rf "$made/adapted"
+    sources+=("$home/textures.toml" "$home/materials")
 fi
 
 # world_key NAME: prints the value of that key of the first entity.
@@ -138,11 +151,18 @@ track=$(world_key track)
 track=${track:-$row_track}
 [ -r "$data/disc/track0$track.flac" ] || give_up "there is no track $track: use 2 or 3"
 
-watched+=("$home/textures.toml" "$home/materials")
-[ -z "$sky" ] || watched+=("$sky" "${sky%/*}"/*.glb)
+# Adds files to the level's sources, unless mapconvert has made them.
+add_sources() {
+    local file
+    for file in "$@"; do
+        [[ $file == "$made/adapted/"* ]] || sources+=("$file")
+    done
+}
 
-# sources OF: sets it to the files that a file was made of, from the line that its tool has left beside it.
-sources() {
+[ -z "$sky" ] || add_sources "$sky" "${sky%/*}"/*.glb
+
+# read_depfile OF: sets it to the files that a file was made of, from the line that its tool has left beside it.
+read_depfile() {
     it=()
     # shellcheck disable=SC2162 # the backslashes stand before blanks of names
     [ ! -r "$1.d" ] || read -a it <"$1.d"
@@ -152,7 +172,7 @@ sources() {
 # is_fresh PICTURE: none of its recipes has changed since it was painted.
 is_fresh() {
     local it file
-    [ -r "$1" ] && sources "$1" || return
+    [ -r "$1" ] && read_depfile "$1" || return
     for file in "${it[@]}"; do
         [ "$file" -nt "$1" ] && return 1
     done
@@ -163,7 +183,7 @@ is_fresh() {
 picture() {
     local recipe
     it=$home/materials/$1.png
-    [ -r "$it" ] && watched+=("$it") && return
+    [ -r "$it" ] && add_sources "$it" && return
     recipe=$home/materials/$1.toml
     if [ ! -r "$recipe" ]; then
         it=$build/materials/$1.png recipe=$root/content/materials/$1.toml
@@ -178,7 +198,7 @@ picture() {
 
 watch_recipes() {
     local it
-    sources "$1" && watched+=("${it[@]}")
+    read_depfile "$1" && add_sources "${it[@]}"
 }
 
 quoted() { grep -oE '"[^"]+"' | tr -d '"'; }
@@ -201,7 +221,7 @@ while read -r texture; do
     picture "$texture" || continue
     pictures+=("$it")
     [[ $texture == "$skin"_* ]] && continue
-    sources "$it"
+    read_depfile "$it"
     if grep -qs '^moving *= *true' "${it[@]}" /dev/null; then moving+=("$texture"); else materials+=("$texture"); fi
 done < <(names)
 
@@ -232,7 +252,7 @@ fi
 new=$made/level
 rm -rf "$new" && cp -r "$made/textures" "$new"
 tool mapc "$map" --materials "$made/materials.txt" --prefabs "$root/content/prefabs" --output "$new" --level "$level" \
-    --depfile "$made/level.d" "$@"
+    --depfile "$made/level.d" "${quality[@]}"
 [ -z "$sky" ] || tool skyc "$sky" --materials "$made/materials.txt" --output "$new/sky.sob"
 grep '^note: ' "$log" >&2
 
@@ -243,12 +263,18 @@ for play in $(cd "$folder" && printf '%s\n' data.* | sort -t. -k2n); do
 done
 [ ${#old[@]} -lt 3 ] || rm -rf "${old[@]::${#old[@]}-2}"
 play=$folder/data.$((number + 1))
-cp -rs "$data"/. "$play" || give_up "$play cannot be made"
-rm -rf "$play/game/data/levels/level$level" && mv "$new" "$play/game/data/levels/level$level"
-ln -sf "$data/disc/track0$track.flac" "$play/disc/track0$row_track.flac"
-sources "$made/level" && watched+=("${it[@]}")
+mkdir -p "$play"/{disc,game/data/levels} || give_up "$play cannot be made"
+mv "$new" "$play/game/data/levels/level$level"
+ln -s "$data/disc/track0$track.flac" "$play/disc/track0$row_track.flac"
+for part in '' disc/ game/ game/data/ game/data/levels/; do
+    links=()
+    for entry in "$data/$part"*; do
+        [ -e "$play/$part${entry##*/}" ] || links+=("$entry")
+    done
+    [ ${#links[@]} = 0 ] || ln -st "$play/$part" "${links[@]}"
+done
+read_depfile "$made/level" && add_sources "${it[@]}"
 while read -r image; do
-    watched+=("$home/$image")
+    add_sources "$home/$image"
 done < <(sed -nE 's/^[ \t]*"image"[ \t]+"([^"]+)".*/\1/p' "${maps[@]}")
-printf '%s\n' "${watched[@]}" >"$play/watched.txt"
 printf -- '--data\n%s\n--level\n%s\n' "$play" "$level"

@@ -1,25 +1,32 @@
 #!/usr/bin/env bash
-# watch.sh BUILD DATA GAME NEWS OPTION...: compiles a map again whenever it changes, or a file that it is made of, until the
-# process GAME ends. The OPTIONs are what map.sh printed for the quick look that is played at first; its full light is
-# computed at once. After each change comes a quick look, then the full light. The file NEWS tells the game of each (option
-# --watch). Faults go to NEWS, too, and to standard error; the game then plays the last good level on.
+# watch.sh BUILD DATA GAME FILE.map [--foreign]: compiles a map as map.sh does, as a quick look, and prints the options with which
+# the game plays it, one a line. A map that has faults at first is played when it is mended, and an empty room until then. From
+# then on it runs in the background until the process GAME ends: it computes the full light, and compiles the map again
+# whenever that changes, or a file that it is made of, a quick look first. A file of news tells the game of each (option
+# --watch). Faults go there, too, and to standard error; the game then plays the last good level on. Status 1: the map cannot
+# be read.
 set -u
-build=$1 data=$2 game=$3 news=$4
-shift 4
-map=$(<"${2%/*}/place.txt")
-adapt=()
-[ ! -d "${2%/*}/made/adapted" ] || adapt=(--foreign)
-scripts=$(dirname "${BASH_SOURCE[0]}")
+build=$1 data=$2 game=$3 map=$4
+adapt=("${@:5}")
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+news=$(mktemp --tmpdir tarnwick-news.XXXXXX) || exit 1
 compiling=
+
+# compile_map FILE.map [OPTION...]: prints what map.sh prints, which leaves in NEWS.files what the map is made of.
+compile_map() {
+    "$root/scripts/map.sh" "$build" "$data" "$@" --list "$news.files" 2>"$news.errors"
+}
 
 # take OPTION...: sets played and level from what map.sh printed.
 take() { played=$2 level=$4; }
 
 # tell [LINE...]: writes to NEWS which level was compiled last, and the lines that say what is wrong with the newest map.
 tell() {
-    local placement
+    local placement music
     placement=$(grep '^map ' "$played/game/data/levels/level$level/places.txt")
-    printf '%s\n' "data $played" "level $level" "place level $level $placement" "$@" >"$news.new" && mv "$news.new" "$news"
+    music=$(readlink -f "$played"/disc/* | tr '\n' ' ')
+    printf '%s\n' "data $played" "level $level" "place level $level in ${played%/*}: $placement" "music level $level: $music" \
+        "$@" >"$news.new" && mv "$news.new" "$news"
 }
 
 # Prints the faults as the game's picture shows them: without folders, for which it has no room, and with the entity and the
@@ -50,7 +57,7 @@ for_picture() {
 # compile [--fast]: compiles the map and tells the game of the level or of the faults. False: the map has faults.
 compile() {
     local options fault
-    if ! options=$("$scripts/map.sh" "$build" "$data" "$map" "${adapt[@]}" "$@" 2>"$news.errors"); then
+    if ! options=$(compile_map "$map" "${adapt[@]}" "$@"); then
         cat "$news.errors" >&2
         mapfile -t fault < <(for_picture)
         tell "${fault[@]}"
@@ -85,25 +92,54 @@ end_compiling() {
     read_news
 }
 
-# Prints the files that the level is made of, with the time and size of each.
-state() {
-    local files
-    mapfile -t files <"$played/watched.txt"
-    stat -c '%n %y %s' -- "${files[@]}" 2>/dev/null
+declare -A stamps=()  # time and size of each file when it was last looked at
+
+# look: true when a file has changed since the last look. A file that is new in the list is only remembered.
+look() {
+    local name stamp changed=
+    while read -r name; do
+        stamps[$name]=${stamps[$name]-new}
+    done <"$news.files"
+    declare -A found=()
+    while IFS=$'\t' read -r stamp name; do
+        found[$name]=$stamp
+    done < <(stat -c $'%y %s\t%n' -- "${!stamps[@]}" 2>/dev/null)
+    for name in "${!stamps[@]}"; do
+        stamp=${found[$name]-missing}
+        [ "${stamps[$name]}" = new ] || [ "${stamps[$name]}" = "$stamp" ] || changed=yes
+        stamps[$name]=$stamp
+    done
+    [ -n "$changed" ]
 }
 
-take "$@"
+watch() {
+    look
+    start_compiling "$1"
+    while kill -0 "$game" 2>/dev/null; do
+        sleep 0.05
+        look || continue
+        # An editor may still be writing.
+        while sleep 0.05 && look; do :; done
+        end_compiling
+        start_compiling geometry
+    done
+}
+
+trap 'rm -f "$news" "$news".*' EXIT
+if printed=$(compile_map "$map" "${adapt[@]}" --fast); then first=light; else first=geometry; fi
+cat "$news.errors" >&2
+if [ $first = geometry ]; then
+    [ -s "$news.files" ] || exit 1
+    printed=$("$root/scripts/map.sh" "$build" "$data" "$root/content/examples/empty_room.map" --fast) || exit 1
+fi
+mapfile -t options <<<"$printed"
+map=$(head -n 1 "$news.files")
+take "${options[@]}"
 tell
-seen=$(state)
-trap 'end_compiling; rm -f "$news" "$news".*; exit' EXIT
-trap 'exit 1' INT TERM HUP
-start_compiling light
-while kill -0 "$game" 2>/dev/null; do
-    sleep 0.1
-    now=$(state)
-    [ "$now" = "$seen" ] && continue
-    # An editor may still be writing.
-    while sleep 0.05 && seen=$now && now=$(state) && [ "$now" != "$seen" ]; do :; done
-    end_compiling
-    start_compiling geometry
-done
+(
+    trap 'end_compiling; rm -f "$news" "$news".*; exit' EXIT
+    trap 'exit 1' INT TERM HUP
+    watch $first
+) >/dev/null &
+trap - EXIT
+printf '%s\n' "${options[@]}" --watch "$news"

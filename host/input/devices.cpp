@@ -22,6 +22,7 @@ struct SourceState {
 SourceState sources[KEY_SOURCES];
 int64_t motion[3];  // x, y, wheel
 bool focused = true;
+bool playsUnfocused = false;
 uint32_t focusLosses = 0;
 bool mouseAcquired = false;
 MouseUse mouseUse = MouseUse::None;
@@ -62,6 +63,10 @@ void DeviceMouseButton(KeySource source, int button, bool down) {
 }
 
 void DeviceFocus(bool gained) {
+    if (playsUnfocused && !gained) {
+        LetGo();
+        return;
+    }
     if (gained == focused) return;
     focused = gained;
     if (!gained) {
@@ -71,6 +76,10 @@ void DeviceFocus(bool gained) {
     }
     DropPulses();  // a pad reports without the focus, too
     PostToWindow(WM_ACTIVATEAPP, gained ? 1 : 0, 0);
+}
+
+void PlayUnfocused(bool plays) {
+    playsUnfocused = plays;
 }
 
 void DeviceCloseRequest() {
@@ -150,6 +159,7 @@ void ResetDevices() {
     LetGo();
     StateOf(KeySource::Pad) = {};
     focused = true;
+    playsUnfocused = false;
     mouseAcquired = false;
     mouseUse = MouseUse::None;
 }

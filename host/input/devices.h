@@ -24,6 +24,8 @@ void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 r
 // The window has the focus from its creation on, until the first loss. A change posts WM_ACTIVATEAPP; a loss lets go
 // of the keyboard and the mouse. What a pad holds acts again after it: pads report without the focus too.
 void DeviceFocus(bool gained);
+// True: from now on a loss of the focus lets go of the keyboard and the mouse and does no more, so the game plays on.
+void PlayUnfocused(bool plays);
 void DeviceCloseRequest();        // the window's close button: SessionHooks::requestClose
 void PulseKey(uint8_t scanCode);  // down for exactly the next keyboard poll
 
@@ -47,4 +49,4 @@ bool DeviceMouseWanted();                             // the game has the mouse 
 bool HasFocus();
 uint32_t FocusLosses();  // so far: what was acquired before a loss is acquired no more
 
-void ResetDevices();  // nothing is down, the window has the focus
+void ResetDevices();  // nothing is down, the window has the focus, and its loss stops the game

@@ -1,6 +1,8 @@
 #include "session/watch.h"
 
 #include "host/files.h"
+#include "input/devices.h"
+#include "interfaces/cd_drive.h"
 #include "interfaces/files.h"
 #include "machine/game.h"
 #include "machine/log.h"
@@ -22,12 +24,13 @@ constexpr uint32_t FAULT_PANEL = 0xC0501010;
 
 std::string file;
 std::string textSeen;
-std::string dataNow, placeNow;
+std::string dataNow, placeNow, musicNow;
+bool awaitsPicture = false;  // of the level that was loaded last
 
 struct News {
     std::string data;
     int32_t level = 0;
-    std::string place;
+    std::string place, music;
     std::vector<std::string> lines;
 };
 
@@ -40,7 +43,8 @@ bool TakeKey(std::istream& text, const char* key, std::string& value) {
 bool ReadNews(const std::string& content, News& news) {
     std::istringstream text(content);
     std::string level;
-    if (!TakeKey(text, "data", news.data) || !TakeKey(text, "level", level) || !TakeKey(text, "place", news.place))
+    if (!TakeKey(text, "data", news.data) || !TakeKey(text, "level", level) || !TakeKey(text, "place", news.place) ||
+        !TakeKey(text, "music", news.music))
         return false;
     news.level = level.size() == 1 ? level[0] - '0' : 0;
     for (std::string line; std::getline(text, line);)
@@ -98,17 +102,25 @@ void StartWatch(const std::string& watched) {
     textSeen.clear();
     dataNow = HostDataFolder();
     placeNow.clear();
+    musicNow.clear();
+    awaitsPicture = false;
+    PlayUnfocused(!file.empty());
     ShowLines({});
 }
 
 bool LevelIsNew(HostReload& reload) {
+    if (std::exchange(awaitsPicture, false)) HostLog("watch: the first picture of %s", dataNow.c_str());
     News news;
     if (!Look(news)) return false;
     const std::string placeBefore = std::exchange(placeNow, news.place);
+    const std::string musicBefore = std::exchange(musicNow, news.music);
     if (news.data == dataNow) return false;
     dataNow = news.data;
     SetDataFolder(dataNow);
     HostLog("watch: level %d from %s", news.level, dataNow.c_str());
-    reload = {news.level, placeBefore.empty() || placeBefore == news.place};
+    awaitsPicture = true;
+    const bool musicIsNew = !musicBefore.empty() && musicBefore != news.music;
+    if (musicIsNew) SetDiscFolder(dataNow + "/disc");
+    reload = {news.level, placeBefore.empty() || placeBefore == news.place, musicIsNew};
     return true;
 }

@@ -27,7 +27,13 @@ void SetFpuSinglePrecision() {
     std::fesetenv(FE_DFL_ENV);
 }
 
-// Everything as at a game's start, but the music goes on, and the player and the camera stay where they are.
+void StartMusic() {
+    OpenCdAudio();
+    CdTrack = static_cast<uint32_t>(LevelRowOf(CurrentLevel + 1).track);
+    PlayCdTrack(MainWindow);
+}
+
+// Everything as at a game's start, but the music may go on, and the player and the camera may stay where they are.
 void ReloadLevel(const HostReload& reload) {
     const Vec3 position = PlayerActor.position;
     const Vec3 angles = PlayerActor.angles;
@@ -36,6 +42,10 @@ void ReloadLevel(const HostReload& reload) {
     const Vec3 cameraAngles = CameraAngles;
     SystemShutdown();
     CurrentLevel = reload.level - 1;
+    if (reload.musicIsNew) {
+        CloseCdAudio();
+        StartMusic();
+    }
     if (!StartGame()) {
         ErrorBox("Unable to initialize game.", MB_OK);
         GameMode = MODE_QUIT;
@@ -73,9 +83,7 @@ void BlackenBothBuffers() {
 uint8_t RunGame() {
     GameMode = MODE_PLAYING;
     if (CurrentLevel < 0 || CurrentLevel >= LEVEL_COUNT) CurrentLevel = 0;
-    OpenCdAudio();
-    CdTrack = static_cast<uint32_t>(LevelRowOf(CurrentLevel + 1).track);
-    PlayCdTrack(MainWindow);
+    StartMusic();
     if (StartGame()) {
         RunMessagePump(MODE_PLAYING, GameStep);
         if (DisplayState != DISPLAY_NONE) BlackenBothBuffers();

@@ -12,6 +12,7 @@
 #include "machine/machine.h"
 #include "math/world_planes.h"
 #include "memory/shutdown.h"
+#include "platform/cd_audio.h"
 #include "platform/input.h"
 #include "platform/timer.h"
 #include "player/player.h"
@@ -219,7 +220,7 @@ TEST_F(App, AWatchedLevelIsLoadedAnewWhereThePlayerStandsBehindTheOldPicture) {
             EXPECT_GT(Apart(place, LevelTable[0].start), 100);
             camera = CameraPos;
             LightLevel = 77;  // the file's own value must replace it
-            tell("data " + (scratch / "one").string() + "\nlevel 1\nplace 0 1\n");
+            tell("data " + (scratch / "one").string() + "\nlevel 1\nplace 0 1\nmusic 2\n");
         }
         if (poll == 61) {
             EXPECT_NE(LightLevel, 77);
@@ -227,15 +228,18 @@ TEST_F(App, AWatchedLevelIsLoadedAnewWhereThePlayerStandsBehindTheOldPicture) {
             EXPECT_LT(Apart(CameraPos, camera), 1);
             EXPECT_FALSE(TestMachine.overlayShown);
             LightLevel = 77;
-            tell("data " + (scratch / "one").string() + "\nlevel 1\nplace 0 1\nmy.map:10: a fault\n");
+            tell("data " + (scratch / "one").string() + "\nlevel 1\nplace 0 1\nmusic 2\nmy.map:10: a fault\n");
         }
         if (poll == 62) {
             EXPECT_EQ(LightLevel, 77) << "a fault alone loads nothing";
             EXPECT_TRUE(TestMachine.overlayShown);
-            tell("data " + (scratch / "two").string() + "\nlevel 2\nplace 0 2\n");
+            EXPECT_EQ(CdTrack, 2U) << "the music goes on";
+            CdTrack = 98;
+            tell("data " + (scratch / "two").string() + "\nlevel 2\nplace 0 2\nmusic 3\n");
         }
         if (poll == 63) {
             EXPECT_EQ(LoadedLevel, 1);
+            EXPECT_EQ(CdTrack, static_cast<uint32_t>(LEVEL_ROWS[1].track)) << "the music begins anew";
             EXPECT_LT(Apart(PlayerActor.position, LevelTable[1].start), 1);
             EXPECT_FALSE(TestMachine.overlayShown);
         }

@@ -122,6 +122,13 @@ TEST_F(Input, LosingTheFocusLosesTheDevicesAndLetsGoOfEverything) {
     DeviceFocus(false);
     DeviceFocus(true);
     EXPECT_EQ(PollKeys(), DIERR_INPUTLOST) << "though it is back before the poll";
+
+    EXPECT_EQ(keyboard_->Acquire(), DI_OK);
+    PlayUnfocused(true);
+    DeviceKey(KeySource::Keyboard, DIK_UP, true);
+    DeviceFocus(false);
+    EXPECT_EQ(PollKeys(), DI_OK) << "the game plays on";
+    EXPECT_EQ(keys_[DIK_UP], 0);
 }
 
 }  // namespace

@@ -80,13 +80,24 @@ says() {
     fail "the news are never \"$1\": $(cat "$news")"
 }
 
-news=$scratch/news
+# watch MAP: sets options to what watch.sh prints for it, and news to the file that it tells the game of levels in.
+watch() {
+    sleep 1000 &
+    game=$!
+    mapfile -t options < <(scripts/watch.sh "$build" "$data" $game "$1" 2>"$scratch/faults")
+    news=${options[5]}
+}
+
+# The watcher ends with the game.
+end_watch() {
+    kill $game
+    for ((tries = 0; tries < 100; ++tries)); do [ -e "$news" ] && sleep 0.1; done
+    [ ! -e "$news" ] || fail "the watcher does not end with the game"
+}
+
+export TMPDIR=$scratch
 cp content/examples/ten_brushes.map "$map"
-mapfile -t options < <(scripts/map.sh "$build" "$data" "$map" --fast)
-sleep 1000 &
-game=$!
-scripts/watch.sh "$build" "$data" $game "$news" "${options[@]}" 2>"$scratch/faults" &
-watcher=$!
+watch "$map"
 number=${options[1]##*.}
 says "data.$((number + 1))"$'\n'"level 3"  # lit
 sed -i 's/"light" "90"/"light" "80"/' "$map"
@@ -97,9 +108,22 @@ place=$(grep '^place' "$news")
 grep -q flagstonez "$scratch/faults" || fail "the watcher does not tell the fault"
 sed -i 's/flagstonez/flagstones/; s/-300 -300 40/-200 -300 40/' "$map"
 says "data.$((number + 5))"
-[ "$(grep -c . "$news")" = 3 ] || fail "the fault stays: $(cat "$news")"
+[ "$(grep -c . "$news")" = 4 ] || fail "the fault stays: $(cat "$news")"
 [ "$(grep '^place' "$news")" != "$place" ] || fail "that the start has moved is not told"
-kill $game
-wait $watcher
-[ ! -e "$news" ] || fail "the watcher does not end with the game"
+music=$(grep '^music' "$news")
+sed -i 's/"ambient"/"track" "3"\n"ambient"/' "$map"
+says "data.$((number + 7))"
+[ "$(grep '^music' "$news")" != "$music" ] || fail "that the music has changed is not told"
+end_watch
+
+# Faulty at first: an empty room stands in for it.
+sed -i 's/flagstones/flagstonez/' "$map"
+watch "$map"
+[[ ${options[1]} == */empty_room-* ]] || fail "${options[1]} stands in for a faulty map"
+says $'\nmy map.map:12 (entity 0, brush 0): the texture "flagstonez"'
+place=$(grep '^place' "$news")
+sed -i 's/flagstonez/flagstones/' "$map"
+says "/my map-"
+[ "$(grep '^place' "$news")" != "$place" ] || fail "the mended map begins where the player stands in the empty room"
+end_watch
 exit $((failures > 0))

@@ -62,6 +62,7 @@ bool HostEndOfFrame(const HostFrameReport& report);
 struct HostReload {
     int32_t level;    // 1..8: load this one
     bool keepsPlace;  // the player goes on where he stands; else he begins at the start
+    bool musicIsNew;  // there is another disc in the drive: open it and play the level's track
 };
 
 // Asked once a frame, after HostEndOfFrame. True: the files of the game are those of a level compiled anew, which is to
