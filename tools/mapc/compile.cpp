@@ -21,13 +21,20 @@
 
 namespace {
 
-std::string LeakText(const MapFile& map, const std::vector<Vec3>& path) {
-    std::string text =
-        fmt::format("{}: the level leaks: the space around info_player_start is open to the outside", map.name);
-    text += ": close the hole along this path:";
-    for (const Vec3& p : path)
-        text.append(" ").append(PlaceText(p));
-    return text;
+// A line for each hole, but for those beyond the first 20.
+std::vector<std::string> LeakTexts(const MapFile& map, const LeakPaths& paths) {
+    constexpr size_t SHOWN_MAX = 20;
+    std::vector<std::string> texts;
+    for (size_t i = 0; i < std::min(paths.size(), SHOWN_MAX); ++i) {
+        texts.push_back(fmt::format("{}: the level leaks: the space around info_player_start is open to the outside: "
+                                    "close the hole along this path:",
+                                    map.name));
+        for (const Vec3& p : paths[i])
+            texts.back().append(" ").append(PlaceText(p));
+    }
+    if (paths.size() > SHOWN_MAX)
+        texts.push_back(fmt::format("{}: and {} more holes", map.name, paths.size() - SHOWN_MAX));
+    return texts;
 }
 
 void CheckStart(const Brushes& brushes, const PlayerStart& start) {
@@ -100,7 +107,7 @@ struct ReachableSurface {
     std::vector<Face> hidden;   // behind and below them
     std::optional<double> net;  // height of the ground below everything
     std::vector<std::string> notes;
-    bool leaks = false;
+    LeakPaths leaks;
 };
 
 // What the player can get to of a map; of one that leaks, everything.
@@ -131,15 +138,14 @@ ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRe
     Surface surface = CutBrushes(brushes);
     const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin, request.settings.scale);
     ReachableSurface reachable;
-    if (const std::vector<Vec3>& path = space.LeakPath(); !path.empty()) {
-        if (request.takeLeaks) {
-            reachable.leaks = true;
-            reachable.notes.push_back(LeakText(map, path));
-        } else {
-            faults.Add(FaultList::AT_THE_END, LeakText(map, path));
-            throw LeakError(faults.Text(), path);
-        }
+    reachable.leaks = space.LeakPaths();
+    for (const std::string& text : LeakTexts(map, reachable.leaks)) {
+        if (request.takeLeaks)
+            reachable.notes.push_back(text);
+        else
+            faults.Add(FaultList::AT_THE_END, text);
     }
+    if (!reachable.leaks.empty() && !request.takeLeaks) throw LeakError(faults.Text(), reachable.leaks);
     faults.Throw();
     std::vector<char> outside(brushes.textures.size());
     std::vector<char> seen(brushes.textures.size());
@@ -207,14 +213,17 @@ std::string ReportOf(const CompiledLevel& level) {
     return report;
 }
 
-// Says where the path is.
-std::string WritePath(const std::filesystem::path& path, const std::vector<Vec3>& points) {
+// Says where the paths are.
+std::string WritePaths(const std::filesystem::path& path, const LeakPaths& paths) {
     std::string text;
-    for (const Vec3& p : points)
-        text += fmt::format("{:.1f} {:.1f} {:.1f}\n", p.x, p.y, p.z);
+    const auto add = [&](const Vec3& p) { text += fmt::format("{:.1f} {:.1f} {:.1f}\n", p.x, p.y, p.z); };
+    for (size_t i = 0; i < paths.size(); ++i) {
+        std::for_each(paths[i].begin(), paths[i].end(), add);
+        if (i + 1 < paths.size()) std::for_each(paths[i].rbegin() + 1, paths[i].rend(), add);
+    }
     try {
         WriteWholeFile(path, {text.begin(), text.end()});
-        return fmt::format("the editor shows it from {}", path.string());
+        return fmt::format("the editor shows {} from {}", paths.size() == 1 ? "it" : "all paths", path.string());
     } catch (const ContentError& error) {
         return error.what();
     }
@@ -261,7 +270,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     compiled.world = std::move(cut.world);
     compiled.counts = std::move(cut.counts);
     compiled.contacts = cut.contacts;
-    compiled.leaks = surface.leaks;
+    compiled.leaks = std::move(surface.leaks);
     compiled.hidden = cut.hidden;
     compiled.hiddenLeftOut = cut.hiddenLeftOut;
     if (surface.net && cut.hidden > 0) compiled.places.net = compiled.placement.ToEngine({0, 0, *surface.net}).y;
@@ -278,8 +287,8 @@ std::string CompileToFiles(const CompileFiles& files) {
     try {
         const PlacedMap placed = ReadPlacedMap(files.map, files.prefabs);
         const MaterialList list = ReadMaterialList(files.materials);
-        const CompiledLevel level = CompileMap(placed.map, list, files.level, files.bake, files.takeLeaks);
-        if (files.check && !level.leaks) files.check(level, files, list);
+        CompiledLevel level = CompileMap(placed.map, list, files.level, files.bake, files.takeLeaks);
+        if (files.check && level.leaks.empty()) files.check(level, files, list);
         const std::filesystem::path world = files.output / (name + ".bgm");
         const std::string places = PlacesText(level.places);
         std::vector<OutputFile> outputs{{world, EncodeWorld(level.world)},
@@ -292,9 +301,12 @@ std::string CompileToFiles(const CompileFiles& files) {
         }
         WriteWholeFiles(outputs);
         std::error_code ignored;
-        std::filesystem::remove(pathFile, ignored);
+        if (level.leaks.empty())
+            std::filesystem::remove(pathFile, ignored);
+        else
+            level.notes.push_back(WritePaths(pathFile, level.leaks));
         return ReportOf(level);
     } catch (const LeakError& leak) {
-        throw LeakError(fmt::format("{}; {}", leak.what(), WritePath(pathFile, leak.path)), leak.path);
+        throw LeakError(fmt::format("{}; {}", leak.what(), WritePaths(pathFile, leak.paths)), leak.paths);
     }
 }

@@ -11,6 +11,9 @@
 
 #include <filesystem>
 
+// A way from info_player_start to the outside through each hole, in map space.
+using LeakPaths = std::vector<std::vector<Vec3>>;
+
 struct CompiledLevel {
     WorldFile world;
     LightMapFile light;
@@ -20,17 +23,17 @@ struct CompiledLevel {
     std::vector<Count> counts;
     std::vector<std::string> notes;  // what the author should know, a line each
     Contacts contacts;
-    bool leaks = false;
+    LeakPaths leaks;  // empty: the level is sealed
     size_t hidden = 0, hiddenLeftOut = 0;
     size_t rays = 0;          // rays traced for the light
     double lightSeconds = 0;  // time that the light took
 };
 
-// A level that is not sealed. The path leads from info_player_start to the outside, in map space.
+// A level that is not sealed.
 class LeakError : public ContentError {
 public:
-    LeakError(const std::string& text, std::vector<Vec3> leakPath) : ContentError(text), path(std::move(leakPath)) {}
-    std::vector<Vec3> path;
+    LeakError(const std::string& text, LeakPaths leakPaths) : ContentError(text), paths(std::move(leakPaths)) {}
+    LeakPaths paths;
 };
 
 // takeLeaks: a level that leaks is compiled with all that can be seen from outside, too, for a quick look.
@@ -52,6 +55,7 @@ struct CompileFiles {
 };
 
 // Writes <output>/<name>.bgm, lights.lmp, lights.alt and places.txt and returns a report for the user. name: the
-// level's world name, or the map's own without a level. On failure nothing is written there; for a leak, its path goes
-// beside the map, <map>.pts, where map editors look for it. The next success removes that file.
+// level's world name, or the map's own without a level. On failure nothing is written there. The ways out of a level
+// that leaks go beside the map, <map>.pts, where map editors look for them: one line from the start along each way and
+// back. The next level that is sealed removes that file.
 std::string CompileToFiles(const CompileFiles& files);

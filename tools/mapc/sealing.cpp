@@ -2,6 +2,7 @@
 
 #include "mapc/box_grid.h"
 #include "mapc/counts.h"
+#include "mapc/holes.h"
 
 #include <array>
 
@@ -46,8 +47,8 @@ SealedSpace::SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3
     MakePortals(0, hull);
     MakeOuterPortals(bounds);
     MarkSolid(brushes);
-    Flood(start, true);
-    if (!leakPath_.empty()) Flood(start, false);
+    if (Flood(start, true) < 0) return;
+    if (const int outside = Flood(start, false); outside >= 0) FindLeaks(start, outside);
 }
 
 // hull: the planes around the subtree, facing out of it.
@@ -116,7 +117,9 @@ void SealedSpace::Join(int front, int back, const Winding& winding) {
     const bool passable = WindingArea(winding) >= PORTAL_AREA_MIN;
     const int portal = static_cast<int>(portals_.size());
     CheckCounts(file_, {{"openings between the spaces around the brushes", portals_.size(), PORTALS_MAX}});
-    if (passable) portals_.push_back({{front, back}, centre, WindingWidth(winding) < slit_});
+    if (passable)
+        portals_.push_back(
+            {{front, back}, centre, WindingArea(winding), WindingBox(winding), WindingWidth(winding) < slit_});
     for (const int leaf : {front, back}) {
         LeafSpace& space = leaves_[static_cast<size_t>(leaf)];
         if (passable) space.portals.push_back(portal);
@@ -152,54 +155,89 @@ void SealedSpace::MarkSolid(const Brushes& brushes) {
     }
 }
 
-// Breadth first, so that a leak is reported along a short way.
-void SealedSpace::Flood(const Vec3& start, bool throughSlits) {
-    leakPath_.clear();
+// Breadth first, so that a leak is reported along a short way. closed: portals that let nothing through, or empty.
+// Returns the first leaf on the outside that is reached, or -1.
+int SealedSpace::Flood(const Vec3& start, bool throughSlits, const std::vector<char>& closed) {
     for (LeafSpace& leaf : leaves_) {
         leaf.flooded = false;
         leaf.cameFrom = -1;
     }
+    int outside = -1;
     std::vector<int> queue{static_cast<int>(LeafAt(tree_, planes_, start))};
     leaves_[static_cast<size_t>(queue[0])].flooded = true;
     for (size_t at = 0; at < queue.size(); ++at) {
         const LeafSpace& leaf = leaves_[static_cast<size_t>(queue[at])];
-        if (leaf.outside && leakPath_.empty()) TracePath(queue[at], start);
+        if (leaf.outside && outside < 0) outside = queue[at];
         for (const int number : leaf.portals) {
             const Portal& portal = portals_[static_cast<size_t>(number)];
             const int next = portal.leaf[portal.leaf[0] == queue[at] ? 1 : 0];
             LeafSpace& space = leaves_[static_cast<size_t>(next)];
             if (space.solid || space.flooded || (portal.isSlit && !throughSlits)) continue;
+            if (!closed.empty() && closed[static_cast<size_t>(number)]) continue;
             space.flooded = true;
             space.cameFrom = number;
             queue.push_back(next);
         }
     }
+    return outside;
 }
 
-void SealedSpace::TracePath(int leaf, const Vec3& start) {
+// Leaves the space flooded through all holes.
+void SealedSpace::FindLeaks(const Vec3& start, int firstOutside) {
+    const std::vector<Vec3> shortest = PathTo(firstOutside, start);
+    std::vector<Opening> openings;
+    std::vector<size_t> portalOf;  // of each opening
+    for (size_t i = 0; i < portals_.size(); ++i) {
+        const Portal& portal = portals_[i];
+        const auto isSolid = [&](int leaf) { return leaves_[static_cast<size_t>(leaf)].solid; };
+        if (portal.isSlit || isSolid(portal.leaf[0]) || isSolid(portal.leaf[1])) continue;
+        openings.push_back({{portal.leaf[0], portal.leaf[1]}, portal.area, portal.box});
+        portalOf.push_back(i);
+    }
+    std::vector<char> isOutside;
+    for (const LeafSpace& leaf : leaves_)
+        isOutside.push_back(leaf.outside);
+    const auto holes = FindHoles(openings, isOutside, static_cast<int>(LeafAt(tree_, planes_, start)));
+    std::vector<char> closed(portals_.size());
+    const auto close = [&](const std::vector<int>& hole, bool isClosed) {
+        for (const int opening : hole)
+            closed[portalOf[static_cast<size_t>(opening)]] = isClosed;
+    };
+    for (const std::vector<int>& hole : holes)
+        close(hole, true);
+    for (const std::vector<int>& hole : holes) {
+        close(hole, false);
+        if (const int outside = Flood(start, false, closed); outside >= 0) leakPaths_.push_back(PathTo(outside, start));
+        close(hole, true);
+    }
+    if (leakPaths_.empty()) leakPaths_.push_back(shortest);
+    Flood(start, false);
+}
+
+std::vector<Vec3> SealedSpace::PathTo(int leaf, const Vec3& start) const {
     const LeafSpace& end = leaves_[static_cast<size_t>(leaf)];
-    leakPath_.push_back(end.centreSum * (1.0 / end.centreCount));
+    std::vector<Vec3> path{end.centreSum * (1.0 / end.centreCount)};
     while (leaves_[static_cast<size_t>(leaf)].cameFrom >= 0) {
         const Portal& portal = portals_[static_cast<size_t>(leaves_[static_cast<size_t>(leaf)].cameFrom)];
-        leakPath_.push_back(portal.centre);
+        path.push_back(portal.centre);
         leaf = portal.leaf[portal.leaf[0] == leaf ? 1 : 0];
     }
-    leakPath_.push_back(start);
-    std::reverse(leakPath_.begin(), leakPath_.end());
-    StraightenPath();
+    path.push_back(start);
+    std::reverse(path.begin(), path.end());
+    return Straightened(path);
 }
 
-// Leads the path from each point straight on to the farthest one that is seen from it.
-void SealedSpace::StraightenPath() {
-    std::vector<Vec3> straight{leakPath_[0]};
-    for (size_t at = 0; at + 1 < leakPath_.size();) {
-        size_t next = leakPath_.size() - 1;
-        while (next > at + 1 && !IsOpen(0, leakPath_[at], leakPath_[next]))
+// Led from each point straight on to the farthest one that is seen from it.
+std::vector<Vec3> SealedSpace::Straightened(const std::vector<Vec3>& path) const {
+    std::vector<Vec3> straight{path[0]};
+    for (size_t at = 0; at + 1 < path.size();) {
+        size_t next = path.size() - 1;
+        while (next > at + 1 && !IsOpen(0, path[at], path[next]))
             --next;
-        straight.push_back(leakPath_[next]);
+        straight.push_back(path[next]);
         at = next;
     }
-    leakPath_ = std::move(straight);
+    return straight;
 }
 
 bool SealedSpace::IsOpen(int child, const Vec3& from, const Vec3& to) const {

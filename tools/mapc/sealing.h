@@ -11,7 +11,8 @@ public:
     // Slits narrower than 0.2 engine units, as brushes off the grid leave between them, are no leaks.
     SealedSpace(std::vector<Face> sealing, Brushes& brushes, const Vec3& start, double scale);
 
-    const std::vector<Vec3>& LeakPath() const { return leakPath_; }  // empty when the level is sealed
+    // Ways from the start to the outside, one through each hole, the widest first; empty when the level is sealed.
+    const std::vector<std::vector<Vec3>>& LeakPaths() const { return leakPaths_; }
     bool Reaches(const Vec3& p) const { return leaves_[LeafAt(tree_, planes_, p)].flooded; }
     bool IsSeen(const Face& face) const;  // whether some of its front borders on the flooded space
 
@@ -19,6 +20,8 @@ private:
     struct Portal {
         int leaf[2];  // in front of and behind its plane
         Vec3 centre;
+        double area;
+        Box box;
         bool isSlit;
     };
     struct LeafSpace {
@@ -36,9 +39,10 @@ private:
     void FilterDown(int child, Winding winding, std::vector<std::pair<int, Winding>>& pieces) const;
     void Join(int front, int back, const Winding& winding);
     void MarkSolid(const Brushes& brushes);
-    void Flood(const Vec3& start, bool throughSlits);
-    void TracePath(int leaf, const Vec3& start);
-    void StraightenPath();
+    int Flood(const Vec3& start, bool throughSlits, const std::vector<char>& closed = {});
+    void FindLeaks(const Vec3& start, int firstOutside);
+    std::vector<Vec3> PathTo(int leaf, const Vec3& start) const;
+    std::vector<Vec3> Straightened(const std::vector<Vec3>& path) const;
     bool IsOpen(int child, const Vec3& from, const Vec3& to) const;  // no solid leaf between two points
     bool SeesFlood(int child, const Winding& winding, int plane, double areaMin) const;
 
@@ -48,5 +52,5 @@ private:
     Tree tree_;
     std::vector<LeafSpace> leaves_;
     std::vector<Portal> portals_;
-    std::vector<Vec3> leakPath_;
+    std::vector<std::vector<Vec3>> leakPaths_;
 };

@@ -214,7 +214,7 @@ TEST(Compile, ALeakIsTakenForAQuickLookAndPartsBeyondReachAreNamed) {
     open.Box({0, 0, -16}, {512, 512, 0}).Start("64 64 64");
     EXPECT_THROW(Compile(open), LeakError);
     const CompiledLevel quick = CompileMap(ParseMap(open.Text(), "open.map"), {TestMaterials()}, 0, FAST_LIGHT, true);
-    EXPECT_TRUE(quick.leaks);
+    EXPECT_EQ(quick.leaks.size(), 1U);
     EXPECT_GE(quick.world.polygons.size(), 6U);
     ASSERT_EQ(quick.notes.size(), 1U);
     EXPECT_EQ(quick.notes[0].find("open.map: the level leaks"), 0U);

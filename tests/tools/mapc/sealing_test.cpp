@@ -40,6 +40,21 @@ bool IsInRoom(const Vec3& p) {
     return p.x >= 0 && p.x <= 512 && p.y >= 0 && p.y <= 512 && p.z >= 0 && p.z <= 512;
 }
 
+// Whether the path goes through the rectangle, which lies across one axis.
+bool Crosses(const std::vector<Vec3>& path, const Vec3& low, const Vec3& high) {
+    int axis = 0;
+    while (low[axis] != high[axis])
+        ++axis;
+    for (size_t i = 1; i < path.size(); ++i) {
+        const Vec3& a = path[i - 1];
+        const Vec3& b = path[i];
+        if ((a[axis] > low[axis]) == (b[axis] > low[axis])) continue;
+        const Vec3 crossing = a + (b - a) * ((low[axis] - a[axis]) / (b[axis] - a[axis]));
+        if (Box{low, high}.Holds(crossing, 0.01)) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 TEST(Sealing, ALeakIsReportedWithAWayThroughTheHole) {
@@ -48,17 +63,38 @@ TEST(Sealing, ALeakIsReportedWithAWayThroughTheHole) {
         FAIL() << "not noticed";
     } catch (const LeakError& leak) {
         EXPECT_EQ(std::string(leak.what()).find("test.map: the level leaks"), 0U);
-        ASSERT_GE(leak.path.size(), 2U);
-        EXPECT_LT(leak.path.size(), 6U) << "the way is not straightened";
-        EXPECT_EQ(leak.path.front(), (Vec3{64, 64, 64}));
-        EXPECT_FALSE(IsInRoom(leak.path.back()));
-        for (size_t i = 1; i < leak.path.size(); ++i) {
-            const Vec3& a = leak.path[i - 1];
-            const Vec3& b = leak.path[i];
-            if (a.x > 512 || b.x < 512) continue;
-            const Vec3 crossing = a + (b - a) * ((512 - a.x) / (b.x - a.x));
-            EXPECT_TRUE(crossing.y >= 224 && crossing.y <= 288 && crossing.z >= 96 && crossing.z <= 160);
+        ASSERT_EQ(leak.paths.size(), 1U);
+        EXPECT_LT(leak.paths[0].size(), 6U) << "the way is not straightened";
+        EXPECT_EQ(leak.paths[0].front(), (Vec3{64, 64, 64}));
+        EXPECT_FALSE(IsInRoom(leak.paths[0].back()));
+        EXPECT_TRUE(Crosses(leak.paths[0], {512, 224, 96}, {512, 288, 160}));
+    }
+}
+
+// Three holes of 64 x 64 in the second room, which a doorway of 64 x 128 joins to that of the start.
+TEST(Sealing, EachHoleHasItsWay) {
+    MapBuilder map;
+    map.Box({-16, -16, -16}, {800, 528, 0}).Box({-16, -16, 0}, {0, 528, 512}).Box({0, -16, 0}, {784, 0, 512});
+    map.Box({0, 512, 0}, {784, 528, 512});
+    map.Box({256, 0, 0}, {272, 224, 512}).Box({256, 288, 0}, {272, 512, 512}).Box({256, 224, 128}, {272, 288, 512});
+    map.Box({784, -16, 0}, {800, 528, 96}).Box({784, -16, 160}, {800, 528, 512});
+    map.Box({784, -16, 96}, {800, 64, 160}).Box({784, 128, 96}, {800, 384, 160}).Box({784, 448, 96}, {800, 528, 160});
+    map.Box({-16, -16, 512}, {400, 528, 528}).Box({464, -16, 512}, {800, 528, 528});
+    map.Box({400, -16, 512}, {464, 256, 528}).Box({400, 320, 512}, {464, 528, 528}).Start("64 64 64");
+    const std::pair<Vec3, Vec3> holes[] = {
+        {{784, 64, 96}, {784, 128, 160}}, {{784, 384, 96}, {784, 448, 160}}, {{400, 256, 512}, {464, 320, 512}}};
+    try {
+        Compile(map);
+        FAIL() << "not noticed";
+    } catch (const LeakError& leak) {
+        EXPECT_EQ(leak.paths.size(), 3U);
+        for (const auto& [low, high] : holes) {
+            EXPECT_EQ(std::count_if(leak.paths.begin(), leak.paths.end(),
+                                    [&](const auto& path) { return Crosses(path, low, high); }),
+                      1);
         }
+        const std::string text = leak.what();
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;
     }
 }
 
