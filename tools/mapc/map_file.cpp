@@ -136,13 +136,33 @@ void TakeAxis(Scanner& in, Vec3& direction, double& offset) {
     in.Expect("]");
 }
 
-MapFace TakeFace(Scanner& in) {
-    MapFace face;
-    face.line = in.Line();
-    for (Vec3& p : face.points)
-        p = TakePoint(in);
-    if (in.Is("(")) in.Fail("a face in a form this compiler does not know", "save the map as Standard or Valve 220");
-    face.texture = in.Take().text;
+// Across and down on a face of this direction: level, and at right angles to that.
+std::array<Vec3, 2> PrimitiveAxes(const Vec3& normal) {
+    const double level = std::hypot(normal.x, normal.y);
+    const bool isFlat = level < 1e-6;
+    const double cosine = isFlat ? 1 : normal.x / level;
+    const double sine = isFlat ? 0 : normal.y / level;
+    return {{{-sine, cosine, 0}, {normal.z * cosine, normal.z * sine, isFlat ? 0 : -level}}};
+}
+
+void TakeMatrix(Scanner& in, MapFace& face) {
+    const auto& [a, b, c] = face.points;
+    const Vec3 normal = Cross(c - a, b - a);
+    const double length = Length(normal);
+    const auto [across, down] = PrimitiveAxes(length > 0 ? normal * (1 / length) : Vec3{0, 0, 1});
+    in.Expect("(");
+    const Vec3 u = TakePoint(in);
+    const Vec3 v = TakePoint(in);
+    in.Expect(")");
+    face.uAxis = across * u.x + down * u.y;
+    face.vAxis = across * v.x + down * v.y;
+    face.uOffset = u.z;
+    face.vOffset = v.z;
+    face.uScale = face.vScale = 1;
+    face.hasAxes = face.inRepeats = true;
+}
+
+void TakeTexels(Scanner& in, MapFace& face) {
     face.hasAxes = in.Is("[");
     if (face.hasAxes) {
         TakeAxis(in, face.uAxis, face.uOffset);
@@ -158,6 +178,17 @@ MapFace TakeFace(Scanner& in) {
         if (scale == 0 || std::abs(scale) >= SCALE_MIN) continue;
         Refuse(face.line, fmt::format("a texture scale of {}", scale), "use the editor's default scale");
     }
+}
+
+MapFace TakeFace(Scanner& in) {
+    MapFace face;
+    face.line = in.Line();
+    for (Vec3& p : face.points)
+        p = TakePoint(in);
+    const bool hasMatrix = in.Is("(");
+    if (hasMatrix) TakeMatrix(in, face);
+    face.texture = in.Take().text;
+    if (!hasMatrix) TakeTexels(in, face);
     while (in.NextIsNumber())
         in.Take();  // of any size
     return face;
@@ -168,15 +199,21 @@ MapBrush TakeBrush(Scanner& in) {
     brush.line = in.Line();
     in.CountBrush();
     in.Expect("{");
+    const bool isPrimitive = in.Is("brushDef");
+    if (isPrimitive) {
+        in.Take();
+        in.Expect("{");
+    }
     while (!in.Is("}")) {
         if (!in.Is("(")) {
             in.Fail(fmt::format("\"{}\" where a face should begin", Shown(in.Next().text)),
-                    "only brushes of flat faces are supported; save the map as Standard or Valve 220");
+                    "only brushes of flat faces are supported: Standard, Valve 220 or brushDef");
         }
         in.CountFace();
         in.Count(brush.faces.size(), MAP_BRUSH_FACES_MAX, "faces on one brush");
         brush.faces.push_back(TakeFace(in));
     }
+    if (isPrimitive) in.Expect("}");
     in.Expect("}");
     return brush;
 }

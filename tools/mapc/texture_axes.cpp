@@ -101,6 +101,12 @@ FaceTexture TextureOf(const MapFace& face, const Vec3& normal, const Material& m
     texture.vAxis = painted.vAxis * (1 / painted.vScale);
     texture.uOffset = face.uOffset;
     texture.vOffset = face.vOffset;
+    if (face.inRepeats) {
+        texture.uAxis = texture.uAxis * material.width;
+        texture.vAxis = texture.vAxis * material.height;
+        texture.uOffset *= material.width;
+        texture.vOffset *= material.height;
+    }
     return texture;
 }
 

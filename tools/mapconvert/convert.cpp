@@ -66,11 +66,12 @@ MapFile MapOf(const std::string& name, AdaptedMap& adapted) {
 class Converter {
 public:
     Converter(const std::string& text, const std::string& name, const ForeignRules& rules, double scale) {
-        size_t otherForms = 0;
+        OtherForms otherForms;
         const MapFile source = ParseMap(WithoutOtherForms(text, otherForms), name);
         adapted_ = AdaptEntities(source, rules, scale);
         out_.notes = adapted_.notes;
-        if (otherForms > 0) Note("{} patches and brushes of other forms are left out", otherForms);
+        for (const auto& [form, found] : otherForms)
+            Note("{}:{}: {} {} left out", name, found.line, found.count, form);
         out_.map = MapOf(name, adapted_);
         KeepSoundBrushes();
         PaintUnseen();

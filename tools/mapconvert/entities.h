@@ -4,6 +4,8 @@
 #include "mapc/map_file.h"
 #include "mapconvert/rules.h"
 
+#include <map>
+
 struct AdaptedMap {
     MapEntity world;
     std::vector<MapBrush> detail;
@@ -18,6 +20,12 @@ struct AdaptedMap {
 // meant to be seen. Where the sky is a wall or a floor, a clip brush keeps the player from falling through it.
 AdaptedMap AdaptEntities(const MapFile& map, const ForeignRules& rules, double scale);
 
-// The map's text without a byte order mark, patches and brushes of other forms, whose lines stay empty. left: how many
-// there were.
-std::string WithoutOtherForms(std::string text, size_t& left);
+// Brushes of forms that mapc does not read, by the word that names the form.
+struct OtherForm {
+    size_t count = 0;
+    int line = 0;  // line of the first
+};
+using OtherForms = std::map<std::string, OtherForm>;
+
+// The map's text without a byte order mark, patches and brushes of other forms, whose lines stay empty.
+std::string WithoutOtherForms(std::string text, OtherForms& left);

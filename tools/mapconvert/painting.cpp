@@ -178,10 +178,11 @@ private:
     std::set<std::string> taken_{"clip", "sky", "zero_body", "zero_head", "tarnwick_body", "tarnwick_head"};
 };
 
-// The face shows the picture as often as before.
+// The face shows the picture as often as before, and counts its texels from now on.
 void Repaint(MapFace& face, const Texture& texture, const Image& picture) {
-    const double across = static_cast<double>(picture.width) / texture.width;
-    const double down = static_cast<double>(picture.height) / texture.height;
+    const double across = static_cast<double>(picture.width) / (face.inRepeats ? 1 : texture.width);
+    const double down = static_cast<double>(picture.height) / (face.inRepeats ? 1 : texture.height);
+    face.inRepeats = false;
     face.texture = texture.material;
     face.uScale /= across;
     face.vScale /= down;

@@ -1,5 +1,6 @@
 // Reading of .map files: what is understood, and where and why the rest is refused.
 #include "map_builder.h"
+#include "mapc/texture_axes.h"
 #include "support/content_error.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ TEST(MapText, BadTextIsRefusedWithItsLine) {
     const std::pair<std::string, const char*> cases[] = {
         {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 zero 1 ) wall 0 0 0 1 1"), "test.map:4: \"zero\" is not a number"},
         {MapWithFace("( 0 0 0 ) ( 0 1 0 ) wall 0 0 0 1 1"), "test.map:4: \"wall\" instead of \"(\""},
-        {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) ( 1 0 0 ) wall"), "test.map:4: a face in a form"},
+        {MapWithFace("( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) ( 1 0 0 ) wall"), "test.map:4: \"1\" instead of \"(\""},
         {MapWithFace(std::string(FACE).append("[ 0 1 0 8 ] 0 0 0 1 1")), "test.map:4: \"0\" instead of \"[\""},
         {MapWithFace("patchDef2\n{"), "test.map:4: \"patchDef2\" where a face should begin"},
         {"{\n\"classname\" \"worldspawn\n}", "test.map:2: a quoted text has no end"},
@@ -29,6 +30,34 @@ TEST(MapText, BadTextIsRefusedWithItsLine) {
     };
     for (const auto& row : cases)
         ExpectRefusal(row.second, [&] { ParseMap(row.first, "test.map"); });
+}
+
+// Walls that look east and west, a floor and a slope: each painted with half a unit a texel, moved by 8 texels to the
+// right.
+TEST(MapText, BrushPrimitivesPaintLikeTexels) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"( 9 0 0 ) ( 9 0 1 ) ( 9 1 0 ) wall 8 0 0 0.5 0.5", "( ( 0.03125 0 0.125 ) ( 0 0.015625 0 ) )"},
+        {"( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) wall 8 0 0 0.5 0.5", "( ( -0.03125 0 0.125 ) ( 0 0.015625 0 ) )"},
+        {"( 0 0 9 ) ( 0 1 9 ) ( 1 0 9 ) wall 8 0 0 0.5 0.5", "( ( 0 0.03125 0.125 ) ( -0.015625 0 0 ) )"},
+        {"( 0 0 9 ) ( 0 3 5 ) ( 1 0 9 ) wall [ 1 0 0 8 ] [ 0 -0.6 0.8 0 ] 0 0.5 0.5",
+         "( ( -0.03125 0 0.125 ) ( 0 -0.015625 0 ) )"},
+    };
+    const Material material{0, "wall", 64, 128};
+    for (const auto& [texels, matrix] : rows) {
+        SCOPED_TRACE(texels);
+        const std::string points = std::string(texels).substr(0, std::string(texels).find("wall"));
+        const std::string text =
+            MapWithFace(std::string("brushDef\n{\n").append(points).append(matrix).append(" wall 0\n}"));
+        const MapFace expected = ParseMap(MapWithFace(texels), "texels").entities[0].brushes[0].faces[0];
+        const MapFace face = ParseMap(text, "primitives").entities[0].brushes[0].faces[0];
+        const auto& [a, b, c] = face.points;
+        const Vec3 normal = Cross(c - a, b - a) * (1 / Length(Cross(c - a, b - a)));
+        const FaceTexture left = TextureOf(expected, normal, material);
+        const FaceTexture right = TextureOf(face, normal, material);
+        EXPECT_LT(Length(left.uAxis - right.uAxis), 1e-9);
+        EXPECT_LT(Length(left.vAxis - right.vAxis), 1e-9);
+        EXPECT_EQ(left.uOffset, right.uOffset);
+    }
 }
 
 TEST(MapText, BadKeysAreRefusedWithTheirLine) {

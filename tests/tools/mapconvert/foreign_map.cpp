@@ -36,6 +36,18 @@ std::vector<uint8_t> PictureBytes(const WadPicture& picture, bool three) {
     return out.bytes;
 }
 
+// A pillar whose faces show the wall of 96 x 48 texels, a texel a unit.
+constexpr const char* PRIMITIVE_PILLAR = R"(brushDef
+{
+( 800 0 0 ) ( 800 1 0 ) ( 800 0 1 ) ( ( 0.010416666666666667 0 0.5 ) ( 0 0.020833333333333333 0 ) ) base/wall 0 0 0
+( 840 0 0 ) ( 840 0 1 ) ( 840 1 0 ) ( ( 0.010416666666666667 0 0 ) ( 0 0.020833333333333333 0 ) ) base/wall 0 0 0
+( 0 60 0 ) ( 0 60 1 ) ( 1 60 0 ) ( ( 0.010416666666666667 0 0 ) ( 0 0.020833333333333333 0 ) ) base/wall 0 0 0
+( 0 100 0 ) ( 1 100 0 ) ( 0 100 1 ) ( ( 0.010416666666666667 0 0 ) ( 0 0.020833333333333333 0 ) ) base/wall 0 0 0
+( 0 0 0 ) ( 1 0 0 ) ( 0 1 0 ) ( ( 0.010416666666666667 0 0 ) ( 0 0.020833333333333333 0 ) ) base/wall 0 0 0
+( 0 0 64 ) ( 0 1 64 ) ( 1 0 64 ) ( ( 0.010416666666666667 0 0 ) ( 0 0.020833333333333333 0 ) ) base/wall 0 0 0
+}
+)";
+
 }  // namespace
 
 std::vector<uint8_t> WadBytes(bool three, const std::vector<WadPicture>& pictures) {
@@ -77,6 +89,7 @@ std::string ForeignMap(bool axes) {
     map.Box({200, 0, 0}, {210, 512, 192}, "hint").Box({300, 400, 0}, {340, 440, 40}, "common/CLIP");
     map.Box({600, 20, 0}, {700, 120, 20}, "*slime0");
     map.Brush("( 0 0 0 ) ( 0 1 0 ) ( 0 0 1 ) wall 0 0 0 2 2\n");  // no volume
+    map.Brush(PRIMITIVE_PILLAR);
     map.Brush("patchDef2\n{\nbase/curve\n( 3 3 0 0 0 )\n( ( ( 0 0 0 0 0 ) ) )\n}\n");
     map.BeginEntity("func_wall", "\"rendermode\" \"4\"\n").Box({640, 400, 0}, {720, 408, 96}, "{FENCE");
     map.BeginEntity("func_door", "\"angle\" \"-1\"\n").Box({496, 224, 0}, {512, 288, 96}, "door");
