@@ -1,10 +1,11 @@
-// Reads a .map file: entities with keys and brushes, a brush being the space behind all its planes. Three ways to write a
-// face are understood, also mixed: Standard, Valve 220, and that of brush primitives.
+// Reads a .map file: entities with keys and brushes, a brush being the space behind all its planes. Three ways to write
+// a face are understood, also mixed: Standard, Valve 220, and that of brush primitives.
 //     ( x y z ) ( x y z ) ( x y z ) TEXTURE xOffset yOffset rotation xScale yScale
 //     ( x y z ) ( x y z ) ( x y z ) TEXTURE [ ux uy uz uOffset ] [ vx vy vz vOffset ] rotation xScale yScale
 //     ( x y z ) ( x y z ) ( x y z ) ( ( uAcross uDown uOffset ) ( vAcross vDown vOffset ) ) TEXTURE
-// Faces of the third form may stand in brushDef { } within their brush. Their u and v count repeats of the picture, along
-// the axes that PrimitiveAxes gives. The three points run clockwise as seen from outside the brush. Numbers after the scales are skipped.
+// Faces of the third form may stand in brushDef { } within their brush. Their u and v count repeats of the picture,
+// along the axes that PrimitiveAxes gives. The three points run clockwise as seen from outside the brush. Numbers after
+// the scales are skipped.
 #pragma once
 
 #include "mapc/geometry.h"
@@ -28,8 +29,8 @@ struct MapFace {
     std::string texture;
     bool hasAxes = false;    // the second form, or the third
     bool inRepeats = false;  // the third form: axes and offsets count repeats of the picture instead of texels
-    Vec3 uAxis, vAxis;     // only with hasAxes
-    double uOffset = 0;    // texels
+    Vec3 uAxis, vAxis;       // only with hasAxes
+    double uOffset = 0;      // texels
     double vOffset = 0;
     double rotation = 0;  // degrees; of no effect with hasAxes
     double uScale = 0;    // map units per texel
