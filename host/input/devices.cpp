@@ -4,6 +4,7 @@
 #include "input/message_queue.h"
 #include "input/session_hooks.h"
 #include "machine/machine.h"
+#include "machine/settings.h"
 
 #include <algorithm>
 #include <bitset>
@@ -55,6 +56,17 @@ void DeviceMouseMotion(int x, int y, int wheel) {
     motion[0] += x;
     motion[1] += y;
     motion[2] += wheel;
+}
+
+// Fractions of a count are kept for the next report.
+void DeviceHandMotion(int x, int y) {
+    static int restX = 0, restY = 0;  // hundredths of a count
+    const int percent = SettingValue(Setting::MouseSpeed);
+    restX += x * percent;
+    restY += SettingValue(Setting::MouseInverted) ? -y * percent : y * percent;
+    DeviceMouseMotion(restX / 100, restY / 100, 0);
+    restX %= 100;
+    restY %= 100;
 }
 
 void DeviceMouseButton(KeySource source, int button, bool down) {

@@ -20,6 +20,7 @@ constexpr size_t KEY_SOURCES = 3;
 // script says what each poll sees.
 void DeviceKey(KeySource source, uint8_t scanCode, bool down);
 void DeviceMouseMotion(int x, int y, int wheel);  // summed until the game reads the mouse; without the focus dropped
+void DeviceHandMotion(int x, int y);  // the same of the player's mouse, with the speed and direction of the settings
 void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle; others are ignored
 // The window has the focus from its creation on, until the first loss. A change posts WM_ACTIVATEAPP; a loss lets go
 // of the keyboard and the mouse. What a pad holds acts again after it: pads report without the focus too.

@@ -181,17 +181,6 @@ void HandleMouseButton(const SDL_MouseButtonEvent& event) {
             DeviceMouseButton(KeySource::Keyboard, static_cast<int>(button), event.state == SDL_PRESSED);
 }
 
-// Fractions of a count are kept for the next report.
-void ReportMotion(int x, int y) {
-    static int restX = 0, restY = 0;  // hundredths of a count
-    const int percent = SettingValue(Setting::MouseSpeed);
-    restX += x * percent;
-    restY += SettingValue(Setting::MouseInverted) ? -y * percent : y * percent;
-    DeviceMouseMotion(restX / 100, restY / 100, 0);
-    restX %= 100;
-    restY %= 100;
-}
-
 void HandleEvent(const SDL_Event& event) {
     switch (event.type) {
     case SDL_QUIT: HandleCloseRequest(event.quit.timestamp); break;
@@ -199,7 +188,7 @@ void HandleEvent(const SDL_Event& event) {
     case SDL_KEYDOWN:
     case SDL_KEYUP: HandleKey(event.key); break;
     case SDL_MOUSEMOTION:
-        if (pointerHeld) ReportMotion(event.motion.xrel, event.motion.yrel);
+        if (pointerHeld) DeviceHandMotion(event.motion.xrel, event.motion.yrel);
         break;
     case SDL_MOUSEWHEEL: DeviceMouseMotion(0, 0, event.wheel.y * WHEEL_NOTCH); break;
     case SDL_MOUSEBUTTONDOWN:
