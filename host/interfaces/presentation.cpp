@@ -4,6 +4,7 @@
 #include "input/session_hooks.h"
 
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -93,8 +94,8 @@ void ShowFrontTexture(const FrontTexture& front) {
     if (!isDeferred) Show();
 }
 
-void DeferFront(bool deferred) {
-    isDeferred = deferred;
+bool DeferFront(bool deferred) {
+    return std::exchange(isDeferred, deferred);
 }
 
 void ShowDeferredFront() {

@@ -26,7 +26,7 @@ struct FrontTexture {
 void ShowFront(const FrontBuffer& front);
 void ShowFrontTexture(const FrontTexture& front);  // the same for the texture
 // While it is deferred, what is to be shown is not, until ShowDeferredFront.
-void DeferFront(bool deferred);
+bool DeferFront(bool deferred);  // returns what was so before
 void ShowDeferredFront();
 void FreezeFront();  // called before the memory is released: the picture stays on the screen
 // True: the picture shown last stays on the screen whatever is shown, until false. Its memory may be released after

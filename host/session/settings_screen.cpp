@@ -4,6 +4,7 @@
 #include "input/devices.h"
 #include "input/keys.h"
 #include "input/pads.h"
+#include "interfaces/presentation.h"
 #include "machine/clock.h"
 #include "machine/machine.h"
 #include "machine/overlay.h"
@@ -118,7 +119,9 @@ void OfferSettings(uint8_t* keys) {
         const uint32_t paused = ClockNow();
         const MouseUse mouse = DeviceMouseUse();
         SetMouseUse(MouseUse::None);
+        const bool deferred = DeferFront(false);  // photos are shown at once
         if (!settings || RunScreen() == Leaving::Photo) RunPhotoMode();
+        DeferFront(deferred);
         SetMouseUse(mouse);
         ReadClock();
         SetClock(paused);
