@@ -25,6 +25,9 @@ struct Machine {
     // WaitMessage, so a deterministic machine may count these calls; a real one may sleep briefly when it is called
     // again within the same millisecond.
     uint32_t (*milliseconds)();
+    // The program only waits until the clock has gone on by so much since it was read last: the machine may sleep, but
+    // no longer than that. Null: the naps of `milliseconds` will do.
+    void (*sleep)(uint32_t milliseconds);
     void (*beforeKeyboardPoll)();  // pump the devices into input/devices.h; called by the keyboard's GetDeviceState
     void (*pump)();                // the same, called by PeekMessageA
     void (*wait)();                // sleep until a device has something to say, 100 ms at most; called by WaitMessage
@@ -47,6 +50,9 @@ struct Machine {
     // Called before a file of the data folder is opened for reading, for a machine that gets its files from elsewhere.
     // Null: they are all there.
     void (*bringFile)(const char* path);
+    // Called after a file of the player's was written, for a machine that keeps its files elsewhere. Null: they stay
+    // there.
+    void (*keepFile)(const char* path);
     int (*messageBox)(const char* text, const char* caption);
     bool (*hasWindow)();   // a message box can be seen
     int (*refreshRate)();  // pictures a second of the display; 0, and null: not known

@@ -153,8 +153,8 @@ void KeepPace() {
     const auto ahead = [] { return static_cast<int32_t>(paceStart + clockNow - CurrentMachine->milliseconds()); };
     if (!hasPace || ahead() > PAUSE_MAX) paceStart = CurrentMachine->milliseconds() - clockNow;
     hasPace = true;
-    while (ahead() > 0) {
-    }
+    for (int32_t left = ahead(); left > 0; left = ahead())
+        if (CurrentMachine->sleep) CurrentMachine->sleep(static_cast<uint32_t>(left));
 }
 
 bool ReadBytes() {

@@ -1,5 +1,5 @@
 // The screenshot key, P: writes the game's picture, unscaled, as a PNG into the user's pictures folder, and says so
-// over the game for a moment. Only on machines that have settings, too: a page keeps its pictures itself.
+// over the game for a moment; a page offers it as a download. Only on machines that have settings, too.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,7 @@
 #include "session/settings_file.h"
 
 #include "machine/game.h"
+#include "machine/machine.h"
 #include "machine/output.h"
 #include "machine/settings.h"
 #include "machine/text_file.h"
@@ -92,7 +93,10 @@ bool SaveSettings() {
     file << UpdateSettings(old);
     file.close();
     if (file) fs::rename(fresh, settingsFile, error);
-    if (file && !error) return true;
+    if (file && !error) {
+        if (CurrentMachine->keepFile) CurrentMachine->keepFile(settingsFile.c_str());
+        return true;
+    }
     PrintError("the settings cannot be written to %s", settingsFile.c_str());
     return false;
 }

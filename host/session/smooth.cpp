@@ -11,6 +11,7 @@
 #include "session/front_end.h"
 #include "session/message.h"
 #include "session/progress.h"
+#include "session/replay.h"
 #include "session/settings_file.h"
 
 #include <algorithm>
@@ -80,6 +81,12 @@ bool IsSmooth() {
 
 bool FillsTheWait() {
     return (IsSmooth() || SteadyLamps()) && HostWantsPicture();
+}
+
+// At a reading of the clock by a game that will ask again and again until `moment`.
+void SleepUntil(uint32_t moment) {
+    const auto left = static_cast<int32_t>(moment - ClockNow());
+    if (left > 0 && CurrentMachine->sleep && !Replaying()) CurrentMachine->sleep(static_cast<uint32_t>(left));
 }
 
 // The time since the last reading of the clock is the latest picture's.
@@ -171,9 +178,10 @@ void BeginSmoothWait(const HostFrameReport& report) {
 
 void SmoothAtClock() {
     lastAnswer = ClockNow();
-    if (!wait.isOpen) return;
+    if (!wait.isOpen) return SleepUntil(wait.began + wait.length);
     MeasureCost();
     const bool hasTime = !IsSmooth() || HasTime();
-    if (hasTime && IsSmooth() && !IsDue()) return;
+    if (hasTime && IsSmooth() && !IsDue())
+        return SleepUntil(std::min(begunAt + DisplayInterval(), wait.began + wait.length));
     if (!hasTime || !ShowBetween()) EndWait();
 }
