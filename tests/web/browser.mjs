@@ -4,14 +4,25 @@ import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 
+// What makes a page take WebGL that the processor draws for a graphics card's.
+const LIKE_A_GRAPHICS_CARD = `{
+    const { getContext } = HTMLCanvasElement.prototype, { getExtension } = WebGL2RenderingContext.prototype;
+    HTMLCanvasElement.prototype.getContext = function (kind, options) {
+        return getContext.call(this, kind, { ...options, failIfMajorPerformanceCaveat: false });
+    };
+    WebGL2RenderingContext.prototype.getExtension = function (name) {
+        return name === 'WEBGL_debug_renderer_info' ? null : getExtension.call(this, name);
+    };
+}`;
+
 export class Browser {
     static async start() {
         const browser = new Browser();
         browser.profile = mkdtempSync(join(tmpdir(), 'tarnwick-browser.'));
         browser.process = spawn('chromium', [
             '--headless=new', '--no-sandbox', '--remote-debugging-pipe', `--user-data-dir=${browser.profile}`,
-            '--use-angle=swiftshader', '--enable-unsafe-swiftshader', '--ignore-gpu-blocklist', '--mute-audio',
-            '--no-first-run', '--disable-dev-shm-usage', '--autoplay-policy=no-user-gesture-required', 'about:blank',
+            '--enable-unsafe-swiftshader', '--mute-audio', '--no-first-run', '--disable-dev-shm-usage',
+            '--autoplay-policy=no-user-gesture-required', 'about:blank',
         ], { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
         browser.answers = new Map();
         browser.listeners = [];
@@ -68,6 +79,13 @@ export class Browser {
 
     open(url) {
         return this.send('Page.navigate', { url });
+    }
+
+    // Of the pages that are opened from now on.
+    async pretendGraphicsCard(pretend) {
+        if (this.pretending) await this.send('Page.removeScriptToEvaluateOnNewDocument', { identifier: this.pretending });
+        this.pretending = pretend &&
+            (await this.send('Page.addScriptToEvaluateOnNewDocument', { source: LIKE_A_GRAPHICS_CARD })).identifier;
     }
 
     size(width, height, { scale = 1, touch = false } = {}) {

@@ -1,5 +1,8 @@
-// WebGL 2 on the page's canvas: OpenGL ES 3.0.
+// WebGL 2, which is OpenGL ES 3.0: on the page's canvas where a graphics card draws it, elsewhere on one that is not
+// shown.
 #include "boards/gpu/gl_context.h"
+
+#include "backends/web/page_calls.h"
 
 #include <emscripten/html5.h>
 
@@ -20,7 +23,7 @@ bool EnterGl(std::string& error) {
     attributes.depth = false;
     attributes.antialias = false;
     attributes.preserveDrawingBuffer = true;  // what is shown stays readable, for pictures that the player keeps
-    context = emscripten_webgl_create_context("#screen", &attributes);
+    context = emscripten_webgl_create_context(MayHaveGraphicsCard() ? "#screen" : "#hidden-screen", &attributes);
     if (context > 0 && emscripten_webgl_make_context_current(context) == EMSCRIPTEN_RESULT_SUCCESS)
         return LoadGl(error);
     error = "this browser has no WebGL 2";
@@ -28,9 +31,9 @@ bool EnterGl(std::string& error) {
 }
 
 bool MayHaveGraphicsCard() {
-    return true;
+    return pageHasGraphicsCard() != 0;
 }
 
 bool GlIsSoftware() {
-    return false;  // browsers do not tell; what they draw with is quicker than what runs in the page
+    return !MayHaveGraphicsCard();
 }

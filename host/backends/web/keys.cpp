@@ -134,3 +134,9 @@ uint8_t ScanCodeOfPlace(std::string_view place) {
         if (key.place == place) return key.scanCode;
     return 0;
 }
+
+std::string_view PlaceOfScanCode(uint8_t scanCode) {
+    for (const KeyPlace& key : KEYBOARD)
+        if (key.scanCode == scanCode) return key.place;
+    return {};
+}

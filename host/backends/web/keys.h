@@ -4,4 +4,5 @@
 #include <cstdint>
 #include <string_view>
 
-uint8_t ScanCodeOfPlace(std::string_view place);  // 0: the game has no use for it
+uint8_t ScanCodeOfPlace(std::string_view place);     // 0: the game has no use for it
+std::string_view PlaceOfScanCode(uint8_t scanCode);  // empty: the browser has no name for it

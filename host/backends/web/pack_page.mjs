@@ -102,7 +102,7 @@ addresses['tarnwick.wasm'] = put('tarnwick.wasm', readFileSync(join(programFolde
 addresses['icon.png'] = put('icon.png', readFileSync(join(dataFolder, 'icon.png')), 'start');
 putText('style.css', page('style.css'));
 putText('tarnwick.mjs', readFileSync(join(programFolder, 'tarnwick.mjs'), 'utf8'));
-for (const name of ['files.js', 'input.js', 'music.js']) putText(name, page(name));
+for (const name of ['files.js', 'input.js', 'music.js', 'screen.js']) putText(name, page(name));
 // Modules name each other from their own folder.
 const besides = Object.fromEntries(Object.entries(addresses).map(([name, address]) => [name, `./${basename(address)}`]));
 putText('page.js', fill(page('page.js'), besides));

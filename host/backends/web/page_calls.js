@@ -5,6 +5,10 @@ const PageCalls = {
     pageNap: function (milliseconds) {
         return Asyncify.handleAsync(() => Module['page'].nap(milliseconds));
     },
+    pageSleepUntil__async: true,
+    pageSleepUntil: function (milliseconds) {
+        return Asyncify.handleAsync(() => Module['page'].sleepUntil(milliseconds >>> 0));
+    },
     pageWait__async: true,
     pageWait: function (milliseconds) {
         return Asyncify.handleAsync(() => Module['page'].wait(milliseconds));
@@ -20,16 +24,16 @@ const PageCalls = {
     pageReport: function () {
         Module['page'].report();
     },
-    pageCanvasSize: function (width, height) {
-        const size = Module['page'].canvasSize();
+    pageScreenSize: function (width, height) {
+        const size = Module['page'].screenSize();
         HEAP32[width >> 2] = size[0];
         HEAP32[height >> 2] = size[1];
     },
-    pageHasWebGl: function () {
-        return Module['page'].hasWebGl();
+    pageHasGraphicsCard: function () {
+        return Module['page'].hasGraphicsCard();
     },
-    pageShowPixels: function (pixels, width, height) {
-        Module['page'].showPixels(HEAPU8.subarray(pixels, pixels + width * height * 4), width, height);
+    pageRefreshRate: function () {
+        return Module['page'].refreshRate();
     },
     pageShown: function () {
         Module['page'].shown();
@@ -39,6 +43,30 @@ const PageCalls = {
     },
     pagePlayTrack: function (path, from, to) {
         Module['page'].playTrack(path ? UTF8ToString(path) : null, from, to);
+    },
+    pageShowPixels: function (pixels, width, height) {
+        Module['page'].showPixels(HEAPU8.buffer, pixels, width, height);
+    },
+    pageShowOverlay: function (pixels, width, height) {
+        Module['page'].showOverlay(HEAPU8.buffer, pixels, width, height);
+    },
+    pagePlacePicture: function (x, y, width, height, smooth, brightness) {
+        Module['page'].placePicture(x, y, width, height, smooth !== 0, brightness);
+    },
+    pageIsFullScreen: function () {
+        return Module['page'].isFullScreen();
+    },
+    pageApplySettings: function (fullScreen, windowWidth, volume, musicStops) {
+        Module['page'].applySettings(fullScreen !== 0, windowWidth, volume, musicStops !== 0);
+    },
+    pageKeepFile: function (path) {
+        Module['page'].keepFile(UTF8ToString(path));
+    },
+    pageOfferPicture: function (name, pixels, width, height) {
+        Module['page'].offerPicture(UTF8ToString(name), HEAPU8.buffer, pixels, width, height);
+    },
+    pageKeyLabel: function (place, label, size) {
+        stringToUTF8(Module['page'].keyLabel(UTF8ToString(place)), label, size);
     },
 };
 mergeInto(LibraryManager.library, PageCalls);

@@ -2,31 +2,28 @@
 
 #include "backends/web/keys.h"
 #include "backends/web/page_calls.h"
-#include "boards/gpu/gl_context.h"
-#include "boards/gpu/gl_picture.h"
+#include "backends/web/screen.h"
 #include "host/win32.h"
 #include "input/devices.h"
-#include "input/keys.h"
 #include "input/pads.h"
 #include "machine/options.h"
+#include "machine/overlay.h"
+#include "machine/settings.h"
 #include "machine/track_reader.h"
 
-#include <bitset>
 #include <cstdio>
+#include <cstdlib>
 #include <emscripten.h>
-#include <optional>
 #include <string>
 
 namespace {
 
-constexpr int CLOCK_NAP_MS = 1;     // nap of a loop that reads the clock until it moves
-constexpr int KEYBOARD_NAP_MS = 2;  // nap of a loop that polls the keyboard until a key is down
+constexpr int CLOCK_NAP_MS = 1;      // nap of a loop that reads the clock until it moves
+constexpr int KEYBOARD_NAP_MS = 2;   // nap of a loop that polls the keyboard until a key is down
+constexpr int FRONT_END_NAP_MS = 8;  // nap of each poll before a level, where nothing moves
 constexpr int WAIT_SLICE_MS = 20;
 
 uint32_t lastClock = 0, lastKeyboardPoll = 0, lastTurn = 0;
-std::bitset<KEY_COUNT> keysHeld[2];  // by one place of the keyboard, and by a second one that stands for the same key
-std::optional<GlPicture> shown;
-int shownWidth = 0, shownHeight = 0;  // size of the canvas when it was drawn last, pixels
 bool opened = false;
 
 uint32_t Now() {
@@ -38,28 +35,23 @@ uint32_t Milliseconds() {
     return lastClock = Now();
 }
 
-void DrawShown() {
-    pageCanvasSize(&shownWidth, &shownHeight);
-    if (shown->Draw(shownWidth, shownHeight)) pageShown();
-}
-
-// The front end draws only when something changes, and the page may have another size by then.
-void DrawAfterResize() {
-    int width = 0, height = 0;
-    pageCanvasSize(&width, &height);
-    if (shown && (width != shownWidth || height != shownHeight)) DrawShown();
+void Sleep(uint32_t milliseconds) {
+    pageSleepUntil(lastClock + milliseconds);
 }
 
 void Pump() {
     pageReport();
-    DrawAfterResize();
+    ShowAgainAfterResize();
     const uint32_t now = Now();
     TurnWithPads(now - lastTurn);
     lastTurn = now;
 }
 
 void BeforeKeyboardPoll() {
-    if (Now() == lastKeyboardPoll) pageNap(KEYBOARD_NAP_MS);
+    if (DeviceMouseUse() == MouseUse::None)
+        pageNap(FRONT_END_NAP_MS);
+    else if (Now() == lastKeyboardPoll)
+        pageNap(KEYBOARD_NAP_MS);
     lastKeyboardPoll = Now();
     Pump();
 }
@@ -69,43 +61,30 @@ void Wait() {
     Pump();
 }
 
-// Without WebGL the page draws the pictures with its own means.
-bool CreateGameWindow(const char*) {
-    std::string problem;
-    shown.emplace();
-    if (!pageHasWebGl() || !EnterGl(problem) || !shown->Prepare(problem)) {
-        if (!problem.empty()) std::fprintf(stderr, "no WebGL: %s\n", problem.c_str());
-        shown.reset();
-    }
-    return opened = true;
+void ApplySettings() {
+    pageApplySettings(SettingValue(Setting::FullScreen), WINDOW_SIZES[SettingValue(Setting::WindowSize)].width,
+                      SettingValue(Setting::Volume), SettingValue(Setting::MusicStops));
+    ShowAgain();
 }
 
-void DesktopSize(int* width, int* height) {
-    pageCanvasSize(width, height);
-}
-
-void Present(const Picture& picture) {
-    if (shown) {
-        shown->Take(picture);
-        DrawShown();
-        return;
-    }
-    const size_t pixels = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height);
-    pageShowPixels(RedFirst({picture.pixels, pixels}).data(), picture.width, picture.height);
-    pageShown();
-}
-
-bool PresentTexture(uint32_t texture, int width, int height) {
-    if (!shown) return false;
-    shown->TakeTexture(texture, width, height);
-    DrawShown();
+// A page cannot take the whole screen by itself, and knows no folder of the player's.
+bool Start(const Options&) {
+    SetSetting(Setting::FullScreen, pageIsFullScreen());
+    unsetenv("HOME");
     return true;
 }
 
-void ShowOverlayPicture(const Picture* overlay) {
-    if (!shown) return;
-    shown->TakeOverlay(overlay);
-    DrawShown();
+bool CreateGameWindow(const char*) {
+    OpenScreen();
+    ApplySettings();
+    return opened = true;
+}
+
+std::string KeyLabel(uint8_t scanCode) {
+    char label[32] = "";
+    const std::string place(PlaceOfScanCode(scanCode));
+    pageKeyLabel(place.c_str(), label, sizeof label);
+    return CanWrite(label) ? label : "US " + place;
 }
 
 int ShowMessage(const char* text, const char* caption) {
@@ -127,13 +106,12 @@ void PlaySound(std::shared_ptr<TrackReader> track) {
 EMSCRIPTEN_KEEPALIVE void PageKey(const char* place, int down) {
     const uint8_t scanCode = ScanCodeOfPlace(place);
     if (scanCode == 0) return;
-    // X stands for right Ctrl, which many keyboards lack: the game's key is down as long as one of the two is.
-    keysHeld[std::string_view(place) == "KeyX"][scanCode] = down != 0;
-    DeviceKey(KeySource::Keyboard, scanCode, keysHeld[0][scanCode] || keysHeld[1][scanCode]);
+    DeviceKey(KeySource::Keyboard, scanCode, down != 0);
 }
 
 EMSCRIPTEN_KEEPALIVE void PageMouse(int x, int y, int wheel) {
-    DeviceMouseMotion(x, y, wheel);
+    DeviceMouseMotion(0, 0, wheel);
+    DeviceHandMotion(x, y);
 }
 
 EMSCRIPTEN_KEEPALIVE void PageMouseButton(int button, int down) {
@@ -141,9 +119,11 @@ EMSCRIPTEN_KEEPALIVE void PageMouseButton(int button, int down) {
 }
 
 EMSCRIPTEN_KEEPALIVE void PageFocus(int gained) {
-    for (auto& held : keysHeld)
-        held.reset();
     DeviceFocus(gained != 0);
+}
+
+EMSCRIPTEN_KEEPALIVE void PageFullScreen(int on) {
+    SetSetting(Setting::FullScreen, on != 0 ? 1 : 0);
 }
 
 EMSCRIPTEN_KEEPALIVE void PagePadButton(int pad, int button, int down) {
@@ -160,25 +140,27 @@ EMSCRIPTEN_KEEPALIVE void PagePadGone(int pad) {
 
 const Machine WebMachine = {
     .name = "web",
-    .start = [](const Options&) { return true; },
+    .start = Start,
     .stop = [] { pagePlayTrack(nullptr, 0, 0); },
     .milliseconds = Milliseconds,
+    .sleep = Sleep,
     .beforeKeyboardPoll = BeforeKeyboardPoll,
     .pump = Pump,
     .wait = Wait,
     .createWindow = CreateGameWindow,
-    .desktopSize = DesktopSize,
-    .present = Present,
-    .presentTexture = PresentTexture,
+    .desktopSize = pageScreenSize,
+    .present = ShowPicture,
+    .presentTexture = ShowTexture,
     .showOverlay = ShowOverlayPicture,
-    .applySettings = nullptr,
-    .keyLabel = nullptr,
+    .applySettings = ApplySettings,
+    .keyLabel = KeyLabel,
     .setMouseCaptured = [](bool captured) { pageCapturePointer(captured); },
     .bringFile = pageBringFile,
+    .keepFile = pageKeepFile,
     .messageBox = ShowMessage,
     .hasWindow = [] { return opened; },
-    .refreshRate = nullptr,
-    .windowSize = nullptr,
+    .refreshRate = pageRefreshRate,
+    .windowSize = pageScreenSize,
     .openSound = [](std::string&) { return true; },
     .playSound = PlaySound,
     .closeSound = [] { pagePlayTrack(nullptr, 0, 0); },

@@ -1,21 +1,27 @@
 // Keyboard, mouse, touch and controllers of the browser, kept until the game asks (report).
 
-// The places of the keys that the game may use; all other keys are left to the browser. While Ctrl or the command key is
-// held, all keys are.
-const BROWSERS_OWN = new Set(['F5', 'MetaLeft', 'MetaRight', 'ContextMenu']);
-// Browsers keep Escape for letting the pointer go and for leaving the full screen, so it has another key beside it.
-const OTHER_PLACES = { Backspace: 'Escape' };
+// Keys that are left to the browser: those that lead through the page and out of it. While the picture does not have the
+// focus, so are the keys that scroll. Ctrl is a key of the game, but with a letter, a digit or another key of this kind it
+// asks the browser for something.
+const BROWSERS_OWN = new Set(['Tab', 'F5', 'F11', 'F12', 'MetaLeft', 'MetaRight', 'ContextMenu']);
+const SCROLLS = new Set(['PageUp', 'PageDown', 'Home', 'End']);
+const WITH_CTRL = /^(Arrow|Space|Shift|Alt|Control)/;
+// What browsers keep has another key beside it: Escape lets the pointer go and leaves the full screen, F5 loads the page
+// again, and F6 leads to the address.
+const OTHER_PLACES = { Backspace: 'Escape', KeyV: 'F5', KeyB: 'F6' };
 const WHEEL_NOTCH = 120;
 // Buttons and axes of the standard gamepad as input/pads.h numbers its own.
-const PAD_BUTTONS = [[0, 0], [1, 1], [2, 2], [3, 3], [8, 4], [9, 5], [4, 6], [12, 7], [13, 8], [14, 9], [15, 10], [10, 12],
-    [11, 13]];
+const PAD_BUTTONS = [[0, 0], [1, 1], [2, 2], [3, 3], [8, 4], [9, 5], [4, 6], [12, 7], [13, 8], [14, 9], [15, 10], [5, 11],
+    [10, 12], [11, 13]];
 const PAD_AXES = [[0, 0], [1, 1], [2, 2], [3, 3]];
 const PAD_TRIGGER = 7, PAD_TRIGGER_AXIS = 4;
 const STICK_REACH = 0.35;  // share of the touch stick's width, from its middle, from which a direction counts
 
 export class Input {
-    constructor(stage) {
+    // `toggleFullScreen` is called for Alt and Enter.
+    constructor(stage, toggleFullScreen) {
         this.stage = stage;
+        this.toggleFullScreen = toggleFullScreen;
         this.events = [];
         this.pads = new Map();  // index: what was reported of it
         this.held = new Set();
@@ -69,17 +75,28 @@ export class Input {
     }
 
     key(event, down) {
-        const control = event.target instanceof Element && event.target.closest('button, select, a, input');
-        if (control && control.id !== 'screen') return;
         const place = OTHER_PLACES[event.code] ?? event.code;
-        if (BROWSERS_OWN.has(event.code) || (event.ctrlKey && !event.code.startsWith('Control')) || event.metaKey) return;
-        event.preventDefault();
-        if (!event.repeat) this.place(place, down);
+        if (!down) this.place(place, false);
+        else if (this.isForGame(event)) {
+            event.preventDefault();
+            if (event.altKey && place === 'Enter') this.toggleFullScreen();
+            else if (!event.repeat) this.place(place, true);
+        }
+    }
+
+    isForGame({ code, target, ctrlKey, metaKey }) {
+        if (target instanceof Element && target.closest('button, select, a, input')) return false;
+        if (BROWSERS_OWN.has(code) || metaKey || (SCROLLS.has(code) && target !== this.canvas)) return false;
+        return !ctrlKey || WITH_CTRL.test(code);
     }
 
     focus(gained) {
         this.held.clear();
         this.add('PageFocus', gained ? 1 : 0);
+    }
+
+    tellFullScreen() {
+        this.add('PageFullScreen', document.fullscreenElement ? 1 : 0);
     }
 
     button(event, down) {
@@ -95,7 +112,7 @@ export class Input {
             const press = (down) => (event) => {
                 event.preventDefault();
                 button.classList.toggle('held', down);
-                this.place(button.dataset.place, down);
+                for (const place of button.dataset.place.split(' ')) this.place(place, down);
             };
             button.addEventListener('pointerdown', press(true));
             for (const end of ['pointerup', 'pointercancel', 'pointerleave']) button.addEventListener(end, press(false));

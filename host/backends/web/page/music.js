@@ -5,6 +5,8 @@ export class Music {
     constructor(files) {
         this.files = files;
         this.muted = false;
+        this.volume = 1;
+        this.stopsUnfocused = false;
         this.context = null;
         this.source = null;
         this.wanted = null;
@@ -12,19 +14,31 @@ export class Music {
         const unlock = () => this.unlock();
         for (const gesture of ['keydown', 'pointerdown']) addEventListener(gesture, unlock, { capture: true });
         document.addEventListener('visibilitychange', () => this.attend());
+        for (const change of ['focus', 'blur']) addEventListener(change, () => this.attend());
     }
 
     unlock() {
         if (!this.context && typeof AudioContext === 'function') {
             this.context = new AudioContext();
+            this.loudness = new GainNode(this.context, { gain: this.volume });
+            this.loudness.connect(this.context.destination);
             if (this.wanted) this.begin(this.wanted);
         }
         this.attend();
     }
 
     attend() {
-        if (document.hidden || this.muted) this.context?.suspend();
+        const isUnheard = document.hidden || this.muted || (this.stopsUnfocused && !document.hasFocus());
+        if (isUnheard) this.context?.suspend();
         else this.context?.resume();
+    }
+
+    // `volume`: 0 to 1.
+    set(volume, stopsUnfocused) {
+        this.volume = volume;
+        this.stopsUnfocused = stopsUnfocused;
+        if (this.loudness) this.loudness.gain.value = volume;
+        this.attend();
     }
 
     mute(muted) {
@@ -71,7 +85,7 @@ export class Music {
         const source = new AudioBufferSourceNode(this.context, {
             buffer, loop: true, loopStart: wanted.from, loopEnd: Math.min(wanted.to, this.files().tracks[wanted.path].seconds),
         });
-        source.connect(this.context.destination);
+        source.connect(this.loudness);
         source.start(0, wanted.from);
         this.source = source;
     }

@@ -3,6 +3,7 @@ import createTarnwick from '%tarnwick.mjs%';
 import { DataFiles, fetchBytes } from '%files.js%';
 import { Input } from '%input.js%';
 import { Music } from '%music.js%';
+import { Screen } from '%screen.js%';
 
 const stage = document.getElementById('stage');
 const cover = document.getElementById('cover');
@@ -11,10 +12,15 @@ const coverProgress = document.getElementById('cover-progress');
 const coverButton = document.getElementById('cover-button');
 const rendererChoice = document.getElementById('renderer');
 
-let program, files;        // the program's bytes, and what the server has for it
+let program, files;        // the compiled program, and what the server has for it
 let running = 0;           // counts the starts of the game; what belongs to an earlier start is stopped
-const input = new Input(stage);
+const input = new Input(stage, () => setFullScreen(!document.fullscreenElement));
 const music = new Music(() => files);
+const screen = new Screen(stage, () => {
+    running++;
+    pressed('The graphics card has given up drawing.', 'Start again').then(() => start());
+});
+let keyNames = null;       // what is written on the keys by their places, where the browser tells it
 
 function showCover(text, { progress = null, button = null } = {}) {
     coverText.textContent = text;
@@ -53,46 +59,47 @@ async function insist(what, attempt) {
     }
 }
 
-// A canvas keeps one context for its life, so each start of the game gets a new canvas.
-function freshCanvas() {
-    const old = document.getElementById('screen');
-    const canvas = old.cloneNode(false);
-    old.replaceWith(canvas);
-    canvas.addEventListener('webglcontextlost', (event) => {
-        event.preventDefault();
-        running++;
-        pressed('The graphics card has given up drawing.', 'Start again').then(() => start());
-    });
-    input.takeCanvas(canvas);
-    return canvas;
-}
-
-function fitCanvas(canvas) {
-    const scale = window.devicePixelRatio || 1;
-    const width = Math.max(1, Math.round(stage.clientWidth * scale));
-    const height = Math.max(1, Math.round(stage.clientHeight * scale));
-    if (canvas.width !== width) canvas.width = width;
-    if (canvas.height !== height) canvas.height = height;
-}
-
-function hasWebGl() {
+// A browser may refuse to remember anything.
+function remembered(name) {
     try {
-        return document.createElement('canvas').getContext('webgl2') !== null;
+        return localStorage.getItem(name);
     } catch {
-        return false;
+        return null;
     }
 }
 
-// Short naps wait for a message, not for a timer, which the browser would stretch to four milliseconds.
+function remember(name, value) {
+    try {
+        localStorage.setItem(name, value);
+    } catch {
+        console.warn(`${name} will be forgotten: this browser keeps nothing for the page`);
+    }
+}
+
+// Short naps wait for a message first: browsers stretch timers that follow each other to four milliseconds.
 const hop = new MessageChannel();
 const hops = [];
 hop.port1.onmessage = () => hops.shift()();
+const SHORT_NAP = 5, EARLY = 0.3, UNSEEN_WAIT = 100;  // ms
 
-function nap(milliseconds) {
+function nextHop() {
     return new Promise((resolve) => {
-        hops.push(() => setTimeout(resolve, milliseconds));
+        hops.push(resolve);
         hop.port2.postMessage(0);
     });
+}
+
+async function nap(milliseconds) {
+    if (document.hidden) return untilShown();
+    if (milliseconds < SHORT_NAP) await nextHop();
+    if (milliseconds > 0) await new Promise((resolve) => setTimeout(resolve, milliseconds));
+}
+
+// Timers know whole milliseconds only. One that ends a little early is better than one that ends late: the program asks
+// again, and the rest is slept then.
+function sleepUntil(moment) {
+    const left = moment - performance.now();
+    return nap(left < EARLY ? 0 : Math.max(1, Math.floor(left + EARLY)));
 }
 
 function untilShown() {
@@ -100,11 +107,15 @@ function untilShown() {
     return new Promise((resolve) => document.addEventListener('visibilitychange', resolve, { once: true }));
 }
 
+function setFullScreen(on) {
+    const change = on ? stage.requestFullscreen?.({ navigationUI: 'hide' }) : document.exitFullscreen?.();
+    change?.then(() => navigator.keyboard?.lock?.()).catch(() => input.tellFullScreen());
+    input.canvas.focus();
+}
+
 // The functions that the program calls. `alive`: whether this start is still the latest; what an earlier start waits for
 // never comes.
-function pageFor(canvas, module, alive, options) {
-    const webGl = options.webGl !== false && hasWebGl();
-    let pixelContext = null;
+function pageFor(module, alive) {
     let waiting = false;
     const goOn = async (promise) => {
         waiting = true;
@@ -115,36 +126,24 @@ function pageFor(canvas, module, alive, options) {
     return {
         waits: () => waiting,
         nap: (milliseconds) => goOn(nap(milliseconds)),
-        wait: (milliseconds) => goOn(document.hidden ? untilShown() : nap(milliseconds)),
+        sleepUntil: (moment) => goOn(sleepUntil(moment)),
+        wait: (milliseconds) => goOn(nap(document.hasFocus() ? milliseconds : UNSEEN_WAIT)),
         bringFile: (path) => goOn(insist('A file of the game', () => files.bring(module().FS, path, (share) => {
             if (share === 1) hideCover();
             else showCover('Loading the world', { progress: share });
         }))),
         showMessage: (text) => goOn(pressed(text, 'Go on')),
         report: () => input.report(module()),
-        canvasSize: () => {
-            if (!options.fixedSize) fitCanvas(canvas);
-            return [canvas.width, canvas.height];
-        },
-        hasWebGl: () => webGl ? 1 : 0,
-        showPixels: (pixels, width, height) => {
-            if (!pixelContext) {
-                pixelContext = canvas.getContext('2d');
-                if (!pixelContext) {  // the canvas has a context of WebGL that could not be used
-                    canvas = freshCanvas();
-                    pixelContext = canvas.getContext('2d');
-                }
-            }
-            canvas.width = width;
-            canvas.height = height;
-            const image = pixelContext.createImageData(width, height);
-            image.data.set(pixels);
-            for (let i = 3; i < image.data.length; i += 4) image.data[i] = 255;
-            pixelContext.putImageData(image, 0, 0);
-        },
+        screenSize: () => screen.size(),
+        hasGraphicsCard: () => screen.hasGraphicsCard ? 1 : 0,
+        refreshRate: () => screen.refreshRate(),
+        showPixels: (...pixels) => screen.showPixels(...pixels),
+        showOverlay: (...pixels) => screen.showOverlay(...pixels),
+        placePicture: (...place) => screen.place(...place),
+        offerPicture: (...picture) => screen.offerPicture(...picture),
         shown: () => {
             frames++;
-            window.tarnwick.moments?.push(performance.now());  // for bench/page.mjs
+            window.tarnwick.onPicture?.();  // for tests and bench/page.mjs
             if (!shownFirst) {
                 shownFirst = true;
                 hideCover();
@@ -153,13 +152,23 @@ function pageFor(canvas, module, alive, options) {
         },
         capturePointer: (captured) => input.wantPointer(captured),
         playTrack: (path, from, to) => music.play(path, from, to),
+        isFullScreen: () => document.fullscreenElement ? 1 : 0,
+        applySettings: (fullScreen, windowWidth, volume, stopsUnfocused) => {
+            if (fullScreen !== Boolean(document.fullscreenElement)) setFullScreen(fullScreen);
+            stage.style.setProperty('--window-width', `${windowWidth}px`);
+            music.set(volume / 100, stopsUnfocused);
+        },
+        keepFile: (path) => remember('settings', module().FS.readFile(path, { encoding: 'utf8' })),
+        keyLabel: (place) => (keyNames?.get(place) ?? place.replace(/^(Key|Digit|Arrow)/, '')
+            .replace(/([a-z])([A-Z0-9])/g, '$1 $2')).toUpperCase(),
     };
 }
 
+const SETTINGS = '/settings.txt';
 let frames = 0, shownFirst = false;
 
 // Starts the game with the options of its command line. `given` maps paths to the bytes of files that it may name; `data`
-// is another folder of its data among them, `fixedSize` the canvas's width and height whatever the page's.
+// is another folder of its data among them, `fixedSize` the screen's width and height whatever the page's.
 // Resolves with the module and its exit status when the game has ended.
 export async function startGame(options, { given = {}, ...rest } = {}) {
     const start = ++running;
@@ -168,13 +177,16 @@ export async function startGame(options, { given = {}, ...rest } = {}) {
     frames = 0;
     music.play(null);
     input.reset();
-    const canvas = freshCanvas();
-    if (rest.fixedSize) [canvas.width, canvas.height] = rest.fixedSize;
+    const canvas = screen.begin(rest.fixedSize);
+    input.takeCanvas(canvas);
     let module = null, end;
     const ended = new Promise((resolve) => end = resolve);
     const lines = [];
     const moduleOptions = {
-        wasmBinary: program,
+        instantiateWasm: (imports, take) => {
+            WebAssembly.instantiate(program, imports).then(take);
+            return {};
+        },
         canvas,
         page: null,
         print: (line) => lines.push(line),
@@ -189,7 +201,7 @@ export async function startGame(options, { given = {}, ...rest } = {}) {
         },
         onAbort: () => end(-1),
     };
-    moduleOptions.page = pageFor(canvas, () => module, alive, rest);
+    moduleOptions.page = pageFor(() => module, alive);
     module = await createTarnwick(moduleOptions);
     if (!alive()) return null;
     files.prepare(module.FS, '/data');
@@ -198,7 +210,7 @@ export async function startGame(options, { given = {}, ...rest } = {}) {
         module.FS.writeFile(path, bytes);
     }
     try {
-        module.callMain(['--data', rest.data ?? '/data', '--log', '/dev/null', ...options]);
+        module.callMain(['--data', rest.data ?? '/data', '--log', '/dev/null', '--settings', SETTINGS, ...options]);
     } catch (problem) {
         if (problem.name !== 'ExitStatus') {
             console.error(problem);
@@ -222,7 +234,8 @@ function chosen() {
 
 async function start(recording = null) {
     const { options, replay } = chosen();
-    const given = {};
+    const settings = remembered('settings');
+    const given = settings === null ? {} : { [SETTINGS]: settings };
     if (!recording && replay) recording = await insist('The recording', () => fetchBytes(new URL(replay, location.href)));
     if (recording) {
         given['/play.rec'] = recording;
@@ -265,10 +278,10 @@ function listWorlds() {
 
 // Shows the letters that are written on the keys of this keyboard, where the browser tells them.
 async function nameKeys() {
-    const layout = await navigator.keyboard?.getLayoutMap?.().catch(() => null);
-    if (!layout) return;
+    keyNames = await navigator.keyboard?.getLayoutMap?.().catch(() => null);
+    if (!keyNames) return;
     for (const key of document.querySelectorAll('kbd[data-place^="Key"]'))
-        key.textContent = (layout.get(key.dataset.place) ?? key.textContent).toUpperCase();
+        key.textContent = (keyNames.get(key.dataset.place) ?? key.textContent).toUpperCase();
 }
 
 function listen() {
@@ -278,13 +291,11 @@ function listen() {
     });
     addEventListener('hashchange', () => start());
     rendererChoice.addEventListener('change', () => {
-        localStorage.setItem('renderer', rendererChoice.value);
+        remember('renderer', rendererChoice.value);
         if (location.hash.startsWith('#level=')) start();
     });
-    document.getElementById('full-screen').addEventListener('click', () => {
-        stage.requestFullscreen?.({ navigationUI: 'hide' }).then(() => navigator.keyboard?.lock?.()).catch(() => {});
-        input.canvas.focus();
-    });
+    document.getElementById('full-screen').addEventListener('click', () => setFullScreen(true));
+    document.addEventListener('fullscreenchange', () => input.tellFullScreen());
     const sound = document.getElementById('sound');
     sound.addEventListener('click', () => {
         music.mute(sound.getAttribute('aria-pressed') === 'true');
@@ -304,21 +315,29 @@ function missing() {
     return null;
 }
 
+// Lets the service worker keep what the page has loaded, also on the first visit.
+async function playOffline() {
+    await navigator.serviceWorker?.register('service_worker.js');
+    const { active } = await navigator.serviceWorker.ready;
+    active.postMessage([location.href.replace(/#.*/, ''), ...performance.getEntriesByType('resource').map(({ name }) => name)]);
+}
+
 async function main() {
     const lacking = missing();
     if (lacking) {
         showCover(`This browser has no ${lacking}, which the game needs. A newer one will play it.`);
         return;
     }
-    rendererChoice.value = localStorage.getItem('renderer') ?? 'software';
+    rendererChoice.value = remembered('renderer') ?? 'software';
     listen();
     const { program: programUrl, files: filesUrl } = document.body.dataset;
     files = new DataFiles(await insist('The list of files', async () => (await fetch(filesUrl)).json()));
     listWorlds();
     nameKeys();
-    program = await insist('The program', () => fetchBytes(programUrl, (share) => showCover('Loading', { progress: share })));
-    navigator.serviceWorker?.register('service_worker.js').catch(() => {});
-    window.tarnwick = { startGame, frames: () => frames, files: () => files };
+    const bytes = await insist('The program', () => fetchBytes(programUrl, (share) => showCover('Loading', { progress: share })));
+    program = await WebAssembly.compile(bytes);  // once: each start of the game goes on with code that has become fast
+    playOffline().catch(() => {});
+    window.tarnwick = { startGame, frames: () => frames, files: () => files, held: () => input.held.size };
     if (!new URLSearchParams(location.hash.slice(1)).has('wait')) start();
 }
 

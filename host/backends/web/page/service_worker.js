@@ -18,11 +18,19 @@ async function answer(request) {
     const kept = await caches.match(request, { ignoreSearch: !isNamedByContents });
     if (isNamedByContents && kept) return kept;
     try {
-        return await keep(request, await fetch(request));
+        const response = await fetch(request);
+        return !response.ok && kept ? kept : await keep(request, response);
     } catch (problem) {
         if (kept) return kept;
         throw problem;
     }
+}
+
+// The page names the files that it had loaded before this worker was there.
+self.addEventListener('message', (event) => event.waitUntil(Promise.all(event.data.map(answerFor))));
+
+function answerFor(url) {
+    return answer(new Request(url)).catch(() => {});
 }
 
 self.addEventListener('fetch', (event) => {
