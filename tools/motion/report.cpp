@@ -1,4 +1,5 @@
 #include "motion/report.h"
+#include "motion/least_measures.h"
 
 #include "character/animation.h"
 
@@ -31,26 +32,6 @@ Vec3 PivotOf(const Stage& stage, const Moment& moment, size_t bone) {
 
 double Distance(const Vec3& a, const Vec3& b) {
     return std::hypot(double{a.x} - double{b.x}, double{a.y} - double{b.y}, double{a.z} - double{b.z});
-}
-
-// By steps towards the farthest place that become ever shorter; too large by a thousandth at most.
-double SmallestBall(const std::vector<Vec3>& places) {
-    constexpr int STEPS = 1000;
-    Vec3 centre = places[0];
-    double radius = 0;
-    for (int step = 1; step <= STEPS; ++step) {
-        const Vec3* farthest = &places[0];
-        radius = 0;
-        for (const Vec3& place : places) {
-            const double distance = Distance(place, centre);
-            if (distance > radius) farthest = &place;
-            radius = std::max(radius, distance);
-        }
-        const float share = 1.0f / static_cast<float>(step + 1);
-        centre = {centre.x + (farthest->x - centre.x) * share, centre.y + (farthest->y - centre.y) * share,
-                  centre.z + (farthest->z - centre.z) * share};
-    }
-    return radius;
 }
 
 std::string Row(const std::string& name, const Measures& m) {
@@ -95,55 +76,21 @@ LoopMeasures MeasureLoop(Stage& stage, PlayerState state) {
     return loop;
 }
 
-double LeastStepFrom(Stage& stage, const std::vector<PlayerState>& states) {
-    std::vector<std::vector<Vec3>> places;  // by point
-    for (const PlayerState state : states) {
-        for (uint32_t time = ANIM_START_TIME; time <= stage.LengthOf(state); time += ANIM_TICK_UNITS) {
-            const Moment moment = stage.PoseAt(state, time);
-            places.resize(moment.points.size());
-            for (size_t i = 0; i < places.size(); ++i)
-                places[i].push_back(moment.points[i]);
-        }
-    }
-    double least = 0;
-    for (const std::vector<Vec3>& ofPoint : places)
-        least = std::max(least, SmallestBall(ofPoint));
-    return least;
-}
-
-double LeastSlideFrom(Stage& stage, PlayerState state, int blendFrames) {
-    std::map<size_t, std::pair<float, float>> ways;  // by point of a sole: from where to where it is down
-    for (uint32_t time = ANIM_START_TIME; time < stage.LengthOf(state); time += ANIM_TICK_UNITS) {
-        const Moment moment = stage.PoseAt(state, time);
-        for (const std::vector<size_t>& sole : {stage.LeftSole(), stage.RightSole()}) {
-            for (const size_t point : sole) {
-                const Vec3 place = moment.points[point];
-                if (place.y > GROUND + DOWN) continue;
-                auto& [from, to] = ways.try_emplace(point, place.z, place.z).first->second;
-                from = std::min<float>(from, place.z);
-                to = std::max<float>(to, place.z);
-            }
-        }
-    }
-    double longest = 0;
-    for (const auto& [point, way] : ways)
-        longest = std::max(longest, double{way.second} - double{way.first});
-    return longest / 2 / blendFrames;
-}
-
 std::string MotionReport(const std::filesystem::path& folder) {
     std::string text =
         "Steps of the character's points from frame to frame, as the game blends them, in units: the largest of any\n"
         "point and the greatest mean of all; how far a foot slides that is down; how deep a point is below the "
         "floor.\n";
+    Movement everyTick;
     for (const uint32_t ticks : {1U, 2U, 4U}) {
         Stage stage(folder);
-        const Movement movement = Explore(stage, ticks);
+        Movement movement = Explore(stage, ticks);
         text += Heading(fmt::format("States, {} tick{} a frame", ticks, ticks == 1 ? "" : "s"));
         for (const auto& [state, measures] : movement.states)
             text += Row(NameOf(state), measures) + "\n";
         text += Heading("Changes of state") + Rows(movement.transitions);
         text += Heading("Changes in the middle of a blend") + Rows(movement.broken);
+        if (ticks == 1) everyTick = std::move(movement);
     }
     Stage stage(folder);
     text += fmt::format("\n{:34}{:>8}{:>17}\n", "Loops", "closing", "left and right");
@@ -161,5 +108,15 @@ std::string MotionReport(const std::filesystem::path& folder) {
     text += "\nA foot that stays down slides in the first frame of a blend of 13 by at least\n";
     for (const PlayerState state : {STATE_RUN, STATE_WALK, STATE_BACK})
         text += fmt::format("{:34}{:8.1f}\n", fmt::format("from {}", NameOf(state)), LeastSlideFrom(stage, state, 13));
+    text += fmt::format("\n{:34}{:>8}{:>8}{:>8}\n", "With the best keys, slide and depth", "first", "slide", "depth");
+    for (const auto& [from, to] : {std::pair{STATE_RUN, STATE_WALK},
+                                   {STATE_RUN, STATE_HALT},
+                                   {STATE_WALK, STATE_RUN},
+                                   {STATE_WALK, STATE_HALT},
+                                   {STATE_BACK, STATE_STAND}}) {
+        const BlendMeasures least = LeastInBlend(stage, from, to, everyTick.transitions.at({from, to}));
+        text += fmt::format("{:34}{:8.1f}{:8.1f}{:8.1f}\n", fmt::format("{} -> {}", NameOf(from), NameOf(to)),
+                            least.firstSlide, least.slide, least.depth);
+    }
     return text;
 }

@@ -5,6 +5,7 @@
 
 #include "character/actor.h"
 #include "character/animation.h"
+#include "character/animation_layout.h"
 #include "character/skin.h"
 #include "math/vectors.h"
 #include "memory/fatal.h"
@@ -20,6 +21,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -51,6 +53,20 @@ std::vector<uint8_t> FloorFile() {
         file.Append(&vertex, sizeof vertex);
     }
     return file.bytes;
+}
+
+// Every track of the bone gets one key, at this time: what the bone shows now.
+void LeaveOneKey(std::vector<uint8_t>& image, const AnimRecord& record, uint32_t bone, uint32_t time) {
+    const auto put = [&](uint32_t table, const TrackShape& shape, const void* value) {
+        const uint32_t entry = table + TABLE_HEADER_BYTES + TABLE_ENTRY_BYTES * bone;
+        uint8_t* const key = image.data() + FileField<uint32_t>(image.data(), entry) + shape.headerBytes;
+        const uint32_t count = 1;
+        std::memcpy(key - KEY_COUNT_BYTES, &count, sizeof count);
+        std::memcpy(key, &time, sizeof time);
+        std::memcpy(key + KEY_TIME_BYTES, value, shape.keyBytes - KEY_TIME_BYTES);
+    };
+    put(record.rotationTable, ROTATION_TRACK, &PlayerMesh.bones[bone].rotation);
+    put(record.positionTable, POSITION_TRACK, PlayerMesh.bones[bone].position);
 }
 
 }  // namespace
@@ -137,18 +153,42 @@ int32_t Stage::State() const {
     return PlayerActor.state;
 }
 
-Moment Stage::PoseAt(PlayerState state, uint32_t time) {
-    const Snapshot before = Save();
+Moment Stage::Show(PlayerState state, uint32_t time, int32_t blendDuration) const {
     PlayerActor.state = state;
     PlayerActor.layerTimes[0] = time;
-    PlayerActor.blendDuration = 0;
-    Moment moment = Pose();
+    PlayerActor.blendDuration = blendDuration;
+    return Pose();
+}
+
+Moment Stage::PoseAt(PlayerState state, uint32_t time) {
+    const Snapshot before = Save();
+    Moment moment = Show(state, time);
     Restore(before);
     return moment;
 }
 
+Moment Stage::BlendAt(ClipTime left, const BlendTarget& target, uint32_t time, int32_t duration) {
+    const Snapshot before = Save();
+    Show(target.pose.state, target.pose.time);
+    AnimRecord& record = AnimationOf(target.pose.state);
+    const uint8_t* const image = record.image;
+    std::vector<uint8_t> oneKey(image, image + record.imageBytes);
+    for (uint32_t b = 0; b < PlayerMesh.boneCount; ++b)
+        LeaveOneKey(oneKey, record, b, target.key);
+    Show(left.state, left.time);
+    record.image = oneKey.data();
+    Moment moment = Show(target.pose.state, time, duration);
+    record.image = image;
+    Restore(before);
+    return moment;
+}
+
+AnimRecord& Stage::AnimationOf(int32_t state) const {
+    return player_.Animation(static_cast<size_t>(PlayerStates[static_cast<size_t>(state)].animations[0]));
+}
+
 uint32_t Stage::LengthOf(int32_t state) const {
-    return player_.Animation(static_cast<size_t>(PlayerStates[static_cast<size_t>(state)].animations[0])).length;
+    return AnimationOf(state).length;
 }
 
 std::array<double, 3> Stage::PivotOf(size_t bone) const {

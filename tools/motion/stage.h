@@ -52,6 +52,17 @@ public:
     int32_t State() const;
     // The pose at a time of a state's animation, without moving or blending.
     Moment PoseAt(PlayerState state, uint32_t time);
+    // What a blend of `duration` shows at a time, if the clip that it leads to had but one key before the end: at the
+    // time `key`, with the pose that the state has at `pose`. It leads there from the pose of `left`.
+    struct ClipTime {
+        PlayerState state;
+        uint32_t time;
+    };
+    struct BlendTarget {
+        ClipTime pose;
+        uint32_t key;
+    };
+    Moment BlendAt(ClipTime left, const BlendTarget& target, uint32_t time, int32_t duration);
     const Moment& Now() const { return now_; }
     uint32_t LengthOf(int32_t state) const;
     std::array<double, 3> PivotOf(size_t bone) const;  // in the mesh at rest
@@ -82,6 +93,8 @@ private:
     void LoadCharacter(const std::filesystem::path& folder);
     void FindSoles();
     Moment Pose() const;
+    Moment Show(PlayerState state, uint32_t time, int32_t blendDuration = 0) const;
+    AnimRecord& AnimationOf(int32_t state) const;
 
     std::vector<uint8_t> pool_;
     PlayerFiles player_;
