@@ -38,7 +38,7 @@ wait_for_picture() {
     local line
     while read -r line <&"$log"; do
         [[ $line == *"watch: the first picture of "* ]] || continue
-        seconds=$(bc <<<"$EPOCHREALTIME - $saved")
+        seconds=$(awk "BEGIN { print $EPOCHREALTIME - $saved }")
         return
     done
     echo "the game has ended" >&2

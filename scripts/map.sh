@@ -18,6 +18,7 @@
 # --fast: a quick look, as mapc's option of that name makes it.
 # --list: writes to FILE which files the level is made of, the map first, one a line; of a faulty map those that are known.
 set -u
+shopt -s nullglob
 build=$(realpath "$1") data=$(realpath "$2") map=$3
 shift 3
 quality=() is_foreign='' list_file=''
@@ -62,19 +63,40 @@ echo "$map" >"$folder/place.txt"
 log=$made/compile.log
 : >"$log"
 
+# The files that the level is made of.
+sources=("$map")
+write_list() { printf '%s\n' "${sources[@]}" >"$list_file.new" && mv "$list_file.new" "$list_file"; }
+[ -z "$list_file" ] || trap write_list EXIT
+
+# Copies messages. Lines of an adapted map become those of the author's: mapconvert has left them above brushes and entities.
+with_authors_lines() {
+    if [ "$map" = "${sources[0]}" ]; then
+        cat
+        return
+    fi
+    awk -v map="$map" -v authors="${sources[0]}" '
+        BEGIN {
+            for (line = 1; (getline text < map) > 0; ++line) {
+                if (text ~ /^\/\/ line /) above = substr(text, 9)
+                from[line] = above
+            }
+        }
+        at = index($0, map ":") {
+            rest = substr($0, at + length(map) + 1)
+            line = match(rest, /^[0-9]+/) ? from[substr(rest, 1, RLENGTH)] substr(rest, RLENGTH + 1) : rest
+            $0 = substr($0, 1, at - 1) authors ":" line
+        }
+        { print }'
+}
+
 # tool NAME ARGUMENT...: runs one of the tools; when it fails, prints its message and ends the script.
 tool() {
     local program=$build/tools/$1
     shift
     "$program" "$@" >>"$log" 2>"$made/errors" && return
-    cat "$made/errors" >&2
+    with_authors_lines <"$made/errors" >&2
     exit 1
 }
-
-# The files that the level is made of.
-sources=("$map")
-write_list() { printf '%s\n' "${sources[@]}" >"$list_file.new" && mv "$list_file.new" "$list_file"; }
-[ -z "$list_file" ] || trap write_list EXIT
 
 # Replaces a map from elsewhere by its adapted copy: sets map and home.
 adapt() {
@@ -254,7 +276,7 @@ rm -rf "$new" && cp -r "$made/textures" "$new"
 tool mapc "$map" --materials "$made/materials.txt" --prefabs "$root/content/prefabs" --output "$new" --level "$level" \
     --depfile "$made/level.d" "${quality[@]}"
 [ -z "$sky" ] || tool skyc "$sky" --materials "$made/materials.txt" --output "$new/sky.sob"
-grep '^note: ' "$log" >&2
+grep '^note: ' "$log" | with_authors_lines >&2
 
 # Removes the data folders of earlier compilations but for the newest, which a game may still be playing.
 number=0 old=()

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # map_test.sh BUILD DATA: any map can be compiled and played as ./play --map does it: the examples with their defaults, and
-# one under a sky with keys of its own, with a picture and a recipe beside it, and one from elsewhere; a map that cannot be is told by line, and leaves
-# the one before it as it was. A map that is watched is compiled again after each change.
+# one under a sky with keys of its own, with a picture and a recipe beside it, and one from elsewhere; a map that cannot be is
+# told by line, and leaves the one before it as it was. A map that is watched is compiled again after each change.
 set -u
 build=$1 data=$2
 cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
@@ -54,7 +54,13 @@ plays own 3
 sed -E 's/flagstones/Base\/FLAGSTONES/; s/"classname" "light"/"classname" "light_torch"/; s/coffer_wood/GONE/' \
     content/examples/ten_brushes.map >"$scratch/away.map"
 sed "s,^pictures = .*,pictures = ['$(realpath "$build")/materials']," content/foreign.toml >"$scratch/foreign.toml"
-plays "$scratch/away.map" 3 --foreign
+box="( 900 0 0 ) ( 900 1 0 ) ( 900 0 1 ) ( 940 0 0 ) ( 940 0 1 ) ( 940 1 0 ) ( 0 0 0 ) ( 0 0 1 ) ( 1 0 0 )"
+box+=" ( 0 40 0 ) ( 1 40 0 ) ( 0 40 1 ) ( 0 0 0 ) ( 1 0 0 ) ( 0 1 0 ) ( 0 0 40 ) ( 0 1 40 ) ( 1 0 40 )"
+{ printf '{\n"classname" "func_group"\n{\n' && xargs -n 15 <<<"$box" | sed 's/$/ brick_red 0 0 0 1 1/' && printf '}\n}\n'; } \
+    >>"$scratch/away.map"
+plays "$scratch/away.map" 3 --foreign 2>"$scratch/notes"
+line=$(grep -n '^( 900' "$scratch/away.map")
+grep -q "away.map:$((${line%%:*} - 1)): 1 brush around" "$scratch/notes" || fail "beyond reach: $(cat "$scratch/notes")"
 
 # What the map editor gets: of each level its own materials, none of them missing, and one frame of what moves.
 mkdir -p "$scratch/editor" && ln -s "$(realpath "$build/editor/all")" "$scratch/editor"

@@ -188,6 +188,7 @@ private:
             const Vec3 origin{numbers[0], numbers[1], numbers[2]};
             if (surroundings.StopsAt(origin) || !surroundings.HasFloorBelow(origin)) continue;
             MapEntity entity;
+            entity.line = start.line;
             entity.keys = {{"classname", "info_player_start", {}},
                            {"origin", start.Find("origin")->value, {}},
                            {"angle", fmt::format("{}", QuarterOf(start)), {}}};

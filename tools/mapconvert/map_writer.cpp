@@ -20,12 +20,16 @@ std::string FaceText(const MapFace& face) {
     return text + fmt::format(" {} {} {}\n", face.rotation, face.uScale, face.vScale);
 }
 
+std::string LineText(const SourceLine& line) {
+    return line.number > 0 ? fmt::format("// line {}\n", line.number) : "";
+}
+
 std::string EntityText(const MapEntity& entity) {
-    std::string text = "{\n";
+    std::string text = LineText(entity.line) + "{\n";
     for (const MapKey& key : entity.keys)
         text += fmt::format("\"{}\" \"{}\"\n", key.name, key.value);
     for (const MapBrush& brush : entity.brushes) {
-        text += fmt::format("// line {}\n{{\n", brush.line.number);
+        text += LineText(brush.line) + "{\n";
         for (const MapFace& face : brush.faces)
             text += FaceText(face);
         text += "}\n";

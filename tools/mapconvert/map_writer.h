@@ -1,4 +1,5 @@
-// Writes a map as text, so that mapc/map_file.h reads the same again. Before each brush stands the line it had.
+// Writes a map as text, so that mapc/map_file.h reads the same again. Above each brush and entity stands the
+// line that it had, where it had one.
 #pragma once
 
 #include "mapc/map_file.h"
