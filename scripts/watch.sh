@@ -94,8 +94,8 @@ end_compiling() {
 
 declare -A stamps=()  # time and size of each file when it was last looked at
 
-# look: true when a file has changed since the last look. A file that is new in the list is only remembered.
-look() {
+# files_changed: true when a file has changed since the last look. A file that is new in the list is only remembered.
+files_changed() {
     local name stamp changed=
     while read -r name; do
         stamps[$name]=${stamps[$name]-new}
@@ -113,13 +113,13 @@ look() {
 }
 
 watch() {
-    look
+    files_changed
     start_compiling "$1"
     while kill -0 "$game" 2>/dev/null; do
         sleep 0.05
-        look || continue
+        files_changed || continue
         # An editor may still be writing.
-        while sleep 0.05 && look; do :; done
+        while sleep 0.05 && files_changed; do :; done
         end_compiling
         start_compiling geometry
     done
