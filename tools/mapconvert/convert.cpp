@@ -5,6 +5,7 @@
 #include "mapconvert/entities.h"
 #include "mapconvert/lamps.h"
 #include "mapconvert/map_writer.h"
+#include "mapconvert/other_forms.h"
 #include "records/levels.h"
 
 #include <fmt/format.h>

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";  // some editors begin a file with it
-constexpr size_t FORM_BYTES_MAX = 32;
 constexpr double CEILING_SLOPE = -0.7;  // z of a face's direction: those that look down more are out of reach
 
 enum class FaceUse { Painted, Sky, Clip, Unseen, LeftOut, Liquid };
@@ -164,31 +162,4 @@ private:
 
 AdaptedMap AdaptEntities(const MapFile& map, const ForeignRules& rules, double scale) {
     return Adapter(map, rules, scale).Take();
-}
-
-// Such a brush is { WORD { ... } }: what stands between the first brace and the last is blanked, and so are they.
-std::string WithoutOtherForms(std::string text, OtherForms& left) {
-    if (text.starts_with(BYTE_ORDER_MARK)) text.replace(0, BYTE_ORDER_MARK.size(), " ");
-    int line = 1;
-    for (size_t word = 0; word < text.size(); ++word) {
-        if (text[word] == '\n') ++line;
-        if (text[word] != 'b' && text[word] != 'p') continue;
-        std::string form = text.substr(word, FORM_BYTES_MAX);
-        form.resize(std::min(form.size(), form.find_first_of(" \t\r\n{")));
-        if (!form.starts_with("patchDef") && (!form.starts_with("brushDef") || form == "brushDef")) continue;
-        const size_t before = text.find_last_not_of(" \t\r\n", word == 0 ? 0 : word - 1);
-        if (before == std::string::npos || text[before] != '{') continue;
-        OtherForm& other = left[Shown(form)];
-        if (other.count++ == 0) other.line = line;
-        size_t end = before + 1;
-        for (int depth = 1; depth > 0 && end < text.size(); ++end)
-            depth += text[end] == '{' ? 1 : text[end] == '}' ? -1 : 0;
-        line += static_cast<int>(std::count(text.begin() + static_cast<std::ptrdiff_t>(word),
-                                            text.begin() + static_cast<std::ptrdiff_t>(end), '\n'));
-        for (size_t i = before; i < end; ++i) {
-            if (text[i] != '\n') text[i] = ' ';
-        }
-        word = end - 1;
-    }
-    return text;
 }

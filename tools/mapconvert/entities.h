@@ -4,8 +4,6 @@
 #include "mapc/map_file.h"
 #include "mapconvert/rules.h"
 
-#include <map>
-
 struct AdaptedMap {
     MapEntity world;
     std::vector<MapBrush> detail;
@@ -19,13 +17,3 @@ struct AdaptedMap {
 // Textures of faces are in lower case afterwards; those of no picture are "sky" and "clip", and "" where a face is not
 // meant to be seen. Where the sky is a wall or a floor, a clip brush keeps the player from falling through it.
 AdaptedMap AdaptEntities(const MapFile& map, const ForeignRules& rules, double scale);
-
-// Brushes of forms that mapc does not read, by the word that names the form.
-struct OtherForm {
-    size_t count = 0;
-    int line = 0;  // line of the first
-};
-using OtherForms = std::map<std::string, OtherForm>;
-
-// The map's text without a byte order mark, patches and brushes of other forms, whose lines stay empty.
-std::string WithoutOtherForms(std::string text, OtherForms& left);
