@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <map>
 
 namespace {
 
@@ -20,8 +21,26 @@ struct SourceState {
     std::bitset<BUTTON_COUNT> buttons;
 };
 
+// A key that a pad holds at a share of the polls.
+struct SharedKey {
+    static constexpr float AT_REST = 0.5f;  // a push of half and more acts at once
+
+    float share = 0;
+    float most = 0;       // of the shares since the last poll, so that a short push is not lost
+    float due = AT_REST;  // the key is down whenever this reaches 1
+
+    bool TakePoll() {
+        due = most > 0 ? due + most : AT_REST;
+        most = share;
+        if (due < 1) return false;
+        due -= 1;
+        return true;
+    }
+};
+
 SourceState sources[KEY_SOURCES];
-int64_t motion[3];  // x, y, wheel
+std::map<uint8_t, SharedKey> sharedKeys;  // of the pads
+int64_t motion[3];                        // x, y, wheel
 bool focused = true;
 bool playsUnfocused = false;
 uint32_t focusLosses = 0;
@@ -49,6 +68,12 @@ void LetGo() {
 void DeviceKey(KeySource source, uint8_t scanCode, bool down) {
     StateOf(source).keys[scanCode] = down;
     if (down && source != KeySource::Script) StateOf(source).pulses.set(scanCode);
+}
+
+void DevicePadShare(uint8_t scanCode, float share) {
+    SharedKey& key = sharedKeys[scanCode];
+    key.share = share;
+    key.most = std::max(key.most, share);
 }
 
 void DeviceMouseMotion(int x, int y, int wheel) {
@@ -122,9 +147,12 @@ std::bitset<KEY_COUNT> TakeKeysOf(KeySource source) {
 }
 
 void TakeKeys(uint8_t* keys) {
-    std::bitset<KEY_COUNT> down = TakeKeysOf(KeySource::Pad) | TakeKeysOf(KeySource::Script);
-    const std::bitset<KEY_COUNT> keyboard = TakeKeysOf(KeySource::Keyboard);
+    std::bitset<KEY_COUNT> down = TakeKeysOf(KeySource::Pad);
     const bool inLevel = mouseUse != MouseUse::None;
+    for (auto& [code, key] : sharedKeys)
+        if (inLevel) down[code] = key.TakePoll();
+    down |= TakeKeysOf(KeySource::Script);
+    const std::bitset<KEY_COUNT> keyboard = TakeKeysOf(KeySource::Keyboard);
     if (!inLevel) {
         down |= keyboard;
     } else if (keyboard.any()) {
@@ -140,6 +168,8 @@ void TakeKeys(uint8_t* keys) {
 void DropPulses() {
     for (SourceState& source : sources)
         source.pulses.reset();
+    for (auto& [code, key] : sharedKeys)
+        key.most = key.share;
 }
 
 void TakeMouse(DIMOUSESTATE& state) {
@@ -170,6 +200,7 @@ uint32_t FocusLosses() {
 void ResetDevices() {
     LetGo();
     StateOf(KeySource::Pad) = {};
+    sharedKeys.clear();
     focused = true;
     playsUnfocused = false;
     mouseAcquired = false;

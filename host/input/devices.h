@@ -19,6 +19,9 @@ constexpr size_t KEY_SOURCES = 3;
 // A key of the keyboard or of a pad that goes down is down at the next keyboard poll, even if it is up again by then. A
 // script says what each poll sees.
 void DeviceKey(KeySource source, uint8_t scanCode, bool down);
+// In a level a pad holds the key at this share of the polls, 0..1, evenly spread, whatever DeviceKey says of it: what
+// the key does at each poll is done that much. Elsewhere, where a key chooses something, DeviceKey's word holds.
+void DevicePadShare(uint8_t scanCode, float share);
 void DeviceMouseMotion(int x, int y, int wheel);  // summed until the game reads the mouse; without the focus dropped
 void DeviceHandMotion(int x, int y);  // the same of the player's mouse, with the speed and direction of the settings
 void DeviceMouseButton(KeySource source, int button, bool down);  // 0 left, 1 right, 2 middle; others are ignored

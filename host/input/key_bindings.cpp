@@ -65,6 +65,7 @@ void StartKeyBindings() {
 std::vector<HostKey> KeyActions() {
     std::vector<HostKey> actions(CurrentGame->keys.begin(), CurrentGame->keys.end());
     actions.insert(actions.end(), std::begin(OWN_KEYS), std::end(OWN_KEYS));
+    actions.insert(actions.end(), CurrentGame->moreKeys.begin(), CurrentGame->moreKeys.end());
     return actions;
 }
 

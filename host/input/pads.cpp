@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cmath>
 #include <cstdlib>
 #include <iterator>
 #include <map>
@@ -13,9 +14,10 @@ namespace {
 
 constexpr int STICK_PRESS = 10000;
 constexpr int STICK_RELEASE = 8000;  // lower than STICK_PRESS, so that a stick held near it does not flutter
-constexpr int STICK_RUN = 24000;     // pushed less far up, the left stick walks
+constexpr int STICK_RUN = 24000;     // pushed up less far, however much sideways, the left stick walks
 constexpr int STICK_WALK_AGAIN = 21000;
-constexpr int TURN_DEAD_ZONE = 8000;
+constexpr int TURN_DEAD_ZONE = 8000;    // of both sticks, sideways
+constexpr int STICK_TURN_FULL = 23000;  // the left stick turns at full speed from here on, when it is pushed up, too
 constexpr float TURN_COUNTS_A_SECOND = 180;  // mouse counts that a right stick pushed all the way gives in a second
 constexpr uint32_t TURN_MS_MAX = 100;  // longer times count as this, so that the camera does not jump after a pause
 
@@ -91,6 +93,26 @@ std::bitset<256> keysDown;
 bool turning = false;
 float countsLeftX = 0, countsLeftY = 0;  // fractions of a count, kept for the next report
 
+// From 0 at the edge of the dead zone to 1 at `full`.
+float TurnOf(int value, int full) {
+    const int beyond = std::abs(value) - TURN_DEAD_ZONE;
+    if (beyond <= 0) return 0;
+    const float turn = std::min(static_cast<float>(beyond) / static_cast<float>(full - TURN_DEAD_ZONE), 1.0f);
+    return value < 0 ? -turn : turn;
+}
+
+// In a level the arrows to the sides turn at each poll, so that the stick turns by how far it is pushed.
+void ReportTurn() {
+    float left = 0, right = 0;
+    for (const auto& [id, pad] : pads) {
+        const float turn = TurnOf(pad.stickX, STICK_TURN_FULL);
+        left = std::max({left, -turn, pad.held[Of(PadButton::Left)] ? 1.0f : 0.0f});
+        right = std::max({right, turn, pad.held[Of(PadButton::Right)] ? 1.0f : 0.0f});
+    }
+    DevicePadShare(KeyCode("LEFT"), left);
+    DevicePadShare(KeyCode("RIGHT"), right);
+}
+
 void ReportKeys() {
     std::bitset<PAD_INPUTS> held;
     for (const auto& [id, pad] : pads)
@@ -102,6 +124,7 @@ void ReportKeys() {
     keysDown = now;
     for (size_t code = 0; code < changed.size(); ++code)
         if (changed[code]) DeviceKey(KeySource::Pad, static_cast<uint8_t>(code), now[code]);
+    ReportTurn();
 }
 
 void HoldByAxis(Pad& pad, PadInput input, int value) {
@@ -118,15 +141,7 @@ void HoldByStick(Pad& pad) {
     HoldByAxis(pad, STICK_UP, along ? -pad.stickY : 0);
     HoldByAxis(pad, STICK_DOWN, along ? pad.stickY : 0);
     const int run = pad.held[STICK_WALK] ? STICK_RUN : STICK_WALK_AGAIN;
-    pad.held[STICK_WALK] = pad.held[STICK_UP] && -pad.stickY < run;
-}
-
-// From 0 at the edge of the dead zone to 1 at the end of the way.
-float TurnOf(int value) {
-    const int beyond = std::abs(value) - TURN_DEAD_ZONE;
-    if (beyond <= 0) return 0;
-    const float turn = std::min(static_cast<float>(beyond) / (PAD_AXIS_FULL - TURN_DEAD_ZONE), 1.0f);
-    return value < 0 ? -turn : turn;
+    pad.held[STICK_WALK] = pad.held[STICK_UP] && std::hypot(pad.stickX, pad.stickY) < run;
 }
 
 int WholeCounts(float& counts) {
@@ -173,8 +188,8 @@ void PadMove(int number, PadAxis axis, int value) {
         HoldByStick(pad);
         break;
     case PadAxis::RightTrigger: HoldByAxis(pad, TRIGGER, value); break;
-    case PadAxis::RightX: pad.turnX = TurnOf(value); break;
-    case PadAxis::RightY: pad.turnY = TurnOf(value); break;
+    case PadAxis::RightX: pad.turnX = TurnOf(value, PAD_AXIS_FULL); break;
+    case PadAxis::RightY: pad.turnY = TurnOf(value, PAD_AXIS_FULL); break;
     }
     ReportKeys();
 }

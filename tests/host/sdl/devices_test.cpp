@@ -173,6 +173,36 @@ TEST_F(SdlPad, StickLetsGoLaterThanItPresses) {
     }
 }
 
+TEST_F(SdlPad, LeftStickTurnsInALevelByHowFarItIsPushedAndOnlyThere) {
+    const struct {
+        int x, y, turns;  // polls of 60 at which the key is down
+    } rows[] = {{7900, -32000, 0}, {9000, -31000, 4}, {15500, -28000, 30}, {19250, 0, 45}, {23000, -23000, 60}};
+    for (const auto& row : rows) {
+        Axis(SDL_CONTROLLER_AXIS_LEFTX, row.x);
+        Axis(SDL_CONTROLLER_AXIS_LEFTY, row.y);
+        SetMouseUse(MouseUse::WithButton);
+        int turns = 0, pauses = 0, longestPause = 0;
+        for (int poll = 0; poll < 60; ++poll) {
+            const bool down = Down(RIGHT);
+            turns += down ? 1 : 0;
+            pauses = down ? 0 : pauses + 1;
+            longestPause = std::max(longestPause, pauses);
+        }
+        EXPECT_EQ(turns, row.turns) << row.x;
+        EXPECT_EQ(Down(UP), row.y != 0) << row.x;
+        EXPECT_LE(longestPause, row.turns < 30 ? 60 : 1) << "evenly spread";
+        SetMouseUse(MouseUse::None);
+        EXPECT_EQ(Down(RIGHT), row.x > 10000 && 2 * row.x > -row.y) << row.x;
+    }
+    Axis(SDL_CONTROLLER_AXIS_LEFTX, 0);
+    SetMouseUse(MouseUse::WithButton);
+    Down(RIGHT);
+    EXPECT_FALSE(Down(RIGHT));
+    Button(SDL_CONTROLLER_BUTTON_DPAD_RIGHT, true);
+    for (int poll = 0; poll < 3; ++poll)
+        EXPECT_TRUE(Down(RIGHT));
+}
+
 TEST_F(SdlPad, RightStickTurnsAsTheMouseWithItsLeftButton) {
     DIMOUSESTATE mouse{};
     Axis(SDL_CONTROLLER_AXIS_RIGHTX, 32767);
