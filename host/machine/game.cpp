@@ -10,6 +10,7 @@ constexpr HostGame NO_GAME = {.program = "host",
                               .softwareKey = 0,
                               .acceleratorKey = 0,
                               .keys = {},
+                              .moreKeys = {},
                               .drawBetween = nullptr,
                               .drawFrom = nullptr,
                               .pointOnScreen = nullptr};

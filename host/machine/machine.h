@@ -59,6 +59,8 @@ struct Machine {
     // The pixels of the open window. Null: its size is not to decide how large a picture is drawn.
     void (*windowSize)(int* width, int* height);
 
+    int (*displays)();  // how many there are to show the game on; null: only one
+
     // The sound of the CD drive. All three null: the drive works all the same, and nobody hears it.
     bool (*openSound)(std::string& problem);
     void (*playSound)(std::shared_ptr<TrackReader> track);  // over and over; null: silence

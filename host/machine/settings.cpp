@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view OFF_ON[] = {"off", "on"};
 constexpr std::string_view SIZES[] = {"640x480", "800x600", "960x720", "1280x960", "1600x1200"};
+constexpr std::string_view DISPLAYS[] = {"auto", "1", "2", "3", "4", "5", "6"};
 constexpr std::string_view SCALINGS[] = {"original", "integer", "sharp", "smooth"};
 constexpr std::string_view BOARDS[] = {"auto", "gpu", "cpu"};
 constexpr std::string_view BOARD_SCALES[] = {"fit", "1", "2", "3", "4", "5", "6", "7", "8"};
@@ -27,27 +28,29 @@ struct SettingEntry {
 // By Setting.
 constexpr SettingEntry ENTRIES[] = {
     {"full_screen", "Full screen", "on: the whole screen; off: a window", 1, OFF_ON},
-    {"window_size", "Window", "the window's size at the start", 2, SIZES},
+    {"window_size", "Window size", "the window's size, where it is not remembered", 2, SIZES},
+    {"display", "Display", "which display it is shown on; auto: the one where the window was", 0, DISPLAYS},
     {"scaling", "Scaling",
      "how the picture fills the window. original: 320x240 sharp, 640x480 smooth; integer: whole pixels only", 0,
-     SCALINGS},
+     SCALINGS, 0, 0, 0, "original: sharp at 320x240, else smooth"},
     {"smooth", "Smooth pictures",
      "on: the display's rate is filled with pictures between the game's, and all is shown one game frame later", 0,
      OFF_ON, 0, 0, 0, "one game frame later, more drawing"},
     {"steady_lamps", "Steady lamps", "on: lamps flicker less in what is shown, for which each frame is drawn once more",
-     0, OFF_ON, 0, 0, 0, "each frame is drawn once more"},
-    {"software_size", "Software renderer", "pixels that the software renderer draws, from the next level on", 0,
+     0, OFF_ON, 0, 0, 0, "lamps flicker less; frames are drawn twice"},
+    {"software_size", "Software size", "pixels that the software renderer draws, from the next level on", 0,
      SOFTWARE_SIZES, 0, 0, 0, "from the next level on"},
     {"board", "Accelerator",
-     "which accelerator draws, from the next level on: gpu draws with OpenGL, cpu with the processor", 0, BOARDS},
+     "which accelerator draws, from the next level on: gpu draws with OpenGL, cpu with the processor", 0, BOARDS, 0, 0,
+     0, "gpu: graphics card; from the next level on"},
     {"board_scale", "Accelerator size",
      "how many times 640x480 the gpu board draws, from the next level on; fit: as the window's size asks", 0,
-     BOARD_SCALES},
+     BOARD_SCALES, 0, 0, 0, "times 640x480; from the next level on"},
     {"brightness", "Brightness", "of the shown picture, 50 to 200 per cent", 100, {}, 50, 200, 10},
     {"mouse_speed", "Mouse speed", "25 to 400 per cent", 100, {}, 25, 400, 25},
     {"mouse_inverted", "Mouse inverted", "on: the mouse moved away turns the other way", 0, OFF_ON},
     {"volume", "Volume", "of the music, 0 to 100 per cent", 100, {}, 0, 100, 10},
-    {"music_stops", "Music stops unfocused", "on: the music is silent while another window has the focus", 0, OFF_ON},
+    {"music_stops", "Mute in background", "on: the music is silent while another window has the focus", 0, OFF_ON},
 };
 static_assert(std::size(ENTRIES) == SETTING_COUNT);
 
@@ -208,7 +211,7 @@ void Change(Setting setting, int value) {
 
 const SettingsPreset ORIGINAL_PRESET = {"original", [] {
                                             for (size_t i = 0; i < SETTING_COUNT; ++i)
-                                                if (i > static_cast<size_t>(Setting::WindowSize))
+                                                if (i > static_cast<size_t>(Setting::Display))
                                                     Change(static_cast<Setting>(i), ENTRIES[i].start);
                                             Change(Setting::AcceleratorSize, 1);
                                         }};

@@ -14,9 +14,10 @@
 #include <vector>
 
 enum class Setting {
-    FullScreen,       // 0, 1
-    WindowSize,       // place in WINDOW_SIZES
-    Scaling,          // a ScalingChoice
+    FullScreen,  // 0, 1
+    WindowSize,  // place in WINDOW_SIZES
+    Display,     // 0: the one where the window was, else the one with the pointer; 1 and up: that one, if it is there
+    Scaling,     // a ScalingChoice
     SmoothPictures,   // 0, 1
     SteadyLamps,      // 0, 1
     SoftwareSize,     // place in SOFTWARE_SIZES

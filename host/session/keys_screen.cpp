@@ -15,7 +15,6 @@ namespace {
 
 constexpr int LEFT = 8, KEYS_LEFT = 158, PAD_RIGHT = 312, TOP = 30, ROW_HEIGHT = 13;
 constexpr int ROWS_SHOWN = 13;
-constexpr size_t KEYS_CHARACTERS = 15;
 constexpr uint32_t MARKED_ROW = 0xFF4A3A18;
 
 // The rows: one for each action, then these.
@@ -27,13 +26,16 @@ std::string LabelOf(uint8_t scanCode) {
     return label.empty() ? std::string("?") : label;
 }
 
-// As many as there is room for.
-std::string KeyLabels(size_t action) {
+// As many as there is room for, in pixels.
+std::string KeyLabels(size_t action, int room) {
+    const std::string more = ", ...";
     std::string labels;
     for (const uint8_t key : KeysOf(action)) {
-        const std::string label = LabelOf(key);
-        if (!labels.empty() && labels.size() + label.size() + 2 > KEYS_CHARACTERS) return labels + ",..";
-        labels.append(labels.empty() ? "" : ", ").append(label);
+        std::string longer = labels;
+        longer.append(labels.empty() ? "" : ", ").append(LabelOf(key));
+        const bool isLast = key == KeysOf(action).back();
+        if (!labels.empty() && TextWidth(longer + (isLast ? "" : more)) > room) return labels + more;
+        labels = longer;
     }
     return labels.empty() ? "-" : labels;
 }
@@ -49,11 +51,12 @@ void DrawRow(Overlay& overlay, int y, int row, bool isMarked) {
     }
     const std::string pad = PadNameOf(actions[action].key);
     overlay.Write(LEFT, y, actions[action].label, OVERLAY_TEXT);
-    overlay.Write(KEYS_LEFT, y, KeyLabels(action), OVERLAY_TEXT);
+    const int room = PAD_RIGHT - TextWidth(pad) - OVERLAY_CHARACTER_WIDTH - KEYS_LEFT;
+    overlay.Write(KEYS_LEFT, y, KeyLabels(action, room), OVERLAY_TEXT);
     overlay.Write(PAD_RIGHT - TextWidth(pad), y, pad, OVERLAY_QUIET_TEXT);
 }
 
-void Draw(int marked, int rows, const std::string& hint) {
+void Draw(int marked, int rows, const std::string& hint, uint32_t hintColour = OVERLAY_QUIET_TEXT) {
     static int firstShown = 0;
     firstShown = std::clamp(firstShown, std::max(marked - ROWS_SHOWN + 1, 0), marked);
     Overlay overlay;
@@ -65,7 +68,7 @@ void Draw(int marked, int rows, const std::string& hint) {
     const int below = TOP + 6 + ROWS_SHOWN * ROW_HEIGHT;
     if (firstShown + ROWS_SHOWN < rows)
         overlay.Write(PAD_RIGHT - OVERLAY_CHARACTER_WIDTH, below, "v", OVERLAY_QUIET_TEXT);
-    overlay.WriteCentred(below, hint, OVERLAY_QUIET_TEXT);
+    overlay.WriteCentred(below, hint, hintColour);
     ShowOverlay(overlay);
 }
 
@@ -85,9 +88,13 @@ void ListenForKey(KeyHits& hits, size_t action) {
 void RunKeysScreen(KeyHits& hits) {
     const std::vector<HostKey> actions = KeyActions();
     const int rows = static_cast<int>(actions.size()) + LAST_ROWS;
-    const std::string hint = "Enter: another key   " + WithPadName("Escape", DIK_ESCAPE) + ": back";
+    const std::string enter = WithPadName("Enter", KeyCode("RETURN"));
+    const std::string back = WithPadName("Escape", DIK_ESCAPE);
+    const auto hintOf = [&](int row) {
+        return enter + (row < rows - LAST_ROWS ? ": change   " : ": go   ") + back + ": back";
+    };
     int marked = 0;
-    Draw(marked, rows, hint);
+    Draw(marked, rows, hintOf(marked));
     while (!CloseRequested()) {
         hits.Wait();
         if (hits.None()) continue;
@@ -99,12 +106,12 @@ void RunKeysScreen(KeyHits& hits) {
             if (action == actions.size() + ROW_BACK) return;
             if (action == actions.size() + ROW_RESET) {
                 ResetKeyBindings();
-            } else {
-                const std::string question = std::string("The key for: ").append(actions[action].label);
-                Draw(marked, rows, question + "   Escape: no change");
-                ListenForKey(hits, action);
+                Draw(marked, rows, "All have their usual keys", OVERLAY_TEXT);
+                continue;
             }
+            Draw(marked, rows, "Press the new key   " + back + ": no change", OVERLAY_TEXT);
+            ListenForKey(hits, action);
         }
-        Draw(marked, rows, hint);
+        Draw(marked, rows, hintOf(marked));
     }
 }

@@ -1,6 +1,7 @@
 #include "session/photo.h"
 
 #include "input/devices.h"
+#include "input/pads.h"
 #include "machine/clock.h"
 #include "machine/game.h"
 #include "machine/machine.h"
@@ -19,9 +20,16 @@ namespace {
 constexpr float SPEED = 300.0f, SPEED_WITH_SHIFT = 1200.0f;  // world units a second
 constexpr float COUNTS_A_DEGREE = 8.0f;                      // motion of the mouse that turns the camera by a degree
 constexpr float PITCH_MOST = 89.0f;                          // degrees, up and down
+constexpr uint8_t PAD_SAVE_KEY = KeyCode("F12");             // a controller has no P
 
 HostCamera frameCamera;
 bool hasFrame = false;
+
+std::string Instruction() {
+    const std::string save = PadNameOf(PAD_SAVE_KEY);
+    if (save.empty()) return "Mouse and arrows move, P saves, Escape leaves";
+    return "Sticks move, " + save + " saves, " + PadNameOf(DIK_ESCAPE) + " leaves";
+}
 
 float Direction(const uint8_t* keys, uint8_t forth, uint8_t back) {
     return (keys[forth] != 0 ? 1.0f : 0.0f) - (keys[back] != 0 ? 1.0f : 0.0f);
@@ -58,7 +66,7 @@ void RunPhotoMode() {
     HostCamera camera = frameCamera;
     float move[3] = {};
     if (!CurrentGame->drawFrom(camera, move)) return;
-    ShowMessage("Mouse and arrows move, P saves, Escape leaves", "");
+    ShowMessage(Instruction(), "");
     SetMouseUse(MouseUse::Always);
     uint8_t keys[KEY_COUNT];
     TakeKeys(keys);
@@ -73,6 +81,7 @@ void RunPhotoMode() {
         if (escape && !escapeWasDown) break;
         escapeWasDown = escape;
         if (Steer(keys, static_cast<float>(now - before) / 1000.0f, camera, move)) CurrentGame->drawFrom(camera, move);
+        if (keys[PAD_SAVE_KEY] != 0) keys[SCREENSHOT_KEY] = keys[PAD_SAVE_KEY];
         OfferScreenshot(keys);
         HideOldMessage();
         before = now;

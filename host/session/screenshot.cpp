@@ -18,8 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr uint8_t SCREENSHOT_KEY = KeyCode("P");
-
 bool keyWasDown = false;
 
 fs::path PicturesFolder() {

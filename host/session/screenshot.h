@@ -2,9 +2,13 @@
 // over the game for a moment; a page offers it as a download. Only on machines that have settings, too.
 #pragma once
 
+#include "input/keys.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <string_view>
+
+constexpr uint8_t SCREENSHOT_KEY = KeyCode("P");
 
 // At each poll that reads the keyboard: KEY_COUNT bytes.
 void OfferScreenshot(const uint8_t* keys);

@@ -66,6 +66,7 @@ const Machine TEST_MACHINE = {
     .hasWindow = [] { return true; },
     .refreshRate = nullptr,
     .windowSize = nullptr,
+    .displays = nullptr,
     .openSound = [](std::string&) { return TestMachine.soundOpens; },
     .playSound = [](std::shared_ptr<TrackReader> track) { TestMachine.sounds.push_back(std::move(track)); },
     .closeSound = [] {},

@@ -18,6 +18,9 @@ constexpr HostKey KEYS[] = {
     {"follow", "Camera that follows", DIK_F5, {}},
     {"fly", "Camera that flies", DIK_F6, {}},
     {"restart", "Back to the start", DIK_R, {}},
+};
+
+constexpr HostKey DEVELOPMENT_KEYS[] = {
     {"place", "Print the camera's place", DIK_F8, {}},
     {"outlines", "Outlines", DIK_W, {}},
     {"lighting", "Ways of lighting", DIK_D, {}},
@@ -43,6 +46,7 @@ const HostGame GameForHost = {.program = "tarnwick",
                               .softwareKey = SOFTWARE_KEY,
                               .acceleratorKey = ACCELERATOR_KEY,
                               .keys = KEYS,
+                              .moreKeys = DEVELOPMENT_KEYS,
                               .drawBetween = DrawBetween,
                               .drawFrom = DrawFrom,
                               .pointOnScreen = PointOnScreen};

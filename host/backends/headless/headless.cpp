@@ -43,6 +43,7 @@ const Machine HeadlessMachine = {
     .hasWindow = [] { return false; },
     .refreshRate = nullptr,
     .windowSize = nullptr,
+    .displays = nullptr,
     .openSound = nullptr,
     .playSound = nullptr,
     .closeSound = nullptr,

@@ -101,6 +101,10 @@ void DesktopSize(int* width, int* height) {
     *height = mode.h;
 }
 
+int DisplayCount() {
+    return SDL_GetNumVideoDisplays();
+}
+
 int MessageBox(const char* text, const char* caption) {
     // Without a display SDL looks for a dialog program, and may wait for it without end.
     if (DisplayIsUnseen()) {
@@ -136,6 +140,7 @@ const Machine SdlMachine = {
     .hasWindow = GameWindowOpen,
     .refreshRate = GameWindowRate,
     .windowSize = GameWindowSize,
+    .displays = DisplayCount,
     .openSound = OpenSound,
     .playSound = PlayTrack,
     .closeSound = CloseSound,

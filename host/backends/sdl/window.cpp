@@ -35,7 +35,8 @@ bool focused = true;
 bool pointerWanted = false;
 bool minimised = false;
 bool placeRemembered = false;
-int sizeChosen = -1;  // the setting that the window's size is of; -1: it has only been on the whole screen
+int displayChosen = -1;  // that the window was last put on; -1: none
+int sizeChosen = -1;     // the setting that the window's size is of; -1: it has only been on the whole screen
 bool pointerHeld = false;
 bool pointerLetGo = false;  // by its key, until it or a mouse button is pressed
 
@@ -152,7 +153,7 @@ void HandleKey(const SDL_KeyboardEvent& event) {
     const uint8_t scanCode = ScanCodeOf(key);
     if (scanCode == 0 || event.repeat != 0) return;
     if (key == SDL_SCANCODE_RETURN && event.state == SDL_PRESSED && AltHeld()) {
-        SetSetting(Setting::FullScreen, InFullScreen() ? 0 : 1);
+        if (SettingValue(Setting::FullScreen) == (InFullScreen() ? 1 : 0)) StepSetting(Setting::FullScreen, 1);
         ApplySettings();
         return;
     }
@@ -208,7 +209,13 @@ void ShowIcon() {
     SDL_FreeSurface(surface);
 }
 
-// Null: the window was nowhere yet, or its display is gone.
+// -1: the player has chosen none, or it is gone.
+int ChosenDisplay() {
+    const int chosen = SettingValue(Setting::Display) - 1;
+    return chosen < SDL_GetNumVideoDisplays() ? chosen : -1;
+}
+
+// Null: the window was nowhere yet, or its display is gone, or the player has chosen another.
 std::optional<SDL_Rect> LatestPlace() {
     constexpr int SEEN_MIN = 100;  // pixels of it that must be on a display
     const std::optional<WindowPlace> place = placeRemembered ? RememberedPlace() : std::nullopt;
@@ -216,15 +223,17 @@ std::optional<SDL_Rect> LatestPlace() {
     const SDL_Rect area{place->x, place->y, place->width, place->height};
     for (int display = 0; display < SDL_GetNumVideoDisplays(); ++display) {
         SDL_Rect bounds{}, seen{};
-        if (SDL_GetDisplayBounds(display, &bounds) == 0 && SDL_IntersectRect(&area, &bounds, &seen) &&
+        const bool mayBeHere = ChosenDisplay() < 0 || ChosenDisplay() == display;
+        if (mayBeHere && SDL_GetDisplayBounds(display, &bounds) == 0 && SDL_IntersectRect(&area, &bounds, &seen) &&
             seen.w >= SEEN_MIN && seen.h >= SEEN_MIN)
             return area;
     }
     return {};
 }
 
-// The display that the user is at: the one where the window was, else the one with the pointer.
+// The display that the user is at: the chosen one, else the one where the window was, else the one with the pointer.
 int DisplayInUse() {
+    if (ChosenDisplay() >= 0) return ChosenDisplay();
     SDL_Point at{};
     SDL_GetGlobalMouseState(&at.x, &at.y);
     if (const auto place = LatestPlace()) at = {place->x + place->w / 2, place->y + place->h / 2};
@@ -293,6 +302,7 @@ bool OpenGameWindow(const char* title, const Options& options) {
     if (!OpenGlWindow(title, options) && !OpenPlainWindow(title, options)) return false;
     SDL_StopTextInput();
     UpdateSound();
+    displayChosen = ChosenDisplay();
     sizeChosen = InFullScreen() ? -1 : SettingValue(Setting::WindowSize);
     ShowIcon();
     UpdatePointer();
@@ -328,6 +338,25 @@ bool ShowTexture(uint32_t texture, int width, int height) {
     return presenter && presenter->ShowTexture(texture, width, height);
 }
 
+namespace {
+
+// As large as the player has chosen, when that has changed, and on the display that the player has chosen.
+void PlaceWindow(bool onAnotherDisplay) {
+    const int choice = SettingValue(Setting::WindowSize);
+    const WindowSizeChoice& size = WINDOW_SIZES[choice];
+    SDL_SetWindowResizable(window, SDL_TRUE);
+    const int display = onAnotherDisplay ? displayChosen : std::max(SDL_GetWindowDisplayIndex(window), 0);
+    const auto centre = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<uint32_t>(display)));
+    SDL_Rect area{centre, centre, size.width, size.height};
+    if (const auto place = LatestPlace(); place && sizeChosen < 0)
+        area = {place->x + FrameCorner().x, place->y + FrameCorner().y, place->w, place->h};
+    if (choice != sizeChosen) SDL_SetWindowSize(window, area.w, area.h);
+    if (choice != sizeChosen || onAnotherDisplay) SDL_SetWindowPosition(window, area.x, area.y);
+    sizeChosen = choice;
+}
+
+}  // namespace
+
 void ShowOverlayPicture(const Picture* overlay) {
     if (!presenter) return;
     presenter->SetOverlay(overlay);
@@ -337,22 +366,11 @@ void ShowOverlayPicture(const Picture* overlay) {
 void ApplySettings() {
     if (!window) return;
     const bool fullScreen = SettingValue(Setting::FullScreen) != 0;
-    if (fullScreen != InFullScreen()) SDL_SetWindowFullscreen(window, fullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
-    if (!fullScreen) {
-        const int choice = SettingValue(Setting::WindowSize);
-        const WindowSizeChoice& size = WINDOW_SIZES[choice];
-        SDL_SetWindowResizable(window, SDL_TRUE);
-        const auto display = static_cast<uint32_t>(std::max(SDL_GetWindowDisplayIndex(window), 0));
-        const auto centre = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(display));
-        SDL_Rect area{centre, centre, size.width, size.height};
-        if (const auto place = LatestPlace(); place && sizeChosen < 0)
-            area = {place->x + FrameCorner().x, place->y + FrameCorner().y, place->w, place->h};
-        if (choice != sizeChosen) {
-            SDL_SetWindowSize(window, area.w, area.h);
-            SDL_SetWindowPosition(window, area.x, area.y);
-        }
-        sizeChosen = choice;
-    }
+    const bool moves = ChosenDisplay() >= 0 && ChosenDisplay() != displayChosen;
+    displayChosen = ChosenDisplay();
+    if (InFullScreen() && (moves || !fullScreen)) SDL_SetWindowFullscreen(window, 0);
+    if (!fullScreen || moves) PlaceWindow(moves);
+    if (fullScreen && !InFullScreen()) SDL_SetWindowFullscreen(window, SDL_WINDOW_FULLSCREEN_DESKTOP);
     UpdateSound();
     if (presenter) presenter->ShowAgain();
 }

@@ -161,6 +161,7 @@ const Machine WebMachine = {
     .hasWindow = [] { return opened; },
     .refreshRate = pageRefreshRate,
     .windowSize = pageScreenSize,
+    .displays = nullptr,
     .openSound = [](std::string&) { return true; },
     .playSound = PlaySound,
     .closeSound = [] { pagePlayTrack(nullptr, 0, 0); },

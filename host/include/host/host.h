@@ -32,7 +32,8 @@ struct HostGame {
     std::span<const uint8_t> levelKeys;  // choose level 1, 2 ...: as many as there are levels
     uint8_t softwareKey;                 // chooses the software renderer
     uint8_t acceleratorKey;              // chooses the accelerator
-    std::span<const HostKey> keys;       // of a level; what is not among them cannot be changed
+    std::span<const HostKey> keys;       // of a level; what is in neither list cannot be changed
+    std::span<const HostKey> moreKeys;   // of a level, for who develops: told last
 
     // Pictures besides those of the game frames. Asked for only while the game reads the clock or the keyboard between
     // two frames of a level, and only if HostWantsViews was true at these frames. They change nothing in the game.
