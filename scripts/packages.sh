@@ -41,6 +41,8 @@ module  gtest        libgtest-dev
 module  x11          libx11-dev
 program Xvfb         xvfb
 program xdotool      xdotool
+program openbox      openbox
+program weston       weston
 library libEGL.so.1  libegl1
 driver  swrast       libgl1-mesa-dri
 "

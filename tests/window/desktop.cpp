@@ -69,6 +69,7 @@ Window FindWindow(Display* display, Window parent) {
         char* name = nullptr;
         if (XFetchName(display, children[i], &name) && std::strcmp(name, TITLE) == 0) found = children[i];
         if (name) XFree(name);
+        if (!found) found = FindWindow(display, children[i]);  // a window manager puts it into one of its own
     }
     if (children) XFree(children);
     return found;
@@ -88,8 +89,8 @@ bool ScreenPicture::Black(int left, int top, int right, int bottom) const {
     return true;
 }
 
-bool Desktop::Possible() {
-    return std::system("(command -v Xvfb && command -v xdotool) >/dev/null") == 0;
+bool Desktop::Has(const std::string& program) {
+    return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
 }
 
 Desktop::Desktop() {
@@ -102,8 +103,37 @@ Desktop::Desktop() {
 
 Desktop::~Desktop() {
     End(game);
+    End(manager);
     if (display) XCloseDisplay(display);
     End(server);
+}
+
+void Desktop::StartWayland() {
+    const std::string folder = testing::TempDir(), settings = folder + "/weston.ini";
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+    setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+    std::ofstream(settings) << "[core]\nidle-time=0\n[shell]\npanel-position=none\nanimation=none\n";
+    manager = Spawn({"weston", "--backend=x11-backend.so", "--use-pixman", "--socket=wayland", "--config=" + settings,
+                     "--width=" + std::to_string(WIDTH), "--height=" + std::to_string(HEIGHT),
+                     "--log=" + folder + "/weston.log"},
+                    "/dev/null", -1);
+    onWayland = WaitFor([&] { return std::filesystem::exists(folder + "/wayland"); });
+    ASSERT_TRUE(onWayland);
+}
+
+void Desktop::StartManager() {
+    manager = Spawn({"openbox", "--config-file", "/etc/xdg/openbox/rc.xml"}, "/dev/null", -1);
+    const Atom name = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False);
+    ASSERT_TRUE(WaitFor([&] {
+        Atom type = 0;
+        int format = 0;
+        unsigned long count = 0, rest = 0;
+        unsigned char* value = nullptr;
+        XGetWindowProperty(display, DefaultRootWindow(display), name, 0, 1, False, AnyPropertyType, &type, &format,
+                           &count, &rest, &value);
+        if (value) XFree(value);
+        return count > 0;
+    }));
 }
 
 void Desktop::StartGame(const std::vector<std::string>& options) {
@@ -112,9 +142,12 @@ void Desktop::StartGame(const std::vector<std::string>& options) {
     setenv("XDG_CONFIG_HOME", testing::TempDir().c_str(), 1);  // keeps away from the settings of whoever runs the test
     unsetenv("WAYLAND_DISPLAY");
     unsetenv("SDL_VIDEODRIVER");
+    if (onWayland) setenv("WAYLAND_DISPLAY", "wayland", 1);
+    if (onWayland) setenv("SDL_VIDEODRIVER", "wayland", 1);
     std::vector<std::string> command = {BUILD_FOLDER "/tarnwick", "--verbose", "--trace", TraceFile()};
     command.insert(command.end(), options.begin(), options.end());
     game = Spawn(command, OutputFile(), -1);
+    if (onWayland) return;  // where nobody sees another's windows
     ASSERT_TRUE(WaitFor([&] { return GameWindow() != 0 || !GameRuns(); }));
     ASSERT_TRUE(GameRuns());
     GiveFocus();
@@ -185,6 +218,20 @@ void Desktop::GiveFocus() {
 void Desktop::ResizeGame(int width, int height) {
     XMoveResizeWindow(display, GameWindow(), 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height));
     XSync(display, False);
+}
+
+std::array<int, 4> Desktop::GamePlace() {
+    XWindowAttributes attributes{};
+    Window child = 0;
+    std::array<int, 4> place{};
+    if (!XGetWindowAttributes(display, GameWindow(), &attributes)) return place;
+    XTranslateCoordinates(display, GameWindow(), DefaultRootWindow(display), 0, 0, &place[0], &place[1], &child);
+    place[2] = attributes.width, place[3] = attributes.height;
+    return place;
+}
+
+std::string Desktop::GameProcess() const {
+    return "/proc/" + std::to_string(game) + "/";
 }
 
 bool Desktop::PointerHeld() {

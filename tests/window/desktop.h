@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -20,12 +21,14 @@ class Desktop {
 public:
     static constexpr int WIDTH = 1280, HEIGHT = 800;
 
-    static bool Possible();  // true when the programs that it needs are installed
+    static bool Has(const std::string& program);
 
     Desktop();
     ~Desktop();
     Desktop(const Desktop&) = delete;
 
+    void StartWayland();  // a compositor that covers the display, before the game, which is shown by it
+    void StartManager();  // a window manager, before the game: full screen and minimising need one
     void StartGame(const std::vector<std::string>& options);  // its standard output goes to OutputFile()
     bool GameRuns();
     int GameStatus();  // waits for the game's end; -1: it did not end, or not by itself
@@ -39,7 +42,9 @@ public:
     void TakeFocus();  // gives the focus to another window
     void GiveFocus();  // gives the focus to the game's window
     void ResizeGame(int width, int height);
-    bool PointerHeld();  // true when the game holds the pointer: nobody else can take it
+    std::array<int, 4> GamePlace();   // left, top, width, height, without what the window manager puts around it
+    std::string GameProcess() const;  // its folder in /proc
+    bool PointerHeld();               // true when the game holds the pointer: nobody else can take it
     void PressCloseButton();
     void PressAltF4();  // does what a window manager makes of it: F4 does not reach the game, and the window is asked
                         // to close
@@ -48,10 +53,11 @@ public:
 private:
     unsigned long GameWindow();
 
-    pid_t server = -1, game = -1;
-    struct _XDisplay* display = nullptr;  // Xlib's, kept out of this header with its macros
+    pid_t server = -1, manager = -1, game = -1;  // manager: or compositor
+    struct _XDisplay* display = nullptr;         // Xlib's, kept out of this header with its macros
     std::string displayName;
     unsigned long otherWindow = 0;
+    bool onWayland = false;
 };
 
 bool WaitFor(const std::function<bool()>& condition);  // false: not within ten minutes

@@ -1,8 +1,13 @@
 // The real game in a real window, played with real keys.
 #include "window/desktop.h"
 
+#include "machine/settings.h"
+#include "support/sound_file.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -18,7 +23,7 @@ namespace {
 class Window : public testing::Test {
 protected:
     void SetUp() override {
-        if (!Desktop::Possible()) GTEST_SKIP() << "Xvfb or xdotool is not installed";
+        if (!Desktop::Has("Xvfb") || !Desktop::Has("xdotool")) GTEST_SKIP() << "Xvfb or xdotool is not installed";
         desktop = std::make_unique<Desktop>();
     }
 
@@ -145,56 +150,297 @@ TEST_F(Window, PWritesScreenshotsIntoThePicturesFolder) {
     }
 }
 
-TEST_F(Window, SettingsPauseTheGameActAtOnceAndAreKept) {
-    const std::string file = desktop->TraceFile() + ".settings";
-    desktop->StartGame({"--window", "640x480", "--settings", file, "--data", SOURCE_FOLDER "/tests/levels/data"});
+namespace {
+
+std::string ReadAll(const std::string& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Rows of the settings screen on a desktop with one display, from the top; actions from the bottom.
+enum ActionRow { KEYS = -5, ORIGINAL, COMFORT, PHOTO, LEAVE };
+
+int RowOf(Setting setting) {
+    return static_cast<int>(setting) - (setting > Setting::Display ? 1 : 0);
+}
+
+class SettingsWindow : public Window {
+protected:
+    void StartWithSettings(std::vector<std::string> options = {}) {
+        file = desktop->TraceFile() + ".settings";
+        const std::vector<std::string> usual = {"--settings", file, "--data", SOURCE_FOLDER "/tests/levels/data"};
+        options.insert(options.end(), usual.begin(), usual.end());
+        desktop->StartGame(options);
+    }
+
+    // The top of the row that is marked; -1: no settings are shown.
+    int MarkedRow() {
+        const ScreenPicture screen = desktop->Screen();
+        const auto found = std::find(screen.pixels.begin(), screen.pixels.end(), 0x4A3A18u);
+        return found == screen.pixels.end() ? -1 : static_cast<int>(found - screen.pixels.begin()) / Desktop::WIDTH;
+    }
+
+    // Presses keys on the settings screen, where nothing else moves, until each is seen to act.
+    void Press(const std::vector<std::string>& keys) {
+        for (const std::string& key : keys) {
+            const ScreenPicture before = desktop->Screen();
+            desktop->Input("key " + key);
+            EXPECT_TRUE(WaitFor([&] { return desktop->Screen().pixels != before.pixels; })) << key;
+        }
+    }
+
+    void OpenSettings() {
+        desktop->Input("key F10");
+        EXPECT_TRUE(WaitFor([&] { return MarkedRow() >= 0; }));
+    }
+
+    void CloseSettings() {
+        desktop->Input("key Escape");
+        EXPECT_TRUE(WaitFor([&] { return MarkedRow() < 0; }));
+        AwaitFrames(2);  // keys that were held are the game's again once a frame has seen them up
+    }
+
+    // Opens the settings and presses keys at a row.
+    void At(int row, const std::vector<std::string>& keys) {
+        OpenSettings();
+        Press(std::vector<std::string>(static_cast<size_t>(std::abs(row)), row > 0 ? "Down" : "Up"));
+        Press(keys);
+    }
+
+    bool Kept(const std::string& line) { return ("\n" + ReadAll(file)).find("\n" + line + "\n") != std::string::npos; }
+
+    std::string file;
+};
+
+}  // namespace
+
+TEST_F(SettingsWindow, EverySettingActsAtOnceAndIsKept) {
+    const std::string sound = testing::TempDir() + "/played", disc = testing::TempDir() + "/disc";
+    const std::string motion = testing::TempDir() + "/motion", shots = testing::TempDir() + "/shots";
+    std::filesystem::create_directories(disc);
+    std::filesystem::create_directories(shots);
+    std::ofstream(testing::TempDir() + "/user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << shots << "\"\n";
+    for (const char* track : {"/track02.wav", "/track03.wav"})
+        WriteSound(disc + track, WAV, 44100, 2, Triangle(441000, 2));
+    setenv("SDL_AUDIODRIVER", "disk", 1);
+    setenv("SDL_DISKAUDIOFILE", sound.c_str(), 1);
+    StartWithSettings({"--window", "640x480", "--disc", disc, "--motion", "0,0,0:" + motion});
     desktop->ChooseFirstLevel();
-    const auto press = [&](std::initializer_list<const char*> keys) {
-        for (const char* key : keys)
-            desktop->Key(key);
+    const auto silent = [&] {
+        const std::string all = ReadAll(sound);
+        return all.size() > 8192 && all.find_last_not_of('\0') < all.size() - 8192;
     };
-    press({"F10"});
+    const auto between = [&] {
+        const std::string all = ReadAll(motion);
+        return std::count(all.begin(), all.end(), '\n') > 0 &&
+               all.find(" 0.", all.size() - all.size() / 8) != std::string::npos;
+    };
+    const auto brightness = [&] {
+        uint64_t total = 0;
+        for (const uint32_t pixel : desktop->Screen().pixels)
+            total += pixel & 0xFF;
+        return total;
+    };
+    // By how much the free camera turns while the mouse moves 160 counts to the right and down, in degrees.
+    const auto turns = [&](double pitch, double yaw) {
+        desktop->Input("mousedown 1");
+        AwaitFrames(2);
+        const auto turned = [&](const std::string& from) {
+            const std::string to = Traced("\"angles\":[");
+            const auto yawOf = [](const std::string& text) { return std::stod(text.substr(text.find(',') + 1)); };
+            return std::abs(std::stod(to) - std::stod(from) - pitch) + std::abs(yawOf(to) - yawOf(from) - yaw) < 15;
+        };
+        const std::string before = Traced("\"angles\":[");
+        for (int i = 0; i < 4; ++i)
+            desktop->Input("mousemove_relative 40 40");
+        const bool reached = WaitFor([&] { return turned(before); });
+        desktop->Input("mouseup 1");
+        return reached;
+    };
+    // Leaves the level and plays it again, until a screenshot is so wide.
+    const auto draws = [&](const char* renderer, size_t width) {
+        desktop->Key("Escape");
+        return WaitFor([&] {
+            for (const char* key : {"space", "F1", renderer, "p"})
+                desktop->Key(key);
+            const std::filesystem::directory_iterator files(shots);
+            return std::any_of(begin(files), end(files), [&](const auto& shot) {
+                const std::string png = ReadAll(shot.path());
+                const auto byte = [&](size_t at) { return static_cast<uint8_t>(png[at]); };
+                return png.size() > 24 && size_t{byte(18)} * 256 + byte(19) == width;
+            });
+        });
+    };
+    constexpr std::array<int, 4> SMALL = {240, 100, 800, 600};
+    const auto bordered = [&] { return desktop->Screen().Black(240, 100, 320, 700); };  // twice 320 x 240 in it
+    const auto always = [] { return true; };
+    desktop->Key("F6");
+    OpenSettings();
+    const size_t frames = desktop->TracedFrames();
+    const uint64_t bright = brightness();
+    Press(std::vector<std::string>(static_cast<size_t>(RowOf(Setting::Brightness)), "Down"));
+    Press({"Left", "Left"});
+    EXPECT_LT(brightness(), bright * 98 / 100) << "the settings' own panel stays as bright";
+    Rest(500);
+    EXPECT_EQ(desktop->TracedFrames(), frames) << "the game stands still";
+    CloseSettings();
+    EXPECT_TRUE(Kept("brightness = 80"));
+    const struct {
+        int row;
+        std::vector<std::string> keys;
+        std::vector<std::string> kept;  // lines of the file
+        std::function<bool()> acts;
+    } rows[] = {
+        {RowOf(Setting::WindowSize),
+         {"Left"},
+         {"window_size = 800x600"},
+         [&] { return desktop->GamePlace() == SMALL; }},
+        {RowOf(Setting::Scaling), {"Right"}, {"scaling = integer"}, bordered},
+        {RowOf(Setting::SmoothPictures), {"Right"}, {"smooth = on"}, between},
+        {RowOf(Setting::SteadyLamps), {"Return"}, {"steady_lamps = on"}, always},
+        {RowOf(Setting::MouseSpeed),
+         {"Right", "Right", "Right", "Right"},
+         {"mouse_speed = 200"},
+         [&] { return turns(40, -40); }},
+        {RowOf(Setting::MouseInverted), {"Right"}, {"mouse_inverted = on"}, [&] { return turns(-40, -40); }},
+        {RowOf(Setting::Volume), std::vector<std::string>(10, "Left"), {"volume = 0"}, silent},
+        {RowOf(Setting::Volume), {"Right"}, {"volume = 10"}, [&] { return !silent(); }},
+        {RowOf(Setting::MusicStops),
+         {"Right"},
+         {"music_stops = on"},
+         [&] {
+             desktop->TakeFocus();
+             const bool stopped = WaitFor(silent);
+             desktop->GiveFocus();
+             return stopped && WaitFor([&] { return !silent(); });
+         }},
+        {RowOf(Setting::SoftwareSize), {"Left"}, {"software_size = 640x480"}, [&] { return draws("F11", 640); }},
+        {RowOf(Setting::Board), {"Right"}, {"board = gpu"}, always},
+        {RowOf(Setting::AcceleratorSize), {"Right", "Right"}, {"board_scale = 2"}, [&] { return draws("F12", 1280); }},
+        {COMFORT, {"Return"}, {"board_scale = fit", "scaling = sharp", "volume = 10"}, always},
+        {ORIGINAL,
+         {"Return"},
+         {"board_scale = 1", "smooth = off", "volume = 100", "window_size = 800x600"},
+         [&] { return !silent() && !bordered() && desktop->GamePlace() == SMALL; }},
+        {KEYS,
+         {"Return", "Return", "w", "Escape"},
+         {"key_run = W"},
+         [&] {
+             desktop->Input("key F5 keydown w");
+             const bool ran = WaitFor([&] { return !Traced("\"vel\":").starts_with("[0,0,0]"); });
+             desktop->Input("keyup w");
+             return ran;
+         }},
+        {KEYS, {"Return", "Up", "Up", "Return", "Escape"}, {"key_run = usual"}, always},
+    };
+    for (const auto& row : rows) {
+        At(row.row, row.keys);
+        CloseSettings();
+        EXPECT_TRUE(WaitFor(row.acts)) << row.kept.front();
+        for (const std::string& line : row.kept)
+            EXPECT_TRUE(Kept(line)) << line << " in " << ReadAll(file);
+    }
+    At(LEAVE, {});
+    desktop->Input("key Return");
+    EXPECT_EQ(desktop->GameStatus(), 0);
+    unsetenv("SDL_AUDIODRIVER");
+}
+
+TEST_F(SettingsWindow, FullScreenAndMinimisingWorkUnderAWindowManager) {
+    if (!Desktop::Has("openbox")) GTEST_SKIP() << "openbox is not installed";
+    desktop->StartManager();
+    StartWithSettings({"--window", "640x480"});
+    desktop->ChooseFirstLevel();
+    const std::array<int, 4> plain = desktop->GamePlace(), whole = {0, 0, Desktop::WIDTH, Desktop::HEIGHT};
+    EXPECT_EQ(plain[2], 640);
+    const auto becomes = [&](const std::array<int, 4>& place) {
+        return WaitFor([&] { return desktop->GamePlace() == place; });
+    };
+    desktop->Input("key alt+Return");
+    EXPECT_TRUE(becomes(whole));
+    desktop->Input("key alt+Return");
+    EXPECT_TRUE(becomes(plain));
+    At(RowOf(Setting::FullScreen), {"Right"});
+    EXPECT_TRUE(becomes(whole));
+    CloseSettings();
+    EXPECT_TRUE(Kept("full_screen = on"));
+    desktop->Input("search --name '^Tarnwick$' windowminimize");
     size_t frames = 0;
-    EXPECT_TRUE(WaitFor([&] {  // the game stands still: keys are the settings' from now on
+    EXPECT_TRUE(WaitFor([&] {
         frames = desktop->TracedFrames();
         Rest(500);
         return desktop->TracedFrames() == frames;
     }));
-    const ScreenPicture before = desktop->Screen();
-    press({"Down", "Down", "Down", "Down", "Down", "Down", "Down", "Down", "Left", "Left"});
-    EXPECT_TRUE(WaitFor([&] {
-        const auto sum = [](const ScreenPicture& screen) {
-            uint64_t total = 0;
-            for (const uint32_t pixel : screen.pixels)
-                total += pixel & 0xFF;
-            return total;
-        };
-        return sum(desktop->Screen()) < sum(before) * 98 / 100;  // the settings' own panel stays as bright
-    })) << "brightness 80 %";
-    EXPECT_EQ(desktop->TracedFrames(), frames);
-    press({"Escape"});
-    AwaitFrames(10);  // Escape closed the screen, not the level
-    std::ifstream kept(file);
-    const std::string text{std::istreambuf_iterator<char>(kept), {}};
-    EXPECT_NE(text.find("\nbrightness = 80\n"), std::string::npos) << text;
-    press({"F10", "Up", "Up", "Up", "Up", "Up", "Return", "Return", "w", "Escape", "Escape"});  // Keys: run with W
-    EXPECT_TRUE(WaitFor([&] {
-        desktop->Input("keydown w");
-        AwaitFrames(20);
-        return !Traced("\"vel\":").starts_with("[0,0,0]");
-    }));
-    desktop->Input("keyup w");
-    press({"F10", "Up", "Return"});  // Leave the program
+    // It sleeps: it neither wakes up often nor computes much.
+    const auto switches = [&] {
+        const std::string status = ReadAll(desktop->GameProcess() + "status");
+        return std::stol(status.substr(status.find("\nvoluntary_ctxt_switches:") + 25));
+    };
+    const long before = switches();
+    Rest(2000);
+    EXPECT_LT(switches() - before, 100) << "one each 100 ms, and what the desktop says";
+    desktop->Input("search --name '^Tarnwick$' windowactivate");
+    EXPECT_TRUE(WaitFor([&] { return desktop->TracedFrames() > frames + 5; }));
+}
+
+TEST_F(SettingsWindow, PlaysOnWaylandAndFillsItsScreen) {
+    if (!Desktop::Has("weston")) GTEST_SKIP() << "weston is not installed";
+    desktop->StartWayland();
+    StartWithSettings({"--window", "640x480"});
+    desktop->ChooseFirstLevel();
+    OpenSettings();
+    const auto marked = [&] {  // pixels of the marked row
+        const ScreenPicture screen = desktop->Screen();
+        return std::count(screen.pixels.begin(), screen.pixels.end(), 0x4A3A18u);
+    };
+    const auto inWindow = marked();
+    Press({"Right"});
+    EXPECT_TRUE(WaitFor([&] { return marked() > inWindow * 2; })) << "full screen, and all the larger";
+    Press({"Left"});
+    EXPECT_TRUE(WaitFor([&] { return marked() < inWindow * 3; }));
+    CloseSettings();
+    EXPECT_TRUE(Kept("full_screen = off"));
+    EXPECT_EQ(desktop->GamePlace()[2], 0) << "it has no window of X";
+    At(LEAVE, {});
+    desktop->Input("key Return");
     EXPECT_EQ(desktop->GameStatus(), 0);
 }
 
+TEST_F(SettingsWindow, SSwitchesSmoothPicturesAndCFreezesTheGameForPhotos) {
+    StartWithSettings({"--window", "640x480"});
+    desktop->ChooseFirstLevel();
+    for (const char* line : {"smooth = on", "smooth = off"}) {
+        desktop->Key("s");
+        EXPECT_TRUE(WaitFor([&] { return Kept(line); })) << line;
+    }
+    desktop->Key("c");
+    size_t frames = 0;
+    EXPECT_TRUE(WaitFor([&] {
+        frames = desktop->TracedFrames();
+        Rest(500);
+        return desktop->TracedFrames() == frames;
+    }));
+    const auto ahead = [&] {  // how far zero stands along the level
+        const std::string place = Traced("\"pos\":[");
+        return std::stod(place.substr(place.find(',', place.find(',') + 1) + 1));
+    };
+    const double place = ahead();
+    const ScreenPicture before = desktop->Screen();
+    desktop->Input("keydown Up");
+    EXPECT_TRUE(WaitFor([&] { return desktop->Screen().pixels != before.pixels; }));
+    desktop->Input("keyup Up");
+    desktop->Input("key Escape");
+    EXPECT_TRUE(WaitFor([&] { return desktop->TracedFrames() > frames; }));
+    EXPECT_NEAR(ahead(), place, 1) << "what was pressed for the photo moves nobody";
+}
+
 #ifdef SCRIPTED_PAD
-TEST_F(Window, AControllerAloneLeadsFromTheTitleThroughALevelAndTheSettingsOut) {
-    const std::string commands = desktop->TraceFile() + ".pad", file = desktop->TraceFile() + ".pad_settings";
+TEST_F(SettingsWindow, AControllerAloneLeadsFromTheTitleThroughALevelAndTheSettingsOut) {
+    const std::string commands = desktop->TraceFile() + ".pad";
     std::ofstream pad(commands);
     setenv("SCRIPTED_PAD", commands.c_str(), 1);
     setenv("LD_PRELOAD", SCRIPTED_PAD, 1);
-    desktop->StartGame({"--window", "640x480", "--settings", file, "--data", SOURCE_FOLDER "/tests/levels/data"});
+    StartWithSettings({"--window", "640x480"});
     unsetenv("LD_PRELOAD");
     const auto say = [&](const std::string& command) {
         pad << command << std::endl;
@@ -221,12 +467,11 @@ TEST_F(Window, AControllerAloneLeadsFromTheTitleThroughALevelAndTheSettingsOut) 
     say("detach");
     EXPECT_TRUE(WaitFor([&] { return state() == STANDS; })) << "what it held is let go";
     say("attach");
-    press({RIGHT_SHOULDER, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, DOWN, LEFT, BACK});  // brightness
-    EXPECT_TRUE(WaitFor([&] {
-        std::ifstream kept(file);
-        const std::string text{std::istreambuf_iterator<char>(kept), {}};
-        return text.find("\nbrightness = 90\n") != std::string::npos;
-    }));
+    press({RIGHT_SHOULDER});
+    for (int row = 0; row < RowOf(Setting::Brightness); ++row)
+        press({DOWN});
+    press({LEFT, BACK});
+    EXPECT_TRUE(WaitFor([&] { return Kept("brightness = 90"); }));
     press({BACK});                   // out of the level
     press({RIGHT_SHOULDER, UP, A});  // and out of the program
     EXPECT_EQ(desktop->GameStatus(), 0);
