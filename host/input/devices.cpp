@@ -139,6 +139,10 @@ void PulseKey(uint8_t scanCode) {
     StateOf(KeySource::Script).pulses.set(scanCode);
 }
 
+std::bitset<KEY_COUNT> PressesOf(KeySource source) {
+    return StateOf(source).pulses;
+}
+
 std::bitset<KEY_COUNT> TakeKeysOf(KeySource source) {
     SourceState& state = StateOf(source);
     const std::bitset<KEY_COUNT> down = state.keys | state.pulses;

@@ -45,6 +45,7 @@ MouseUse DeviceMouseUse();
 
 // --- What the game's input calls take.
 void TakeKeys(uint8_t* keys);                         // KEY_COUNT bytes, 0x80 = down; ends the pulses
+std::bitset<KEY_COUNT> PressesOf(KeySource source);   // the keys that have gone down since they were last taken
 std::bitset<KEY_COUNT> TakeKeysOf(KeySource source);  // the keys of one source, as they are called on it
 void DropPulses();                                    // a poll that failed
 void TakeMouse(DIMOUSESTATE& state);                  // the sums since the last call, and the buttons

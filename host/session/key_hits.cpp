@@ -8,8 +8,9 @@
 void KeyHits::Wait() {
     CurrentMachine->wait();
     for (size_t source = 0; source < KEY_SOURCES; ++source) {
+        const std::bitset<KEY_COUNT> pressed = PressesOf(static_cast<KeySource>(source));
         const std::bitset<KEY_COUNT> down = TakeKeysOf(static_cast<KeySource>(source));
-        hits_[source] = first_ ? std::bitset<KEY_COUNT>() : down & ~before_[source];
+        hits_[source] = first_ ? std::bitset<KEY_COUNT>() : pressed | (down & ~before_[source]);
         before_[source] = down;
     }
     first_ = false;

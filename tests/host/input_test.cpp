@@ -1,5 +1,6 @@
 #include "host/dinput.h"
 #include "input/devices.h"
+#include "session/key_hits.h"
 #include "support/test_window.h"
 #include "testing/test_machine.h"
 
@@ -74,6 +75,18 @@ TEST_F(Input, AKeyTappedBetweenTwoPollsIsDownForOne) {
     keyboard_->Acquire();
     EXPECT_EQ(PollKeys(), DI_OK);
     EXPECT_EQ(keys_[DIK_SPACE], 0) << "it was meant for another window";
+}
+
+TEST_F(Input, AScreenHearsAKeyThatIsLetGoAndPressedAgainBetweenTwoLooks) {
+    TestMachine.onWait = [] {};
+    KeyHits hits;
+    DeviceKey(KeySource::Keyboard, DIK_DOWN, true);
+    for (const bool again : {false, true, false}) {  // held at first
+        if (again) DeviceKey(KeySource::Keyboard, DIK_DOWN, false);
+        if (again) DeviceKey(KeySource::Keyboard, DIK_DOWN, true);
+        hits.Wait();
+        EXPECT_EQ(hits.Any(DIK_DOWN), again);
+    }
 }
 
 TEST_F(Input, MouseCountsAreSummedAndTakenOnce) {

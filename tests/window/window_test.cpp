@@ -15,6 +15,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <memory>
+#include <numeric>
 #include <string>
 #include <utility>
 
@@ -216,10 +217,9 @@ TEST_F(SettingsWindow, EverySettingActsAtOnceAndIsKept) {
                all.find(" 0.", all.size() - all.size() / 8) != std::string::npos;
     };
     const auto brightness = [&] {
-        uint64_t total = 0;
-        for (const uint32_t pixel : desktop->Screen().pixels)
-            total += pixel & 0xFF;
-        return total;
+        const std::vector<uint32_t> pixels = desktop->Screen().pixels;
+        return std::accumulate(pixels.begin(), pixels.end(), uint64_t{0},
+                               [](auto sum, auto pixel) { return sum + (pixel & 0xFF); });
     };
     // By how much the free camera turns while the mouse moves 160 counts to the right and down, in degrees.
     const auto turns = [&](double pitch, double yaw) {
@@ -251,7 +251,6 @@ TEST_F(SettingsWindow, EverySettingActsAtOnceAndIsKept) {
             });
         });
     };
-    constexpr std::array<int, 4> SMALL = {240, 100, 800, 600};
     const auto bordered = [&] { return desktop->Screen().Black(240, 100, 320, 700); };  // twice 320 x 240 in it
     const auto always = [] { return true; };
     desktop->Key("F6");
@@ -265,52 +264,44 @@ TEST_F(SettingsWindow, EverySettingActsAtOnceAndIsKept) {
     EXPECT_EQ(desktop->TracedFrames(), frames) << "the game stands still";
     CloseSettings();
     EXPECT_TRUE(Kept("brightness = 80"));
+    const auto small = [&] { return desktop->GamePlace() == std::array{240, 100, 800, 600}; };
+    const auto asAtFirst = [&] { return !silent() && !bordered() && small(); };
+    const auto stopsInBackground = [&] {
+        desktop->TakeFocus();
+        const bool stopped = WaitFor(silent);
+        desktop->GiveFocus();
+        return stopped && WaitFor([&] { return !silent(); });
+    };
+    const auto runsByW = [&] {
+        desktop->Input("key F5 keydown w");
+        const bool ran = WaitFor([&] { return !Traced("\"vel\":").starts_with("[0,0,0]"); });
+        desktop->Input("keyup w");
+        return ran;
+    };
+    const auto turnsTwice = [&] { return turns(40, -40); };
+    const auto turnsUp = [&] { return turns(-40, -40); };
+    const auto drawsLarge = [&] { return draws("F11", 640); };
+    const auto drawsTwice = [&] { return draws("F12", 1280); };
     const struct {
         int row;
-        std::vector<std::string> keys;
-        std::vector<std::string> kept;  // lines of the file
+        std::vector<std::string> keys, kept;  // lines of the file
         std::function<bool()> acts;
     } rows[] = {
-        {RowOf(Setting::WindowSize),
-         {"Left"},
-         {"window_size = 800x600"},
-         [&] { return desktop->GamePlace() == SMALL; }},
+        {RowOf(Setting::WindowSize), {"Left"}, {"window_size = 800x600"}, small},
         {RowOf(Setting::Scaling), {"Right"}, {"scaling = integer"}, bordered},
         {RowOf(Setting::SmoothPictures), {"Right"}, {"smooth = on"}, between},
         {RowOf(Setting::SteadyLamps), {"Return"}, {"steady_lamps = on"}, always},
-        {RowOf(Setting::MouseSpeed),
-         {"Right", "Right", "Right", "Right"},
-         {"mouse_speed = 200"},
-         [&] { return turns(40, -40); }},
-        {RowOf(Setting::MouseInverted), {"Right"}, {"mouse_inverted = on"}, [&] { return turns(-40, -40); }},
+        {RowOf(Setting::MouseSpeed), {"Right", "Right", "Right", "Right"}, {"mouse_speed = 200"}, turnsTwice},
+        {RowOf(Setting::MouseInverted), {"Right"}, {"mouse_inverted = on"}, turnsUp},
         {RowOf(Setting::Volume), std::vector<std::string>(10, "Left"), {"volume = 0"}, silent},
         {RowOf(Setting::Volume), {"Right"}, {"volume = 10"}, [&] { return !silent(); }},
-        {RowOf(Setting::MusicStops),
-         {"Right"},
-         {"music_stops = on"},
-         [&] {
-             desktop->TakeFocus();
-             const bool stopped = WaitFor(silent);
-             desktop->GiveFocus();
-             return stopped && WaitFor([&] { return !silent(); });
-         }},
-        {RowOf(Setting::SoftwareSize), {"Left"}, {"software_size = 640x480"}, [&] { return draws("F11", 640); }},
+        {RowOf(Setting::MusicStops), {"Right"}, {"music_stops = on"}, stopsInBackground},
+        {RowOf(Setting::SoftwareSize), {"Left"}, {"software_size = 640x480"}, drawsLarge},
         {RowOf(Setting::Board), {"Right"}, {"board = gpu"}, always},
-        {RowOf(Setting::AcceleratorSize), {"Right", "Right"}, {"board_scale = 2"}, [&] { return draws("F12", 1280); }},
+        {RowOf(Setting::AcceleratorSize), {"Right", "Right"}, {"board_scale = 2"}, drawsTwice},
         {COMFORT, {"Return"}, {"board_scale = fit", "scaling = sharp", "volume = 10"}, always},
-        {ORIGINAL,
-         {"Return"},
-         {"board_scale = 1", "smooth = off", "volume = 100", "window_size = 800x600"},
-         [&] { return !silent() && !bordered() && desktop->GamePlace() == SMALL; }},
-        {KEYS,
-         {"Return", "Return", "w", "Escape"},
-         {"key_run = W"},
-         [&] {
-             desktop->Input("key F5 keydown w");
-             const bool ran = WaitFor([&] { return !Traced("\"vel\":").starts_with("[0,0,0]"); });
-             desktop->Input("keyup w");
-             return ran;
-         }},
+        {ORIGINAL, {"Return"}, {"board_scale = 1", "smooth = off", "volume = 100"}, asAtFirst},
+        {KEYS, {"Return", "Return", "w", "Escape"}, {"key_run = W"}, runsByW},
         {KEYS, {"Return", "Up", "Up", "Return", "Escape"}, {"key_run = usual"}, always},
     };
     for (const auto& row : rows) {
