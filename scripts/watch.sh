@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # watch.sh BUILD DATA GAME FILE.map [--foreign]: compiles a map as map.sh does, as a quick look, and prints the options with which
 # the game plays it, one a line. A map that has faults at first is played when it is mended, and an empty room until then. From
-# then on it runs in the background until the process GAME ends: it computes the full light, and compiles the map again
-# whenever that changes, or a file that it is made of, a quick look first. A file of news tells the game of each (option
+# then on it runs in the background until the process GAME ends: it computes the full light, and compiles the map again whenever
+# the map changes, or a file that it is made of, a quick look first. A file of news tells the game of each (option
 # --watch). Faults go there, too, and to standard error; the game then plays the last good level on. Status 1: the map cannot
 # be read.
 set -u
@@ -38,9 +38,12 @@ for_picture() {
         BEGIN {
             entity = brush = -1
             for (line = 1; (getline text < map) > 0; ++line) {
-                if (text ~ /^[ \t]*\{/ && ++depth == 1) { ++entity; brush = -1 }
-                else if (text ~ /^[ \t]*\{/) ++brush
-                if (depth == 2) place[line] = " (entity " entity ", brush " brush ")"
+                if (text ~ /^[ \t]*\{/) {
+                    ++depth
+                    if (depth == 1) { ++entity; brush = -1 }
+                    if (depth == 2) ++brush
+                }
+                if (depth >= 2) place[line] = " (entity " entity ", brush " brush ")"
                 if (text ~ /^[ \t]*\}/) --depth
             }
         }
