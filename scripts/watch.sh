@@ -130,7 +130,8 @@ watch() {
 
 trap 'rm -f "$news" "$news".*' EXIT
 if printed=$(compile_map "$map" "${adapt[@]}" --fast); then first=light; else first=geometry; fi
-cat "$news.errors" >&2
+# Faults are told by the next compilation, too.
+if [ $first = light ] || [ ! -s "$news.files" ]; then cat "$news.errors" >&2; fi
 if [ $first = geometry ]; then
     [ -s "$news.files" ] || exit 1
     printed=$("$root/scripts/map.sh" "$build" "$data" "$root/content/examples/empty_room.map" --fast) || exit 1
