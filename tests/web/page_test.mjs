@@ -123,7 +123,25 @@ for (const [name, digit] of [['software', 'Digit1'], ['accelerator', 'Digit2']])
     });
 }
 
+await test('a click gives the pointer to a level, and the page may take it back', async () => {
+    const click = async () => {
+        for (const type of ['mousePressed', 'mouseReleased'])
+            await browser.send('Input.dispatchMouseEvent', { type, x: 640, y: 500, button: 'left', clickCount: 1 });
+        await wait(0.3);
+        return browser.value('document.pointerLockElement?.id');
+    };
+    expect(await click() === 'screen', 'the pointer is not held');
+    await browser.value('document.exitPointerLock()');
+    const before = await browser.value('tarnwick.frames()');
+    await pictureCome(before + 5);
+    await press('Backspace');
+    await wait(0.5);
+    expect(await click() === undefined, 'the pointer is held in the front end');
+});
+
 await test('another size of the window, and a denser display', async () => {
+    await openPage('#level=3');
+    await pictureCome(20);
     await browser.size(800, 600, { scale: 2 });
     await browser.until(`(() => {
         const { width } = document.getElementById('screen').getBoundingClientRect();

@@ -39,8 +39,17 @@ void Sleep(uint32_t milliseconds) {
     pageSleepUntil(lastClock + milliseconds);
 }
 
+// The mouse steers nothing on the screens before a level.
+void AskForPointer() {
+    static bool asked = false;
+    const bool steers = DeviceMouseWanted() && DeviceMouseUse() != MouseUse::None;
+    if (steers != asked) pageCapturePointer(steers);
+    asked = steers;
+}
+
 void Pump() {
     pageReport();
+    AskForPointer();
     ShowAgainAfterResize();
     const uint32_t now = Now();
     TurnWithPads(now - lastTurn);
@@ -154,7 +163,7 @@ const Machine WebMachine = {
     .showOverlay = ShowOverlayPicture,
     .applySettings = ApplySettings,
     .keyLabel = KeyLabel,
-    .setMouseCaptured = [](bool captured) { pageCapturePointer(captured); },
+    .setMouseCaptured = [](bool) {},  // see AskForPointer
     .bringFile = pageBringFile,
     .keepFile = pageKeepFile,
     .messageBox = ShowMessage,
