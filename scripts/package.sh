@@ -15,6 +15,15 @@ export SOURCE_DATE_EPOCH
 [ -z "$(git status --porcelain)" ] || echo "package.sh: changes that are not committed are packed, too"
 umask 022
 
+# No packed file may hold a path of this machine, since it would differ on the next one.
+refuse_own_path() {  # file...
+    if grep -lF "$PWD" -- "$@"; then
+        echo "package.sh: these hold the path of this folder; packages of another folder would differ" >&2
+        exit 1
+    fi
+}
+export -f refuse_own_path
+
 mkdir -p "$build"
 exec 9>"$build/.lock"
 flock 9
@@ -22,7 +31,9 @@ cmake --preset package
 ninja -C "$build"
 if [ "${1:-}" = --web ]; then
     mkdir -p "$packages"
-    exec scripts/web.sh --data "$build/data" --output "$packages/web"
+    scripts/web.sh --data "$build/data" --output "$packages/web"
+    refuse_own_path build-web/tarnwick.wasm build-web/tarnwick.mjs
+    exit
 fi
 rm -rf "$packages" "$build/stage"
 
@@ -35,11 +46,7 @@ tar -C "$build/stage" --sort=name --format=posix --pax-option=delete=atime,delet
     --numeric-owner --mtime="@$SOURCE_DATE_EPOCH" --mode=u=rwX,go=rX -cJf "$packages/$name.tar.xz" "$name"
 rm -rf "$build/stage" "$packages/_CPack_Packages" "$build/_CPack_Packages"
 
-# No packed file may hold a path of this machine, since it would differ on the next one.
-if find "$build/tarnwick" "$build/tools" "$build/data" "$build/man" -type f -not -name '*.a' -not -name '*.cmake' \
-    -not -path '*/CMakeFiles/*' -exec grep -lF "$PWD" {} +; then
-    echo "package.sh: these hold the path of this folder; packages of another folder would differ" >&2
-    exit 1
-fi
+find "$build/tarnwick" "$build/tools" "$build/data" "$build/man" -type f -not -name '*.a' -not -name '*.cmake' \
+    -not -path '*/CMakeFiles/*' -print0 | xargs -0 bash -c 'refuse_own_path "$@"' package.sh
 cd "$packages"
 sha256sum -- *
