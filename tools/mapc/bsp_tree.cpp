@@ -7,17 +7,20 @@
 
 namespace {
 
-constexpr size_t CANDIDATES_MAX = 100;         // planes tried at a node
-constexpr size_t ORDER_TEST_MAX = 400;         // more faces than this are never order-free
-constexpr size_t SEALING_NODES_MAX = 100'000;  // the largest of our levels has 656
+constexpr size_t CANDIDATES_MAX = 100;          // planes tried at a node
+constexpr size_t CANDIDATES_MAX_BEHIND = 1000;  // the same where any faces go behind
+constexpr size_t ORDER_TEST_MAX = 400;          // more faces than this are never order-free
+constexpr size_t SEALING_NODES_MAX = 100'000;   // the largest of our levels has 656
 constexpr size_t COMPARISONS_MAX =
     1'000'000'000;             // comparisons of a face with a plane; the largest of our levels takes 1,500,000
 constexpr double GRID = 1024;  // planes on this grid are tried where many faces spread beyond it
 constexpr size_t GRID_FACES_MIN = 100;
 constexpr double SPLIT_COST = 20;  // cost of a split face, in faces of imbalance between the two sides
-constexpr double SLOPE_COST = 4;   // cost of a plane that is not axial
 constexpr double HIDDEN_SPLIT_COST = 1;
-constexpr double WALL_SPLIT_COST = 300;  // cost of cutting a wall across: the player takes a low lower part for a step
+constexpr double SLOPE_COST = 4;  // cost of a plane that is not axial, where no faces go behind
+// Cost of cutting a wall across: the player takes a low lower part for a step. The second where all faces go behind.
+constexpr double WALL_SPLIT_COST = 300;
+constexpr double WALL_SPLIT_COST_BEHIND = 50;
 
 enum class TreeKind { Sealing, Drawing };
 
@@ -43,8 +46,8 @@ bool FacesFront(const Face& face, int plane, const PlaneTable& planes) {
 
 class TreeBuilder {
 public:
-    TreeBuilder(Brushes& brushes, TreeKind kind)
-        : file_(brushes.file), planes_(brushes.planes), kind_(kind),
+    TreeBuilder(Brushes& brushes, TreeKind kind, const TreeOptions& options = {})
+        : file_(brushes.file), planes_(brushes.planes), kind_(kind), options_(options),
           terrainLines_(kind == TreeKind::Drawing ? brushes.terrainLines : std::vector<int>()) {}
 
     Tree Build(std::vector<Face> faces) {
@@ -102,7 +105,7 @@ private:
         for (Face& face : faces) {
             switch (SideOf(face, plane, planes_)) {
             case PlaneSide::On:
-                if (kind_ == TreeKind::Drawing) (FacesFront(face, plane, planes_) ? front : back).push_back(face);
+                if (kind_ == TreeKind::Drawing) (GoesToFront(face, plane) ? front : back).push_back(face);
                 break;
             case PlaneSide::Front: front.push_back(std::move(face)); break;
             case PlaneSide::Back: back.push_back(std::move(face)); break;
@@ -113,6 +116,15 @@ private:
                 break;
             }
         }
+    }
+
+    // For a face in the plane of a node.
+    bool GoesToFront(const Face& face, int plane) const { return FacesFront(face, plane, planes_) != GoesBehind(face); }
+
+    bool GoesBehind(const Face& face) const {
+        const bool isHigh = (face.box.max.z - face.box.min.z) * options_.scale > double{LEDGE_MAX};
+        const bool isHighWall = isHigh && std::abs(planes_[face.plane].normal.z) < STEEP_SLOPE;
+        return options_.behind == FacesBehind::All || (options_.behind == FacesBehind::ButHighWalls && !isHighWall);
     }
 
     bool IsDone(const std::vector<Face>& faces) const {
@@ -137,7 +149,8 @@ private:
                 best = plane;
             }
         };
-        const size_t step = std::max<size_t>(1, (candidates.size() + CANDIDATES_MAX - 1) / CANDIDATES_MAX);
+        const size_t most = options_.behind == FacesBehind::None ? CANDIDATES_MAX : CANDIDATES_MAX_BEHIND;
+        const size_t step = std::max<size_t>(1, (candidates.size() + most - 1) / most);
         for (size_t i = 0; i < candidates.size(); i += step)
             tryPlane(candidates[i]);
         if (faces.size() >= GRID_FACES_MIN) {
@@ -184,7 +197,8 @@ private:
     double SplitCost(const Face& face, const Plane& plane) const {
         const bool across =
             std::abs(plane.normal.z) > STEEP_SLOPE && std::abs(planes_[face.plane].normal.z) < STEEP_SLOPE;
-        if (across && kind_ == TreeKind::Drawing) return WALL_SPLIT_COST;
+        if (across && kind_ == TreeKind::Drawing)
+            return options_.behind == FacesBehind::All ? WALL_SPLIT_COST_BEHIND : WALL_SPLIT_COST;
         return face.hidden ? HIDDEN_SPLIT_COST : SPLIT_COST;
     }
 
@@ -195,14 +209,14 @@ private:
         double back = 0;
         double splits = 0;
         double consumed = 0;
-        const double slope = IsAxial(planes_[plane]) ? 0 : SLOPE_COST;
+        const double slope = options_.behind != FacesBehind::None || IsAxial(planes_[plane]) ? 0 : SLOPE_COST;
         for (const Face& face : faces) {
             switch (SideOf(face, plane, planes_)) {
             case PlaneSide::On:
                 if (kind_ == TreeKind::Sealing) {
                     ++consumed;
                 } else {
-                    ++(FacesFront(face, plane, planes_) ? front : back);
+                    ++(GoesToFront(face, plane) ? front : back);
                 }
                 break;
             case PlaneSide::Front: ++front; break;
@@ -222,6 +236,7 @@ private:
     const std::string& file_;
     PlaneTable& planes_;
     TreeKind kind_;
+    TreeOptions options_;
     const std::vector<int> terrainLines_;
     Tree tree_;
     std::vector<int> stamps_;  // for each plane the node that last listed it
@@ -235,8 +250,8 @@ Tree BuildSealingTree(std::vector<Face> faces, Brushes& brushes) {
     return TreeBuilder(brushes, TreeKind::Sealing).Build(std::move(faces));
 }
 
-Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes) {
-    return TreeBuilder(brushes, TreeKind::Drawing).Build(std::move(faces));
+Tree BuildDrawingTree(std::vector<Face> faces, Brushes& brushes, const TreeOptions& options) {
+    return TreeBuilder(brushes, TreeKind::Drawing, options).Build(std::move(faces));
 }
 
 size_t LeafAt(const Tree& tree, const PlaneTable& planes, const Vec3& place) {

@@ -258,7 +258,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
 
     const Material* clip = ClipMaterial(list);
     ReachableSurface surface = SurfaceOf(map, brushes, {*start, settings, clip, takeLeaks}, faults);
-    const Tree tree = BuildDrawingTree(std::move(surface.faces), brushes);
+    const Tree tree = BuildDrawingTree(std::move(surface.faces), brushes, {settings.scale, settings.facesBehind});
     std::vector<LeafFace> hidden;
     if (clip && settings.guards) hidden = WallsBesideLedges(tree, brushes, *clip, settings.scale);
     for (Face& face : surface.hidden) {

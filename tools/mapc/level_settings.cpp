@@ -63,6 +63,7 @@ const std::vector<EntityClass> ENTITY_CLASSES{
       "track",
       "skirts",
       "guards",
+      "faces_behind",
       "mapversion",
       "message",
       "wad"}},  // sky, ticks and track are for ./play --map; the last three are written by editors
@@ -123,6 +124,7 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
     settings.skirts = number("skirts", 1, 0, 1) != 0;
     settings.guards = number("guards", 0, 0, 1) != 0;
+    settings.facesBehind = static_cast<FacesBehind>(number("faces_behind", 0, 0, 2));
     settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
     ReadColour(world, "bright_color", settings.brightColour);
     ReadDarkColour(world, dark, settings.darkColour);
