@@ -117,6 +117,16 @@ TEST(Compile, FlushBrushesPaintedAlikeBecomeOneFace) {
     EXPECT_EQ(Compile(tiled("tall")).world.polygons.size(), 7U);
 }
 
+TEST(Compile, FacesBehindAreNotCutByWhatStandsBeforeThem) {
+    const auto polygonsOf = [](const char* facesBehind) {
+        MapBuilder map;
+        map.Key("subdivide", "0").Key("faces_behind", facesBehind).Room({0, 0, 0}, {1024, 1024, 512});
+        return Compile(map.Box({300, 300, 0}, {400, 400, 100}).Start("64 64 64")).world.polygons.size();
+    };
+    EXPECT_GT(polygonsOf("0"), 14U);
+    EXPECT_EQ(polygonsOf("2"), 14U) << "six of the room, whose floor has four parts around the box, and five of the box";
+}
+
 TEST(Compile, OfTwoFacesInOnePlaceTheEarlierStays) {
     MapBuilder map;
     map.Key("subdivide", "0").Room({0, 0, 0}, {512, 512, 512}).Box({0, 0, -8}, {256, 512, 0}, "tall");
