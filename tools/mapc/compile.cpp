@@ -3,6 +3,7 @@
 #include "formats/depfile.h"
 #include "formats/files.h"
 #include "mapc/floors_behind.h"
+#include "mapc/hollows.h"
 #include "mapc/instances.h"
 #include "mapc/ledge_walls.h"
 #include "mapc/light.h"
@@ -121,13 +122,16 @@ struct SurfaceRequest {
 void AddHidden(const SurfaceRequest& request, const std::vector<Face>& faces, Brushes& brushes,
                const SealedSpace& space, ReachableSurface& surface) {
     const double scale = request.settings.scale;
-    const bool guards = request.settings.guards;
+    const Guards& guards = request.settings.guards;
     const auto add = [&](const std::vector<Face>& hidden) {
         surface.hidden.insert(surface.hidden.end(), hidden.begin(), hidden.end());
     };
-    if (request.settings.skirts) add(SkirtsBehind(faces, brushes, space, *request.clip, scale, guards));
-    if (!guards) return;
-    add(FloorsBehind(faces, brushes, space, *request.clip, scale));
+    if (request.settings.skirts) add(SkirtsBehind(faces, brushes, space, *request.clip, scale, guards.floors));
+    if (guards.floors) {
+        add(FloorsBehind(faces, brushes, space, *request.clip, scale));
+        add(FloorsBelowThings(faces, brushes, *request.clip, scale));
+    }
+    if (!guards.net) return;
     const std::vector<Face> net = NetBelow(faces, brushes, *request.clip, scale);
     if (!net.empty()) surface.net = net[0].winding[0].z;
     add(net);
@@ -260,11 +264,15 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     ReachableSurface surface = SurfaceOf(map, brushes, {*start, settings, clip, takeLeaks}, faults);
     const Tree tree = BuildDrawingTree(std::move(surface.faces), brushes, {settings.scale, settings.facesBehind});
     std::vector<LeafFace> hidden;
-    if (clip && settings.guards) hidden = WallsBesideLedges(tree, brushes, *clip, settings.scale);
-    for (Face& face : surface.hidden) {
-        const size_t leaf = LeafAt(tree, brushes.planes, WindingCentre(face.winding));
-        hidden.push_back({std::move(face), leaf});
-    }
+    if (clip && settings.guards.walls) hidden = WallsBesideLedges(tree, brushes, *clip, settings.scale);
+    const auto addHidden = [&](std::vector<Face> faces) {
+        for (Face& face : faces) {
+            const size_t leaf = LeafAt(tree, brushes.planes, WindingCentre(face.winding));
+            hidden.push_back({std::move(face), leaf});
+        }
+    };
+    addHidden(std::move(surface.hidden));
+    if (clip && settings.guards.hollows) addHidden(FloorsInHollows(tree, hidden, brushes, *clip, settings.scale));
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     CutWorld cut = CutForLight(tree, std::move(hidden), sources, bake);
     compiled.world = std::move(cut.world);

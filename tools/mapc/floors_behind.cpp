@@ -11,8 +11,13 @@ constexpr double REACH = 64;     // of a floor behind the wall: the fastest fall
 constexpr double EDGE_MIN = 48;  // shorter feet of walls are left as they are
 constexpr double ON_A_FLOOR = 2;
 constexpr double UNEVEN = 8;  // a wall whose thickness differs by more is taken in halves
+// The game takes a floor for larger by the player's radius: no way at another height comes so near to it.
+constexpr double CLEAR = 1.5 * MOVE_SPHERE_RADIUS;
+constexpr double CLEAR_STEP = 12;
+constexpr double CLEAR_HEIGHTS[] = {-24, -8, 8, 24, 40};  // of the player's sphere over the floor
 // Below this the floors on both sides of the wall reach far enough into it.
 constexpr double DEPTH_MIN = 2 * MOVE_SPHERE_RADIUS + INSET;
+constexpr double COVERED_MIN = 400;      // area of a floor that is covered, so that it goes on below what covers it
 constexpr double DEPTH_MAX = 2 * REACH;  // thicker walls count as this
 
 class FloorMaker {
@@ -81,16 +86,44 @@ private:
             most = std::max(most, depth);
         }
         const double enough = (REACH + INSET) * unit_;
-        if (least < enough && most > least + UNEVEN * unit_ && samples.size() > 1) {
-            const Vec3 middle = (from + to) * 0.5;
-            AddAt(from, middle, back);
-            AddAt(middle, to, back);
-        } else if (least >= DEPTH_MIN * unit_) {
-            const Vec3 near = back * (INSET * unit_), far = back * (std::min(least, enough) - INSET * unit_);
+        const auto addTo = [&](double reach) {
+            const Vec3 near = back * (INSET * unit_), far = back * reach;
+            if (!IsClear(from + near, to + near, back * (reach - INSET * unit_))) return false;
             Winding winding{from + near, from + far, to + far, to + near};
             if (WindingNormal(winding).z < 0) std::reverse(winding.begin(), winding.end());
             made_.push_back(HiddenFace(std::move(winding), brushes_, clip_));
+            return true;
+        };
+        const bool isThin = least < enough;
+        const bool isTooUneven = isThin && most > least + UNEVEN * unit_;
+        if (!isTooUneven && least >= DEPTH_MIN * unit_) {
+            if (addTo(std::min(least, enough) - INSET * unit_)) return;
+            const double shorter = least - (CLEAR + 1) * unit_;
+            if (isThin && shorter >= (INSET + 1) * unit_ && addTo(shorter)) return;
         }
+        const bool canBeHalved = isTooUneven || least >= DEPTH_MIN * unit_;
+        if (canBeHalved && samples.size() > 1) {
+            const Vec3 middle = (from + to) * 0.5;
+            AddAt(from, middle, back);
+            AddAt(middle, to, back);
+        }
+    }
+
+    // Whether a floor over these lines is out of the way of players on ramps and stairs through or along the wall, and
+    // on lower ground behind it.
+    bool IsClear(const Vec3& from, const Vec3& to, const Vec3& across) const {
+        const double width = Length(to - from), depth = Length(across);
+        const Vec3 along = (to - from) * (1 / width), back = across * (1 / depth);
+        const double margin = CLEAR * unit_, step = CLEAR_STEP * unit_;
+        for (double y = 0; y <= depth + margin; y += step) {
+            for (double x = -margin; x <= width + margin; x += step) {
+                const Vec3 level = from + along * x + back * y;
+                const auto isOpenAt = [&](double height) { return depth_.IsOpen(level + Vec3{0, 0, height * unit_}); };
+                if (std::any_of(std::begin(CLEAR_HEIGHTS), std::end(CLEAR_HEIGHTS), isOpenAt) && !IsOnAFloor(level))
+                    return false;
+            }
+        }
+        return true;
     }
 
     const std::vector<Face>& faces_;
@@ -103,7 +136,48 @@ private:
     std::vector<Face> made_;
 };
 
+// The area of what both cover, in one plane.
+double CommonArea(const Winding& a, const Face& b, const Plane& plane) {
+    Winding common = a;
+    for (size_t i = 0; i < b.winding.size() && common.size() >= 3; ++i) {
+        const Vec3& from = b.winding[i];
+        const Vec3 out = Cross(b.winding[(i + 1) % b.winding.size()] - from, plane.normal);
+        const double length = Length(out);
+        if (length > 0) KeepBack(common, {out * (1 / length), Dot(out, from) / length});
+    }
+    return common.size() < 3 ? 0 : WindingArea(common);
+}
+
 }  // namespace
+
+std::vector<Face> FloorsBelowThings(const std::vector<Face>& faces, Brushes& brushes, const Material& clip,
+                                    double scale) {
+    std::vector<Box> boxes;
+    for (const Face& face : faces)
+        boxes.push_back(face.box);
+    const BoxGrid grid(std::move(boxes));
+    const double areaMin = COVERED_MIN / (scale * scale);
+    std::vector<Winding> covered;
+    std::vector<int> found;
+    for (const Brush& brush : brushes.list) {
+        for (const BrushSide& side : brush.sides) {
+            const Plane& plane = brushes.planes[side.plane];
+            if (side.texture < 0 || plane.normal.z < double{LANDING_SLOPE}) continue;
+            if (brushes.textures[static_cast<size_t>(side.texture)].smooth) continue;  // terrain
+            double seen = 0;
+            grid.Find(WindingBox(side.winding), 0, found);
+            for (const int i : found) {
+                const Face& face = faces[static_cast<size_t>(i)];
+                if (face.plane == side.plane) seen += CommonArea(side.winding, face, plane);
+            }
+            if (seen >= areaMin && WindingArea(side.winding) - seen >= areaMin) covered.push_back(side.winding);
+        }
+    }
+    std::vector<Face> floors;
+    for (Winding& winding : covered)
+        floors.push_back(HiddenFace(std::move(winding), brushes, clip));
+    return floors;
+}
 
 std::vector<Face> FloorsBehind(const std::vector<Face>& faces, Brushes& brushes, const SealedSpace& space,
                                const Material& clip, double scale) {

@@ -11,18 +11,36 @@ Face HiddenFace(Winding winding, Brushes& brushes, const Material& clip) {
     return {std::move(winding), plane, static_cast<int>(brushes.textures.size()) - 1, true};
 }
 
-bool LeaveOutSmallest(std::vector<LeafFace>& faces, const Vec3& place, double reach, size_t count) {
-    std::vector<double> areas;
-    const Box near = Box{place, place}.Grown(reach);
-    for (const LeafFace& hidden : faces) {
-        if (hidden.face.box.Touches(near, 0)) areas.push_back(WindingArea(hidden.face.winding));
+namespace {
+
+// Among those for which `counts` holds. False when there are none.
+template <class Test>
+bool LeaveOutSmallestOf(std::vector<LeafFace>& faces, size_t count, Test counts) {
+    std::vector<std::pair<double, size_t>> areas;
+    for (size_t i = 0; i < faces.size(); ++i) {
+        if (counts(faces[i])) areas.emplace_back(WindingArea(faces[i].face.winding), i);
     }
     if (areas.empty()) return false;
-    count = std::min(count, areas.size());
-    std::nth_element(areas.begin(), areas.begin() + static_cast<std::ptrdiff_t>(count - 1), areas.end());
-    const double most = areas[count - 1];
-    std::erase_if(faces, [&](const LeafFace& hidden) {
-        return hidden.face.box.Touches(near, 0) && WindingArea(hidden.face.winding) <= most;
-    });
+    std::sort(areas.begin(), areas.end());
+    areas.resize(std::min(count, areas.size()));
+    std::vector<char> isLeftOut(faces.size());
+    for (const auto& [area, i] : areas)
+        isLeftOut[i] = 1;
+    std::vector<LeafFace> kept;
+    for (size_t i = 0; i < faces.size(); ++i) {
+        if (!isLeftOut[i]) kept.push_back(std::move(faces[i]));
+    }
+    faces = std::move(kept);
     return true;
+}
+
+}  // namespace
+
+void LeaveOutSmallest(std::vector<LeafFace>& faces, size_t count) {
+    LeaveOutSmallestOf(faces, count, [](const LeafFace&) { return true; });
+}
+
+bool LeaveOutSmallest(std::vector<LeafFace>& faces, const Vec3& place, double reach, size_t count) {
+    const Box near = Box{place, place}.Grown(reach);
+    return LeaveOutSmallestOf(faces, count, [&](const LeafFace& hidden) { return hidden.face.box.Touches(near, 0); });
 }

@@ -10,5 +10,7 @@ struct LeafFace {
     size_t leaf;  // of the tree
 };
 
+// Leaves out so many of the faces, the smallest.
+void LeaveOutSmallest(std::vector<LeafFace>& faces, size_t count);
 // Leaves out so many of the faces near the place, the smallest of those within reach of it. False when there are none.
 bool LeaveOutSmallest(std::vector<LeafFace>& faces, const Vec3& place, double reach, size_t count);

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <sstream>
 
 namespace {
 
@@ -30,6 +31,24 @@ void ReadDarkColour(const MapEntity& world, const std::optional<std::array<int, 
            fmt::format("dark_color is {} {} {}, but the level's textures are made for {} {} {}", colour[0], colour[1],
                        colour[2], (*ofMaterials)[0], (*ofMaterials)[1], (*ofMaterials)[2]),
            "leave the key out, or change the dark colour of the textures");
+}
+
+constexpr std::pair<const char*, bool Guards::*> GUARDS[] = {
+    {"net", &Guards::net}, {"floors", &Guards::floors}, {"walls", &Guards::walls}, {"hollows", &Guards::hollows}};
+
+Guards ReadGuards(const MapEntity& world) {
+    Guards guards;
+    const MapKey* key = world.Find("guards");
+    std::istringstream names(key ? key->value : "");
+    for (std::string name; names >> name;) {
+        const auto* found =
+            std::find_if(std::begin(GUARDS), std::end(GUARDS), [&](const auto& guard) { return name == guard.first; });
+        if (found == std::end(GUARDS))
+            Refuse(key->line, "there are no guards " + Shown(name),
+                   "use net, floors, walls and hollows, with blanks between");
+        guards.*found->second = true;
+    }
+    return guards;
 }
 
 struct EntityClass {
@@ -123,8 +142,8 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     settings.farDistance = static_cast<int>(number("far_distance", settings.farDistance, 1, 1e6));
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
     settings.skirts = number("skirts", 1, 0, 1) != 0;
-    settings.guards = number("guards", 0, 0, 1) != 0;
     settings.facesBehind = static_cast<FacesBehind>(number("faces_behind", 0, 0, 2));
+    settings.guards = ReadGuards(world);
     settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
     ReadColour(world, "bright_color", settings.brightColour);
     ReadDarkColour(world, dark, settings.darkColour);

@@ -8,6 +8,14 @@
 #include <array>
 #include <optional>
 
+// Hidden faces against falls and lifts, see compile.cpp: AddHidden.
+struct Guards {
+    bool net = false;      // mapc/net.h
+    bool floors = false;   // mapc/floors_behind.h
+    bool walls = false;    // mapc/ledge_walls.h
+    bool hollows = false;  // mapc/hollows.h
+};
+
 struct LevelSettings {
     double scale = 1;           // "scale": engine units per map unit
     double subdivide = 256;     // "subdivide": grid, engine units, on which large faces are cut for light; 0 = never
@@ -24,7 +32,7 @@ struct LevelSettings {
     int fadeDistance = 10000;      // "fade_distance": software, everything has faded to the dark colour
     int farDistance = 16000;       // "far_distance": software, nothing beyond is drawn
     bool skirts = true;            // "skirts": leaning faces behind walls, see mapc/skirts.h
-    bool guards = false;           // "guards": hidden faces against falls and lifts, see compile.cpp: AddHidden
+    Guards guards;                 // "guards": which of them, by their names
     FacesBehind facesBehind = FacesBehind::None;  // "faces_behind": 0, 1 or 2, see mapc/bsp_tree.h
     int lightMode = 0;                            // "light_mode": 2 inverts the light
     bool plainBrightening = false;                // "plain_brightening": all colours brighten by the same fraction

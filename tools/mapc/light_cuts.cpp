@@ -65,8 +65,8 @@ private:
     // Refuses what is beyond a limit. Hidden faces are no reason to.
     CutWorld Uncut() {
         CutWorld cut = WithHidden(tree_);
-        if (IsTooLarge(cut) && !hidden_.empty()) {
-            hidden_.clear();
+        for (size_t tooMany = 1; IsTooLarge(cut) && !hidden_.empty(); tooMany *= 2) {
+            LeaveOutSmallest(hidden_, tooMany);
             cut = WithHidden(tree_);
         }
         CheckCounts(sources_.mapName, cut.counts);

@@ -67,6 +67,11 @@ TEST(Explorer, APitWithoutAWayOutIsATrap) {
     EXPECT_GT(CountOf(Explore(Room::Pit), FaultKind::Trap), 0);
 }
 
+TEST(Explorer, AFloorInASteepHollowLetsThePlayerOut) {
+    EXPECT_GT(CountOf(Explore(Room::Hollow), FaultKind::Trap), 0);
+    EXPECT_EQ(CountOf(Explore(Room::FilledHollow), FaultKind::Trap), 0);
+}
+
 TEST(Explorer, ARouteEndsAtTheMarkThatCannotBeReached) {
     WriteRoom(Room::Safe, WORLD);
     Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});

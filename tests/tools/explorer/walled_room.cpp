@@ -62,12 +62,28 @@ MapBuilder LeaningRoom(const Hole& hole) {
     return map.Box({low[0], low[1], deep}, {high[0], high[1], low[2]}, "floor");
 }
 
+// Faces a wall at y = 320: their feet meet.
+std::string SteepBank() {
+    const Corner inside{400, 420, 60};
+    return FaceThrough({-100, 330, 0}, {900, 330, 0}, {-100, 400, 200}, inside) +
+           FaceThrough({-100, 480, 0}, {900, 480, 0}, {-100, 480, 200}, inside) +
+           FaceThrough({-100, 330, 0}, {900, 330, 0}, {-100, 480, 0}, inside) +
+           FaceThrough({-100, 400, 200}, {900, 400, 200}, {-100, 480, 200}, inside) +
+           FaceThrough({-100, 330, 0}, {-100, 480, 0}, {-100, 400, 200}, inside) +
+           FaceThrough({900, 330, 0}, {900, 480, 0}, {900, 400, 200}, inside);
+}
+
 MapBuilder MapOf(Room room) {
     const int depth = room == Room::Pit ? 600 : 0;
+    if (room == Room::Hollow || room == Room::FilledHollow) {
+        MapBuilder map = LeaningRoom({{480, 480, 0}, {600, 600, 0}});
+        if (room == Room::FilledHollow) map.guards = "hollows";
+        return map.Box({-100, 300, 0}, {900, 320, 200}).Brush(SteepBank());
+    }
     if (room == Room::Upright || room == Room::Skirted || room == Room::Netted) {
         MapBuilder map;
         map.skirts = room == Room::Skirted;
-        map.guards = room == Room::Netted;
+        if (room == Room::Netted) map.guards = "net floors";
         return map.Room({0, 0, 0}, {SIDE, SIDE, HEIGHT}).Box({500, 500, 0}, {580, 580, 300});
     }
     MapBuilder map = LeaningRoom({{480, 480, -depth}, {600, 600, 0}});

@@ -5,12 +5,14 @@
 #include <optional>
 
 enum class Room {
-    Safe,     // its walls lean away, so that a player who falls along them presses into them
-    Upright,  // its walls stand upright
-    Skirted,  // as Upright, with skirts behind them
-    Netted,   // as Upright, with the floors behind walls and the ground below everything that mapc adds
-    Ledge,    // as Safe, with ledges of 24 that lead aslant to a tall block
-    Pit,      // as Safe, with a hole in the floor, 120 by 120 and 600 deep
+    Safe,          // its walls lean away, so that a player who falls along them presses into them
+    Upright,       // its walls stand upright
+    Skirted,       // as Upright, with skirts behind them
+    Netted,        // as Upright, with the floors behind walls and the ground below everything that mapc adds
+    Ledge,         // as Safe, with ledges of 24 that lead aslant to a tall block
+    Hollow,        // as Safe, with a wall and a steep bank whose feet meet
+    FilledHollow,  // as Hollow, with the floor between them that mapc adds
+    Pit,           // as Safe, with a hole in the floor, 120 by 120 and 600 deep
 };
 
 // The height of the ground below everything, where there is one.

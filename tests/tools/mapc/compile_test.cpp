@@ -90,10 +90,26 @@ TEST(Compile, GuardsPutATallWallBeforeTheLedgeBesideItAndAGroundBelowEverything)
     const CompiledLevel bare = Compile(map);
     EXPECT_FALSE(RiserComesAfterPillar(bare.world));
     EXPECT_FALSE(bare.places.net);
-    map.guards = true;
+    map.guards = "net walls";
     const CompiledLevel guarded = Compile(map);
     EXPECT_TRUE(RiserComesAfterPillar(guarded.world));
     EXPECT_EQ(guarded.places.net, -72);
+}
+
+TEST(Compile, WithGuardsAFloorGoesOnBelowWhatStandsOnIt) {
+    MapBuilder map = TwoRooms();
+    map.Box({900, 100, 0}, {980, 160, 300});
+    const auto hasFloorBelow = [&] {
+        const WorldFile world = Compile(map).world;
+        return std::any_of(world.polygons.begin(), world.polygons.end(), [&](const WorldPolygon& polygon) {
+            const Extent extent = ExtentOf(world, polygon);
+            return extent.low[1] == 0 && extent.high[1] == 0 && extent.low[0] <= 900 && extent.high[0] >= 980 &&
+                   extent.low[2] <= 100 && extent.high[2] >= 160;
+        });
+    };
+    EXPECT_FALSE(hasFloorBelow());
+    map.guards = "floors";
+    EXPECT_TRUE(hasFloorBelow());
 }
 
 TEST(Compile, BothFormsOfAMapGiveTheSameBytes) {

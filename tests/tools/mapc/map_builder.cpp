@@ -110,8 +110,8 @@ MapBuilder& MapBuilder::Light(const std::string& origin, const std::string& keys
 
 std::string MapBuilder::Text() const {
     const std::string last = open_.empty() ? "" : open_ + "}\n";
-    const std::string world = fmt::format("{{\n\"classname\" \"worldspawn\" \"skirts\" \"{}\" \"guards\" \"{}\"\n",
-                                          skirts ? 1 : 0, guards ? 1 : 0);
+    const std::string world =
+        fmt::format("{{\n\"classname\" \"worldspawn\" \"skirts\" \"{}\" \"guards\" \"{}\"\n", skirts ? 1 : 0, guards);
     return world + keys_ + worldBrushes_ + "}\n" + entities_ + last;
 }
 

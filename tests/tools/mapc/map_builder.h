@@ -32,7 +32,7 @@ public:
 
     bool valve = false;   // faces are written with texture axes, in the Valve 220 format
     bool skirts = false;  // the compiler puts leaning faces behind walls
-    bool guards = false;  // the compiler adds hidden faces against lifts and endless falls
+    std::string guards;   // names of the hidden faces that the compiler adds against falls, traps and lifts
 
 private:
     std::string Face(const Corner& at, const Corner& u, const Corner& v, const std::string& texture) const;
