@@ -1,14 +1,12 @@
 // frames [--data DIR] [--rounds N] [LEVEL...]: whole frames as the software renderer draws them for a player, from the
 // pose of the character to the last pixel, with the character in view and without. They are drawn at the start of each
-// level, and at the places that its map marks, in the costliest of ten directions; in level 3, whose map marks none, at
-// the places of frame_places.h.
+// level, and at the places that its map marks, in the costliest of ten directions.
 
 #include "app/app_tables.h"
 #include "app/host_game.h"
 #include "camera/camera.h"
 #include "character/actor.h"
 #include "formats/places_file.h"
-#include "frame_places.h"
 #include "game_picture/game_picture.h"
 #include "raster_floor.h"
 #include "render/render_tables.h"
@@ -38,6 +36,11 @@ int32_t Level;
 int RoundCount = 15;
 std::filesystem::path LevelsFolder;
 std::FILE* Output;  // for the results; what the game prints goes nowhere
+
+struct FramePlace {
+    Vec3 position;  // where the character stands, world units
+    float heading;  // degrees; the camera looks the same way from behind
+};
 
 // The place of a player, and what he sees from it.
 struct View {
@@ -109,12 +112,8 @@ View CostliestViewFrom(FramePlace place) {
 
 std::vector<View> ViewsOfLevel() {
     std::vector<View> views = {ViewFrom({PlayerActor.position, PlayerActor.angles.y}, "start")};
-    const std::vector<FramePlace> marked = MarkedPlaces();
-    for (const FramePlace& place : marked)
+    for (const FramePlace& place : MarkedPlaces())
         views.push_back(CostliestViewFrom(place));
-    if (!marked.empty() || Level != HOUSE_LEVEL) return views;
-    for (const FramePlace& place : HOUSE_PLACES)
-        views.push_back(ViewFrom(place, NameOf(place)));
     return views;
 }
 
