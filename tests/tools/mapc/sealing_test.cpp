@@ -88,9 +88,9 @@ TEST(Sealing, EachHoleHasItsWay) {
         FAIL() << "not noticed";
     } catch (const LeakError& leak) {
         EXPECT_EQ(leak.paths.size(), 3U);
-        for (const auto& [low, high] : holes) {
+        for (const auto& hole : holes) {
             EXPECT_EQ(std::count_if(leak.paths.begin(), leak.paths.end(),
-                                    [&](const auto& path) { return Crosses(path, low, high); }),
+                                    [&](const auto& path) { return Crosses(path, hole.first, hole.second); }),
                       1);
         }
         const std::string text = leak.what();
