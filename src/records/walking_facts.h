@@ -8,6 +8,9 @@ constexpr float SPHERE_LOWERING = 93.0f;  // the sphere's centre lies this far b
 // Height of the actor's position above a level floor on which it stands.
 constexpr float STANDING_HEIGHT = SPHERE_LOWERING + MOVE_SPHERE_RADIUS;
 
+// One move slides along at most so many polygons, one after the other.
+constexpr int MOVE_PASSES_MAX = 11;
+
 // The polygons that one move may touch lie within half its length and this margin.
 constexpr float GATHER_MARGIN = 144.0f;
 constexpr int CONTACTS_MAX = 200;  // more of them end the program

@@ -18,7 +18,6 @@ namespace {
 
 constexpr float SKIP_LENGTH = 1.0f;  // velocities shorter than this are ignored
 constexpr float STOP_LENGTH = 0.5f;  // a rest of the move this short ends it
-constexpr int PASSES_MAX = 11;
 
 float LengthL1(const Vec3& v) {
     return std::fabs(v.x) + std::fabs(v.y) + std::fabs(v.z);
@@ -171,7 +170,7 @@ void MoveAgainstWorld(Actor& actor) {
     // Kept as it is: the height of the last ledge looked at, accepted or not, is what the lift adds.
     float ledgeHeight = 0.0f;
     int32_t lastHit = -1;
-    for (int pass = 0; pass < PASSES_MAX; ++pass) {
+    for (int pass = 0; pass < MOVE_PASSES_MAX; ++pass) {
         result = end;
         const int32_t hit = SweepContacts(start, end, MOVE_SPHERE_RADIUS);
         if (hit == -1) break;

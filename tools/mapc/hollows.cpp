@@ -27,7 +27,6 @@ constexpr double DEPTH_COVERED = 24;
 constexpr double ROUNDING[] = {0, -1, 1};
 constexpr double SUPPORT_MIN = 0.02;  // vertical part of the normal of a face that can hold a ball up
 constexpr int STEPS_MAX = 4000;
-constexpr int PASSES_MAX = 11;  // as in the game
 
 // A face as the game's sweep takes it: flat, and grown by the player's radius at each edge.
 struct Obstacle {
@@ -171,7 +170,7 @@ private:
         Vec3 move{0, 0, -fall * unit_};
         grid_.Find(Box{ball, ball}.Grown((2 * RADIUS + fall) * unit_), 0, found_);
         double lastUp = 0;
-        for (int pass = 0; pass < PASSES_MAX; ++pass) {
+        for (int pass = 0; pass < MOVE_PASSES_MAX; ++pass) {
             const auto hit = std::find_if(found_.begin(), found_.end(), [&](int i) {
                 return obstacles_[static_cast<size_t>(i)].Stops(ball, ball + move, unit_, rounding_);
             });
