@@ -31,14 +31,8 @@
 
 namespace {
 
-// A sanitized build draws twenty times as slowly.
-#ifdef TARNWICK_SANITIZED
-constexpr uint8_t RENDERERS = 1;
-constexpr int FRAMES = 28;
-#else
 constexpr uint8_t RENDERERS = 2;
 constexpr int FRAMES = 40;
-#endif
 
 class Between : public testing::Test {
 protected:

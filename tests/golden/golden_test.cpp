@@ -86,18 +86,12 @@ TEST_P(Golden, FramesAreAsRecorded) {
 }
 
 TEST_P(Golden, FramesAreFilledPixelByPixel) {
-#ifdef TARNWICK_SANITIZED
-    GTEST_SKIP() << "takes a minute here; polygons of every kind are filled in render's tests";
-#endif
     Play("software", "tests/fill_checker");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_NE(result.output.find("up to frame 200"), std::string::npos) << result.output;
 }
 
 TEST_P(Golden, FramesOfTheCpuBoardAreAsRecordedAndOfTheGpuBoardTheSame) {
-#ifdef TARNWICK_SANITIZED
-    GTEST_SKIP() << "hundreds of pictures take minutes here";
-#endif
     const std::map<std::string, Image> cpu = Play("accelerator --board cpu");
     ASSERT_GE(cpu.size(), 4u) << result.errors;
     for (const auto& [name, picture] : cpu) {

@@ -15,16 +15,6 @@ namespace {
 const std::string FOLDER = SOURCE_FOLDER "/tests/replay/";
 const std::string DATA = "--data '" SOURCE_FOLDER "/tests/levels/data' ";
 
-// A sanitized build draws twenty times as slowly: there a short recording and the end of another are drawn, and of the
-// others the state counts.
-std::string DrawnFrom([[maybe_unused]] const std::string& name) {
-#ifdef TARNWICK_SANITIZED
-    if (name == "keys_accelerator") return " --from 290";
-    if (name != "again") return " --from 1000000";
-#endif
-    return "";
-}
-
 std::vector<std::string> Recordings() {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(FOLDER))
@@ -41,7 +31,7 @@ class Recorded : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Play, Recorded, testing::ValuesIn(Recordings()), [](const auto& row) { return row.param; });
 
 TEST_P(Recorded, IsPlayedTheSame) {
-    const ProgramResult result = ProgramRun().Run(DATA + "--replay " + FileOf(GetParam()) + DrawnFrom(GetParam()));
+    const ProgramResult result = ProgramRun().Run(DATA + "--replay " + FileOf(GetParam()));
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.errors.ends_with(" frames, all as recorded\n")) << result.errors;
 }
@@ -49,7 +39,7 @@ TEST_P(Recorded, IsPlayedTheSame) {
 // A replay answers the game with what was recorded and draws in the usual size: no setting may reach it.
 TEST_P(Recorded, IsPlayedTheSameWithEverySettingOn) {
 #ifdef TARNWICK_SANITIZED
-    GTEST_SKIP() << "hundreds of pictures take minutes here";
+    GTEST_SKIP() << "thousands of larger pictures take minutes here";
 #endif
     const ProgramRun program;
     program.Write("on.txt",
@@ -140,12 +130,7 @@ TEST_F(Replay, NamesTheFirstFrameAndFieldThatDiffer) {
 }
 
 TEST_F(Replay, WhatIsNotDrawnChangesNothingThatFollows) {
-#ifdef TARNWICK_SANITIZED
-    const std::vector<const char*> names = {"again"};  // the other has pictures of 300 frames
-#else
-    const std::vector<const char*> names = {"keys", "again"};
-#endif
-    for (const char* name : names) {
+    for (const char* name : {"keys", "again"}) {
         std::vector<std::string> frames[2];
         for (const uint32_t from : {1u, 50u}) {
             program.Run(DATA + "--replay " + FileOf(name) + " --trace t.jsonl --from " + std::to_string(from));
