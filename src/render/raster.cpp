@@ -1,6 +1,5 @@
 #include "render/raster.h"
 
-#include "math/convert.h"
 #include "render/device/device.h"
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
@@ -8,6 +7,8 @@
 #include "world/world_tables.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstddef>
 #include <cstring>
 
 EdgeRow EdgeTable[EDGE_TABLE_ROWS];
@@ -18,80 +19,123 @@ bool UseAvx2Spans = HasAvx2();
 
 namespace {
 
-constexpr int CORNERS_MAX = 255;
-
-// Four floats that are stepped together; each gives the same bits as a plain float.
-typedef float Float4 __attribute__((vector_size(16)));
-
-struct EdgePoint {
-    int32_t x, y;      // 16.16 pixels
-    int32_t row;       // first row at or below y
-    Float4 overDepth;  // u, v, light and 1, each divided by depth
-};
-
-EdgePoint MakeEdgePoint(const PolyVertex& corner) {
-    const ViewPoint& view = WorldGeometry.viewPoints[corner.point];
-    const float inverse = view.inverseDepth;
-    return {view.screen.fixed.x, view.screen.fixed.y, CeilFixed(view.screen.fixed.y),
-            Float4{corner.u * inverse, corner.v * inverse, corner.intensity * inverse, inverse}};
+int GroupCount(const PolyRecord& polygon) {
+    return (polygon.cornerCount + LANE_COUNT - 1) / LANE_COUNT;
 }
 
-struct Edge {
-    const EdgePoint *top, *bottom;
-    EdgeHalf EdgeRow::*side;
+// The number of a polygon's corner; behind the last one comes the first.
+int CornerNumber(const PolyRecord& polygon, int number) {
+    return number < polygon.cornerCount ? number : 0;
+}
+
+// The corners' points as they lie in WorldGeometry.
+void CollectCorners(const PolyRecord& polygon, ScreenCorners* corners) {
+    static_assert(offsetof(ViewPoint, inverseDepth) == offsetof(ViewPoint, projectionStamp) + 12);
+    const PolyVertex* const vertices = WorldGeometry.polyVertices + polygon.firstVertex;
+    for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT, ++corners) {
+        Int4 points[LANE_COUNT];
+        for (int lane = 0; lane < LANE_COUNT; ++lane) {
+            const PolyVertex& vertex = vertices[CornerNumber(polygon, i + lane)];
+            points[lane] = LoadLanes<Int4>(&WorldGeometry.viewPoints[vertex.point].projectionStamp);
+            corners->intensity[lane] = vertex.intensity;
+        }
+        Transpose(points[0], points[1], points[2], points[3]);
+        corners->x = points[1];
+        corners->y = points[2];
+        corners->inverseDepth = reinterpret_cast<Float4>(points[3]);
+    }
+}
+
+// u, v, light and 1 of each corner, divided by depth.
+void DivideByDepth(const PolyRecord& polygon, const ScreenCorners* corners, Float4* overDepth) {
+    static_assert(offsetof(PolyVertex, u) == 4 && offsetof(PolyVertex, v) == 8);
+    const PolyVertex* const vertices = WorldGeometry.polyVertices + polygon.firstVertex;
+    for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT, ++corners, overDepth += LANE_COUNT) {
+        Float4 point = LoadLanes<Float4>(vertices + i);
+        Float4 u = LoadLanes<Float4>(vertices + CornerNumber(polygon, i + 1));
+        Float4 v = LoadLanes<Float4>(vertices + CornerNumber(polygon, i + 2));
+        Float4 intensity = LoadLanes<Float4>(vertices + CornerNumber(polygon, i + 3));
+        Transpose(point, u, v, intensity);
+        overDepth[0] = u * corners->inverseDepth;
+        overDepth[1] = v * corners->inverseDepth;
+        overDepth[2] = corners->intensity * corners->inverseDepth;
+        overDepth[3] = corners->inverseDepth;
+        Transpose(overDepth[0], overDepth[1], overDepth[2], overDepth[3]);
+    }
+}
+
+Int4 CeilRows(Int4 fixed) {
+    return (fixed >> 16) - ((fixed & 0xFFFF) > 0);
+}
+
+// Four edges, each from its upper to its lower end.
+struct Edges {
+    int32_t row[LANE_COUNT], endRow[LANE_COUNT];  // the rows that they cover, those above the frame included
+    uint32_t x[LANE_COUNT], xStep[LANE_COUNT];    // in the first row, and from row to row; 16.16 pixels
+    float preStep[LANE_COUNT];                    // rows from the upper end to the first row
+    float perRow[LANE_COUNT];                     // 1 / height
+    int rising;                                   // a bit a lane, set where the polygon's edge leads upwards
+    int listed;                                   // a bit a lane, set where a row from FirstRow to EndRow is covered
 };
 
-// Lists the edges that cover a row from FirstRow to EndRow, without a branch, since no processor could predict it.
-int ListEdges(const EdgePoint* points, int count, Edge* edges) {
-    int listed = 0;
-    for (int i = 0; i < count; ++i) {
-        const EdgePoint* const from = points + i;
-        const EdgePoint* const to = points + (i + 1 < count ? i + 1 : 0);
-        const bool rises = to->y < from->y;
-        const Edge edge = {rises ? to : from, rises ? from : to, rises ? &EdgeRow::right : &EdgeRow::left};
-        const int32_t row = std::max(edge.top->row, FirstRow);
-        edges[listed] = edge;
-        listed += row < std::min(edge.bottom->row, EndRow) ? 1 : 0;
-    }
-    return listed;
+// The edges from four corners to the corners that follow them.
+void SetUpEdges(const ScreenCorners& from, const ScreenCorners& next, Edges& edges) {
+    const Int4 toX = __builtin_shufflevector(from.x, next.x, 1, 2, 3, 4);
+    const Int4 toY = __builtin_shufflevector(from.y, next.y, 1, 2, 3, 4);
+    const Int4 rises = toY < from.y;
+    const Int4 topX = rises ? toX : from.x, bottomX = rises ? from.x : toX;
+    const Int4 topY = rises ? toY : from.y, bottomY = rises ? from.y : toY;
+    const Int4 topRow = CeilRows(topY), bottomRow = CeilRows(bottomY);
+    edges.listed = Bits((topRow < bottomRow) & (topRow < EndRow) & (bottomRow > FirstRow));
+    if (edges.listed == 0) return;
+    edges.rising = Bits(rises);
+    const Float4 preStep = ToFloats((0x10000 - (topY & 0xFFFF)) & 0xFFFF) * (1.0f / 65536);
+    const Float4 perRow = 65536.0f / Difference(bottomY, topY);
+    const Float4 slope = Difference(bottomX, topX) * perRow;
+    StoreLanes(edges.row, topRow);
+    StoreLanes(edges.endRow, bottomRow);
+    StoreLanes(edges.x, RoundToInts(ToFloats(topX) + slope * preStep));
+    StoreLanes(edges.xStep, RoundToInts(slope));
+    StoreLanes(edges.preStep, preStep);
+    StoreLanes(edges.perRow, perRow);
 }
 
 // Writes one edge into the rows it covers. It steps through the rows above the frame, too: starting further down would
 // change the bits of the rows inside.
-void WalkEdge(const Edge& edge) {
-    const EdgePoint& top = *edge.top;
-    const EdgePoint& bottom = *edge.bottom;
-    const int32_t endRow = std::min(bottom.row, EndRow);
-    const float preStep = static_cast<float>(int64_t{top.row} * 65536 - top.y) / 65536;
-    const float perRow = 65536 / static_cast<float>(int64_t{bottom.y} - top.y);
-    const float slope = static_cast<float>(int64_t{bottom.x} - top.x) * perRow;
-    const uint32_t xStep = static_cast<uint32_t>(RoundToInt(slope));
-    uint32_t x = static_cast<uint32_t>(RoundToInt(static_cast<float>(top.x) + slope * preStep));
-    const Float4 step = (bottom.overDepth - top.overDepth) * perRow;
-    Float4 value = top.overDepth + step * preStep;
-    int32_t row = top.row;
+void WalkEdge(const Edges& edges, int lane, const Float4& top, const Float4& bottom, EdgeHalf EdgeRow::*side) {
+    const Float4 step = (bottom - top) * edges.perRow[lane];
+    Float4 value = top + step * edges.preStep[lane];
+    uint32_t x = edges.x[lane];
+    const uint32_t xStep = edges.xStep[lane];
+    const int32_t endRow = std::min(edges.endRow[lane], EndRow);
+    int32_t row = edges.row[lane];
     for (; row < FirstRow; row++, x += xStep)
         value += step;
     for (; row < endRow; row++, x += xStep) {
-        EdgeHalf& half = EdgeTable[row].*edge.side;
+        EdgeHalf& half = EdgeTable[row].*side;
         half.x = static_cast<int32_t>(x);
-        std::memcpy(&half.u, &value, sizeof(value));
+        StoreLanes(&half.u, value);
         value += step;
     }
 }
 
-void WalkEdges(const EdgePoint* points, int count) {
-    Edge edges[CORNERS_MAX];
-    const int listed = ListEdges(points, count, edges);
-    for (int i = 0; i < listed; ++i)
-        WalkEdge(edges[i]);
-}
-
-int MakeEdgePoints(const PolyRecord& polygon, EdgePoint* points) {
-    const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    for (int i = 0; i < polygon.cornerCount; ++i)
-        points[i] = MakeEdgePoint(corners[i]);
-    return polygon.cornerCount;
+void WalkEdges(const PolyRecord& polygon, const ScreenCorners* corners) {
+    Float4 overDepth[SCREEN_CORNERS_MAX * LANE_COUNT];
+    DivideByDepth(polygon, corners, overDepth);
+    for (int group = 0; group < GroupCount(polygon); ++group) {
+        Edges edges;
+        SetUpEdges(corners[group], corners[group + 1 < GroupCount(polygon) ? group + 1 : 0], edges);
+        for (unsigned left = static_cast<unsigned>(edges.listed); left != 0; left &= left - 1) {
+            const int lane = std::countr_zero(left);
+            const int number = group * LANE_COUNT + lane;
+            const Float4& from = overDepth[number];
+            const Float4& to = overDepth[CornerNumber(polygon, number + 1)];
+            if ((edges.rising >> lane & 1) != 0)
+                WalkEdge(edges, lane, to, from, &EdgeRow::right);
+            else
+                WalkEdge(edges, lane, from, to, &EdgeRow::left);
+        }
+    }
 }
 
 void FillRows(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZero, CoverRow* cover) {
@@ -104,17 +148,20 @@ void FillRows(const EdgeRows& rows, const SpanTexture& texture, TexelZero texelZ
 bool isNearestFirst;
 CoverRow cover[COVER_ROWS];
 
-ScreenBounds BoundsOf(const PolyRecord& polygon) {
-    const PolyVertex* corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    ScreenBounds bounds = {INT32_MAX, INT32_MIN, INT32_MAX, INT32_MIN};
-    for (int i = 0; i < polygon.cornerCount; ++i) {
-        const auto point = WorldGeometry.viewPoints[corners[i].point].screen.fixed;
-        bounds.left = std::min(bounds.left, point.x);
-        bounds.right = std::max(bounds.right, point.x);
-        bounds.top = std::min(bounds.top, point.y);
-        bounds.bottom = std::max(bounds.bottom, point.y);
+ScreenBounds BoundsOf(const PolyRecord& polygon, const ScreenCorners* corners) {
+    constexpr int32_t LEAST = INT32_MIN, MOST = INT32_MAX;
+    Int4 left = Int4{} + MOST, right = Int4{} + LEAST, top = left, bottom = right;
+    for (int i = 0; i < GroupCount(polygon); ++i) {
+        left = Least(left, corners[i].x);
+        right = Greatest(right, corners[i].x);
+        top = Least(top, corners[i].y);
+        bottom = Greatest(bottom, corners[i].y);
     }
-    return bounds;
+    right = ~right;  // turns the order round
+    bottom = ~bottom;
+    Transpose(left, right, top, bottom);
+    const Int4 least = Least(Least(left, right), Least(top, bottom));
+    return {least[0], ~least[1], least[2], ~least[3]};
 }
 
 struct Columns {
@@ -153,20 +200,27 @@ bool FindRows(const ScreenBounds& bounds) {
 // The polygon that FirstRow and EndRow belong to.
 const PolyRecord* polygonWithRows;
 
-bool FindRows(const PolyRecord& polygon) {
+bool FindRows(const PolyRecord& polygon, const ScreenCorners* corners) {
     const bool isKnown = polygonWithRows == &polygon;
     polygonWithRows = nullptr;
-    return isKnown || FindRows(BoundsOf(polygon));
+    return isKnown || FindRows(BoundsOf(polygon, corners));
 }
 
-void RasterTextured(const PolyRecord* polygon, TexelZero texelZero) {
-    const TextureRecord* record = PolygonTexture(*polygon);
-    if (record == nullptr || FrameBuffer == nullptr) return;
-    if (texelZero == TexelZero::Skipped && record->isEmpty == 1) return;
-    const uint32_t mask = (record->height - 1u) * TEXTURE_PAGE_PITCH + (record->width - 1u);
-    const SpanTexture texture = {TextureImage + record->texelOffset, mask};
-    if (!BuildEdgeTable(polygon)) return;
-    FillRows({EdgeTable, FirstRow, EndRow}, texture, texelZero, isNearestFirst ? cover : nullptr);
+void RasterTextured(const PolyRecord& polygon, const ScreenCorners* corners, const TextureRecord& texture,
+                    TexelZero texelZero) {
+    if (FrameBuffer == nullptr || !FindRows(polygon, corners)) return;
+    WalkEdges(polygon, corners);
+    const uint32_t mask = (texture.height - 1u) * TEXTURE_PAGE_PITCH + (texture.width - 1u);
+    FillRows({EdgeTable, FirstRow, EndRow}, {TextureImage + texture.texelOffset, mask}, texelZero,
+             isNearestFirst ? cover : nullptr);
+}
+
+void RasterTextured(const PolyRecord& polygon, TexelZero texelZero) {
+    const TextureRecord* texture = PolygonTexture(polygon);
+    if (texture == nullptr || (texelZero == TexelZero::Skipped && texture->isEmpty == 1)) return;
+    ScreenCorners corners[SCREEN_CORNERS_MAX];
+    CollectCorners(polygon, corners);
+    RasterTextured(polygon, corners, *texture, texelZero);
 }
 
 }  // namespace
@@ -187,18 +241,23 @@ void BuildReciprocalTable() {
 }
 
 bool BuildEdgeTable(const PolyRecord* polygon) {
-    if (!FindRows(*polygon)) return false;
-    EdgePoint points[CORNERS_MAX];
-    WalkEdges(points, MakeEdgePoints(*polygon, points));
+    ScreenCorners corners[SCREEN_CORNERS_MAX];
+    CollectCorners(*polygon, corners);
+    if (!FindRows(*polygon, corners)) return false;
+    WalkEdges(*polygon, corners);
     return true;
 }
 
 void RasterPolygon(const PolyRecord* polygon) {
-    RasterTextured(polygon, TexelZero::Drawn);
+    RasterTextured(*polygon, TexelZero::Drawn);
 }
 
 void RasterPolygonTransparent(const PolyRecord* polygon) {
-    RasterTextured(polygon, TexelZero::Skipped);
+    RasterTextured(*polygon, TexelZero::Skipped);
+}
+
+void RasterCorners(const PolyRecord& polygon, const ScreenCorners* corners, const TextureRecord& texture) {
+    RasterTextured(polygon, corners, texture, texture.isTransparent == 1 ? TexelZero::Skipped : TexelZero::Drawn);
 }
 
 bool BeginNearestFirst() {

@@ -5,14 +5,26 @@
 // the nearest, ties to even; integer steps wrap.
 #pragma once
 
+#include "math/lanes.h"
+#include "records/texture_records.h"
 #include "records/world_records.h"
-
-#include <cstdint>
 
 void BuildReciprocalTable();                     // once a game, before anything is drawn
 bool BuildEdgeTable(const PolyRecord* polygon);  // false: no row of the frame is covered
 void RasterPolygon(const PolyRecord* polygon);
 void RasterPolygonTransparent(const PolyRecord* polygon);  // texel 0 leaves the frame as it is
+
+// Four corners of a polygon on the screen. Where a polygon has fewer left, its first corner stands in the other lanes.
+struct ScreenCorners {
+    Int4 x, y;            // 16.16 pixels
+    Float4 inverseDepth;  // 1 / depth
+    Float4 intensity;     // as PolyVertex.intensity
+};
+constexpr int SCREEN_CORNERS_MAX = 64;  // enough for 255 corners
+
+// Draws a polygon whose corners are not in WorldGeometry.viewPoints; texel 0 of a transparent texture leaves the frame
+// as it is.
+void RasterCorners(const PolyRecord& polygon, const ScreenCorners* corners, const TextureRecord& texture);
 
 // The software renderer draws a frame from the nearest polygon to the farthest, each only where none before it has
 // been: the same picture as the other way round, without the work that nobody sees. Who draws polygons between these

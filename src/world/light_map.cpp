@@ -62,26 +62,28 @@ void ReadLevelValues() {
     ReadColour(DarkColour);
 }
 
-float DistanceFade(uint32_t point) {
-    if (GlideActive()) return 1.0f;
-    if (!(FadeDistance > 0.0f)) return 0.0f;
-    float z = WorldGeometry.viewPoints[point].z;
-    if (z > FadeDistance) {
-        z = FadeDistance;
-    } else if (z < NEAREST_FADE) {
-        z = NEAREST_FADE;
-    }
-    return 1.0f - z / FadeDistance;
+Float4 DistanceFade(Float4 z) {
+    if (GlideActive()) return Float4{} + 1.0f;
+    if (!(FadeDistance > 0.0f)) return Float4{};
+    const Float4 nearest = z < NEAREST_FADE ? Float4{} + NEAREST_FADE : z;
+    return 1.0f - (z > FadeDistance ? Float4{} + FadeDistance : nearest) / FadeDistance;
 }
 
-float LevelToIntensity(float level) {
-    if (!(level > 0.0f)) return IntensityTable[0];  // also when level is not a number
-    if (level > BRIGHTEST_LEVEL) return IntensityTable[BRIGHTEST_LEVEL];
-    return IntensityTable[static_cast<int32_t>(level)];
+// Levels that are not numbers count as 0.
+Float4 LevelToIntensity(Float4 level) {
+    constexpr float BRIGHTEST = BRIGHTEST_LEVEL;
+    const Int4 entries = TruncToInts(Least(Greatest(level, Float4{}), Float4{} + BRIGHTEST));
+    return Float4{IntensityTable[entries[0]], IntensityTable[entries[1]], IntensityTable[entries[2]],
+                  IntensityTable[entries[3]]};
 }
 
-float LightToIntensity(int8_t raw, float fade) {
-    return LevelToIntensity((LightBias + static_cast<float>(raw) * LightScale) * fade);
+Float4 LightToIntensity(Int4 raw, Float4 z) {
+    return LevelToIntensity((LightBias + ToFloats(raw) * LightScale) * DistanceFade(z));
+}
+
+// The same of one point.
+float LightToIntensity(int8_t raw, float z) {
+    return LightToIntensity(Int4{raw, 0, 0, 0}, Float4{z, 0, 0, 0})[0];
 }
 
 // Polygons beyond the table have no light bytes of their own: 0.
@@ -90,12 +92,23 @@ int8_t CornerLightByte(uint32_t entry) {
     return WorldGeometry.cornerLightStamps[entry] == FrameCount ? CornerLight[entry] : CornerLightBase[entry];
 }
 
+int8_t PointLightByte(uint32_t point) {
+    const bool isRaised = WorldGeometry.pointLightStamps[point] == FrameCount;
+    return isRaised ? WorldGeometry.pointLight[point] : WorldGeometry.pointLightBase[point];
+}
+
+// Kept as it is: a polygon with more than eight corners reads the bytes of the next one.
+int8_t LightByte(uint32_t polygon, int corner) {
+    const PolyRecord& record = WorldGeometry.polygons[polygon];
+    if (record.shading == SHADE_POINT_LIGHT)
+        return PointLightByte(WorldGeometry.polyVertices[record.firstVertex + corner].point);
+    return CornerLightByte(polygon * 8 + static_cast<uint32_t>(corner));
+}
+
 float PointIntensity(uint32_t point) {
     if (IntensityCacheStamps[point] != FrameCount) {
-        const bool raised = WorldGeometry.pointLightStamps[point] == FrameCount;
-        const int8_t raw = raised ? WorldGeometry.pointLight[point] : WorldGeometry.pointLightBase[point];
         IntensityCacheStamps[point] = FrameCount;
-        IntensityCache[point] = LightToIntensity(raw, DistanceFade(point));
+        IntensityCache[point] = LightToIntensity(PointLightByte(point), WorldGeometry.viewPoints[point].z);
     }
     return IntensityCache[point];
 }
@@ -123,18 +136,20 @@ void ApplyLightLevel() {
 void ShadePolygon(int32_t polygon) {
     const PolyRecord& record = WorldGeometry.polygons[polygon];
     PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
-    const int count = record.cornerCount;
-    if (record.shading == SHADE_CORNER_LIGHT) {
-        // Kept as it is: a polygon with more than eight corners reads the bytes of the next one.
-        const uint32_t firstEntry = static_cast<uint32_t>(polygon) * 8;
-        for (int k = 0; k < count; ++k) {
-            const int8_t raw = CornerLightByte(firstEntry + static_cast<uint32_t>(k));
-            corners[k].intensity = LightToIntensity(raw, DistanceFade(corners[k].point));
-        }
-    } else if (record.shading == SHADE_POINT_LIGHT) {
-        for (int k = 0; k < count; ++k)
-            corners[k].intensity = PointIntensity(corners[k].point);
+    for (int k = 0; k < record.cornerCount; ++k) {
+        const uint32_t point = corners[k].point;
+        if (record.shading == SHADE_CORNER_LIGHT)
+            corners[k].intensity =
+                LightToIntensity(LightByte(static_cast<uint32_t>(polygon), k), WorldGeometry.viewPoints[point].z);
+        else if (record.shading == SHADE_POINT_LIGHT)
+            corners[k].intensity = PointIntensity(point);
     }
+}
+
+Float4 CornerIntensities(uint32_t polygon, int first, Float4 depths) {
+    const int count = WorldGeometry.polygons[polygon].cornerCount;
+    const auto raw = [&](int corner) { return LightByte(polygon, corner < count ? corner : 0); };
+    return LightToIntensity(Int4{raw(first), raw(first + 1), raw(first + 2), raw(first + 3)}, depths);
 }
 
 void ShadeCharacterPoint(uint32_t point) {
@@ -145,5 +160,6 @@ void ShadeCharacterPoint(uint32_t point) {
         const float d = light.direction.x * normal.x + light.direction.y * normal.y + light.direction.z * normal.z;
         if (d > 0.0f) sum += light.strength * LightScale * d * NEUTRAL_LEVEL;
     }
-    IntensityCache[point] = LevelToIntensity((LightBias + sum) * DistanceFade(point));
+    const float z = WorldGeometry.viewPoints[point].z;
+    IntensityCache[point] = LevelToIntensity((LightBias + sum) * DistanceFade(Float4{z, 0, 0, 0}))[0];
 }

@@ -9,7 +9,7 @@
 // otherwise its base byte does.
 #pragma once
 
-#include <cstdint>
+#include "math/lanes.h"
 
 // A missing file changes nothing. FatalError(0, "Not a valid light map file", path): too short, or more bytes than
 // there are points or CornerLight entries. Prints "LightMode = %d \n". With the accelerator the file's distances and
@@ -18,6 +18,10 @@ void LoadLightMap(const char* path);
 
 void ApplyLightLevel();              // LightScale and LightBias from LightLevel, LightContrast, LightMode
 void ShadePolygon(int32_t polygon);  // the intensity of each PolyVertex, from the ViewPoints of its points
+
+// The same of four corners that lie at these depths, from corner `first` on, with the first corner behind the last one.
+// They are not written anywhere.
+Float4 CornerIntensities(uint32_t polygon, int first, Float4 depths);
 
 // A character point's intensity from CharacterLightList and its normal, into the intensity cache; DrawActor copies it
 // into the polygon vertices of the next drawing.

@@ -5,6 +5,7 @@
 #include "render/raster_spans.h"
 #include "render/render_tables.h"
 #include "support/plain_fill.h"
+#include "world/world_tables.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -14,10 +15,14 @@
 // The linker gives the calls of the game to the second half, and the names of the first half to the game's functions.
 void RealPolygon(const PolyRecord*) __asm__("__real__Z13RasterPolygonPK10PolyRecord");
 void RealTransparent(const PolyRecord*) __asm__("__real__Z24RasterPolygonTransparentPK10PolyRecord");
+void RealCorners(const PolyRecord&, const ScreenCorners*, const TextureRecord&) __asm__(
+    "__real__Z13RasterCornersRK10PolyRecordPK13ScreenCornersRK13TextureRecord");
 bool RealBegin() __asm__("__real__Z17BeginNearestFirstv");
 void RealEnd() __asm__("__real__Z15EndNearestFirstv");
 void OnPolygon(const PolyRecord*) __asm__("__wrap__Z13RasterPolygonPK10PolyRecord");
 void OnTransparent(const PolyRecord*) __asm__("__wrap__Z24RasterPolygonTransparentPK10PolyRecord");
+void OnCorners(const PolyRecord&, const ScreenCorners*, const TextureRecord&) __asm__(
+    "__wrap__Z13RasterCornersRK10PolyRecordPK13ScreenCornersRK13TextureRecord");
 bool OnBegin() __asm__("__wrap__Z17BeginNearestFirstv");
 void OnEnd() __asm__("__wrap__Z15EndNearestFirstv");
 
@@ -69,6 +74,21 @@ void OnPolygon(const PolyRecord* polygon) {
 void OnTransparent(const PolyRecord* polygon) {
     DrawPlainly(*polygon, true);
     RealTransparent(polygon);
+}
+
+// The plain fill reads the corners in WorldGeometry.
+void OnCorners(const PolyRecord& polygon, const ScreenCorners* corners, const TextureRecord& texture) {
+    for (int i = 0; i < polygon.cornerCount; ++i) {
+        const ScreenCorners& group = corners[i / LANE_COUNT];
+        const int lane = i % LANE_COUNT;
+        PolyVertex& vertex = WorldGeometry.polyVertices[polygon.firstVertex + i];
+        ViewPoint& point = WorldGeometry.viewPoints[vertex.point];
+        vertex.intensity = group.intensity[lane];
+        point.screen.fixed = {group.x[lane], group.y[lane]};
+        point.inverseDepth = group.inverseDepth[lane];
+    }
+    DrawPlainly(polygon, texture.isTransparent == 1);
+    RealCorners(polygon, corners, texture);
 }
 
 void OnEnd() {

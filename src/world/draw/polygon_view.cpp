@@ -1,19 +1,16 @@
 #include "world/draw/polygon_view.h"
 
 #include "camera/camera_tables.h"
-#include "math/convert.h"
 #include "platform/timer.h"
 #include "render/projection.h"
 #include "world/draw/outcodes.h"
+#include "world/light_map.h"
 #include "world/world_tables.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace {
 
-constexpr int GROUP = 4;
 constexpr float FAR_AWAY = 1 << 30;  // 16.16 pixels
 
 struct ViewColumns {
@@ -22,56 +19,16 @@ struct ViewColumns {
 };
 ViewColumns matrix;
 
-// One bit a lane, set where all bits of the lane are.
-int Bits(Int4 mask) {
-#ifdef __x86_64__
-    return _mm_movemask_ps(reinterpret_cast<__m128>(mask));
-#else
-    int bits = 0;
-    for (int lane = 0; lane < GROUP; ++lane)
-        bits |= (mask[lane] & 1) << lane;
-    return bits;
-#endif
-}
-
-Int4 TruncToInts(Float4 values) {
-#ifdef __x86_64__
-    return reinterpret_cast<Int4>(_mm_cvttps_epi32(values));
-#else
-    return Int4{TruncToInt(values[0]), TruncToInt(values[1]), TruncToInt(values[2]), TruncToInt(values[3])};
-#endif
-}
-
-Float4 Load(const void* floats) {
-    Float4 values;
-    std::memcpy(&values, floats, sizeof values);
-    return values;
-}
-
-void Store(void* bytes, Float4 values) {
-    std::memcpy(bytes, &values, sizeof values);
-}
-
-// Exchanges rows and columns.
-void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
-    const Float4 lowAb = __builtin_shufflevector(a, b, 0, 4, 1, 5), highAb = __builtin_shufflevector(a, b, 2, 6, 3, 7);
-    const Float4 lowCd = __builtin_shufflevector(c, d, 0, 4, 1, 5), highCd = __builtin_shufflevector(c, d, 2, 6, 3, 7);
-    a = __builtin_shufflevector(lowAb, lowCd, 0, 1, 4, 5);
-    b = __builtin_shufflevector(lowAb, lowCd, 2, 3, 6, 7);
-    c = __builtin_shufflevector(highAb, highCd, 0, 1, 4, 5);
-    d = __builtin_shufflevector(highAb, highCd, 2, 3, 6, 7);
-}
-
 Float4 Turned(const float (&row)[3], float translation, Float4 x, Float4 y, Float4 z) {
     return x * row[0] + y * row[1] + z * row[2] + translation;
 }
 
-void Turn(const PolyVertex* const (&corners)[GROUP], CornerGroup& group) {
+void Turn(const PolyVertex* const (&corners)[LANE_COUNT], CornerGroup& group) {
     static_assert(offsetof(WorldPoint, normal) == sizeof(Vec3), "there is something behind a position to be read");
-    Float4 x = Load(&WorldGeometry.points[corners[0]->point]);
-    Float4 y = Load(&WorldGeometry.points[corners[1]->point]);
-    Float4 z = Load(&WorldGeometry.points[corners[2]->point]);
-    Float4 rest = Load(&WorldGeometry.points[corners[3]->point]);
+    Float4 x = LoadLanes<Float4>(&WorldGeometry.points[corners[0]->point]);
+    Float4 y = LoadLanes<Float4>(&WorldGeometry.points[corners[1]->point]);
+    Float4 z = LoadLanes<Float4>(&WorldGeometry.points[corners[2]->point]);
+    Float4 rest = LoadLanes<Float4>(&WorldGeometry.points[corners[3]->point]);
     Transpose(x, y, z, rest);
     group.x = Turned(matrix.x, matrix.translation.x, x, y, z);
     group.y = Turned(matrix.y, matrix.translation.y, x, y, z);
@@ -92,36 +49,35 @@ struct LaneBounds {
     Float4 left, right, top, bottom;
 };
 
-Float4 Least(Float4 a, Float4 b) {
-    return a < b ? a : b;
-}
-
-Float4 Greatest(Float4 a, Float4 b) {
-    return a > b ? a : b;
-}
-
-bool IsNear(Float4 x, Float4 y) {
-    return Bits((x < FAR_AWAY) & (x > -FAR_AWAY) & (y < FAR_AWAY) & (y > -FAR_AWAY)) == 0xF;
-}
-
-void Project(CornerGroup& group, LaneBounds& bounds, PolygonView& view) {
+// Lanes in which a coordinate does not fit an integer, or is not a number.
+Int4 Project(const CornerGroup& group, ScreenCorners& screen, LaneBounds& bounds) {
     const Float4 inverse = group.z < NEAREST_DEPTH ? Float4{} : 1.0f / group.z;
     const Float4 x = ScreenX(group.x, inverse) * 65536.0f;
     const Float4 y = ScreenY(group.y, inverse) * 65536.0f;
-    group.screenX = TruncToInts(x);
-    group.screenY = TruncToInts(y);
-    group.inverseDepth = inverse;
-    view.isOnScreen &= IsNear(x, y);
+    screen.x = TruncToInts(x);
+    screen.y = TruncToInts(y);
+    screen.inverseDepth = inverse;
     bounds = {Least(bounds.left, x), Greatest(bounds.right, x), Least(bounds.top, y), Greatest(bounds.bottom, y)};
+    return (screen.x == INT32_MIN) | (screen.y == INT32_MIN);
 }
 
-// The bounds of all lanes. Truncating them afterwards is right, since truncation keeps the order.
-ScreenBounds Joined(LaneBounds lanes) {
+// The bounds of all lanes, or false where they are far away. Truncating them afterwards is right, since truncation
+// keeps the order.
+bool Join(LaneBounds lanes, ScreenBounds& bounds) {
     lanes.right = -lanes.right;
     lanes.bottom = -lanes.bottom;
     Transpose(lanes.left, lanes.right, lanes.top, lanes.bottom);
-    const Int4 least = TruncToInts(Least(Least(lanes.left, lanes.right), Least(lanes.top, lanes.bottom)));
-    return {least[0], -least[1], least[2], -least[3]};
+    const Float4 least = Least(Least(lanes.left, lanes.right), Least(lanes.top, lanes.bottom));
+    if (Bits(least > -FAR_AWAY) != 0xF) return false;
+    const Int4 fixed = TruncToInts(least);
+    bounds = {fixed[0], -fixed[1], fixed[2], -fixed[3]};
+    return true;
+}
+
+template <typename Combine>
+uint8_t Joined(Int4 lanes, Combine combine) {
+    const Int4 halves = combine(lanes, __builtin_shufflevector(lanes, lanes, 2, 3, 0, 1));
+    return static_cast<uint8_t>(combine(halves, __builtin_shufflevector(halves, halves, 1, 0, 3, 2))[0]);
 }
 
 }  // namespace
@@ -133,25 +89,29 @@ void BeginPolygonViews() {
 
 void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
     const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    const int last = polygon.cornerCount - 1;
-    Int4 outsideAll = Int4{} - 1, outsideAny = {};
-    view.isOnScreen = NearestFirst();
-    const bool projects = view.isOnScreen;
+    const int count = polygon.cornerCount;
+    const auto corner = [&](int number) { return corners + (number < count ? number : 0); };
+    const bool projects = NearestFirst();
     constexpr float MOST = FAR_AWAY;
+    Int4 outsideAll = Int4{} - 1, outsideAny = {}, unfit = {};
     LaneBounds bounds = {Float4{} + MOST, Float4{} - MOST, Float4{} + MOST, Float4{} - MOST};
-    for (int i = 0; i <= last; i += GROUP) {
-        CornerGroup& group = view.groups[i / GROUP];
-        Turn({corners + i, corners + std::min(i + 1, last), corners + std::min(i + 2, last),
-              corners + std::min(i + 3, last)},
-             group);
+    for (int i = 0; i < count; i += LANE_COUNT) {
+        CornerGroup& group = view.groups[i / LANE_COUNT];
+        Turn({corners + i, corner(i + 1), corner(i + 2), corner(i + 3)}, group);
         const Int4 outcodes = Outcodes(group);
         outsideAll &= outcodes;
         outsideAny |= outcodes;
-        if (projects) Project(group, bounds, view);
+        if (projects) unfit |= Project(group, view.screen[i / LANE_COUNT], bounds);
     }
-    view.outsideAll = static_cast<uint8_t>(outsideAll[0] & outsideAll[1] & outsideAll[2] & outsideAll[3]);
-    view.outsideAny = static_cast<uint8_t>(outsideAny[0] | outsideAny[1] | outsideAny[2] | outsideAny[3]);
-    if (view.isOnScreen) view.bounds = Joined(bounds);
+    view.outsideAll = Joined(outsideAll, [](Int4 a, Int4 b) { return a & b; });
+    view.outsideAny = Joined(outsideAny, [](Int4 a, Int4 b) { return a | b; });
+    view.isOnScreen = projects && Join(bounds, view.bounds) && Bits(unfit) == 0;
+}
+
+void ShadeView(uint32_t polygon, PolygonView& view) {
+    const int count = WorldGeometry.polygons[polygon].cornerCount;
+    for (int i = 0; i < count; i += LANE_COUNT)
+        view.screen[i / LANE_COUNT].intensity = CornerIntensities(polygon, i, view.groups[i / LANE_COUNT].z);
 }
 
 void StoreView(const PolyRecord& polygon, const PolygonView& view) {
@@ -160,18 +120,19 @@ void StoreView(const PolyRecord& polygon, const PolygonView& view) {
     const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
     const auto stamp = static_cast<int32_t>(FrameCount);
     const auto stamps = reinterpret_cast<Float4>(Int4{} + stamp);
-    for (int i = 0; i < polygon.cornerCount; i += GROUP) {
-        const CornerGroup& group = view.groups[i / GROUP];
-        Float4 point[GROUP] = {group.x, group.y, group.z, stamps};
+    for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT) {
+        const CornerGroup& group = view.groups[i / LANE_COUNT];
+        const ScreenCorners& onScreen = view.screen[i / LANE_COUNT];
+        Float4 point[LANE_COUNT] = {group.x, group.y, group.z, stamps};
         Transpose(point[0], point[1], point[2], point[3]);
-        Float4 screen[GROUP] = {stamps, reinterpret_cast<Float4>(group.screenX),
-                                reinterpret_cast<Float4>(group.screenY), group.inverseDepth};
+        Float4 screen[LANE_COUNT] = {stamps, reinterpret_cast<Float4>(onScreen.x), reinterpret_cast<Float4>(onScreen.y),
+                                     onScreen.inverseDepth};
         Transpose(screen[0], screen[1], screen[2], screen[3]);
-        for (int lane = 0; lane < GROUP && i + lane < polygon.cornerCount; ++lane) {
+        for (int lane = 0; lane < LANE_COUNT && i + lane < polygon.cornerCount; ++lane) {
             const uint32_t index = corners[i + lane].point;
             ViewPoint& viewPoint = WorldGeometry.viewPoints[index];
-            Store(&viewPoint, point[lane]);
-            if (NearestFirst()) Store(&viewPoint.projectionStamp, screen[lane]);
+            StoreLanes(&viewPoint, point[lane]);
+            if (NearestFirst()) StoreLanes(&viewPoint.projectionStamp, screen[lane]);
             WorldGeometry.outcodes[index] = view.outsideAny == 0 ? uint8_t{0} : Outcode(viewPoint);
         }
     }

@@ -6,23 +6,18 @@
 
 #include <cstdint>
 
-typedef float Float4 __attribute__((vector_size(16)));
-typedef int32_t Int4 __attribute__((vector_size(16)));
-
+// The camera-space coordinates of four corners, as in their ViewPoints.
 struct CornerGroup {
-    Float4 x, y, z;  // the fields of four ViewPoints
-    // As ViewPoint.screen.fixed. These and inverseDepth are valid only where IsProjected.
-    Int4 screenX, screenY;
-    Float4 inverseDepth;
+    Float4 x, y, z;
 };
 
+// In each group: where the polygon has fewer corners left, its first one stands in the other lanes.
 struct PolygonView {
-    // Enough for 255 corners. Where the last group has fewer than four, it repeats the last corner.
-    static constexpr int GROUPS_MAX = 64;
-    CornerGroup groups[GROUPS_MAX];
-    uint8_t outsideAll;  // the bits that are set in the outcodes of all corners
-    uint8_t outsideAny;  // the bits that are set in any corner's outcode
-    bool isOnScreen;     // projected, and all corners so near the frame that bounds holds
+    CornerGroup groups[SCREEN_CORNERS_MAX];
+    ScreenCorners screen[SCREEN_CORNERS_MAX];  // x, y and inverseDepth, only where NearestFirst()
+    uint8_t outsideAll;                        // the bits that are set in the outcodes of all corners
+    uint8_t outsideAny;                        // the bits that are set in any corner's outcode
+    bool isOnScreen;                           // projected, and all corners so near the frame that bounds holds
     ScreenBounds bounds;
 };
 
@@ -30,6 +25,9 @@ struct PolygonView {
 void BeginPolygonViews();
 
 void LookAtPolygon(const PolyRecord& polygon, PolygonView& view);
+
+// Works out the intensities of view.screen, for a polygon that isOnScreen.
+void ShadeView(uint32_t polygon, PolygonView& view);
 
 // Writes the corners into WorldGeometry.viewPoints and outcodes, for the steps that follow.
 void StoreView(const PolyRecord& polygon, const PolygonView& view);

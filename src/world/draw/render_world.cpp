@@ -11,6 +11,7 @@
 #include "render/raster.h"
 #include "render/render_tables.h"
 #include "render/submit.h"
+#include "render/textures.h"
 #include "world/draw/draw_character.h"
 #include "world/draw/polygon_view.h"
 #include "world/world_tables.h"
@@ -195,25 +196,29 @@ void CollectLeaves(int32_t subtree) {
     }
 }
 
-// Counts a hidden polygon as submitted: it needs no shading, but the report counts it like any other.
-void CountHidden() {
+// A polygon that is hidden counts as submitted, like any other.
+void DrawOnScreen(uint32_t number, PolygonView& view) {
+    const PolyRecord& polygon = WorldGeometry.polygons[number];
     SubmittedPolygons++;
+    const TextureRecord* texture = PolygonTexture(polygon);
+    if (texture == nullptr || texture->isEmpty == 1 || IsHidden(polygon, view.bounds)) return;
+    ShadeView(number, view);
+    RasterCorners(polygon, view.screen, *texture);
 }
 
-// Only a polygon that is seen is written into the tables of WorldGeometry.
-void DrawFacingPolygon(uint32_t polygon, bool mayCross) {
-    const PolyRecord& record = WorldGeometry.polygons[polygon];
+// Polygons that need no clipping are drawn straight from their view. Others are written into WorldGeometry.
+void DrawFacingPolygon(uint32_t number, bool mayCross) {
+    const PolyRecord& polygon = WorldGeometry.polygons[number];
     PolygonView view;
-    LookAtPolygon(record, view);
+    LookAtPolygon(polygon, view);
     if (view.outsideAll != 0) return;
     const bool crosses = mayCross && (view.outsideAny & OUT_SIDES) != 0;
-    if (!crosses && view.isOnScreen && IsHidden(record, view.bounds)) return CountHidden();
-    StoreView(record, view);
-    if (crosses) {
-        DrawPolygonClipped(static_cast<int32_t>(polygon), view.outsideAny);
-    } else {
-        DrawPolygon(static_cast<int32_t>(polygon));
-    }
+    if (!crosses && view.isOnScreen) return DrawOnScreen(number, view);
+    StoreView(polygon, view);
+    if (crosses)
+        DrawPolygonClipped(static_cast<int32_t>(number), view.outsideAny);
+    else
+        DrawPolygon(static_cast<int32_t>(number));
 }
 
 // Numbers of polygons that face the camera, in the order they are drawn in.
