@@ -25,6 +25,10 @@ void StoreLanes(void* bytes, Lanes lanes) {
     std::memcpy(bytes, &lanes, sizeof lanes);
 }
 
+inline Float4 All(float number) {
+    return Float4{number, number, number, number};
+}
+
 // One bit a lane, set where all bits of the lane are.
 inline int Bits(Int4 mask) {
 #ifdef __x86_64__

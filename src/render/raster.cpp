@@ -102,7 +102,7 @@ void SetUpEdges(const ScreenCorners& from, const ScreenCorners& next, Edges& edg
 
 // Writes one edge into the rows it covers. It steps through the rows above the frame, too: starting further down would
 // change the bits of the rows inside.
-void WalkEdge(const Edges& edges, int lane, const Float4& top, const Float4& bottom, EdgeHalf EdgeRow::*side) {
+void WalkEdge(const Edges& edges, int lane, const Float4& top, const Float4& bottom) {
     const Float4 step = (bottom - top) * edges.perRow[lane];
     Float4 value = top + step * edges.preStep[lane];
     uint32_t x = edges.x[lane];
@@ -111,10 +111,11 @@ void WalkEdge(const Edges& edges, int lane, const Float4& top, const Float4& bot
     int32_t row = edges.row[lane];
     for (; row < FirstRow; row++, x += xStep)
         value += step;
-    for (; row < endRow; row++, x += xStep) {
-        EdgeHalf& half = EdgeTable[row].*side;
-        half.x = static_cast<int32_t>(x);
-        StoreLanes(&half.u, value);
+    static_assert(sizeof(EdgeRow) == 2 * sizeof(EdgeHalf));
+    EdgeHalf* half = &EdgeTable[row].left + (edges.rising >> lane & 1);
+    for (; row < endRow; row++, half += 2, x += xStep) {
+        half->x = static_cast<int32_t>(x);
+        StoreLanes(&half->u, value);
         value += step;
     }
 }
@@ -127,13 +128,10 @@ void WalkEdges(const PolyRecord& polygon, const ScreenCorners* corners) {
         SetUpEdges(corners[group], corners[group + 1 < GroupCount(polygon) ? group + 1 : 0], edges);
         for (unsigned left = static_cast<unsigned>(edges.listed); left != 0; left &= left - 1) {
             const int lane = std::countr_zero(left);
-            const int number = group * LANE_COUNT + lane;
-            const Float4& from = overDepth[number];
-            const Float4& to = overDepth[CornerNumber(polygon, number + 1)];
-            if ((edges.rising >> lane & 1) != 0)
-                WalkEdge(edges, lane, to, from, &EdgeRow::right);
-            else
-                WalkEdge(edges, lane, from, to, &EdgeRow::left);
+            const int from = group * LANE_COUNT + lane;
+            const int to = CornerNumber(polygon, from + 1);
+            const bool rises = (edges.rising >> lane & 1) != 0;
+            WalkEdge(edges, lane, overDepth[rises ? to : from], overDepth[rises ? from : to]);
         }
     }
 }

@@ -63,16 +63,15 @@ void ReadLevelValues() {
 }
 
 Float4 DistanceFade(Float4 z) {
-    if (GlideActive()) return Float4{} + 1.0f;
+    if (GlideActive()) return All(1);
     if (!(FadeDistance > 0.0f)) return Float4{};
-    const Float4 nearest = z < NEAREST_FADE ? Float4{} + NEAREST_FADE : z;
-    return 1.0f - (z > FadeDistance ? Float4{} + FadeDistance : nearest) / FadeDistance;
+    const Float4 nearest = z < NEAREST_FADE ? All(NEAREST_FADE) : z;
+    return 1.0f - (z > FadeDistance ? All(FadeDistance) : nearest) / FadeDistance;
 }
 
 // Levels that are not numbers count as 0.
 Float4 LevelToIntensity(Float4 level) {
-    constexpr float BRIGHTEST = BRIGHTEST_LEVEL;
-    const Int4 entries = TruncToInts(Least(Greatest(level, Float4{}), Float4{} + BRIGHTEST));
+    const Int4 entries = TruncToInts(Least(Greatest(level, Float4{}), All(BRIGHTEST_LEVEL)));
     return Float4{IntensityTable[entries[0]], IntensityTable[entries[1]], IntensityTable[entries[2]],
                   IntensityTable[entries[3]]};
 }

@@ -243,25 +243,14 @@ FacingPolygons ListFacing(uint32_t first, uint32_t count) {
     return facing;
 }
 
-void PrefetchPoints(uint32_t polygon) {
-    const PolyRecord& record = WorldGeometry.polygons[polygon];
-    const PolyVertex* corner = WorldGeometry.polyVertices + record.firstVertex;
-    for (const PolyVertex* end = corner + record.cornerCount; corner != end; ++corner) {
-        __builtin_prefetch(WorldGeometry.viewPoints + corner->point);
-        __builtin_prefetch(WorldGeometry.points + corner->point);
-    }
-}
-
 void DrawLeaf(const BspLeaf& leaf, bool mayCross) {
     for (uint32_t done = 0; done < leaf.polygonCount; done += FacingPolygons::LIMIT) {
         const uint32_t count = std::min(leaf.polygonCount - done, FacingPolygons::LIMIT);
         const uint32_t first =
             NearestFirst() ? leaf.firstPolygon + leaf.polygonCount - done - count : leaf.firstPolygon + done;
         const FacingPolygons facing = ListFacing(first, count);
-        for (uint32_t i = 0; i < facing.count; ++i) {
-            if (i + 2 < facing.count) PrefetchPoints(facing.numbers[i + 2]);
+        for (uint32_t i = 0; i < facing.count; ++i)
             DrawFacingPolygon(facing.numbers[i], mayCross);
-        }
     }
 }
 
