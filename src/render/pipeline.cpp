@@ -106,13 +106,40 @@ void ProjectCorners(const PolyRecord& polygon, uint32_t firstFresh) {
     }
 }
 
+// The corners of a polygon from their ViewPoints, four at a time.
+void CollectCorners(const PolyRecord& polygon, ScreenCorners* corners) {
+    const PolyVertex* const vertices = WorldGeometry.polyVertices + polygon.firstVertex;
+    for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT, ++corners) {
+        Float4 points[LANE_COUNT], light[LANE_COUNT];
+        for (int lane = 0; lane < LANE_COUNT; ++lane) {
+            const PolyVertex* const vertex = vertices + (i + lane < polygon.cornerCount ? i + lane : 0);
+            points[lane] = LoadLanes<Float4>(WorldGeometry.viewPoints + vertex->point);
+            light[lane] = LoadLanes<Float4>(vertex);
+        }
+        Transpose(points[0], points[1], points[2], points[3]);
+        Transpose(light[0], light[1], light[2], light[3]);
+        const auto [x, y, inverseDepth] = ProjectLanes(points[0], points[1], points[2]);
+        *corners = {TruncToInts(x), TruncToInts(y), inverseDepth, light[3]};
+    }
+}
+
+// Where the nearest polygons come first, the tables stay without what nobody else reads.
+void ProjectAndSubmit(const PolyRecord& polygon, uint32_t firstFresh) {
+    if (NearestFirst()) {
+        ScreenCorners corners[SCREEN_CORNERS_MAX];
+        CollectCorners(polygon, corners);
+        SubmitCorners(polygon, corners);
+    } else {
+        ProjectCorners(polygon, firstFresh);
+        SubmitPolygon(&polygon, 0);
+    }
+}
+
 }  // namespace
 
 void DrawPolygon(int32_t polygon) {
-    const PolyRecord& record = WorldGeometry.polygons[polygon];
-    ProjectCorners(record, UINT32_MAX);
     ShadePolygon(polygon);
-    SubmitPolygon(&record, 0);
+    ProjectAndSubmit(WorldGeometry.polygons[polygon], UINT32_MAX);
 }
 
 void DrawPolygonClipped(int32_t polygon, uint8_t edgeMask) {
@@ -137,15 +164,13 @@ void DrawPolygonAuto(int32_t polygon) {
 }
 
 void DrawMeshPolygon(int32_t polygon) {
-    ProjectCorners(WorldGeometry.polygons[polygon], UINT32_MAX);
-    SubmitPolygon(&WorldGeometry.polygons[polygon], 0);
+    ProjectAndSubmit(WorldGeometry.polygons[polygon], UINT32_MAX);
 }
 
 void DrawMeshPolygonClipped(int32_t polygon, uint8_t edgeMask) {
     const PolyRecord* clipped = ClipPolygon(polygon, edgeMask);
     if (clipped->cornerCount == 0) return;
-    ProjectCorners(*clipped, WorldGeometry.fixed.points);
-    SubmitPolygon(clipped, 0);
+    ProjectAndSubmit(*clipped, WorldGeometry.fixed.points);
 }
 
 PolyRecord* ClipPolygon(int32_t polygon, uint8_t edgeMask) {

@@ -81,6 +81,12 @@ void SubmitPolygon(const PolyRecord* polygon, uint32_t drawFlags) {
         RasterPolygon(polygon);
 }
 
+void SubmitCorners(const PolyRecord& polygon, const ScreenCorners* corners) {
+    SubmittedPolygons++;
+    const TextureRecord* texture = PolygonTexture(polygon);
+    if (texture != nullptr && texture->isEmpty == 0) RasterCorners(polygon, corners, *texture);
+}
+
 void ResetCurrentTexture() {
     CurrentTexture = NO_TEXTURE;
 }

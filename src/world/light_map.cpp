@@ -157,7 +157,8 @@ void ShadeCharacterPoint(uint32_t point) {
     for (int32_t i = 0; i < CharacterLightCount; ++i) {
         const CharacterLight& light = CharacterLightList[i];
         const float d = light.direction.x * normal.x + light.direction.y * normal.y + light.direction.z * normal.z;
-        if (d > 0.0f) sum += light.strength * LightScale * d * NEUTRAL_LEVEL;
+        const float level = light.strength * LightScale * d * NEUTRAL_LEVEL;
+        sum += d > 0.0f ? level : 0.0f;
     }
     const float z = WorldGeometry.viewPoints[point].z;
     IntensityCache[point] = LevelToIntensity((LightBias + sum) * DistanceFade(Float4{z, 0, 0, 0}))[0];

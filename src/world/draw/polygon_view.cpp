@@ -51,12 +51,10 @@ struct LaneBounds {
 
 // Lanes in which a coordinate does not fit an integer, or is not a number.
 Int4 Project(const CornerGroup& group, ScreenCorners& screen, LaneBounds& bounds) {
-    const Float4 inverse = group.z < NEAREST_DEPTH ? Float4{} : 1.0f / group.z;
-    const Float4 x = ScreenX(group.x, inverse) * 65536.0f;
-    const Float4 y = ScreenY(group.y, inverse) * 65536.0f;
+    const auto [x, y, inverseDepth] = ProjectLanes(group.x, group.y, group.z);
     screen.x = TruncToInts(x);
     screen.y = TruncToInts(y);
-    screen.inverseDepth = inverse;
+    screen.inverseDepth = inverseDepth;
     bounds = {Least(bounds.left, x), Greatest(bounds.right, x), Least(bounds.top, y), Greatest(bounds.bottom, y)};
     return (screen.x == INT32_MIN) | (screen.y == INT32_MIN);
 }
@@ -116,23 +114,17 @@ void ShadeView(uint32_t polygon, PolygonView& view) {
 
 void StoreView(const PolyRecord& polygon, const PolygonView& view) {
     static_assert(offsetof(ViewPoint, transformStamp) == sizeof(Vec3));
-    static_assert(offsetof(ViewPoint, projectionStamp) == sizeof(Float4));
     const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
     const auto stamp = static_cast<int32_t>(FrameCount);
     const auto stamps = reinterpret_cast<Float4>(Int4{} + stamp);
     for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT) {
         const CornerGroup& group = view.groups[i / LANE_COUNT];
-        const ScreenCorners& onScreen = view.screen[i / LANE_COUNT];
         Float4 point[LANE_COUNT] = {group.x, group.y, group.z, stamps};
         Transpose(point[0], point[1], point[2], point[3]);
-        Float4 screen[LANE_COUNT] = {stamps, reinterpret_cast<Float4>(onScreen.x), reinterpret_cast<Float4>(onScreen.y),
-                                     onScreen.inverseDepth};
-        Transpose(screen[0], screen[1], screen[2], screen[3]);
         for (int lane = 0; lane < LANE_COUNT && i + lane < polygon.cornerCount; ++lane) {
             const uint32_t index = corners[i + lane].point;
             ViewPoint& viewPoint = WorldGeometry.viewPoints[index];
             StoreLanes(&viewPoint, point[lane]);
-            if (NearestFirst()) StoreLanes(&viewPoint.projectionStamp, screen[lane]);
             WorldGeometry.outcodes[index] = view.outsideAny == 0 ? uint8_t{0} : Outcode(viewPoint);
         }
     }
