@@ -281,3 +281,8 @@ bool IsHidden(const PolyRecord& polygon, const ScreenBounds& bounds) {
     polygonWithRows = FindRows(bounds) ? &polygon : nullptr;
     return polygonWithRows == nullptr;
 }
+
+bool IsHidden(const ScreenBounds& bounds) {
+    polygonWithRows = nullptr;
+    return !FindRows(bounds);
+}

@@ -42,3 +42,4 @@ struct ScreenBounds {
 // Whether all of a polygon with these bounds lies behind what has been drawn, or outside the frame. To be asked only
 // while NearestFirst().
 bool IsHidden(const PolyRecord& polygon, const ScreenBounds& bounds);
+bool IsHidden(const ScreenBounds& bounds);  // the same of anything else

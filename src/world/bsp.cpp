@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -130,16 +131,34 @@ void StoreRadii(NodeOrLeaf& record, double radiusSquared) {
     record.radiusAspect = static_cast<float>(radius * double{ScreenAspect} * ROOT_2);
 }
 
-void GenerateRadiiBelow(int16_t subtree) {
+CornerBox Join(const CornerBox& a, const CornerBox& b) {
+    return {{std::min(a.low.x, b.low.x), std::min(a.low.y, b.low.y), std::min(a.low.z, b.low.z)},
+            {std::max(a.high.x, b.high.x), std::max(a.high.y, b.high.y), std::max(a.high.z, b.high.z)}};
+}
+
+CornerBox BoxAroundCorners(const BspLeaf& leaf) {
+    constexpr float FAR = std::numeric_limits<float>::max();
+    CornerBox box = {{FAR, FAR, FAR}, {-FAR, -FAR, -FAR}};
+    for (uint32_t p = leaf.firstPolygon; p < uint32_t{leaf.firstPolygon} + leaf.polygonCount; ++p) {
+        const PolyRecord& polygon = WorldGeometry.polygons[p];
+        for (uint32_t k = 0; k < polygon.cornerCount; ++k) {
+            const Vec3 corner =
+                WorldGeometry.points[WorldGeometry.polyVertices[polygon.firstVertex + k].point].position;
+            box = Join(box, {corner, corner});
+        }
+    }
+    return box;
+}
+
+CornerBox GenerateRadiiBelow(int16_t subtree) {
     if (subtree < 0) {
         BspLeaf& leaf = WorldGeometry.leaves[~subtree];
         StoreRadii(leaf, FarthestCornerSquared(leaf, leaf.centre, 0.0));
-        return;
+        return BoxAroundCorners(leaf);
     }
     BspNode& node = WorldGeometry.nodes[subtree];
     StoreRadii(node, FarthestCornerSquared(subtree, node.centre, 0.0));
-    GenerateRadiiBelow(node.frontChild);
-    GenerateRadiiBelow(node.backChild);
+    return CornerBoxes[subtree] = Join(GenerateRadiiBelow(node.frontChild), GenerateRadiiBelow(node.backChild));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "world/world_tables.h"
 
 WorldGeometryTables WorldGeometry;
+CornerBox CornerBoxes[BSP_NODES_MAX];
 
 int8_t CornerLight[CORNER_LIGHT_POLYGONS * 8];
 int8_t CornerLightBase[CORNER_LIGHT_POLYGONS * 8];

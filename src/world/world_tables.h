@@ -39,6 +39,13 @@ struct WorldGeometryTables {
 };
 extern WorldGeometryTables WorldGeometry;
 
+// The box around all corners of the polygons below each node, by node. Written by GenerateNodeRadii; the boxes of the
+// file, which decide what is culled, need not hold everything.
+struct CornerBox {
+    Vec3 low, high;  // low above high: there are no corners
+};
+extern CornerBox CornerBoxes[BSP_NODES_MAX];
+
 // Whether loaders may append as much, the clipper's scratch left free.
 inline bool GeometryHasRoomFor(const GeometryCounts& more) {
     const GeometryCounts& file = WorldGeometry.file;

@@ -7,6 +7,7 @@
 #include "world/light_map.h"
 #include "world/world_tables.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace {
@@ -23,16 +24,22 @@ Float4 Turned(const float (&row)[3], float translation, Float4 x, Float4 y, Floa
     return x * row[0] + y * row[1] + z * row[2] + translation;
 }
 
-void Turn(const PolyVertex* const (&corners)[LANE_COUNT], CornerGroup& group) {
+// From the world to camera space.
+void Turn(CornerGroup& group) {
+    const auto [x, y, z] = group;
+    group.x = Turned(matrix.x, matrix.translation.x, x, y, z);
+    group.y = Turned(matrix.y, matrix.translation.y, x, y, z);
+    group.z = Turned(matrix.z, matrix.translation.z, x, y, z);
+}
+
+CornerGroup PositionsOf(const PolyVertex* const (&corners)[LANE_COUNT]) {
     static_assert(offsetof(WorldPoint, normal) == sizeof(Vec3), "there is something behind a position to be read");
     Float4 x = LoadLanes<Float4>(&WorldGeometry.points[corners[0]->point]);
     Float4 y = LoadLanes<Float4>(&WorldGeometry.points[corners[1]->point]);
     Float4 z = LoadLanes<Float4>(&WorldGeometry.points[corners[2]->point]);
     Float4 rest = LoadLanes<Float4>(&WorldGeometry.points[corners[3]->point]);
     Transpose(x, y, z, rest);
-    group.x = Turned(matrix.x, matrix.translation.x, x, y, z);
-    group.y = Turned(matrix.y, matrix.translation.y, x, y, z);
-    group.z = Turned(matrix.z, matrix.translation.z, x, y, z);
+    return {x, y, z};
 }
 
 uint8_t Outcode(const ViewPoint& point) {
@@ -85,25 +92,48 @@ void BeginPolygonViews() {
     matrix = {{m[0], m[1], m[2]}, {m[3], m[4], m[5]}, {m[6], m[7], m[8]}, ViewMatrix.translation};
 }
 
-void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
-    const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    const int count = polygon.cornerCount;
-    const auto corner = [&](int number) { return corners + (number < count ? number : 0); };
+namespace {
+
+// Looks at what stands in the view's first groups, in the world.
+void LookAtGroups(int count, PolygonView& view) {
     const bool projects = NearestFirst();
     constexpr float MOST = FAR_AWAY;
     Int4 outsideAll = Int4{} - 1, outsideAny = {}, unfit = {};
-    LaneBounds bounds = {Float4{} + MOST, Float4{} - MOST, Float4{} + MOST, Float4{} - MOST};
-    for (int i = 0; i < count; i += LANE_COUNT) {
-        CornerGroup& group = view.groups[i / LANE_COUNT];
-        Turn({corners + i, corner(i + 1), corner(i + 2), corner(i + 3)}, group);
+    LaneBounds bounds = {All(MOST), All(-MOST), All(MOST), All(-MOST)};
+    for (int i = 0; i < count; ++i) {
+        CornerGroup& group = view.groups[i];
+        Turn(group);
         const Int4 outcodes = Outcodes(group);
         outsideAll &= outcodes;
         outsideAny |= outcodes;
-        if (projects) unfit |= Project(group, view.screen[i / LANE_COUNT], bounds);
+        if (projects) unfit |= Project(group, view.screen[i], bounds);
     }
     view.outsideAll = Joined(outsideAll, [](Int4 a, Int4 b) { return a & b; });
     view.outsideAny = Joined(outsideAny, [](Int4 a, Int4 b) { return a | b; });
     view.isOnScreen = projects && Join(bounds, view.bounds) && Bits(unfit) == 0;
+}
+
+}  // namespace
+
+void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
+    const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
+    const int count = polygon.cornerCount;
+    const auto corner = [&](int number) { return corners + (number < count ? number : 0); };
+    int groups = 0;
+    for (int i = 0; i < count; i += LANE_COUNT)
+        view.groups[groups++] = PositionsOf({corners + i, corner(i + 1), corner(i + 2), corner(i + 3)});
+    LookAtGroups(groups, view);
+}
+
+void LookAtBox(const CornerBox& box, PolygonView& view) {
+    const auto [low, high] = box;
+    const float size = std::max({-low.x, -low.y, -low.z, high.x, high.y, high.z, 0.0f});
+    const float margin = 1 + 1e-5f * size;  // far more than rounding can move a corner
+    const float left = low.x - margin, right = high.x + margin, bottom = low.y - margin, top = high.y + margin;
+    const Float4 x = {left, right, left, right}, y = {bottom, bottom, top, top};
+    view.groups[0] = {x, y, All(low.z - margin)};
+    view.groups[1] = {x, y, All(high.z + margin)};
+    LookAtGroups(2, view);
 }
 
 void ShadeView(uint32_t polygon, PolygonView& view) {

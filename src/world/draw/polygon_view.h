@@ -3,6 +3,7 @@
 
 #include "records/world_records.h"
 #include "render/raster.h"
+#include "world/world_tables.h"
 
 #include <cstdint>
 
@@ -25,6 +26,9 @@ struct PolygonView {
 void BeginPolygonViews();
 
 void LookAtPolygon(const PolyRecord& polygon, PolygonView& view);
+
+// The same of the eight corners of a box that is a little larger. Where they are all seen, so is all inside the box.
+void LookAtBox(const CornerBox& box, PolygonView& view);
 
 // Works out the intensities of view.screen, for a polygon that isOnScreen.
 void ShadeView(uint32_t polygon, PolygonView& view);

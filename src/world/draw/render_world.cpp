@@ -117,9 +117,18 @@ bool HoldsCharacter(int32_t leaf) {
     return WorldGeometry.leaves[leaf].frameStamp == FrameCount;
 }
 
+// Entries of the list that lie below one node, all of them leaves inside the side planes.
+struct Group {
+    int32_t node, begin;  // node -1: none
+};
+Group groups[2 * BSP_LEAVES_MAX];  // by their last entry
+int32_t lastCharacterEntry;        // -1: none
+
 // The list can be full only in worlds in which several nodes share a leaf.
 void Append(int32_t entry) {
     if (RenderListCount < static_cast<int32_t>(2 * WorldGeometry.leafCount)) {
+        groups[RenderListCount].node = -1;
+        if (entry >= CHARACTER_ENTRY) lastCharacterEntry = RenderListCount;
         WorldGeometry.renderList[RenderListCount++] = entry;
     }
 }
@@ -174,11 +183,11 @@ void CollectCharacter(int32_t subtree) {
 }
 
 void CollectInside(int32_t subtree) {
-    if (subtree >= 0) {
-        VisitChildren(subtree, CollectInside);
-    } else {
-        AppendLeaf(~subtree, BOX_INSIDE);
-    }
+    if (subtree < 0) return AppendLeaf(~subtree, BOX_INSIDE);
+    const int32_t begin = RenderListCount;
+    VisitChildren(subtree, CollectInside);
+    const bool isWorthAsking = RenderListCount - begin > 1;
+    if (isWorthAsking && begin > lastCharacterEntry) groups[RenderListCount - 1] = {subtree, begin};
 }
 
 void CollectLeaves(int32_t subtree) {
@@ -264,9 +273,50 @@ void DrawEntry(int32_t entry) {
     }
 }
 
+// Whether all of a node's polygons lie inside the view, behind what has been drawn.
+bool IsHidden(int32_t node) {
+    PolygonView view;
+    LookAtBox(CornerBoxes[node], view);
+    return view.outsideAny == 0 && view.isOnScreen && IsHidden(view.bounds);
+}
+
+// The same, but a node that is seen is not asked again for some frames, since it will most often still be seen. The
+// picture does not depend on it: hidden polygons that are drawn leave nothing.
+bool IsKnownToBeHidden(int32_t node) {
+    constexpr int32_t FRAMES = 8;
+    static uint8_t framesToWait[BSP_NODES_MAX];
+    uint8_t& wait = framesToWait[node];
+    if (wait > 0) {
+        wait--;
+        return false;
+    }
+    const bool isHidden = IsHidden(node);
+    wait = static_cast<uint8_t>(isHidden ? 0 : FRAMES + node % FRAMES);  // not all in the same frame
+    return isHidden;
+}
+
+void CountFacing(const BspLeaf& leaf) {
+    for (uint32_t p = leaf.firstPolygon; p < uint32_t{leaf.firstPolygon} + leaf.polygonCount; ++p)
+        SubmittedPolygons += FacesCamera(p) ? 1u : 0u;
+}
+
+// All polygons of a hidden group count as submitted.
+void DrawNearestFirst() {
+    for (int32_t i = RenderListCount - 1; i >= 0;) {
+        const Group group = groups[i];
+        if (group.node < 0 || !IsKnownToBeHidden(group.node)) {
+            DrawEntry(WorldGeometry.renderList[i--]);
+            continue;
+        }
+        for (; i >= group.begin; --i)
+            CountFacing(WorldGeometry.leaves[~WorldGeometry.renderList[i]]);
+    }
+}
+
 void DrawRenderList() {
+    if (NearestFirst()) return DrawNearestFirst();
     for (int32_t i = 0; i < RenderListCount; ++i)
-        DrawEntry(WorldGeometry.renderList[NearestFirst() ? RenderListCount - 1 - i : i]);
+        DrawEntry(WorldGeometry.renderList[i]);
 }
 
 void DrawOutlines(int32_t subtree) {
@@ -287,6 +337,7 @@ void RenderWorld() {
     BuildViewPlanes();
     BeginPolygonViews();
     RenderListCount = 0;
+    lastCharacterEntry = -1;
     if (FogSwitch == 0) {
         DrawOutlines(0);
         return;
