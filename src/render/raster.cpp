@@ -166,13 +166,14 @@ struct Columns {
     int32_t begin, end;
 };
 
-// Columns of the frame that no span of the polygon reaches beyond: the steps round, and wrap far outside.
+// Columns of the frame that no span of the polygon reaches beyond. An edge's steps round, half a unit a row and some
+// hundred units in all; far outside they wrap.
 Columns ColumnsOf(const ScreenBounds& bounds) {
     constexpr int32_t FAR_AWAY = 4096 * 65536;
-    constexpr int32_t MARGIN = 2;
+    constexpr int32_t MARGIN = 65536 / 16;
     if (std::min(bounds.left, bounds.top) < -FAR_AWAY || std::max(bounds.right, bounds.bottom) > FAR_AWAY)
         return {0, ScreenWidth};
-    return {std::max((bounds.left >> 16) - MARGIN, 0), std::min((bounds.right >> 16) + 1 + MARGIN, ScreenWidth)};
+    return {std::max(CeilFixed(bounds.left - MARGIN), 0), std::min(CeilFixed(bounds.right + MARGIN), ScreenWidth)};
 }
 
 void SkipCoveredRows(const Columns& columns) {
