@@ -146,6 +146,20 @@ TEST_F(Raster, DrawsAnyInputPixelByPixel) {
     }
 }
 
+// The steps of an edge that begins far above the frame round it across a column that none of its ends reaches.
+TEST_F(Raster, DrawsSliversThatRoundingWidens) {
+    for (int i = 0; i < 50 && !HasFailure(); ++i) {
+        const int32_t column = Pixels(1 + i), rise = static_cast<int32_t>(Uniform(0.55, 0.95) * 3060);
+        const int32_t top = Pixels(-3000), bottom = Pixels(60);
+        ExpectAsDrawnPlainly({{{{column - rise - 9, top, 1, 0, 0, 0},
+                                {column - rise - 9, bottom, 1, 0, 0, 0},
+                                {column, bottom, 1, 5000, 0, 0},
+                                {column - rise, top, 1, 5000, 0, 0}},
+                               0,
+                               false}});
+    }
+}
+
 // The first frames are sparse enough to leave gaps; the last cover each pixel many times.
 TEST_F(Raster, DrawsManyPolygonsPixelByPixel) {
     for (const int count : {12, 60, 5000}) {
