@@ -85,6 +85,11 @@ float LightToIntensity(int8_t raw, float z) {
     return LightToIntensity(Int4{raw, 0, 0, 0}, Float4{z, 0, 0, 0})[0];
 }
 
+// Kept as it is: the entries behind a polygon's eighth corner are those of the next one.
+uint32_t EntryOf(uint32_t polygon, int corner) {
+    return polygon * 8 + static_cast<uint32_t>(corner);
+}
+
 // Polygons beyond the table have no light bytes of their own: 0.
 int8_t CornerLightByte(uint32_t entry) {
     if (entry >= CORNER_LIGHT_POLYGONS * 8) return 0;
@@ -94,14 +99,6 @@ int8_t CornerLightByte(uint32_t entry) {
 int8_t PointLightByte(uint32_t point) {
     const bool isRaised = WorldGeometry.pointLightStamps[point] == FrameCount;
     return isRaised ? WorldGeometry.pointLight[point] : WorldGeometry.pointLightBase[point];
-}
-
-// Kept as it is: a polygon with more than eight corners reads the bytes of the next one.
-int8_t LightByte(uint32_t polygon, int corner) {
-    const PolyRecord& record = WorldGeometry.polygons[polygon];
-    if (record.shading == SHADE_POINT_LIGHT)
-        return PointLightByte(WorldGeometry.polyVertices[record.firstVertex + corner].point);
-    return CornerLightByte(polygon * 8 + static_cast<uint32_t>(corner));
 }
 
 float PointIntensity(uint32_t point) {
@@ -138,17 +135,24 @@ void ShadePolygon(int32_t polygon) {
     for (int k = 0; k < record.cornerCount; ++k) {
         const uint32_t point = corners[k].point;
         if (record.shading == SHADE_CORNER_LIGHT)
-            corners[k].intensity =
-                LightToIntensity(LightByte(static_cast<uint32_t>(polygon), k), WorldGeometry.viewPoints[point].z);
+            corners[k].intensity = LightToIntensity(CornerLightByte(EntryOf(static_cast<uint32_t>(polygon), k)),
+                                                    WorldGeometry.viewPoints[point].z);
         else if (record.shading == SHADE_POINT_LIGHT)
             corners[k].intensity = PointIntensity(point);
     }
 }
 
 Float4 CornerIntensities(uint32_t polygon, int first, Float4 depths) {
-    const int count = WorldGeometry.polygons[polygon].cornerCount;
-    const auto raw = [&](int corner) { return LightByte(polygon, corner < count ? corner : 0); };
-    return LightToIntensity(Int4{raw(first), raw(first + 1), raw(first + 2), raw(first + 3)}, depths);
+    const PolyRecord& record = WorldGeometry.polygons[polygon];
+    const PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
+    const auto corner = [&](int number) { return number < record.cornerCount ? number : 0; };
+    const auto rawOfAll = [&](auto raw) {
+        return Int4{raw(first), raw(corner(first + 1)), raw(corner(first + 2)), raw(corner(first + 3))};
+    };
+    const Int4 raw = record.shading == SHADE_POINT_LIGHT
+                         ? rawOfAll([&](int k) { return PointLightByte(corners[k].point); })
+                         : rawOfAll([&](int k) { return CornerLightByte(EntryOf(polygon, k)); });
+    return LightToIntensity(raw, depths);
 }
 
 void ShadeCharacterPoint(uint32_t point) {
