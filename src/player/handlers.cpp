@@ -19,9 +19,7 @@ constexpr float AIR_STEER = 0.1f;  // drive in the direction of the held key, in
 constexpr float LEAP_SPEED = 2.0f;   // forward speed above which a running jump is a leap
 constexpr float LEAP_SHARE = 1.25f;  // a leap starts with the forward speed times this
 constexpr float HOP_SHARE = 0.5f;    // a hop starts with the forward speed times this
-constexpr float LEAP_LIFT = 1.1f;    // drive upwards while the jump key stays down
 constexpr float LEAP_PUSH = 1.39f;   // drive forward meanwhile
-constexpr float HOP_LIFT = 5.4f;     // drive upwards while the jump key stays down
 constexpr float HOP_PUSH = 0.4f;     // drive forward while the up key is down
 
 // A blend lasts until the clock of the new animation has reached this time.

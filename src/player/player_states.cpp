@@ -3,6 +3,7 @@
 #include "player/handlers.h"
 #include "player/player.h"
 #include "records/animation_facts.h"
+#include "records/walking_facts.h"
 
 #include <iterator>
 
@@ -24,8 +25,6 @@ constexpr StateTransition TO_RUN_FROM_LEAP = To(STATE_RUN, 30);
 constexpr StateTransition TO_LEAP_TAKE_OFF = To(STATE_LEAP_TAKE_OFF);
 constexpr StateTransition TO_HOP_TAKE_OFF = To(STATE_HOP_TAKE_OFF);
 constexpr StateTransition TO_READY = To(STATE_READY, 50);
-
-constexpr float GRAVITY = -0.9f;  // per tick, in every state, in the air and on the ground
 
 struct StateRow {
     PlayerState state;
@@ -87,7 +86,7 @@ constexpr StateRow ROWS[] = {
     {.state = STATE_LEAP_CROUCH, .animation = ANIMATION_LEAP_CROUCH, .then = &TO_LEAP_TAKE_OFF, .slide = 0.5f},
     {.state = STATE_LEAP_TAKE_OFF,
      .animation = ANIMATION_LEAP_TAKE_OFF,
-     .upImpulse = 23.4f,
+     .upImpulse = LEAP_IMPULSE,
      .slide = 0.5f,
      .handler = LeapTakeOffHandler},
     {.state = STATE_LEAP_AIR, .animation = ANIMATION_LEAP_AIR, .slide = 0.5f, .handler = LeapAirHandler},
@@ -100,7 +99,7 @@ constexpr StateRow ROWS[] = {
     {.state = STATE_HOP_CROUCH, .animation = ANIMATION_HOP_CROUCH, .then = &TO_HOP_TAKE_OFF, .slide = 0.5f},
     {.state = STATE_HOP_TAKE_OFF,
      .animation = ANIMATION_HOP_TAKE_OFF,
-     .upImpulse = 12.6f,
+     .upImpulse = HOP_IMPULSE,
      .slide = 0.5f,
      .handler = HopTakeOffHandler},
     {.state = STATE_HOP_AIR, .animation = ANIMATION_HOP_AIR, .slide = 0.5f, .handler = HopAirHandler},

@@ -24,3 +24,13 @@ constexpr float LEDGE_MAX = 64.0f;
 constexpr float STEP_HEIGHT = LEDGE_MAX - LEDGE_CLEARANCE;  // steps lower than this are walked up
 
 constexpr float LANDING_SLOPE = 0.7f;  // flatter contacts end a jump
+
+// Jumps. They begin with a speed upwards, units a frame; each tick of a frame adds GRAVITY to it, in the air as on the
+// ground, and in the first frame of the rise each tick adds the lift while the jump key stays down.
+constexpr float GRAVITY = -0.9f;
+constexpr float LEAP_IMPULSE = 23.4f;  // from a run or a walk
+constexpr float LEAP_LIFT = 1.1f;
+constexpr float HOP_IMPULSE = 12.6f;  // from standing, or from slower movement
+constexpr float HOP_LIFT = 5.4f;
+
+constexpr float HEAD_HEIGHT = 72.0f;  // of the top of the head above the actor's position; the camera's is 60

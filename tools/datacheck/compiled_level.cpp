@@ -4,7 +4,8 @@
 
 #include <fmt/format.h>
 
-void CheckCompiled(const CompiledLevel& compiled, const CompileFiles& files, const MaterialList& list) {
+std::vector<std::string> CheckCompiled(const CompiledLevel& compiled, const CompileFiles& files,
+                                       const MaterialList& list) {
     LevelData level;
     level.number = files.level;
     level.map = files.map.string();
@@ -17,8 +18,12 @@ void CheckCompiled(const CompiledLevel& compiled, const CompileFiles& files, con
     }
     Report report;
     CheckLevel(level, report);
-    if (!report.HasProblems()) return;
-    std::vector<std::string> problems = report.Lines();
-    std::erase_if(problems, [](const std::string& line) { return line.starts_with("note: "); });
-    throw ContentError(fmt::format("{}", fmt::join(problems, "\n")));
+    constexpr std::string_view NOTE = "note: ";
+    std::vector<std::string> notes, problems;
+    for (const std::string& line : report.Lines()) {
+        const bool isNote = line.starts_with(NOTE);
+        (isNote ? notes : problems).push_back(isNote ? line.substr(NOTE.size()) : line);
+    }
+    if (report.HasProblems()) throw ContentError(fmt::format("{}", fmt::join(problems, "\n")));
+    return notes;
 }

@@ -3,5 +3,6 @@
 
 #include "mapc/compile.h"
 
-// ContentError with a line for each broken rule; places are those of the map.
-void CheckCompiled(const CompiledLevel& compiled, const CompileFiles& files, const MaterialList& list);
+// Notes on what is worth a look. ContentError with a line for each broken rule. Places are those of the map.
+std::vector<std::string> CheckCompiled(const CompiledLevel& compiled, const CompileFiles& files,
+                                       const MaterialList& list);

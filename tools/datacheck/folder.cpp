@@ -128,6 +128,7 @@ void CheckLevel(const LevelData& level, Report& report) {
         if (CheckPolygons(level, report)) {
             CheckSight(level, report);
             CheckWalking(level, report);
+            CheckCeilings(level, report);
         }
     }
     if (level.light) CheckLight(level, report);

@@ -21,6 +21,8 @@ void CheckPaintersOrder(const LevelData& level, Report& report);  // the first h
 void CheckWalking(const LevelData& level, Report& report);
 void CheckContactOrder(const LevelData& level, Report& report);  // a part of it: steps are walked up, not into
 
+void CheckCeilings(const LevelData& level, Report& report);  // where a jump would lift the head into the storey above
+
 void CheckLight(const LevelData& level, Report& report);       // lights.lmp against the world
 void CheckLightSlots(const LevelData& level, Report& report);  // lights.alt against the world
 void CheckTextures(const LevelData& level, Report& report);    // texture.bin, glidetex, and the world's use of them

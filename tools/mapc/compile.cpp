@@ -2,7 +2,9 @@
 
 #include "formats/depfile.h"
 #include "formats/files.h"
+#include "mapc/ceilings.h"
 #include "mapc/floors_behind.h"
+#include "mapc/hidden_leaves.h"
 #include "mapc/hollows.h"
 #include "mapc/instances.h"
 #include "mapc/ledge_walls.h"
@@ -116,6 +118,7 @@ struct SurfaceRequest {
     const PlayerStart& start;
     const LevelSettings& settings;
     const Material* clip;  // to paint hidden faces with; null: there are none
+    int ticks;             // length of a frame
     bool takeLeaks;
 };
 
@@ -131,6 +134,7 @@ void AddHidden(const SurfaceRequest& request, const std::vector<Face>& faces, Br
         add(FloorsBehind(faces, brushes, space, *request.clip, scale));
         add(FloorsBelowThings(faces, brushes, *request.clip, scale));
     }
+    if (guards.ceilings) add(SlabsBelowCeilings(faces, brushes, *request.clip, scale, request.ticks));
     if (!guards.net) return;
     const std::vector<Face> net = NetBelow(faces, brushes, *request.clip, scale);
     if (!net.empty()) surface.net = net[0].winding[0].z;
@@ -261,10 +265,13 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     });
 
     const Material* clip = ClipMaterial(list);
-    ReachableSurface surface = SurfaceOf(map, brushes, {*start, settings, clip, takeLeaks}, faults);
-    const Tree tree = BuildDrawingTree(std::move(surface.faces), brushes, {settings.scale, settings.facesBehind});
-    std::vector<LeafFace> hidden;
-    if (clip && settings.guards.walls) hidden = WallsBesideLedges(tree, brushes, *clip, settings.scale);
+    const int ticks = level > 0 ? LevelRowOf(level).ticks : 1;
+    ReachableSurface surface = SurfaceOf(map, brushes, {*start, settings, clip, ticks, takeLeaks}, faults);
+    Tree tree = BuildDrawingTree(std::move(surface.faces), brushes, {settings.scale, settings.facesBehind});
+    // These stay in the leaves of their ledges, and lie in the planes of walls that are seen.
+    std::vector<LeafFace> walls;
+    if (clip && settings.guards.walls) walls = WallsBesideLedges(tree, brushes, *clip, settings.scale);
+    std::vector<LeafFace> hidden = walls;
     const auto addHidden = [&](std::vector<Face> faces) {
         for (Face& face : faces) {
             const size_t leaf = LeafAt(tree, brushes.planes, WindingCentre(face.winding));
@@ -273,6 +280,9 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     };
     addHidden(std::move(surface.hidden));
     if (clip && settings.guards.hollows) addHidden(FloorsInHollows(tree, hidden, brushes, *clip, settings.scale));
+    hidden.erase(hidden.begin(), hidden.begin() + static_cast<std::ptrdiff_t>(walls.size()));
+    SetHiddenApart(tree, hidden, brushes, settings.scale);
+    hidden.insert(hidden.begin(), walls.begin(), walls.end());
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};
     CutWorld cut = CutForLight(tree, std::move(hidden), sources, bake);
     compiled.world = std::move(cut.world);
@@ -296,7 +306,10 @@ std::string CompileToFiles(const CompileFiles& files) {
         const PlacedMap placed = ReadPlacedMap(files.map, files.prefabs);
         const MaterialList list = ReadMaterialList(files.materials);
         CompiledLevel level = CompileMap(placed.map, list, files.level, files.bake, files.takeLeaks);
-        if (files.check && level.leaks.empty()) files.check(level, files, list);
+        if (files.check && level.leaks.empty()) {
+            const std::vector<std::string> notes = files.check(level, files, list);
+            level.notes.insert(level.notes.end(), notes.begin(), notes.end());
+        }
         const std::filesystem::path world = files.output / (name + ".bgm");
         const std::string places = PlacesText(level.places);
         std::vector<OutputFile> outputs{{world, EncodeWorld(level.world)},

@@ -49,8 +49,8 @@ struct CompileFiles {
     BakeOptions bake{};
     bool takeLeaks = false;
     std::filesystem::path prefabs{};  // folder, or empty
-    // Asked before anything is written; throws ContentError for what must not be.
-    std::function<void(const CompiledLevel&, const CompileFiles&, const MaterialList&)> check{};
+    // Asked before anything is written; throws ContentError for what must not be, and returns notes for the report.
+    std::function<std::vector<std::string>(const CompiledLevel&, const CompileFiles&, const MaterialList&)> check{};
     std::filesystem::path depfile{};  // written with the maps that the level was made of; empty: none
 };
 

@@ -10,10 +10,11 @@
 
 // Hidden faces against falls and lifts, see compile.cpp: AddHidden.
 struct Guards {
-    bool net = false;      // mapc/net.h
-    bool floors = false;   // mapc/floors_behind.h
-    bool walls = false;    // mapc/ledge_walls.h
-    bool hollows = false;  // mapc/hollows.h
+    bool net = false;       // mapc/net.h
+    bool floors = false;    // mapc/floors_behind.h
+    bool walls = false;     // mapc/ledge_walls.h
+    bool hollows = false;   // mapc/hollows.h
+    bool ceilings = false;  // mapc/ceilings.h
 };
 
 struct LevelSettings {

@@ -252,6 +252,27 @@ TEST(Datacheck, IsAskedBeforeALevelIsWritten) {
                   [&] { CheckCompiled(Compile(open, HOUSE), files, {TestMaterials()}); });
 }
 
+TEST(Datacheck, NamesEachPlaceWhereAJumpPassesACeiling) {
+    // Low at both ends, where there is a slab below one ceiling; and a crate below the other, lower than a player.
+    const auto hall = [](const std::string& guards) {
+        MapBuilder map;
+        map.guards = guards;
+        map.Room({0, 0, 0}, {2000, 600, 700}).Box({0, 0, 300}, {500, 600, 700}).Start("1000 300 64");
+        map.Box({1500, 0, 300}, {2000, 600, 700}).Box({1500, 0, 148}, {2000, 600, 164}, "clip");
+        return map.Box({0, 0, 0}, {200, 600, 160});
+    };
+    const auto notesOf = [&](const std::string& guards) {
+        const CompileFiles files{.map = "hall.map", .materials = {}, .output = {}, .level = HOUSE};
+        return CheckCompiled(Compile(hall(guards), HOUSE), files, {TestMaterials()});
+    };
+    const std::vector<std::string> notes = notesOf("");
+    ASSERT_EQ(notes.size(), 1U);
+    EXPECT_NE(notes[0].find("a jump lifts the player's head 149 into the ceiling, which is 300 above the floor"),
+              std::string::npos)
+        << notes[0];
+    EXPECT_EQ(notesOf("ceilings").size(), 0U);
+}
+
 TEST(Datacheck, TakesTheSizeOfABoxWhateverItsSign) {
     LevelData level = SoundLevel(HOUSE);
     const auto negate = [](auto& record) {

@@ -1,6 +1,7 @@
 // The search in small rooms, each with one fault, and in one without; and the plays it writes, played by the game.
 #include "explorer/report.h"
 #include "explorer/route.h"
+#include "mapc/jumps.h"
 #include "program/run_program.h"
 #include "records/walking_facts.h"
 #include "walled_room.h"
@@ -70,6 +71,40 @@ TEST(Explorer, APitWithoutAWayOutIsATrap) {
 TEST(Explorer, AFloorInASteepHollowLetsThePlayerOut) {
     EXPECT_GT(CountOf(Explore(Room::Hollow), FaultKind::Trap), 0);
     EXPECT_EQ(CountOf(Explore(Room::FilledHollow), FaultKind::Trap), 0);
+}
+
+float StartOnTheFloor(Walker& walker) {
+    for (int i = 0; i < 60; ++i)
+        walker.Frame(0);
+    return walker.Position().y;
+}
+
+TEST(Explorer, JumpsAreAsHighAsTheMapCompilerTakesThemFor) {
+    WriteRoom(Room::Safe, WORLD);
+    for (const uint32_t ticks : {1U, 2U, 4U}) {
+        Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, ticks});
+        const float standing = StartOnTheFloor(walker);
+        float highest = standing;
+        const auto play = [&](uint16_t controls, uint32_t atTicks) {
+            for (uint32_t i = 0; i < atTicks / ticks; ++i) {
+                walker.Frame(controls);
+                highest = std::max(highest, walker.Position().y);
+            }
+        };
+        play(CTL_SPACE, 120);  // a hop
+        play(CTL_UP, 60);
+        play(CTL_UP | CTL_SPACE, 120);  // a leap
+        EXPECT_NEAR(highest - standing, JumpHeight(static_cast<int>(ticks)), 2) << ticks;
+    }
+}
+
+TEST(Explorer, ASlabKeepsTheHeadBelowALowCeiling) {
+    WriteRoom(Room::Low, WORLD);
+    Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    const float standing = StartOnTheFloor(walker);
+    const SearchReport report = Search(walker, {.frames = 400'000, .seed = 1}).Run();
+    EXPECT_EQ(report.faults.size(), 0U);
+    EXPECT_NEAR(report.highest.y + HEAD_HEIGHT, standing - STANDING_HEIGHT + LOW_CEILING, 5);
 }
 
 TEST(Explorer, ARouteEndsAtTheMarkThatCannotBeReached) {

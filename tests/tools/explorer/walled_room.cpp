@@ -88,6 +88,10 @@ MapBuilder MapOf(Room room) {
     }
     MapBuilder map = LeaningRoom({{480, 480, -depth}, {600, 600, 0}});
     if (room == Room::Safe || room == Room::Pit) return map;
+    if (room == Room::Low) {
+        map.guards = "ceilings";
+        return map.Box({-LEAN, -LEAN, LOW_CEILING}, {SIDE + LEAN, SIDE + LEAN, HEIGHT});
+    }
     for (int x = 250; x < 750; x += 110)
         map.TurnedBox({x, 200, 0}, {x + 100, 300, 24});
     return map.Box({200, 300, 0}, {800, 500, 300});

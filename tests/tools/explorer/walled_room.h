@@ -1,3 +1,5 @@
+constexpr int LOW_CEILING = 320;  // above the floor
+
 // Rooms for the search: 800 by 800 and 600 high, as worlds of level 3, whose start lies in a corner.
 #pragma once
 
@@ -12,6 +14,7 @@ enum class Room {
     Ledge,         // as Safe, with ledges of 24 that lead aslant to a tall block
     Hollow,        // as Safe, with a wall and a steep bank whose feet meet
     FilledHollow,  // as Hollow, with the floor between them that mapc adds
+    Low,           // as Safe, with a ceiling that a leap passes, and the slab below it that mapc adds
     Pit,           // as Safe, with a hole in the floor, 120 by 120 and 600 deep
 };
 

@@ -205,6 +205,24 @@ TEST(Compile, ALevelThatIsTooLargeWithSkirtsGoesWithout) {
               std::vector<std::string>{"no hidden faces find room in the level: its walls can be crept through"});
 }
 
+TEST(Compile, NoLeafHoldsHiddenFacesBesideOthers) {
+    MapBuilder map;
+    map.skirts = true;
+    map.guards = "net floors ceilings";
+    map.Room({0, 0, 0}, {1024, 1024, 400}).Box({300, 300, 0}, {400, 400, 100}, "clip").Start("64 64 64");
+    const WorldFile world = Compile(map.Box({600, 600, 0}, {700, 700, 40})).world;
+    constexpr int CLIP = 6;  // of the test materials
+    int hidden = 0;
+    for (const WorldLeaf& leaf : world.leaves) {
+        int hiddenHere = 0;
+        for (uint32_t i = 0; i < leaf.polygonCount; ++i)
+            hiddenHere += world.polygons[leaf.firstPolygon + i].texture == CLIP;
+        EXPECT_TRUE(hiddenHere == 0 || hiddenHere == static_cast<int>(leaf.polygonCount));
+        hidden += hiddenHere;
+    }
+    EXPECT_GT(hidden, 20);
+}
+
 TEST(Compile, OneRunTellsAllFaultsInTheOrderOfTheirLines) {
     MapBuilder map;
     map.Key("ambeint", "3")
