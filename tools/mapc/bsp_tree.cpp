@@ -4,6 +4,7 @@
 #include "records/walking_facts.h"
 
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -16,6 +17,12 @@ constexpr size_t COMPARISONS_MAX =
 constexpr double GRID = 1024;  // planes on this grid are tried where many faces spread beyond it
 constexpr size_t GRID_FACES_MIN = 100;
 constexpr double SPLIT_COST = 20;  // cost of a split face, in faces of imbalance between the two sides
+// Where any faces go behind, subtrees of so many faces are built once with each of these costs, and the one with the
+// fewest faces is kept: first the larger ones, then each smaller one in them.
+constexpr size_t TRIAL_FACES[] = {500, 100};
+constexpr double TRIAL_SPLIT_COSTS[] = {20, 40, 100, 300};
+constexpr size_t LEAF_COST = 1;  // of a leaf, where a face costs FACE_COST: of two trees the simpler one is kept
+constexpr size_t FACE_COST = 4;
 constexpr double HIDDEN_SPLIT_COST = 1;
 constexpr double SLOPE_COST = 4;  // cost of a plane that is not axial, where no faces go behind
 // Cost of cutting a wall across: the player takes a low lower part for a step. The second where all faces go behind.
@@ -73,7 +80,59 @@ private:
         tree_.depth = 1;
     }
 
+    bool IsTried(const std::vector<Face>& faces) const {
+        return kind_ == TreeKind::Drawing && options_.behind != FacesBehind::None && trials_ < std::size(TRIAL_FACES) &&
+               faces.size() <= TRIAL_FACES[trials_];
+    }
+
+    // What a subtree added to the tree.
+    struct Grown {
+        int root = 0;
+        Tree tree;
+        size_t cost = SIZE_MAX;
+    };
+
+    // The tree is as it was afterwards.
+    Grown Grow(const std::vector<Face>& faces, int depth) {
+        const auto nodes = static_cast<std::ptrdiff_t>(tree_.nodes.size());
+        const auto leaves = static_cast<std::ptrdiff_t>(tree_.leaves.size());
+        const int deepest = tree_.depth;
+        Grown grown;
+        grown.root = AddSubtree(faces, depth);
+        grown.tree.nodes.assign(tree_.nodes.begin() + nodes, tree_.nodes.end());
+        grown.tree.leaves.assign(std::make_move_iterator(tree_.leaves.begin() + leaves),
+                                 std::make_move_iterator(tree_.leaves.end()));
+        grown.tree.depth = std::exchange(tree_.depth, deepest);
+        tree_.nodes.resize(static_cast<size_t>(nodes));
+        tree_.leaves.resize(static_cast<size_t>(leaves));
+        grown.cost = LEAF_COST * grown.tree.leaves.size();
+        for (const std::vector<Face>& leaf : grown.tree.leaves) {
+            grown.cost += FACE_COST * static_cast<size_t>(std::count_if(leaf.begin(), leaf.end(),
+                                                                        [](const Face& face) { return !face.hidden; }));
+        }
+        return grown;
+    }
+
+    int AddBestSubtree(const std::vector<Face>& faces, int depth) {
+        Grown best;
+        const double splitCost = splitCost_;
+        ++trials_;
+        for (const double cost : TRIAL_SPLIT_COSTS) {
+            splitCost_ = cost;
+            Grown grown = Grow(faces, depth);
+            if (grown.cost < best.cost) best = std::move(grown);
+        }
+        --trials_;
+        splitCost_ = splitCost;
+        tree_.nodes.insert(tree_.nodes.end(), best.tree.nodes.begin(), best.tree.nodes.end());
+        tree_.leaves.insert(tree_.leaves.end(), std::make_move_iterator(best.tree.leaves.begin()),
+                            std::make_move_iterator(best.tree.leaves.end()));
+        tree_.depth = best.tree.depth;
+        return best.root;
+    }
+
     int AddSubtree(std::vector<Face> faces, int depth) {
+        if (IsTried(faces)) return AddBestSubtree(faces, depth);
         const std::optional<int> splitter = ChooseSplitter(faces);
         if (!splitter) return AddLeaf(kind_ == TreeKind::Drawing ? std::move(faces) : std::vector<Face>());
         tree_.depth = std::max(tree_.depth, depth);
@@ -199,7 +258,7 @@ private:
             std::abs(plane.normal.z) > STEEP_SLOPE && std::abs(planes_[face.plane].normal.z) < STEEP_SLOPE;
         if (across && kind_ == TreeKind::Drawing)
             return options_.behind == FacesBehind::All ? WALL_SPLIT_COST_BEHIND : WALL_SPLIT_COST;
-        return face.hidden ? HIDDEN_SPLIT_COST : SPLIT_COST;
+        return face.hidden ? HIDDEN_SPLIT_COST : splitCost_;
     }
 
     // Counting stops once the cost is beyond the limit. A plane that separates nothing costs an infinite amount.
@@ -239,6 +298,8 @@ private:
     TreeOptions options_;
     const std::vector<int> terrainLines_;
     Tree tree_;
+    double splitCost_ = SPLIT_COST;
+    size_t trials_ = 0;        // how many trials the current subtree is part of
     std::vector<int> stamps_;  // for each plane the node that last listed it
     int stamp_ = 0;
     size_t comparisons_ = 0;

@@ -143,7 +143,8 @@ void AddHidden(const SurfaceRequest& request, const std::vector<Face>& faces, Br
 
 // ContentError with the faults, and with the leak where that is none to be taken.
 ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRequest& request, FaultList& faults) {
-    Surface surface = CutBrushes(brushes);
+    const bool allBehind = request.settings.facesBehind == FacesBehind::All;
+    Surface surface = CutBrushes(brushes, allBehind ? WholeFaces::BelowWhatStandsOnThem : WholeFaces::None);
     const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin, request.settings.scale);
     ReachableSurface reachable;
     reachable.leaks = space.LeakPaths();

@@ -9,12 +9,13 @@
 namespace {
 
 constexpr double AREA_MIN = 0.01;       // area; a smaller covered part is not cut out
+constexpr double PARALLEL = 0.7;        // cosine
 constexpr size_t PAIRS_MAX = 500'000;   // pairs of brushes that touch; the largest of our levels has 7,390
 constexpr size_t PIECES_MAX = 100'000;  // pieces of faces; merging and leaving out the unseen must bring them to 20,000
 
 class Cutter {
 public:
-    explicit Cutter(const Brushes& brushes) : brushes_(brushes), grid_(BoxesOf(brushes)) {}
+    Cutter(const Brushes& brushes, WholeFaces whole) : brushes_(brushes), whole_(whole), grid_(BoxesOf(brushes)) {}
 
     Surface Cut() {
         CheckPairs();
@@ -54,32 +55,52 @@ private:
 
     void CutSide(int owner, const BrushSide& side, Surface& surface) {
         const BrushKind kind = brushes_.list[static_cast<size_t>(owner)].kind;
-        std::vector<Winding> pieces{side.winding};
-        CutBy(owner, side.plane, pieces, [](BrushKind other) { return other == BrushKind::Solid; });
+        const auto isSolid = [](BrushKind other) { return other == BrushKind::Solid; };
         if (kind == BrushKind::Solid) {
-            for (const Winding& piece : pieces)
-                surface.sealing.emplace_back(piece, side.plane, side.texture, false);
+            std::vector<Winding> pieces{side.winding};
+            CutBy(owner, side.plane, pieces, WholeFaces::None, isSolid);
+            for (Winding& piece : pieces)
+                surface.sealing.emplace_back(std::move(piece), side.plane, side.texture, false);
         }
         if (side.texture < 0) return;
-        CutBy(owner, side.plane, pieces, [kind](BrushKind other) {
+        std::vector<Winding> pieces{side.winding};
+        CutBy(owner, side.plane, pieces, whole_, isSolid);
+        CutBy(owner, side.plane, pieces, whole_, [kind](BrushKind other) {
             return other == BrushKind::Detail || (other == kind && kind != BrushKind::Solid);
         });
-        for (Winding& piece : pieces) {
+        for (Winding& piece : pieces)
             surface.visible.emplace_back(std::move(piece), side.plane, side.texture, kind == BrushKind::Clip);
-        }
     }
 
     template <class Hides>
-    void CutBy(int owner, int plane, std::vector<Winding>& pieces, Hides hides) {
+    void CutBy(int owner, int plane, std::vector<Winding>& pieces, WholeFaces whole, Hides hides) {
         std::vector<Winding> next;
         for (const int i : near_) {
             const Brush& brush = brushes_.list[static_cast<size_t>(i)];
             if (i == owner || !hides(brush.kind)) continue;
+            const bool staysWhole = whole == WholeFaces::BelowWhatStandsOnThem && StandsOn(brush, plane);
             next.clear();
-            for (Winding& piece : pieces)
+            for (Winding& piece : pieces) {
+                const size_t before = next.size();
+                Winding uncut = staysWhole ? piece : Winding();
                 Subtract(std::move(piece), plane, brush, i < owner, next);
+                if (!staysWhole || next.size() <= before + 1) continue;
+                next.resize(before);
+                next.push_back(std::move(uncut));
+            }
             pieces.swap(next);
         }
+    }
+
+    // A brush whose walls show the sky does not stand on a face: behind them nothing may be seen.
+    bool StandsOn(const Brush& brush, int plane) const {
+        const auto isSkyWall = [&](const BrushSide& side) {
+            return side.texture < 0 &&
+                   std::abs(Dot(brushes_.planes[side.plane].normal, brushes_.planes[plane].normal)) < PARALLEL;
+        };
+        return std::any_of(brush.sides.begin(), brush.sides.end(),
+                           [&](const BrushSide& side) { return side.plane == (plane ^ 1); }) &&
+               std::none_of(brush.sides.begin(), brush.sides.end(), isSkyWall);
     }
 
     // Adds what the brush leaves of the winding. Where the two lie in one plane and face the same way, brushWins says
@@ -117,12 +138,13 @@ private:
     }
 
     const Brushes& brushes_;
+    WholeFaces whole_;
     BoxGrid grid_;
     std::vector<int> near_;  // brushes around the one being cut, ascending
 };
 
 }  // namespace
 
-Surface CutBrushes(const Brushes& brushes) {
-    return Cutter(brushes).Cut();
+Surface CutBrushes(const Brushes& brushes, WholeFaces whole) {
+    return Cutter(brushes, whole).Cut();
 }

@@ -20,4 +20,8 @@ struct Surface {
     std::vector<Face> visible;  // what remains of all painted faces where nothing hides them
 };
 
-Surface CutBrushes(const Brushes& brushes);
+// Faces that are not cut into several pieces by a brush that stands on them, as a table on a floor: the part below the
+// table stays. In a tree where faces go behind (mapc/bsp_tree.h), the table is drawn over it.
+enum class WholeFaces { None, BelowWhatStandsOnThem };
+
+Surface CutBrushes(const Brushes& brushes, WholeFaces whole = WholeFaces::None);

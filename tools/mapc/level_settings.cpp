@@ -91,7 +91,7 @@ const std::vector<EntityClass> ENTITY_CLASSES{
       "wad"}},  // sky, ticks and track are for ./play --map; the last three are written by editors
     {"func_group", {"corner_light"}},
     {"func_detail", {"corner_light"}},
-    {"func_terrain", {"image", "steep", "steep_from", "high", "high_from"}},
+    {"func_terrain", {"image", "tolerance", "steep", "steep_from", "high", "high_from"}},
     {"info_route", {"origin", "order", "angle", "reach", "name"}},
     {"func_instance", {"file", "origin", "angles"}},  // and replace...
     {"light", {"origin", "light", "radius", "style", "low", "rise", "fall", "high_time", "low_time", "start"}},

@@ -2,6 +2,8 @@
 
 #include "formats/error.h"
 #include "formats/height_image.h"
+#include "mapc/terrain_mesh.h"
+#include "mapc/winding.h"
 #include "transforms/angles.h"
 
 #include <fmt/format.h>
@@ -10,6 +12,7 @@ namespace {
 
 constexpr double CELL_MIN = 32;  // map units
 constexpr double STEEP_FROM = 35;
+constexpr double TOLERANCE = 4;  // map units
 
 // Corners counter-clockwise as seen from above.
 using Triangle = std::array<Vec3, 3>;
@@ -24,17 +27,18 @@ public:
         ReadBox();
         ReadImage();
         ReadBands();
+        tolerance_ = NumberKeyIn(entity, "tolerance", TOLERANCE, 0, MAP_EXTENT);
     }
 
     Terrain Build() {
-        for (int x = 0; x < image_.width; ++x)
+        const int step = tolerance_ > 0 ? GRID_BLOCK : 1;
+        for (int x = 0; x < image_.width; x += step)
             out_.columns.push_back(Corner(x, 0).x);
-        for (int y = 0; y < image_.height; ++y)
-            out_.rows.push_back(Corner(0, image_.height - 1 - y).y);
-        for (int y = 0; y + 1 < image_.height; ++y) {
-            for (int x = 0; x + 1 < image_.width; ++x)
-                AddCell(Corner(x, y + 1), Corner(x + 1, y + 1), Corner(x + 1, y), Corner(x, y));
-        }
+        for (int y = 0; y < image_.height; y += step)
+            out_.rows.push_back(Corner(0, y).y);
+        const auto heightAt = [&](int x, int y) { return Corner(x, y).z - box_.min.z; };
+        for (const auto& [a, b, c] : SimplifyGrid(image_.width, image_.height, heightAt, tolerance_))
+            AddPrism({Corner(a), Corner(b), Corner(c)});
         return std::move(out_);
     }
 
@@ -77,27 +81,17 @@ private:
         highFrom_ = box_.min.z + NumberKey(entity_, "high_from", (box_.max.z - box_.min.z) / 2);
     }
 
-    // A corner of the grid, on whole units, so that neighbouring cells meet exactly.
+    // A corner of the grid, from the south west, on whole units, so that neighbouring cells meet exactly.
     Vec3 Corner(int x, int y) const {
         const auto between = [](double from, double to, double part) {
             return std::floor(from + (to - from) * part + 0.5);
         };
         return {between(box_.min.x, box_.max.x, static_cast<double>(x) / (image_.width - 1)),
-                between(box_.max.y, box_.min.y, static_cast<double>(y) / (image_.height - 1)),
-                between(box_.min.z, box_.max.z, image_.At(x, y) / 65535.0)};
+                between(box_.min.y, box_.max.y, static_cast<double>(y) / (image_.height - 1)),
+                between(box_.min.z, box_.max.z, image_.At(x, image_.height - 1 - y) / 65535.0)};
     }
 
-    // Divides the cell along the diagonal on which it bends less, so that ridges and valleys run through.
-    void AddCell(const Vec3& southWest, const Vec3& southEast, const Vec3& northEast, const Vec3& northWest) {
-        if (std::abs(southWest.z - northEast.z) <= std::abs(southEast.z - northWest.z)) {
-            AddPrism({southWest, southEast, northEast});
-            AddPrism({southWest, northEast, northWest});
-        } else {
-            AddPrism({southWest, southEast, northWest});
-            AddPrism({southEast, northEast, northWest});
-        }
-    }
-
+    Vec3 Corner(const GridPoint& p) const { return Corner(p.x, p.y); }
     bool IsRaised(const Vec3& p) const { return p.z > box_.min.z; }
     Vec3 Foot(const Vec3& p) const { return {p.x, p.y, box_.min.z}; }
 
@@ -140,6 +134,7 @@ private:
     std::string steep_, high_;
     double steepFrom_ = 0;  // cosine
     double highFrom_ = 0;
+    double tolerance_ = 0;  // map units
     Terrain out_;
 };
 

@@ -6,10 +6,11 @@
 
 struct Terrain {
     std::vector<MapBrush> prisms;       // the faces on top are smooth
-    std::vector<double> columns, rows;  // x and y of the grid's lines, rising
+    std::vector<double> columns, rows;  // x and y of lines that no prism crosses, rising
 };
 
-// Keys: `image`, beside the map; `steep` and `steep_from` (35 degrees), `high` and `high_from` (map units above the
-// box's bottom): textures that take the place of the box's top on such ground. The image's upper border is north. White
-// is the top of the box, black its bottom; a cell that is all black has no ground.
+// Keys: `image`, beside the map; `tolerance` (4 map units) by which the ground may miss it to have fewer triangles;
+// `steep` and `steep_from` (35 degrees), `high` and `high_from` (map units above the box's bottom): textures that take
+// the place of the box's top on such ground. The image's upper border is north. White is the top of the box, black its
+// bottom; ground that is all black is left out.
 Terrain BuildTerrain(const MapFile& map, const MapEntity& entity);

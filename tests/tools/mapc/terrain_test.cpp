@@ -2,6 +2,7 @@
 #include "formats/files.h"
 #include "map_builder.h"
 #include "mapc/terrain.h"
+#include "mapc/terrain_mesh.h"
 #include "support/content_error.h"
 #include "world_checks.h"
 
@@ -67,6 +68,49 @@ TEST(Terrain, IsSolidSmoothAndInOrderFromEveryView) {
         used[std::min<int>(polygon.texture, 3)]++;
     EXPECT_GT(used[3], 0u) << "steep ground has a texture of its own";
     EXPECT_LT(world.points.size(), world.corners.size() / 2) << "triangles share their points";
+}
+
+TEST(Terrain, ToleranceJoinsTrianglesWithoutGaps) {
+    // A gentle hill around a hole that is black; the hill's border is black, too.
+    const auto gentle = [](int x, int y) {
+        const bool isBlack = std::min(x, y) == 0 || std::max(x, y) == 16 || (x > 8 && x < 12 && y > 4 && y < 8);
+        return isBlack ? 0 : 0.6 + 0.3 * std::sin(x * 0.3) * std::cos(y * 0.2);
+    };
+    WriteHeights("gentle.png", 17, 17, gentle);
+    const auto compile = [](const std::string& tolerance) {
+        return CompileHill(HillMap("\"image\" \"gentle.png\"\n\"tolerance\" \"" + tolerance + "\"\n")).world;
+    };
+    const WorldFile world = compile("12");
+    EXPECT_LT(world.polygons.size() * 2, compile("0").polygons.size());
+    EXPECT_EQ(OpenEdges(world), Findings{});
+    EXPECT_EQ(Faults(world), Findings{}) << "drawing order, winding, cells";
+    for (int y = 0; y <= 16; ++y) {
+        for (int x = 0; x <= 16; ++x) {
+            if (x >= 7 && x <= 9) continue;  // the wall
+            const double height = 256 * gentle(x, y);
+            EXPECT_NEAR(FloorAt(world, x * 64 - 511.7, 511.8 - y * 64), height, height > 0 ? 14 : 1) << x << " " << y;
+        }
+    }
+}
+
+TEST(Terrain, SimplerTrianglesCoverTheGridAndKeepWhatIsBlack) {
+    // Twice the areas of the triangles, and of those that are raised.
+    const auto areas = [](const std::function<double(int, int)>& heightAt, double tolerance) {
+        int all = 0, raised = 0;
+        for (const auto& [a, b, c] : SimplifyGrid(21, 21, heightAt, tolerance)) {
+            const int area = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+            EXPECT_GT(area, 0);
+            all += area;
+            if (heightAt(a.x, a.y) + heightAt(b.x, b.y) + heightAt(c.x, c.y) > 0) raised += area;
+        }
+        return std::pair(all, raised);
+    };
+    const auto hill = [](int x, int y) {
+        return 50 + 30 * std::sin(x * 1.3) * std::cos(y * 0.9) + 5 * std::sin(x * y);
+    };
+    EXPECT_EQ(areas(hill, 20), std::pair(800, 800));
+    const auto low = [](int x, int y) { return x > 3 && x < 17 && y > 5 && y < 9 ? 5.0 : 0.0; };
+    EXPECT_NEAR(areas(low, 20).second, areas(low, 0).second, 8);  // cells at corners may be divided the other way
 }
 
 TEST(Terrain, WhatCannotBeBuiltIsRefused) {
