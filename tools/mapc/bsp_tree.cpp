@@ -17,8 +17,8 @@ constexpr size_t COMPARISONS_MAX =
 constexpr double GRID = 1024;  // planes on this grid are tried where many faces spread beyond it
 constexpr size_t GRID_FACES_MIN = 100;
 constexpr double SPLIT_COST = 20;  // cost of a split face, in faces of imbalance between the two sides
-// Where any faces go behind, subtrees of so many faces are built once with each of these costs, and the one with the
-// fewest faces is kept: first the larger ones, then each smaller one in them.
+// With FacesBehind::AllAndWhole, subtrees of so many faces are built once with each of these costs, and the one with
+// the fewest faces is kept: first the larger ones, then each smaller one in them.
 constexpr size_t TRIAL_FACES[] = {500, 100};
 constexpr double TRIAL_SPLIT_COSTS[] = {20, 40, 100, 300};
 constexpr size_t LEAF_COST = 1;  // of a leaf, where a face costs FACE_COST: of two trees the simpler one is kept
@@ -81,8 +81,8 @@ private:
     }
 
     bool IsTried(const std::vector<Face>& faces) const {
-        return kind_ == TreeKind::Drawing && options_.behind != FacesBehind::None && trials_ < std::size(TRIAL_FACES) &&
-               faces.size() <= TRIAL_FACES[trials_];
+        return kind_ == TreeKind::Drawing && options_.behind == FacesBehind::AllAndWhole &&
+               trials_ < std::size(TRIAL_FACES) && faces.size() <= TRIAL_FACES[trials_];
     }
 
     // What a subtree added to the tree.
@@ -183,7 +183,7 @@ private:
     bool GoesBehind(const Face& face) const {
         const bool isHigh = (face.box.max.z - face.box.min.z) * options_.scale > double{LEDGE_MAX};
         const bool isHighWall = isHigh && std::abs(planes_[face.plane].normal.z) < STEEP_SLOPE;
-        return options_.behind == FacesBehind::All || (options_.behind == FacesBehind::ButHighWalls && !isHighWall);
+        return options_.behind >= FacesBehind::All || (options_.behind == FacesBehind::ButHighWalls && !isHighWall);
     }
 
     bool IsDone(const std::vector<Face>& faces) const {
@@ -257,7 +257,7 @@ private:
         const bool across =
             std::abs(plane.normal.z) > STEEP_SLOPE && std::abs(planes_[face.plane].normal.z) < STEEP_SLOPE;
         if (across && kind_ == TreeKind::Drawing)
-            return options_.behind == FacesBehind::All ? WALL_SPLIT_COST_BEHIND : WALL_SPLIT_COST;
+            return options_.behind >= FacesBehind::All ? WALL_SPLIT_COST_BEHIND : WALL_SPLIT_COST;
         return face.hidden ? HIDDEN_SPLIT_COST : splitCost_;
     }
 

@@ -21,7 +21,9 @@ struct Tree {
 // before a face that goes behind, as a table on a floor, is drawn after it without having cut it: a level has a fifth
 // to a third fewer polygons. But the player touches the nearer side's faces first, and a wall that he touches after the
 // riser of a step lifts him to its own top: the explorer must say whether a level bears it.
-enum class FacesBehind { None, ButHighWalls, All };
+//
+// AllAndWhole: faces also stay whole below what stands on them (mapc/csg.h), and more trees are tried.
+enum class FacesBehind { None, ButHighWalls, All, AllAndWhole };
 
 struct TreeOptions {
     double scale = 1;  // engine units per map unit

@@ -143,8 +143,8 @@ void AddHidden(const SurfaceRequest& request, const std::vector<Face>& faces, Br
 
 // ContentError with the faults, and with the leak where that is none to be taken.
 ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRequest& request, FaultList& faults) {
-    const bool allBehind = request.settings.facesBehind == FacesBehind::All;
-    Surface surface = CutBrushes(brushes, allBehind ? WholeFaces::BelowWhatStandsOnThem : WholeFaces::None);
+    const bool stayWhole = request.settings.facesBehind == FacesBehind::AllAndWhole;
+    Surface surface = CutBrushes(brushes, stayWhole ? WholeFaces::BelowWhatStandsOnThem : WholeFaces::None);
     const SealedSpace space(std::move(surface.sealing), brushes, request.start.origin, request.settings.scale);
     ReachableSurface reachable;
     reachable.leaks = space.LeakPaths();

@@ -145,7 +145,7 @@ LevelSettings ReadSettings(const MapFile& map, const std::optional<std::array<in
     settings.farDistance = static_cast<int>(number("far_distance", settings.farDistance, 1, 1e6));
     settings.lightMode = static_cast<int>(number("light_mode", 0, 0, 3));
     settings.skirts = number("skirts", 1, 0, 1) != 0;
-    settings.facesBehind = static_cast<FacesBehind>(number("faces_behind", 0, 0, 2));
+    settings.facesBehind = static_cast<FacesBehind>(number("faces_behind", 0, 0, 3));
     settings.guards = ReadGuards(world);
     settings.plainBrightening = number("plain_brightening", 0, 0, 1) != 0;
     ReadColour(world, "bright_color", settings.brightColour);

@@ -34,7 +34,7 @@ struct LevelSettings {
     int farDistance = 16000;       // "far_distance": software, nothing beyond is drawn
     bool skirts = true;            // "skirts": leaning faces behind walls, see mapc/skirts.h
     Guards guards;                 // "guards": which of them, by their names
-    FacesBehind facesBehind = FacesBehind::None;  // "faces_behind": 0, 1 or 2, see mapc/bsp_tree.h
+    FacesBehind facesBehind = FacesBehind::None;  // "faces_behind": 0 to 3, see mapc/bsp_tree.h
     int lightMode = 0;                            // "light_mode": 2 inverts the light
     bool plainBrightening = false;                // "plain_brightening": all colours brighten by the same fraction
     std::array<int, 3> brightColour{63, 63, 63};  // "bright_color": towards which light brightens, 0..63 each

@@ -12,7 +12,6 @@ namespace {
 
 constexpr double CELL_MIN = 32;  // map units
 constexpr double STEEP_FROM = 35;
-constexpr double TOLERANCE = 4;  // map units
 
 // Corners counter-clockwise as seen from above.
 using Triangle = std::array<Vec3, 3>;
@@ -27,7 +26,7 @@ public:
         ReadBox();
         ReadImage();
         ReadBands();
-        tolerance_ = NumberKeyIn(entity, "tolerance", TOLERANCE, 0, MAP_EXTENT);
+        tolerance_ = NumberKeyIn(entity, "tolerance", 0, 0, MAP_EXTENT);
     }
 
     Terrain Build() {

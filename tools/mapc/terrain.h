@@ -9,7 +9,7 @@ struct Terrain {
     std::vector<double> columns, rows;  // x and y of lines that no prism crosses, rising
 };
 
-// Keys: `image`, beside the map; `tolerance` (4 map units) by which the ground may miss it to have fewer triangles;
+// Keys: `image`, beside the map; `tolerance` (0 map units) by which the ground may miss it to have fewer triangles;
 // `steep` and `steep_from` (35 degrees), `high` and `high_from` (map units above the box's bottom): textures that take
 // the place of the box's top on such ground. The image's upper border is north. White is the top of the box, black its
 // bottom; ground that is all black is left out.
