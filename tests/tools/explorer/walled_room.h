@@ -1,10 +1,10 @@
-constexpr int LOW_CEILING = 320;  // above the floor
-
 // Rooms for the search: 800 by 800 and 600 high, as worlds of level 3, whose start lies in a corner.
 #pragma once
 
 #include <filesystem>
 #include <optional>
+
+constexpr int LOW_CEILING = 320;  // above the floor
 
 enum class Room {
     Safe,          // its walls lean away, so that a player who falls along them presses into them
