@@ -45,20 +45,31 @@ int Walk(const WalkerLevel& files, const PlacesFile& places, uint32_t seed, cons
     return report.WithinTime(places) ? 0 : 1;
 }
 
-int Explore(const WalkerLevel& files, SearchOptions options, const std::optional<PlacesFile>& places,
-            const fs::path& output, const std::string& level, const std::vector<std::string>& allowed) {
+// What a search is about, and where its scripts go.
+struct Exploration {
+    const WalkerLevel& files;
+    const std::optional<PlacesFile>& places;
+    const fs::path& output;
+    std::string name;                         // its scripts begin with it
+    const std::vector<std::string>& allowed;  // kinds of faults
+};
+
+// Status.
+int Explore(const Exploration& exploration, SearchOptions options) {
     const auto begin = std::chrono::steady_clock::now();
+    const auto& [files, places, output, name, allowed] = exploration;
     if (places && places->net) options.net = static_cast<float>(*places->net);
     Walker walker(files);
     const SearchReport report = Search(walker, options).Run();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
     const std::optional<MapFrame> map = places ? std::optional(places->frame) : std::nullopt;
-    fmt::print("{}{:.1f} seconds\n", ReportOf(report, map, output, level), seconds.count());
-    const auto counts = [&](const Fault& fault) {
-        const std::string name = FAULT_NAMES[static_cast<int>(fault.kind)];
-        return fault.kind != FaultKind::Creep && std::find(allowed.begin(), allowed.end(), name) == allowed.end();
-    };
-    return std::any_of(report.faults.begin(), report.faults.end(), counts) ? 1 : 0;
+    fmt::print("{}{:.1f} seconds\n", ReportOf(report, map, output, name), seconds.count());
+    for (const Fault& fault : report.faults) {
+        const std::string kind = FAULT_NAMES[static_cast<int>(fault.kind)];
+        if (fault.kind != FaultKind::Creep && std::find(allowed.begin(), allowed.end(), kind) == allowed.end())
+            return 1;
+    }
+    return 0;
 }
 
 }  // namespace
@@ -73,6 +84,9 @@ int main(int argc, char** argv) {
     app.add_option("--level", level, "the level")->required()->check(CLI::Range(1, LEVEL_COUNT));
     app.add_option("--frames", options.frames, "how many frames to play")->capture_default_str();
     app.add_option("--seed", options.seed, "of the random keys: the same seed, the same search")->capture_default_str();
+    uint32_t seeds = 1;
+    app.add_option("--seeds", seeds, "so many searches, with that seed and those after it, which share the frames")
+        ->check(CLI::Range(1, 1000));
     app.add_option("--ticks", ticks, "length of a frame in ticks; the level's own when it is left out")
         ->check(CLI::Range(1, 12));
     app.add_option("--data", data, "the data folder")->capture_default_str();
@@ -89,8 +103,14 @@ int main(int argc, char** argv) {
         const WalkerLevel files = FilesOf(data, level, ticks);
         const std::optional<PlacesFile> places = PlacesOf(data, level);
         const std::string name = fmt::format("level{}", level);
-        if (!route) return Explore(files, options, places, output, name, allowed);
-        return Walk(files, places.value_or(PlacesFile{}), options.seed, output / (name + "_route.txt"));
+        if (route) return Walk(files, places.value_or(PlacesFile{}), options.seed, output / (name + "_route.txt"));
+        options.frames /= seeds;
+        int status = 0;
+        for (const uint32_t last = options.seed + seeds; options.seed != last; ++options.seed) {
+            const std::string part = seeds > 1 ? fmt::format("{}_seed{}", name, options.seed) : name;
+            status |= Explore({files, places, output, part, allowed}, options);
+        }
+        return status;
     } catch (const std::exception& error) {
         fmt::print(stderr, "explorer: {}\n", error.what());
         return 2;

@@ -8,6 +8,7 @@
 #include "mapc/hollows.h"
 #include "mapc/instances.h"
 #include "mapc/ledge_walls.h"
+#include "mapc/lids.h"
 #include "mapc/light.h"
 #include "mapc/light_cuts.h"
 #include "mapc/light_slots.h"
@@ -282,6 +283,7 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     addHidden(std::move(surface.hidden));
     if (clip && settings.guards.hollows) addHidden(FloorsInHollows(tree, hidden, brushes, *clip, settings.scale));
     hidden.erase(hidden.begin(), hidden.begin() + static_cast<std::ptrdiff_t>(walls.size()));
+    if (clip && settings.guards.lids) addHidden(LidsOverLedges(tree, hidden, brushes, *clip, {settings.scale, ticks}));
     SetHiddenApart(tree, hidden, brushes, settings.scale);
     hidden.insert(hidden.begin(), walls.begin(), walls.end());
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};

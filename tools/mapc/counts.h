@@ -12,7 +12,7 @@ constexpr size_t NODES_MAX = 32767;
 constexpr size_t LEAVES_MAX = BSP_LEAVES_MAX;
 constexpr size_t PLANES_MAX = 62000;
 constexpr size_t POLYGONS_MAX = CORNER_LIGHT_POLYGONS;
-constexpr size_t POINTS_MAX = 25000;
+constexpr size_t POINTS_MAX = 32000;
 constexpr size_t CORNERS_MAX = 52000;
 static_assert(NODES_MAX <= BSP_NODES_MAX && PLANES_MAX + SPARE_PLANES <= INDICES_MAX &&
               POLYGONS_MAX + SPARE_POLYGONS <= POLYGON_NUMBERS_MAX && POINTS_MAX + SPARE_POINTS <= INDICES_MAX &&

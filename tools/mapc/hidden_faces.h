@@ -10,6 +10,12 @@ struct LeafFace {
     size_t leaf;  // of the tree
 };
 
+// How a player moves in the level.
+struct MoveOptions {
+    double scale = 1;  // engine units per map unit
+    int ticks = 1;     // length of the frames
+};
+
 // Leaves out so many of the faces, the smallest.
 void LeaveOutSmallest(std::vector<LeafFace>& faces, size_t count);
 // Leaves out so many of the faces near the place, the smallest of those within reach of it. False when there are none.

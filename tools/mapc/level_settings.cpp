@@ -33,11 +33,9 @@ void ReadDarkColour(const MapEntity& world, const std::optional<std::array<int, 
            "leave the key out, or change the dark colour of the textures");
 }
 
-constexpr std::pair<const char*, bool Guards::*> GUARDS[] = {{"net", &Guards::net},
-                                                             {"floors", &Guards::floors},
-                                                             {"walls", &Guards::walls},
-                                                             {"hollows", &Guards::hollows},
-                                                             {"ceilings", &Guards::ceilings}};
+constexpr std::pair<const char*, bool Guards::*> GUARDS[] = {
+    {"net", &Guards::net},         {"floors", &Guards::floors}, {"walls", &Guards::walls},
+    {"hollows", &Guards::hollows}, {"lids", &Guards::lids},     {"ceilings", &Guards::ceilings}};
 
 Guards ReadGuards(const MapEntity& world) {
     Guards guards;
@@ -48,7 +46,7 @@ Guards ReadGuards(const MapEntity& world) {
             std::find_if(std::begin(GUARDS), std::end(GUARDS), [&](const auto& guard) { return name == guard.first; });
         if (found == std::end(GUARDS))
             Refuse(key->line, "there are no guards " + Shown(name),
-                   "use net, floors, walls, hollows and ceilings, with blanks between");
+                   "use net, floors, walls, hollows, lids and ceilings, with blanks between");
         guards.*found->second = true;
     }
     return guards;

@@ -14,6 +14,7 @@ struct Guards {
     bool floors = false;    // mapc/floors_behind.h
     bool walls = false;     // mapc/ledge_walls.h
     bool hollows = false;   // mapc/hollows.h
+    bool lids = false;      // mapc/lids.h
     bool ceilings = false;  // mapc/ceilings.h
 };
 

@@ -36,6 +36,8 @@ public:
         if (FacesOf(tree_) > TRIAL_POLYGONS_MAX) return Uncut();
         FindLight(bake.threads);
         CutWorld cut = WithTolerance();
+        while (IsTooLarge(cut) && LeaveOutSome())  // before the light suffers
+            cut = WithTolerance();
         if (Fits(cut)) return cut;
         CutWorld uncut = Uncut();  // refuses what no coarser grid can help
         while (!Fits(cut) && level_ < UNCUT) {
@@ -65,10 +67,8 @@ private:
     // Refuses what is beyond a limit. Hidden faces are no reason to.
     CutWorld Uncut() {
         CutWorld cut = WithHidden(tree_);
-        for (size_t tooMany = 1; IsTooLarge(cut) && !hidden_.empty(); tooMany *= 2) {
-            LeaveOutSmallest(hidden_, tooMany);
+        while (IsTooLarge(cut) && LeaveOutSome())
             cut = WithHidden(tree_);
-        }
         CheckCounts(sources_.mapName, cut.counts);
         if (cut.contacts.count > LEVEL_CONTACTS_MAX) {
             Refuse(sources_.mapName, 0,
@@ -142,8 +142,7 @@ private:
         CutWorld cut = WorldOf(tree);
         while (!IsTooLarge(cut) && cut.contacts.count > LEVEL_CONTACTS_MAX) {
             const size_t tooMany = static_cast<size_t>(cut.contacts.count - LEVEL_CONTACTS_MAX);
-            const double reach = CONTACTS_REACH / sources_.settings.scale;
-            if (!LeaveOutSmallest(hidden_, PlaceOf(cut.contacts), reach, tooMany)) break;
+            if (!LeaveOutNear(PlaceOf(cut.contacts), tooMany)) break;
             cut = WorldOf(tree);
         }
         cut.hidden = hidden_.size();
@@ -168,6 +167,22 @@ private:
     static bool IsTooLarge(const CutWorld& cut) {
         return std::any_of(cut.counts.begin(), cut.counts.end(),
                            [](const Count& count) { return count.value > count.limit; });
+    }
+
+    // At their sharp corners the game takes polygons for much larger: where there are none near, those farther away.
+    bool LeaveOutNear(const Vec3& place, size_t tooMany) {
+        for (double reach = CONTACTS_REACH; reach < 8 * CONTACTS_REACH; reach *= 2) {
+            if (LeaveOutSmallest(hidden_, place, reach / sources_.settings.scale, tooMany)) return true;
+        }
+        return false;
+    }
+
+    // False when there are none left.
+    bool LeaveOutSome() {
+        constexpr size_t SHARE = 16;
+        if (hidden_.empty()) return false;
+        LeaveOutSmallest(hidden_, hidden_.size() / SHARE + 1);
+        return true;
     }
 
     static bool Fits(const CutWorld& cut) { return !IsTooLarge(cut) && cut.contacts.count <= LEVEL_CONTACTS_MAX; }

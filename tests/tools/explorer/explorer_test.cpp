@@ -60,8 +60,9 @@ TEST(Explorer, NobodyFallsBelowTheNet) {
     EXPECT_GT(CountOf(Search(again, options).Run(), FaultKind::Fall), 0);  // and that is told
 }
 
-TEST(Explorer, ALedgeBesideATallWallThrowsThePlayerUp) {
+TEST(Explorer, ALedgeBesideATallWallThrowsThePlayerUpButUnderALid) {
     EXPECT_GT(CountOf(Explore(Room::Ledge), FaultKind::Lift), 0);
+    EXPECT_EQ(CountOf(Explore(Room::LiddedLedge), FaultKind::Lift), 0);
 }
 
 TEST(Explorer, APitWithoutAWayOutIsATrap) {

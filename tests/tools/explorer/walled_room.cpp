@@ -92,6 +92,7 @@ MapBuilder MapOf(Room room) {
         map.guards = "ceilings";
         return map.Box({-LEAN, -LEAN, LOW_CEILING}, {SIDE + LEAN, SIDE + LEAN, HEIGHT});
     }
+    if (room == Room::LiddedLedge) map.guards = "lids";
     for (int x = 250; x < 750; x += 110)
         map.TurnedBox({x, 200, 0}, {x + 100, 300, 24});
     return map.Box({200, 300, 0}, {800, 500, 300});

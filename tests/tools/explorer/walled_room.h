@@ -12,6 +12,7 @@ enum class Room {
     Skirted,       // as Upright, with skirts behind them
     Netted,        // as Upright, with the floors behind walls and the ground below everything that mapc adds
     Ledge,         // as Safe, with ledges of 24 that lead aslant to a tall block
+    LiddedLedge,   // as Ledge, with the lids over their corners that mapc adds
     Hollow,        // as Safe, with a wall and a steep bank whose feet meet
     FilledHollow,  // as Hollow, with the floor between them that mapc adds
     Low,           // as Safe, with a ceiling that a leap passes, and the slab below it that mapc adds
