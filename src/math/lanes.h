@@ -25,6 +25,11 @@ void StoreLanes(void* bytes, Lanes lanes) {
     std::memcpy(bytes, &lanes, sizeof lanes);
 }
 
+// The number of a list's entry for a lane: where the list is at its end, the other lanes have its first entry.
+inline int OrFirst(int number, int count) {
+    return number < count ? number : 0;
+}
+
 inline Float4 All(float number) {
     return Float4{number, number, number, number};
 }

@@ -106,13 +106,13 @@ void ProjectCorners(const PolyRecord& polygon, uint32_t firstFresh) {
     }
 }
 
-// The corners of a polygon from their ViewPoints, four at a time.
-void CollectCorners(const PolyRecord& polygon, ScreenCorners* corners) {
+// Where the corners of a polygon stand on the screen, from their ViewPoints.
+void ProjectScreenCorners(const PolyRecord& polygon, ScreenCorners* corners) {
     const PolyVertex* const vertices = WorldGeometry.polyVertices + polygon.firstVertex;
     for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT, ++corners) {
         Float4 points[LANE_COUNT], light[LANE_COUNT];
         for (int lane = 0; lane < LANE_COUNT; ++lane) {
-            const PolyVertex* const vertex = vertices + (i + lane < polygon.cornerCount ? i + lane : 0);
+            const PolyVertex* const vertex = vertices + OrFirst(i + lane, polygon.cornerCount);
             points[lane] = LoadLanes<Float4>(WorldGeometry.viewPoints + vertex->point);
             light[lane] = LoadLanes<Float4>(vertex);
         }
@@ -127,7 +127,7 @@ void CollectCorners(const PolyRecord& polygon, ScreenCorners* corners) {
 void ProjectAndSubmit(const PolyRecord& polygon, uint32_t firstFresh) {
     if (NearestFirst()) {
         ScreenCorners corners[SCREEN_CORNERS_MAX];
-        CollectCorners(polygon, corners);
+        ProjectScreenCorners(polygon, corners);
         SubmitCorners(polygon, corners);
     } else {
         ProjectCorners(polygon, firstFresh);

@@ -23,11 +23,6 @@ int GroupCount(const PolyRecord& polygon) {
     return (polygon.cornerCount + LANE_COUNT - 1) / LANE_COUNT;
 }
 
-// The number of a polygon's corner; behind the last one comes the first.
-int CornerNumber(const PolyRecord& polygon, int number) {
-    return number < polygon.cornerCount ? number : 0;
-}
-
 // The corners' points as they lie in WorldGeometry.
 void CollectCorners(const PolyRecord& polygon, ScreenCorners* corners) {
     static_assert(offsetof(ViewPoint, inverseDepth) == offsetof(ViewPoint, projectionStamp) + 12);
@@ -35,7 +30,7 @@ void CollectCorners(const PolyRecord& polygon, ScreenCorners* corners) {
     for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT, ++corners) {
         Int4 points[LANE_COUNT];
         for (int lane = 0; lane < LANE_COUNT; ++lane) {
-            const PolyVertex& vertex = vertices[CornerNumber(polygon, i + lane)];
+            const PolyVertex& vertex = vertices[OrFirst(i + lane, polygon.cornerCount)];
             points[lane] = LoadLanes<Int4>(&WorldGeometry.viewPoints[vertex.point].projectionStamp);
             corners->intensity[lane] = vertex.intensity;
         }
@@ -52,9 +47,9 @@ void DivideByDepth(const PolyRecord& polygon, const ScreenCorners* corners, Floa
     const PolyVertex* const vertices = WorldGeometry.polyVertices + polygon.firstVertex;
     for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT, ++corners, overDepth += LANE_COUNT) {
         Float4 point = LoadLanes<Float4>(vertices + i);
-        Float4 u = LoadLanes<Float4>(vertices + CornerNumber(polygon, i + 1));
-        Float4 v = LoadLanes<Float4>(vertices + CornerNumber(polygon, i + 2));
-        Float4 intensity = LoadLanes<Float4>(vertices + CornerNumber(polygon, i + 3));
+        Float4 u = LoadLanes<Float4>(vertices + OrFirst(i + 1, polygon.cornerCount));
+        Float4 v = LoadLanes<Float4>(vertices + OrFirst(i + 2, polygon.cornerCount));
+        Float4 intensity = LoadLanes<Float4>(vertices + OrFirst(i + 3, polygon.cornerCount));
         Transpose(point, u, v, intensity);
         overDepth[0] = u * corners->inverseDepth;
         overDepth[1] = v * corners->inverseDepth;
@@ -129,7 +124,7 @@ void WalkEdges(const PolyRecord& polygon, const ScreenCorners* corners) {
         for (unsigned left = static_cast<unsigned>(edges.listed); left != 0; left &= left - 1) {
             const int lane = std::countr_zero(left);
             const int from = group * LANE_COUNT + lane;
-            const int to = CornerNumber(polygon, from + 1);
+            const int to = OrFirst(from + 1, polygon.cornerCount);
             const bool rises = (edges.rising >> lane & 1) != 0;
             WalkEdge(edges, lane, overDepth[rises ? to : from], overDepth[rises ? from : to]);
         }

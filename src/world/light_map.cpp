@@ -145,14 +145,14 @@ void ShadePolygon(int32_t polygon) {
 Float4 CornerIntensities(uint32_t polygon, int first, Float4 depths) {
     const PolyRecord& record = WorldGeometry.polygons[polygon];
     const PolyVertex* corners = WorldGeometry.polyVertices + record.firstVertex;
-    const auto corner = [&](int number) { return number < record.cornerCount ? number : 0; };
-    const auto rawOfAll = [&](auto raw) {
-        return Int4{raw(first), raw(corner(first + 1)), raw(corner(first + 2)), raw(corner(first + 3))};
+    const int k[] = {first, OrFirst(first + 1, record.cornerCount), OrFirst(first + 2, record.cornerCount),
+                     OrFirst(first + 3, record.cornerCount)};
+    const auto lit = [&](auto raw) {
+        return LightToIntensity(Int4{raw(k[0]), raw(k[1]), raw(k[2]), raw(k[3])}, depths);
     };
-    const Int4 raw = record.shading == SHADE_POINT_LIGHT
-                         ? rawOfAll([&](int k) { return PointLightByte(corners[k].point); })
-                         : rawOfAll([&](int k) { return CornerLightByte(EntryOf(polygon, k)); });
-    return LightToIntensity(raw, depths);
+    if (record.shading == SHADE_CORNER_LIGHT) return lit([&](int n) { return CornerLightByte(EntryOf(polygon, n)); });
+    if (record.shading == SHADE_POINT_LIGHT) return lit([&](int n) { return PointLightByte(corners[n].point); });
+    return Float4{corners[k[0]].intensity, corners[k[1]].intensity, corners[k[2]].intensity, corners[k[3]].intensity};
 }
 
 void ShadeCharacterPoint(uint32_t point) {

@@ -1,6 +1,8 @@
-// What a damaged lights.lmp and a polygon beyond the tables do. How light looks is tested by the golden pictures.
+// What a damaged lights.lmp and a polygon beyond the tables do, and kinds of light that no map compiler writes. How
+// light looks is tested by the golden pictures.
 #include "world/light_map.h"
 
+#include "platform/timer.h"
 #include "render/device/device.h"
 #include "render/render_tables.h"
 #include "support/pool_fixture.h"
@@ -85,6 +87,28 @@ TEST_F(LightMap, HasNoCornerBytesBeyondItsTable) {
     EXPECT_EQ(WorldGeometry.polyVertices[0].intensity, 52 * 256.0f);
     ShadePolygon(CORNER_LIGHT_POLYGONS);
     EXPECT_EQ(WorldGeometry.polyVertices[0].intensity, 32 * 256.0f);
+}
+
+TEST_F(LightMap, LightsFourCornersAtOnceAsItLightsThePolygonWhateverItsKind) {
+    GlideWindowOpen = 0;
+    const PolyRecord& polygon = WorldGeometry.polygons[0];
+    PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
+    const Float4 depths = {5, 50, 150, 250};
+    for (const uint8_t kind : {SHADE_CORNER_LIGHT, SHADE_POINT_LIGHT, uint8_t{2}, uint8_t{255}}) {
+        WorldGeometry.polygons[0].shading = kind;
+        for (int k = 0; k < 4; ++k) {
+            const auto byte = static_cast<int8_t>(10 * k);
+            corners[k].intensity = static_cast<float>(k);
+            WorldGeometry.viewPoints[corners[k].point].z = depths[k];
+            WorldGeometry.pointLightBase[corners[k].point] = byte;
+            CornerLightBase[k] = static_cast<int8_t>(60 - byte);
+        }
+        FrameCount++;  // forgets the points' intensities
+        const Float4 all = CornerIntensities(0, 0, depths);
+        ShadePolygon(0);
+        for (int k = 0; k < 4; ++k)
+            EXPECT_EQ(all[k], corners[k].intensity) << int{kind} << " " << k;
+    }
 }
 
 }  // namespace

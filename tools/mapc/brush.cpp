@@ -191,6 +191,13 @@ private:
 
 }  // namespace
 
+std::vector<Box> BoxesOf(const Brushes& brushes) {
+    std::vector<Box> boxes;
+    for (const Brush& brush : brushes.list)
+        boxes.push_back(brush.box);
+    return boxes;
+}
+
 bool Brush::Holds(const Vec3& p, const PlaneTable& planes, double tolerance) const {
     if (!box.Holds(p, tolerance)) return false;
     for (const BrushSide& side : sides) {

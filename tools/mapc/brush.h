@@ -43,6 +43,8 @@ struct Brushes {
     std::vector<int> terrainLines;  // planes of the grids of terrains
 };
 
+std::vector<Box> BoxesOf(const Brushes& brushes);
+
 // The brushes of worldspawn, func_group and func_detail, and those that terrains become. ContentError for a brush
 // without volume or open, a texture that is not in the list, an unknown entity with brushes, and more than BRUSHES_MAX.
 //

@@ -46,13 +46,6 @@ private:
         }
     }
 
-    static std::vector<Box> BoxesOf(const Brushes& brushes) {
-        std::vector<Box> boxes;
-        for (const Brush& brush : brushes.list)
-            boxes.push_back(brush.box);
-        return boxes;
-    }
-
     void CutSide(int owner, const BrushSide& side, Surface& surface) {
         const BrushKind kind = brushes_.list[static_cast<size_t>(owner)].kind;
         const auto isSolid = [](BrushKind other) { return other == BrushKind::Solid; };

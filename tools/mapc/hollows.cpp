@@ -1,6 +1,6 @@
 #include "mapc/hollows.h"
 
-#include "mapc/box_grid.h"
+#include "mapc/solid_brushes.h"
 #include "records/walking_facts.h"
 
 #include <optional>
@@ -49,7 +49,7 @@ class HollowFinder {
 public:
     HollowFinder(const Tree& tree, const std::vector<LeafFace>& hidden, Brushes& brushes, double scale)
         : tree_(tree), brushes_(brushes), unit_(1 / scale), obstacles_(ObstaclesOf(tree, hidden, brushes)),
-          grid_(BoxesOf(tree, hidden)), solids_(BoxesOf(brushes)) {}
+          grid_(BoxesOf(tree, hidden)), solids_(brushes) {}
 
     std::vector<Face> Floors(const Material& clip) {
         for (const double rounding : ROUNDING) {
@@ -101,20 +101,6 @@ private:
         return boxes;
     }
 
-    static std::vector<Box> BoxesOf(const Brushes& brushes) {
-        std::vector<Box> boxes;
-        for (const Brush& brush : brushes.list)
-            boxes.push_back(brush.box);
-        return boxes;
-    }
-
-    bool IsSolid(const Vec3& p) const {
-        return solids_.AnyAt(p, 0, [&](int i) {
-            const Brush& brush = brushes_.list[static_cast<size_t>(i)];
-            return brush.kind != BrushKind::Cutout && brush.Holds(p, brushes_.planes, 0);
-        });
-    }
-
     // Balls that touch the face, side by side all over it.
     void RollFrom(const Face& face) {
         const Vec3& normal = brushes_.planes[face.plane].normal;
@@ -140,7 +126,7 @@ private:
     void Roll(Vec3 ball) {
         uint64_t cell = CellOf(ball);
         for (int i = 0; i < STEPS_MAX; ++i) {
-            if (IsSolid(ball)) return;
+            if (solids_.Hold(ball)) return;
             std::optional<Vec3> next = Moved(ball, FALL);
             if (!next) return;
             if (Length(*next - ball) < FALL / 2 * unit_) {
@@ -218,7 +204,7 @@ private:
     double rounding_ = 0;
     std::vector<Obstacle> obstacles_;
     BoxGrid grid_;
-    BoxGrid solids_;
+    SolidBrushes solids_;
     std::unordered_set<uint64_t> visited_;
     std::vector<Vec3> rests_;
     std::vector<int> found_;

@@ -1,6 +1,6 @@
 #include "mapc/lids.h"
 
-#include "mapc/box_grid.h"
+#include "mapc/solid_brushes.h"
 #include "records/walking_facts.h"
 
 namespace {
@@ -22,7 +22,7 @@ class LidMaker {
 public:
     LidMaker(const Tree& tree, const std::vector<LeafFace>& hidden, Brushes& brushes, const MoveOptions& options)
         : brushes_(brushes), unit_(1 / options.scale), reach_(REACH_ONE_TICK * options.ticks),
-          walls_(WallsOf(tree, hidden)), grid_(BoxesOf(walls_)), floors_(FloorsOf(tree)), solids_(BoxesOf(brushes)) {}
+          walls_(WallsOf(tree, hidden)), grid_(BoxesOf(walls_)), floors_(FloorsOf(tree)), solids_(brushes) {}
 
     std::vector<Face> Make(const Material& clip) {
         std::vector<int> beside;
@@ -85,13 +85,6 @@ private:
         return boxes;
     }
 
-    static std::vector<Box> BoxesOf(const Brushes& brushes) {
-        std::vector<Box> boxes;
-        for (const Brush& brush : brushes.list)
-            boxes.push_back(brush.box);
-        return boxes;
-    }
-
     BoxGrid FloorsOf(const Tree& tree) const {
         std::vector<Box> boxes;
         for (const std::vector<Face>& leaf : tree.leaves) {
@@ -99,13 +92,6 @@ private:
                 if (brushes_.planes[face.plane].normal.z > double{LANDING_SLOPE}) boxes.push_back(face.box);
         }
         return BoxGrid(std::move(boxes));
-    }
-
-    bool IsSolid(const Vec3& p) const {
-        return solids_.AnyAt(p, 0, [&](int i) {
-            const Brush& brush = brushes_.list[static_cast<size_t>(i)];
-            return brush.kind != BrushKind::Cutout && brush.Holds(p, brushes_.planes, 0);
-        });
     }
 
     bool Reaches(const Wall& wall, const Vec3& p, double margin) const {
@@ -155,7 +141,7 @@ private:
 
     bool HasRoom(const Vec3& corner) const {
         return std::none_of(std::begin(OPEN_HEIGHTS), std::end(OPEN_HEIGHTS), [&](double height) {
-            return IsSolid(corner + Vec3{0, 0, height * unit_});
+            return solids_.Hold(corner + Vec3{0, 0, height * unit_});
         });
     }
 
@@ -202,7 +188,8 @@ private:
     double unit_;  // an engine unit in map units
     double reach_;
     std::vector<Wall> walls_;
-    BoxGrid grid_, floors_, solids_;
+    BoxGrid grid_, floors_;
+    SolidBrushes solids_;
     std::vector<Corner> corners_;
     std::vector<int> found_;
 };

@@ -6,24 +6,13 @@ namespace {
 constexpr double DEPTH_STEP = 8;
 constexpr double SAMPLE_STEP = 48;
 
-std::vector<Box> BoxesOf(const Brushes& brushes) {
-    std::vector<Box> boxes;
-    for (const Brush& brush : brushes.list)
-        boxes.push_back(brush.box);
-    return boxes;
-}
-
 }  // namespace
 
 WallDepth::WallDepth(const Brushes& brushes, const SealedSpace& space, double scale)
-    : brushes_(brushes), space_(space), step_(DEPTH_STEP / scale), grid_(BoxesOf(brushes)) {}
+    : space_(space), step_(DEPTH_STEP / scale), solids_(brushes) {}
 
 bool WallDepth::IsOpen(const Vec3& p) const {
-    if (!space_.Reaches(p)) return false;
-    return !grid_.AnyAt(p, 0, [&](int i) {
-        const Brush& brush = brushes_.list[static_cast<size_t>(i)];
-        return brush.kind != BrushKind::Cutout && brush.Holds(p, brushes_.planes, 0);
-    });
+    return space_.Reaches(p) && !solids_.Hold(p);
 }
 
 double WallDepth::At(const Vec3& place, const Vec3& back, double most) const {

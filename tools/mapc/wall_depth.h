@@ -1,8 +1,8 @@
 // How thick walls are: hidden faces inside a wall (skirts, floors) must not stick out of it.
 #pragma once
 
-#include "mapc/box_grid.h"
 #include "mapc/sealing.h"
+#include "mapc/solid_brushes.h"
 
 class WallDepth {
 public:
@@ -15,10 +15,9 @@ public:
     double At(const Vec3& place, const Vec3& back, double most) const;
 
 private:
-    const Brushes& brushes_;
     const SealedSpace& space_;
     double step_;
-    BoxGrid grid_;
+    SolidBrushes solids_;
 };
 
 // Where the thickness along an edge is measured: the middles of pieces no longer than 48 engine units.

@@ -118,7 +118,7 @@ void LookAtGroups(int count, PolygonView& view) {
 void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
     const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
     const int count = polygon.cornerCount;
-    const auto corner = [&](int number) { return corners + (number < count ? number : 0); };
+    const auto corner = [&](int number) { return corners + OrFirst(number, count); };
     int groups = 0;
     for (int i = 0; i < count; i += LANE_COUNT)
         view.groups[groups++] = PositionsOf({corners + i, corner(i + 1), corner(i + 2), corner(i + 3)});
