@@ -4,6 +4,7 @@
 #include "formats/files.h"
 #include "mapc/ceilings.h"
 #include "mapc/floors_behind.h"
+#include "mapc/guard_points.h"
 #include "mapc/hidden_leaves.h"
 #include "mapc/hollows.h"
 #include "mapc/instances.h"
@@ -284,6 +285,11 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     if (clip && settings.guards.hollows) addHidden(FloorsInHollows(tree, hidden, brushes, *clip, settings.scale));
     hidden.erase(hidden.begin(), hidden.begin() + static_cast<std::ptrdiff_t>(walls.size()));
     if (clip && settings.guards.lids) addHidden(LidsOverLedges(tree, hidden, brushes, *clip, {settings.scale, ticks}));
+    // These are never left out.
+    for (Face& face : FacesAtGuardPoints(map, tree, hidden, brushes, clip, {settings.scale, ticks})) {
+        const size_t leaf = LeafAt(tree, brushes.planes, WindingCentre(face.winding));
+        tree.leaves[leaf].push_back(std::move(face));
+    }
     SetHiddenApart(tree, hidden, brushes, settings.scale);
     hidden.insert(hidden.begin(), walls.begin(), walls.end());
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};

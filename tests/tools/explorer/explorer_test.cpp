@@ -2,6 +2,7 @@
 #include "explorer/report.h"
 #include "explorer/route.h"
 #include "mapc/jumps.h"
+#include "player/player.h"
 #include "program/run_program.h"
 #include "records/walking_facts.h"
 #include "walled_room.h"
@@ -72,6 +73,40 @@ TEST(Explorer, APitWithoutAWayOutIsATrap) {
 TEST(Explorer, AFloorInASteepHollowLetsThePlayerOut) {
     EXPECT_GT(CountOf(Explore(Room::Hollow), FaultKind::Trap), 0);
     EXPECT_EQ(CountOf(Explore(Room::FilledHollow), FaultKind::Trap), 0);
+}
+
+// Writes the room with an entity at the place of its first fault of the kind, which is returned.
+Fault Mend(Room room, FaultKind kind, const std::string& className) {
+    const SearchReport report = Explore(room);
+    const auto fault =
+        std::find_if(report.faults.begin(), report.faults.end(), [&](const Fault& each) { return each.kind == kind; });
+    if (fault == report.faults.end()) throw std::runtime_error("no fault");
+    WriteRoom(room, WORLD, RoomPoint{className, {fault->place.x, fault->place.y, fault->place.z}});
+    return *fault;
+}
+
+TEST(Explorer, AFootingIsAFloorForWhoeverHangsAtItsPlace) {
+    const Fault trap = Mend(Room::Hollow, FaultKind::Trap, "info_footing");
+    Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    Body body = walker.Save();
+    body.actor.state = STATE_HOP_AIR;
+    body.actor.position = {trap.place.x, trap.place.y + 40, trap.place.z};
+    walker.Restore(body);
+    for (int i = 0; i < 60; ++i)
+        walker.Frame(0);
+    EXPECT_GT(walker.Save().actor.contactSlope, LANDING_SLOPE);
+    EXPECT_NE(walker.Save().actor.state, STATE_HOP_AIR);
+    EXPECT_NEAR(walker.Position().y, trap.place.y, 32);
+}
+
+TEST(Explorer, ALidKeepsDownWhoeverWasThrownUpAtItsPlace) {
+    const Fault lift = Mend(Room::Ledge, FaultKind::Lift, "info_lid");
+    Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});
+    for (const HeldKeys& keys : lift.play) {
+        for (uint32_t i = 0; i < keys.frames; ++i)
+            walker.Frame(keys.controls);
+    }
+    EXPECT_LT(walker.Position().y, lift.outcome.y - 80);
 }
 
 float StartOnTheFloor(Walker& walker) {

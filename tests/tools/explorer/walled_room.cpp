@@ -100,8 +100,14 @@ MapBuilder MapOf(Room room) {
 
 }  // namespace
 
-std::optional<float> WriteRoom(Room room, const std::filesystem::path& world) {
-    const CompiledLevel level = Compile(MapOf(room).Start("200 200 60"), 3, {LightQuality::None, 1, {}});
+std::optional<float> WriteRoom(Room room, const std::filesystem::path& world, const std::optional<RoomPoint>& point) {
+    MapBuilder map = MapOf(room).Start("200 200 60");
+    CompiledLevel level = Compile(map, 3, {LightQuality::None, 1, {}});
+    if (point) {
+        const auto [east, north, up] = level.places.frame.ToMap(point->place);
+        map.BeginEntity(point->className, fmt::format("\"origin\" \"{:.0f} {:.0f} {:.0f}\"\n", east, north, up));
+        level = Compile(map, 3, {LightQuality::None, 1, {}});
+    }
     WriteWholeFile(world, EncodeWorld(level.world));
     if (!level.places.net) return std::nullopt;
     return static_cast<float>(*level.places.net);

@@ -1,8 +1,10 @@
 // Rooms for the search: 800 by 800 and 600 high, as worlds of level 3, whose start lies in a corner.
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 constexpr int LOW_CEILING = 320;  // above the floor
 
@@ -19,5 +21,12 @@ enum class Room {
     Pit,           // as Safe, with a hole in the floor, 120 by 120 and 600 deep
 };
 
+// A point entity in the room; its place is one of the world.
+struct RoomPoint {
+    std::string className;
+    std::array<double, 3> place;
+};
+
 // The height of the ground below everything, where there is one.
-std::optional<float> WriteRoom(Room room, const std::filesystem::path& world);
+std::optional<float> WriteRoom(Room room, const std::filesystem::path& world,
+                               const std::optional<RoomPoint>& point = std::nullopt);

@@ -112,6 +112,23 @@ TEST(Compile, WithGuardsAFloorGoesOnBelowWhatStandsOnIt) {
     EXPECT_TRUE(hasFloorBelow());
 }
 
+// A player whose sphere touches a slope of two to one stands on the footing clear of it.
+TEST(Compile, AFootingLiesClearOfWhatSlopes) {
+    MapBuilder map = TwoRooms();
+    map.Brush("( 900 0 0 ) ( 800 0 200 ) ( 900 1 0 ) wall 0 0 0 2 2\n"
+              "( 800 0 0 ) ( 800 1 0 ) ( 800 0 1 ) wall 0 0 0 2 2\n"
+              "( 800 0 0 ) ( 801 0 0 ) ( 800 1 0 ) wall 0 0 0 2 2\n"
+              "( 800 50 0 ) ( 800 50 1 ) ( 801 50 0 ) wall 0 0 0 2 2\n"
+              "( 800 250 0 ) ( 801 250 0 ) ( 800 250 1 ) wall 0 0 0 2 2\n");
+    map.BeginEntity("info_footing", "\"origin\" \"868 150 193\"\n");  // the sphere's middle is 16.1 from the slope
+    const WorldFile world = Compile(map).world;
+    const auto isFooting = [&](const WorldPolygon& polygon) {
+        const Extent extent = ExtentOf(world, polygon);
+        return extent.low[0] == 856 && extent.high[0] == 880 && extent.low[1] == extent.high[1] && extent.low[1] == 88;
+    };
+    EXPECT_EQ(std::count_if(world.polygons.begin(), world.polygons.end(), isFooting), 1);
+}
+
 TEST(Compile, BothFormsOfAMapGiveTheSameBytes) {
     MapBuilder valve = TwoRooms();
     MapBuilder plain = TwoRooms();
