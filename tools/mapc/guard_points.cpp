@@ -9,6 +9,7 @@ namespace {
 constexpr double RADIUS = MOVE_SPHERE_RADIUS;
 constexpr double FOOTING_HALF = 12;               // the game takes it for larger by the player's radius on each side
 constexpr double RISE_LEAST = 1, RISE_MOST = 96;  // of a footing above the lowest point of the player's sphere
+constexpr double RISE_ANYWHERE = 3;  // where nothing is clear: he meets the footing before the slopes that hold him
 // Of a player on the footing from what slopes: sliding down one side of a hollow he does not touch the other in a
 // frame. Where there is less room, the least that keeps them apart.
 constexpr double CLEARANCES[] = {1.5, 0.25};
@@ -25,7 +26,7 @@ public:
         : brushes_(brushes), clip_(clip), unit_(1 / options.scale), slopes_(SlopesOf(tree, hidden, options.ticks)),
           grid_(BoxesOf(slopes_)) {}
 
-    Face Footing(const MapEntity& point, const Vec3& player) {
+    Face Footing(const Vec3& player) {
         const Vec3 sphere = SphereOf(player);
         for (const double clearance : CLEARANCES) {
             for (double rise = RISE_LEAST; rise <= RISE_MOST; ++rise) {
@@ -33,8 +34,7 @@ public:
                     return LevelFace(sphere + Vec3{0, 0, (rise - RADIUS) * unit_}, FOOTING_HALF, 1);
             }
         }
-        Refuse(point.line, "there is no room for info_footing between what slopes around it",
-               "fill the gap with a clip brush");
+        return LevelFace(sphere + Vec3{0, 0, (RISE_ANYWHERE - RADIUS) * unit_}, FOOTING_HALF, 1);
     }
 
     Face Lid(const Vec3& player) { return LevelFace(SphereOf(player) + Vec3{0, 0, LID_HEIGHT * unit_}, LID_HALF, -1); }
@@ -112,7 +112,7 @@ std::vector<Face> FacesAtGuardPoints(const MapFile& map, const Tree& tree, const
         if (!origin) Refuse(entity.line, name + " has no origin", "place it where the explorer shows the fault");
         if (!clip) Refuse(entity.line, name + " in a level without clip", "add clip to the level's materials");
         if (!points) points.emplace(tree, hidden, brushes, *clip, options);
-        faces.push_back(name == "info_lid" ? points->Lid(*origin) : points->Footing(entity, *origin));
+        faces.push_back(name == "info_lid" ? points->Lid(*origin) : points->Footing(*origin));
     }
     return faces;
 }

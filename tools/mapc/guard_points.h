@@ -14,6 +14,6 @@
 #include "mapc/map_file.h"
 
 // hidden: the other faces of movement alone. clip: the material to paint these with; null: the level has none.
-// ContentError for a point without an origin, for one in a level without clip, and for a footing that has no room.
+// ContentError for a point without an origin, and for one in a level without clip.
 std::vector<Face> FacesAtGuardPoints(const MapFile& map, const Tree& tree, const std::vector<LeafFace>& hidden,
                                      Brushes& brushes, const Material* clip, const MoveOptions& options);
