@@ -10,6 +10,7 @@
 #endif
 
 constexpr int LANE_COUNT = 4;
+constexpr int ALL_BITS = (1 << LANE_COUNT) - 1;  // of Bits
 typedef float Float4 __attribute__((vector_size(16)));
 typedef int32_t Int4 __attribute__((vector_size(16)));  // of a comparison: all bits of a lane, or none
 
@@ -32,6 +33,10 @@ inline int OrFirst(int number, int count) {
 
 inline Float4 All(float number) {
     return Float4{number, number, number, number};
+}
+
+inline Float4 Absolute(Float4 values) {
+    return reinterpret_cast<Float4>(reinterpret_cast<Int4>(values) & INT32_MAX);
 }
 
 // One bit a lane, set where all bits of the lane are.

@@ -46,16 +46,17 @@ void DivideByDepth(const PolyRecord& polygon, const ScreenCorners* corners, Floa
     static_assert(offsetof(PolyVertex, u) == 4 && offsetof(PolyVertex, v) == 8);
     const PolyVertex* const vertices = WorldGeometry.polyVertices + polygon.firstVertex;
     for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT, ++corners, overDepth += LANE_COUNT) {
-        Float4 point = LoadLanes<Float4>(vertices + i);
-        Float4 u = LoadLanes<Float4>(vertices + OrFirst(i + 1, polygon.cornerCount));
-        Float4 v = LoadLanes<Float4>(vertices + OrFirst(i + 2, polygon.cornerCount));
-        Float4 intensity = LoadLanes<Float4>(vertices + OrFirst(i + 3, polygon.cornerCount));
-        Transpose(point, u, v, intensity);
-        overDepth[0] = u * corners->inverseDepth;
-        overDepth[1] = v * corners->inverseDepth;
-        overDepth[2] = corners->intensity * corners->inverseDepth;
-        overDepth[3] = corners->inverseDepth;
-        Transpose(overDepth[0], overDepth[1], overDepth[2], overDepth[3]);
+        const Float4 first = LoadLanes<Float4>(vertices + i);
+        const Float4 second = LoadLanes<Float4>(vertices + OrFirst(i + 1, polygon.cornerCount));
+        const Float4 third = LoadLanes<Float4>(vertices + OrFirst(i + 2, polygon.cornerCount));
+        const Float4 fourth = LoadLanes<Float4>(vertices + OrFirst(i + 3, polygon.cornerCount));
+        const Float4 inverse = corners->inverseDepth;
+        const Float4 lights01 = __builtin_shufflevector(corners->intensity, All(1), 0, 4, 1, 5);
+        const Float4 lights23 = __builtin_shufflevector(corners->intensity, All(1), 2, 6, 3, 7);
+        overDepth[0] = __builtin_shufflevector(first, lights01, 1, 2, 4, 5) * All(inverse[0]);
+        overDepth[1] = __builtin_shufflevector(second, lights01, 1, 2, 6, 7) * All(inverse[1]);
+        overDepth[2] = __builtin_shufflevector(third, lights23, 1, 2, 4, 5) * All(inverse[2]);
+        overDepth[3] = __builtin_shufflevector(fourth, lights23, 1, 2, 6, 7) * All(inverse[3]);
     }
 }
 
@@ -154,7 +155,7 @@ ScreenBounds BoundsOf(const PolyRecord& polygon, const ScreenCorners* corners) {
     bottom = ~bottom;
     Transpose(left, right, top, bottom);
     const Int4 least = Least(Least(left, right), Least(top, bottom));
-    return {least[0], ~least[1], least[2], ~least[3]};
+    return {least[0], least[2], ~least[1], ~least[3]};
 }
 
 struct Columns {

@@ -36,7 +36,7 @@ bool NearestFirst();  // whether the frame is drawn from the nearest polygon on
 
 // The bounding rectangle of a polygon's projected corners, in 16.16 pixels.
 struct ScreenBounds {
-    int32_t left, right, top, bottom;
+    int32_t left, top, right, bottom;
 };
 
 // Whether all of a polygon with these bounds lies behind what has been drawn, or outside the frame. To be asked only

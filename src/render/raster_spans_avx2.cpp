@@ -29,13 +29,17 @@ struct alignas(32) LaneBlocks {
     uint32_t value[3][LANES], step[3][LANES];
 };
 
-// Up to sixteen pixels of a span that waits for its lanes.
-struct Block {
-    const uint32_t* lane;  // its first value
+// Three blocks, so that a piece of the cover lies in eight bytes, even with up to seven bits before it.
+constexpr int32_t PIECE_BLOCKS = 3;
+constexpr int32_t PIECE_PIXELS = PIECE_BLOCKS * SPAN_BLOCK;
+constexpr int32_t PIECES_MAX = (BLOCKS_MAX + PIECE_BLOCKS - 1) / PIECE_BLOCKS;  // of a span
+
+// Up to PIECE_PIXELS pixels of a span that waits for its lanes.
+struct Piece {
+    const uint32_t* lane;  // the first value of its first block
     uint8_t* pixels;
-    const uint8_t* texels;
-    uint32_t mask;   // the texture's mask, written twice
-    uint32_t drawn;  // a bit for each pixel that is drawn
+    SpanTexture texture;
+    uint64_t drawn;  // a bit for each pixel that is drawn
 };
 
 // Eight pixels whose positions are known and whose texels are not read yet.
@@ -56,9 +60,9 @@ struct Queue {
     int32_t laneCount;
     LaneBlocks laneBlocks[BLOCKS_MAX];  // the incomplete one of a lane stands behind its complete ones
 
-    // The blocks of which any pixel is drawn. The last entry of each array may be written without being counted.
-    Block blocks[LANES * BLOCKS_MAX + 1];
-    int32_t blockCount;
+    // The pieces of which any pixel is drawn. The last entry of each array may be written without being counted.
+    Piece pieces[LANES * PIECES_MAX + 1];
+    int32_t pieceCount;
     Word words[WORDS_MAX + 1];
     int32_t wordCount;
 };
@@ -171,8 +175,8 @@ AVX2_CODE inline Values Choose(const Values& otherwise, const Values& where, __m
             _mm256_blendv_epi8(otherwise.light, where.light, condition)};
 }
 
-AVX2_CODE void SetUpLanes(Queue& spans) {
-    for (int32_t lane = spans.laneCount; lane < LANES; ++lane)
+AVX2_CODE void SetUpLanes(Queue& spans, int32_t laneCount) {
+    for (int32_t lane = laneCount; lane < LANES; ++lane)
         spans.leftX[lane] = spans.rightX[lane] = 0;
     const OverDepth left = LoadLanes(spans.left);
     const OverDepth right = LoadLanes(spans.right);
@@ -225,27 +229,44 @@ constexpr std::array<uint64_t, 256> BYTES_OF_BITS = [] {
     return bytes;
 }();
 
-AVX2_CODE inline void PutWord(Word& word, __m128i offsets, __m128i shades, const Block& block, uint32_t first) {
+AVX2_CODE inline void PutWord(Word& word, __m128i offsets, __m128i shades, uint8_t* pixels, const uint8_t* texels,
+                              uint64_t drawn) {
     _mm256_store_si256(reinterpret_cast<__m256i*>(word.shades), _mm256_cvtepu16_epi32(shades));
     _mm_store_si128(reinterpret_cast<__m128i*>(word.offsets), offsets);
-    word.pixels = block.pixels + first;
-    word.texels = block.texels;
-    word.drawn = BYTES_OF_BITS[block.drawn >> first & 0xFF];
+    word.pixels = pixels;
+    word.texels = texels;
+    word.drawn = BYTES_OF_BITS[drawn & 0xFF];
 }
 
-// Adds those of the block's two words of which any pixel is drawn; returns the place behind them.
-AVX2_CODE inline Word* AddWords(const Block& block, Word* word) {
+// Adds those of a block's two words of which any pixel is drawn; returns the place behind them.
+AVX2_CODE inline Word* AddWords(const uint32_t* lane, uint8_t* pixels, const SpanTexture& texture, uint64_t drawn,
+                                Word* word) {
     const __m256i highByte = _mm256_set1_epi16(static_cast<int16_t>(0xFF00));
-    const __m256i column = _mm256_srli_epi16(AtPixels(block.lane), 8);
-    const __m256i line = _mm256_and_si256(AtPixels(block.lane + LANES), highByte);
-    const __m256i shades = _mm256_and_si256(AtPixels(block.lane + 2 * LANES), highByte);
-    const __m256i mask = _mm256_set1_epi32(static_cast<int32_t>(block.mask));
+    const __m256i column = _mm256_srli_epi16(AtPixels(lane), 8);
+    const __m256i line = _mm256_and_si256(AtPixels(lane + LANES), highByte);
+    const __m256i shades = _mm256_and_si256(AtPixels(lane + 2 * LANES), highByte);
+    const __m256i mask = _mm256_set1_epi16(static_cast<int16_t>(texture.mask));
     const __m256i offsets = _mm256_and_si256(_mm256_or_si256(line, column), mask);
-    PutWord(*word, _mm256_castsi256_si128(offsets), _mm256_castsi256_si128(shades), block, 0);
-    word += (block.drawn & 0xFF) != 0;
-    if (block.drawn >> WORD_PIXELS == 0) return word;
-    PutWord(*word, _mm256_extracti128_si256(offsets, 1), _mm256_extracti128_si256(shades, 1), block, WORD_PIXELS);
+    PutWord(*word, _mm256_castsi256_si128(offsets), _mm256_castsi256_si128(shades), pixels, texture.texels, drawn);
+    word += (drawn & 0xFF) != 0;
+    if ((drawn & 0xFF00) == 0) return word;
+    PutWord(*word, _mm256_extracti128_si256(offsets, 1), _mm256_extracti128_si256(shades, 1), pixels + WORD_PIXELS,
+            texture.texels, drawn >> WORD_PIXELS);
     return word + 1;
+}
+
+AVX2_CODE inline Word* AddWords(const Piece& piece, Word* word) {
+    constexpr ptrdiff_t NEXT_BLOCK = sizeof(LaneBlocks) / sizeof(uint32_t);
+    const uint32_t* lane = piece.lane;
+    uint8_t* pixels = piece.pixels;
+    uint64_t drawn = piece.drawn;
+    do {
+        if ((drawn & 0xFFFF) != 0) word = AddWords(lane, pixels, piece.texture, drawn, word);
+        lane += NEXT_BLOCK;
+        pixels += SPAN_BLOCK;
+        drawn >>= SPAN_BLOCK;
+    } while (drawn != 0);
+    return word;
 }
 
 AVX2_CODE inline __m128i* Bytes(uint8_t* bytes) {
@@ -298,26 +319,28 @@ AVX2_CODE void DrawWords(CoverRow* cover) {
     spans.wordCount = 0;
 }
 
+// Takes the lanes and pieces out of the queue; piecesEnd is behind the last of them.
 template <TexelZero ZERO>
-AVX2_CODE void AddWordsOfLanes(CoverRow* cover) {
+AVX2_CODE void AddWordsOfLanes(int32_t laneCount, const Piece* piecesEnd, CoverRow* cover) {
     Queue& spans = queue<ZERO>;
-    SetUpLanes(spans);
+    SetUpLanes(spans, laneCount);
     Word* word = spans.words + spans.wordCount;
-    for (int32_t i = 0; i < spans.blockCount; ++i) {
-        if (word > spans.words + WORDS_MAX - 2) {
+    for (const Piece* piece = spans.pieces; piece != piecesEnd; ++piece) {
+        if (word > spans.words + WORDS_MAX - PIECE_PIXELS / WORD_PIXELS) {
             spans.wordCount = static_cast<int32_t>(word - spans.words);
             DrawWords<ZERO>(cover);
             word = spans.words;
         }
-        word = AddWords(spans.blocks[i], word);
+        word = AddWords(*piece, word);
     }
     spans.wordCount = static_cast<int32_t>(word - spans.words);
-    spans.laneCount = spans.blockCount = 0;
 }
 
 template <TexelZero ZERO>
 AVX2_CODE void DrawAll(CoverRow* cover) {
-    if (queue<ZERO>.laneCount > 0) AddWordsOfLanes<ZERO>(cover);
+    Queue& spans = queue<ZERO>;
+    if (spans.laneCount > 0) AddWordsOfLanes<ZERO>(spans.laneCount, spans.pieces + spans.pieceCount, cover);
+    spans.laneCount = spans.pieceCount = 0;
     DrawWords<ZERO>(cover);
 }
 
@@ -327,15 +350,12 @@ struct Place {
     int32_t x, count;
 };
 
-// Three blocks, so that a piece of the cover lies in eight bytes, even with up to seven bits before it.
-constexpr int32_t PIECE_PIXELS = 3 * SPAN_BLOCK;
-
 // The bits of the next pixels of a span, at most PIECE_PIXELS, that the cover does not hold. It takes them in, unless
 // they may turn out to be holes. All at once: a load of what two stores have written in part would wait for both.
-template <TexelZero ZERO>
+template <TexelZero ZERO, bool HAS_COVER>
 AVX2_CODE inline uint64_t TakePixels(CoverRow* cover, const Place& place) {
     const uint64_t wanted = ~uint64_t{0} >> (64 - std::min(place.count, PIECE_PIXELS));
-    if (cover == nullptr) return wanted;
+    if (!HAS_COVER) return wanted;
     const auto column = static_cast<uint32_t>(place.x);
     uint8_t* const bytes = reinterpret_cast<uint8_t*>(cover->words) + column / 8;
     uint64_t held;
@@ -348,77 +368,73 @@ AVX2_CODE inline uint64_t TakePixels(CoverRow* cover, const Place& place) {
     return drawn;
 }
 
-// Adds the block if any of its pixels is drawn; returns the place behind it.
-AVX2_CODE inline Block* AddBlock(Block* block, const uint32_t* lane, uint8_t* pixels, const SpanTexture& texture,
-                                 uint16_t drawn) {
-    *block = {lane, pixels, texture.texels, texture.mask * 0x10001, drawn};
-    return block + (drawn != 0);
-}
-
-// Adds the blocks of which any pixel is drawn; returns the place behind them.
-AVX2_CODE inline Block* AddBlocks(Block* block, const uint32_t* lane, uint8_t* pixels, const SpanTexture& texture,
-                                  uint64_t drawn) {
-    constexpr ptrdiff_t NEXT_BLOCK = sizeof(LaneBlocks) / sizeof(uint32_t);
-    do {
-        block = AddBlock(block, lane, pixels, texture, static_cast<uint16_t>(drawn));
-        lane += NEXT_BLOCK;
-        pixels += SPAN_BLOCK;
-        drawn >>= SPAN_BLOCK;
-    } while (drawn != 0);
-    return block;
-}
-
-AVX2_CODE inline void PutLane(Queue& spans, const EdgeRow& row) {
-    const int32_t lane = spans.laneCount;
+AVX2_CODE inline void PutLane(Queue& spans, int32_t lane, const EdgeRow& row) {
     _mm_storeu_ps(spans.left[lane], _mm_loadu_ps(&row.left.u));
     _mm_storeu_ps(spans.right[lane], _mm_loadu_ps(&row.right.u));
     spans.leftX[lane] = row.left.x;
     spans.rightX[lane] = row.right.x;
 }
 
-template <TexelZero ZERO>
-AVX2_CODE inline void AddSpan(const EdgeRow& row, Place place, const SpanTexture& texture, CoverRow* cover) {
-    constexpr ptrdiff_t NEXT_PIECE = PIECE_PIXELS / SPAN_BLOCK * sizeof(LaneBlocks) / sizeof(uint32_t);
-    Queue& spans = queue<ZERO>;
-    PutLane(spans, row);
-    Block* const first = spans.blocks + spans.blockCount;
-    const uint32_t* lane = spans.laneBlocks[0].value[0] + spans.laneCount;
-    const uint64_t drawn = TakePixels<ZERO>(cover, place);
-    if (place.count <= SPAN_BLOCK) {  // without the loops a span of eight pixels takes a tenth less
-        const bool isDrawn = AddBlock(first, lane, place.pixels, texture, static_cast<uint16_t>(drawn)) != first;
-        spans.blockCount += isDrawn;
-        spans.laneCount += isDrawn;
-        return;
-    }
-    Block* end = AddBlocks(first, lane, place.pixels, texture, drawn);
-    while (place.count > PIECE_PIXELS) {
+// Adds the pieces of which any pixel is drawn; returns the place behind them.
+template <TexelZero ZERO, bool HAS_COVER>
+AVX2_CODE inline Piece* AddPieces(Piece* piece, const uint32_t* lane, Place place, const SpanTexture& texture,
+                                  CoverRow* cover) {
+    constexpr ptrdiff_t NEXT_PIECE = PIECE_BLOCKS * sizeof(LaneBlocks) / sizeof(uint32_t);
+    for (;;) {
+        const uint64_t drawn = TakePixels<ZERO, HAS_COVER>(cover, place);
+        *piece = {lane, place.pixels, texture, drawn};
+        piece += drawn != 0;
+        if (place.count <= PIECE_PIXELS) return piece;
         place = {place.pixels + PIECE_PIXELS, place.x + PIECE_PIXELS, place.count - PIECE_PIXELS};
         lane += NEXT_PIECE;
-        end = AddBlocks(end, lane, place.pixels, texture, TakePixels<ZERO>(cover, place));
     }
-    spans.blockCount += static_cast<int32_t>(end - first);
-    spans.laneCount += end != first;
+}
+
+// Not inline, for the sake of the loop's registers.
+[[gnu::noinline, gnu::cold]] void FillPortably(const EdgeRow* table, int32_t row, const SpanTexture& texture,
+                                               TexelZero texelZero, CoverRow* cover) {
+    FillRowsPortable({table, row, row + 1}, texture, texelZero, cover);
 }
 
 // Spans outside the frame, too long ones and those at the frame's last pixels, where a word may reach beyond them, are
 // left to the portable routine.
-template <TexelZero ZERO>
-AVX2_CODE void AddRows(const EdgeRows& rows, SpanTexture texture, CoverRow* cover) {
-    const ptrdiff_t pitch = FramePitch;
-    uint8_t* line = FrameBuffer + rows.first * pitch;
-    const uint8_t* const lastEnd = FrameBuffer + (ScreenHeight - 1) * pitch + ScreenWidth - SPAN_BLOCK;
-    for (int32_t y = rows.first; y < rows.end; y++, line += pitch) {
-        const EdgeRow& row = rows.table[y];
-        const int32_t begin = CeilFixed(row.left.x);
-        const int32_t end = CeilFixed(row.right.x);
-        if (end <= begin) continue;
-        if (begin < 0 || end > ScreenWidth || end - begin > PIXELS_MAX || line + end > lastEnd) {
-            FillRowsPortable({rows.table, y, y + 1}, texture, ZERO, cover);
+template <TexelZero ZERO, bool HAS_COVER>
+AVX2_CODE void AddRows(const EdgeRows& rows, const SpanTexture& texture, CoverRow* cover) {
+    Queue& spans = queue<ZERO>;
+    const int32_t pitch = FramePitch, width = ScreenWidth;
+    uint8_t* line = FrameBuffer + ptrdiff_t{rows.first} * pitch;
+    int32_t columns = (ScreenHeight - 1 - rows.first) * pitch + width - SPAN_BLOCK;  // to the frame's last pixels
+    CoverRow* rowCover = HAS_COVER ? cover + rows.first : nullptr;
+    const EdgeRow* row = rows.table + rows.first;
+    const EdgeRow* const rowsEnd = rows.table + rows.end;
+    int32_t lane = spans.laneCount;
+    Piece* piece = spans.pieces + spans.pieceCount;
+    for (; row != rowsEnd; ++row, line += pitch, columns -= pitch, rowCover += HAS_COVER) {
+        const int32_t begin = CeilFixed(row->left.x);
+        const int32_t count = CeilFixed(row->right.x) - begin;
+        if (count <= 0) continue;
+        const int32_t space = std::min(width, columns) - begin - count;
+        if ((begin | space | (PIXELS_MAX - count)) < 0) {
+            FillPortably(rows.table, static_cast<int32_t>(row - rows.table), texture, ZERO, cover);
             continue;
         }
-        AddSpan<ZERO>(row, {line + begin, begin, end - begin}, texture, cover != nullptr ? cover + y : nullptr);
-        if (queue<ZERO>.laneCount == LANES) AddWordsOfLanes<ZERO>(cover);
+        PutLane(spans, lane, *row);
+        Piece* const end = AddPieces<ZERO, HAS_COVER>(piece, spans.laneBlocks[0].value[0] + lane,
+                                                      {line + begin, begin, count}, texture, rowCover);
+        lane += end != piece;
+        piece = end;
+        if (lane < LANES) continue;
+        AddWordsOfLanes<ZERO>(lane, piece, cover);
+        lane = 0;
+        piece = spans.pieces;
     }
+    spans.laneCount = lane;
+    spans.pieceCount = static_cast<int32_t>(piece - spans.pieces);
+}
+
+template <TexelZero ZERO>
+void AddRows(const EdgeRows& rows, const SpanTexture& texture, CoverRow* cover) {
+    cover != nullptr ? AddRows<ZERO, true>(rows, texture, cover) : AddRows<ZERO, false>(rows, texture, nullptr);
 }
 
 }  // namespace

@@ -20,8 +20,8 @@ constexpr uint32_t BSP_VERSION = 10;
 // tables.
 void LoadBspWorld(const char* path);
 
-void ComputePolyFrames();         // sets those of the file's polygons; called by LoadBspWorld
-void GenerateNodeRadii();         // those of every node and leaf below the root, and CornerBoxes; needs ScreenAspect
-void SetStaticMarks();            // WorldGeometry.fixed = WorldGeometry.used
-void ResetViewCache();            // both ViewPoint stamps of every point in use = 0
+void ComputePolyFrames();  // sets those of the file's polygons; called by LoadBspWorld
+void GenerateNodeRadii();  // those of every node and leaf below the root; CornerBoxes, PolygonLanes; needs ScreenAspect
+void SetStaticMarks();     // WorldGeometry.fixed = WorldGeometry.used
+void ResetViewCache();     // both ViewPoint stamps of every point in use = 0
 void FillStamps(uint16_t value);  // every stamp compared with FrameCount, over its full capacity

@@ -14,41 +14,36 @@ namespace {
 
 constexpr float FAR_AWAY = 1 << 30;  // 16.16 pixels
 
-struct ViewColumns {
-    float x[3], y[3], z[3];  // the rows of the rotation: x gives the x of the view, and so on
-    Vec3 translation;
+// Numbers of the frame, each in all lanes.
+struct FrameLanes {
+    Float4 x[3], y[3], z[3];  // the rows of the rotation: x gives the x of the view, and so on
+    Float4 xTranslation, yTranslation, zTranslation;
+    Float4 farDistance;
 };
-ViewColumns matrix;
+FrameLanes frame;
 
-Float4 Turned(const float (&row)[3], float translation, Float4 x, Float4 y, Float4 z) {
-    return x * row[0] + y * row[1] + z * row[2] + translation;
+Float4 Turned(const Float4 (&row)[3], Float4 translation, const CornerGroup& group) {
+    return group.x * row[0] + group.y * row[1] + group.z * row[2] + translation;
 }
 
 // From the world to camera space.
-void Turn(CornerGroup& group) {
-    const auto [x, y, z] = group;
-    group.x = Turned(matrix.x, matrix.translation.x, x, y, z);
-    group.y = Turned(matrix.y, matrix.translation.y, x, y, z);
-    group.z = Turned(matrix.z, matrix.translation.z, x, y, z);
-}
-
-CornerGroup PositionsOf(const PolyVertex* const (&corners)[LANE_COUNT]) {
-    static_assert(offsetof(WorldPoint, normal) == sizeof(Vec3), "there is something behind a position to be read");
-    Float4 x = LoadLanes<Float4>(&WorldGeometry.points[corners[0]->point]);
-    Float4 y = LoadLanes<Float4>(&WorldGeometry.points[corners[1]->point]);
-    Float4 z = LoadLanes<Float4>(&WorldGeometry.points[corners[2]->point]);
-    Float4 rest = LoadLanes<Float4>(&WorldGeometry.points[corners[3]->point]);
-    Transpose(x, y, z, rest);
-    return {x, y, z};
+CornerGroup Turned(const CornerGroup& group) {
+    return {Turned(frame.x, frame.xTranslation, group), Turned(frame.y, frame.yTranslation, group),
+            Turned(frame.z, frame.zTranslation, group)};
 }
 
 uint8_t Outcode(const ViewPoint& point) {
     return SideOutcode(point) | (point.z > FarDistance ? OUT_DEPTH : uint8_t{0});
 }
 
+// Lanes whose outcode is not 0.
+Int4 AreOutside(const CornerGroup& group) {
+    return (Absolute(group.x) > group.z) | (Absolute(group.y) > group.z) | (group.z > frame.farDistance);
+}
+
 Int4 Outcodes(const CornerGroup& group) {
     return ((group.x > group.z) & OUT_RIGHT) | ((-group.x > group.z) & OUT_LEFT) | ((group.y > group.z) & OUT_TOP) |
-           ((-group.y > group.z) & OUT_BOTTOM) | ((group.z > FarDistance) & OUT_DEPTH);
+           ((-group.y > group.z) & OUT_BOTTOM) | ((group.z > frame.farDistance) & OUT_DEPTH);
 }
 
 // The least and the greatest of both screen coordinates, in each lane over its own corners.
@@ -68,14 +63,18 @@ Int4 Project(const CornerGroup& group, ScreenCorners& screen, LaneBounds& bounds
 
 // The bounds of all lanes, or false where they are far away. Truncating them afterwards is right, since truncation
 // keeps the order.
-bool Join(LaneBounds lanes, ScreenBounds& bounds) {
-    lanes.right = -lanes.right;
-    lanes.bottom = -lanes.bottom;
-    Transpose(lanes.left, lanes.right, lanes.top, lanes.bottom);
-    const Float4 least = Least(Least(lanes.left, lanes.right), Least(lanes.top, lanes.bottom));
-    if (Bits(least > -FAR_AWAY) != 0xF) return false;
-    const Int4 fixed = TruncToInts(least);
-    bounds = {fixed[0], -fixed[1], fixed[2], -fixed[3]};
+bool Join(const LaneBounds& lanes, ScreenBounds& bounds) {
+    const Float4 least = Least(__builtin_shufflevector(lanes.left, lanes.top, 0, 4, 1, 5),
+                               __builtin_shufflevector(lanes.left, lanes.top, 2, 6, 3, 7));
+    const Float4 greatest = Greatest(__builtin_shufflevector(lanes.right, lanes.bottom, 0, 4, 1, 5),
+                                     __builtin_shufflevector(lanes.right, lanes.bottom, 2, 6, 3, 7));
+    const Float4 joined = __builtin_shufflevector(
+        Least(least, __builtin_shufflevector(least, least, 2, 3, 0, 1)),
+        Greatest(greatest, __builtin_shufflevector(greatest, greatest, 2, 3, 0, 1)), 0, 1, 4, 5);
+    if (Bits(Absolute(joined) < FAR_AWAY) != ALL_BITS) return false;
+    static_assert(sizeof bounds == sizeof(Int4) && offsetof(ScreenBounds, top) == 4 &&
+                  offsetof(ScreenBounds, right) == 8);
+    StoreLanes(&bounds, TruncToInts(joined));
     return true;
 }
 
@@ -85,44 +84,51 @@ uint8_t Joined(Int4 lanes, Combine combine) {
     return static_cast<uint8_t>(combine(halves, __builtin_shufflevector(halves, halves, 1, 0, 3, 2))[0]);
 }
 
+// Sets outsideAll and outsideAny.
+void FindOutcodes(PolygonView& view) {
+    Int4 outsideAll = Int4{} - 1, outsideAny = {};
+    for (int i = 0; i < view.groupCount; ++i) {
+        const Int4 outcodes = Outcodes(view.groups[i]);
+        outsideAll &= outcodes;
+        outsideAny |= outcodes;
+    }
+    view.outsideAll = Joined(outsideAll, [](Int4 a, Int4 b) { return a & b; });
+    view.outsideAny = Joined(outsideAny, [](Int4 a, Int4 b) { return a | b; });
+}
+
 }  // namespace
 
 void BeginPolygonViews() {
     const float* m = ViewMatrix.rotation.m;
-    matrix = {{m[0], m[1], m[2]}, {m[3], m[4], m[5]}, {m[6], m[7], m[8]}, ViewMatrix.translation};
+    const Vec3& translation = ViewMatrix.translation;
+    frame = {{All(m[0]), All(m[1]), All(m[2])},
+             {All(m[3]), All(m[4]), All(m[5])},
+             {All(m[6]), All(m[7]), All(m[8])},
+             All(translation.x),
+             All(translation.y),
+             All(translation.z),
+             All(FarDistance)};
 }
 
 namespace {
 
-// Looks at what stands in the view's first groups, in the world.
-void LookAtGroups(int count, PolygonView& view) {
-    const bool projects = NearestFirst();
-    constexpr float MOST = FAR_AWAY;
-    Int4 outsideAll = Int4{} - 1, outsideAny = {}, unfit = {};
-    LaneBounds bounds = {All(MOST), All(-MOST), All(MOST), All(-MOST)};
+// Looks at corners in the world.
+void LookAtGroups(const CornerGroup* groups, int count, PolygonView& view) {
+    Int4 outside = {};
     for (int i = 0; i < count; ++i) {
-        CornerGroup& group = view.groups[i];
-        Turn(group);
-        const Int4 outcodes = Outcodes(group);
-        outsideAll &= outcodes;
-        outsideAny |= outcodes;
-        if (projects) unfit |= Project(group, view.screen[i], bounds);
+        view.groups[i] = Turned(groups[i]);
+        outside |= AreOutside(view.groups[i]);
     }
-    view.outsideAll = Joined(outsideAll, [](Int4 a, Int4 b) { return a & b; });
-    view.outsideAny = Joined(outsideAny, [](Int4 a, Int4 b) { return a | b; });
-    view.isOnScreen = projects && Join(bounds, view.bounds) && Bits(unfit) == 0;
+    view.groupCount = count;
+    view.outsideAll = view.outsideAny = 0;
+    if (Bits(outside) != 0) FindOutcodes(view);
 }
 
 }  // namespace
 
-void LookAtPolygon(const PolyRecord& polygon, PolygonView& view) {
-    const PolyVertex* const corners = WorldGeometry.polyVertices + polygon.firstVertex;
-    const int count = polygon.cornerCount;
-    const auto corner = [&](int number) { return corners + OrFirst(number, count); };
-    int groups = 0;
-    for (int i = 0; i < count; i += LANE_COUNT)
-        view.groups[groups++] = PositionsOf({corners + i, corner(i + 1), corner(i + 2), corner(i + 3)});
-    LookAtGroups(groups, view);
+void LookAtPolygon(uint32_t polygon, PolygonView& view) {
+    const int groups = (WorldGeometry.polygons[polygon].cornerCount + LANE_COUNT - 1) / LANE_COUNT;
+    LookAtGroups(&PolygonLanes.cornerGroups[PolygonLanes.firstGroup[polygon]], groups, view);
 }
 
 void LookAtBox(const CornerBox& box, PolygonView& view) {
@@ -131,9 +137,17 @@ void LookAtBox(const CornerBox& box, PolygonView& view) {
     const float margin = 1 + 1e-5f * size;  // far more than rounding can move a corner
     const float left = low.x - margin, right = high.x + margin, bottom = low.y - margin, top = high.y + margin;
     const Float4 x = {left, right, left, right}, y = {bottom, bottom, top, top};
-    view.groups[0] = {x, y, All(low.z - margin)};
-    view.groups[1] = {x, y, All(high.z + margin)};
-    LookAtGroups(2, view);
+    const CornerGroup groups[] = {{x, y, All(low.z - margin)}, {x, y, All(high.z + margin)}};
+    LookAtGroups(groups, 2, view);
+}
+
+bool ProjectView(PolygonView& view) {
+    constexpr float MOST = FAR_AWAY;
+    Int4 unfit = {};
+    LaneBounds bounds = {All(MOST), All(-MOST), All(MOST), All(-MOST)};
+    for (int i = 0; i < view.groupCount; ++i)
+        unfit |= Project(view.groups[i], view.screen[i], bounds);
+    return Join(bounds, view.bounds) && Bits(unfit) == 0;
 }
 
 void ShadeView(uint32_t polygon, PolygonView& view) {

@@ -17,6 +17,7 @@
 #include "world/world_tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 int32_t RenderListCount;
@@ -176,7 +177,7 @@ void VisitChildren(int32_t node, Visit visit) {
 // Kept as it is: the character is drawn even where its leaf is culled.
 void CollectCharacter(int32_t subtree) {
     if (subtree >= 0) {
-        VisitChildren(subtree, CollectCharacter);
+        VisitChildren(subtree, [](int32_t child) { CollectCharacter(child); });
     } else if (HoldsCharacter(~subtree)) {
         Append(~subtree + CHARACTER_ENTRY);
     }
@@ -185,7 +186,7 @@ void CollectCharacter(int32_t subtree) {
 void CollectInside(int32_t subtree) {
     if (subtree < 0) return AppendLeaf(~subtree, BOX_INSIDE);
     const int32_t begin = RenderListCount;
-    VisitChildren(subtree, CollectInside);
+    VisitChildren(subtree, [](int32_t child) { CollectInside(child); });
     const bool isWorthAsking = RenderListCount - begin > 1;
     if (isWorthAsking && begin > lastCharacterEntry) groups[RenderListCount - 1] = {subtree, begin};
 }
@@ -201,66 +202,75 @@ void CollectLeaves(int32_t subtree) {
     } else if (visibility == BOX_INSIDE) {
         CollectInside(subtree);
     } else {
-        VisitChildren(subtree, CollectLeaves);
+        VisitChildren(subtree, [](int32_t child) { CollectLeaves(child); });
     }
 }
 
-// A polygon that is hidden counts as submitted, like any other.
-void DrawOnScreen(uint32_t number, PolygonView& view) {
+// Draws a polygon that needs no clipping straight from its view, with the nearest first. One that is hidden counts as
+// submitted, like any other. False, and nothing is done: it is not near the frame.
+bool DrawOnScreen(uint32_t number, PolygonView& view) {
     const PolyRecord& polygon = WorldGeometry.polygons[number];
-    SubmittedPolygons++;
     const TextureRecord* texture = PolygonTexture(polygon);
-    if (texture == nullptr || texture->isEmpty == 1 || IsHidden(polygon, view.bounds)) return;
+    const bool isSeen = texture != nullptr && texture->isEmpty == 0;
+    if (isSeen && !ProjectView(view)) return false;
+    SubmittedPolygons++;
+    if (!isSeen || IsHidden(polygon, view.bounds)) return true;
     ShadeView(number, view);
     RasterCorners(polygon, view.screen, *texture);
+    return true;
 }
 
-// Polygons that need no clipping are drawn straight from their view. Others are written into WorldGeometry.
 void DrawFacingPolygon(uint32_t number, bool mayCross) {
-    const PolyRecord& polygon = WorldGeometry.polygons[number];
     PolygonView view;
-    LookAtPolygon(polygon, view);
+    LookAtPolygon(number, view);
     if (view.outsideAll != 0) return;
     const bool crosses = mayCross && (view.outsideAny & OUT_SIDES) != 0;
-    if (!crosses && view.isOnScreen) return DrawOnScreen(number, view);
-    StoreView(polygon, view);
+    if (!crosses && NearestFirst() && DrawOnScreen(number, view)) return;
+    StoreView(WorldGeometry.polygons[number], view);
     if (crosses)
         DrawPolygonClipped(static_cast<int32_t>(number), view.outsideAny);
     else
         DrawPolygon(static_cast<int32_t>(number));
 }
 
-// Numbers of polygons that face the camera, in the order they are drawn in.
-struct FacingPolygons {
-    static constexpr uint32_t LIMIT = 256;
-    uint16_t numbers[LIMIT];
-    uint32_t count;
-};
+// Polygons that are looked at together: a bit each in what FacingPolygons returns, the lowest for the first one.
+constexpr uint32_t BATCH = 64;
 
 // Half of all polygons face away, in an order that no processor could predict: they are sorted out without a branch.
-// Memory fetches of the others' corners are started before the first of them is drawn.
-FacingPolygons ListFacing(uint32_t first, uint32_t count) {
-    FacingPolygons facing;
-    facing.count = 0;
-    const bool nearestFirst = NearestFirst();
-    for (uint32_t i = 0; i < count; ++i) {
-        const uint32_t p = first + (nearestFirst ? count - 1 - i : i);
-        facing.numbers[facing.count] = static_cast<uint16_t>(p);
-        facing.count += FacesCamera(p) ? 1u : 0u;
-        __builtin_prefetch(WorldGeometry.polyVertices + WorldGeometry.polygons[p].firstVertex);
+uint64_t FacingPolygons(uint32_t first, uint32_t count) {
+    const PolygonLanesTable& planes = PolygonLanes;
+    const Float4 x = All(CameraPos.x), y = All(CameraPos.y), z = All(CameraPos.z);
+    uint64_t facing = 0;
+    for (uint32_t i = 0; i < count; i += LANE_COUNT) {
+        const uint32_t p = first + i;
+        const Float4 distances = LoadLanes<Float4>(&planes.nx[p]) * x + LoadLanes<Float4>(&planes.ny[p]) * y +
+                                 LoadLanes<Float4>(&planes.nz[p]) * z + LoadLanes<Float4>(&planes.d[p]);
+        facing |= static_cast<uint64_t>(Bits(distances < 0.0f)) << i;
     }
-    return facing;
+    return facing & ~uint64_t{0} >> (BATCH - count);
+}
+
+// Calls visit(first, facing) for each batch of a leaf's polygons.
+template <typename Visit>
+void VisitFacing(const BspLeaf& leaf, bool backwards, Visit visit) {
+    for (uint32_t done = 0; done < leaf.polygonCount; done += BATCH) {
+        const uint32_t count = std::min(leaf.polygonCount - done, BATCH);
+        const uint32_t first = leaf.firstPolygon + (backwards ? leaf.polygonCount - done - count : done);
+        visit(first, FacingPolygons(first, count));
+    }
 }
 
 void DrawLeaf(const BspLeaf& leaf, bool mayCross) {
-    for (uint32_t done = 0; done < leaf.polygonCount; done += FacingPolygons::LIMIT) {
-        const uint32_t count = std::min(leaf.polygonCount - done, FacingPolygons::LIMIT);
-        const uint32_t first =
-            NearestFirst() ? leaf.firstPolygon + leaf.polygonCount - done - count : leaf.firstPolygon + done;
-        const FacingPolygons facing = ListFacing(first, count);
-        for (uint32_t i = 0; i < facing.count; ++i)
-            DrawFacingPolygon(facing.numbers[i], mayCross);
-    }
+    const bool backwards = NearestFirst();
+    VisitFacing(leaf, backwards, [mayCross, backwards](uint32_t first, uint64_t facing) {
+        for (uint64_t left = facing; left != 0; left &= left - 1)
+            PrefetchPolygon(first + static_cast<uint32_t>(std::countr_zero(left)));
+        while (facing != 0) {
+            const int i = backwards ? 63 - std::countl_zero(facing) : std::countr_zero(facing);
+            facing &= ~(uint64_t{1} << i);
+            DrawFacingPolygon(first + static_cast<uint32_t>(i), mayCross);
+        }
+    });
 }
 
 void DrawEntry(int32_t entry) {
@@ -277,7 +287,7 @@ void DrawEntry(int32_t entry) {
 bool IsHidden(int32_t node) {
     PolygonView view;
     LookAtBox(CornerBoxes[node], view);
-    return view.outsideAny == 0 && view.isOnScreen && IsHidden(view.bounds);
+    return view.outsideAny == 0 && ProjectView(view) && IsHidden(view.bounds);
 }
 
 // The same, but a node that is seen is not asked again for some frames, since it will most often still be seen. The
@@ -296,8 +306,8 @@ bool IsKnownToBeHidden(int32_t node) {
 }
 
 void CountFacing(const BspLeaf& leaf) {
-    for (uint32_t p = leaf.firstPolygon; p < uint32_t{leaf.firstPolygon} + leaf.polygonCount; ++p)
-        SubmittedPolygons += FacesCamera(p) ? 1u : 0u;
+    VisitFacing(leaf, false,
+                [](uint32_t, uint64_t facing) { SubmittedPolygons += static_cast<uint32_t>(std::popcount(facing)); });
 }
 
 // All polygons of a hidden group count as submitted.
