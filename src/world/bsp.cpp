@@ -1,12 +1,12 @@
 #include "world/bsp.h"
 
-#include "math/world_planes.h"
 #include "memory/fatal.h"
 #include "memory/files.h"
 #include "memory/pool.h"
 #include "platform/timer.h"
 #include "render/render_tables.h"
 #include "world/bsp_check.h"
+#include "world/polygon_lanes.h"
 #include "world/world_tables.h"
 
 #include <algorithm>
@@ -160,37 +160,6 @@ CornerBox GenerateRadiiBelow(int16_t subtree) {
     BspNode& node = WorldGeometry.nodes[subtree];
     StoreRadii(node, FarthestCornerSquared(subtree, node.centre, 0.0));
     return CornerBoxes[subtree] = Join(GenerateRadiiBelow(node.frontChild), GenerateRadiiBelow(node.backChild));
-}
-
-void AppendCorners(const PolyRecord& polygon) {
-    for (int i = 0; i < polygon.cornerCount; i += LANE_COUNT) {
-        CornerGroup group;
-        for (int lane = 0; lane < LANE_COUNT; ++lane) {
-            const auto corner = static_cast<uint32_t>(OrFirst(i + lane, polygon.cornerCount));
-            const Vec3 position = CornerPosition(polygon, corner);
-            group.x[lane] = position.x;
-            group.y[lane] = position.y;
-            group.z[lane] = position.z;
-        }
-        PolygonLanes.cornerGroups.push_back(group);
-    }
-}
-
-void GeneratePolygonLanes() {
-    const uint32_t count = WorldGeometry.file.polygons;
-    PolygonLanes = {};
-    for (std::vector<float>* const numbers : {&PolygonLanes.nx, &PolygonLanes.ny, &PolygonLanes.nz, &PolygonLanes.d})
-        numbers->resize(count + LANE_COUNT - 1);
-    for (uint32_t p = 0; p < count; ++p) {
-        const PolyRecord& polygon = WorldGeometry.polygons[p];
-        const PlaneRecord& plane = WorldGeometry.planes[polygon.plane];
-        PolygonLanes.nx[p] = plane.nx;
-        PolygonLanes.ny[p] = plane.ny;
-        PolygonLanes.nz[p] = plane.nz;
-        PolygonLanes.d[p] = plane.d;
-        PolygonLanes.firstGroup.push_back(static_cast<uint32_t>(PolygonLanes.cornerGroups.size()));
-        AppendCorners(polygon);
-    }
 }
 
 }  // namespace

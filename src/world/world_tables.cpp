@@ -2,7 +2,6 @@
 
 WorldGeometryTables WorldGeometry;
 CornerBox CornerBoxes[BSP_NODES_MAX];
-PolygonLanesTable PolygonLanes;
 
 int8_t CornerLight[CORNER_LIGHT_POLYGONS * 8];
 int8_t CornerLightBase[CORNER_LIGHT_POLYGONS * 8];

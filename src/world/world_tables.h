@@ -1,13 +1,11 @@
 // The world's global tables: geometry, light bytes, level light values. Data only.
 #pragma once
 
-#include "math/lanes.h"
 #include "records/light_facts.h"
 #include "records/table_facts.h"
 #include "records/world_records.h"
 
 #include <cstdint>
-#include <vector>
 
 struct GeometryCounts {
     uint32_t planes, polygons, points, polyVertices;
@@ -47,20 +45,6 @@ struct CornerBox {
     Vec3 low, high;  // low above high: there are no corners
 };
 extern CornerBox CornerBoxes[BSP_NODES_MAX];
-
-// Four corners of a polygon. Where it has fewer left, its first corner stands in the other lanes.
-struct CornerGroup {
-    Float4 x, y, z;
-};
-
-// What drawing reads of the world file's polygons, laid out in the order of drawing, for four numbers at once. Written
-// by GenerateNodeRadii.
-struct PolygonLanesTable {
-    std::vector<float> nx, ny, nz, d;       // by polygon: its plane. Three more entries behind the last one
-    std::vector<uint32_t> firstGroup;       // by polygon: index of its first four corners
-    std::vector<CornerGroup> cornerGroups;  // positions in the world
-};
-extern PolygonLanesTable PolygonLanes;
 
 // Whether loaders may append as much, the clipper's scratch left free.
 inline bool GeometryHasRoomFor(const GeometryCounts& more) {

@@ -3,6 +3,7 @@
 
 #include "records/world_records.h"
 #include "render/raster.h"
+#include "world/polygon_lanes.h"
 #include "world/world_tables.h"
 
 #include <cstdint>

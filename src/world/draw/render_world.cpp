@@ -14,6 +14,7 @@
 #include "render/textures.h"
 #include "world/draw/draw_character.h"
 #include "world/draw/polygon_view.h"
+#include "world/polygon_lanes.h"
 #include "world/world_tables.h"
 
 #include <algorithm>
