@@ -110,6 +110,7 @@ const Material* ClipMaterial(const MaterialList& list) {
 struct ReachableSurface {
     std::vector<Face> faces;    // that the player can get to see or touch
     std::vector<Face> hidden;   // behind and below them
+    std::vector<Face> skirts;   // hidden too, at points of the map; never left out
     std::optional<double> net;  // height of the ground below everything
     std::vector<std::string> notes;
     LeakPaths leaks;
@@ -121,6 +122,7 @@ struct SurfaceRequest {
     const LevelSettings& settings;
     const Material* clip;  // to paint hidden faces with; null: there are none
     int ticks;             // length of a frame
+    std::vector<Vec3> skirtPoints;
     bool takeLeaks;
 };
 
@@ -132,6 +134,7 @@ void AddHidden(const SurfaceRequest& request, const std::vector<Face>& faces, Br
         surface.hidden.insert(surface.hidden.end(), hidden.begin(), hidden.end());
     };
     if (request.settings.skirts) add(SkirtsBehind(faces, brushes, space, *request.clip, scale, guards.floors));
+    surface.skirts = SkirtsAtPoints(request.skirtPoints, faces, brushes, space, *request.clip, scale);
     if (guards.floors) {
         add(FloorsBehind(faces, brushes, space, *request.clip, scale));
         add(FloorsBelowThings(faces, brushes, *request.clip, scale));
@@ -171,7 +174,7 @@ ReachableSurface SurfaceOf(const MapFile& map, Brushes& brushes, const SurfaceRe
         Refuse(request.start.line, "nothing can be seen from info_player_start", "put it into the level");
     MergeFaces(surface.visible, brushes);
     if (request.clip) AddHidden(request, surface.visible, brushes, space, reachable);
-    CheckCounts(map.name, {PolygonCount(surface.visible.size() + reachable.hidden.size())});
+    CheckCounts(map.name, {PolygonCount(surface.visible.size() + reachable.hidden.size() + reachable.skirts.size())});
     reachable.faces = std::move(surface.visible);
     return reachable;
 }
@@ -269,7 +272,8 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
 
     const Material* clip = ClipMaterial(list);
     const int ticks = level > 0 ? LevelRowOf(level).ticks : 1;
-    ReachableSurface surface = SurfaceOf(map, brushes, {*start, settings, clip, ticks, takeLeaks}, faults);
+    ReachableSurface surface =
+        SurfaceOf(map, brushes, {*start, settings, clip, ticks, SkirtPoints(map, clip), takeLeaks}, faults);
     Tree tree = BuildDrawingTree(std::move(surface.faces), brushes, {settings.scale, settings.facesBehind});
     // These stay in the leaves of their ledges, and lie in the planes of walls that are seen.
     std::vector<LeafFace> walls;
@@ -285,11 +289,14 @@ CompiledLevel CompileMap(const MapFile& map, const MaterialList& list, int level
     if (clip && settings.guards.hollows) addHidden(FloorsInHollows(tree, hidden, brushes, *clip, settings.scale));
     hidden.erase(hidden.begin(), hidden.begin() + static_cast<std::ptrdiff_t>(walls.size()));
     if (clip && settings.guards.lids) addHidden(LidsOverLedges(tree, hidden, brushes, *clip, {settings.scale, ticks}));
-    // These are never left out.
-    for (Face& face : FacesAtGuardPoints(map, tree, hidden, brushes, clip, {settings.scale, ticks})) {
-        const size_t leaf = LeafAt(tree, brushes.planes, WindingCentre(face.winding));
-        tree.leaves[leaf].push_back(std::move(face));
-    }
+    const auto addAlways = [&](std::vector<Face> faces) {
+        for (Face& face : faces) {
+            const size_t leaf = LeafAt(tree, brushes.planes, WindingCentre(face.winding));
+            tree.leaves[leaf].push_back(std::move(face));
+        }
+    };
+    addAlways(FacesAtGuardPoints(map, tree, hidden, brushes, clip, {settings.scale, ticks}));
+    addAlways(std::move(surface.skirts));
     SetHiddenApart(tree, hidden, brushes, settings.scale);
     hidden.insert(hidden.begin(), walls.begin(), walls.end());
     const LightSources sources{map.name, settings, lights, brushes, list.materials, compiled.placement};

@@ -99,6 +99,16 @@ private:
     std::vector<int> found_;
 };
 
+// ContentError for one without an origin, or in a level without clip.
+Vec3 PointOf(const MapEntity& entity, const Material* clip) {
+    const std::optional<Vec3> origin = VectorKey(entity, "origin");
+    if (!origin)
+        Refuse(entity.line, entity.ClassName() + " has no origin", "place it where the explorer shows the fault");
+    if (!clip)
+        Refuse(entity.line, entity.ClassName() + " in a level without clip", "add clip to the level's materials");
+    return *origin;
+}
+
 }  // namespace
 
 std::vector<Face> FacesAtGuardPoints(const MapFile& map, const Tree& tree, const std::vector<LeafFace>& hidden,
@@ -108,11 +118,17 @@ std::vector<Face> FacesAtGuardPoints(const MapFile& map, const Tree& tree, const
     for (const MapEntity& entity : map.entities) {
         const std::string name = entity.ClassName();
         if (name != "info_footing" && name != "info_lid") continue;
-        const std::optional<Vec3> origin = VectorKey(entity, "origin");
-        if (!origin) Refuse(entity.line, name + " has no origin", "place it where the explorer shows the fault");
-        if (!clip) Refuse(entity.line, name + " in a level without clip", "add clip to the level's materials");
+        const Vec3 player = PointOf(entity, clip);
         if (!points) points.emplace(tree, hidden, brushes, *clip, options);
-        faces.push_back(name == "info_lid" ? points->Lid(*origin) : points->Footing(*origin));
+        faces.push_back(name == "info_lid" ? points->Lid(player) : points->Footing(player));
     }
     return faces;
+}
+
+std::vector<Vec3> SkirtPoints(const MapFile& map, const Material* clip) {
+    std::vector<Vec3> players;
+    for (const MapEntity& entity : map.entities) {
+        if (entity.ClassName() == "info_skirt") players.push_back(PointOf(entity, clip));
+    }
+    return players;
 }

@@ -7,7 +7,10 @@
 // info_lid: a small level ceiling. A player whom the corner of a ledge would throw up stays where he is. It lies so
 // high that he steps onto the ledge below it.
 //
-// The origin of both is the player's position as the explorer prints it.
+// info_skirt: skirts (mapc/skirts.h) behind the walls that the player touches there, for 192 units to each side. He
+// does not creep through them.
+//
+// The origin of each is the player's position as the explorer prints it.
 #pragma once
 
 #include "mapc/hidden_faces.h"
@@ -17,3 +20,6 @@
 // ContentError for a point without an origin, and for one in a level without clip.
 std::vector<Face> FacesAtGuardPoints(const MapFile& map, const Tree& tree, const std::vector<LeafFace>& hidden,
                                      Brushes& brushes, const Material* clip, const MoveOptions& options);
+
+// The places of the info_skirt entities. ContentError as above.
+std::vector<Vec3> SkirtPoints(const MapFile& map, const Material* clip);

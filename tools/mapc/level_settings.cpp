@@ -92,6 +92,7 @@ const std::vector<EntityClass> ENTITY_CLASSES{
     {"func_terrain", {"image", "tolerance", "steep", "steep_from", "high", "high_from"}},
     {"info_footing", {"origin"}},
     {"info_lid", {"origin"}},
+    {"info_skirt", {"origin"}},
     {"info_route", {"origin", "order", "angle", "reach", "name"}},
     {"func_instance", {"file", "origin", "angles"}},  // and replace...
     {"light", {"origin", "light", "radius", "style", "low", "rise", "fall", "high_time", "low_time", "start"}},

@@ -15,6 +15,11 @@ constexpr double REACH_MIN = 2 * MOVE_SPHERE_RADIUS;
 // Between the skirts of both sides of a wall that stay apart.
 constexpr double APART = 3 * MOVE_SPHERE_RADIUS;
 constexpr double AREA_MIN = 0.5;  // map units; smaller skirts have no direction
+// Of a skirt at a point: so far to each side, below and above the player's sphere. Who creeps comes down between hops,
+// farther below than a leap is high.
+constexpr double POINT_ASIDE = 192, POINT_BELOW = 208, POINT_ABOVE = 48;
+constexpr double AT_A_WALL =
+    MOVE_SPHERE_RADIUS + 4;  // the player's sphere is this near to the wall through which he creeps
 
 class SkirtMaker {
 public:
@@ -22,17 +27,54 @@ public:
         : brushes_(brushes), clip_(clip), unit_(1 / scale), staysApart_(staysApart), depth_(brushes, space, scale) {}
 
     std::vector<Face> Behind(const std::vector<Face>& faces) {
+        for (const Face& wall : WallsAmong(faces))
+            AddBehind({wall});
+        return std::move(skirts_);
+    }
+
+    std::vector<Face> AtPoints(const std::vector<Vec3>& players, const std::vector<Face>& faces) {
+        const std::vector<Face> walls = WallsAmong(faces);
+        for (const Vec3& player : players) {
+            for (const Face& wall : walls)
+                AddAt(player - Vec3{0, 0, SPHERE_LOWERING * unit_}, wall);
+        }
+        return std::move(skirts_);
+    }
+
+private:
+    std::vector<Face> WallsAmong(const std::vector<Face>& faces) const {
         std::vector<Face> walls;  // all painted alike, so that they merge
         for (const Face& face : faces) {
             if (IsWall(face)) walls.emplace_back(face.winding, face.plane, faces[0].texture, true);
         }
         MergeFaces(walls, brushes_);
-        for (const Face& wall : walls)
-            AddBehind({wall});
-        return std::move(skirts_);
+        return walls;
     }
 
-private:
+    // Where the sphere is at the wall, behind what is near it.
+    void AddAt(const Vec3& sphere, const Face& wall) {
+        const Plane& plane = brushes_.planes[wall.plane];
+        if (std::abs(plane.Distance(sphere)) > AT_A_WALL * unit_) return;
+        const double across = std::sqrt(plane.normal.x * plane.normal.x + plane.normal.y * plane.normal.y);
+        const Vec3 right{plane.normal.y / across, -plane.normal.x / across, 0};  // seen from the room
+        const double middle = Dot(sphere, right), aside = POINT_ASIDE * unit_;
+        Piece piece{wall};
+        Winding& winding = piece.face.winding;
+        const auto keepBack = [&winding](const Plane& cut) {
+            const bool isCut =
+                std::any_of(winding.begin(), winding.end(), [&](const Vec3& p) { return cut.Distance(p) > 0; });
+            KeepBack(winding, cut);
+            return isCut;
+        };
+        piece.goesOnRight = keepBack({right, middle + aside});
+        piece.goesOnLeft = keepBack({-right, aside - middle});
+        keepBack({{0, 0, 1}, sphere.z + POINT_ABOVE * unit_});
+        keepBack({{0, 0, -1}, POINT_BELOW * unit_ - sphere.z});
+        if (winding.size() < 3) return;
+        piece.face.box = WindingBox(winding);
+        AddBehind(std::move(piece));
+    }
+
     bool IsWall(const Face& face) const {
         const bool isCutout = brushes_.textures[static_cast<size_t>(face.texture)].material->flags & MATERIAL_CUTOUT;
         return !isCutout && std::abs(brushes_.planes[face.plane].normal.z) < double{STEEP_SLOPE};
@@ -170,4 +212,9 @@ private:
 std::vector<Face> SkirtsBehind(const std::vector<Face>& faces, Brushes& brushes, const SealedSpace& space,
                                const Material& clip, double scale, bool stayApart) {
     return SkirtMaker(brushes, space, clip, scale, stayApart).Behind(faces);
+}
+
+std::vector<Face> SkirtsAtPoints(const std::vector<Vec3>& players, const std::vector<Face>& faces, Brushes& brushes,
+                                 const SealedSpace& space, const Material& clip, double scale) {
+    return SkirtMaker(brushes, space, clip, scale, false).AtPoints(players, faces);
 }

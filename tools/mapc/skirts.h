@@ -20,3 +20,7 @@ constexpr double SKIRT_LEAN = 0.23;  // horizontal over vertical: too flat to be
 // caught between the back of one and the front of the other; thinner walls then go without.
 std::vector<Face> SkirtsBehind(const std::vector<Face>& faces, Brushes& brushes, const SealedSpace& space,
                                const Material& clip, double scale, bool stayApart);
+
+// The skirts of the walls at places of the player's, and of no more of them than is near.
+std::vector<Face> SkirtsAtPoints(const std::vector<Vec3>& players, const std::vector<Face>& faces, Brushes& brushes,
+                                 const SealedSpace& space, const Material& clip, double scale);

@@ -99,14 +99,26 @@ TEST(Explorer, AFootingIsAFloorForWhoeverHangsAtItsPlace) {
     EXPECT_NEAR(walker.Position().y, trap.place.y, 32);
 }
 
-TEST(Explorer, ALidKeepsDownWhoeverWasThrownUpAtItsPlace) {
-    const Fault lift = Mend(Room::Ledge, FaultKind::Lift, "info_lid");
+// Plays the fault again; its last keys are held for so many more frames.
+Vec3 PlayAgain(const Fault& fault, uint32_t held) {
     Walker walker({WORLD, {}, DATA / "game/data/anims", {223, 488, -211}, 1});
-    for (const HeldKeys& keys : lift.play) {
+    KeyPlay play = fault.play;
+    play.push_back({play.back().controls, held});
+    for (const HeldKeys& keys : play) {
         for (uint32_t i = 0; i < keys.frames; ++i)
             walker.Frame(keys.controls);
     }
-    EXPECT_LT(walker.Position().y, lift.outcome.y - 80);
+    return walker.Position();
+}
+
+TEST(Explorer, ALidKeepsDownWhoeverWasThrownUpAtItsPlace) {
+    const Fault lift = Mend(Room::Ledge, FaultKind::Lift, "info_lid");
+    EXPECT_LT(PlayAgain(lift, 0).y, lift.outcome.y - 80);
+}
+
+TEST(Explorer, ASkirtStopsWhoeverCreepsAtItsPlace) {
+    const Fault creep = Mend(Room::Upright, FaultKind::Creep, "info_skirt");
+    EXPECT_GT(PlayAgain(creep, 1000).y, creep.place.y - JumpHeight(1));  // not below the floor
 }
 
 float StartOnTheFloor(Walker& walker) {
