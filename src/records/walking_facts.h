@@ -11,6 +11,9 @@ constexpr float STANDING_HEIGHT = SPHERE_LOWERING + MOVE_SPHERE_RADIUS;
 // One move slides along at most so many polygons, one after the other.
 constexpr int MOVE_PASSES_MAX = 11;
 
+// A polygon stops a move only when the move comes nearer to it by at least this.
+constexpr float LEAST_MOVE = 0.1f;
+
 // The polygons that one move may touch lie within half its length and this margin.
 constexpr float GATHER_MARGIN = 144.0f;
 constexpr int CONTACTS_MAX = 200;  // more of them end the program

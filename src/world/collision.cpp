@@ -96,8 +96,8 @@ int32_t SweepContacts(const Vec3& start, const Vec3& end, int32_t radius) {
         const float endDistance = Distance(plane, end);
         if (startDistance > r && endDistance > r) continue;
         if (-startDistance > r && -endDistance > r) continue;
-        // Kept as it is: a move that comes nearer by less than 0.1 is not stopped.
-        if (endDistance < startDistance || std::fabs(endDistance - startDistance) < 0.1f) continue;
+        // Kept as it is: what moves more slowly than LEAST_MOVE passes.
+        if (endDistance < startDistance || std::fabs(endDistance - startDistance) < LEAST_MOVE) continue;
         const Vec3 projected =
             ToFloat(Truncate(end)) - Vec3{endDistance * plane.nx, endDistance * plane.ny, endDistance * plane.nz};
         if (InsideGrownOutline(polygon, Truncate(projected), radius)) return *contact;

@@ -138,6 +138,20 @@ private:
 
 }  // namespace
 
+std::vector<Box> BoxesOf(const std::vector<Face>& faces) {
+    std::vector<Box> boxes;
+    for (const Face& face : faces)
+        boxes.push_back(face.box);
+    return boxes;
+}
+
+std::vector<Box> BoxesOf(const std::vector<const Face*>& faces) {
+    std::vector<Box> boxes;
+    for (const Face* face : faces)
+        boxes.push_back(face->box);
+    return boxes;
+}
+
 Surface CutBrushes(const Brushes& brushes, WholeFaces whole) {
     return Cutter(brushes, whole).Cut();
 }

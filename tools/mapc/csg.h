@@ -15,6 +15,9 @@ struct Face {
         : winding(std::move(corners)), plane(planeId), texture(textureId), hidden(isHidden), box(WindingBox(winding)) {}
 };
 
+std::vector<Box> BoxesOf(const std::vector<Face>& faces);
+std::vector<Box> BoxesOf(const std::vector<const Face*>& faces);
+
 struct Surface {
     std::vector<Face> sealing;  // the closed surface of the solid brushes alone, sky included
     std::vector<Face> visible;  // what remains of all painted faces where nothing hides them

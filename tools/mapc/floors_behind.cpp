@@ -45,13 +45,6 @@ private:
         return floors;
     }
 
-    static std::vector<Box> BoxesOf(const std::vector<const Face*>& faces) {
-        std::vector<Box> boxes;
-        for (const Face* face : faces)
-            boxes.push_back(face->box);
-        return boxes;
-    }
-
     // Follows the edges of the wall at which a floor ends.
     void AddBehind(const Face& wall) {
         const Vec3& normal = brushes_.planes[wall.plane].normal;
@@ -152,10 +145,7 @@ double CommonArea(const Winding& a, const Face& b, const Plane& plane) {
 
 std::vector<Face> FloorsBelowThings(const std::vector<Face>& faces, Brushes& brushes, const Material& clip,
                                     double scale) {
-    std::vector<Box> boxes;
-    for (const Face& face : faces)
-        boxes.push_back(face.box);
-    const BoxGrid grid(std::move(boxes));
+    const BoxGrid grid(BoxesOf(faces));
     const double areaMin = COVERED_MIN / (scale * scale);
     std::vector<Winding> covered;
     std::vector<int> found;

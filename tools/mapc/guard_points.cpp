@@ -13,8 +13,7 @@ constexpr double RISE_ANYWHERE = 3;  // where nothing is clear: he meets the foo
 // Of a player on the footing from what slopes: sliding down one side of a hollow he does not touch the other in a
 // frame. Where there is less room, the least that keeps them apart.
 constexpr double CLEARANCES[] = {1.5, 0.25};
-constexpr double ROUNDING = 4;      // the game rounds places twice before it looks whether they lie in a face's outline
-constexpr double LEAST_MOVE = 0.1;  // toward a face, so that it stops a player
+constexpr double ROUNDING = 4;  // the game rounds places twice before it looks whether they lie in a face's outline
 constexpr double LID_HALF = 24;
 constexpr double LID_HEIGHT = LEDGE_MAX + RADIUS + 2;  // above the middle of the player's sphere
 constexpr double LEVEL = 0.999;                        // vertical part of a normal that lets nobody slide
@@ -42,7 +41,7 @@ public:
 private:
     // The faces that turn aside the fall of a player who hangs, or his jump.
     std::vector<const Face*> SlopesOf(const Tree& tree, const std::vector<LeafFace>& hidden, int ticks) const {
-        const double upright = LEAST_MOVE / (-double{GRAVITY} * ticks);
+        const double upright = double{LEAST_MOVE} / (-double{GRAVITY} * ticks);
         std::vector<const Face*> slopes;
         const auto add = [&](const Face& face) {
             const double up = brushes_.planes[face.plane].normal.z;
@@ -53,13 +52,6 @@ private:
         for (const LeafFace& face : hidden)
             add(face.face);
         return slopes;
-    }
-
-    static std::vector<Box> BoxesOf(const std::vector<const Face*>& faces) {
-        std::vector<Box> boxes;
-        for (const Face* face : faces)
-            boxes.push_back(face->box);
-        return boxes;
     }
 
     Vec3 SphereOf(const Vec3& player) const { return player - Vec3{0, 0, SPHERE_LOWERING * unit_}; }

@@ -10,14 +10,13 @@ namespace {
 
 // In engine units.
 constexpr double RADIUS = MOVE_SPHERE_RADIUS;
-constexpr double START_STEP = 24;   // between the places on a steep face from which balls roll
-constexpr double FALL = 8;          // of a ball in a step
-constexpr double SLOW_FALL = 1.8;   // of a player who hangs, in a frame: what stops it holds him
-constexpr double LEAST_MOVE = 0.1;  // toward a face, so that it stops the ball
-constexpr double REST = 0.5;        // what is left of a step that ends it
-constexpr double CELL = 8;          // a ball that comes to where one was before need not be followed
-constexpr double FLOOR_RISE = 3;    // of a floor above the ball's lowest point: the ball meets it before the faces
-constexpr double FLOOR_HALF = 6;    // the game takes it for larger by the player's radius on each side
+constexpr double START_STEP = 24;  // between the places on a steep face from which balls roll
+constexpr double FALL = 8;         // of a ball in a step
+constexpr double SLOW_FALL = 1.8;  // of a player who hangs, in a frame: what stops it holds him
+constexpr double REST = 0.5;       // what is left of a step that ends it
+constexpr double CELL = 8;         // a ball that comes to where one was before need not be followed
+constexpr double FLOOR_RISE = 3;   // of a floor above the ball's lowest point: the ball meets it before the faces
+constexpr double FLOOR_HALF = 6;   // the game takes it for larger by the player's radius on each side
 // Who comes to rest so near to a floor's middle, and no more than RISE_COVERED above the ball it was made for or
 // DEPTH_COVERED below it, lands on that floor.
 constexpr double FLOOR_COVERS = FLOOR_HALF + RADIUS - 2;
@@ -39,7 +38,7 @@ struct Obstacle {
         const double radius = RADIUS * unit;
         if (start > radius && end > radius) return false;
         if (start < -radius && end < -radius) return false;
-        if (start - end < LEAST_MOVE * unit) return false;
+        if (start - end < double{LEAST_MOVE} * unit) return false;
         return std::all_of(edges.begin(), edges.end(),
                            [&](const Plane& edge) { return edge.Distance(to) <= radius + rounding * unit; });
     }
@@ -132,7 +131,7 @@ private:
             if (Length(*next - ball) < FALL / 2 * unit_) {
                 next = Moved(ball, SLOW_FALL);
                 if (!next) return;
-                if (Length(*next - ball) < LEAST_MOVE * unit_) {
+                if (Length(*next - ball) < double{LEAST_MOVE} * unit_) {
                     rests_.push_back(ball);
                     return;
                 }
