@@ -24,7 +24,7 @@
 namespace {
 
 constexpr float EYE_HEIGHT = 20.0f;  // above the floor; low, because an eye within a ceiling sees what nobody sees
-constexpr uint32_t POLYGONS = 150;   // polygons of a level that are tried as floors
+constexpr size_t PLACES = 80;        // of a level, at most
 constexpr int RAYS = 25;
 
 struct LevelFiles {
@@ -46,12 +46,16 @@ bool CanBeSeen(int polygon) {
     return false;
 }
 
+// Hidden floors lie within walls, too, where nobody looks from.
 std::vector<Vec3> PlacesOverFloors() {
-    std::vector<Vec3> places;
-    const uint32_t step = WorldGeometry.file.polygons / POLYGONS + 1;
-    for (uint32_t i = 0; i < WorldGeometry.file.polygons; i += step) {
+    std::vector<int> floors;
+    for (int i = 0; i < static_cast<int>(WorldGeometry.file.polygons); ++i) {
         const PolyRecord& polygon = WorldGeometry.polygons[i];
-        if (WorldGeometry.planes[polygon.plane].ny > -0.7f) continue;
+        if (WorldGeometry.planes[polygon.plane].ny <= -0.7f && CanBeSeen(i)) floors.push_back(i);
+    }
+    std::vector<Vec3> places;
+    for (size_t i = 0; i < floors.size(); i += floors.size() / PLACES + 1) {
+        const PolyRecord& polygon = WorldGeometry.polygons[floors[i]];
         Vec3 place = {0, EYE_HEIGHT, 0};
         for (uint32_t k = 0; k < polygon.cornerCount; ++k) {
             const Vec3& p = CornerPosition(polygon, k);
